@@ -1,0 +1,102 @@
+#pragma once
+
+#include "src/pageimage.h"
+
+#include <QHash>
+#include <QImage>
+#include <QPointF>
+#include <QString>
+
+#include <vector>
+
+/// One numbered label of a page. A plain value.
+struct TDataItem
+{
+    int id = 0;          ///< key within its page, drawn at random, never shown
+    int value = 0;       ///< the number on the label; values may repeat
+    QString text;        ///< shown instead of the number when not empty
+    int border_type = 0; ///< 0 none, 1 square, 2 ellipse, 4 triangle, 8 diamond
+    QPointF position;    ///< centre of the label in page-image pixels
+    bool selected = false;
+};
+
+/// One page: its picture and its labels in the order in which they were added.
+struct TPageItem
+{
+    int page_id = 0;  ///< unique within the document
+    TPageImage image; ///< null for a page that was added without one
+    std::vector<TDataItem> data_items;
+};
+
+/// The open document: an ordered list of pages, one of which may be active.
+///
+/// Pages are found by page id and labels by item id; all item operations act on the active page.
+/// The model tells nobody of its changes. Asking for items or for the image while no page is active
+/// is a programming error and stops the program by an assertion; Active_Page, Page_Image_Valid and
+/// Page_Has_Data are the questions to ask first. An unknown id is no error: the operation returns
+/// -1 or false and changes nothing. GUI thread only.
+class TData
+{
+public:
+    /// An empty document. Restarts the page ids at 1 for all documents, since they share one count.
+    TData();
+
+    /// Appends a page without an image and returns its new id. The active page stays.
+    int Add_Page();
+    /// Appends a page with an image and returns its new id.
+    int Add_Page(const QImage& image);
+    /// The same, for an image that is known by its bytes.
+    int Add_Page(const TPageImage& image);
+    /// Erases a page. No page is active afterwards if it was the active one.
+    void Remove_Page(int page_id);
+    /// Makes a page active; an unknown id leaves no page active and returns false.
+    bool Set_Active_Page(int page_id);
+    /// Id of the active page, -1 when there is none.
+    int Active_Page() const;
+    /// Place of a page in the document, from 0; -1 for an unknown id.
+    int Page_Index(int page_id) const;
+    /// Id of the page at a place, which has to exist.
+    int Page_Id(int index) const;
+    /// Number of pages.
+    int Page_Count() const;
+    /// Pixels of the active page's image.
+    QImage Page_Image() const;
+    /// The active page's image with whatever is known of it.
+    const TPageImage& Page_Content() const;
+    /// Replaces the active page's image.
+    void Set_Page_Image(const QImage& image);
+    /// The same, for an image that is known by its bytes.
+    void Set_Page_Image(const TPageImage& image);
+    /// Whether a page is active and has an image that can be shown.
+    bool Page_Image_Valid() const;
+    /// Whether a page is active and has at least one label.
+    bool Page_Has_Data() const;
+    /// Erases all pages and restarts the page ids at 1.
+    void Clear();
+
+    /// Number of labels.
+    int Item_Count() const;
+    /// Largest value among the labels, at least 0.
+    int Item_Max_Value() const;
+    bool Item_Exists(int id) const;
+    /// Copy of the label at a place, from 0, which has to exist.
+    TDataItem Item(int index) const;
+    /// Appends a label; false when its id is taken.
+    bool Add_Item(const TDataItem& item);
+    /// Erases a label, keeping the order of the others; false when there is none with that id.
+    bool Remove_Item(int id);
+    bool Change_Item_Value(int id, int value);
+    bool Change_Item_Text(int id, const QString& text);
+    /// The code is stored as it is given.
+    bool Change_Item_Border(int id, int border_type);
+    /// @param position  centre of the label in page-image pixels; may lie outside of the image.
+    bool Change_Item_Position(int id, const QPointF& position);
+    bool Change_Item_Selection(int id, bool selected);
+    /// Unselects every label.
+    void Clear_Selection();
+
+private:
+    std::vector<TPageItem> d_page_items;
+    int d_active_page_index = -1;
+    static int d_next_page_id;
+};

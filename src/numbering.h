@@ -1,0 +1,29 @@
+#pragma once
+
+/// Gives out label values one after the other, over one page or many.
+///
+/// Values wrap around at the ends of a 32-bit integer.
+class TNumbering
+{
+public:
+    /// How the first value of a page follows from the page before.
+    enum TMethod { Next_1X = 0, Next_10X = 1, Next_100X = 2, Next_1000X = 4 };
+
+    /// @param first   the value that comes first.
+    /// @param method  one of TMethod; any other code counts on without a gap.
+    TNumbering(int first, int method);
+
+    /// Returns the next value and steps on by one.
+    int Take();
+
+    /// Goes over a page break: from x, one past the last value given, to the next start, which with
+    /// the steps 10, 100 and 1000 is (x / step + 1) * step, with division truncating toward zero.
+    void Break_Page();
+
+    /// The value that Take would return.
+    int Next() const { return d_next; }
+
+private:
+    int d_next;
+    int d_step;
+};

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QSize>
+
+#include <memory>
+
+/// The picture of one page: known as encoded bytes, as pixels, or as both.
+///
+/// A scan weighs some megabytes as a file and ten times that as pixels, and only one page is looked
+/// at at a time. A page image therefore keeps the bytes in which it came and decodes them when
+/// somebody asks for pixels; decoded pixels stay in a store of 256 MiB that all page images share
+/// and that forgets those that were used longest ago. PNG bytes are made at most once and kept.
+///
+/// It is a value: copies are cheap and share what is known; assigning replaces. It converts to and
+/// from QImage, so that code that reads or assigns a QImage need not know it. GUI thread only.
+class TPageImage
+{
+public:
+    /// A null image: no bytes, no pixels.
+    TPageImage();
+
+    /// An image known as pixels; they are kept for as long as the image lives.
+    TPageImage(const QImage& image);
+
+    /// An image known as encoded bytes, of whatever format the decoder detects. Nothing is decoded.
+    /// Empty bytes give a null image. Bytes that cannot be decoded behave as a null image, but are
+    /// still there to be written back.
+    static TPageImage From_Bytes(const QByteArray& bytes);
+
+    /// The same, for a part of a larger array, which is kept alive but not copied.
+    /// @param offset, length  the part, in bytes; clipped to the array.
+    static TPageImage From_Part(const QByteArray& whole, int offset, int length);
+
+    /// The same, with the content of a file, whose pixels are decoded at once because that is the
+    /// only way to know that it is an image. Null when the file cannot be read as an image.
+    static TPageImage From_File(const QString& path);
+
+    /// The pixels; null when there are none or they cannot be decoded.
+    operator QImage() const;
+
+    /// As QImage::isNull of the decoded image.
+    bool isNull() const;
+
+    /// As QImage::size of the decoded image, in pixels; (0, 0) when it is null.
+    QSize size() const;
+
+    /// The image as PNG at default quality, encoded at most once. Bytes that are PNG already are
+    /// handed out as they are, and so are bytes that cannot be decoded. Empty for a null image.
+    QByteArray Png() const;
+
+    /// The bytes in which the image came, whatever their format; PNG for one that came as pixels.
+    QByteArray Source_Bytes() const;
+
+    /// Whether both are the same image by identity (not by comparing pixels).
+    bool Is_Same_As(const TPageImage& other) const;
+
+    /// Images whose header promises more pixels than this count as undecodable.
+    static constexpr qint64 Maximum_Pixels = 500'000'000;
+
+    /// How many bytes of decoded pixels the shared store keeps at the most (the last used image
+    /// stays even when it alone is larger).
+    static constexpr qint64 Store_Bytes = 256LL * 1024 * 1024;
+
+private:
+    struct TContent;
+    explicit TPageImage(std::shared_ptr<TContent> content);
+
+    std::shared_ptr<TContent> d_content; ///< never null; shared by all copies of one image
+};

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "src/pageimage.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <vector>
+
+class QIODevice;
+
+/// Puts a project file together, field after field, in the order of docs/file-formats.md.
+///
+/// The fields are kept as the pieces in which they came, so that a large document is not copied a
+/// second time on its way to the disk.
+class TProjectWriter
+{
+public:
+    /// Begins with the magic number.
+    TProjectWriter();
+
+    /// Appends a 32-bit integer in host byte order.
+    void Write_Integer(int value);
+    /// Appends a length and that many Latin-1 bytes.
+    void Write_Text(const QString& text);
+    /// Appends a length and the bytes.
+    void Write_Bytes(const QByteArray& bytes);
+
+    /// Size of the whole file in bytes.
+    qint64 Size() const;
+
+    /// Writes everything to an open device; false when it took fewer bytes than there are.
+    bool Write_To(QIODevice* device) const;
+
+    /// A file that one byte array cannot hold (2 GiB) could not be read back.
+    static constexpr qint64 Maximum_Size = 0x7fffffff;
+
+private:
+    std::vector<QByteArray> d_pieces;
+    qint64 d_size = 0;
+};
+
+/// Takes a project file apart, field after field.
+///
+/// Reading an integer past the end is stopped by an assertion. A length that points past the end is
+/// clipped; a negative one makes the reader invalid, and from then on every field is empty or 0.
+class TProjectReader
+{
+public:
+    /// @param bytes  the whole file; kept alive by the images that are read from it.
+    explicit TProjectReader(const QByteArray& bytes);
+
+    /// Whether the bytes begin like a project file: at least 8 of them, and the magic number, which
+    /// is then passed over.
+    bool Read_Magic();
+    int Read_Integer();
+    /// A Latin-1 field, cut at its first zero byte.
+    QString Read_Text();
+    /// A field of raw bytes.
+    QByteArray Read_Bytes();
+    /// A page's image, not yet decoded; shares the file's bytes.
+    TPageImage Read_Image();
+
+    /// False once a field had a negative length.
+    bool Is_Valid() const { return d_valid; }
+
+    /// First bytes of every project file, as an integer.
+    static constexpr int Magic = 90210;
+
+private:
+    int Read_Length();
+
+    QByteArray d_bytes;
+    qint64 d_position = 0;
+    bool d_valid = true;
+};

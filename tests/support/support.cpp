@@ -1,0 +1,154 @@
+#include "support/support.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QPainter>
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Support {
+
+QImage Picture(int width, int height, int seed)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x)
+            image.setPixel(x, y,
+                           qRgb((x * 3 + seed * 31) % 256, (y * 5 + seed * 17) % 256,
+                                (x + y + seed * 7) % 256));
+    }
+    QPainter painter(&image);
+    painter.fillRect(width / 4, height / 4, width / 3, height / 5,
+                     QColor::fromHsv(seed * 37 % 360, 200, 220));
+    return image;
+}
+
+QByteArray Png(const QImage& image)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
+QString Difference(const QImage& actual, const QImage& expected)
+{
+    if (actual.size() != expected.size())
+        return QStringLiteral("size %1 x %2 instead of %3 x %4")
+            .arg(actual.width())
+            .arg(actual.height())
+            .arg(expected.width())
+            .arg(expected.height());
+    for (int y = 0; y < expected.height(); ++y) {
+        for (int x = 0; x < expected.width(); ++x) {
+            const QRgb found = actual.pixel(x, y);
+            const QRgb wanted = expected.pixel(x, y);
+            if (found != wanted)
+                return QStringLiteral("pixel (%1, %2) is %3 instead of %4")
+                    .arg(x)
+                    .arg(y)
+                    .arg(found, 8, 16, QLatin1Char('0'))
+                    .arg(wanted, 8, 16, QLatin1Char('0'));
+        }
+    }
+    return QString();
+}
+
+namespace {
+
+/// Reads a descriptor to its end or until the time is up; tells whether the end was reached.
+bool Read_All(int descriptor, int seconds, QByteArray* output)
+{
+    char block[4096];
+    pollfd ready{descriptor, POLLIN, 0};
+    for (;;) {
+        const int answer = poll(&ready, 1, seconds * 1000);
+        if (answer == 0)
+            return false;
+        const ssize_t count = read(descriptor, block, sizeof(block));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return true;
+        output->append(block, static_cast<int>(count));
+    }
+}
+
+} // namespace
+
+TChildResult Run_In_Child(const std::function<int()>& function, int seconds)
+{
+    TChildResult result;
+    int ends[2];
+    if (pipe(ends) != 0)
+        return result;
+    const pid_t child = fork();
+    if (child == 0) {
+        close(ends[0]);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[1]);
+        // QtTest prints a report of its own when a test is stopped by a signal; the child is to die
+        // of it plainly.
+        std::signal(SIGABRT, SIG_DFL);
+        std::signal(SIGSEGV, SIG_DFL);
+        _exit(function());
+    }
+    close(ends[1]);
+    if (!Read_All(ends[0], seconds, &result.error_output)) {
+        result.timed_out = true;
+        kill(child, SIGKILL);
+    }
+    close(ends[0]);
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    result.exited = WIFEXITED(status);
+    if (result.exited)
+        result.exit_code = WEXITSTATUS(status);
+    else if (WIFSIGNALED(status))
+        result.signal = WTERMSIG(status);
+    return result;
+}
+
+QString Assertion_Failure(const std::function<void()>& function, const QString& source,
+                          const QString& condition, const QString& in_function)
+{
+    const TChildResult result = Run_In_Child([&function] {
+        function();
+        return 0;
+    });
+    const QString output = QString::fromUtf8(result.error_output);
+    if (result.signal != SIGABRT)
+        return QStringLiteral("not aborted: exit code %1, signal %2, output: %3")
+            .arg(result.exit_code)
+            .arg(result.signal)
+            .arg(output);
+    if (!output.contains(QStringLiteral("Assertion `%1' failed").arg(condition)))
+        return QStringLiteral("other assertion: ") + output;
+    if (!output.contains(QStringLiteral(": ") + source) && !output.startsWith(source))
+        return QStringLiteral("other source: ") + output;
+    if (!output.contains(in_function))
+        return QStringLiteral("other function: ") + output;
+    return QString();
+}
+
+void Write_File(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+QByteArray Read_File(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace Support

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+
+#include <functional>
+
+/// What several tests need: pictures to work with, images compared, programs that must abort.
+namespace Support {
+
+/// A picture that no other seed gives: a coloured gradient with some shapes.
+QImage Picture(int width, int height, int seed = 0);
+
+/// An image as PNG bytes, as QImage::save encodes them at default quality.
+QByteArray Png(const QImage& image);
+
+/// Empty when both images have the same size and pixels; otherwise tells the sizes, or the first
+/// pixel that differs with both its colours. Formats are not compared.
+QString Difference(const QImage& actual, const QImage& expected);
+
+/// What became of a function that was run in a child process.
+struct TChildResult
+{
+    bool exited = false; ///< ended by itself, with exit_code
+    int exit_code = -1;
+    int signal = 0;          ///< ended by this signal
+    bool timed_out = false;  ///< killed after the time limit
+    QByteArray error_output; ///< what it printed on standard error
+};
+
+/// Runs a function in a forked child and waits for it. The child's exit code is the function's
+/// result.
+/// @param seconds  time limit.
+TChildResult Run_In_Child(const std::function<int()>& function, int seconds = 20);
+
+/// Empty when the function is stopped by an assertion with exactly this condition text in a source
+/// whose path, relative to the project's root, begins with source; otherwise what happened instead.
+QString Assertion_Failure(const std::function<void()>& function, const QString& source,
+                          const QString& condition, const QString& in_function = QString());
+
+/// Writes a file as it is given.
+void Write_File(const QString& path, const QByteArray& content);
+
+/// The content of a file; empty when it cannot be read.
+QByteArray Read_File(const QString& path);
+
+} // namespace Support
