@@ -1,0 +1,23 @@
+// Entry point of the desktop program: one window, one event loop.
+
+#include "src/quillet.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QStyleFactory>
+
+#include <memory>
+
+int main(int argument_count, char** arguments)
+{
+    QApplication application(argument_count, arguments);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillet.png")));
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+
+    auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    window->show();
+    const int exit_code = QApplication::exec();
+    window.reset();
+    return exit_code;
+}

@@ -1,0 +1,121 @@
+// The window as a whole: its construction, questions and messages, zoom, and what follows from the
+// state of the document.
+
+#include "src/quillet.h"
+
+#include "src/displaywidget.h"
+#include "src/labelwidget.h"
+#include "src/messagebox.h"
+#include "src/pagewidget.h"
+#include "src/safetynet.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QSlider>
+#include <QStatusBar>
+
+#include <cmath>
+
+TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
+    // The toolkit adopts a parent by a pointer to non-const; the window never changes it otherwise.
+    : QMainWindow(const_cast<QWidget*>(parent), flags)
+{
+    resize(800, 600);
+    setIconSize(QSize(32, 32));
+    Prepare_Settings();
+    Restore_Geometry();
+    d_message_box = new TMessageBox(this);
+    Create_Actions();
+    QMenu* view_menu = Create_Menus();
+    Create_Tool_Bar();
+    Create_Status_Bar();
+    Create_Docks(view_menu);
+    Create_Panels();
+    Create_Central_Widget();
+    Set_Titles();
+    Restore_Settings();
+    d_display_click = false;
+    d_data_changed = false;
+    d_label_widget->setEnabled(false);
+    Connect_Signals();
+    Spread_Safety_Net();
+}
+
+TQuillet::~TQuillet() = default;
+
+void TQuillet::Help_About()
+{
+    Show_Message(tr("Help - About"), tr("Quillet - Version 3.0"), QString(), QMessageBox::Ok,
+                 QMessageBox::Ok, QMessageBox::Information);
+}
+
+void TQuillet::Image_Zoom_Changed(int value)
+{
+    // The slider runs over e^-2 to e^2, so that each step multiplies by the same factor and its
+    // middle is the original size.
+    constexpr double smallest_scale = 0.1353352832366127;
+    const double x =
+        static_cast<double>(value - d_zoom_slider->minimum()) / d_zoom_slider->maximum();
+    const double scale = std::exp(2.0 * x) * smallest_scale;
+    d_display_widget->Change_Scale(scale);
+    d_zoom_label->setText(tr("%1 X").arg(scale, 0, 'f', 2));
+}
+
+QMessageBox::StandardButton
+TQuillet::Show_Message(const QString& text, const QString& informative_text,
+                       const QString& detailed_text, QMessageBox::StandardButtons buttons,
+                       QMessageBox::StandardButton default_button, QMessageBox::Icon icon)
+{
+    Keep_Work();
+    d_message_box->setText(text);
+    d_message_box->setInformativeText(informative_text);
+    d_message_box->setDetailedText(detailed_text);
+    d_message_box->setStandardButtons(buttons);
+    d_message_box->setDefaultButton(default_button);
+    d_message_box->setIcon(icon);
+    return static_cast<QMessageBox::StandardButton>(d_message_box->exec());
+}
+
+bool TQuillet::Confirm(const QString& text, const QString& question)
+{
+    return Show_Message(text, question, QString(), QMessageBox::Yes | QMessageBox::No,
+                        QMessageBox::No, QMessageBox::Question) == QMessageBox::Yes;
+}
+
+bool TQuillet::Confirm_Loss()
+{
+    return !d_data_changed || Confirm(tr("Data Not Saved"),
+                                      tr("Current data will be lost.  Do you want to continue?"));
+}
+
+void TQuillet::Show_File_Error(const QString& text, const QString& informative_text)
+{
+    Show_Message(text, informative_text, d_error_text, QMessageBox::Ok, QMessageBox::Ok,
+                 QMessageBox::Critical);
+}
+
+void TQuillet::Show_Progress(const QString& text)
+{
+    statusBar()->showMessage(text);
+    // Long work runs without an event loop, so the status bar has to be painted here and now.
+    statusBar()->repaint();
+}
+
+void TQuillet::Update_Document_Actions()
+{
+    const bool has_pages = d_data.Page_Count() > 0;
+    for (QAction* action :
+         {d_action_export_pdf, d_action_export_images, d_action_reindex, d_action_save})
+        action->setEnabled(has_pages);
+}
+
+void TQuillet::Set_Working_File(const QString& path)
+{
+    d_working_dir.setPath(path.left(path.lastIndexOf(QLatin1Char('/'))));
+}
+
+void TQuillet::Show_No_Page()
+{
+    d_display_widget->Set_Background_Image(
+        QPixmap(QStringLiteral(":/images/background_default.png")));
+}

@@ -1,0 +1,230 @@
+#pragma once
+
+#include "src/data.h"
+
+#include <QColor>
+#include <QDir>
+#include <QList>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPointF>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QAction;
+class QByteArray;
+class QCloseEvent;
+class QDockWidget;
+class QLabel;
+class QMenu;
+class QPixmap;
+class QSettings;
+class QSlider;
+class TDisplayWidget;
+class TLabelWidget;
+class TMessageBox;
+class TPageWidget;
+class TProjectReader;
+class TProjectWriter;
+class TReindexDialog;
+class TReportHeaderDialog;
+class TSafetyNet;
+class TSettingsWidget;
+class TXmlFile;
+
+/// The main window: the hub between the document and what shows it.
+///
+/// Model, view and panels do not know each other. The view and the panels emit signals; the slots
+/// here tell the model first, then the view, then the panels, and mark the document as changed.
+/// Each concern has a translation unit of its own (quillet_*.cpp).
+class TQuillet : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// What a report depends on besides the document.
+    struct TReportSettings
+    {
+        int orientation = 0; ///< 0 portrait, anything else landscape
+        int resolution = 0;  ///< code 1 to 4; times 96 it is the resolution in dots per inch
+        QString header_1;    ///< may be empty
+        QString header_2;    ///< may be empty
+    };
+
+    /// Builds the window, restores it as the settings file says, and connects everything.
+    TQuillet(const QWidget* parent, Qt::WindowFlags flags);
+    ~TQuillet() override;
+
+    /// Makes a page of an image file, or fills the active page if that is an empty one. A file that
+    /// is no image is passed over in silence.
+    void Load_Image(const QString& path);
+
+    /// The labels of the active page as an item-list document.
+    /// @throws TXmlFileException when a text cannot be written.
+    QByteArray Write_Items() const;
+    /// Adds the labels of an item-list document to the active page.
+    /// @throws TXmlFileException on bad content; labels read before the fault stay.
+    void Read_Items(const QByteArray& document);
+
+    /// Writes the document to a project file; false leaves the reason in d_error_text.
+    bool Save_Data(const QString& file_name);
+    /// Replaces the document by a project file's; false leaves the reason in d_error_text. What was
+    /// read before a fault stays.
+    bool Load_Data(const QString& file_name);
+    /// Replaces the document by that of an earlier generation.
+    /// @param base_name  path of the pair of files without ".qld" and ".qli".
+    bool Load_Legacy_Data(const QString& base_name);
+    /// Applies label size and colour of an opened version 1 document and collects its labels.
+    void Load_Legacy_V1(TXmlFile* xml_file, std::vector<TDataItem>* items);
+    /// The same for version 2.
+    void Load_Legacy_V2(TXmlFile* xml_file, std::vector<TDataItem>* items);
+
+    /// Writes each page with its labels as a PNG file into a folder; false when there is no page or
+    /// a file could not be written, which ends the export.
+    bool Export_Images(const QString& folder, const QList<int>& page_ids);
+    /// Writes pages as a PDF report, in the given order; false when nothing could be written.
+    bool Export_PDF(const QString& file, const QList<int>& pages, const TReportSettings& settings);
+
+public slots:
+    void File_New();
+    void File_Open();
+    void File_Import();
+    void File_Save();
+    void File_SaveAs();
+    void File_Export_Images();
+    void File_Export_Pdf();
+    void Edit_Reindex();
+    void Help_About();
+    void Image_Zoom_Changed(int value);
+    void Label_Size_Changed(int size);
+    void Color_Changed(QColor color);
+    void Item_Display_Format_Changed(const QString& format);
+    void Track_Item_Option_Changed(bool track);
+    void Add_Item();
+    void Add_Item(const QPointF& position);
+    void Remove_Item();
+    void Change_Item_Value(int id, int value);
+    void Change_Item_Text(int id, const QString& text);
+    void Change_Item_Border(int id, int border);
+    void Item_Selection_Changed();
+    void Display_Item_Clicked(int id);
+    void Update_Item_Position(int id, const QPointF& position);
+    void Add_Page();
+    void Remove_Pages(const QList<int>& pages);
+    void Page_Selection_Changed(int page);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    // Construction, in the order in which it happens.
+    void Prepare_Settings();
+    void Restore_Geometry();
+    void Create_Actions();
+    QMenu* Create_Menus(); ///< returns the View menu, which lists the docks
+    void Create_Tool_Bar();
+    void Create_Status_Bar();
+    void Create_Docks(QMenu* view_menu);
+    void Create_Panels();
+    void Create_Central_Widget();
+    void Set_Titles();
+    void Restore_Settings();
+    void Restore_Docks();
+    void Narrow_Docks();
+    void Connect_Signals();
+
+    // Settings.
+    void Write_Settings();
+
+    // The safety net.
+    void Spread_Safety_Net();
+    void Announce_Kept_Work();
+    void Note_Work();
+    void Keep_Work();
+    void Remember_Page_Names();
+    void Leave_Work(bool gave_up);
+
+    // Questions and messages.
+    QMessageBox::StandardButton Show_Message(const QString& text, const QString& informative_text,
+                                             const QString& detailed_text,
+                                             QMessageBox::StandardButtons buttons,
+                                             QMessageBox::StandardButton default_button,
+                                             QMessageBox::Icon icon);
+    bool Confirm(const QString& text, const QString& question);
+    bool Confirm_Loss();
+    void Show_File_Error(const QString& text, const QString& informative_text);
+    void Show_Progress(const QString& text);
+
+    // The document and what follows from it.
+    void Mark_Changed();
+    void Update_Document_Actions();
+    void Set_Working_File(const QString& path);
+    void Show_No_Page();
+    void Fill_View(TLabelWidget* list);
+    void Reload_View();
+    void Refresh_Active_Page();
+    bool Draw_Pages(const QList<int>& page_ids,
+                    const std::function<bool(int, const QPixmap&)>& use);
+
+    // Labels.
+    void Add_Label(const QPointF* point);
+    std::optional<int> Add_Label_To_View(int value, int border);
+    void Select_In_Data(const std::vector<int>& ids);
+    int Renumber_All_Pages(int first_value, int method);
+    int Renumber_Active_Page(int first_value, bool selected_only);
+
+    // Project files.
+    enum class TImageBytes { As_Png, As_They_Came };
+    bool Fail(const QString& reason);
+    TReportHeaderDialog* Header_Dialog();
+    void Open_File(const QString& name);
+    QString Write_Project(TProjectWriter* writer, TImageBytes image_bytes);
+    bool Read_Appearance(TProjectReader* reader);
+    bool Read_Pages(TProjectReader* reader);
+    bool Read_Page(TProjectReader* reader, int* page_id);
+    void Set_Label_Color(const QString& name);
+    void Read_Legacy_Appearance(const TXmlFile& xml_file);
+    void Set_Legacy_Page(const TPageImage& image, const std::vector<TDataItem>& items);
+    void Save_To(const QString& file_name);
+    bool Write_Data(const QString& file_name);
+
+    QAction* d_action_export_images = nullptr;
+    QAction* d_action_export_pdf = nullptr;
+    QAction* d_action_import = nullptr;
+    QAction* d_action_new = nullptr;
+    QAction* d_action_open = nullptr;
+    QAction* d_action_quit = nullptr;
+    QAction* d_action_reindex = nullptr;
+    QAction* d_action_save = nullptr;
+    QAction* d_action_save_as = nullptr;
+    QAction* d_action_about = nullptr;
+    QDockWidget* d_label_dock = nullptr;
+    QDockWidget* d_settings_dock = nullptr;
+    QDockWidget* d_page_dock = nullptr;
+    QLabel* d_zoom_label = nullptr;
+    QSlider* d_zoom_slider = nullptr;
+    TLabelWidget* d_label_widget = nullptr;
+    TSettingsWidget* d_settings_widget = nullptr;
+    TPageWidget* d_page_widget = nullptr;
+    TDisplayWidget* d_display_widget = nullptr;
+    TReindexDialog* d_reindex_dialog = nullptr;     ///< made when first needed, then kept
+    TReportHeaderDialog* d_header_dialog = nullptr; ///< made when first needed, then kept
+    TMessageBox* d_message_box = nullptr;
+    QSettings* d_settings = nullptr;
+    QDir d_working_dir{QString()}; ///< where file dialogs open
+    QString d_file_name;           ///< path of the project file; empty for a new document
+    bool d_display_click = false;  ///< a click in the view is being passed on to the list
+    TData d_data;
+    bool d_data_changed = false; ///< there are changes that are not saved
+    QString d_error_text;        ///< why the last file operation failed
+
+    std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
+    bool d_filling_view = false;              ///< the view is being rebuilt from the document
+    QStringList d_known_page_names; ///< page ids and names when the safety net last looked
+};

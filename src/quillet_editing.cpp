@@ -1,0 +1,176 @@
+// Labels: adding, removing, changing, selecting and renumbering them, from the item list and from
+// the view.
+
+#include "src/quillet.h"
+
+#include "src/displaywidget.h"
+#include "src/labelwidget.h"
+#include "src/numbering.h"
+#include "src/pagewidget.h"
+#include "src/reindexdialog.h"
+
+#include <cstdlib>
+#include <ctime>
+
+void TQuillet::Add_Item()
+{
+    Add_Label(nullptr);
+}
+
+void TQuillet::Add_Item(const QPointF& position)
+{
+    Add_Label(&position);
+}
+
+/// @param point  centre of the label in page-image pixels; null for the corner that the view picks.
+void TQuillet::Add_Label(const QPointF* point)
+{
+    if (d_data.Active_Page() < 0 || !d_data.Page_Image_Valid())
+        return;
+    const int border = d_label_widget->Border_Type();
+    const int value = d_label_widget->Take_Label_Index();
+    if (const std::optional<int> id = Add_Label_To_View(value, border)) {
+        // A label at a point starts at the origin: the view reports where it was moved to.
+        const QPointF position = point ? QPointF() : d_display_widget->Item_Position(*id);
+        const TDataItem item{*id, value, QString(), border, position, false};
+        d_label_widget->Set_Label_Index(TNumbering::After(value));
+        d_data.Add_Item(item);
+        d_label_widget->Add_Item(item);
+        if (point)
+            d_display_widget->Move_Item(*id, *point);
+    }
+    Mark_Changed();
+}
+
+/// Draws ids until the view takes one. The view may be left with a label that nobody else knows
+/// when only the last attempt succeeds.
+std::optional<int> TQuillet::Add_Label_To_View(int value, int border)
+{
+    constexpr int maximum_attempts = 100;
+    std::srand(static_cast<unsigned int>(std::time(nullptr)));
+    for (int attempt = 1; attempt <= maximum_attempts; ++attempt) {
+        const int id = std::rand();
+        if (d_display_widget->Add_Item(id, value, QString(), border) && attempt < maximum_attempts)
+            return id;
+    }
+    return std::nullopt;
+}
+
+void TQuillet::Remove_Item()
+{
+    const std::vector<int> ids = d_label_widget->Selected_Items();
+    if (ids.empty() || !Confirm(tr("Remove Labels"), tr("Labels will be deleted.  Are you sure?")))
+        return;
+    for (const int id : ids) {
+        d_display_widget->Remove_Item(id);
+        d_data.Remove_Item(id);
+        d_label_widget->Remove_Item(id);
+    }
+    Mark_Changed();
+}
+
+void TQuillet::Change_Item_Value(int id, int value)
+{
+    d_data.Change_Item_Value(id, value);
+    d_display_widget->Change_Item_Value(id, value);
+    Mark_Changed();
+}
+
+void TQuillet::Change_Item_Text(int id, const QString& text)
+{
+    d_data.Change_Item_Text(id, text);
+    d_display_widget->Change_Item_Text(id, text);
+    Mark_Changed();
+}
+
+void TQuillet::Change_Item_Border(int id, int border)
+{
+    d_data.Change_Item_Border(id, border);
+    d_display_widget->Change_Item_Border(id, border);
+    Mark_Changed();
+}
+
+void TQuillet::Item_Selection_Changed()
+{
+    const std::vector<int> ids = d_label_widget->Selected_Items();
+    // What was clicked in the view is in sight already.
+    d_display_widget->Set_Selected_Items(ids, !d_display_click);
+    Select_In_Data(ids);
+}
+
+void TQuillet::Display_Item_Clicked(int id)
+{
+    d_display_click = true;
+    d_label_widget->Set_Selection(id);
+    d_display_click = false;
+    Select_In_Data({id});
+}
+
+void TQuillet::Select_In_Data(const std::vector<int>& ids)
+{
+    if (d_data.Active_Page() < 0)
+        return;
+    d_data.Clear_Selection();
+    for (const int id : ids)
+        d_data.Change_Item_Selection(id, true);
+}
+
+void TQuillet::Update_Item_Position(int id, const QPointF& position)
+{
+    if (d_data.Active_Page() < 0)
+        return;
+    d_data.Change_Item_Position(id, position);
+    Mark_Changed();
+}
+
+void TQuillet::Edit_Reindex()
+{
+    if (!d_reindex_dialog)
+        d_reindex_dialog = new TReindexDialog(this, Qt::WindowFlags());
+    Keep_Work();
+    if (d_reindex_dialog->exec() != QDialog::Accepted)
+        return;
+
+    const int first_value = d_reindex_dialog->Initial_Value();
+    const int option = d_reindex_dialog->Reindex_Option();
+    const bool all_pages = option == TReindexDialog::All_Pages;
+    const bool has_page = d_data.Active_Page() >= 0;
+    if (!all_pages && !has_page)
+        return;
+    const int next_value =
+        all_pages ? Renumber_All_Pages(first_value, d_reindex_dialog->Increment_Over_Page_Method())
+                  : Renumber_Active_Page(first_value, option == TReindexDialog::Current_Page_Selected);
+    Note_Work();
+    if (!has_page)
+        return;
+    Refresh_Active_Page();
+    d_label_widget->Set_Label_Index(next_value);
+}
+
+/// Numbers the pages in the order of the page list; returns the value that comes next.
+int TQuillet::Renumber_All_Pages(int first_value, int method)
+{
+    const int active_page = d_data.Active_Page();
+    TNumbering numbering(first_value, method);
+    const QList<int> page_ids = d_page_widget->Page_Ids();
+    for (const int page_id : page_ids) {
+        d_data.Set_Active_Page(page_id);
+        for (int i = 0; i < d_data.Item_Count(); ++i)
+            d_data.Change_Item_Value(d_data.Item(i).id, numbering.Take());
+        numbering.Break_Page();
+    }
+    d_data.Set_Active_Page(active_page);
+    return numbering.Next();
+}
+
+/// Numbers the labels of the active page; returns the value that comes next.
+int TQuillet::Renumber_Active_Page(int first_value, bool selected_only)
+{
+    TNumbering numbering(first_value, TNumbering::Next_1X);
+    for (int i = 0; i < d_data.Item_Count(); ++i) {
+        const TDataItem item = d_data.Item(i);
+        if (item.selected || !selected_only)
+            d_data.Change_Item_Value(item.id, numbering.Take());
+    }
+    return numbering.Next();
+}

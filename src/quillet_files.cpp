@@ -1,0 +1,234 @@
+// The file commands Open, Save and Save As, and the project file they read and write.
+
+#include "src/quillet.h"
+
+#include "src/displaywidget.h"
+#include "src/itemlist.h"
+#include "src/labelwidget.h"
+#include "src/numbering.h"
+#include "src/pagewidget.h"
+#include "src/projectfile.h"
+#include "src/reportheaderdialog.h"
+#include "src/safetynet.h"
+#include "src/settingswidget.h"
+
+#include "core/xmlfile.h"
+
+#include <QFile>
+#include <QFileDialog>
+
+void TQuillet::File_Open()
+{
+    if (!Confirm_Loss())
+        return;
+    Keep_Work();
+    const QString name = QFileDialog::getOpenFileName(this, tr("Select a Quillet file to open"),
+                                                      d_working_dir.absolutePath(),
+                                                      tr("Quillet files (*.quillet *.qld)"));
+    if (!name.isEmpty())
+        Open_File(name);
+    Update_Document_Actions();
+}
+
+void TQuillet::Open_File(const QString& name)
+{
+    const bool gave_up = d_data_changed;
+    const QString legacy_suffix = QStringLiteral(".qld");
+    if (name.endsWith(legacy_suffix, Qt::CaseInsensitive)) {
+        const QString base_name = name.left(name.size() - legacy_suffix.size());
+        if (!Load_Legacy_Data(base_name))
+            Show_File_Error(tr("Error Loading Data"),
+                            tr("The legacy Quillet file cannot be loaded"));
+        // A legacy file is never overwritten: the next Save asks for a name.
+        d_file_name.clear();
+        Set_Working_File(base_name);
+    } else {
+        if (!Load_Data(name))
+            Show_File_Error(tr("Error Loading Data"), tr("The Quillet file cannot be loaded"));
+        d_file_name = name;
+        Set_Working_File(name);
+    }
+    d_data_changed = false;
+    // Only now: a file that stops the program does not take the old work with it.
+    Leave_Work(gave_up);
+    d_safety_net->Note_Opened(name);
+}
+
+void TQuillet::File_Save()
+{
+    if (d_file_name.isEmpty())
+        File_SaveAs();
+    else
+        Save_To(d_file_name);
+}
+
+void TQuillet::File_SaveAs()
+{
+    Keep_Work();
+    const QString name =
+        QFileDialog::getSaveFileName(this, tr("Save quillet file"), d_working_dir.absolutePath(),
+                                     tr("Quillet Files (*.quillet)"));
+    if (name.isEmpty())
+        return;
+    Save_To(name);
+    d_file_name = name;
+    Set_Working_File(name);
+}
+
+/// Saves and reports a failure; the document counts as saved either way.
+void TQuillet::Save_To(const QString& file_name)
+{
+    if (!Save_Data(file_name))
+        Show_File_Error(tr("Error Saving Data"), tr("The Quillet file cannot be saved."));
+    d_data_changed = false;
+}
+
+bool TQuillet::Fail(const QString& reason)
+{
+    d_error_text = reason;
+    return false;
+}
+
+QByteArray TQuillet::Write_Items() const
+{
+    return ItemList::Write(d_data);
+}
+
+void TQuillet::Read_Items(const QByteArray& document)
+{
+    ItemList::Read(document, &d_data);
+}
+
+bool TQuillet::Save_Data(const QString& file_name)
+{
+    const bool saved = Write_Data(file_name);
+    if (!saved)
+        d_safety_net->Keep_Unsaved(file_name);
+    Remember_Page_Names();
+    return saved;
+}
+
+bool TQuillet::Write_Data(const QString& file_name)
+{
+    // The whole document is built before the file is touched: what takes long or is refused leaves
+    // the old file as it is.
+    TProjectWriter writer;
+    const QString fault = Write_Project(&writer, TImageBytes::As_Png);
+    if (writer.Size() > TProjectWriter::Maximum_Size)
+        return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
+
+    d_safety_net->Before_Save(file_name);
+    QFile file(file_name);
+    if (!file.open(QIODevice::WriteOnly))
+        return Fail(tr("Cannot open file for writing"));
+    if (!fault.isEmpty())
+        return Fail(fault);
+    writer.Write_To(&file);
+    file.close();
+    d_safety_net->After_Save(file_name, writer.Size());
+    return true;
+}
+
+/// Puts the document into a writer. Returns why a page's labels could not be written; empty when
+/// all went well.
+QString TQuillet::Write_Project(TProjectWriter* writer, TImageBytes image_bytes)
+{
+    writer->Write_Integer(d_settings_widget->Label_Size());
+    writer->Write_Text(d_settings_widget->Label_Color().name());
+    writer->Write_Text(d_header_dialog ? d_header_dialog->Header1_Text() : QString());
+    writer->Write_Text(d_header_dialog ? d_header_dialog->Header2_Text() : QString());
+    writer->Write_Integer(d_data.Page_Count());
+
+    const int active_page = d_data.Active_Page();
+    QString fault;
+    try {
+        const QList<int> page_ids = d_page_widget->Page_Ids();
+        for (const int page_id : page_ids) {
+            writer->Write_Text(d_page_widget->Page_Name(page_id));
+            d_data.Set_Active_Page(page_id);
+            const TPageImage& image = d_data.Page_Content();
+            writer->Write_Bytes(image_bytes == TImageBytes::As_Png ? image.Png()
+                                                                   : image.Source_Bytes());
+            writer->Write_Bytes(Write_Items());
+        }
+    } catch (const TXmlFileException& exception) {
+        fault = exception.Message();
+    }
+    d_data.Set_Active_Page(active_page);
+    return fault;
+}
+
+bool TQuillet::Load_Data(const QString& file_name)
+{
+    QFile file(file_name);
+    if (!file.open(QIODevice::ReadOnly))
+        return Fail(tr("Cannot open file for reading"));
+    if (file.size() > TProjectWriter::Maximum_Size)
+        return Fail(tr("The file is larger than 2 GiB and cannot be read."));
+    TProjectReader reader(file.readAll());
+    file.close();
+    if (!reader.Read_Magic() || !Read_Appearance(&reader))
+        return Fail(tr("Invalid file."));
+
+    d_data.Clear();
+    d_page_widget->Clear();
+    try {
+        return Read_Pages(&reader) || Fail(tr("Invalid file."));
+    } catch (const TXmlFileException& exception) {
+        return Fail(exception.Message());
+    }
+}
+
+/// Applies label size, colour and header lines; false when a field is damaged.
+bool TQuillet::Read_Appearance(TProjectReader* reader)
+{
+    d_settings_widget->Set_Label_Size(reader->Read_Integer());
+    const QString color_name = reader->Read_Text();
+    if (!reader->Is_Valid())
+        return false;
+    Set_Label_Color(color_name);
+
+    const QString header_1 = reader->Read_Text();
+    const QString header_2 = reader->Read_Text();
+    if (!reader->Is_Valid())
+        return false;
+    // A document without header lines leaves those of the document before.
+    if (!header_1.isEmpty() || !header_2.isEmpty()) {
+        Header_Dialog()->Set_Header1_Text(header_1);
+        d_header_dialog->Set_Header2_Text(header_2);
+    }
+    return true;
+}
+
+/// Adds all pages and shows the last one; false when a field is damaged.
+bool TQuillet::Read_Pages(TProjectReader* reader)
+{
+    int page_id = -1;
+    int largest_value = 0;
+    const int page_count = reader->Read_Integer();
+    for (int i = 0; i < page_count; ++i) {
+        if (!Read_Page(reader, &page_id))
+            return false;
+        largest_value = qMax(largest_value, d_data.Item_Max_Value());
+    }
+    d_page_widget->Set_Active_Page(page_id);
+    d_label_widget->Set_Label_Index(TNumbering::After(largest_value));
+    return true;
+}
+
+bool TQuillet::Read_Page(TProjectReader* reader, int* page_id)
+{
+    const QString name = reader->Read_Text();
+    const TPageImage image = reader->Read_Image();
+    if (!reader->Is_Valid())
+        return false;
+    *page_id = d_data.Add_Page(image);
+    d_data.Set_Active_Page(*page_id);
+    const QByteArray items = reader->Read_Bytes();
+    if (!reader->Is_Valid())
+        return false;
+    d_page_widget->Add_Page(*page_id);
+    d_page_widget->Set_Page_Name(*page_id, name);
+    Read_Items(items);
+    return true;
+}

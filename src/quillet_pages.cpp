@@ -1,0 +1,124 @@
+// Pages: adding, importing, removing and showing them, and starting over with none.
+
+#include "src/quillet.h"
+
+#include "src/displaywidget.h"
+#include "src/labelwidget.h"
+#include "src/pagewidget.h"
+
+#include <QFileDialog>
+#include <QScopedValueRollback>
+
+void TQuillet::File_New()
+{
+    if (!Confirm_Loss())
+        return;
+    Leave_Work(d_data_changed);
+    d_data.Clear();
+    d_page_widget->Clear();
+    d_label_widget->Clear();
+    d_display_widget->Clear();
+    Show_No_Page();
+    Update_Document_Actions();
+    d_file_name.clear();
+    d_data_changed = false;
+    Remember_Page_Names();
+}
+
+void TQuillet::File_Import()
+{
+    Keep_Work();
+    const QStringList paths = QFileDialog::getOpenFileNames(
+        this, tr("Import one or more supported image files"), d_working_dir.absolutePath(),
+        tr("Image Files (*.bmp *.gif *.jpg *.jpeg *.png *.pbm *.pgm *.ppm *.xbm *.xpm)"));
+    int number = 0;
+    for (const QString& path : paths) {
+        Show_Progress(tr("Importing image %1 of %2").arg(++number).arg(paths.size()));
+        Load_Image(path);
+    }
+    Show_Progress(QString());
+    if (!paths.isEmpty()) {
+        Set_Working_File(paths.first());
+        Mark_Changed();
+    }
+    Update_Document_Actions();
+}
+
+void TQuillet::Load_Image(const QString& path)
+{
+    const TPageImage image = TPageImage::From_File(path);
+    if (image.isNull())
+        return;
+    if (d_data.Active_Page() < 0 || d_data.Page_Has_Data()) {
+        d_page_widget->Add_Page(d_data.Add_Page(image));
+        return;
+    }
+    d_data.Set_Page_Image(image);
+    d_display_widget->Set_Background_Image(QPixmap::fromImage(image));
+    d_label_widget->setEnabled(true);
+}
+
+void TQuillet::Add_Page()
+{
+    d_page_widget->Add_Page(d_data.Add_Page());
+    Mark_Changed();
+}
+
+void TQuillet::Remove_Pages(const QList<int>& pages)
+{
+    if (Confirm(tr("Remove Pages"),
+                tr("All page associated labels will be deleted.  Are you sure?"))) {
+        d_label_widget->Clear();
+        d_display_widget->Clear();
+        Show_No_Page();
+        for (const int page : pages) {
+            d_data.Remove_Page(page);
+            d_page_widget->Remove_Page(page);
+        }
+    }
+    Update_Document_Actions();
+    Mark_Changed();
+}
+
+void TQuillet::Page_Selection_Changed(int page)
+{
+    d_label_widget->Clear();
+    d_display_widget->Clear();
+    // Showing a page is no change, although the view reports each label's position meanwhile.
+    const bool changed = d_data_changed;
+    if (d_data.Set_Active_Page(page) && d_data.Page_Image_Valid()) {
+        d_label_widget->setEnabled(true);
+        d_display_widget->setUpdatesEnabled(false);
+        Fill_View(d_label_widget);
+        d_display_widget->setUpdatesEnabled(true);
+    } else {
+        Show_No_Page();
+        d_label_widget->setEnabled(false);
+    }
+    d_data_changed = changed;
+}
+
+/// Shows the active page's image and labels in the view, which has been cleared before.
+/// @param list  gets the labels as well; null when only the view is wanted.
+void TQuillet::Fill_View(TLabelWidget* list)
+{
+    const QScopedValueRollback<bool> filling(d_filling_view, true);
+    d_display_widget->Set_Background_Image(QPixmap::fromImage(d_data.Page_Image()));
+    for (int i = 0; i < d_data.Item_Count(); ++i) {
+        const TDataItem item = d_data.Item(i);
+        if (list)
+            list->Add_Item(item);
+        d_display_widget->Add_Item(item.id, item.value, item.text, item.border_type);
+        d_display_widget->Move_Item(item.id, item.position);
+    }
+}
+
+/// Rebuilds list and view after the labels' values have changed.
+void TQuillet::Refresh_Active_Page()
+{
+    d_display_widget->setUpdatesEnabled(false);
+    d_label_widget->Clear();
+    d_display_widget->Clear();
+    Fill_View(d_label_widget);
+    d_display_widget->setUpdatesEnabled(true);
+}

@@ -1,0 +1,198 @@
+// What the window remembers between runs, the question when it closes, and the slots of the
+// settings panel.
+
+#include "src/quillet.h"
+
+#include "src/displaywidget.h"
+#include "src/labelwidget.h"
+#include "src/pagewidget.h"
+#include "src/safetynet.h"
+#include "src/settingswidget.h"
+
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSettings>
+
+namespace {
+
+const QPoint default_position(30, 30);
+const QSize default_size(800, 600);
+
+/// A setting of the wanted type. A stored text that does not convert counts as missing.
+template <typename TValue>
+TValue Read_Setting(const QSettings& settings, const char* key, const TValue& default_value)
+{
+    QVariant value = settings.value(QString::fromLatin1(key));
+    return value.convert(qMetaTypeId<TValue>()) ? value.value<TValue>() : default_value;
+}
+
+/// For QVariant every text but a few is true; in the settings file only a written truth value is.
+template <>
+bool Read_Setting(const QSettings& settings, const char* key, const bool& default_value)
+{
+    const QString text = settings.value(QString::fromLatin1(key)).toString().toLower();
+    if (text == QLatin1String("true") || text == QLatin1String("1"))
+        return true;
+    if (text == QLatin1String("false") || text == QLatin1String("0"))
+        return false;
+    return default_value;
+}
+
+} // namespace
+
+void TQuillet::Prepare_Settings()
+{
+    const QString folder_name = QStringLiteral(".quillet");
+    const QDir home = QDir::home();
+    if (!home.exists(folder_name))
+        home.mkdir(folder_name);
+    const QDir folder(home.filePath(folder_name));
+    d_settings = new QSettings(folder.absolutePath() + QStringLiteral("/Settings.ini"),
+                               QSettings::IniFormat, this);
+}
+
+void TQuillet::Restore_Geometry()
+{
+    const QRect saved(Read_Setting(*d_settings, "Mainwindow_Position", default_position),
+                      Read_Setting(*d_settings, "Mainwindow_Size", default_size));
+    const QRect visible = saved & QGuiApplication::primaryScreen()->availableGeometry();
+    resize(visible.isEmpty() ? default_size : visible.size());
+    move(visible.isEmpty() ? default_position : visible.topLeft());
+}
+
+void TQuillet::Restore_Settings()
+{
+    const QSettings& settings = *d_settings;
+    d_working_dir.setPath(Read_Setting(settings, "Working_Path", QDir::home().absolutePath()));
+
+    const bool track = Read_Setting(settings, "Track_Selected_Label", true);
+    d_display_widget->d_track_item = track;
+    d_settings_widget->Set_Track_Label(track);
+
+    constexpr int default_label_size = 32;
+    const int label_size = Read_Setting(settings, "Label_Size", default_label_size);
+    d_settings_widget->Set_Label_Size(label_size);
+    Label_Size_Changed(label_size);
+
+    d_settings_widget->Set_Display_Format(
+        Read_Setting(settings, "Item_Display_Format", QStringLiteral("Item[%1]")));
+    Set_Label_Color(Read_Setting(settings, "Label_Color", QStringLiteral("#f79741")));
+    d_settings_widget->Set_PDF_Orientation(Read_Setting(settings, "PDF_Orientation", 0));
+    d_settings_widget->Set_PDF_Resolution(Read_Setting(settings, "PDF_Resolution", 2));
+    d_label_widget->Set_Border_Type(Read_Setting(settings, "Border_Type", 2));
+    Restore_Docks();
+}
+
+void TQuillet::Restore_Docks()
+{
+    const QSettings& settings = *d_settings;
+    d_label_dock->setVisible(Read_Setting(settings, "Label_Visible", true));
+    d_settings_dock->setVisible(Read_Setting(settings, "Settings_Visible", true));
+    d_page_dock->setVisible(Read_Setting(settings, "Page_Visible", true));
+    d_label_dock->setFloating(Read_Setting(settings, "Label_Floating", false));
+    d_settings_dock->setFloating(Read_Setting(settings, "Settings_Floating", false));
+    d_page_dock->setFloating(Read_Setting(settings, "Page_Floating", false));
+
+    const auto restore_position = [&settings](QDockWidget* dock, const char* key) {
+        if (dock->isFloating())
+            dock->move(Read_Setting(settings, key, QPoint(0, 0)));
+    };
+    restore_position(d_label_dock, "Label_Position");
+    restore_position(d_settings_dock, "Settings_Position");
+    restore_position(d_page_dock, "Page_Position");
+    Narrow_Docks();
+}
+
+void TQuillet::Narrow_Docks()
+{
+    // The page is what people look at: whatever widths the panels would like best, the docks start
+    // with what they need and share evenly what is left beside the page's part of the window.
+    constexpr double page_part = 0.48;
+    const int left = d_label_dock->minimumSizeHint().width();
+    const int right = qMax(d_page_dock->minimumSizeHint().width(),
+                           d_settings_dock->minimumSizeHint().width());
+    const int spare = static_cast<int>(width() * (1.0 - page_part)) - left - right;
+    const int extra = qMax(0, spare / 2);
+    resizeDocks({d_label_dock, d_page_dock}, {left + extra, right + extra}, Qt::Horizontal);
+}
+
+void TQuillet::Write_Settings()
+{
+    const std::pair<const char*, QVariant> values[] = {
+        {"Mainwindow_Position", pos()},
+        {"Mainwindow_Size", size()},
+        {"Working_Path", d_working_dir.absolutePath()},
+        {"Track_Selected_Label", d_settings_widget->Track_Label()},
+        {"Label_Size", d_settings_widget->Label_Size()},
+        {"Item_Display_Format", d_settings_widget->Display_Format()},
+        {"Label_Color", d_settings_widget->Label_Color().name()},
+        {"PDF_Orientation", d_settings_widget->PDF_Orientation()},
+        {"PDF_Resolution", d_settings_widget->PDF_Resolution()},
+        {"Border_Type", d_label_widget->Border_Type()},
+        {"Label_Visible", d_label_dock->isVisible()},
+        {"Settings_Visible", d_settings_dock->isVisible()},
+        {"Page_Visible", d_page_dock->isVisible()},
+        {"Label_Floating", d_label_dock->isFloating()},
+        {"Settings_Floating", d_settings_dock->isFloating()},
+        {"Page_Floating", d_page_dock->isFloating()},
+        {"Label_Position", d_label_dock->pos()},
+        {"Settings_Position", d_settings_dock->pos()},
+        {"Page_Position", d_page_dock->pos()},
+    };
+    for (const auto& [key, value] : values)
+        d_settings->setValue(QString::fromLatin1(key), value);
+    // Whoever kills the program while it asks about unsaved data loses no settings.
+    d_settings->sync();
+}
+
+void TQuillet::closeEvent(QCloseEvent* event)
+{
+    Write_Settings();
+    Keep_Work();
+    if (!d_data_changed) {
+        event->accept();
+        return;
+    }
+    const QMessageBox::StandardButton answer =
+        Show_Message(tr("Data Not Saved"), tr("Do you want to save the Quillet data?"), QString(),
+                     QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes,
+                     QMessageBox::Question);
+    if (answer == QMessageBox::Yes)
+        File_Save();
+    if (answer == QMessageBox::No)
+        d_safety_net->Give_Up();
+    event->setAccepted(answer != QMessageBox::Cancel);
+}
+
+void TQuillet::Label_Size_Changed(int size)
+{
+    // Four tenths of the size, rounded half up.
+    const int font_size = static_cast<int>(size * 0.4 + 0.5);
+    d_display_widget->Set_Label_Size(QSize(size, size), font_size);
+    Mark_Changed();
+}
+
+void TQuillet::Color_Changed(QColor color)
+{
+    d_display_widget->Set_Label_Color(color);
+}
+
+void TQuillet::Item_Display_Format_Changed(const QString& format)
+{
+    d_label_widget->d_display_format = format;
+    Page_Selection_Changed(d_data.Active_Page());
+}
+
+void TQuillet::Track_Item_Option_Changed(bool track)
+{
+    d_display_widget->d_track_item = track;
+}
+
+void TQuillet::Set_Label_Color(const QString& name)
+{
+    const QColor color = QColor::isValidColor(name) ? QColor(name) : QColor();
+    d_settings_widget->Set_Label_Color(color);
+    d_display_widget->Set_Label_Color(color);
+}

@@ -1,0 +1,81 @@
+#include "src/safetynet.h"
+
+#include "src/projectfile.h"
+#include "src/safefile.h"
+
+#include <QFileInfo>
+
+TSafetyNet::TSafetyNet(const QString& settings_folder, TWriteProject write_project)
+    : d_backup(settings_folder + QStringLiteral("/backup"))
+    , d_recovery(settings_folder + QStringLiteral("/recovery"))
+    , d_write_project(std::move(write_project))
+    , d_found(d_recovery.Abandoned())
+{
+    d_clock.start();
+}
+
+void TSafetyNet::Note_Change(const QString& document)
+{
+    d_is_dirty = true;
+    if (d_policy.Is_Due(d_clock.elapsed()))
+        Copy(document);
+}
+
+void TSafetyNet::Keep_Now(const QString& document)
+{
+    if (d_is_dirty)
+        Copy(document);
+}
+
+void TSafetyNet::Copy(const QString& document)
+{
+    const qint64 begin = d_clock.elapsed();
+    TProjectWriter project;
+    d_write_project(&project);
+    if (d_recovery.Write(project, document))
+        d_is_dirty = false;
+    else
+        Complain(QStringLiteral("unsaved work cannot be kept"));
+    d_policy.Note_Copy(begin, d_clock.elapsed());
+}
+
+void TSafetyNet::Before_Save(const QString& document)
+{
+    // While the work is in a recovery copy on the disk, the backup need not be waited for.
+    if (!d_backup.Keep(document, !d_recovery.Has_Copy()))
+        Complain(QStringLiteral("the version before a save cannot be kept"));
+}
+
+void TSafetyNet::After_Save(const QString& document, qint64 size)
+{
+    const bool is_whole = QFileInfo(document).size() == size && ProjectFile::Is_Whole(document);
+    // The copy may go only when the saved file is on the disk as firmly as the copy is.
+    if (!is_whole || (d_recovery.Has_Copy() && !TSafeFile::Sync(document))) {
+        Copy(document);
+        return;
+    }
+    Give_Up();
+    if (QFileInfo(d_opened_path) != QFileInfo(document))
+        d_recovery.Remove_Abandoned(d_opened_path);
+    d_opened_path = document;
+}
+
+void TSafetyNet::Give_Up()
+{
+    d_recovery.Discard();
+    Set_Aside();
+}
+
+void TSafetyNet::Set_Aside()
+{
+    d_recovery.Release();
+    d_policy.Reset();
+    d_is_dirty = false;
+}
+
+void TSafetyNet::Complain(const QString& what)
+{
+    if (!d_has_complained)
+        qWarning("quillet: %s in the settings folder", qPrintable(what));
+    d_has_complained = true;
+}
