@@ -192,8 +192,8 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("result");
 
-        QTest::newRow("cancel") << "Cancel" << int(QDialog::Rejected);
-        QTest::newRow("apply") << "Apply" << int(QDialog::Accepted);
+        QTest::newRow("cancel") << "Cancel" << static_cast<int>(QDialog::Rejected);
+        QTest::newRow("apply") << "Apply" << static_cast<int>(QDialog::Accepted);
     }
     void buttons_end_the_dialog()
     {

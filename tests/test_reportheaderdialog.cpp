@@ -111,8 +111,8 @@ private slots:
         QTest::addColumn<bool>("auto_default");
         QTest::addColumn<int>("result");
 
-        QTest::newRow("cancel") << "Cancel" << false << int(QDialog::Rejected);
-        QTest::newRow("accept") << "Accept" << true << int(QDialog::Accepted);
+        QTest::newRow("cancel") << "Cancel" << false << static_cast<int>(QDialog::Rejected);
+        QTest::newRow("accept") << "Accept" << true << static_cast<int>(QDialog::Accepted);
     }
     void buttons_end_the_dialog()
     {
