@@ -6,7 +6,8 @@
 class TNumbering
 {
 public:
-    /// How the first value of a page follows from the page before.
+    /// How the first value of a page follows from the page before. The codes are bit values, not a
+    /// sequence.
     enum TMethod { Next_1X = 0, Next_10X = 1, Next_100X = 2, Next_1000X = 4 };
 
     /// @param first   the value that comes first.
@@ -18,6 +19,8 @@ public:
 
     /// Goes over a page break: from x, one past the last value given, to the next start, which with
     /// the steps 10, 100 and 1000 is (x / step + 1) * step, with division truncating toward zero.
+    /// The start is always above x, so an x that is a round number itself is passed over, and a
+    /// page on which nothing was taken advances the count as well.
     void Break_Page();
 
     /// The value that Take would return.
@@ -25,5 +28,5 @@ public:
 
 private:
     int d_next;
-    int d_step;
+    int d_step; ///< distance of the round numbers that pages start at; 0 where they just count on
 };

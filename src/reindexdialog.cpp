@@ -1,0 +1,134 @@
+#include "src/reindexdialog.h"
+
+#include "src/dialogparts.h"
+#include "src/numbering.h"
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace {
+
+constexpr int initial_width = 520; // pixels
+constexpr int initial_height = 250;
+constexpr int fallback_value = 1; ///< first value where the typed text is no integer
+constexpr int column_count = 5;
+constexpr int spacer_size = 8; ///< pixels below which the spacers do not shrink
+
+/// Rows of the grid, from top to bottom.
+enum TRow {
+    Top_Line = 0,
+    First_Value = 1,
+    Increment = 2,
+    Middle_Line = 3,
+    First_Option = 4,
+    Bottom_Line = 7,
+    Spacer = 8,
+    Buttons = 9
+};
+constexpr int parameter_rows = 2;
+constexpr int option_rows = 3;
+
+/// Adds the title of a group of rows and the line that stands between it and the rows.
+void Add_Group_Title(const QString& title, TRow row, int row_count, QDialog* dialog,
+                     QGridLayout* grid)
+{
+    grid->addWidget(new QLabel(title, dialog), row, 0, row_count, 1, Qt::AlignLeft | Qt::AlignTop);
+    grid->addWidget(DialogParts::Sunken_Line(QFrame::VLine, dialog), row, 1, row_count, 1);
+}
+
+/// Adds a row of an input widget with the text that names it.
+void Add_Input(const QString& text, QWidget* input, TRow row, QDialog* dialog, QGridLayout* grid)
+{
+    auto* const label = new QLabel(text, dialog);
+    // Screen readers learn what the input is from the label it is the buddy of.
+    label->setBuddy(input);
+    grid->addWidget(label, row, 2);
+    grid->addWidget(input, row, 3);
+}
+
+} // namespace
+
+// The parent is const in the interface, since the dialog never changes it; QDialog wants a pointer
+// that is not, to add the dialog to the parent's children.
+TReindexDialog::TReindexDialog(const QWidget* parent, Qt::WindowFlags flags)
+    : QDialog(const_cast<QWidget*>(parent), flags)
+{
+    setWindowTitle(tr("Reindex Items"));
+    resize(initial_width, initial_height);
+
+    auto* const grid = new QGridLayout(this);
+    for (const TRow row : {Top_Line, Middle_Line, Bottom_Line})
+        grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), row, 0, 1, column_count);
+    Build_Parameters(grid);
+    Build_Options(grid);
+    grid->addItem(new QSpacerItem(0, spacer_size, QSizePolicy::Minimum, QSizePolicy::Expanding),
+                  Spacer, 0, 1, column_count);
+    Build_Buttons(grid);
+}
+
+int TReindexDialog::Initial_Value() const
+{
+    bool valid = false;
+    const int value = d_initial_value->text().toInt(&valid, 10);
+    return valid ? value : fallback_value;
+}
+
+int TReindexDialog::Increment_Over_Page_Method() const
+{
+    return d_increment_method->currentData().toInt();
+}
+
+int TReindexDialog::Reindex_Option() const
+{
+    if (d_option_current_page->isChecked())
+        return Current_Page;
+    if (d_option_selected->isChecked())
+        return Current_Page_Selected;
+    return All_Pages;
+}
+
+void TReindexDialog::Build_Parameters(QGridLayout* grid)
+{
+    Add_Group_Title(tr("Parameters:"), First_Value, parameter_rows, this, grid);
+
+    d_initial_value = new QLineEdit(QStringLiteral("100"), this);
+    d_initial_value->setAlignment(Qt::AlignCenter);
+    Add_Input(tr("First Item Value:"), d_initial_value, First_Value, this, grid);
+
+    d_increment_method = new QComboBox(this);
+    d_increment_method->addItem(tr("Next 1X"), TNumbering::Next_1X);
+    d_increment_method->addItem(tr("Next 10X"), TNumbering::Next_10X);
+    d_increment_method->addItem(tr("Next 100X"), TNumbering::Next_100X);
+    d_increment_method->addItem(tr("Next 1000X"), TNumbering::Next_1000X);
+    d_increment_method->setCurrentIndex(d_increment_method->findData(TNumbering::Next_100X));
+    Add_Input(tr("Increment Over Page:"), d_increment_method, Increment, this, grid);
+
+    grid->addItem(new QSpacerItem(spacer_size, 0, QSizePolicy::Expanding, QSizePolicy::Minimum),
+                  First_Value, column_count - 1, parameter_rows, 1);
+}
+
+void TReindexDialog::Build_Options(QGridLayout* grid)
+{
+    Add_Group_Title(tr("Options:"), First_Option, option_rows, this, grid);
+
+    d_option_all_pages = new QRadioButton(tr("All Pages, All Label Items"), this);
+    d_option_current_page = new QRadioButton(tr("Current Page, All Label Items"), this);
+    d_option_selected = new QRadioButton(tr("Current Page, Selected Label Items"), this);
+    d_option_all_pages->setChecked(true);
+
+    int row = First_Option;
+    for (QRadioButton* const option :
+         {d_option_all_pages, d_option_current_page, d_option_selected})
+        grid->addWidget(option, row++, 2, 1, column_count - 2);
+}
+
+void TReindexDialog::Build_Buttons(QGridLayout* grid)
+{
+    d_apply_button = new QPushButton(tr("Apply"), this);
+    d_apply_button->setAutoDefault(false);
+    grid->addLayout(DialogParts::Button_Row(d_apply_button, this), Buttons, 0, 1, column_count);
+}

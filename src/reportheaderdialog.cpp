@@ -1,0 +1,70 @@
+#include "src/reportheaderdialog.h"
+
+#include "src/dialogparts.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace {
+
+constexpr int initial_width = 510; // pixels
+constexpr int initial_height = 163;
+constexpr int column_count = 2;
+constexpr int spacer_size = 8; ///< pixels below which the spacer does not shrink
+
+/// Rows of the grid, from top to bottom.
+enum TRow { Header_1 = 0, Header_2 = 1, Line = 2, Spacer = 3, Buttons = 4 };
+
+} // namespace
+
+// The parent is const in the interface, since the dialog never changes it; QDialog wants a pointer
+// that is not, to add the dialog to the parent's children.
+TReportHeaderDialog::TReportHeaderDialog(const QWidget* parent, Qt::WindowFlags flags)
+    : QDialog(const_cast<QWidget*>(parent), flags)
+{
+    setWindowTitle(tr("Report Header"));
+    resize(initial_width, initial_height);
+
+    auto* const grid = new QGridLayout(this);
+    d_header_1 = Add_Header(tr("Header 1 Text:"), Header_1, grid);
+    d_header_2 = Add_Header(tr("Header 2 Text:"), Header_2, grid);
+    grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), Line, 0, 1, column_count);
+    grid->addItem(new QSpacerItem(0, spacer_size, QSizePolicy::Minimum, QSizePolicy::Expanding),
+                  Spacer, 0, 1, column_count);
+    auto* const accept = new QPushButton(tr("Accept"), this);
+    accept->setAutoDefault(true);
+    grid->addLayout(DialogParts::Button_Row(accept, this), Buttons, 0, 1, column_count);
+}
+
+QString TReportHeaderDialog::Header1_Text() const
+{
+    return d_header_1->text();
+}
+
+QString TReportHeaderDialog::Header2_Text() const
+{
+    return d_header_2->text();
+}
+
+void TReportHeaderDialog::Set_Header1_Text(const QString& text)
+{
+    d_header_1->setText(text);
+}
+
+void TReportHeaderDialog::Set_Header2_Text(const QString& text)
+{
+    d_header_2->setText(text);
+}
+
+QLineEdit* TReportHeaderDialog::Add_Header(const QString& text, int row, QGridLayout* grid)
+{
+    auto* const label = new QLabel(text, this);
+    auto* const edit = new QLineEdit(this);
+    // Screen readers learn what the line is from the label it is the buddy of.
+    label->setBuddy(edit);
+    grid->addWidget(label, row, 0);
+    grid->addWidget(edit, row, 1);
+    return edit;
+}
