@@ -11,8 +11,7 @@ add_library(quillet_options INTERFACE)
 target_compile_options(quillet_options INTERFACE
     -UNDEBUG
     # Assertions name a source by its path in the project, wherever the project was built.
-    # The compiler cache hands on relative paths.
-    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${QUILLET_ROOT_FROM_BUILD}=
+    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
     -Wold-style-cast -Wcast-qual -Wextra-semi -Wnull-dereference -Wformat=2 -Wundef
     $<$<BOOL:${QUILLET_WERROR}>:-Werror>)

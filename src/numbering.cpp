@@ -33,10 +33,15 @@ TNumbering::TNumbering(int first, int method)
 {
 }
 
+int TNumbering::After(int value)
+{
+    return Wrapped(std::int64_t{value} + 1);
+}
+
 int TNumbering::Take()
 {
     const int value = d_next;
-    d_next = Wrapped(std::int64_t{value} + 1);
+    d_next = After(value);
     return value;
 }
 

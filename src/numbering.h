@@ -26,6 +26,9 @@ public:
     /// The value that Take would return.
     int Next() const { return d_next; }
 
+    /// The value that comes after a value.
+    static int After(int value);
+
 private:
     int d_next;
     int d_step; ///< distance of the round numbers that pages start at; 0 where they just count on

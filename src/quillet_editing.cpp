@@ -138,8 +138,9 @@ void TQuillet::Edit_Reindex()
     if (!all_pages && !has_page)
         return;
     const int next_value =
-        all_pages ? Renumber_All_Pages(first_value, d_reindex_dialog->Increment_Over_Page_Method())
-                  : Renumber_Active_Page(first_value, option == TReindexDialog::Current_Page_Selected);
+        all_pages
+            ? Renumber_All_Pages(first_value, d_reindex_dialog->Increment_Over_Page_Method())
+            : Renumber_Active_Page(first_value, option == TReindexDialog::Current_Page_Selected);
     Note_Work();
     if (!has_page)
         return;

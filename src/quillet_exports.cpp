@@ -120,7 +120,7 @@ void TQuillet::File_Export_Pdf()
 bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
                           const TReportSettings& settings)
 {
-    if (pages.isEmpty() || settings.resolution < 1 || settings.resolution > 4)
+    if (pages.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
         return false;
     TSafeFile target(file);
     QPrinter printer(QPrinter::HighResolution);

@@ -111,8 +111,8 @@ void TQuillet::Narrow_Docks()
     // with what they need and share evenly what is left beside the page's part of the window.
     constexpr double page_part = 0.48;
     const int left = d_label_dock->minimumSizeHint().width();
-    const int right = qMax(d_page_dock->minimumSizeHint().width(),
-                           d_settings_dock->minimumSizeHint().width());
+    const int right =
+        qMax(d_page_dock->minimumSizeHint().width(), d_settings_dock->minimumSizeHint().width());
     const int spare = static_cast<int>(width() * (1.0 - page_part)) - left - right;
     const int extra = qMax(0, spare / 2);
     resizeDocks({d_label_dock, d_page_dock}, {left + extra, right + extra}, Qt::Horizontal);
