@@ -186,8 +186,6 @@ QPixmap TDisplayWidget::Pixmap()
     Update_Scene_Rect();
     const QRectF scene_rect = d_scene->sceneRect();
     QPixmap pixmap(static_cast<int>(scene_rect.width()), static_cast<int>(scene_rect.height()));
-    if (pixmap.isNull())
-        return pixmap;
     pixmap.fill(Qt::white);
     QPainter painter(&pixmap);
     d_scene->render(&painter, pixmap.rect(), scene_rect, Qt::KeepAspectRatio);
