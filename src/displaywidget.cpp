@@ -1,0 +1,367 @@
+#include "src/displaywidget.h"
+
+#include <QGraphicsPixmapItem>
+#include <QGraphicsScene>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QSet>
+#include <QVariant>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+namespace {
+
+constexpr double background_z = 0.0;
+constexpr double label_z = 1.0; // always above the page image
+
+/// Depth of the scene's index, which has 2 ^ depth cells. On an A4 page at 300 dpi a cell is about
+/// twice as wide and high as a label.
+constexpr int index_depth = 10;
+
+/// How far a pressed label has to be dragged before it moves, as a sum of both directions in scene
+/// units. Keeps a click with an unsteady hand from moving it.
+constexpr double drag_threshold = 1.0;
+
+/// Rounds to the nearest integer, halves upward on both sides of zero.
+int Round_Half_Up(double number)
+{
+    return static_cast<int>(std::floor(number + 0.5));
+}
+
+} // namespace
+
+// Widgets take their parent by a pointer to const; the toolkit, which enters the child into the
+// parent's list, does not.
+TDisplayWidget::TDisplayWidget(const QWidget* parent)
+    : QGraphicsView(const_cast<QWidget*>(parent))
+    , d_scene(new QGraphicsScene(this))
+    , d_background_item(
+          d_scene->addPixmap(QPixmap(QStringLiteral(":/images/background_default.png"))))
+{
+    setScene(d_scene);
+    // Many labels changing at once would otherwise be repainted piece by piece, at a cost that
+    // grows with the square of their number.
+    setViewportUpdateMode(QGraphicsView::BoundingRectViewportUpdate);
+    // Left to itself, the scene fits its index to the first item that is looked up, the page image,
+    // and keeps it like that for ten thousand labels.
+    d_scene->setBspTreeDepth(index_depth);
+    setDragMode(QGraphicsView::NoDrag);
+    d_background_item->setZValue(background_z);
+    d_background_item->setTransformationMode(Qt::SmoothTransformation);
+    Update_Label_Template();
+}
+
+void TDisplayWidget::Set_Background_Image(const QPixmap& pixmap)
+{
+    Show_Background(pixmap);
+    Update_Scene_Rect();
+}
+
+QPixmap TDisplayWidget::Background_Pixmap() const
+{
+    return d_background_item->pixmap();
+}
+
+void TDisplayWidget::Update_Scene_Rect()
+{
+    d_scene->setSceneRect(d_scene->itemsBoundingRect());
+}
+
+void TDisplayWidget::Change_Scale(const double& scale_factor)
+{
+    resetTransform();
+    scale(scale_factor, scale_factor);
+}
+
+void TDisplayWidget::Clear()
+{
+    Remove_Items();
+    Show_Background(QPixmap(QStringLiteral(":/images/default.png")));
+    Update_Scene_Rect();
+}
+
+void TDisplayWidget::Remove_Items()
+{
+    Forget_Pressed_Item();
+    d_items_by_id.clear();
+    for (const QGraphicsPixmapItem* item : std::exchange(d_label_items, {}))
+        delete item;
+}
+
+void TDisplayWidget::Remove_Item(int id)
+{
+    // The item goes with this pointer, and leaves the scene on its way.
+    const std::unique_ptr<QGraphicsPixmapItem> item(d_items_by_id.take(id));
+    if (!item)
+        return;
+    if (item.get() == d_pressed_item)
+        Forget_Pressed_Item();
+    d_label_items.erase(std::find(d_label_items.cbegin(), d_label_items.cend(), item.get()));
+}
+
+QGraphicsPixmapItem* TDisplayWidget::Add_Item(int id, int value, const QString& text,
+                                              int border_type)
+{
+    if (Item_Exists(id))
+        return nullptr;
+    const QPointF corner = Visible_Corner();
+    // Set up before the scene knows it: the scene would take note of every single step.
+    auto label = std::make_unique<QGraphicsPixmapItem>();
+    label->setTransformationMode(Qt::SmoothTransformation);
+    label->setPos(corner);
+    label->setZValue(label_z);
+    label->setData(Id_Key, id);
+    label->setData(Value_Key, value);
+    label->setData(Text_Key, text);
+    label->setData(Centre_Key, corner + LabelPainter::Centre(Label_Style()));
+    label->setData(Border_Key, border_type);
+    label->setData(Selected_Key, 0);
+    label->setPixmap(Render_Item(*label));
+
+    QGraphicsPixmapItem* item = label.release();
+    d_scene->addItem(item);
+    d_label_items.push_back(item);
+    d_items_by_id.insert(id, item);
+    return item;
+}
+
+bool TDisplayWidget::Item_Exists(int id) const
+{
+    return d_items_by_id.contains(id);
+}
+
+QPointF TDisplayWidget::Item_Position(int id) const
+{
+    const QGraphicsPixmapItem* item = d_items_by_id.value(id);
+    return item ? item->data(Centre_Key).toPointF() : QPointF();
+}
+
+void TDisplayWidget::Move_Item(int id, const QPointF& centre)
+{
+    QGraphicsPixmapItem* item = d_items_by_id.value(id);
+    if (!item)
+        return;
+    item->setPos(Corner(centre));
+    item->setData(Centre_Key, centre);
+    emit Update_Item_Position(id, centre);
+}
+
+void TDisplayWidget::Change_Item_Value(int id, int value)
+{
+    Change_Item(id, Value_Key, value);
+}
+
+void TDisplayWidget::Change_Item_Text(int id, const QString& text)
+{
+    Change_Item(id, Text_Key, text);
+}
+
+void TDisplayWidget::Change_Item_Border(int id, int border_type)
+{
+    Change_Item(id, Border_Key, border_type);
+}
+
+void TDisplayWidget::Set_Selected_Items(const std::vector<int>& ids, bool center)
+{
+    const QSet<int> wanted(ids.cbegin(), ids.cend());
+    const QGraphicsPixmapItem* last_selected = nullptr;
+    for (QGraphicsPixmapItem* item : std::as_const(d_label_items)) {
+        const bool selected = wanted.contains(item->data(Id_Key).toInt());
+        if (selected != (item->data(Selected_Key).toInt() != 0)) {
+            item->setData(Selected_Key, selected ? 1 : 0);
+            item->setPixmap(Render_Item(*item));
+        }
+        if (selected)
+            last_selected = item;
+    }
+    if (last_selected && center && d_track_item)
+        centerOn(last_selected->data(Centre_Key).toPointF());
+}
+
+QPixmap TDisplayWidget::Pixmap()
+{
+    Update_Scene_Rect();
+    const QRectF scene_rect = d_scene->sceneRect();
+    QPixmap pixmap(static_cast<int>(scene_rect.width()), static_cast<int>(scene_rect.height()));
+    pixmap.fill(Qt::white);
+    QPainter painter(&pixmap);
+    d_scene->render(&painter, pixmap.rect(), scene_rect, Qt::KeepAspectRatio);
+    return pixmap;
+}
+
+void TDisplayWidget::Set_Label_Size(const QSize& size, int font_size)
+{
+    d_label_width = size.width() + LabelPainter::Margin;
+    d_label_height = size.height() + LabelPainter::Margin;
+    d_font_size = font_size;
+    Update_Label_Template();
+    for (QGraphicsPixmapItem* item : std::as_const(d_label_items)) {
+        item->setPixmap(Render_Item(*item));
+        item->setPos(Corner(item->data(Centre_Key).toPointF()));
+    }
+}
+
+QSize TDisplayWidget::Label_Size() const
+{
+    return QSize(d_label_width - LabelPainter::Margin, d_label_height - LabelPainter::Margin);
+}
+
+void TDisplayWidget::Set_Label_Color(const QColor& color)
+{
+    d_label_color = color;
+    Update_Label_Template();
+    for (QGraphicsPixmapItem* item : std::as_const(d_label_items))
+        item->setPixmap(Render_Item(*item));
+}
+
+QPixmap TDisplayWidget::Render_Pixmap(const QString& text, const int& border_type,
+                                      bool selected) const
+{
+    return d_label_cache.Label(text, border_type, selected);
+}
+
+QPixmap TDisplayWidget::Render_Pixmap(int value, const int& border_type, bool selected) const
+{
+    return Render_Pixmap(QStringLiteral("%1").arg(value), border_type, selected);
+}
+
+void TDisplayWidget::mousePressEvent(QMouseEvent* event)
+{
+    // The buttons of the press before this one: the first press on the page never pans it, so that
+    // a click that unselects everything does not show a grabbing hand.
+    if (d_mouse_buttons & Qt::LeftButton)
+        setDragMode(QGraphicsView::ScrollHandDrag);
+    QGraphicsView::mousePressEvent(event);
+
+    d_mouse_buttons = event->buttons();
+    const QPointF scene_point = Scene_Point(*event);
+    // A slot may run an event loop, in which the buttons can change.
+    const bool right_button = event->buttons() & Qt::RightButton;
+    d_item_moved = false;
+    d_pressed_item = nullptr;
+    if (d_mouse_buttons & Qt::LeftButton)
+        Press_Item(scene_point);
+    if (right_button)
+        emit Right_Mouse_Click(scene_point);
+}
+
+void TDisplayWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!d_pressed_item)
+        QGraphicsView::mouseMoveEvent(event);
+    else if (event->buttons() & Qt::LeftButton)
+        Drag_Item(Scene_Point(*event));
+}
+
+void TDisplayWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    QGraphicsView::mouseReleaseEvent(event);
+    setDragMode(QGraphicsView::NoDrag);
+    if (!(d_mouse_buttons & Qt::LeftButton))
+        return;
+    // Forgotten before it is reported, since a slot may remove the label.
+    const QGraphicsPixmapItem* item = std::exchange(d_pressed_item, nullptr);
+    if (item)
+        emit Update_Item_Position(item->data(Id_Key).toInt(), item->data(Centre_Key).toPointF());
+    else if (!d_item_moved)
+        emit Item_Clicked(-1);
+}
+
+void TDisplayWidget::mouseDoubleClickEvent(QMouseEvent*)
+{
+    // The presses before it have done all there is to do.
+}
+
+TLabelStyle TDisplayWidget::Label_Style() const
+{
+    return {d_label_width, d_label_height, d_font_size, d_label_color};
+}
+
+void TDisplayWidget::Update_Label_Template()
+{
+    d_label_pixmap = LabelPainter::Template(Label_Style());
+    d_label_cache.Set_Style(Label_Style(), d_label_pixmap);
+}
+
+/// Where a label's top-left corner is when the label is centred on a point.
+QPointF TDisplayWidget::Corner(const QPointF& centre) const
+{
+    return centre - LabelPainter::Centre(Label_Style());
+}
+
+/// The origin of the page, or what is at the view's top-left pixel when the origin is out of sight
+/// to the left or above.
+QPointF TDisplayWidget::Visible_Corner() const
+{
+    const QPoint origin = mapFromScene(QPointF(0.0, 0.0));
+    return origin.x() < 0 || origin.y() < 0 ? mapToScene(QPoint(0, 0)) : QPointF();
+}
+
+/// The label's pixmap, according to what its item stores.
+QPixmap TDisplayWidget::Render_Item(const QGraphicsPixmapItem& item) const
+{
+    const QString text = item.data(Text_Key).toString();
+    const int border_type = item.data(Border_Key).toInt();
+    const bool selected = item.data(Selected_Key).toInt() != 0;
+    if (text.isEmpty())
+        return Render_Pixmap(item.data(Value_Key).toInt(), border_type, selected);
+    return Render_Pixmap(text, border_type, selected);
+}
+
+void TDisplayWidget::Change_Item(int id, TItemKey key, const QVariant& content)
+{
+    QGraphicsPixmapItem* item = d_items_by_id.value(id);
+    if (!item)
+        return;
+    item->setData(key, content);
+    item->setPixmap(Render_Item(*item));
+}
+
+void TDisplayWidget::Show_Background(const QPixmap& pixmap)
+{
+    d_background_item->setPixmap(pixmap);
+    d_background_item->setPos(0.0, 0.0);
+}
+
+/// Called when labels go away. A release that is still to come must neither report the label that
+/// is gone nor count as a click on the page.
+void TDisplayWidget::Forget_Pressed_Item()
+{
+    if (!d_pressed_item)
+        return;
+    d_pressed_item = nullptr;
+    d_item_moved = true;
+}
+
+/// Where in the scene a mouse event took place. View coordinates are whole pixels of the viewport.
+QPointF TDisplayWidget::Scene_Point(const QMouseEvent& event) const
+{
+    const QPointF position = event.localPos();
+    return mapToScene(QPoint(Round_Half_Up(position.x()), Round_Half_Up(position.y())));
+}
+
+void TDisplayWidget::Press_Item(const QPointF& scene_point)
+{
+    // Whatever is above the page image is a label.
+    QGraphicsItem* item = d_scene->itemAt(scene_point, transform());
+    if (!item || item == d_background_item)
+        return;
+    d_pressed_item = qgraphicsitem_cast<QGraphicsPixmapItem*>(item);
+    d_last_scene_point = scene_point;
+    emit Item_Clicked(item->data(Id_Key).toInt());
+}
+
+void TDisplayWidget::Drag_Item(const QPointF& scene_point)
+{
+    const QPointF step = scene_point - d_last_scene_point;
+    // Steps that are too small leave the last point where it is, and so add up.
+    if (step.manhattanLength() <= drag_threshold)
+        return;
+    d_last_scene_point = scene_point;
+    d_pressed_item->setData(Centre_Key, d_pressed_item->data(Centre_Key).toPointF() + step);
+    d_pressed_item->moveBy(step.x(), step.y());
+    d_item_moved = true;
+}
