@@ -7,7 +7,9 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <poll.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -114,6 +116,14 @@ TChildResult Run_In_Child(const std::function<int()>& function, int seconds)
     else if (WIFSIGNALED(status))
         result.signal = WTERMSIG(status);
     return result;
+}
+
+void Obey_File_Permissions()
+{
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct sets[_LINUX_CAPABILITY_U32S_3] = {};
+    if (syscall(SYS_capset, &header, sets) != 0)
+        qFatal("cannot give up capabilities");
 }
 
 QString Assertion_Failure(const std::function<void()>& function, const QString& source,

@@ -34,6 +34,10 @@ struct TChildResult
 /// @param seconds  time limit.
 TChildResult Run_In_Child(const std::function<int()>& function, int seconds = 20);
 
+/// Gives up root's right to read and write whatever the permissions of a file say, for the rest of
+/// the process; for children of Run_In_Child. Without effect for other users.
+void Obey_File_Permissions();
+
 /// Empty when the function is stopped by an assertion with exactly this condition text in a source
 /// whose path, relative to the project's root, begins with source; otherwise what happened instead.
 QString Assertion_Failure(const std::function<void()>& function, const QString& source,

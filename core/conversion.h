@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtGlobal>
+
+/// Typed values at a byte index inside a byte array.
+///
+/// Values are the raw bytes of the machine's own representation, in its byte order (little-endian
+/// on the supported platform): no alignment, no length prefix. Widths in bytes: short 2, int 4,
+/// qint64 8, float 4, double 8.
+///
+/// Access past the end of an array is a programming error and stops the program by an assertion, so
+/// whoever reads a file checks the bounds first, or accepts that. Nothing here grows an array: the
+/// caller sizes it.
+class Conversion
+{
+public:
+    Conversion() = delete;
+
+    /// The bytes from index up to and including the first zero byte; up to the end of the array
+    /// when there is none.
+    static QByteArray Ascii(unsigned int index, const QByteArray& array);
+    static double Double(unsigned int index, const QByteArray& array);
+    static float Float(unsigned int index, const QByteArray& array);
+    static short Short_Integer(unsigned int index, const QByteArray& array);
+    static int Integer(unsigned int index, const QByteArray& array);
+    static qint64 Long_Integer(unsigned int index, const QByteArray& array);
+
+    /// Stores data as it is, without a closing zero byte. The bound is tested in 32-bit unsigned
+    /// arithmetic: empty data passes at an index from 1 to the array's size, where it changes
+    /// nothing, and stops the program at index 0.
+    static void Set_Ascii(unsigned int index, const QByteArray& data, QByteArray* array);
+    static void Set_Double(unsigned int index, const double& value, QByteArray* array);
+    static void Set_Float(unsigned int index, const float& value, QByteArray* array);
+    static void Set_Short_Integer(unsigned int index, const short& value, QByteArray* array);
+    static void Set_Integer(unsigned int index, const int& value, QByteArray* array);
+    static void Set_Long_Integer(unsigned int index, const qint64& value, QByteArray* array);
+};
