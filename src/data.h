@@ -7,6 +7,7 @@
 #include <QPointF>
 #include <QString>
 
+#include <cstddef>
 #include <vector>
 
 /// One numbered label of a page. A plain value.
@@ -35,6 +36,9 @@ struct TPageItem
 /// is a programming error and stops the program by an assertion; Active_Page, Page_Image_Valid and
 /// Page_Has_Data are the questions to ask first. An unknown id is no error: the operation returns
 /// -1 or false and changes nothing. GUI thread only.
+///
+/// Finding a label by its id takes the same time however many there are, also while thousands are
+/// removed one by one.
 class TData
 {
 public:
@@ -96,7 +100,23 @@ public:
     void Clear_Selection();
 
 private:
-    std::vector<TPageItem> d_page_items;
+    const TPageItem* Active_Page_Item() const;
+    void Make_Active(int page_index);
+    void Build_Index() const;
+    int Find(int id) const;
+    void Settle() const;
+    template <typename TChange>
+    bool Change_Item(int id, const TChange& change);
+
+    /// Mutable only for Settle, which changes nothing that anybody can see.
+    mutable std::vector<TPageItem> d_page_items;
     int d_active_page_index = -1;
     static int d_next_page_id;
+
+    /// Where the labels of the active page are in its data_items; built when it is first needed.
+    mutable QHash<int, int> d_positions;
+    mutable bool d_has_positions = false;
+    /// How many entries of the active page's data_items are erased but still take up room: those
+    /// whose place is not the one that d_positions has for their id.
+    mutable std::size_t d_erased_count = 0;
 };

@@ -14,12 +14,14 @@
 /// and that forgets those that were used longest ago. PNG bytes are made at most once and kept.
 ///
 /// It is a value: copies are cheap and share what is known; assigning replaces. It converts to and
-/// from QImage, so that code that reads or assigns a QImage need not know it. GUI thread only.
+/// from QImage, so that code that reads or assigns a QImage need not know it. Whether bytes are an
+/// image at all is only known once they have been decoded; the first question about pixels, size or
+/// nullness decodes them, and the answer is kept when the pixels are not. GUI thread only.
 class TPageImage
 {
 public:
     /// A null image: no bytes, no pixels.
-    TPageImage();
+    TPageImage() = default;
 
     /// An image known as pixels; they are kept for as long as the image lives.
     TPageImage(const QImage& image);
@@ -29,12 +31,14 @@ public:
     /// still there to be written back.
     static TPageImage From_Bytes(const QByteArray& bytes);
 
-    /// The same, for a part of a larger array, which is kept alive but not copied.
+    /// The same, for a part of a larger array, which is kept alive but not copied. Bytes that this
+    /// image hands out are only valid while a copy of the image lives.
     /// @param offset, length  the part, in bytes; clipped to the array.
     static TPageImage From_Part(const QByteArray& whole, int offset, int length);
 
     /// The same, with the content of a file, whose pixels are decoded at once because that is the
-    /// only way to know that it is an image. Null when the file cannot be read as an image.
+    /// only way to know that it is an image. Accepts what QImage(path) accepts; null when the file
+    /// cannot be read as an image.
     static TPageImage From_File(const QString& path);
 
     /// The pixels; null when there are none or they cannot be decoded.
@@ -47,13 +51,15 @@ public:
     QSize size() const;
 
     /// The image as PNG at default quality, encoded at most once. Bytes that are PNG already are
-    /// handed out as they are, and so are bytes that cannot be decoded. Empty for a null image.
+    /// handed out as they are, and so are bytes that cannot be decoded. Empty for an image without
+    /// bytes and pixels.
     QByteArray Png() const;
 
     /// The bytes in which the image came, whatever their format; PNG for one that came as pixels.
     QByteArray Source_Bytes() const;
 
-    /// Whether both are the same image by identity (not by comparing pixels).
+    /// Whether both are the same image by identity (not by comparing pixels): copies of one image,
+    /// images made from copies of one QImage, or images without bytes and pixels.
     bool Is_Same_As(const TPageImage& other) const;
 
     /// Images whose header promises more pixels than this count as undecodable.
@@ -63,9 +69,13 @@ public:
     /// stays even when it alone is larger).
     static constexpr qint64 Store_Bytes = 256LL * 1024 * 1024;
 
+    /// How many bytes of decoded pixels the shared store keeps now.
+    static qint64 Stored_Bytes();
+
 private:
     struct TContent;
     explicit TPageImage(std::shared_ptr<TContent> content);
 
-    std::shared_ptr<TContent> d_content; ///< never null; shared by all copies of one image
+    /// Shared by all copies of one image; empty when there are neither bytes nor pixels.
+    std::shared_ptr<TContent> d_content;
 };

@@ -25,18 +25,29 @@ public:
     void Write_Text(const QString& text);
     /// Appends a length and the bytes.
     void Write_Bytes(const QByteArray& bytes);
+    /// Appends a length and a page's image as PNG; a length of 0 for a null image without bytes.
+    void Write_Image(const TPageImage& image);
 
     /// Size of the whole file in bytes.
     qint64 Size() const;
 
-    /// Writes everything to an open device; false when it took fewer bytes than there are.
+    /// Writes everything to an open device; false, and no more is written, once it takes fewer
+    /// bytes than it is given.
     bool Write_To(QIODevice* device) const;
 
     /// A file that one byte array cannot hold (2 GiB) could not be read back.
     static constexpr qint64 Maximum_Size = 0x7fffffff;
 
 private:
-    std::vector<QByteArray> d_pieces;
+    /// Bytes as they came, and the image that keeps them alive where they are an image's.
+    struct TPiece
+    {
+        QByteArray bytes;
+        TPageImage owner;
+    };
+    void Append(const QByteArray& bytes, const TPageImage& owner = TPageImage());
+
+    std::vector<TPiece> d_pieces;
     qint64 d_size = 0;
 };
 
@@ -68,9 +79,16 @@ public:
     static constexpr int Magic = 90210;
 
 private:
-    int Read_Length();
+    /// Where the content of a field stands in the file, clipped to what is there.
+    struct TField
+    {
+        int offset;
+        int length;
+    };
+    TField Take_Field();
 
     QByteArray d_bytes;
+    /// Of the next field; past the end when the last one promised more than there is.
     qint64 d_position = 0;
     bool d_valid = true;
 };

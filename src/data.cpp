@@ -1,0 +1,278 @@
+#include "src/data.h"
+
+#include <algorithm>
+#include <cassert>
+#include <iterator>
+
+// A macro, because an assertion prints the function in which it stands, and that has to be the
+// operation which was misused.
+#define ASSERT_ACTIVE_PAGE()                                                                       \
+    assert(!(d_active_page_index < 0));                                                            \
+    assert(static_cast<unsigned int>(d_active_page_index) < d_page_items.size())
+
+int TData::d_next_page_id = 1;
+
+TData::TData()
+{
+    d_next_page_id = 1;
+}
+
+int TData::Add_Page()
+{
+    return Add_Page(TPageImage());
+}
+
+int TData::Add_Page(const QImage& image)
+{
+    return Add_Page(TPageImage(image));
+}
+
+int TData::Add_Page(const TPageImage& image)
+{
+    d_page_items.push_back({d_next_page_id, image, {}});
+    return d_next_page_id++;
+}
+
+void TData::Remove_Page(int page_id)
+{
+    const int index = Page_Index(page_id);
+    if (index < 0)
+        return;
+    const int active_index = d_active_page_index;
+    if (index == active_index)
+        Make_Active(-1);
+    d_page_items.erase(d_page_items.begin() + index);
+    if (index < active_index)
+        --d_active_page_index;
+}
+
+bool TData::Set_Active_Page(int page_id)
+{
+    Make_Active(Page_Index(page_id));
+    return d_active_page_index >= 0;
+}
+
+int TData::Active_Page() const
+{
+    const TPageItem* const page = Active_Page_Item();
+    return page ? page->page_id : -1;
+}
+
+int TData::Page_Index(int page_id) const
+{
+    const auto found =
+        std::find_if(d_page_items.cbegin(), d_page_items.cend(),
+                     [page_id](const TPageItem& page) { return page.page_id == page_id; });
+    return found == d_page_items.cend()
+               ? -1
+               : static_cast<int>(std::distance(d_page_items.cbegin(), found));
+}
+
+int TData::Page_Id(int index) const
+{
+    assert(static_cast<unsigned int>(index) < d_page_items.size());
+    return d_page_items[index].page_id;
+}
+
+int TData::Page_Count() const
+{
+    return static_cast<int>(d_page_items.size());
+}
+
+QImage TData::Page_Image() const
+{
+    ASSERT_ACTIVE_PAGE();
+    return d_page_items[d_active_page_index].image;
+}
+
+const TPageImage& TData::Page_Content() const
+{
+    ASSERT_ACTIVE_PAGE();
+    return d_page_items[d_active_page_index].image;
+}
+
+void TData::Set_Page_Image(const QImage& image)
+{
+    ASSERT_ACTIVE_PAGE();
+    Set_Page_Image(TPageImage(image));
+}
+
+void TData::Set_Page_Image(const TPageImage& image)
+{
+    ASSERT_ACTIVE_PAGE();
+    d_page_items[d_active_page_index].image = image;
+}
+
+bool TData::Page_Image_Valid() const
+{
+    const TPageItem* const page = Active_Page_Item();
+    return page && !page->image.isNull();
+}
+
+bool TData::Page_Has_Data() const
+{
+    const TPageItem* const page = Active_Page_Item();
+    return page && page->data_items.size() > d_erased_count;
+}
+
+void TData::Clear()
+{
+    Make_Active(-1);
+    d_page_items.clear();
+    d_next_page_id = 1;
+}
+
+int TData::Item_Count() const
+{
+    ASSERT_ACTIVE_PAGE();
+    return static_cast<int>(d_page_items[d_active_page_index].data_items.size() - d_erased_count);
+}
+
+int TData::Item_Max_Value() const
+{
+    ASSERT_ACTIVE_PAGE();
+    Settle();
+    int max_value = 0;
+    for (const TDataItem& item : d_page_items[d_active_page_index].data_items)
+        max_value = std::max(max_value, item.value);
+    return max_value;
+}
+
+bool TData::Item_Exists(int id) const
+{
+    ASSERT_ACTIVE_PAGE();
+    return Find(id) >= 0;
+}
+
+TDataItem TData::Item(int index) const
+{
+    ASSERT_ACTIVE_PAGE();
+    Settle();
+    assert(static_cast<unsigned int>(index) < d_page_items[d_active_page_index].data_items.size());
+    return d_page_items[d_active_page_index].data_items[index];
+}
+
+bool TData::Add_Item(const TDataItem& item)
+{
+    ASSERT_ACTIVE_PAGE();
+    if (Find(item.id) >= 0)
+        return false;
+    std::vector<TDataItem>& items = d_page_items[d_active_page_index].data_items;
+    d_positions.insert(item.id, static_cast<int>(items.size()));
+    items.push_back(item);
+    return true;
+}
+
+bool TData::Remove_Item(int id)
+{
+    ASSERT_ACTIVE_PAGE();
+    if (Find(id) < 0)
+        return false;
+    // Closing the gap at once would move all labels behind it, once for every label removed.
+    d_positions.remove(id);
+    ++d_erased_count;
+    if (d_erased_count * 2 > d_page_items[d_active_page_index].data_items.size())
+        Settle();
+    return true;
+}
+
+bool TData::Change_Item_Value(int id, int value)
+{
+    ASSERT_ACTIVE_PAGE();
+    return Change_Item(id, [value](TDataItem* item) { item->value = value; });
+}
+
+bool TData::Change_Item_Text(int id, const QString& text)
+{
+    ASSERT_ACTIVE_PAGE();
+    return Change_Item(id, [&text](TDataItem* item) { item->text = text; });
+}
+
+bool TData::Change_Item_Border(int id, int border_type)
+{
+    ASSERT_ACTIVE_PAGE();
+    return Change_Item(id, [border_type](TDataItem* item) { item->border_type = border_type; });
+}
+
+bool TData::Change_Item_Position(int id, const QPointF& position)
+{
+    ASSERT_ACTIVE_PAGE();
+    return Change_Item(id, [&position](TDataItem* item) { item->position = position; });
+}
+
+bool TData::Change_Item_Selection(int id, bool selected)
+{
+    ASSERT_ACTIVE_PAGE();
+    return Change_Item(id, [selected](TDataItem* item) { item->selected = selected; });
+}
+
+void TData::Clear_Selection()
+{
+    ASSERT_ACTIVE_PAGE();
+    for (TDataItem& item : d_page_items[d_active_page_index].data_items)
+        item.selected = false;
+}
+
+/// The active page, or null when there is none.
+const TPageItem* TData::Active_Page_Item() const
+{
+    const bool is_active = d_active_page_index >= 0 && d_active_page_index < Page_Count();
+    return is_active ? &d_page_items[d_active_page_index] : nullptr;
+}
+
+/// Makes the page at a place the active one, none for -1. What is known of the places of labels is
+/// about the active page only and is forgotten with it.
+void TData::Make_Active(int page_index)
+{
+    if (page_index == d_active_page_index)
+        return;
+    Settle();
+    d_positions.clear();
+    d_has_positions = false;
+    d_active_page_index = page_index;
+}
+
+void TData::Build_Index() const
+{
+    const std::vector<TDataItem>& items = d_page_items[d_active_page_index].data_items;
+    d_positions.clear();
+    d_positions.reserve(static_cast<int>(items.size()));
+    int position = 0;
+    for (const TDataItem& item : items)
+        d_positions.insert(item.id, position++);
+    d_has_positions = true;
+}
+
+/// Place of a label in the active page's data_items, -1 for an unknown id.
+int TData::Find(int id) const
+{
+    if (!d_has_positions)
+        Build_Index();
+    return d_positions.value(id, -1);
+}
+
+/// Takes erased labels out of the active page's data_items. Everything that depends on the order of
+/// the labels calls this first.
+void TData::Settle() const
+{
+    if (d_erased_count == 0)
+        return;
+    std::vector<TDataItem>& items = d_page_items[d_active_page_index].data_items;
+    const TDataItem* const first = items.data();
+    const auto is_erased = [this, first](const TDataItem& item) {
+        return d_positions.value(item.id, -1) != static_cast<int>(&item - first);
+    };
+    items.erase(std::remove_if(items.begin(), items.end(), is_erased), items.end());
+    d_erased_count = 0;
+    d_has_positions = false;
+}
+
+template <typename TChange>
+bool TData::Change_Item(int id, const TChange& change)
+{
+    const int position = Find(id);
+    if (position < 0)
+        return false;
+    change(&d_page_items[d_active_page_index].data_items[position]);
+    return true;
+}

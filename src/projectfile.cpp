@@ -1,0 +1,106 @@
+#include "src/projectfile.h"
+
+#include "core/conversion.h"
+
+#include <QIODevice>
+
+#include <algorithm>
+
+TProjectWriter::TProjectWriter()
+{
+    Write_Integer(TProjectReader::Magic);
+}
+
+void TProjectWriter::Write_Integer(int value)
+{
+    QByteArray bytes(sizeof(value), '\0');
+    Conversion::Set_Integer(0, value, &bytes);
+    Append(bytes);
+}
+
+void TProjectWriter::Write_Text(const QString& text)
+{
+    Write_Bytes(text.toLatin1());
+}
+
+void TProjectWriter::Write_Bytes(const QByteArray& bytes)
+{
+    Write_Integer(bytes.size());
+    Append(bytes);
+}
+
+void TProjectWriter::Write_Image(const TPageImage& image)
+{
+    const QByteArray png = image.Png();
+    Write_Integer(png.size());
+    Append(png, image);
+}
+
+void TProjectWriter::Append(const QByteArray& bytes, const TPageImage& owner)
+{
+    d_pieces.push_back({bytes, owner});
+    d_size += bytes.size();
+}
+
+qint64 TProjectWriter::Size() const
+{
+    return d_size;
+}
+
+bool TProjectWriter::Write_To(QIODevice* device) const
+{
+    return std::all_of(d_pieces.cbegin(), d_pieces.cend(), [device](const TPiece& piece) {
+        return device->write(piece.bytes) == piece.bytes.size();
+    });
+}
+
+TProjectReader::TProjectReader(const QByteArray& bytes)
+    : d_bytes(bytes)
+{
+}
+
+bool TProjectReader::Read_Magic()
+{
+    constexpr int Least_Size = 8;
+    return d_bytes.size() >= Least_Size && Read_Integer() == Magic;
+}
+
+int TProjectReader::Read_Integer()
+{
+    if (!d_valid)
+        return 0;
+    const int value = Conversion::Integer(static_cast<unsigned int>(d_position), d_bytes);
+    d_position += static_cast<qint64>(sizeof(value));
+    return value;
+}
+
+QString TProjectReader::Read_Text()
+{
+    const QByteArray field = Read_Bytes();
+    return QString::fromLatin1(field.constData(),
+                               static_cast<int>(qstrnlen(field.constData(), field.size())));
+}
+
+QByteArray TProjectReader::Read_Bytes()
+{
+    const TField field = Take_Field();
+    return d_bytes.mid(field.offset, field.length);
+}
+
+TPageImage TProjectReader::Read_Image()
+{
+    const TField field = Take_Field();
+    return TPageImage::From_Part(d_bytes, field.offset, field.length);
+}
+
+TProjectReader::TField TProjectReader::Take_Field()
+{
+    const int length = Read_Integer();
+    d_valid = d_valid && length >= 0;
+    if (!d_valid)
+        return {0, 0};
+    // The position cannot be past the end here: the length itself was read just before it.
+    const int offset = static_cast<int>(d_position);
+    d_position += length;
+    return {offset, std::min(length, d_bytes.size() - offset)};
+}
