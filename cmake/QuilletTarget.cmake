@@ -6,15 +6,12 @@ foreach(build_type RELEASE RELWITHDEBINFO MINSIZEREL)
     string(REGEX REPLACE "[-/]DNDEBUG *" "" CMAKE_CXX_FLAGS_${build_type} "${CMAKE_CXX_FLAGS_${build_type}}")
 endforeach()
 
-# ccache turns the sources' paths into ones relative to the build folder.
-file(RELATIVE_PATH source_from_build ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR})
-
 # Interface target that carries the project's compile and link options.
 add_library(quillet_options INTERFACE)
 target_compile_options(quillet_options INTERFACE
     -UNDEBUG
     # Assertions name a source by its path in the project, wherever the project was built.
-    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${source_from_build}=
+    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
     -Wold-style-cast -Wcast-qual -Wextra-semi -Wnull-dereference -Wformat=2 -Wundef
     $<$<BOOL:${QUILLET_WERROR}>:-Werror>)

@@ -201,12 +201,12 @@ TPageImage TPageImage::From_Part(const QByteArray& whole, int offset, int length
     return TPageImage(std::move(content));
 }
 
-TPageImage TPageImage::From_File(const QString& path)
+TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_format)
 {
-    QImageReader header_reader(path);
+    QImageReader header_reader(path, wanted_format);
     if (Promises_Too_Much(&header_reader))
         return TPageImage();
-    QImageReader reader(path);
+    QImageReader reader(path, wanted_format);
     const QByteArray format = reader.format();
     const QImage image = reader.read();
     if (image.isNull())

@@ -39,7 +39,7 @@ public:
     /// The same, with the content of a file, whose pixels are decoded at once because that is the
     /// only way to know that it is an image. Accepts what QImage(path) accepts; null when the file
     /// cannot be read as an image.
-    static TPageImage From_File(const QString& path);
+    static TPageImage From_File(const QString& path, const QByteArray& format = QByteArray());
 
     /// The pixels; null when there are none or they cannot be decoded.
     operator QImage() const;

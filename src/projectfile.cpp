@@ -2,9 +2,11 @@
 
 #include "core/conversion.h"
 
+#include <QFile>
 #include <QIODevice>
 
 #include <algorithm>
+#include <optional>
 
 TProjectWriter::TProjectWriter()
 {
@@ -29,11 +31,11 @@ void TProjectWriter::Write_Bytes(const QByteArray& bytes)
     Append(bytes);
 }
 
-void TProjectWriter::Write_Image(const TPageImage& image)
+void TProjectWriter::Write_Image(const TPageImage& image, TImageBytes which)
 {
-    const QByteArray png = image.Png();
-    Write_Integer(png.size());
-    Append(png, image);
+    const QByteArray bytes = which == TImageBytes::As_Png ? image.Png() : image.Source_Bytes();
+    Write_Integer(bytes.size());
+    Append(bytes, image);
 }
 
 void TProjectWriter::Append(const QByteArray& bytes, const TPageImage& owner)
@@ -103,4 +105,43 @@ TProjectReader::TField TProjectReader::Take_Field()
     const int offset = static_cast<int>(d_position);
     d_position += length;
     return {offset, std::min(length, d_bytes.size() - offset)};
+}
+
+namespace {
+
+constexpr int integer_size = static_cast<int>(sizeof(int));
+
+/// Reads an integer at a device's position; empty when there is none.
+std::optional<int> Next_Integer(QIODevice* device)
+{
+    const QByteArray bytes = device->read(integer_size);
+    if (bytes.size() != integer_size)
+        return std::nullopt;
+    return Conversion::Integer(0, bytes);
+}
+
+/// Steps over fields; false when one of them does not lie within the device.
+bool Skip_Fields(QIODevice* device, qint64 count)
+{
+    for (qint64 field = 0; field < count; ++field) {
+        const std::optional<int> length = Next_Integer(device);
+        if (!length || *length < 0 || *length > device->size() - device->pos() ||
+            !device->seek(device->pos() + *length))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool ProjectFile::Is_Whole(const QString& path)
+{
+    constexpr int header_fields = 3;
+    constexpr int page_fields = 3;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || Next_Integer(&file) != TProjectReader::Magic ||
+        !Next_Integer(&file) || !Skip_Fields(&file, header_fields))
+        return false;
+    const std::optional<int> pages = Next_Integer(&file);
+    return pages && Skip_Fields(&file, qint64{page_fields} * *pages) && file.atEnd();
 }

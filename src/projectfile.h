@@ -25,8 +25,14 @@ public:
     void Write_Text(const QString& text);
     /// Appends a length and the bytes.
     void Write_Bytes(const QByteArray& bytes);
-    /// Appends a length and a page's image as PNG; a length of 0 for a null image without bytes.
-    void Write_Image(const TPageImage& image);
+    /// Which bytes of an image are written.
+    enum class TImageBytes {
+        As_Png,      ///< PNG, encoded if need be: what a project file holds
+        As_They_Came ///< of whatever format: costs nothing, and readers detect the format
+    };
+
+    /// Appends a length and a page's image; a length of 0 for a null image without bytes.
+    void Write_Image(const TPageImage& image, TImageBytes which = TImageBytes::As_Png);
 
     /// Size of the whole file in bytes.
     qint64 Size() const;
@@ -72,6 +78,9 @@ public:
     /// A page's image, not yet decoded; shares the file's bytes.
     TPageImage Read_Image();
 
+    /// Number of bytes that have not been read; 0 past the end.
+    qint64 Bytes_Left() const { return qMax<qint64>(0, d_bytes.size() - d_position); }
+
     /// False once a field had a negative length.
     bool Is_Valid() const { return d_valid; }
 
@@ -92,3 +101,11 @@ private:
     qint64 d_position = 0;
     bool d_valid = true;
 };
+
+namespace ProjectFile {
+
+/// Whether a file is a project file in which every field is there to its last byte. Reads the
+/// lengths alone, not what lies between them.
+bool Is_Whole(const QString& path);
+
+} // namespace ProjectFile

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "src/data.h"
+#include "src/projectfile.h"
 
 #include <QColor>
 #include <QDir>
@@ -29,8 +30,6 @@ class TDisplayWidget;
 class TLabelWidget;
 class TMessageBox;
 class TPageWidget;
-class TProjectReader;
-class TProjectWriter;
 class TReindexDialog;
 class TReportHeaderDialog;
 class TSafetyNet;
@@ -180,11 +179,10 @@ private:
     int Renumber_Active_Page(int first_value, bool selected_only);
 
     // Project files.
-    enum class TImageBytes { As_Png, As_They_Came };
     bool Fail(const QString& reason);
     TReportHeaderDialog* Header_Dialog();
     void Open_File(const QString& name);
-    QString Write_Project(TProjectWriter* writer, TImageBytes image_bytes);
+    QString Write_Project(TProjectWriter* writer, TProjectWriter::TImageBytes image_bytes);
     bool Read_Appearance(TProjectReader* reader);
     bool Read_Pages(TProjectReader* reader);
     bool Read_Page(TProjectReader* reader, int* page_id);

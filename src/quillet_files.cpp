@@ -113,7 +113,7 @@ bool TQuillet::Write_Data(const QString& file_name)
     // The whole document is built before the file is touched: what takes long or is refused leaves
     // the old file as it is.
     TProjectWriter writer;
-    const QString fault = Write_Project(&writer, TImageBytes::As_Png);
+    const QString fault = Write_Project(&writer, TProjectWriter::TImageBytes::As_Png);
     if (writer.Size() > TProjectWriter::Maximum_Size)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
@@ -131,7 +131,7 @@ bool TQuillet::Write_Data(const QString& file_name)
 
 /// Puts the document into a writer. Returns why a page's labels could not be written; empty when
 /// all went well.
-QString TQuillet::Write_Project(TProjectWriter* writer, TImageBytes image_bytes)
+QString TQuillet::Write_Project(TProjectWriter* writer, TProjectWriter::TImageBytes image_bytes)
 {
     writer->Write_Integer(d_settings_widget->Label_Size());
     writer->Write_Text(d_settings_widget->Label_Color().name());
@@ -146,9 +146,7 @@ QString TQuillet::Write_Project(TProjectWriter* writer, TImageBytes image_bytes)
         for (const int page_id : page_ids) {
             writer->Write_Text(d_page_widget->Page_Name(page_id));
             d_data.Set_Active_Page(page_id);
-            const TPageImage& image = d_data.Page_Content();
-            writer->Write_Bytes(image_bytes == TImageBytes::As_Png ? image.Png()
-                                                                   : image.Source_Bytes());
+            writer->Write_Image(d_data.Page_Content(), image_bytes);
             writer->Write_Bytes(Write_Items());
         }
     } catch (const TXmlFileException& exception) {

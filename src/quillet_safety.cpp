@@ -16,7 +16,7 @@ void TQuillet::Spread_Safety_Net()
 {
     const QString settings_folder = QFileInfo(d_settings->fileName()).absolutePath();
     d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this](TProjectWriter* writer) {
-        Write_Project(writer, TImageBytes::As_They_Came);
+        Write_Project(writer, TProjectWriter::TImageBytes::As_They_Came);
     });
     Announce_Kept_Work();
 }
