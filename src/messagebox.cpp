@@ -1,0 +1,54 @@
+#include "src/messagebox.h"
+
+#include "src/parentwidget.h"
+
+namespace {
+
+const int Box_Width = 500; // pixels
+
+// Button layout 1 is QDialogButtonBox::MacLayout.
+const char* const Box_Style = "dialogbuttonbox-buttons-have-icons: 0;\nbutton-layout: 1;";
+
+const char* const Text_Pattern =
+    "<span style=\"font-size:10pt; font-weight:600; color:#000000;\" >%1</span>";
+const char* const Informative_Text_Pattern =
+    "<span style=\"font-size:10pt; font-weight:400; color:#000000;\" >%1</span>";
+
+} // namespace
+
+TMessageBox::TMessageBox(const QWidget* parent)
+    : QMessageBox(Parent_Widget(parent))
+    , d_fixed_width(Box_Width)
+{
+    setTextFormat(Qt::RichText);
+    setStyleSheet(QString::fromLatin1(Box_Style));
+}
+
+void TMessageBox::resizeEvent(QResizeEvent* event)
+{
+    QMessageBox::resizeEvent(event);
+    // The base class fixes a size of its own whenever the contents change. Fixing the width again
+    // may resize the box once more; the second time the width is the same and nothing happens.
+    setFixedWidth(d_fixed_width);
+}
+
+void TMessageBox::showEvent(QShowEvent* event)
+{
+    QMessageBox::showEvent(event);
+    setFixedWidth(d_fixed_width);
+}
+
+int TMessageBox::exec()
+{
+    return QDialog::exec();
+}
+
+void TMessageBox::setText(const QString& text)
+{
+    QMessageBox::setText(QString::fromLatin1(Text_Pattern).arg(text));
+}
+
+void TMessageBox::setInformativeText(const QString& text)
+{
+    QMessageBox::setInformativeText(QString::fromLatin1(Informative_Text_Pattern).arg(text));
+}
