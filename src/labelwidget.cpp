@@ -1,0 +1,277 @@
+#include "src/labelwidget.h"
+
+#include "src/itemformat.h"
+#include "src/panelparts.h"
+#include "src/parentwidget.h"
+#include "src/rowlist.h"
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QSignalBlocker>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <array>
+#include <limits>
+
+namespace {
+
+/// What a row keeps besides its id.
+enum Roles {
+    Value_Role = TRowList::Id_Role + 1,
+    Text_Role,
+    Border_Role,
+};
+
+const int Ellipse_Code = 2;
+const int First_Value = 1;
+const int Longest_Input = 32; // characters
+
+struct TBorder
+{
+    const char* name;
+    const char* icon;
+    int code;
+};
+
+/// The borders in the order of the combo box. The first one also stands for unknown codes.
+const std::array<TBorder, 5> Borders = {{
+    {QT_TRANSLATE_NOOP("TLabelWidget", "No Border"), ":/gui/outline_none.png", 0},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Ellipse"), ":/gui/outline_ellipse.png", Ellipse_Code},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Square"), ":/gui/outline_square.png", 1},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Triangle"), ":/gui/outline_triangle.png", 4},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Diamond"), ":/gui/outline_diamond.png", 8},
+}};
+
+QLineEdit* New_Editor(const QString& tool_tip, QWidget* parent)
+{
+    auto* const editor = new QLineEdit(parent);
+    editor->setMaxLength(Longest_Input);
+    editor->setAlignment(Qt::AlignCenter);
+    editor->setToolTip(tool_tip);
+    return editor;
+}
+
+} // namespace
+
+TLabelWidget::TLabelWidget(const QWidget* parent, Qt::WindowFlags flags)
+    : QWidget(Parent_Widget(parent), flags)
+    , d_display_format(QString::fromLatin1(ItemFormat::Default_Format))
+    , d_label_index(First_Value)
+    , d_next_value(First_Value)
+{
+    Create_Widgets();
+    Arrange_Widgets();
+    Set_Border_Type(Ellipse_Code);
+    d_remove_button->setEnabled(false);
+    d_value_editor->setText(QString::number(d_label_index));
+    Connect_Widgets();
+}
+
+void TLabelWidget::Create_Widgets()
+{
+    // The order of creation is the order in which the tabulator key visits the widgets.
+    d_list = new TRowList(this);
+    d_list->setAccessibleName(tr("Item List"));
+    d_add_button = PanelParts::New_Button(tr("+"), tr("Add Item"), this);
+    d_remove_button = PanelParts::New_Button(tr("-"), tr("Remove Item"), this);
+    d_value_editor = New_Editor(tr("Item Value"), this);
+    d_text_editor = New_Editor(tr("Item Text"), this);
+    d_border_box = new QComboBox(this);
+    d_border_box->setToolTip(tr("Border Type"));
+    for (const TBorder& border : Borders) {
+        d_border_icons.emplace_back(QString::fromLatin1(border.icon));
+        d_border_box->addItem(d_border_icons.back(), tr(border.name), border.code);
+    }
+}
+
+void TLabelWidget::Arrange_Widgets()
+{
+    auto* const buttons = new QHBoxLayout;
+    buttons->addItem(new QSpacerItem(0, 0, QSizePolicy::Expanding, QSizePolicy::Minimum));
+    buttons->addWidget(d_add_button);
+    buttons->addWidget(d_remove_button);
+
+    auto* const editors = new QGridLayout;
+    PanelParts::Add_Row(editors, 0, tr("Item Value:"), d_value_editor);
+    PanelParts::Add_Row(editors, 1, tr("Item Text:"), d_text_editor);
+    PanelParts::Add_Row(editors, 2, tr("Border Type:"), d_border_box);
+
+    auto* const panel = new QVBoxLayout(this);
+    PanelParts::Set_Margins(panel);
+    panel->addWidget(d_list);
+    panel->addLayout(buttons);
+    panel->addLayout(editors);
+}
+
+void TLabelWidget::Connect_Widgets()
+{
+    connect(d_add_button, SIGNAL(clicked()), this, SIGNAL(Add_Item()));
+    connect(d_remove_button, SIGNAL(clicked()), this, SIGNAL(Remove_Item()));
+    connect(d_list, SIGNAL(itemSelectionChanged()), this, SLOT(Item_Selection_Changed()));
+    connect(d_value_editor, SIGNAL(textEdited(QString)), this,
+            SLOT(Current_Value_Changed(QString)));
+    connect(d_text_editor, SIGNAL(editingFinished()), this, SLOT(Current_Text_Changed()));
+    connect(d_border_box, SIGNAL(currentIndexChanged(int)), this, SLOT(Border_Type_Changed()));
+}
+
+void TLabelWidget::Add_Item(const TDataItem& item)
+{
+    // The row joins the list complete, so that the list takes notice of it once.
+    auto* const row = new QListWidgetItem;
+    row->setText(ItemFormat::Row_Text(d_display_format, item.value, item.text));
+    row->setIcon(Border_Icon(item.border_type));
+    row->setData(TRowList::Id_Role, item.id);
+    row->setData(Value_Role, item.value);
+    row->setData(Text_Role, item.text);
+    row->setData(Border_Role, item.border_type);
+    d_list->addItem(row);
+}
+
+void TLabelWidget::Remove_Item(int id)
+{
+    d_list->Remove_Row(id);
+}
+
+void TLabelWidget::Set_Selection(int id)
+{
+    d_list->clearSelection();
+    if (QListWidgetItem* const row = d_list->Row(id))
+        d_list->setCurrentItem(row, QItemSelectionModel::SelectCurrent);
+}
+
+void TLabelWidget::Add_Selection(int id)
+{
+    // Not SelectCurrent: that one takes back what the call before it selected.
+    if (QListWidgetItem* const row = d_list->Row(id))
+        d_list->setCurrentItem(row, QItemSelectionModel::Select);
+}
+
+void TLabelWidget::Clear_Selection()
+{
+    d_list->clearSelection();
+}
+
+std::vector<int> TLabelWidget::Selected_Items() const
+{
+    return d_list->Selected_Ids();
+}
+
+int TLabelWidget::Border_Type() const
+{
+    return d_border_box->currentData().toInt();
+}
+
+void TLabelWidget::Set_Border_Type(int border_type)
+{
+    const int place = d_border_box->findData(border_type);
+    if (place < 0)
+        return;
+    const QSignalBlocker blocker(d_border_box);
+    d_border_box->setCurrentIndex(place);
+}
+
+void TLabelWidget::Set_Label_Index(int value)
+{
+    d_next_value = value;
+    d_value_editor->setText(QString::number(value));
+}
+
+int TLabelWidget::Take_Label_Index()
+{
+    const int taken = d_next_value;
+    // After the largest number there is no next one; it serves again.
+    if (taken < std::numeric_limits<int>::max())
+        ++d_next_value;
+    d_label_index = d_next_value;
+    return taken;
+}
+
+void TLabelWidget::Clear()
+{
+    d_list->clear();
+}
+
+void TLabelWidget::Item_Selection_Changed()
+{
+    Show_Selection();
+    Q_EMIT Selection_Changed();
+}
+
+void TLabelWidget::Show_Selection()
+{
+    const QList<QListWidgetItem*> rows = d_list->selectedItems();
+    d_remove_button->setEnabled(!rows.isEmpty());
+
+    // Showing what is selected is no edit. A text editor that is disabled while it has the focus
+    // would otherwise even report that its editing was finished.
+    const QSignalBlocker value_blocker(d_value_editor);
+    const QSignalBlocker text_blocker(d_text_editor);
+    const QSignalBlocker border_blocker(d_border_box);
+    d_text_editor->setEnabled(rows.size() == 1);
+    if (rows.size() == 1) {
+        d_value_editor->setText(QString::number(rows.first()->data(Value_Role).toInt()));
+        d_text_editor->setText(rows.first()->data(Text_Role).toString());
+        Set_Border_Type(rows.first()->data(Border_Role).toInt());
+    } else {
+        d_value_editor->setText(rows.isEmpty() ? QString::number(d_label_index) : QString());
+        d_text_editor->clear();
+    }
+}
+
+void TLabelWidget::Border_Type_Changed()
+{
+    const int border_type = Border_Type();
+    const QList<QListWidgetItem*> rows = d_list->selectedItems();
+    for (QListWidgetItem* const row : rows) {
+        row->setData(Border_Role, border_type);
+        row->setIcon(Border_Icon(border_type));
+        Q_EMIT Change_Item_Border(row->data(TRowList::Id_Role).toInt(), border_type);
+    }
+}
+
+void TLabelWidget::Current_Value_Changed(const QString& typed)
+{
+    bool is_number = false;
+    const int value = typed.toInt(&is_number);
+    if (!is_number)
+        return;
+    if (d_list->selectionModel()->hasSelection()) {
+        QListWidgetItem* const row = d_list->Only_Selected_Row();
+        if (row == nullptr)
+            return;
+        row->setData(Value_Role, value);
+        Update_Row_Text(row);
+        Q_EMIT Change_Item_Value(row->data(TRowList::Id_Role).toInt(), value);
+    } else {
+        d_label_index = value;
+        d_next_value = value;
+    }
+}
+
+void TLabelWidget::Current_Text_Changed()
+{
+    QListWidgetItem* const row = d_list->Only_Selected_Row();
+    if (row == nullptr)
+        return;
+    const QString text = d_text_editor->text().simplified();
+    row->setData(Text_Role, text);
+    Update_Row_Text(row);
+    Q_EMIT Change_Item_Text(row->data(TRowList::Id_Role).toInt(), text);
+}
+
+void TLabelWidget::Update_Row_Text(QListWidgetItem* row) const
+{
+    row->setText(ItemFormat::Row_Text(d_display_format, row->data(Value_Role).toInt(),
+                                      row->data(Text_Role).toString()));
+}
+
+const QIcon& TLabelWidget::Border_Icon(int border_type) const
+{
+    for (std::size_t place = 0; place < Borders.size(); ++place) {
+        if (Borders[place].code == border_type)
+            return d_border_icons[place];
+    }
+    return d_border_icons.front();
+}

@@ -1,0 +1,131 @@
+#include "src/pagewidget.h"
+
+#include "src/panelparts.h"
+#include "src/parentwidget.h"
+#include "src/rowlist.h"
+
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QToolButton>
+
+namespace {
+
+const QSize Panel_Size(280, 250); // pixels
+const int No_Page = -1;
+
+} // namespace
+
+TPageWidget::TPageWidget(const QWidget* parent, Qt::WindowFlags flags)
+    : QWidget(Parent_Widget(parent), flags)
+{
+    qRegisterMetaType<QList<int>>("QList<int>");
+    resize(Panel_Size);
+    setWindowTitle(tr("Page List"));
+    Create_Widgets();
+    Arrange_Widgets();
+    d_remove_button->setEnabled(false);
+    d_name_editor->setEnabled(false);
+    Connect_Widgets();
+}
+
+void TPageWidget::Create_Widgets()
+{
+    // The order of creation is the order in which the tabulator key visits the widgets.
+    d_list = new TRowList(this);
+    d_list->setAccessibleName(tr("Page List"));
+    d_name_editor = new QLineEdit(this);
+    d_name_editor->setAlignment(Qt::AlignCenter);
+    d_name_editor->setToolTip(tr("Page Item Name"));
+    d_name_editor->setAccessibleName(tr("Page Item Name"));
+    d_add_button = PanelParts::New_Button(tr("+"), tr("Add Page"), this);
+    d_remove_button = PanelParts::New_Button(tr("-"), tr("Remove Page"), this);
+}
+
+void TPageWidget::Arrange_Widgets()
+{
+    auto* const tools = new QHBoxLayout;
+    tools->addWidget(d_name_editor);
+    tools->addItem(new QSpacerItem(0, 0, QSizePolicy::Expanding, QSizePolicy::Minimum));
+    tools->addWidget(d_add_button);
+    tools->addWidget(d_remove_button);
+
+    auto* const panel = new QGridLayout(this);
+    PanelParts::Set_Margins(panel);
+    panel->addWidget(d_list, 0, 0);
+    panel->addLayout(tools, 1, 0);
+}
+
+void TPageWidget::Connect_Widgets()
+{
+    connect(d_list, SIGNAL(itemSelectionChanged()), this, SLOT(Page_Selection_Changed()));
+    connect(d_add_button, SIGNAL(clicked()), this, SIGNAL(Add_Page()));
+    connect(d_remove_button, SIGNAL(clicked()), this, SLOT(Remove_Page()));
+    connect(d_name_editor, SIGNAL(textEdited(QString)), this, SLOT(Page_Name_Edited(QString)));
+}
+
+void TPageWidget::Add_Page(int page_id)
+{
+    auto* const row = new QListWidgetItem(tr("Page %1").arg(page_id));
+    row->setData(TRowList::Id_Role, page_id);
+    d_list->addItem(row);
+}
+
+void TPageWidget::Remove_Page(int page_id)
+{
+    d_list->Remove_Row(page_id);
+}
+
+void TPageWidget::Set_Active_Page(int page_id)
+{
+    if (QListWidgetItem* const row = d_list->Row(page_id))
+        d_list->setCurrentItem(row, QItemSelectionModel::ClearAndSelect);
+}
+
+void TPageWidget::Set_Page_Name(int page_id, const QString& name)
+{
+    if (QListWidgetItem* const row = d_list->Row(page_id))
+        row->setText(name);
+}
+
+QString TPageWidget::Page_Name(int page_id) const
+{
+    const QListWidgetItem* const row = d_list->Row(page_id);
+    return row != nullptr ? row->text() : QString();
+}
+
+QList<int> TPageWidget::Page_Ids() const
+{
+    QList<int> page_ids;
+    page_ids.reserve(d_list->count());
+    for (int place = 0; place < d_list->count(); ++place)
+        page_ids.append(d_list->item(place)->data(TRowList::Id_Role).toInt());
+    return page_ids;
+}
+
+void TPageWidget::Clear()
+{
+    d_list->clear();
+}
+
+void TPageWidget::Page_Selection_Changed()
+{
+    const QListWidgetItem* const row = d_list->Only_Selected_Row();
+    d_remove_button->setEnabled(d_list->selectionModel()->hasSelection());
+    d_name_editor->setEnabled(row != nullptr);
+    d_name_editor->setText(row != nullptr ? row->text() : QString());
+    Q_EMIT Selection_Changed(row != nullptr ? row->data(TRowList::Id_Role).toInt() : No_Page);
+}
+
+void TPageWidget::Remove_Page()
+{
+    QList<int> page_ids;
+    for (const int page_id : d_list->Selected_Ids())
+        page_ids.append(page_id);
+    Q_EMIT Remove_Pages(page_ids);
+}
+
+void TPageWidget::Page_Name_Edited(const QString& text)
+{
+    if (QListWidgetItem* const row = d_list->Only_Selected_Row())
+        row->setText(text);
+}

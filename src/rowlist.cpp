@@ -1,0 +1,196 @@
+#include "src/rowlist.h"
+
+#include <QEvent>
+#include <QStyledItemDelegate>
+#include <QtMath>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+namespace {
+
+// Texts of letters in this range stand in one line as high as the font.
+const ushort First_Letter = 0x20;
+const ushort Last_Letter = 0xff;
+
+} // namespace
+
+/// Gives all rows the size that the largest needs.
+///
+/// A list with uniform rows asks for the size of one row and cuts the others to it. This delegate
+/// keeps in mind what the rows need as they come, and answers for all of them.
+class TRowDelegate : public QStyledItemDelegate
+{
+public:
+    explicit TRowDelegate(const QFont& font, QObject* parent)
+        : QStyledItemDelegate(parent)
+    {
+        Set_Font(font);
+    }
+
+    /// Starts anew with another font.
+    void Set_Font(const QFont& font)
+    {
+        Forget();
+        const QFontMetricsF metrics(font);
+        for (ushort letter = First_Letter; letter <= Last_Letter; ++letter)
+            d_letter_widths[letter - First_Letter] = metrics.horizontalAdvance(QChar(letter));
+    }
+
+    /// Starts anew.
+    void Forget()
+    {
+        d_widest_text.clear();
+        d_widest_text_width = 0.0;
+        d_unusual_size = QSize();
+    }
+
+    /// Takes a text into account by the widths of its letters, which is a hundred times quicker
+    /// than to lay it out; kerning and ligatures only make it narrower.
+    /// @return false when that is no measure for the text.
+    bool Measure_Letters(const QString& text)
+    {
+        qreal width = 0.0;
+        for (const QChar letter : text) {
+            if (letter.unicode() < First_Letter || letter.unicode() > Last_Letter)
+                return false;
+            width += d_letter_widths[letter.unicode() - First_Letter];
+        }
+        if (width > d_widest_text_width) {
+            d_widest_text_width = width;
+            d_widest_text = text;
+        }
+        return true;
+    }
+
+    /// Takes a row into account by laying it out.
+    void Measure_Row(const QStyleOptionViewItem& option, const QModelIndex& row)
+    {
+        d_unusual_size = d_unusual_size.expandedTo(QStyledItemDelegate::sizeHint(option, row));
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& row) const override
+    {
+        QStyleOptionViewItem widest = option;
+        initStyleOption(&widest, row);
+        widest.text = d_widest_text;
+        widest.features |= QStyleOptionViewItem::HasDisplay;
+        const QSize size = option.widget->style()->sizeFromContents(
+            QStyle::CT_ItemViewItem, &widest, QSize(), option.widget);
+        const qreal kerning =
+            d_widest_text_width - widest.fontMetrics.horizontalAdvance(d_widest_text);
+        return (size + QSize(qCeil(std::max(kerning, 0.0)), 0)).expandedTo(d_unusual_size);
+    }
+
+private:
+    std::array<qreal, Last_Letter - First_Letter + 1> d_letter_widths; ///< pixels
+    QString d_widest_text;
+    qreal d_widest_text_width = 0.0; ///< pixels, without kerning
+    QSize d_unusual_size;            ///< what the rows need that were laid out
+};
+
+TRowList::TRowList(QWidget* parent)
+    : QListWidget(parent)
+    , d_delegate(new TRowDelegate(font(), this))
+{
+    setItemDelegate(d_delegate);
+    setUniformItemSizes(true);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setDragDropMode(QAbstractItemView::InternalMove);
+}
+
+QListWidgetItem* TRowList::Row(int id) const
+{
+    if (d_rows_outdated)
+        Index_Rows();
+    if (d_rows.count(id) < 2)
+        return d_rows.value(id);
+    // Which of several rows comes first depends on how the user dragged them.
+    int place = 0;
+    while (item(place)->data(Id_Role).toInt() != id)
+        ++place;
+    return item(place);
+}
+
+void TRowList::Remove_Row(int id)
+{
+    if (const QListWidgetItem* const found = Row(id))
+        const std::unique_ptr<QListWidgetItem> taken(takeItem(row(found)));
+}
+
+QListWidgetItem* TRowList::Only_Selected_Row() const
+{
+    const QList<QListWidgetItem*> selected = selectedItems();
+    return selected.size() == 1 ? selected.first() : nullptr;
+}
+
+std::vector<int> TRowList::Selected_Ids() const
+{
+    const QList<QListWidgetItem*> selected = selectedItems();
+    std::vector<int> ids;
+    ids.reserve(static_cast<std::size_t>(selected.size()));
+    for (const QListWidgetItem* const one : selected)
+        ids.push_back(one->data(Id_Role).toInt());
+    return ids;
+}
+
+void TRowList::reset()
+{
+    QListWidget::reset();
+    d_rows_outdated = true;
+    d_delegate->Forget();
+    Measure_Rows(0, count() - 1);
+}
+
+void TRowList::rowsInserted(const QModelIndex& parent, int first, int last)
+{
+    for (int place = first; place <= last; ++place)
+        d_rows.insert(item(place)->data(Id_Role).toInt(), item(place));
+    Measure_Rows(first, last);
+    QListWidget::rowsInserted(parent, first, last);
+}
+
+void TRowList::rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last)
+{
+    QListWidget::rowsAboutToBeRemoved(parent, first, last);
+    for (int place = first; place <= last; ++place)
+        d_rows.remove(item(place)->data(Id_Role).toInt(), item(place));
+}
+
+void TRowList::dataChanged(const QModelIndex& top_left, const QModelIndex& bottom_right,
+                           const QVector<int>& roles)
+{
+    // No roles at all means that any of them may have changed.
+    if (roles.isEmpty() || roles.contains(Id_Role))
+        d_rows_outdated = true;
+    if (roles.isEmpty() || roles.contains(Qt::DisplayRole))
+        Measure_Rows(top_left.row(), bottom_right.row());
+    QListWidget::dataChanged(top_left, bottom_right, roles);
+}
+
+void TRowList::changeEvent(QEvent* event)
+{
+    QListWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        d_delegate->Set_Font(font());
+        Measure_Rows(0, count() - 1);
+    }
+}
+
+void TRowList::Index_Rows() const
+{
+    d_rows.clear();
+    for (int place = 0; place < count(); ++place)
+        d_rows.insert(item(place)->data(Id_Role).toInt(), item(place));
+    d_rows_outdated = false;
+}
+
+void TRowList::Measure_Rows(int first, int last)
+{
+    for (int place = first; place <= last; ++place) {
+        const QListWidgetItem* const row = item(place);
+        if (!d_delegate->Measure_Letters(row->text()))
+            d_delegate->Measure_Row(viewOptions(), indexFromItem(row));
+    }
+}

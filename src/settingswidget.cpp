@@ -1,0 +1,232 @@
+#include "src/settingswidget.h"
+
+#include "src/itemformat.h"
+#include "src/panelparts.h"
+#include "src/parentwidget.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QFrame>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QSlider>
+#include <QToolButton>
+
+#include <array>
+
+namespace {
+
+const QSize Panel_Size(315, 217); // pixels
+const int Smallest_Label = 16;    // pixels
+const int Largest_Label = 128;    // pixels
+const int Default_Label = 32;     // pixels
+const char* const Initial_Format = "Item[%1]";
+const QColor Initial_Color(250, 8, 50);
+const int Smallest_Icon = 16; // pixels
+const int Icon_Margin = 6;    // pixels of the colour button that the icon leaves free
+
+struct TChoice
+{
+    const char* name;
+    int code;
+};
+
+const std::array<TChoice, 2> Orientations = {{
+    {QT_TRANSLATE_NOOP("TSettingsWidget", "Portrait"), 0},
+    {QT_TRANSLATE_NOOP("TSettingsWidget", "Landscape"), 1},
+}};
+
+const std::array<TChoice, 4> Resolutions = {{
+    {QT_TRANSLATE_NOOP("TSettingsWidget", "96 DPI"), 1},
+    {QT_TRANSLATE_NOOP("TSettingsWidget", "180 DPI"), 2},
+    {QT_TRANSLATE_NOOP("TSettingsWidget", "276 DPI"), 3},
+    {QT_TRANSLATE_NOOP("TSettingsWidget", "372 DPI"), 4},
+}};
+
+template <typename TChoices>
+QComboBox* New_Box(const TChoices& choices, QWidget* parent)
+{
+    auto* const box = new QComboBox(parent);
+    for (const TChoice& choice : choices)
+        box->addItem(TSettingsWidget::tr(choice.name), choice.code);
+    return box;
+}
+
+QFrame* New_Separator(QWidget* parent)
+{
+    auto* const separator = new QFrame(parent);
+    separator->setFrameShape(QFrame::HLine);
+    separator->setFrameShadow(QFrame::Sunken);
+    return separator;
+}
+
+/// Shows the entry with this code, or the one at the given place when there is none.
+void Show_Choice(QComboBox* box, int code, int otherwise)
+{
+    const int place = box->findData(code);
+    box->setCurrentIndex(place >= 0 ? place : otherwise);
+}
+
+} // namespace
+
+TSettingsWidget::TSettingsWidget(const QWidget* parent, Qt::WindowFlags flags)
+    : QWidget(Parent_Widget(parent), flags)
+    , d_label_color(Initial_Color)
+{
+    resize(Panel_Size);
+    setWindowTitle(tr("Settings"));
+    Create_Widgets();
+    Arrange_Widgets();
+    Connect_Widgets();
+}
+
+void TSettingsWidget::Create_Widgets()
+{
+    // The order of creation is the order in which the tabulator key visits the widgets.
+    d_format_editor = new QLineEdit(QString::fromLatin1(Initial_Format), this);
+    d_format_editor->setAlignment(Qt::AlignCenter);
+    d_color_button = new QToolButton(this);
+    d_color_button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+    // The icon fills the button, and the button wants to be larger than its icon. Limits of its own
+    // keep it, and with it the dock, from growing with the icon and from staying as wide for good.
+    d_color_button->setMinimumWidth(Smallest_Icon + Icon_Margin);
+    d_color_button->setFixedHeight(d_color_button->sizeHint().height());
+    d_size_slider = new QSlider(Qt::Horizontal, this);
+    d_size_slider->setRange(Smallest_Label, Largest_Label);
+    d_size_slider->setValue(Default_Label);
+    d_orientation_box = New_Box(Orientations, this);
+    d_resolution_box = New_Box(Resolutions, this);
+    d_track_box = new QCheckBox(tr("Track Selected Item"), this);
+    d_track_box->setChecked(true);
+}
+
+void TSettingsWidget::Arrange_Widgets()
+{
+    auto* const grid = new QGridLayout(this);
+    PanelParts::Set_Margins(grid);
+    const int both_columns = 2;
+    int row = 0;
+    PanelParts::Add_Row(grid, row++, tr("Item Display Format:"), d_format_editor);
+    PanelParts::Add_Row(grid, row++, tr("Item Color:"), d_color_button);
+    PanelParts::Add_Row(grid, row++, tr("Item Size:"), d_size_slider);
+    grid->addWidget(New_Separator(this), row++, 0, 1, both_columns);
+    PanelParts::Add_Row(grid, row++, tr("PDF Orientation"), d_orientation_box);
+    PanelParts::Add_Row(grid, row++, tr("PDF Resolution"), d_resolution_box);
+    grid->addWidget(New_Separator(this), row++, 0, 1, both_columns);
+    grid->addWidget(d_track_box, row++, 0, 1, both_columns);
+    grid->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), row, 0, 1,
+                  both_columns);
+}
+
+void TSettingsWidget::Connect_Widgets()
+{
+    connect(d_color_button, SIGNAL(clicked()), this, SLOT(Select_Color()));
+    connect(d_size_slider, SIGNAL(valueChanged(int)), this, SIGNAL(Label_Size_Changed(int)));
+    connect(d_format_editor, SIGNAL(editingFinished()), this, SLOT(Display_Format_Updated()));
+    connect(d_track_box, SIGNAL(toggled(bool)), this, SIGNAL(Track_Item_Option_Changed(bool)));
+}
+
+int TSettingsWidget::Label_Size() const
+{
+    return d_size_slider->value();
+}
+
+void TSettingsWidget::Set_Label_Size(int size)
+{
+    d_size_slider->setValue(size);
+}
+
+QColor TSettingsWidget::Label_Color() const
+{
+    return d_label_color;
+}
+
+void TSettingsWidget::Set_Label_Color(const QColor& color)
+{
+    d_label_color = color;
+    Show_Color();
+}
+
+bool TSettingsWidget::Track_Label() const
+{
+    return d_track_box->isChecked();
+}
+
+void TSettingsWidget::Set_Track_Label(bool track)
+{
+    d_track_box->setChecked(track);
+}
+
+QString TSettingsWidget::Display_Format() const
+{
+    return d_format_editor->text();
+}
+
+void TSettingsWidget::Set_Display_Format(const QString& format)
+{
+    d_format_editor->setText(format);
+}
+
+int TSettingsWidget::PDF_Orientation() const
+{
+    return d_orientation_box->currentData().toInt();
+}
+
+void TSettingsWidget::Set_PDF_Orientation(int orientation)
+{
+    const int landscape_place = 1;
+    Show_Choice(d_orientation_box, orientation, landscape_place);
+}
+
+int TSettingsWidget::PDF_Resolution() const
+{
+    return d_resolution_box->currentData().toInt();
+}
+
+void TSettingsWidget::Set_PDF_Resolution(int resolution)
+{
+    const int lowest_place = 0;
+    Show_Choice(d_resolution_box, resolution, lowest_place);
+}
+
+QIcon TSettingsWidget::Create_Icon(const QSize& size, const QColor& color) const
+{
+    QPixmap pixmap(size);
+    pixmap.fill(color);
+    return QIcon(pixmap);
+}
+
+void TSettingsWidget::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    // Only now has the layout given the colour button its size.
+    if (!d_first_resize)
+        return;
+    d_first_resize = false;
+    const QSize free = d_color_button->size() - QSize(Icon_Margin, Icon_Margin);
+    d_color_button->setIconSize(free.expandedTo(QSize(Smallest_Icon, Smallest_Icon)));
+    Show_Color();
+}
+
+void TSettingsWidget::Select_Color()
+{
+    QColorDialog dialog(d_label_color, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    Set_Label_Color(dialog.selectedColor());
+    Q_EMIT Color_Changed(d_label_color);
+}
+
+void TSettingsWidget::Display_Format_Updated()
+{
+    const QString format = ItemFormat::Clean(d_format_editor->text());
+    if (format != d_format_editor->text())
+        d_format_editor->setText(format);
+    Q_EMIT Item_Display_Format_Changed(format);
+}
+
+void TSettingsWidget::Show_Color()
+{
+    d_color_button->setIcon(Create_Icon(d_color_button->iconSize(), d_label_color));
+}

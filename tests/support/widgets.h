@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QAbstractItemView>
+#include <QLabel>
+#include <QList>
+#include <QListWidget>
+#include <QMetaMethod>
+#include <QTest>
+#include <QWidget>
+
+/// Widgets as a user finds them: by kind, tool tip, caption or text.
+namespace Support {
+
+/// The only widget of its kind inside of another one; null when there is none or more than one.
+template <typename TWidget>
+TWidget* Only(const QWidget& inside)
+{
+    const QList<TWidget*> found = inside.findChildren<TWidget*>();
+    return found.size() == 1 ? found.first() : nullptr;
+}
+
+/// The only widget of its kind with this tool tip; null when there is none or more than one.
+template <typename TWidget>
+TWidget* By_Tool_Tip(const QWidget& inside, const QString& tool_tip)
+{
+    TWidget* match = nullptr;
+    for (TWidget* const widget : inside.findChildren<TWidget*>()) {
+        if (widget->toolTip() != tool_tip)
+            continue;
+        if (match != nullptr)
+            return nullptr;
+        match = widget;
+    }
+    return match;
+}
+
+/// The caption with this text; null when there is none.
+inline QLabel* Caption(const QWidget& inside, const QString& text)
+{
+    for (QLabel* const label : inside.findChildren<QLabel*>()) {
+        if (label->text() == text)
+            return label;
+    }
+    return nullptr;
+}
+
+/// The widget that a caption belongs to; null when there is none of this kind.
+template <typename TWidget>
+TWidget* By_Caption(const QWidget& inside, const QString& text)
+{
+    const QLabel* const label = Caption(inside, text);
+    return label != nullptr ? qobject_cast<TWidget*>(label->buddy()) : nullptr;
+}
+
+/// Clicks on a row of a list.
+inline void Click_Row(QListWidget* list, int place, Qt::KeyboardModifiers modifiers = {})
+{
+    list->scrollToItem(list->item(place));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, modifiers,
+                      list->visualItemRect(list->item(place)).center());
+}
+
+/// Replaces the text of an editor by keys.
+template <typename TEditor>
+void Type_Over(TEditor* editor, const QString& text)
+{
+    QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(editor, Qt::Key_Delete);
+    QTest::keyClicks(editor, text);
+}
+
+/// Signatures of the methods of one kind that a class itself declares, in order.
+inline QStringList Methods(const QMetaObject& type, QMetaMethod::MethodType kind)
+{
+    QStringList signatures;
+    for (int place = type.methodOffset(); place < type.methodCount(); ++place) {
+        if (type.method(place).methodType() == kind)
+            signatures.append(QString::fromLatin1(type.method(place).methodSignature()));
+    }
+    return signatures;
+}
+
+} // namespace Support
