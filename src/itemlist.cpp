@@ -1,0 +1,86 @@
+#include "src/itemlist.h"
+
+#include "core/xmlfile.h"
+#include "src/itemxml.h"
+
+#include <cassert>
+
+namespace {
+
+constexpr int Version = 1;
+constexpr int Position_Decimals = 2;
+
+const QLatin1String Id_Name("Id");
+const QLatin1String Value_Name("Value");
+const QLatin1String Text_Name("Text");
+
+template <typename TContent>
+void Write_Child(TXmlFile* xml_file, QDomElement* parent, const QString& name,
+                 const TContent& content)
+{
+    QDomElement child = xml_file->Create_Node(parent, name);
+    xml_file->Write_Text_Node(&child, content);
+}
+
+QString Coordinate_Text(double coordinate)
+{
+    return QString::number(coordinate, 'f', Position_Decimals);
+}
+
+void Write_Item(TXmlFile* xml_file, const TDataItem& item)
+{
+    QDomElement node = xml_file->Create_Node(&xml_file->d_root_element, ItemXml::Item_Name);
+    Write_Child(xml_file, &node, Id_Name, item.id);
+    Write_Child(xml_file, &node, Value_Name, item.value);
+    Write_Child(xml_file, &node, Text_Name, item.text);
+    Write_Child(xml_file, &node, ItemXml::Border_Name, item.border_type);
+    const QString position =
+        Coordinate_Text(item.position.x()) + QLatin1Char(',') + Coordinate_Text(item.position.y());
+    Write_Child(xml_file, &node, ItemXml::Position_Name, position);
+}
+
+TDataItem Read_Item(const TXmlFile& xml_file, const QDomElement& node)
+{
+    TDataItem item;
+    item.id = ItemXml::Read_Integer(xml_file, node, Id_Name);
+    item.value = ItemXml::Read_Integer(xml_file, node, Value_Name);
+    const QDomElement text = xml_file.Get_Node(&node, Text_Name, true);
+    if (!text.isNull())
+        item.text = xml_file.Read_Text_Node(&text, true);
+    item.border_type = ItemXml::Read_Integer(xml_file, node, ItemXml::Border_Name);
+    const QString position = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name, true);
+    if (!ItemXml::To_Position(position, &item.position))
+        throw TXmlFileException(QStringLiteral("XML Item position invalid"),
+                                TXmlFileException::Data_Error);
+    return item;
+}
+
+} // namespace
+
+QByteArray ItemList::Write(const TData& data)
+{
+    TXmlFile xml_file;
+    xml_file.Reset(ItemXml::Root_Name, Version);
+    const int count = data.Item_Count();
+    for (int index = 0; index < count; ++index)
+        Write_Item(&xml_file, data.Item(index));
+    QByteArray document;
+    xml_file.Write_Data(&document, true);
+    return document;
+}
+
+void ItemList::Read(const QByteArray& document, TData* data)
+{
+    assert(data);
+    TXmlFile xml_file;
+    int version = 0;
+    xml_file.Open_Data(document, ItemXml::Root_Name, &version, true);
+    if (version != Version)
+        throw TXmlFileException(QStringLiteral("XML Version not recognized"),
+                                TXmlFileException::Data_Error);
+    QDomElement node = xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, true);
+    while (!node.isNull()) {
+        data->Add_Item(Read_Item(xml_file, node));
+        node = xml_file.Get_Sibling_Node(&node, ItemXml::Item_Name, true);
+    }
+}

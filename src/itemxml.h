@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QPointF>
+#include <QString>
+
+class QDomElement;
+class TXmlFile;
+
+/// What the item-list documents of all generations have in common: labels are "Item" elements below
+/// the root, and their properties are the texts of child elements.
+namespace ItemXml {
+
+extern const QLatin1String Root_Name;
+extern const QLatin1String Item_Name;
+extern const QLatin1String Border_Name;
+extern const QLatin1String Position_Name;
+
+/// The text of a required child element.
+/// @param optional_text  whether the text may be missing; it is empty then.
+/// @throws TXmlFileException when the element, or a required text, is missing.
+QString Read_Text(const TXmlFile& xml_file, const QDomElement& parent, const QString& name,
+                  bool optional_text = false);
+
+/// The same as an integer; 0 for a text that is no number.
+int Read_Integer(const TXmlFile& xml_file, const QDomElement& parent, const QString& name);
+
+/// Reads "x,y". A coordinate that is no number is 0; false unless there are exactly two of them.
+bool To_Position(const QString& text, QPointF* position);
+
+} // namespace ItemXml
