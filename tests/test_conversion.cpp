@@ -4,9 +4,9 @@
 
 #include <QtTest>
 
-#include <cstring>
 #include <functional>
 #include <limits>
+#include <vector>
 
 namespace {
 

@@ -1,0 +1,383 @@
+#include "core/xmlguard.h"
+
+#include "support/support.h"
+
+#include <QDomDocument>
+#include <QTextCodec>
+#include <QtTest>
+
+#include <sys/resource.h>
+
+namespace {
+
+const QString Too_Far = QStringLiteral("entities expand too far");
+const QString Too_Deep = QStringLiteral("elements nested too deeply");
+const QString Parentheses = QStringLiteral("parentheses nested too deeply");
+const QString Attributes = QStringLiteral("too many attributes");
+const QString Prefixes = QStringLiteral("too many namespace prefixes");
+const QString Invalid = QStringLiteral("invalid character");
+const QString Entities = QStringLiteral("too many entities");
+
+QByteArray Document(const QByteArray& declarations, const QByteArray& content)
+{
+    return "<!DOCTYPE R [" + declarations + "]><R>" + content + "</R>";
+}
+
+/// Entities that each refer ten times to the one before: name0, which holds text, name1, ...
+QByteArray Laughs(int levels, const QByteArray& text)
+{
+    QByteArray declarations = "<!ENTITY a0 '" + text + "'>";
+    for (int i = 1; i < levels; ++i)
+        declarations += "<!ENTITY a" + QByteArray::number(i) + " '" +
+                        ("&a" + QByteArray::number(i - 1) + ";").repeated(10) + "'>";
+    return declarations;
+}
+
+/// Pieces made from their number, one after the other.
+template <typename TPiece>
+QByteArray Row(int count, TPiece piece)
+{
+    QByteArray row;
+    for (int i = 0; i < count; ++i)
+        row += piece(QByteArray::number(i));
+    return row;
+}
+
+QByteArray Attribute(const QByteArray& number)
+{
+    return " a" + number + "='1'";
+}
+
+QByteArray Prefix(const QByteArray& number)
+{
+    return " xmlns:p" + number + "='u'";
+}
+
+QByteArray Entity(const QByteArray& number)
+{
+    return "<!ENTITY e" + number + " 'x'>";
+}
+
+QByteArray Nested(int depth)
+{
+    return QByteArray("<a>").repeated(depth) + QByteArray("</a>").repeated(depth);
+}
+
+QByteArray Model(int depth)
+{
+    return "<!ELEMENT R " + QByteArray(depth, '(') + 'a' + QByteArray(depth, ')') + '>';
+}
+
+QString Message(const QByteArray& data, bool namespace_processing)
+{
+    const auto defect = XmlGuard::Find_Defect(data, namespace_processing);
+    return defect ? defect->message : QString();
+}
+
+} // namespace
+
+class TestXmlGuard : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void ruinous_documents_are_found_data();
+    void ruinous_documents_are_found();
+    void ordinary_documents_pass_data();
+    void ordinary_documents_pass();
+    void texts_are_what_xml_can_hold_data();
+    void texts_are_what_xml_can_hold();
+    void malformed_documents_are_left_to_the_parser_data();
+    void malformed_documents_are_left_to_the_parser();
+    void the_place_is_told();
+    void attributes_are_counted_per_element();
+    void long_documents_are_read_in_one_piece();
+    void prefixes_matter_only_with_namespaces();
+    void what_passes_can_be_parsed_data();
+    void what_passes_can_be_parsed();
+    void other_encodings_are_understood();
+};
+
+void TestXmlGuard::ruinous_documents_are_found_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QString>("message");
+    const QByteArray longest(4000, 'x');
+    const QByteArray declared = "<!ENTITY e '" + longest + "'>";
+    const QByteArray many = QByteArray("&e;").repeated(100000);
+
+    QTest::newRow("references to references to nothing")
+        << Document(Laughs(40, QByteArray()), "&a39;") << Too_Far;
+    QTest::newRow("references in an attribute")
+        << Document(Laughs(40, QByteArray()), "<b c='&a39;'/>") << Too_Far;
+    QTest::newRow("one long entity, many times") << Document(declared, many) << Too_Far;
+    QTest::newRow("the same in one attribute")
+        << Document(declared, "<b c='" + many + "'/>") << Too_Far;
+    QTest::newRow("the same in many attributes")
+        << Document(declared, QByteArray("<b c='&e;'/>").repeated(100000)) << Too_Far;
+    QTest::newRow("the same in a default")
+        << Document(declared + "<!ATTLIST R a CDATA '" + many + "'>", "") << Too_Far;
+    QTest::newRow("elements from an entity, many times")
+        << Document("<!ENTITY e '" + QByteArray("<b/>").repeated(1000) + "'>", many) << Too_Far;
+    QTest::newRow("a parameter entity in one value")
+        << Document("<!ENTITY % p '" + longest + "'><!ENTITY e '" +
+                        QByteArray("%p;").repeated(100000) + "'>",
+                    "")
+        << Too_Far;
+    QTest::newRow("a parameter entity in many values")
+        << Document("<!ENTITY % p '" + longest + "'>" +
+                        Row(1024,
+                            [](const QByteArray& number) {
+                                return "<!ENTITY e" + number + " '%p;%p;'>";
+                            }),
+                    "")
+        << Too_Far;
+    QTest::newRow("an entity to one not yet known")
+        << Document("<!ENTITY a '&b;'><!ENTITY b 'x'>", "&a;") << Too_Far;
+    QTest::newRow("entities to each other")
+        << Document("<!ENTITY a '&b;'><!ENTITY b '&a;'>", "&a;") << Too_Far;
+    QTest::newRow("a reference put together from pieces")
+        << Document(Laughs(40, QByteArray()) + "<!ENTITY and '&#38;'>", "&and;a39;") << Too_Far;
+
+    QTest::newRow("deep") << Nested(XmlGuard::Nesting_Limit + 1) << Too_Deep;
+    QTest::newRow("very deep") << Nested(1000000) << Too_Deep;
+    QTest::newRow("deep and open") << QByteArray("<a>").repeated(1000000) << Too_Deep;
+    QTest::newRow("deep by entities")
+        << Document("<!ENTITY e '<a>'>", QByteArray("&e;").repeated(300)) << Too_Deep;
+    QTest::newRow("deep within an entity")
+        << Document("<!ENTITY e '" + Nested(300) + "'>", "&e;") << Too_Deep;
+    QTest::newRow("parentheses") << Document(Model(1000000), "") << Parentheses;
+    QTest::newRow("parentheses just too deep")
+        << Document(Model(XmlGuard::Nesting_Limit + 1), "") << Parentheses;
+    QTest::newRow("parentheses after many closed ones")
+        << Document("<!--" + QByteArray(2000, ')') + "-->" + Model(1000), "") << Parentheses;
+
+    const QByteArray rows = Row(XmlGuard::Attribute_Limit + 1, Attribute);
+    QTest::newRow("attributes") << "<R" + rows + "/>" << Attributes;
+    QTest::newRow("attributes after quotes in a comment")
+        << "<!-- don't <a ' -->\n<R" + rows + "/>" << Attributes;
+    QTest::newRow("attributes after quotes in character data")
+        << "<R><![CDATA[ <a ' ]]><b" + rows + "/></R>" << Attributes;
+    QTest::newRow("attributes after quotes in text")
+        << "<R>don't<b" + rows + "/></R>" << Attributes;
+    QTest::newRow("attributes after quotes in an instruction")
+        << "<?p <a ' ?><R" + rows + "/>" << Attributes;
+    QTest::newRow("attributes after quotes in a document type")
+        << "<!DOCTYPE R [<!-- <a ' -->]><R" + rows + "/>" << Attributes;
+    QTest::newRow("attributes after a closing bracket in a value")
+        << "<R x='>'" + rows + "/>" << Attributes;
+    QTest::newRow("attributes of a tag that an entity begins")
+        << Document("<!ENTITY e '<a'>", "&e;" + rows + "/>") << Attributes;
+    QTest::newRow("attributes of a tag that an entity begins with a value")
+        << Document("<!ENTITY e \"<a x='\">", "&e;'" + rows + "/>") << Attributes;
+
+    QTest::newRow("control character") << QByteArray("<R>a\x01</R>") << Invalid;
+    QTest::newRow("control character by reference") << QByteArray("<R>&#1;</R>") << Invalid;
+    QTest::newRow("zero by reference") << QByteArray("<R>&#0;</R>") << Invalid;
+    QTest::newRow("no character by reference") << QByteArray("<R>&#xffff;</R>") << Invalid;
+    QTest::newRow("half a character by reference") << QByteArray("<R>&#xd800;</R>") << Invalid;
+    QTest::newRow("control character from an entity")
+        << Document("<!ENTITY e '\x01'>", "&e;") << Invalid;
+    QTest::newRow("control character in a comment") << QByteArray("<R><!--\x01--></R>") << Invalid;
+    QTest::newRow("control character in character data")
+        << QByteArray("<R><![CDATA[\x01]]></R>") << Invalid;
+    QTest::newRow("control character in an instruction")
+        << QByteArray("<R><?p \x01?></R>") << Invalid;
+
+    QTest::newRow("prefixes") << "<R" + Row(XmlGuard::Prefix_Limit + 1, Prefix) + "/>" << Prefixes;
+    QTest::newRow("entities") << Document(Row(XmlGuard::Entity_Limit + 1, Entity), "") << Entities;
+    QTest::newRow("external entities")
+        << Document(
+               Row(XmlGuard::Entity_Limit + 1,
+                   [](const QByteArray& number) { return "<!ENTITY e" + number + " SYSTEM 'x'>"; }),
+               "")
+        << Entities;
+}
+
+void TestXmlGuard::ruinous_documents_are_found()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(QString, message);
+    QCOMPARE(Message(data, true), message);
+    if (message != Prefixes)
+        QCOMPARE(Message(data, false), message);
+}
+
+void TestXmlGuard::ordinary_documents_pass_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::newRow("one element") << QByteArray("<R/>");
+    QTest::newRow("everything") << QByteArray(
+        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<!-- don't -->\n<!DOCTYPE R [<!ENTITY a 'b'>"
+        "<!ELEMENT R (a, (b | c)*)><!ATTLIST R x CDATA 'a=b'><!-- (( -->]>\n"
+        "<?p <a ' ?><R x='>' y=\"'\"><![CDATA[<a ' &a; ]]>text &a; &amp; &#65; "
+        "&other;<!--c--></R>");
+    QTest::newRow("as deep as allowed") << Nested(XmlGuard::Nesting_Limit);
+    QTest::newRow("side by side") << "<R>" + Nested(XmlGuard::Nesting_Limit - 1).repeated(50) +
+                                         "</R>";
+    QTest::newRow("as many attributes as allowed")
+        << "<R" + Row(XmlGuard::Attribute_Limit, Attribute) + "/>";
+    QTest::newRow("as many prefixes as allowed")
+        << "<R" + Row(XmlGuard::Prefix_Limit, Prefix) + "/>";
+    QTest::newRow("prefixes side by side") << "<R>" + Row(2000, [](const QByteArray& number) {
+                                                  return "<a" + Prefix(number) + "/>";
+                                              }) + "</R>";
+    QTest::newRow("parentheses as deep as allowed") << Document(Model(XmlGuard::Nesting_Limit), "");
+    QTest::newRow("as many entities as allowed")
+        << Document(Row(XmlGuard::Entity_Limit, Entity), "&e0;&e1023;");
+    QTest::newRow("entities of entities") << Document(Laughs(3, "ha"), "&a2;");
+    QTest::newRow("a name that is used often") << Document(
+        "<!ENTITY us 'The Company of Us &amp; Them'>", QByteArray("&us; ").repeated(20000));
+    QTest::newRow("characters that are escaped often")
+        << Document("<!ENTITY licence '" + QByteArray(4000, 'x') + "'>",
+                    "&licence;" + QByteArray("&lt;&#228;").repeated(100000));
+    QTest::newRow("characters beyond 16 bits")
+        << QByteArray("<R>\xf0\x9f\x98\x80<!--\xf0\x9f\x98\x80--></R>");
+    QTest::newRow("signs in text, with quotes")
+        << "<R>" + QByteArray("= ' &lt; > ( ) % ").repeated(10000) + "</R>";
+    QTest::newRow("a long list")
+        << "<R>" +
+               QByteArray("<Item><Id>1</Id><Value>1</Value><Text>a = b</Text></Item>")
+                   .repeated(10000) +
+               "</R>";
+}
+
+void TestXmlGuard::ordinary_documents_pass()
+{
+    QFETCH(QByteArray, data);
+    QCOMPARE(Message(data, true), QString());
+    QCOMPARE(Message(data, false), QString());
+    QDomDocument document;
+    QVERIFY(document.setContent(data, true));
+}
+
+void TestXmlGuard::texts_are_what_xml_can_hold_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("expected");
+    QTest::newRow("nothing") << QString() << true;
+    QTest::newRow("letters") << QStringLiteral("a\u00e4\u20ac\ud7ff\ue000\ufffd") << true;
+    QTest::newRow("white space") << QStringLiteral("\t\n\r ") << true;
+    QTest::newRow("beyond 16 bits") << QString::fromUtf8("\xf0\x9f\x98\x80") << true;
+    for (const int code :
+         {0x00, 0x01, 0x08, 0x0b, 0x0c, 0x0e, 0x1f, 0xd800, 0xdbff, 0xdc00, 0xdfff, 0xfffe, 0xffff})
+        QTest::newRow(QByteArray::number(code, 16).constData())
+            << QStringLiteral("a") + QChar(static_cast<ushort>(code)) + QStringLiteral("b")
+            << false;
+    QTest::newRow("half at the end") << QStringLiteral("a") + QChar(0xd83d) << false;
+    QTest::newRow("halves the wrong way round") << QString(QChar(0xde00)) + QChar(0xd83d) << false;
+    QTest::newRow("two first halves") << QString(2, QChar(0xd83d)) + QChar(0xde00) << false;
+}
+
+void TestXmlGuard::texts_are_what_xml_can_hold()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, expected);
+    QCOMPARE(XmlGuard::Is_Text(text), expected);
+}
+
+void TestXmlGuard::malformed_documents_are_left_to_the_parser_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("text") << QByteArray("abc");
+    QTest::newRow("unfinished") << QByteArray("<R><A");
+    QTest::newRow("mismatch") << QByteArray("<R></S>");
+    QTest::newRow("zeroes") << QByteArray(1000, '\0');
+    QTest::newRow("an error before the depth") << "<R></S>" + Nested(1000);
+    QTest::newRow("an entity that the parser finds too long") << Document(Laughs(6, "ha"), "&a5;");
+    QTest::newRow("an entity to itself") << Document("<!ENTITY % a '%a;'>", "&b");
+}
+
+void TestXmlGuard::malformed_documents_are_left_to_the_parser()
+{
+    QFETCH(QByteArray, data);
+    QCOMPARE(Message(data, true), QString());
+    QDomDocument document;
+    QVERIFY(!document.setContent(data, true));
+}
+
+void TestXmlGuard::the_place_is_told()
+{
+    const auto defect = XmlGuard::Find_Defect("<R>\n<S>\n" + Nested(1000), true);
+    QVERIFY(defect);
+    QCOMPARE(defect->line, 3);
+    // 254 more tags of 3 characters are fine; the next ends in this column.
+    const int last = 3 * (XmlGuard::Nesting_Limit - 2 + 1);
+    QVERIFY2(defect->column == last || defect->column == last + 1,
+             qPrintable(QString::number(defect->column)));
+}
+
+void TestXmlGuard::attributes_are_counted_per_element()
+{
+    const QByteArray tag = "<b" + Row(XmlGuard::Attribute_Limit - 1, Attribute) + "/>";
+    QCOMPARE(Message("<R>" + tag.repeated(50) + "</R>", true), QString());
+    QCOMPARE(Message(Document("<!ENTITY e 'x'>", tag.repeated(50)), true), QString());
+}
+
+/// The reader gets documents in blocks; whatever stands at their borders counts.
+void TestXmlGuard::long_documents_are_read_in_one_piece()
+{
+    const QByteArray allowed = "<R" + Row(XmlGuard::Attribute_Limit, Attribute) + "/>";
+    const QByteArray too_many = "<R" + Row(XmlGuard::Attribute_Limit + 1, Attribute) + "/>";
+    const QByteArray references = Document(Laughs(40, QByteArray()), "&a39;");
+    for (int shift = 0; shift < 2 * 1024; ++shift) {
+        const QByteArray blanks = "<!--" + QByteArray(shift, ' ') + "-->";
+        QCOMPARE(Message(blanks + allowed, true), QString());
+        QCOMPARE(Message(blanks + too_many, true), Attributes);
+        QCOMPARE(Message(blanks + references, true), Too_Far);
+    }
+}
+
+void TestXmlGuard::prefixes_matter_only_with_namespaces()
+{
+    const QByteArray data = "<R" + Row(XmlGuard::Prefix_Limit + 1, Prefix) + "/>";
+    QCOMPARE(Message(data, true), Prefixes);
+    QCOMPARE(Message(data, false), QString());
+}
+
+void TestXmlGuard::what_passes_can_be_parsed_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    const QByteArray value(4000, 'x');
+    QTest::newRow("expansion up to the limit")
+        << Document("<!ENTITY e '" + value + "'>", QByteArray("&e;").repeated(990));
+    QTest::newRow("expansion in an attribute up to the limit") << Document(
+        "<!ENTITY e '" + value + "'>", "<b c='" + QByteArray("&e;").repeated(990) + "'/>");
+    QTest::newRow("empty entities up to the limit") << Document(Laughs(6, QByteArray()), "&a5;");
+    QTest::newRow("entities up to their limit, used often")
+        << Document(Row(XmlGuard::Entity_Limit, Entity), QByteArray("&e1023;").repeated(15000));
+    QTest::newRow("depth in an entity")
+        << Document("<!ENTITY e '" + Nested(XmlGuard::Nesting_Limit - 1) + "'>", "&e;&e;");
+}
+
+/// The limits bound what a document of some kilobytes may take.
+void TestXmlGuard::what_passes_can_be_parsed()
+{
+    QFETCH(QByteArray, data);
+    QCOMPARE(Message(data, true), QString());
+    const Support::TChildResult child = Support::Run_In_Child([&data] {
+        rusage before{};
+        getrusage(RUSAGE_SELF, &before);
+        QDomDocument document;
+        const bool parsed = document.setContent(data, true);
+        rusage after{};
+        getrusage(RUSAGE_SELF, &after);
+        const long kilobytes = after.ru_maxrss - before.ru_maxrss;
+        return parsed && kilobytes < 100 * 1024 ? 0 : 1;
+    });
+    QVERIFY2(!child.timed_out, "hangs");
+    QCOMPARE(child.exit_code, 0);
+}
+
+void TestXmlGuard::other_encodings_are_understood()
+{
+    for (const char* codec : {"UTF-16", "UTF-16BE", "UTF-16LE"}) {
+        QTextCodec* const encoder = QTextCodec::codecForName(codec);
+        const QString text = QString::fromLatin1(Nested(1000));
+        QCOMPARE(Message(QByteArray(encoder->fromUnicode(text)), true), Too_Deep);
+    }
+}
+
+QTEST_MAIN(TestXmlGuard)
+#include "test_xmlguard.moc"
