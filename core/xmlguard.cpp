@@ -62,8 +62,8 @@ private:
     void Follow_Parentheses(QChar character);
 
     XmlGuard::TDefect d_defect;
-    QHash<QString, qint64>
-        d_costs; ///< characters per declared entity; "%" begins a parameter's key
+    /// Characters that each declared entity yields; a parameter entity's key begins with "%".
+    QHash<QString, qint64> d_costs;
     qint64 d_spent = 0;
     QString d_reference; ///< the reference that is being read, from its "&" or "%"
     TPlace d_place = Outside;
@@ -130,6 +130,8 @@ QChar TScout::next()
     d_reading = true;
     const QChar character = QXmlInputSource::next();
     d_reading = false;
+    if (character == QChar(EndOfData))
+        return character;
     Follow_Reference(character);
     if (d_in_dtd)
         Follow_Parentheses(character);

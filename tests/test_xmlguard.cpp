@@ -91,6 +91,7 @@ private slots:
     void malformed_documents_are_left_to_the_parser();
     void the_place_is_told();
     void attributes_are_counted_per_element();
+    void long_documents_are_read_in_one_piece();
     void prefixes_matter_only_with_namespaces();
     void what_passes_can_be_parsed_data();
     void what_passes_can_be_parsed();
@@ -258,10 +259,11 @@ void TestXmlGuard::texts_are_what_xml_can_hold_data()
     QTest::newRow("letters") << QStringLiteral("a\u00e4\u20ac\ud7ff\ue000\ufffd") << true;
     QTest::newRow("white space") << QStringLiteral("\t\n\r ") << true;
     QTest::newRow("beyond 16 bits") << QString::fromUtf8("\xf0\x9f\x98\x80") << true;
-    for (const ushort code :
+    for (const int code :
          {0x00, 0x01, 0x08, 0x0b, 0x0c, 0x0e, 0x1f, 0xd800, 0xdbff, 0xdc00, 0xdfff, 0xfffe, 0xffff})
         QTest::newRow(QByteArray::number(code, 16).constData())
-            << QStringLiteral("a") + QChar(code) + QStringLiteral("b") << false;
+            << QStringLiteral("a") + QChar(static_cast<ushort>(code)) + QStringLiteral("b")
+            << false;
     QTest::newRow("half at the end") << QStringLiteral("a") + QChar(0xd83d) << false;
     QTest::newRow("halves the wrong way round") << QString(QChar(0xde00)) + QChar(0xd83d) << false;
     QTest::newRow("two first halves") << QString(2, QChar(0xd83d)) + QChar(0xde00) << false;
@@ -311,6 +313,20 @@ void TestXmlGuard::attributes_are_counted_per_element()
     const QByteArray tag = "<b" + Row(XmlGuard::Attribute_Limit - 1, Attribute) + "/>";
     QCOMPARE(Message("<R>" + tag.repeated(50) + "</R>", true), QString());
     QCOMPARE(Message(Document("<!ENTITY e 'x'>", tag.repeated(50)), true), QString());
+}
+
+/// The reader gets documents in blocks; whatever stands at their borders counts.
+void TestXmlGuard::long_documents_are_read_in_one_piece()
+{
+    const QByteArray allowed = "<R" + Row(XmlGuard::Attribute_Limit, Attribute) + "/>";
+    const QByteArray too_many = "<R" + Row(XmlGuard::Attribute_Limit + 1, Attribute) + "/>";
+    const QByteArray references = Document(Laughs(40, QByteArray()), "&a39;");
+    for (int shift = 0; shift < 2 * 1024; ++shift) {
+        const QByteArray blanks = "<!--" + QByteArray(shift, ' ') + "-->";
+        QCOMPARE(Message(blanks + allowed, true), QString());
+        QCOMPARE(Message(blanks + too_many, true), Attributes);
+        QCOMPARE(Message(blanks + references, true), Too_Far);
+    }
 }
 
 void TestXmlGuard::prefixes_matter_only_with_namespaces()
