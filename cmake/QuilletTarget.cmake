@@ -31,13 +31,7 @@ endif()
 # quillet_library(NAME SOURCES ... LINK ...): one layer of the program.
 function(quillet_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
-    list(TRANSFORM arg_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
-    foreach(f ${arg_SOURCES})  # SCAFFOLD
-        if(EXISTS ${f})  # SCAFFOLD
-            list(APPEND present ${f})  # SCAFFOLD
-        endif()  # SCAFFOLD
-    endforeach()  # SCAFFOLD
-    add_library(${name} STATIC ${present} ${CMAKE_SOURCE_DIR}/cmake/scaffold.cpp)
+    add_library(${name} STATIC ${arg_SOURCES})
     # Sources include each other by their path from the project's root; the layer's own folder is
     # there for a user that wants the short name.
     target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
