@@ -12,7 +12,7 @@ target_compile_options(quillet_options INTERFACE
     -UNDEBUG
     # Assertions name a source by its path in the project, wherever the project was built.
     -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
     -Wold-style-cast -Wcast-qual -Wextra-semi -Wnull-dereference -Wformat=2 -Wundef
     $<$<BOOL:${QUILLET_WERROR}>:-Werror>)
 # char* to QString only through a named conversion, old-style connects allowed, no foreach macro.
