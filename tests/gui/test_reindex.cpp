@@ -1,8 +1,8 @@
 #include "support/modal.h"
+#include "support/pages.h"
 #include "support/support.h"
 #include "support/view.h"
 #include "support/widgets.h"
-#include "support/window.h"
 
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
@@ -73,16 +73,11 @@ class TestReindex : public QObject
     /// renumbered them.
     int Add_Page(int label_count, bool has_image = true)
     {
-        TData& data = d_window->d_data;
-        const int page_id = has_image ? data.Add_Page(Support::Picture(200, 150)) : data.Add_Page();
-        d_window->d_page_widget->Add_Page(page_id);
-        const int active_page = data.Active_Page();
-        data.Set_Active_Page(page_id);
+        std::vector<TDataItem> items;
         for (int id = 1; id <= label_count; ++id)
-            data.Add_Item({id, untouched, QString(), 1, QPointF(10.0 * id, 20.0), false});
-        data.Set_Active_Page(active_page);
-        d_window->Update_Document_Actions();
-        return page_id;
+            items.push_back({id, untouched, QString(), 1, QPointF(10.0 * id, 20.0), false});
+        return Support::Add_Page(d_window.get(), has_image ? Support::Picture(200, 150) : QImage(),
+                                 items);
     }
 
     void Show_Page(int page_id)
