@@ -62,6 +62,19 @@ QImage Rendered(const QString& file, int page, int resolution)
     return QImage::fromData(picture, "pgm").convertToFormat(QImage::Format_Grayscale8);
 }
 
+/// A part of a page. The program used for whole pages stretches pictures to whole pixels, by up to
+/// one on either side, and what lies within them with it; this one does not.
+QImage Rendered_Part(const QString& file, int page, int resolution, const QRect& part)
+{
+    const QString number = QString::number(page);
+    const QByteArray picture = Output(
+        QStringLiteral("pdftocairo"),
+        {"-png", "-gray", "-singlefile", "-r", QString::number(resolution), "-f", number, "-l",
+         number, "-x", QString::number(part.x()), "-y", QString::number(part.y()), "-W",
+         QString::number(part.width()), "-H", QString::number(part.height()), file, "-"});
+    return QImage::fromData(picture, "png").convertToFormat(QImage::Format_Grayscale8);
+}
+
 int Page_Count(const QString& file)
 {
     const QByteArray information = Output(QStringLiteral("pdfinfo"), {file});
@@ -298,7 +311,7 @@ class TestReport : public QObject
         return place;
     }
 
-    void Compare_Labels(const QImage& page, const QRect& place)
+    void Compare_Labels(int page_number, const QRect& place, int code)
     {
         const double scale_x = static_cast<double>(place.width()) / page_size.width();
         const double scale_y = static_cast<double>(place.height()) / page_size.height();
@@ -310,14 +323,18 @@ class TestReport : public QObject
                                 place.top() + border.top() * scale_y, border.width() * scale_x,
                                 border.height() * scale_y);
             const QRect area = wanted.toAlignedRect().adjusted(-8, -8, 8, 8);
-            QCOMPARE(Distance(Box(page, area, Is_Dark), wanted), QString());
+            const QImage part = Rendered_Part(File(), page_number, code * 96, area);
+            const QRectF found = Box(part, part.rect(), Is_Dark).translated(area.topLeft());
+            QCOMPARE(Distance(found, wanted), QString());
         }
     }
 
     /// The base line is where letters without a descender end.
     void Compare_Text(const QImage& page, const QRect& line, int base_line)
     {
-        const QRectF box = Box(page, line, Is_Dark);
+        // The rule below reaches into the line.
+        constexpr int rule_room = 3;
+        const QRectF box = Box(page, line.adjusted(0, 0, 0, -rule_room), Is_Dark);
         QVERIFY2(std::abs(box.bottom() - base_line) <= 1.0,
                  qPrintable(QStringLiteral("%1 instead of %2").arg(box.bottom()).arg(base_line)));
     }
@@ -351,9 +368,9 @@ private slots:
                                                      << "LINE";
             QTest::addRow("landscape, code %d", code) << code << 1 << "HEAD"
                                                       << "LINE";
-            QTest::addRow("portrait, code %d, no header", code) << code << 0 << ""
-                                                                << "";
         }
+        QTest::newRow("no header") << 1 << 0 << ""
+                                   << "";
         QTest::newRow("first header") << 1 << 0 << "HEAD"
                                       << "";
         QTest::newRow("second header") << 1 << 0 << ""
@@ -380,7 +397,7 @@ private slots:
         const QImage page = Rendered(File(), 2, code * 96);
         QVERIFY(!page.isNull());
         Compare_Rules(page, geometry, code);
-        Compare_Labels(page, Compare_Picture(page, geometry));
+        Compare_Labels(2, Compare_Picture(page, geometry), code);
         if (!header_1.isEmpty())
             Compare_Text(page, geometry.Header_1(),
                          geometry.Header_1().top() + Ascent(12, settings));
