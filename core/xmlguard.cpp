@@ -70,6 +70,7 @@ private:
     QChar d_previous;
     QChar d_quote;
     int d_attributes = 0; ///< in the tag that is being read
+    int d_references = 0; ///< in the declarations
     int d_depth = 0;
     int d_parentheses = 0;
     int d_prefixes = 0;
@@ -153,8 +154,11 @@ void TScout::Follow_Reference(QChar character)
         d_spent += d_costs.value(general ? d_reference.mid(1) : d_reference) +
                    d_costs.size() / Entities_Per_Character;
         d_reference.clear();
-        if (d_spent > XmlGuard::Expansion_Limit)
+        // Within the declarations the reader's own search for long entities takes quadratic time.
+        if (d_spent > (d_in_dtd ? XmlGuard::Declared_Expansion_Limit : XmlGuard::Expansion_Limit))
             Refuse("entities expand too far");
+        else if (d_in_dtd && ++d_references > XmlGuard::Reference_Limit)
+            Refuse("too many references in declarations");
     }
 }
 
