@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QPainter>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -60,6 +61,22 @@ QString Difference(const QImage& actual, const QImage& expected)
         }
     }
     return QString();
+}
+
+QString Byte_Difference(const QByteArray& actual, const QByteArray& expected)
+{
+    if (actual == expected)
+        return QString();
+    const auto places =
+        std::mismatch(actual.cbegin(), actual.cend(), expected.cbegin(), expected.cend());
+    const int place = static_cast<int>(places.first - actual.cbegin());
+    constexpr int shown = 48;
+    return QStringLiteral("byte %1 of %2 instead of %3: %4 instead of %5")
+        .arg(place)
+        .arg(actual.size())
+        .arg(expected.size())
+        .arg(QString::fromLatin1(actual.mid(place, shown)),
+             QString::fromLatin1(expected.mid(place, shown)));
 }
 
 namespace {
