@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QFile>
 #include <QPainter>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <cerrno>
@@ -107,6 +108,9 @@ TChildResult Run_In_Child(const std::function<int()>& function, int seconds)
     int ends[2];
     if (pipe(ends) != 0)
         return result;
+    // A child has none of the threads that the toolkit keeps for large images, but would wait for
+    // them to do their part; this sends them away.
+    QThreadPool::globalInstance()->waitForDone();
     const pid_t child = fork();
     if (child == 0) {
         close(ends[0]);
