@@ -15,7 +15,7 @@ namespace {
 
 constexpr int Indentation = 4; ///< blanks per level
 
-constexpr QLatin1String Version_Attribute("File_Version");
+const QLatin1String Version_Attribute("File_Version");
 
 [[noreturn]] void Throw_Data_Error(const QString& message)
 {
@@ -142,7 +142,7 @@ void TXmlFile::Open(const QString& identification, int* version, bool namespace_
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         Throw_File_Error(QStringLiteral("ERR:  Cannot open file: '%1'.  Reason: %2")
                              .arg(d_file_path, file.errorString()));
-    // The parser deals with line ends by itself, and a carriage return may be half a character.
+    // The DOM does so too when it reads a device: a carriage return may be half a character.
     file.setTextModeEnabled(false);
     const QByteArray data = file.readAll();
     file.close();

@@ -62,14 +62,15 @@ private:
     void Follow_Parentheses(QChar character);
 
     XmlGuard::TDefect d_defect;
-    QHash<QString, qint64>
-        d_costs; ///< characters per declared entity; "%" begins a parameter's key
+    /// Characters that each declared entity yields; a parameter entity's key begins with "%".
+    QHash<QString, qint64> d_costs;
     qint64 d_spent = 0;
     QString d_reference; ///< the reference that is being read, from its "&" or "%"
     TPlace d_place = Outside;
     QChar d_previous;
     QChar d_quote;
     int d_attributes = 0; ///< in the tag that is being read
+    int d_references = 0; ///< in the declarations
     int d_depth = 0;
     int d_parentheses = 0;
     int d_prefixes = 0;
@@ -130,6 +131,8 @@ QChar TScout::next()
     d_reading = true;
     const QChar character = QXmlInputSource::next();
     d_reading = false;
+    if (character == QChar(EndOfData))
+        return character;
     Follow_Reference(character);
     if (d_in_dtd)
         Follow_Parentheses(character);
@@ -151,8 +154,11 @@ void TScout::Follow_Reference(QChar character)
         d_spent += d_costs.value(general ? d_reference.mid(1) : d_reference) +
                    d_costs.size() / Entities_Per_Character;
         d_reference.clear();
-        if (d_spent > XmlGuard::Expansion_Limit)
+        // Within the declarations the reader's own search for long entities takes quadratic time.
+        if (d_spent > (d_in_dtd ? XmlGuard::Declared_Expansion_Limit : XmlGuard::Expansion_Limit))
             Refuse("entities expand too far");
+        else if (d_in_dtd && ++d_references > XmlGuard::Reference_Limit)
+            Refuse("too many references in declarations");
     }
 }
 

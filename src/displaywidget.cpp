@@ -1,5 +1,7 @@
 #include "src/displaywidget.h"
 
+#include "src/parentwidget.h"
+
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
 #include <QMouseEvent>
@@ -33,10 +35,8 @@ int Round_Half_Up(double number)
 
 } // namespace
 
-// Widgets take their parent by a pointer to const; the toolkit, which enters the child into the
-// parent's list, does not.
 TDisplayWidget::TDisplayWidget(const QWidget* parent)
-    : QGraphicsView(const_cast<QWidget*>(parent))
+    : QGraphicsView(Parent_Widget(parent))
     , d_scene(new QGraphicsScene(this))
     , d_background_item(
           d_scene->addPixmap(QPixmap(QStringLiteral(":/images/background_default.png"))))

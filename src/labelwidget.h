@@ -8,7 +8,6 @@
 #include <vector>
 
 class QComboBox;
-class QGridLayout;
 class QLineEdit;
 class QListWidgetItem;
 class QToolButton;

@@ -7,6 +7,7 @@
 #include "src/labelwidget.h"
 #include "src/messagebox.h"
 #include "src/pagewidget.h"
+#include "src/parentwidget.h"
 #include "src/safetynet.h"
 
 #include <QAction>
@@ -17,8 +18,7 @@
 #include <cmath>
 
 TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
-    // The toolkit adopts a parent by a pointer to non-const; the window never changes it otherwise.
-    : QMainWindow(const_cast<QWidget*>(parent), flags)
+    : QMainWindow(Parent_Widget(parent), flags)
 {
     resize(800, 600);
     setIconSize(QSize(32, 32));

@@ -2,6 +2,7 @@
 
 #include "src/dialogparts.h"
 #include "src/numbering.h"
+#include "src/parentwidget.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -52,10 +53,8 @@ void Add_Input(const QString& text, QWidget* input, TRow row, QDialog* dialog, Q
 
 } // namespace
 
-// The parent is const in the interface, since the dialog never changes it; QDialog wants a pointer
-// that is not, to add the dialog to the parent's children.
 TReindexDialog::TReindexDialog(const QWidget* parent, Qt::WindowFlags flags)
-    : QDialog(const_cast<QWidget*>(parent), flags)
+    : QDialog(Parent_Widget(parent), flags)
 {
     setWindowTitle(tr("Reindex Items"));
     resize(initial_width, initial_height);

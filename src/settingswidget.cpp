@@ -88,9 +88,10 @@ void TSettingsWidget::Create_Widgets()
     d_format_editor->setAlignment(Qt::AlignCenter);
     d_color_button = new QToolButton(this);
     d_color_button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
-    // The icon fills the button as wide as it is at first. Without a minimum of its own the button,
-    // and with it the whole dock, could never become narrower than that again.
+    // The icon fills the button, and the button wants to be larger than its icon. Limits of its own
+    // keep it, and with it the dock, from growing with the icon and from staying as wide for good.
     d_color_button->setMinimumWidth(Smallest_Icon + Icon_Margin);
+    d_color_button->setFixedHeight(d_color_button->sizeHint().height());
     d_size_slider = new QSlider(Qt::Horizontal, this);
     d_size_slider->setRange(Smallest_Label, Largest_Label);
     d_size_slider->setValue(Default_Label);

@@ -6,7 +6,6 @@
 
 class QCheckBox;
 class QComboBox;
-class QGridLayout;
 class QLineEdit;
 class QSlider;
 class QToolButton;

@@ -68,7 +68,7 @@ private slots:
         TData data = Empty_Page();
         data.Add_Item(
             {77, 12, QStringLiteral("A <b> & \u00e9\u4e2d"), 8, QPointF(120.5, 33), true});
-        data.Add_Item({-5, -1, QString(), 0, QPointF(-0.125, 1e7), false});
+        data.Add_Item({-5, -1, QString(), 0, QPointF(-0.127, 1e7), false});
         QCOMPARE(ItemList::Write(data),
                  Document(Element("Item", Element("Id", "77") + Element("Value", "12") +
                                               "<Text>A &lt;b> &amp; \xc3\xa9\xe4\xb8\xad</Text>" +
@@ -76,7 +76,7 @@ private slots:
                                               Element("Position", "120.50,33.00")) +
                           Element("Item", Element("Id", "-5") + Element("Value", "-1") +
                                               Element("Text", "") + Element("Border_Type", "0") +
-                                              Element("Position", "-0.12,10000000.00"))));
+                                              Element("Position", "-0.13,10000000.00"))));
     }
 
     void an_empty_page_is_an_empty_root()

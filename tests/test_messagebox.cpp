@@ -4,7 +4,6 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
-#include <QScopedPointer>
 #include <QStyle>
 #include <QStyleFactory>
 #include <QTest>

@@ -105,23 +105,17 @@ void TestPanelParts::captions_break_where_the_panel_is_narrow()
 
 void TestPanelParts::the_narrowest_panels_show_everything()
 {
-    TLabelWidget labels(nullptr, Qt::WindowFlags());
-    TPageWidget pages(nullptr, Qt::WindowFlags());
-    TSettingsWidget settings(nullptr, Qt::WindowFlags());
-    for (QWidget* const panel : {static_cast<QWidget*>(&labels), static_cast<QWidget*>(&pages),
-                                 static_cast<QWidget*>(&settings)}) {
-        // As in a dock: no larger than the panel says that it must be.
-        QWidget dock;
-        panel->setParent(&dock);
-        const QSize size = panel->minimumSizeHint();
-        dock.resize(size);
-        panel->resize(size);
-        panel->show();
-        dock.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&dock));
-        QCOMPARE(panel->size(), size);
+    QWidget window;
+    const QList<QWidget*> panels = {new TLabelWidget(&window, Qt::WindowFlags()),
+                                    new TPageWidget(&window, Qt::WindowFlags()),
+                                    new TSettingsWidget(&window, Qt::WindowFlags())};
+    for (QWidget* const panel : panels)
+        panel->resize(panel->minimumSizeHint());
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    for (const QWidget* const panel : panels) {
+        QCOMPARE(panel->size(), panel->minimumSizeHint());
         QVERIFY(Has_Room(*panel));
-        panel->setParent(nullptr);
     }
 }
 

@@ -16,6 +16,7 @@ const QString Parentheses = QStringLiteral("parentheses nested too deeply");
 const QString Attributes = QStringLiteral("too many attributes");
 const QString Prefixes = QStringLiteral("too many namespace prefixes");
 const QString Invalid = QStringLiteral("invalid character");
+const QString References = QStringLiteral("too many references in declarations");
 const QString Entities = QStringLiteral("too many entities");
 
 QByteArray Document(const QByteArray& declarations, const QByteArray& content)
@@ -91,6 +92,7 @@ private slots:
     void malformed_documents_are_left_to_the_parser();
     void the_place_is_told();
     void attributes_are_counted_per_element();
+    void long_documents_are_read_in_one_piece();
     void prefixes_matter_only_with_namespaces();
     void what_passes_can_be_parsed_data();
     void what_passes_can_be_parsed();
@@ -223,7 +225,7 @@ void TestXmlGuard::ordinary_documents_pass_data()
                                               }) + "</R>";
     QTest::newRow("parentheses as deep as allowed") << Document(Model(XmlGuard::Nesting_Limit), "");
     QTest::newRow("as many entities as allowed")
-        << Document(Row(XmlGuard::Entity_Limit, Entity), "&e0;&e1023;");
+        << Document(Row(XmlGuard::Entity_Limit, Entity), "&e0;&e511;");
     QTest::newRow("entities of entities") << Document(Laughs(3, "ha"), "&a2;");
     QTest::newRow("a name that is used often") << Document(
         "<!ENTITY us 'The Company of Us &amp; Them'>", QByteArray("&us; ").repeated(20000));
@@ -258,10 +260,11 @@ void TestXmlGuard::texts_are_what_xml_can_hold_data()
     QTest::newRow("letters") << QStringLiteral("a\u00e4\u20ac\ud7ff\ue000\ufffd") << true;
     QTest::newRow("white space") << QStringLiteral("\t\n\r ") << true;
     QTest::newRow("beyond 16 bits") << QString::fromUtf8("\xf0\x9f\x98\x80") << true;
-    for (const ushort code :
+    for (const int code :
          {0x00, 0x01, 0x08, 0x0b, 0x0c, 0x0e, 0x1f, 0xd800, 0xdbff, 0xdc00, 0xdfff, 0xfffe, 0xffff})
         QTest::newRow(QByteArray::number(code, 16).constData())
-            << QStringLiteral("a") + QChar(code) + QStringLiteral("b") << false;
+            << QStringLiteral("a") + QChar(static_cast<ushort>(code)) + QStringLiteral("b")
+            << false;
     QTest::newRow("half at the end") << QStringLiteral("a") + QChar(0xd83d) << false;
     QTest::newRow("halves the wrong way round") << QString(QChar(0xde00)) + QChar(0xd83d) << false;
     QTest::newRow("two first halves") << QString(2, QChar(0xd83d)) + QChar(0xde00) << false;
@@ -283,7 +286,8 @@ void TestXmlGuard::malformed_documents_are_left_to_the_parser_data()
     QTest::newRow("mismatch") << QByteArray("<R></S>");
     QTest::newRow("zeroes") << QByteArray(1000, '\0');
     QTest::newRow("an error before the depth") << "<R></S>" + Nested(1000);
-    QTest::newRow("an entity that the parser finds too long") << Document(Laughs(6, "ha"), "&a5;");
+    QTest::newRow("an entity that the parser finds too long")
+        << Document(Laughs(4, "0123456789") + "<!ENTITY b '&a3;'>", "&b;");
     QTest::newRow("an entity to itself") << Document("<!ENTITY % a '%a;'>", "&b");
 }
 
@@ -313,6 +317,20 @@ void TestXmlGuard::attributes_are_counted_per_element()
     QCOMPARE(Message(Document("<!ENTITY e 'x'>", tag.repeated(50)), true), QString());
 }
 
+/// The reader gets documents in blocks; whatever stands at their borders counts.
+void TestXmlGuard::long_documents_are_read_in_one_piece()
+{
+    const QByteArray allowed = "<R" + Row(XmlGuard::Attribute_Limit, Attribute) + "/>";
+    const QByteArray too_many = "<R" + Row(XmlGuard::Attribute_Limit + 1, Attribute) + "/>";
+    const QByteArray references = Document(Laughs(40, QByteArray()), "&a39;");
+    for (int shift = 0; shift < 2 * 1024; ++shift) {
+        const QByteArray blanks = "<!--" + QByteArray(shift, ' ') + "-->";
+        QCOMPARE(Message(blanks + allowed, true), QString());
+        QCOMPARE(Message(blanks + too_many, true), Attributes);
+        QCOMPARE(Message(blanks + references, true), Too_Far);
+    }
+}
+
 void TestXmlGuard::prefixes_matter_only_with_namespaces()
 {
     const QByteArray data = "<R" + Row(XmlGuard::Prefix_Limit + 1, Prefix) + "/>";
@@ -328,9 +346,10 @@ void TestXmlGuard::what_passes_can_be_parsed_data()
         << Document("<!ENTITY e '" + value + "'>", QByteArray("&e;").repeated(990));
     QTest::newRow("expansion in an attribute up to the limit") << Document(
         "<!ENTITY e '" + value + "'>", "<b c='" + QByteArray("&e;").repeated(990) + "'/>");
-    QTest::newRow("empty entities up to the limit") << Document(Laughs(6, QByteArray()), "&a5;");
+    QTest::newRow("empty entities up to the limit")
+        << Document(Laughs(4, QByteArray()), QByteArray("&a3;").repeated(700));
     QTest::newRow("entities up to their limit, used often")
-        << Document(Row(XmlGuard::Entity_Limit, Entity), QByteArray("&e1023;").repeated(15000));
+        << Document(Row(XmlGuard::Entity_Limit, Entity), QByteArray("&e511;").repeated(15000));
     QTest::newRow("depth in an entity")
         << Document("<!ENTITY e '" + Nested(XmlGuard::Nesting_Limit - 1) + "'>", "&e;&e;");
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QAbstractItemView>
 #include <QLabel>
 #include <QList>
 #include <QListWidget>
