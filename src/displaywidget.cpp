@@ -238,13 +238,12 @@ void TDisplayWidget::mousePressEvent(QMouseEvent* event)
 
     d_mouse_buttons = event->buttons();
     const QPointF scene_point = Scene_Point(*event);
-    // A slot may run an event loop, in which the buttons can change.
-    const bool right_button = event->buttons() & Qt::RightButton;
     d_item_moved = false;
     d_pressed_item = nullptr;
-    if (d_mouse_buttons & Qt::LeftButton)
+    // Asked of the event: a slot may run an event loop, in which other buttons get pressed.
+    if (event->buttons() & Qt::LeftButton)
         Press_Item(scene_point);
-    if (right_button)
+    if (event->buttons() & Qt::RightButton)
         emit Right_Mouse_Click(scene_point);
 }
 
