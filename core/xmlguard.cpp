@@ -76,7 +76,7 @@ private:
     int d_prefixes = 0;
     bool d_in_dtd = false;
     bool d_entities_open_tags = false; ///< there is one that holds a "<"
-    bool d_reading = false; ///< the character comes from within next
+    bool d_reading = false;            ///< the character comes from within next
 };
 
 /// Within 16 bits; the two behind it are no characters.

@@ -27,6 +27,9 @@ constexpr int index_depth = 10;
 /// units. Keeps a click with an unsteady hand from moving it.
 constexpr double drag_threshold = 1.0;
 
+/// A rendered page with more pixels than this would take more than 4 GiB of memory.
+constexpr double maximum_picture_pixels = 1024.0 * 1024.0 * 1024.0;
+
 /// Rounds to the nearest integer, halves upward on both sides of zero.
 int Round_Half_Up(double number)
 {
@@ -185,6 +188,9 @@ QPixmap TDisplayWidget::Pixmap()
 {
     Update_Scene_Rect();
     const QRectF scene_rect = d_scene->sceneRect();
+    // Labels come from files as well and may be anywhere, infinitely far away included.
+    if (!(scene_rect.width() * scene_rect.height() <= maximum_picture_pixels))
+        return QPixmap();
     QPixmap pixmap(static_cast<int>(scene_rect.width()), static_cast<int>(scene_rect.height()));
     pixmap.fill(Qt::white);
     QPainter painter(&pixmap);
