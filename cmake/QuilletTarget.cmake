@@ -11,7 +11,7 @@ add_library(quillet_options INTERFACE)
 target_compile_options(quillet_options INTERFACE
     -UNDEBUG
     # Assertions name a source by its path in the project, wherever the project was built.
-    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
     -Wold-style-cast -Wcast-qual -Wextra-semi -Wnull-dereference -Wformat=2 -Wundef
     $<$<BOOL:${QUILLET_WERROR}>:-Werror>)
@@ -34,6 +34,6 @@ function(quillet_library name)
     add_library(${name} STATIC ${arg_SOURCES})
     # Sources include each other by their path from the project's root; the layer's own folder is
     # there for a user that wants the short name.
-    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE $<BUILD_INTERFACE:quillet_options>)
 endfunction()
