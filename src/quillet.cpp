@@ -32,6 +32,7 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     Create_Docks(view_menu);
     Create_Panels();
     Create_Central_Widget();
+    Set_Focus_Order();
     Set_Titles();
     Restore_Settings();
     d_display_click = false;

@@ -59,6 +59,9 @@ public:
     TQuillet(const QWidget* parent, Qt::WindowFlags flags);
     ~TQuillet() override;
 
+    /// Shows or hides the window; docks that float come to lie above it.
+    void setVisible(bool visible) override;
+
     /// Makes a page of an image file, or fills the active page if that is an empty one. A file that
     /// is no image is passed over in silence.
     void Load_Image(const QString& path);
@@ -132,6 +135,7 @@ private:
     void Create_Docks(QMenu* view_menu);
     void Create_Panels();
     void Create_Central_Widget();
+    void Set_Focus_Order();
     void Set_Titles();
     void Restore_Settings();
     void Restore_Docks();

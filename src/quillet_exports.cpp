@@ -122,6 +122,9 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
 {
     if (pages.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
         return false;
+    // Without a file name the toolkit would print on paper.
+    if (file.isEmpty())
+        return false;
     TSafeFile target(file);
     QPrinter printer(QPrinter::HighResolution);
     printer.setPageOrientation(settings.orientation == 0 ? QPageLayout::Portrait

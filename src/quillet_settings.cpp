@@ -91,6 +91,8 @@ void TQuillet::Restore_Docks()
     d_label_dock->setVisible(Read_Setting(settings, "Label_Visible", true));
     d_settings_dock->setVisible(Read_Setting(settings, "Settings_Visible", true));
     d_page_dock->setVisible(Read_Setting(settings, "Page_Visible", true));
+    // A dock that floats shows itself at once, and asks then which window it belongs to.
+    create();
     d_label_dock->setFloating(Read_Setting(settings, "Label_Floating", false));
     d_settings_dock->setFloating(Read_Setting(settings, "Settings_Floating", false));
     d_page_dock->setFloating(Read_Setting(settings, "Page_Floating", false));
@@ -105,16 +107,28 @@ void TQuillet::Restore_Docks()
     Narrow_Docks();
 }
 
+void TQuillet::setVisible(bool visible)
+{
+    QMainWindow::setVisible(visible);
+    // Floating docks came up before this window did, which the window manager put above them.
+    for (QDockWidget* dock : {d_label_dock, d_settings_dock, d_page_dock}) {
+        if (visible && dock->isFloating())
+            dock->raise();
+    }
+}
+
 void TQuillet::Narrow_Docks()
 {
     // The page is what people look at: whatever widths the panels would like best, the docks start
-    // with what they need and share evenly what is left beside the page's part of the window.
+    // with what they need, and what is left beside the page's part of the window goes to their
+    // captions, until these stand in one line.
     constexpr double page_part = 0.48;
+    constexpr int caption_room = 64; // pixels
     const int left = d_label_dock->minimumSizeHint().width();
     const int right =
         qMax(d_page_dock->minimumSizeHint().width(), d_settings_dock->minimumSizeHint().width());
     const int spare = static_cast<int>(width() * (1.0 - page_part)) - left - right;
-    const int extra = qMax(0, spare / 2);
+    const int extra = qBound(0, spare / 2, caption_room);
     resizeDocks({d_label_dock, d_page_dock}, {left + extra, right + extra}, Qt::Horizontal);
 }
 
