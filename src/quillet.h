@@ -187,7 +187,10 @@ private:
     bool Fail(const QString& reason);
     TReportHeaderDialog* Header_Dialog();
     void Open_File(const QString& name);
-    QString Write_Project(TProjectWriter* writer, TProjectWriter::TImageBytes image_bytes);
+    bool Load_Quietly(const std::function<bool()>& load);
+    /// What a document is written for.
+    enum class TPurpose { Save, Recovery_Copy };
+    QString Write_Project(TProjectWriter* writer, TPurpose purpose);
     bool Read_Appearance(TProjectReader* reader);
     bool Read_Pages(TProjectReader* reader);
     bool Read_Page(TProjectReader* reader, int* page_id);
@@ -228,6 +231,8 @@ private:
     QString d_error_text;        ///< why the last file operation failed
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
-    bool d_filling_view = false;              ///< the view is being rebuilt from the document
-    QStringList d_known_page_names; ///< page ids and names when the safety net last looked
+    bool d_filling_view = false;     ///< the view is being rebuilt from the document or a file
+    bool d_has_new_document = false; ///< the last file operation replaced the document
+    QLabel* d_kept_notice = nullptr; ///< tells of kept work; null when there was none
+    QStringList d_known_page_names;  ///< page ids and names when the safety net last looked
 };

@@ -191,6 +191,9 @@ void TQuillet::Label_Size_Changed(int size)
 void TQuillet::Color_Changed(QColor color)
 {
     d_display_widget->Set_Label_Color(color);
+    // The colour does not make a document count as changed, yet it is part of one.
+    if (d_data.Page_Count() > 0)
+        Note_Work();
 }
 
 void TQuillet::Item_Display_Format_Changed(const QString& format)

@@ -1,6 +1,10 @@
 #include "support/support.h"
 
+#include "src/projectfile.h"
+
 #include <QBuffer>
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QPainter>
 
@@ -9,6 +13,8 @@
 #include <fcntl.h>
 #include <linux/capability.h>
 #include <poll.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -159,6 +165,51 @@ QByteArray Read_File(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList Entries(const QString& folder)
+{
+    return QDir(folder).entryList(
+        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+QString Mode(const QString& path)
+{
+    struct stat state = {};
+    return stat(QFile::encodeName(path).constData(), &state) == 0
+               ? QString::number(state.st_mode & 07777, 8)
+               : QStringLiteral("no such file");
+}
+
+void Limit_File_Size(qint64 bytes)
+{
+    const rlimit limit{static_cast<rlim_t>(bytes), static_cast<rlim_t>(bytes)};
+    std::signal(SIGXFSZ, SIG_IGN);
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
+        qFatal("cannot limit the size of files");
+}
+
+QByteArray Empty_Project(int label_size)
+{
+    TProjectWriter writer;
+    writer.Write_Integer(label_size);
+    writer.Write_Text(QStringLiteral("#f79741"));
+    writer.Write_Text(QString());
+    writer.Write_Text(QString());
+    writer.Write_Integer(0);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    writer.Write_To(&buffer);
+    return buffer.data();
+}
+
+void Make_Old(const QString& path, int seconds)
+{
+    QFile file(path);
+    const QDateTime time = QDateTime::currentDateTime().addSecs(-seconds);
+    if (!file.open(QIODevice::ReadWrite) ||
+        !file.setFileTime(time, QFileDevice::FileModificationTime))
+        qFatal("cannot set the time of %s", qPrintable(path));
 }
 
 } // namespace Support

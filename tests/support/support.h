@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -48,5 +49,21 @@ void Write_File(const QString& path, const QByteArray& content);
 
 /// The content of a file; empty when it cannot be read.
 QByteArray Read_File(const QString& path);
+
+/// Names of everything in a folder, hidden files too, in order.
+QStringList Entries(const QString& folder);
+
+/// Permission bits of a file, as octal digits.
+QString Mode(const QString& path);
+
+/// Lets no file of this process grow beyond a size, in bytes, for the rest of its life: writes come
+/// short, as on a full disk. For children of Run_In_Child.
+void Limit_File_Size(qint64 bytes);
+
+/// A whole project file without pages; files with other label sizes differ.
+QByteArray Empty_Project(int label_size = 32);
+
+/// Makes a file look as if it had last been written some seconds ago.
+void Make_Old(const QString& path, int seconds);
 
 } // namespace Support
