@@ -80,7 +80,7 @@ BENCH_QUICK(save_without_backup, 3);
 /// changes are made, so that copies count which the net makes between them.
 void Measure_Session(benchmark::State* state, bool with_net)
 {
-    constexpr int edits = 60'000;
+    constexpr int edits = 300'000;
     const std::unique_ptr<TQuillet> window = New_Window(true);
     if (!with_net)
         window->d_safety_net.reset();
