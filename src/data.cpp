@@ -192,6 +192,16 @@ bool TData::Change_Item_Value(int id, int value)
     return Change_Item(id, [value](TDataItem* item) { item->value = value; });
 }
 
+void TData::Number_Items(bool selected_only, const std::function<int()>& next)
+{
+    ASSERT_ACTIVE_PAGE();
+    Settle();
+    for (TDataItem& item : d_page_items[d_active_page_index].data_items) {
+        if (item.selected || !selected_only)
+            item.value = next();
+    }
+}
+
 bool TData::Change_Item_Text(int id, const QString& text)
 {
     ASSERT_ACTIVE_PAGE();

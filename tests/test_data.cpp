@@ -67,6 +67,7 @@ const QVector<TNamedOperation>& Guarded_Operations()
         {"Remove_Item", [](TData* data) { data->Remove_Item(1); }},
         {"Clear_Selection", [](TData* data) { data->Clear_Selection(); }},
         {"Change_Item_Value", [](TData* data) { data->Change_Item_Value(1, 2); }},
+        {"Number_Items", [](TData* data) { data->Number_Items(false, [] { return 1; }); }},
         {"Change_Item_Text", [](TData* data) { data->Change_Item_Text(1, QString()); }},
         {"Change_Item_Border", [](TData* data) { data->Change_Item_Border(1, 2); }},
         {"Change_Item_Position", [](TData* data) { data->Change_Item_Position(1, QPointF()); }},
@@ -376,6 +377,24 @@ private slots:
         QVERIFY(!other.selected);
         QVERIFY(data.Change_Item_Selection(2, false));
         QVERIFY(!data.Item(1).selected);
+    }
+
+    void labels_are_numbered_in_their_order()
+    {
+        TData data;
+        Fill(&data, {5, 3, 9, 1});
+        QVERIFY(data.Remove_Item(3));
+        int value = 10;
+        data.Number_Items(false, [&value] { return value++; });
+        QCOMPARE(data.Item_Count(), 3);
+        for (int place = 0; place < 3; ++place)
+            QCOMPARE(data.Item(place).value, 10 + place);
+
+        QVERIFY(data.Change_Item_Selection(1, true));
+        data.Number_Items(true, [] { return -4; });
+        QCOMPARE(data.Item(0).value, 10);
+        QCOMPARE(data.Item(1).value, 11);
+        QCOMPARE(data.Item(2).value, -4);
     }
 
     void an_unknown_id_is_no_error()

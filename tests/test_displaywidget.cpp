@@ -107,6 +107,7 @@ private slots:
     void selecting_redraws_only_what_changes();
     void selecting_sets_exactly_the_given_ids();
     void selecting_nothing_clears_every_selection();
+    void a_selected_label_can_go_away_before_others_are_selected();
     void selecting_scrolls_to_the_last_label_in_list_order();
     void selecting_scrolls_only_when_asked_and_tracking_data();
     void selecting_scrolls_only_when_asked_and_tracking();
@@ -590,6 +591,24 @@ void TestDisplayWidget::selecting_nothing_clears_every_selection()
                                      Painted(TLabelStyle(), label->data(2).toString(), 2, false)),
                  QString());
     }
+}
+
+void TestDisplayWidget::a_selected_label_can_go_away_before_others_are_selected()
+{
+    for (int id = 0; id < 3; ++id)
+        d_view->Add_Item(id, id, QString(), 2);
+    d_view->Set_Selected_Items({0, 1}, false);
+    d_view->Remove_Item(1);
+    d_view->Set_Selected_Items({2}, true);
+    QCOMPARE(Support::Label(*d_view, 0)->data(17).toInt(), 0);
+    QCOMPARE(Support::Label(*d_view, 2)->data(17).toInt(), 1);
+
+    d_view->Remove_Items();
+    d_view->Add_Item(2, 2, QString(), 2);
+    d_view->Set_Selected_Items({2}, false);
+    QCOMPARE(Support::Label(*d_view, 2)->data(17).toInt(), 1);
+    d_view->Set_Selected_Items({}, false);
+    QCOMPARE(Support::Label(*d_view, 2)->data(17).toInt(), 0);
 }
 
 void TestDisplayWidget::selecting_scrolls_to_the_last_label_in_list_order()
