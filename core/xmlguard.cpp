@@ -75,7 +75,8 @@ private:
     int d_parentheses = 0;
     int d_prefixes = 0;
     bool d_in_dtd = false;
-    bool d_reading = false; ///< the character comes from within next
+    bool d_entities_open_tags = false; ///< there is one that holds a "<"
+    bool d_reading = false;            ///< the character comes from within next
 };
 
 /// Within 16 bits; the two behind it are no characters.
@@ -178,9 +179,9 @@ void TScout::Follow_Tag(QChar character)
         d_place = Quoted;
         d_quote = character;
     }
-    // An entity may hold the beginning of a tag, which does not pass through here, so with entities
-    // about anything may be an attribute.
-    const bool counts = d_place == Tag || !d_costs.isEmpty();
+    // An entity may hold the beginning of a tag, which does not pass through here, so with such
+    // entities about anything may be an attribute.
+    const bool counts = d_place == Tag || d_entities_open_tags;
     if (counts && character == QLatin1Char('=') && ++d_attributes > XmlGuard::Attribute_Limit)
         Refuse("too many attributes");
 }
@@ -253,6 +254,9 @@ bool TScout::endDTD()
 
 bool TScout::internalEntityDecl(const QString& name, const QString& value)
 {
+    // Character references and parameter entities have been replaced in the value, and a "<" that
+    // comes out of another entity is that one's.
+    d_entities_open_tags |= value.contains(QLatin1Char('<'));
     return Declare(name, Cost(name, value));
 }
 

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 /// One numbered label of a page. A plain value.
@@ -90,6 +91,9 @@ public:
     /// Erases a label, keeping the order of the others; false when there is none with that id.
     bool Remove_Item(int id);
     bool Change_Item_Value(int id, int value);
+    /// Gives the labels other values, in their order: each gets what next returns for it.
+    /// @param selected_only  leaves labels alone that are not selected.
+    void Number_Items(bool selected_only, const std::function<int()>& next);
     bool Change_Item_Text(int id, const QString& text);
     /// The code is stored as it is given.
     bool Change_Item_Border(int id, int border_type);
@@ -113,9 +117,8 @@ private:
     int d_active_page_index = -1;
     static int d_next_page_id;
 
-    /// Where the labels of the active page are in its data_items; built when it is first needed.
+    /// Where the labels of the active page are in its data_items; empty until it is needed.
     mutable QHash<int, int> d_positions;
-    mutable bool d_has_positions = false;
     /// How many entries of the active page's data_items are erased but still take up room: those
     /// whose place is not the one that d_positions has for their id.
     mutable std::size_t d_erased_count = 0;

@@ -6,7 +6,6 @@
 #include <QGraphicsScene>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QSet>
 #include <QVariant>
 
 #include <algorithm>
@@ -26,6 +25,9 @@ constexpr int index_depth = 10;
 /// How far a pressed label has to be dragged before it moves, as a sum of both directions in scene
 /// units. Keeps a click with an unsteady hand from moving it.
 constexpr double drag_threshold = 1.0;
+
+/// A rendered page with more pixels than this would take more than 4 GiB of memory.
+constexpr double maximum_picture_pixels = 1024.0 * 1024.0 * 1024.0;
 
 /// Rounds to the nearest integer, halves upward on both sides of zero.
 int Round_Half_Up(double number)
@@ -87,6 +89,7 @@ void TDisplayWidget::Remove_Items()
 {
     Forget_Pressed_Item();
     d_items_by_id.clear();
+    d_selected_items.clear();
     for (const QGraphicsPixmapItem* item : std::exchange(d_label_items, {}))
         delete item;
 }
@@ -99,6 +102,7 @@ void TDisplayWidget::Remove_Item(int id)
         return;
     if (item.get() == d_pressed_item)
         Forget_Pressed_Item();
+    d_selected_items.remove(item.get());
     d_label_items.erase(std::find(d_label_items.cbegin(), d_label_items.cend(), item.get()));
 }
 
@@ -119,7 +123,8 @@ QGraphicsPixmapItem* TDisplayWidget::Add_Item(int id, int value, const QString& 
     label->setData(Centre_Key, corner + LabelPainter::Centre(Label_Style()));
     label->setData(Border_Key, border_type);
     label->setData(Selected_Key, 0);
-    label->setPixmap(Render_Item(*label));
+    // Not Render_Item: what it would ask the item for is at hand, and asking is slow.
+    label->setPixmap(Render_Label(value, text, border_type, false));
 
     QGraphicsPixmapItem* item = label.release();
     d_scene->addItem(item);
@@ -166,25 +171,32 @@ void TDisplayWidget::Change_Item_Border(int id, int border_type)
 
 void TDisplayWidget::Set_Selected_Items(const std::vector<int>& ids, bool center)
 {
-    const QSet<int> wanted(ids.cbegin(), ids.cend());
-    const QGraphicsPixmapItem* last_selected = nullptr;
-    for (QGraphicsPixmapItem* item : std::as_const(d_label_items)) {
-        const bool selected = wanted.contains(item->data(Id_Key).toInt());
-        if (selected != (item->data(Selected_Key).toInt() != 0)) {
-            item->setData(Selected_Key, selected ? 1 : 0);
-            item->setPixmap(Render_Item(*item));
-        }
-        if (selected)
-            last_selected = item;
+    QSet<QGraphicsPixmapItem*> wanted;
+    for (const int id : ids) {
+        if (QGraphicsPixmapItem* const item = d_items_by_id.value(id))
+            wanted.insert(item);
     }
-    if (last_selected && center && d_track_item)
-        centerOn(last_selected->data(Centre_Key).toPointF());
+    // Only what changes is looked at: a click among ten thousand labels concerns two of them.
+    const QSet<QGraphicsPixmapItem*> before = std::exchange(d_selected_items, wanted);
+    for (QGraphicsPixmapItem* item : before) {
+        if (!wanted.contains(item))
+            Select_Item(item, false);
+    }
+    for (QGraphicsPixmapItem* item : std::as_const(wanted)) {
+        if (!before.contains(item))
+            Select_Item(item, true);
+    }
+    if (center && d_track_item && !wanted.isEmpty())
+        centerOn(Last_Selected_Item()->data(Centre_Key).toPointF());
 }
 
 QPixmap TDisplayWidget::Pixmap()
 {
     Update_Scene_Rect();
     const QRectF scene_rect = d_scene->sceneRect();
+    // Labels come from files as well and may be anywhere, infinitely far away included.
+    if (!(scene_rect.width() * scene_rect.height() <= maximum_picture_pixels))
+        return QPixmap();
     QPixmap pixmap(static_cast<int>(scene_rect.width()), static_cast<int>(scene_rect.height()));
     pixmap.fill(Qt::white);
     QPainter painter(&pixmap);
@@ -225,7 +237,7 @@ QPixmap TDisplayWidget::Render_Pixmap(const QString& text, const int& border_typ
 
 QPixmap TDisplayWidget::Render_Pixmap(int value, const int& border_type, bool selected) const
 {
-    return Render_Pixmap(QStringLiteral("%1").arg(value), border_type, selected);
+    return Render_Pixmap(QString::number(value), border_type, selected);
 }
 
 void TDisplayWidget::mousePressEvent(QMouseEvent* event)
@@ -238,13 +250,12 @@ void TDisplayWidget::mousePressEvent(QMouseEvent* event)
 
     d_mouse_buttons = event->buttons();
     const QPointF scene_point = Scene_Point(*event);
-    // A slot may run an event loop, in which the buttons can change.
-    const bool right_button = event->buttons() & Qt::RightButton;
     d_item_moved = false;
     d_pressed_item = nullptr;
-    if (d_mouse_buttons & Qt::LeftButton)
+    // Asked of the event: a slot may run an event loop, in which other buttons get pressed.
+    if (event->buttons() & Qt::LeftButton)
         Press_Item(scene_point);
-    if (right_button)
+    if (event->buttons() & Qt::RightButton)
         emit Right_Mouse_Click(scene_point);
 }
 
@@ -303,12 +314,32 @@ QPointF TDisplayWidget::Visible_Corner() const
 /// The label's pixmap, according to what its item stores.
 QPixmap TDisplayWidget::Render_Item(const QGraphicsPixmapItem& item) const
 {
-    const QString text = item.data(Text_Key).toString();
-    const int border_type = item.data(Border_Key).toInt();
-    const bool selected = item.data(Selected_Key).toInt() != 0;
-    if (text.isEmpty())
-        return Render_Pixmap(item.data(Value_Key).toInt(), border_type, selected);
-    return Render_Pixmap(text, border_type, selected);
+    return Render_Label(item.data(Value_Key).toInt(), item.data(Text_Key).toString(),
+                        item.data(Border_Key).toInt(), item.data(Selected_Key).toInt() != 0);
+}
+
+/// The pixmap of a label, which shows its text when it has one, and its value otherwise.
+QPixmap TDisplayWidget::Render_Label(int value, const QString& text, int border_type,
+                                     bool selected) const
+{
+    return text.isEmpty() ? Render_Pixmap(value, border_type, selected)
+                          : Render_Pixmap(text, border_type, selected);
+}
+
+void TDisplayWidget::Select_Item(QGraphicsPixmapItem* item, bool selected)
+{
+    item->setData(Selected_Key, selected ? 1 : 0);
+    item->setPixmap(Render_Item(*item));
+}
+
+/// The one of the selected labels that was added last; there has to be one.
+const QGraphicsPixmapItem* TDisplayWidget::Last_Selected_Item() const
+{
+    if (d_selected_items.size() == 1)
+        return *d_selected_items.cbegin();
+    return *std::find_if(
+        d_label_items.crbegin(), d_label_items.crend(),
+        [this](QGraphicsPixmapItem* item) { return d_selected_items.contains(item); });
 }
 
 void TDisplayWidget::Change_Item(int id, TItemKey key, const QVariant& content)

@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QPixmap>
 #include <QPointF>
+#include <QSet>
 #include <QSize>
 #include <QString>
 
@@ -78,7 +79,8 @@ public:
     void Set_Selected_Items(const std::vector<int>& ids, bool center);
 
     /// The whole page at its own size with the labels as they are shown, on white. Updates the
-    /// scene rectangle, so that labels reaching past the page image are on it as a whole.
+    /// scene rectangle, so that labels reaching past the page image are on it as a whole. Null when
+    /// a label is so far away that the picture would have more than 2^30 pixels.
     QPixmap Pixmap();
 
     /// Changes the size of all labels; each stays centred where it is.
@@ -114,6 +116,9 @@ private:
     QPointF Corner(const QPointF& centre) const;
     QPointF Visible_Corner() const;
     QPixmap Render_Item(const QGraphicsPixmapItem& item) const;
+    QPixmap Render_Label(int value, const QString& text, int border_type, bool selected) const;
+    void Select_Item(QGraphicsPixmapItem* item, bool selected);
+    const QGraphicsPixmapItem* Last_Selected_Item() const;
     void Change_Item(int id, TItemKey key, const QVariant& content);
     void Show_Background(const QPixmap& pixmap);
     void Forget_Pressed_Item();
@@ -140,5 +145,6 @@ public:
 
 private:
     QHash<int, QGraphicsPixmapItem*> d_items_by_id; ///< the same labels as in d_label_items
+    QSet<QGraphicsPixmapItem*> d_selected_items;
     mutable TLabelCache d_label_cache;
 };

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr int memory_limit = 32 * 1024 * 1024; // bytes of pixels
+constexpr int memory_limit = 128 * 1024 * 1024; // bytes of pixels
 
 int Size_In_Bytes(const QPixmap& pixmap)
 {

@@ -138,8 +138,9 @@ struct TPageImage::TContent
     ~TContent() { Store().Remove(this); }
     Q_DISABLE_COPY(TContent)
 
-    QImage Pixels();
-    void Keep_Decoded(const QImage& image);
+    enum TUse { Looked_At, Passed_On };
+    QImage Pixels(TUse use = Looked_At);
+    void Keep_Decoded(const QImage& image, TUse use = Looked_At);
 
     enum TVerdict { Not_Decoded, Decodable, Undecodable };
 
@@ -154,23 +155,25 @@ struct TPageImage::TContent
 };
 
 /// The pixels that the image came with, those in the store, or newly decoded ones.
-QImage TPageImage::TContent::Pixels()
+/// @param use  pixels that are only passed on do not drive those out of the store that somebody
+///             looks at.
+QImage TPageImage::TContent::Pixels(TUse use)
 {
     if (!pixels.isNull() || verdict == Undecodable)
         return pixels;
     QImage image = Store().Find(this);
     if (image.isNull()) {
         image = Decode(source, format);
-        Keep_Decoded(image);
+        Keep_Decoded(image, use);
     }
     return image;
 }
 
-void TPageImage::TContent::Keep_Decoded(const QImage& image)
+void TPageImage::TContent::Keep_Decoded(const QImage& image, TUse use)
 {
     verdict = image.isNull() ? Undecodable : Decodable;
     size = image.size();
-    if (!image.isNull())
+    if (!image.isNull() && use == Looked_At)
         Store().Insert(this, image);
 }
 
@@ -259,7 +262,7 @@ QByteArray TPageImage::Png() const
     if (d_content->source.startsWith(Png_Signature))
         return d_content->source;
     if (d_content->png.isEmpty()) {
-        const QImage image = d_content->Pixels();
+        const QImage image = d_content->Pixels(TContent::Passed_On);
         if (image.isNull())
             return d_content->source;
         QBuffer buffer(&d_content->png);

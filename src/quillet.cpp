@@ -104,10 +104,14 @@ void TQuillet::Show_Progress(const QString& text)
 
 void TQuillet::Update_Document_Actions()
 {
-    const bool has_pages = d_data.Page_Count() > 0;
+    Enable_Document_Actions(d_data.Page_Count() > 0);
+}
+
+void TQuillet::Enable_Document_Actions(bool enable)
+{
     for (QAction* action :
          {d_action_export_pdf, d_action_export_images, d_action_reindex, d_action_save})
-        action->setEnabled(has_pages);
+        action->setEnabled(enable);
 }
 
 void TQuillet::Set_Working_File(const QString& path)

@@ -167,6 +167,7 @@ private:
     // The document and what follows from it.
     void Mark_Changed();
     void Update_Document_Actions();
+    void Enable_Document_Actions(bool enable);
     void Set_Working_File(const QString& path);
     void Show_No_Page();
     void Fill_View(TLabelWidget* list);

@@ -61,6 +61,10 @@ void TQuillet::Remove_Item()
     const std::vector<int> ids = d_label_widget->Selected_Items();
     if (ids.empty() || !Confirm(tr("Remove Labels"), tr("Labels will be deleted.  Are you sure?")))
         return;
+    // Each removal of a selected label is a change of the selection, which everybody looks at as a
+    // whole. With the last one alone selected all end up as they would have, without the walks.
+    if (ids.size() > 1)
+        d_label_widget->Set_Selection(ids.back());
     for (const int id : ids) {
         d_display_widget->Remove_Item(id);
         d_data.Remove_Item(id);
@@ -156,8 +160,7 @@ int TQuillet::Renumber_All_Pages(int first_value, int method)
     const QList<int> page_ids = d_page_widget->Page_Ids();
     for (const int page_id : page_ids) {
         d_data.Set_Active_Page(page_id);
-        for (int i = 0; i < d_data.Item_Count(); ++i)
-            d_data.Change_Item_Value(d_data.Item(i).id, numbering.Take());
+        d_data.Number_Items(false, [&numbering] { return numbering.Take(); });
         numbering.Break_Page();
     }
     d_data.Set_Active_Page(active_page);
@@ -168,10 +171,6 @@ int TQuillet::Renumber_All_Pages(int first_value, int method)
 int TQuillet::Renumber_Active_Page(int first_value, bool selected_only)
 {
     TNumbering numbering(first_value, TNumbering::Next_1X);
-    for (int i = 0; i < d_data.Item_Count(); ++i) {
-        const TDataItem item = d_data.Item(i);
-        if (item.selected || !selected_only)
-            d_data.Change_Item_Value(item.id, numbering.Take());
-    }
+    d_data.Number_Items(selected_only, [&numbering] { return numbering.Take(); });
     return numbering.Next();
 }

@@ -240,13 +240,12 @@ bool TQuillet::Read_Page(TProjectReader* reader, int* page_id)
 {
     const QString name = reader->Read_Text();
     const TPageImage image = reader->Read_Image();
+    const QByteArray items = reader->Read_Bytes();
+    // A page that is in the document has to be in the page list too: both are saved together.
     if (!reader->Is_Valid())
         return false;
     *page_id = d_data.Add_Page(image);
     d_data.Set_Active_Page(*page_id);
-    const QByteArray items = reader->Read_Bytes();
-    if (!reader->Is_Valid())
-        return false;
     d_page_widget->Add_Page(*page_id);
     d_page_widget->Set_Page_Name(*page_id, name);
     Read_Items(items);

@@ -28,6 +28,15 @@ TValue Read_Setting(const QSettings& settings, const char* key, const TValue& de
     return value.convert(qMetaTypeId<TValue>()) ? value.value<TValue>() : default_value;
 }
 
+/// QVariant cuts numbers that are too large for an integer.
+template <>
+int Read_Setting(const QSettings& settings, const char* key, const int& default_value)
+{
+    bool is_integer = false;
+    const int value = settings.value(QString::fromLatin1(key)).toString().toInt(&is_integer);
+    return is_integer ? value : default_value;
+}
+
 /// For QVariant every text but a few is true; in the settings file only a written truth value is.
 template <>
 bool Read_Setting(const QSettings& settings, const char* key, const bool& default_value)
@@ -74,7 +83,10 @@ void TQuillet::Restore_Settings()
     constexpr int default_label_size = 32;
     const int label_size = Read_Setting(settings, "Label_Size", default_label_size);
     d_settings_widget->Set_Label_Size(label_size);
-    Label_Size_Changed(label_size);
+    // The view draws whatever size it is told, so it must be one that a picture can have.
+    constexpr int least_view_size = 2;
+    constexpr int largest_view_size = 2048;
+    Label_Size_Changed(qBound(least_view_size, label_size, largest_view_size));
 
     d_settings_widget->Set_Display_Format(
         Read_Setting(settings, "Item_Display_Format", QStringLiteral("Item[%1]")));

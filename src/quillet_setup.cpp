@@ -111,10 +111,9 @@ void TQuillet::Create_Status_Bar()
 
     auto* layout = new QHBoxLayout(zoom);
     layout->setContentsMargins(0, 0, 0, 0);
-    for (QWidget* widget :
-         {static_cast<QWidget*>(zoom_caption), static_cast<QWidget*>(d_zoom_slider),
-          static_cast<QWidget*>(d_zoom_label)})
-        layout->addWidget(widget);
+    layout->addWidget(zoom_caption);
+    layout->addWidget(d_zoom_slider);
+    layout->addWidget(d_zoom_label);
 
     setStatusBar(new QStatusBar(this));
     statusBar()->addPermanentWidget(zoom);

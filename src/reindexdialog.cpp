@@ -37,7 +37,9 @@ constexpr int option_rows = 3;
 void Add_Group_Title(const QString& title, TRow row, int row_count, QDialog* dialog,
                      QGridLayout* grid)
 {
-    grid->addWidget(new QLabel(title, dialog), row, 0, row_count, 1, Qt::AlignLeft | Qt::AlignTop);
+    auto* const label = new QLabel(title, dialog);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    grid->addWidget(label, row, 0, row_count, 1, Qt::AlignLeft | Qt::AlignTop);
     grid->addWidget(DialogParts::Sunken_Line(QFrame::VLine, dialog), row, 1, row_count, 1);
 }
 

@@ -36,13 +36,10 @@ TReportPainter::TReportPainter(QPainter* painter, int resolution_code, const QSt
 
 void TReportPainter::Draw_Page(const QPixmap& picture, int number)
 {
-    // A line is centred on its coordinate, so that half a pixel of the thinnest rule lies under the
-    // picture's edge, and programs that show the file let pictures grow to whole pixels. Drawn
-    // first, the picture leaves the rules whole.
-    Draw_Picture(picture);
     Draw_Rules();
     Draw_Headers();
     Draw_Footer(number);
+    Draw_Picture(picture);
 }
 
 void TReportPainter::Draw_Rules()

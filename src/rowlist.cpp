@@ -14,6 +14,15 @@ namespace {
 const ushort First_Letter = 0x20;
 const ushort Last_Letter = 0xff;
 
+/// Whether a change of these roles can make a row larger or smaller, its text apart; no roles at
+/// all stand for any of them.
+bool May_Change_Size(const QVector<int>& roles)
+{
+    return roles.isEmpty() || std::any_of(roles.cbegin(), roles.cend(), [](int role) {
+               return role < TRowList::Id_Role && role != Qt::DisplayRole && role != Qt::EditRole;
+           });
+}
+
 } // namespace
 
 /// Gives all rows the size that the largest needs.
@@ -33,9 +42,8 @@ public:
     void Set_Font(const QFont& font)
     {
         Forget();
-        const QFontMetricsF metrics(font);
-        for (ushort letter = First_Letter; letter <= Last_Letter; ++letter)
-            d_letter_widths[letter - First_Letter] = metrics.horizontalAdvance(QChar(letter));
+        d_font = font;
+        d_knows_letters = false;
     }
 
     /// Starts anew.
@@ -51,6 +59,8 @@ public:
     /// @return false when that is no measure for the text.
     bool Measure_Letters(const QString& text)
     {
+        if (!d_knows_letters)
+            Learn_Letters();
         qreal width = 0.0;
         for (const QChar letter : text) {
             if (letter.unicode() < First_Letter || letter.unicode() > Last_Letter)
@@ -60,6 +70,7 @@ public:
         if (width > d_widest_text_width) {
             d_widest_text_width = width;
             d_widest_text = text;
+            ++d_growths;
         }
         return true;
     }
@@ -67,8 +78,14 @@ public:
     /// Takes a row into account by laying it out.
     void Measure_Row(const QStyleOptionViewItem& option, const QModelIndex& row)
     {
-        d_unusual_size = d_unusual_size.expandedTo(QStyledItemDelegate::sizeHint(option, row));
+        const QSize size = d_unusual_size.expandedTo(QStyledItemDelegate::sizeHint(option, row));
+        if (size != d_unusual_size)
+            ++d_growths;
+        d_unusual_size = size;
     }
+
+    /// How often a text or a row has turned out to be the largest so far.
+    int Growths() const { return d_growths; }
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& row) const override
     {
@@ -84,10 +101,23 @@ public:
     }
 
 private:
+    /// Not done before there is a row: it would take a tenth of the time in which the program
+    /// starts.
+    void Learn_Letters()
+    {
+        const QFontMetricsF metrics(d_font);
+        for (ushort letter = First_Letter; letter <= Last_Letter; ++letter)
+            d_letter_widths[letter - First_Letter] = metrics.horizontalAdvance(QChar(letter));
+        d_knows_letters = true;
+    }
+
+    QFont d_font;
+    bool d_knows_letters = false;
     std::array<qreal, Last_Letter - First_Letter + 1> d_letter_widths; ///< pixels
     QString d_widest_text;
     qreal d_widest_text_width = 0.0; ///< pixels, without kerning
-    QSize d_unusual_size;            ///< what the rows need that were laid out
+    int d_growths = 0;
+    QSize d_unusual_size; ///< what the rows need that were laid out
 };
 
 TRowList::TRowList(QWidget* parent)
@@ -164,9 +194,14 @@ void TRowList::dataChanged(const QModelIndex& top_left, const QModelIndex& botto
     // No roles at all means that any of them may have changed.
     if (roles.isEmpty() || roles.contains(Id_Role))
         d_rows_outdated = true;
-    if (roles.isEmpty() || roles.contains(Qt::DisplayRole))
-        Measure_Rows(top_left.row(), bottom_right.row());
-    QListWidget::dataChanged(top_left, bottom_right, roles);
+    const bool have_grown = (roles.isEmpty() || roles.contains(Qt::DisplayRole)) &&
+                            Measure_Rows(top_left.row(), bottom_right.row());
+    // A list view lays all rows out anew whenever one changes. Rows of one size need that only when
+    // the size changes.
+    if (have_grown || May_Change_Size(roles))
+        QListWidget::dataChanged(top_left, bottom_right, roles);
+    else
+        QAbstractItemView::dataChanged(top_left, bottom_right, roles);
 }
 
 void TRowList::changeEvent(QEvent* event)
@@ -186,11 +221,14 @@ void TRowList::Index_Rows() const
     d_rows_outdated = false;
 }
 
-void TRowList::Measure_Rows(int first, int last)
+/// Takes rows into account; true when the size of all rows has become another.
+bool TRowList::Measure_Rows(int first, int last)
 {
+    const int growths = d_delegate->Growths();
     for (int place = first; place <= last; ++place) {
         const QListWidgetItem* const row = item(place);
         if (!d_delegate->Measure_Letters(row->text()))
             d_delegate->Measure_Row(viewOptions(), indexFromItem(row));
     }
+    return d_delegate->Growths() != growths;
 }

@@ -42,7 +42,7 @@ protected:
 
 private:
     void Index_Rows() const;
-    void Measure_Rows(int first, int last);
+    bool Measure_Rows(int first, int last);
 
     /// Every row under its id; filled anew by the next search when the ids of rows were changed.
     mutable QMultiHash<int, QListWidgetItem*> d_rows;

@@ -107,6 +107,7 @@ private slots:
     void selecting_redraws_only_what_changes();
     void selecting_sets_exactly_the_given_ids();
     void selecting_nothing_clears_every_selection();
+    void a_selected_label_can_go_away_before_others_are_selected();
     void selecting_scrolls_to_the_last_label_in_list_order();
     void selecting_scrolls_only_when_asked_and_tracking_data();
     void selecting_scrolls_only_when_asked_and_tracking();
@@ -120,6 +121,8 @@ private slots:
     void the_page_is_rendered_with_its_labels();
     void the_rendered_page_covers_labels_past_the_edge();
     void the_rendered_page_is_cut_to_whole_pixels();
+    void a_page_too_large_to_render_gives_no_picture_data();
+    void a_page_too_large_to_render_gives_no_picture();
     void the_rendered_page_does_not_depend_on_the_zoom();
     void thousands_of_labels_keep_their_order_and_data();
 
@@ -590,6 +593,24 @@ void TestDisplayWidget::selecting_nothing_clears_every_selection()
     }
 }
 
+void TestDisplayWidget::a_selected_label_can_go_away_before_others_are_selected()
+{
+    for (int id = 0; id < 3; ++id)
+        d_view->Add_Item(id, id, QString(), 2);
+    d_view->Set_Selected_Items({0, 1}, false);
+    d_view->Remove_Item(1);
+    d_view->Set_Selected_Items({2}, true);
+    QCOMPARE(Support::Label(*d_view, 0)->data(17).toInt(), 0);
+    QCOMPARE(Support::Label(*d_view, 2)->data(17).toInt(), 1);
+
+    d_view->Remove_Items();
+    d_view->Add_Item(2, 2, QString(), 2);
+    d_view->Set_Selected_Items({2}, false);
+    QCOMPARE(Support::Label(*d_view, 2)->data(17).toInt(), 1);
+    d_view->Set_Selected_Items({}, false);
+    QCOMPARE(Support::Label(*d_view, 2)->data(17).toInt(), 0);
+}
+
 void TestDisplayWidget::selecting_scrolls_to_the_last_label_in_list_order()
 {
     d_view->Set_Background_Image(Page(2000, 1500));
@@ -778,6 +799,26 @@ void TestDisplayWidget::the_rendered_page_is_cut_to_whole_pixels()
     d_view->Add_Item(1, 1, QString(), 1);
     d_view->Move_Item(1, QPointF(100.75, 70.9));
     QCOMPARE(d_view->Pixmap().size(), QSize(116, 86));
+}
+
+void TestDisplayWidget::a_page_too_large_to_render_gives_no_picture_data()
+{
+    QTest::addColumn<QPointF>("centre");
+    QTest::newRow("far away") << QPointF(1e5, 1e5);
+    QTest::newRow("further than integers reach") << QPointF(-1e300, 20);
+    QTest::newRow("infinitely far away") << QPointF(20, qInf());
+    QTest::newRow("nowhere") << QPointF(qQNaN(), qQNaN());
+}
+
+void TestDisplayWidget::a_page_too_large_to_render_gives_no_picture()
+{
+    QFETCH(QPointF, centre);
+    d_view->Set_Background_Image(QPixmap::fromImage(Support::Picture(60, 40)));
+    d_view->Add_Item(1, 1, QString(), 0);
+    d_view->Move_Item(1, centre);
+    QVERIFY(d_view->Pixmap().isNull());
+    d_view->Move_Item(1, QPointF(20, 20));
+    QCOMPARE(d_view->Pixmap().size(), QSize(60, 40));
 }
 
 void TestDisplayWidget::the_rendered_page_does_not_depend_on_the_zoom()

@@ -102,7 +102,7 @@ void TestLabelCache::labels_that_were_dropped_are_drawn_again()
     d_cache.Set_Style(style, LabelPainter::Template(style));
     const QString text = QStringLiteral("first");
     const qint64 key = d_cache.Label(text, 1, false).cacheKey();
-    for (int i = 0; i < 64; ++i)
+    for (int i = 0; i < 160; ++i)
         d_cache.Label(QString::number(i), 1, false);
     const QPixmap again = d_cache.Label(text, 1, false);
     QVERIFY(again.cacheKey() != key);

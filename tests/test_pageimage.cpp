@@ -263,6 +263,15 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
     }
 
+    void encoding_takes_no_room_in_the_store()
+    {
+        const QImage picture = Support::Picture(40, 30);
+        const TPageImage image = TPageImage::From_Bytes(Encoded(picture, "BMP"));
+        QCOMPARE(QImage::fromData(image.Png()), picture);
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(image.size(), picture.size());
+    }
+
     void painting_on_the_pixels_leaves_the_page_image_alone()
     {
         const QImage picture = Support::Picture(40, 30);

@@ -169,6 +169,12 @@ void TestXmlGuard::ruinous_documents_are_found_data()
         << "<R x='>'" + rows + "/>" << Attributes;
     QTest::newRow("attributes of a tag that an entity begins")
         << Document("<!ENTITY e '<a'>", "&e;" + rows + "/>") << Attributes;
+    QTest::newRow("attributes of a tag that an entity of an entity begins")
+        << Document("<!ENTITY f '<a'><!ENTITY e '&f;'>", "&e;" + rows + "/>") << Attributes;
+    QTest::newRow("attributes of a tag that begins with a character reference")
+        << Document("<!ENTITY e '&#60;a'>", "&e;" + rows + "/>") << Attributes;
+    QTest::newRow("attributes of a tag that a parameter entity begins")
+        << Document("<!ENTITY % p '&#60;'><!ENTITY e '%p;a'>", "&e;" + rows + "/>") << Attributes;
     QTest::newRow("attributes of a tag that an entity begins with a value")
         << Document("<!ENTITY e \"<a x='\">", "&e;'" + rows + "/>") << Attributes;
 
@@ -236,6 +242,9 @@ void TestXmlGuard::ordinary_documents_pass_data()
         << QByteArray("<R>\xf0\x9f\x98\x80<!--\xf0\x9f\x98\x80--></R>");
     QTest::newRow("signs in text, with quotes")
         << "<R>" + QByteArray("= ' &lt; > ( ) % ").repeated(10000) + "</R>";
+    QTest::newRow("equals signs in text, with entities that hold text")
+        << Document("<!ENTITY e 'a = b'>", "&e;" + QByteArray(10000, '=') + "<!--" +
+                                               QByteArray(10000, '=') + "--><b c='&e;'/>");
     QTest::newRow("a long list")
         << "<R>" +
                QByteArray("<Item><Id>1</Id><Value>1</Value><Text>a = b</Text></Item>")

@@ -40,6 +40,8 @@ private slots:
     void removing_labels_needs_a_selection();
     void removing_labels_asks_data();
     void removing_labels_asks();
+    void removing_many_labels_reports_few_selections();
+    void removed_labels_leave_the_border_of_the_last_one();
     void changing_a_label_reaches_model_and_view();
     void the_list_selects_in_view_and_model();
     void the_list_brings_its_selection_into_sight();
@@ -52,6 +54,7 @@ private slots:
     void removing_pages_asks();
     void removing_the_last_page_disables_the_document_actions();
     void removing_one_of_two_pages_keeps_the_document_actions();
+    void the_document_actions_are_off_while_pages_go();
     void showing_a_page_fills_list_and_view();
     void showing_a_page_is_no_change_data();
     void showing_a_page_is_no_change();
@@ -302,6 +305,42 @@ void TestEditing::removing_labels_asks()
     QCOMPARE(d_window->d_data_changed, yes);
 }
 
+// Everybody looks at the whole selection when it changes, so that a report for every removed label
+// would make thousands of them take minutes.
+void TestEditing::removing_many_labels_reports_few_selections()
+{
+    Show_New_Page();
+    for (int i = 0; i < 50; ++i)
+        d_window->Add_Item();
+    List()->selectAll();
+    const QSignalSpy reports(d_window->d_label_widget, SIGNAL(Selection_Changed()));
+    QCOMPARE(Support::Run_Answering([this] { d_window->Remove_Item(); },
+                                    {Support::Press(QMessageBox::Yes)}),
+             QString());
+    QCOMPARE(d_window->d_data.Item_Count(), 0);
+    QCOMPARE(List()->count(), 0);
+    QVERIFY(d_window->d_label_widget->Selected_Items().empty());
+    QVERIFY2(reports.count() <= 3, qPrintable(QString::number(reports.count())));
+}
+
+// The last label is selected alone before it goes, and the combo box keeps showing what it had.
+void TestEditing::removed_labels_leave_the_border_of_the_last_one()
+{
+    Show_New_Page();
+    for (const int border : {1, 4, 8}) {
+        d_window->d_label_widget->Set_Border_Type(border);
+        d_window->Add_Item();
+    }
+    d_window->d_label_widget->Set_Border_Type(2);
+    List()->item(0)->setSelected(true);
+    List()->item(1)->setSelected(true);
+    QCOMPARE(Support::Run_Answering([this] { d_window->Remove_Item(); },
+                                    {Support::Press(QMessageBox::Yes)}),
+             QString());
+    QCOMPARE(d_window->d_data.Item_Count(), 1);
+    QCOMPARE(d_window->d_label_widget->Border_Type(), 4);
+}
+
 void TestEditing::changing_a_label_reaches_model_and_view()
 {
     Show_New_Page();
@@ -480,6 +519,20 @@ void TestEditing::removing_one_of_two_pages_keeps_the_document_actions()
              QString());
     QCOMPARE(Enabled_Actions(), QList<bool>({true, true, true, true}));
     QCOMPARE(d_window->d_page_widget->Page_Ids(), QList<int>({2}));
+}
+
+void TestEditing::the_document_actions_are_off_while_pages_go()
+{
+    Show_New_Page();
+    Add_Page_With(Support::Picture(20, 20));
+    QList<bool> enabled_meanwhile;
+    connect(d_window->d_page_widget, &TPageWidget::Selection_Changed, this,
+            [&] { enabled_meanwhile = Enabled_Actions(); });
+    QCOMPARE(Support::Run_Answering([this] { d_window->Remove_Pages({1}); },
+                                    {Support::Press(QMessageBox::Yes)}),
+             QString());
+    QCOMPARE(enabled_meanwhile, QList<bool>({false, false, false, false}));
+    QCOMPARE(Enabled_Actions(), QList<bool>({true, true, true, true}));
 }
 
 void TestEditing::showing_a_page_fills_list_and_view()

@@ -7,7 +7,9 @@
 #include <QDir>
 #include <QFile>
 #include <QPainter>
+#include <QThreadPool>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -68,6 +70,22 @@ QString Difference(const QImage& actual, const QImage& expected)
     return QString();
 }
 
+QString Byte_Difference(const QByteArray& actual, const QByteArray& expected)
+{
+    if (actual == expected)
+        return QString();
+    const auto places =
+        std::mismatch(actual.cbegin(), actual.cend(), expected.cbegin(), expected.cend());
+    const int place = static_cast<int>(places.first - actual.cbegin());
+    constexpr int shown = 48;
+    return QStringLiteral("byte %1 of %2 instead of %3: %4 instead of %5")
+        .arg(place)
+        .arg(actual.size())
+        .arg(expected.size())
+        .arg(QString::fromLatin1(actual.mid(place, shown)),
+             QString::fromLatin1(expected.mid(place, shown)));
+}
+
 namespace {
 
 /// Reads a descriptor to its end or until the time is up; tells whether the end was reached.
@@ -96,6 +114,9 @@ TChildResult Run_In_Child(const std::function<int()>& function, int seconds)
     int ends[2];
     if (pipe(ends) != 0)
         return result;
+    // A child has none of the threads that the toolkit keeps for large images, but would wait for
+    // them to do their part; this sends them away.
+    QThreadPool::globalInstance()->waitForDone();
     const pid_t child = fork();
     if (child == 0) {
         close(ends[0]);

@@ -20,6 +20,9 @@ QByteArray Png(const QImage& image);
 /// pixel that differs with both its colours. Formats are not compared.
 QString Difference(const QImage& actual, const QImage& expected);
 
+/// Empty when both are equal; otherwise the place where they part and what follows there.
+QString Byte_Difference(const QByteArray& actual, const QByteArray& expected);
+
 /// What became of a function that was run in a child process.
 struct TChildResult
 {

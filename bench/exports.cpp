@@ -1,0 +1,189 @@
+// Exports, against the codec, the scaling and the printer alone.
+
+#include "bench/documents.h"
+#include "bench/measure.h"
+#include "src/displaywidget.h"
+#include "src/pagewidget.h"
+#include "src/quillet.h"
+#include "src/reportgeometry.h"
+#include "src/reportpainter.h"
+
+#include <QDir>
+#include <QGraphicsPixmapItem>
+#include <QPainter>
+#include <QPrinter>
+
+#include <memory>
+
+namespace {
+
+using Bench::TGrain;
+
+constexpr int pages = 10;
+constexpr int labels = 100;
+constexpr int resolution_code = 2;
+
+const QString& Document()
+{
+    static const QString path = Bench::Document_File(
+        QStringLiteral("export.quillet"), Bench::Shape(pages, labels, TGrain::Noisy, pages));
+    return path;
+}
+
+void Require(bool succeeded)
+{
+    if (!succeeded)
+        qFatal("an export failed");
+}
+
+/// An empty folder for exported files.
+QString Fresh_Folder()
+{
+    QDir folder(Bench::Output_Path(QStringLiteral("exported")));
+    folder.removeRecursively();
+    QDir().mkpath(folder.path());
+    return folder.path();
+}
+
+/// A window that has just opened the document.
+std::unique_ptr<TQuillet> New_Window()
+{
+    auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    window->show();
+    Require(window->Load_Data(Document()));
+    Bench::Let_Paint();
+    return window;
+}
+
+QList<int> Page_Ids(const TQuillet& window)
+{
+    return window.findChild<TPageWidget*>()->Page_Ids();
+}
+
+/// Hands on the finished picture of every page, one after the other.
+template <typename TUse>
+void For_Each_Picture(const TUse& use)
+{
+    const std::unique_ptr<TQuillet> window = New_Window();
+    auto* const page_widget = window->findChild<TPageWidget*>();
+    auto* const view = window->findChild<TDisplayWidget*>();
+    const QList<int> page_ids = page_widget->Page_Ids();
+    for (const int page_id : page_ids) {
+        page_widget->Set_Active_Page(page_id);
+        use(view);
+    }
+}
+
+void export_images(benchmark::State& state)
+{
+    std::unique_ptr<TQuillet> window;
+    QString folder;
+    Bench::Measure(
+        &state,
+        [&] {
+            window = New_Window();
+            folder = Fresh_Folder();
+        },
+        [&] { Require(window->Export_Images(folder, Page_Ids(*window))); });
+}
+BENCH_SLOW(export_images);
+
+void save_pictures(benchmark::State& state)
+{
+    std::vector<QImage> pictures;
+    For_Each_Picture([&](TDisplayWidget* view) { pictures.push_back(view->Pixmap().toImage()); });
+    QString folder;
+    Bench::Measure(
+        &state, [&] { folder = Fresh_Folder(); },
+        [&] {
+            int number = 0;
+            for (const QImage& picture : pictures)
+                Require(picture.save(QStringLiteral("%1/%2.png").arg(folder).arg(++number)));
+        });
+}
+BENCH_SLOW(save_pictures);
+
+/// What an export of a document that was just opened needs besides: its pages' pixels.
+void decode_pages(benchmark::State& state)
+{
+    Bench::Measure(
+        &state, [] {},
+        [] {
+            for (int page = 0; page < pages; ++page)
+                Require(
+                    !QImage(Bench::Page_File(page, TGrain::Noisy, QStringLiteral("png"))).isNull());
+        });
+}
+BENCH_SLOW(decode_pages);
+
+void export_pdf(benchmark::State& state)
+{
+    std::unique_ptr<TQuillet> window;
+    QString folder;
+    Bench::Measure(
+        &state,
+        [&] {
+            window = New_Window();
+            folder = Fresh_Folder();
+        },
+        [&] {
+            Require(window->Export_PDF(folder + QStringLiteral("/report.pdf"), Page_Ids(*window),
+                                       {0, resolution_code, QString(), QString()}));
+        });
+}
+BENCH_SLOW(export_pdf);
+
+/// The pages as scenes that stand ready: a page image and its labels.
+std::vector<std::unique_ptr<QGraphicsScene>> Finished_Scenes()
+{
+    std::vector<std::unique_ptr<QGraphicsScene>> scenes;
+    For_Each_Picture([&](const TDisplayWidget* view) {
+        auto scene = std::make_unique<QGraphicsScene>();
+        const QList<QGraphicsItem*> items = view->scene()->items(Qt::AscendingOrder);
+        for (const QGraphicsItem* const item : items) {
+            const auto* const source = qgraphicsitem_cast<const QGraphicsPixmapItem*>(item);
+            QGraphicsPixmapItem* const copy = scene->addPixmap(source->pixmap());
+            copy->setPos(source->pos());
+            copy->setTransformationMode(source->transformationMode());
+        }
+        scenes.push_back(std::move(scene));
+    });
+    return scenes;
+}
+
+QPixmap Render(QGraphicsScene* scene)
+{
+    const QRectF box = scene->itemsBoundingRect();
+    QPixmap picture(static_cast<int>(box.width()), static_cast<int>(box.height()));
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    scene->render(&painter, picture.rect(), box, Qt::KeepAspectRatio);
+    return picture;
+}
+
+void print_pictures(benchmark::State& state)
+{
+    const std::vector<std::unique_ptr<QGraphicsScene>> scenes = Finished_Scenes();
+    QString folder;
+    Bench::Measure(
+        &state, [&] { folder = Fresh_Folder(); },
+        [&] {
+            QPrinter printer(QPrinter::HighResolution);
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(folder + QStringLiteral("/plain.pdf"));
+            printer.setPageMargins(QMarginsF(), QPageLayout::Millimeter);
+            printer.setResolution(TReportGeometry::Resolution(resolution_code));
+            QPainter painter(&printer);
+            TReportPainter report(&painter, resolution_code, QString(), QString(),
+                                  printer.pageLayout().paintRectPixels(printer.resolution()));
+            int number = 0;
+            for (const auto& scene : scenes) {
+                if (number > 0)
+                    printer.newPage();
+                report.Draw_Page(Render(scene.get()), ++number);
+            }
+        });
+}
+BENCH_SLOW(print_pictures);
+
+} // namespace

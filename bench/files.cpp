@@ -1,0 +1,172 @@
+// Saving, opening and importing, against the codecs and the disk alone.
+
+#include "bench/documents.h"
+#include "bench/measure.h"
+#include "src/quillet.h"
+
+#include <QBuffer>
+#include <QFile>
+
+namespace {
+
+using Bench::TGrain;
+
+constexpr int imported_pages = 10;
+
+QString Hundred_Pages()
+{
+    static const QString path = Bench::Document_File(QStringLiteral("save.quillet"),
+                                                     Bench::Shape(100, 20, TGrain::Clean, 8));
+    return path;
+}
+
+QString Five_Hundred_Pages()
+{
+    static const QString path = Bench::Document_File(QStringLiteral("open.quillet"),
+                                                     Bench::Shape(500, 20, TGrain::Clean, 8));
+    return path;
+}
+
+QString Jpeg(int number)
+{
+    return Bench::Page_File(number, TGrain::Noisy, QStringLiteral("jpg"));
+}
+
+/// A path at which there is no file, as for a document that is saved for the first time: what the
+/// copy of the version before costs is measured elsewhere.
+QString Fresh_Path()
+{
+    const QString path = Bench::Output_Path(QStringLiteral("written.quillet"));
+    QFile::remove(path);
+    return path;
+}
+
+void Write_Plain(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+void Require(bool succeeded)
+{
+    if (!succeeded)
+        qFatal("a file operation failed");
+}
+
+void save_unchanged(benchmark::State& state)
+{
+    TQuillet window(nullptr, Qt::WindowFlags());
+    Require(window.Load_Data(Hundred_Pages()));
+    QString path;
+    Bench::Measure(
+        &state, [&] { path = Fresh_Path(); }, [&] { Require(window.Save_Data(path)); });
+}
+BENCH_SLOW(save_unchanged);
+
+void plain_write(benchmark::State& state)
+{
+    const QByteArray bytes = Bench::Read_File(Hundred_Pages());
+    QString path;
+    Bench::Measure(
+        &state, [&] { path = Fresh_Path(); }, [&] { Write_Plain(path, bytes); });
+}
+BENCH_SLOW(plain_write);
+
+void save_imported(benchmark::State& state)
+{
+    std::unique_ptr<TQuillet> window;
+    QString path;
+    Bench::Measure(
+        &state,
+        [&] {
+            window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+            for (int page = 0; page < imported_pages; ++page)
+                window->Load_Image(Jpeg(page));
+            path = Fresh_Path();
+        },
+        [&] { Require(window->Save_Data(path)); });
+}
+BENCH_SLOW(save_imported);
+
+void encode_alone(benchmark::State& state)
+{
+    std::vector<QImage> images;
+    for (int page = 0; page < imported_pages; ++page)
+        images.emplace_back(Jpeg(page));
+    Bench::Measure(
+        &state, [] {},
+        [&] {
+            for (const QImage& image : images) {
+                QBuffer buffer;
+                buffer.open(QIODevice::WriteOnly);
+                Require(image.save(&buffer, "PNG"));
+            }
+        });
+}
+BENCH_SLOW(encode_alone);
+
+void import_jpeg(benchmark::State& state)
+{
+    std::unique_ptr<TQuillet> window;
+    Bench::Measure(
+        &state,
+        [&] {
+            window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+            window->show();
+            Bench::Let_Paint();
+            for (int page = 0; page < imported_pages; ++page)
+                Bench::Read_File(Jpeg(page));
+        },
+        [&] {
+            for (int page = 0; page < imported_pages; ++page)
+                window->Load_Image(Jpeg(page));
+            Bench::Let_Paint();
+        });
+}
+BENCH_SLOW(import_jpeg);
+
+void decode_alone(benchmark::State& state)
+{
+    Bench::Measure(
+        &state, [] {},
+        [&] {
+            for (int page = 0; page < imported_pages; ++page)
+                Require(!QImage(Jpeg(page)).isNull());
+        });
+}
+BENCH_SLOW(decode_alone);
+
+void open_document(benchmark::State& state)
+{
+    std::unique_ptr<TQuillet> window;
+    Bench::Measure(
+        &state,
+        [&] {
+            // Read once before, so that both sides find the file in memory.
+            Bench::Read_File(Five_Hundred_Pages());
+            window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+            window->show();
+            Bench::Let_Paint();
+        },
+        [&] {
+            Require(window->Load_Data(Five_Hundred_Pages()));
+            Bench::Let_Paint();
+        });
+}
+BENCH_SLOW(open_document);
+
+void read_and_decode_one(benchmark::State& state)
+{
+    const QByteArray page =
+        Bench::Read_File(Bench::Page_File(499 % 8, TGrain::Clean, QStringLiteral("png")));
+    Bench::Measure(
+        &state, [&] { Bench::Read_File(Five_Hundred_Pages()); },
+        [&] {
+            const QByteArray bytes = Bench::Read_File(Five_Hundred_Pages());
+            Require(!bytes.isEmpty() && !QImage::fromData(page).isNull());
+        });
+}
+BENCH_SLOW(read_and_decode_one);
+
+} // namespace

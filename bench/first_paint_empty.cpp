@@ -1,0 +1,20 @@
+// The least that the toolkit can show as a main window, up to its first paint; then it ends without
+// tidying up.
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QStyleFactory>
+
+#include <cstdlib>
+
+int main(int argument_count, char** arguments)
+{
+    const QApplication application(argument_count, arguments);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+
+    QMainWindow window;
+    window.resize(800, 600);
+    window.show();
+    QApplication::processEvents();
+    std::_Exit(0);
+}

@@ -1,0 +1,22 @@
+// The program, up to its first paint; then it ends without tidying up.
+
+#include "src/quillet.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QStyleFactory>
+
+#include <cstdlib>
+
+int main(int argument_count, char** arguments)
+{
+    const QApplication application(argument_count, arguments);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillet.png")));
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+
+    TQuillet window(nullptr, Qt::WindowFlags());
+    window.show();
+    QApplication::processEvents();
+    std::_Exit(0);
+}

@@ -1,0 +1,109 @@
+// What the safety net costs: saves and editing sessions with it, and the same without.
+//
+// A save without it finds no room for copies in the settings folder, and works on; a session
+// without it has none at all.
+
+#include "bench/documents.h"
+#include "bench/measure.h"
+#include "src/safetynet.h"
+#include "tests/support/window.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <memory>
+
+namespace {
+
+using Bench::TGrain;
+
+const QString& Document()
+{
+    static const QString path = Bench::Document_File(QStringLiteral("safety.quillet"),
+                                                     Bench::Shape(10, 100, TGrain::Clean, 8));
+    return path;
+}
+
+void Require(bool succeeded)
+{
+    if (!succeeded)
+        qFatal("a file operation failed");
+}
+
+/// Takes the folders in which the net keeps its copies away, or gives them back. A file in the
+/// place of a folder stops everybody, whatever rights the process has.
+void Allow_Net(bool allowed)
+{
+    for (const char* const name : {"backup", "recovery"}) {
+        const QString path = QDir::homePath() + QStringLiteral("/.quillet/") + QLatin1String(name);
+        QDir(path).removeRecursively();
+        QFile::remove(path);
+        if (!allowed)
+            Require(QFile(path).open(QIODevice::WriteOnly));
+    }
+}
+
+std::unique_ptr<TQuillet> New_Window(bool with_net)
+{
+    QDir::home().mkdir(QStringLiteral(".quillet"));
+    Allow_Net(with_net);
+    auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    window->show();
+    Require(window->Load_Data(Document()));
+    Bench::Let_Paint();
+    return window;
+}
+
+/// Saves over a file that is there already.
+void Measure_Save(benchmark::State* state, bool with_net)
+{
+    const QString path = Bench::Output_Path(QStringLiteral("saved.quillet"));
+    const std::unique_ptr<TQuillet> window = New_Window(with_net);
+    Require(window->Save_Data(path));
+    Bench::Measure(
+        state, [] {}, [&] { Require(window->Save_Data(path)); });
+}
+
+void save_with_backup(benchmark::State& state)
+{
+    Measure_Save(&state, true);
+}
+BENCH_QUICK(save_with_backup, 3);
+
+void save_without_backup(benchmark::State& state)
+{
+    Measure_Save(&state, false);
+}
+BENCH_QUICK(save_without_backup, 3);
+
+/// A user who changes a value every so often, for some seconds. What is timed is the time until all
+/// changes are made, so that copies count which the net makes between them.
+void Measure_Session(benchmark::State* state, bool with_net)
+{
+    constexpr int edits = 300'000;
+    const std::unique_ptr<TQuillet> window = New_Window(true);
+    if (!with_net)
+        window->d_safety_net.reset();
+    Bench::Measure(
+        state, [] {},
+        [&] {
+            for (int edit = 0; edit < edits; ++edit) {
+                window->Change_Item_Value(1 + edit % 100, edit);
+                Bench::Let_Paint();
+            }
+        });
+}
+
+void edit_with_recovery(benchmark::State& state)
+{
+    Measure_Session(&state, true);
+}
+BENCH_SLOW(edit_with_recovery);
+
+void edit_without_recovery(benchmark::State& state)
+{
+    Measure_Session(&state, false);
+}
+BENCH_SLOW(edit_without_recovery);
+
+} // namespace
