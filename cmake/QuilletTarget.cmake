@@ -11,8 +11,8 @@ add_library(quillet_options INTERFACE)
 target_compile_options(quillet_options INTERFACE
     -UNDEBUG
     # Assertions name a source by its path in the project, wherever the project was built.
-    -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
     -Wold-style-cast -Wcast-qual -Wextra-semi -Wnull-dereference -Wformat=2 -Wundef
     $<$<BOOL:${QUILLET_WERROR}>:-Werror>)
 # char* to QString only through a named conversion, old-style connects allowed, no foreach macro.
@@ -31,15 +31,9 @@ endif()
 # quillet_library(NAME SOURCES ... LINK ...): one layer of the program.
 function(quillet_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
-    list(TRANSFORM arg_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
-    foreach(f ${arg_SOURCES})  # SCAFFOLD
-        if(EXISTS ${f})  # SCAFFOLD
-            list(APPEND present ${f})  # SCAFFOLD
-        endif()  # SCAFFOLD
-    endforeach()  # SCAFFOLD
-    add_library(${name} STATIC ${present} ${CMAKE_SOURCE_DIR}/cmake/scaffold.cpp)
+    add_library(${name} STATIC ${arg_SOURCES})
     # Sources include each other by their path from the project's root; the layer's own folder is
     # there for a user that wants the short name.
-    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE $<BUILD_INTERFACE:quillet_options>)
 endfunction()

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int Indentation = 4; ///< blanks per level
 
-constexpr QLatin1String Version_Attribute("File_Version");
+const QLatin1String Version_Attribute("File_Version");
 
 [[noreturn]] void Throw_Data_Error(const QString& message)
 {

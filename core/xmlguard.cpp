@@ -70,11 +70,13 @@ private:
     QChar d_previous;
     QChar d_quote;
     int d_attributes = 0; ///< in the tag that is being read
+    int d_references = 0; ///< in the declarations
     int d_depth = 0;
     int d_parentheses = 0;
     int d_prefixes = 0;
     bool d_in_dtd = false;
-    bool d_reading = false; ///< the character comes from within next
+    bool d_entities_open_tags = false; ///< there is one that holds a "<"
+    bool d_reading = false;            ///< the character comes from within next
 };
 
 /// Within 16 bits; the two behind it are no characters.
@@ -153,8 +155,11 @@ void TScout::Follow_Reference(QChar character)
         d_spent += d_costs.value(general ? d_reference.mid(1) : d_reference) +
                    d_costs.size() / Entities_Per_Character;
         d_reference.clear();
-        if (d_spent > XmlGuard::Expansion_Limit)
+        // Within the declarations the reader's own search for long entities takes quadratic time.
+        if (d_spent > (d_in_dtd ? XmlGuard::Declared_Expansion_Limit : XmlGuard::Expansion_Limit))
             Refuse("entities expand too far");
+        else if (d_in_dtd && ++d_references > XmlGuard::Reference_Limit)
+            Refuse("too many references in declarations");
     }
 }
 
@@ -174,9 +179,9 @@ void TScout::Follow_Tag(QChar character)
         d_place = Quoted;
         d_quote = character;
     }
-    // An entity may hold the beginning of a tag, which does not pass through here, so with entities
-    // about anything may be an attribute.
-    const bool counts = d_place == Tag || !d_costs.isEmpty();
+    // An entity may hold the beginning of a tag, which does not pass through here, so with such
+    // entities about anything may be an attribute.
+    const bool counts = d_place == Tag || d_entities_open_tags;
     if (counts && character == QLatin1Char('=') && ++d_attributes > XmlGuard::Attribute_Limit)
         Refuse("too many attributes");
 }
@@ -249,6 +254,9 @@ bool TScout::endDTD()
 
 bool TScout::internalEntityDecl(const QString& name, const QString& value)
 {
+    // Character references and parameter entities have been replaced in the value, and a "<" that
+    // comes out of another entity is that one's.
+    d_entities_open_tags |= value.contains(QLatin1Char('<'));
     return Declare(name, Cost(name, value));
 }
 

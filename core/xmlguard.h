@@ -26,8 +26,10 @@ struct TDefect
 constexpr int Nesting_Limit = 256;            ///< elements within elements, parentheses in a DTD
 constexpr int Attribute_Limit = 256;          ///< attributes of one element
 constexpr int Prefix_Limit = 32;              ///< name-space prefixes in force at one place
-constexpr int Entity_Limit = 1024;            ///< entities declared
+constexpr int Entity_Limit = 512;             ///< entities declared
+constexpr int Reference_Limit = 4096;         ///< references within the declarations
 constexpr qint64 Expansion_Limit = 4'000'000; ///< characters that all references yield together
+constexpr qint64 Declared_Expansion_Limit = 60'000; ///< the same, within the declarations
 
 /// Whether XML can hold every character of a text: no control characters except white space, no
 /// halves of characters. Unlike the DOM's own test it allows characters beyond 16 bits.

@@ -3,10 +3,7 @@
 #include "src/safefile.h"
 
 #include <QCryptographicHash>
-#include <QFile>
 #include <QFileInfo>
-
-#include <cstdio>
 
 namespace {
 
@@ -14,7 +11,11 @@ namespace {
 QString Document_Path(const QString& document)
 {
     const QFileInfo info(document);
-    return info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
+    if (info.exists())
+        return info.canonicalFilePath();
+    // A document that has been deleted is still known by the folder in which it was.
+    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
+    return (folder.isEmpty() ? info.absolutePath() : folder) + QLatin1Char('/') + info.fileName();
 }
 
 /// Paths are longer than file names may be and hold slashes, so copies are named by a digest.
@@ -41,40 +42,39 @@ QString TBackup::Path_For(const QString& document) const
 bool TBackup::Keep(const QString& document, bool force_to_disk) const
 {
     const QFileInfo present(document);
-    if (!present.isFile() || present.size() == 0)
+    if (!present.isFile() || present.size() == 0 || !present.isWritable())
         return true;
     if (!d_folder.Prepare())
         return false;
 
     const QString name = Name_For(document);
-    const QString copy = d_folder.Copy_Path(name);
-    // The copy before is replaced only by a whole one.
-    const QString unfinished = copy + QStringLiteral(".new");
-    QFile::remove(unfinished);
-    const bool copied = QFile::copy(document, unfinished) &&
-                        QFileInfo(unfinished).size() == present.size() &&
-                        QFile::setPermissions(unfinished, QFile::ReadOwner | QFile::WriteOwner) &&
-                        (!force_to_disk || TSafeFile::Sync(unfinished));
-    const bool kept = copied && d_folder.Write_Note(name, Document_Path(document)) &&
-                      std::rename(QFile::encodeName(unfinished).constData(),
-                                  QFile::encodeName(copy).constData()) == 0;
-    if (!kept) {
-        QFile::remove(unfinished);
+    TKeptNote note;
+    // Another run that keeps the same document at this moment holds the note.
+    if (!note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Take) ||
+        !note.Write(Document_Path(document)))
         return false;
-    }
-    Bound();
+    TSafeFile copy(d_folder.Copy_Path(name), TSafeFile::TKind::Private);
+    const auto is_complete = [&present](const QString& path) {
+        return TSafeFile::Is_Complete(path, present.size(), QByteArray());
+    };
+    if (!copy.Copy_From(document) ||
+        !copy.Commit(is_complete,
+                     force_to_disk ? TSafeFile::TReach::Disk : TSafeFile::TReach::System))
+        return false;
+    Bound(name);
     return true;
 }
 
 /// Removes the oldest backups until the rest fits the limit. The newest one always stays.
-void TBackup::Bound() const
+void TBackup::Bound(const QString& newest) const
 {
-    qint64 total = 0;
-    bool newest = true;
+    qint64 total = QFileInfo(d_folder.Copy_Path(newest)).size();
     for (const TKeptFile& file : List()) {
+        const QString name = TKeptFolder::Name_Of(file.path);
+        if (name == newest)
+            continue;
         total += file.size;
-        if (total > d_limit && !newest)
-            d_folder.Remove(TKeptFolder::Name_Of(file.path));
-        newest = false;
+        if (total > d_limit)
+            d_folder.Remove(name);
     }
 }

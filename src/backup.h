@@ -16,7 +16,8 @@ public:
     explicit TBackup(const QString& folder, qint64 limit = Default_Limit);
 
     /// Copies a document's present content into the folder, in the place of the copy before; cloned
-    /// where the file system can. True also when there is nothing to keep: no such file, or empty.
+    /// where the file system can. True also when there is nothing to keep: no such file, an empty
+    /// one, or one that must not be written.
     /// @param force_to_disk  waits until the copy is on the disk.
     bool Keep(const QString& document, bool force_to_disk) const;
 
@@ -26,8 +27,11 @@ public:
     /// All backups, newest first.
     std::vector<TKeptFile> List() const { return d_folder.List(); }
 
+    /// Removes what processes that are no more have left unfinished.
+    void Clean_Up() const { d_folder.Clean_Up(); }
+
 private:
-    void Bound() const;
+    void Bound(const QString& newest) const;
 
     TKeptFolder d_folder;
     qint64 d_limit;

@@ -10,6 +10,14 @@
     assert(!(d_active_page_index < 0));                                                            \
     assert(static_cast<unsigned int>(d_active_page_index) < d_page_items.size())
 
+namespace {
+
+// On a page with this many labels at the most, a removed label's gap is closed at once: that takes
+// no longer than what the program does for a removal anyway.
+constexpr std::size_t small_page = 256;
+
+} // namespace
+
 int TData::d_next_page_id = 1;
 
 TData::TData()
@@ -168,10 +176,12 @@ bool TData::Remove_Item(int id)
     ASSERT_ACTIVE_PAGE();
     if (Find(id) < 0)
         return false;
-    // Closing the gap at once would move all labels behind it, once for every label removed.
     d_positions.remove(id);
     ++d_erased_count;
-    if (d_erased_count * 2 > d_page_items[d_active_page_index].data_items.size())
+    // Closing a gap moves all labels behind it. On a large page it waits until half of the labels
+    // are gaps, so that removing thousands one by one moves each of them a few times only.
+    const std::size_t size = d_page_items[d_active_page_index].data_items.size();
+    if (size <= small_page || d_erased_count * 2 > size)
         Settle();
     return true;
 }
@@ -238,7 +248,6 @@ void TData::Make_Active(int page_index)
         return;
     Settle();
     d_positions.clear();
-    d_has_positions = false;
     d_active_page_index = page_index;
 }
 
@@ -250,13 +259,13 @@ void TData::Build_Index() const
     int position = 0;
     for (const TDataItem& item : items)
         d_positions.insert(item.id, position++);
-    d_has_positions = true;
 }
 
 /// Place of a label in the active page's data_items, -1 for an unknown id.
 int TData::Find(int id) const
 {
-    if (!d_has_positions)
+    const std::size_t known_count = static_cast<std::size_t>(d_positions.size()) + d_erased_count;
+    if (known_count != d_page_items[d_active_page_index].data_items.size())
         Build_Index();
     return d_positions.value(id, -1);
 }
@@ -274,7 +283,7 @@ void TData::Settle() const
     };
     items.erase(std::remove_if(items.begin(), items.end(), is_erased), items.end());
     d_erased_count = 0;
-    d_has_positions = false;
+    d_positions.clear();
 }
 
 template <typename TChange>

@@ -117,9 +117,8 @@ private:
     int d_active_page_index = -1;
     static int d_next_page_id;
 
-    /// Where the labels of the active page are in its data_items; built when it is first needed.
+    /// Where the labels of the active page are in its data_items; empty until it is needed.
     mutable QHash<int, int> d_positions;
-    mutable bool d_has_positions = false;
     /// How many entries of the active page's data_items are erased but still take up room: those
     /// whose place is not the one that d_positions has for their id.
     mutable std::size_t d_erased_count = 0;

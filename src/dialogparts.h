@@ -9,7 +9,7 @@ class QPushButton;
 /// What the program's dialogs are put together from, so that they look and work alike.
 namespace DialogParts {
 
-/// A sunken line that separates parts of a dialog.
+/// A sunken line that separates parts of a dialog or of a panel.
 /// @param shape   QFrame::HLine or QFrame::VLine.
 /// @param parent  owns the line.
 QFrame* Sunken_Line(QFrame::Shape shape, QWidget* parent);

@@ -1,5 +1,7 @@
 #include "src/displaywidget.h"
 
+#include "src/parentwidget.h"
+
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
 #include <QMouseEvent>
@@ -24,6 +26,9 @@ constexpr int index_depth = 10;
 /// units. Keeps a click with an unsteady hand from moving it.
 constexpr double drag_threshold = 1.0;
 
+/// A rendered page with more pixels than this would take more than 4 GiB of memory.
+constexpr double maximum_picture_pixels = 1024.0 * 1024.0 * 1024.0;
+
 /// Rounds to the nearest integer, halves upward on both sides of zero.
 int Round_Half_Up(double number)
 {
@@ -32,10 +37,8 @@ int Round_Half_Up(double number)
 
 } // namespace
 
-// Widgets take their parent by a pointer to const; the toolkit, which enters the child into the
-// parent's list, does not.
 TDisplayWidget::TDisplayWidget(const QWidget* parent)
-    : QGraphicsView(const_cast<QWidget*>(parent))
+    : QGraphicsView(Parent_Widget(parent))
     , d_scene(new QGraphicsScene(this))
     , d_background_item(
           d_scene->addPixmap(QPixmap(QStringLiteral(":/images/background_default.png"))))
@@ -191,6 +194,9 @@ QPixmap TDisplayWidget::Pixmap()
 {
     Update_Scene_Rect();
     const QRectF scene_rect = d_scene->sceneRect();
+    // Labels come from files as well and may be anywhere, infinitely far away included.
+    if (!(scene_rect.width() * scene_rect.height() <= maximum_picture_pixels))
+        return QPixmap();
     QPixmap pixmap(static_cast<int>(scene_rect.width()), static_cast<int>(scene_rect.height()));
     pixmap.fill(Qt::white);
     QPainter painter(&pixmap);
@@ -244,13 +250,12 @@ void TDisplayWidget::mousePressEvent(QMouseEvent* event)
 
     d_mouse_buttons = event->buttons();
     const QPointF scene_point = Scene_Point(*event);
-    // A slot may run an event loop, in which the buttons can change.
-    const bool right_button = event->buttons() & Qt::RightButton;
     d_item_moved = false;
     d_pressed_item = nullptr;
-    if (d_mouse_buttons & Qt::LeftButton)
+    // Asked of the event: a slot may run an event loop, in which other buttons get pressed.
+    if (event->buttons() & Qt::LeftButton)
         Press_Item(scene_point);
-    if (right_button)
+    if (event->buttons() & Qt::RightButton)
         emit Right_Mouse_Click(scene_point);
 }
 

@@ -79,7 +79,8 @@ public:
     void Set_Selected_Items(const std::vector<int>& ids, bool center);
 
     /// The whole page at its own size with the labels as they are shown, on white. Updates the
-    /// scene rectangle, so that labels reaching past the page image are on it as a whole.
+    /// scene rectangle, so that labels reaching past the page image are on it as a whole. Null when
+    /// a label is so far away that the picture would have more than 2^30 pixels.
     QPixmap Pixmap();
 
     /// Changes the size of all labels; each stays centred where it is.

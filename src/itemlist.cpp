@@ -1,6 +1,7 @@
 #include "src/itemlist.h"
 
 #include "core/xmlfile.h"
+#include "core/xmlguard.h"
 #include "src/itemxml.h"
 
 #include <cassert>
@@ -39,6 +40,28 @@ void Write_Item(TXmlFile* xml_file, const TDataItem& item)
     Write_Child(xml_file, &node, ItemXml::Position_Name, position);
 }
 
+/// A text without the characters that XML does not know.
+QString Cleaned(const QString& text)
+{
+    QString cleaned;
+    for (int i = 0; i < text.size(); ++i) {
+        const int length = text.at(i).isHighSurrogate() ? 2 : 1;
+        const QString character = text.mid(i, length);
+        if (XmlGuard::Is_Text(character)) {
+            cleaned += character;
+            i += length - 1;
+        }
+    }
+    return cleaned;
+}
+
+TDataItem Writable(TDataItem item, ItemList::TBadText bad_text)
+{
+    if (bad_text == ItemList::TBadText::Leave_Out && !XmlGuard::Is_Text(item.text))
+        item.text = Cleaned(item.text);
+    return item;
+}
+
 TDataItem Read_Item(const TXmlFile& xml_file, const QDomElement& node)
 {
     TDataItem item;
@@ -57,13 +80,13 @@ TDataItem Read_Item(const TXmlFile& xml_file, const QDomElement& node)
 
 } // namespace
 
-QByteArray ItemList::Write(const TData& data)
+QByteArray ItemList::Write(const TData& data, TBadText bad_text)
 {
     TXmlFile xml_file;
     xml_file.Reset(ItemXml::Root_Name, Version);
     const int count = data.Item_Count();
     for (int index = 0; index < count; ++index)
-        Write_Item(&xml_file, data.Item(index));
+        Write_Item(&xml_file, Writable(data.Item(index), bad_text));
     QByteArray document;
     xml_file.Write_Data(&document, true);
     return document;

@@ -8,10 +8,15 @@
 /// docs/file-formats.md describes it.
 namespace ItemList {
 
+/// What becomes of characters that XML does not know, for example control characters.
+enum class TBadText {
+    Refuse,   ///< the document is not written
+    Leave_Out ///< the texts are written without them
+};
+
 /// The labels of the active page as compact UTF-8 XML. The selection is not stored.
-/// @throws TXmlFileException when a text cannot be written, for example because of a control
-///         character that XML does not know.
-QByteArray Write(const TData& data);
+/// @throws TXmlFileException when a text cannot be written and is to be refused.
+QByteArray Write(const TData& data, TBadText bad_text = TBadText::Refuse);
 
 /// Adds the labels of a document to the active page, unselected.
 /// @throws TXmlFileException on bad content; labels read before the fault stay added.

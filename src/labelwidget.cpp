@@ -1,6 +1,7 @@
 #include "src/labelwidget.h"
 
 #include "src/itemformat.h"
+#include "src/numbering.h"
 #include "src/panelparts.h"
 #include "src/parentwidget.h"
 #include "src/rowlist.h"
@@ -13,7 +14,6 @@
 #include <QVBoxLayout>
 
 #include <array>
-#include <limits>
 
 namespace {
 
@@ -181,9 +181,7 @@ void TLabelWidget::Set_Label_Index(int value)
 int TLabelWidget::Take_Label_Index()
 {
     const int taken = d_next_value;
-    // After the largest number there is no next one; it serves again.
-    if (taken < std::numeric_limits<int>::max())
-        ++d_next_value;
+    d_next_value = TNumbering::After(taken);
     d_label_index = d_next_value;
     return taken;
 }

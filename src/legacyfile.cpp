@@ -2,6 +2,7 @@
 
 #include "core/xmlfile.h"
 #include "src/itemxml.h"
+#include "src/labelpainter.h"
 
 #include <cassert>
 
@@ -67,13 +68,13 @@ void LegacyFile::Read_Items_V2(const TXmlFile& xml_file, std::vector<TDataItem>*
 int LegacyFile::Border_Type(int legacy_border)
 {
     switch (legacy_border) {
-    case 1: // square
-        return 1;
-    case 2: // ellipse
-        return 2;
-    case 3: // triangle
-        return 4;
+    case 1:
+        return Square_Border;
+    case 2:
+        return Ellipse_Border;
+    case 3:
+        return Triangle_Border;
     default:
-        return 0;
+        return No_Border;
     }
 }

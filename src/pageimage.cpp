@@ -119,6 +119,15 @@ QImage Decode(const QByteArray& bytes, const QByteArray& format)
     return QImageReader(&buffer, format).read();
 }
 
+/// The format that a decoder detects by the content.
+QByteArray Format_Of(const QByteArray& bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return QImageReader::imageFormat(&buffer);
+}
+
 } // namespace
 
 /// What all copies of one page image share: its bytes or its pixels, and what was found out.
@@ -135,11 +144,12 @@ struct TPageImage::TContent
 
     enum TVerdict { Not_Decoded, Decodable, Undecodable };
 
-    QImage pixels;     ///< of an image that came as pixels; null for one that came as bytes
-    QByteArray source; ///< the bytes in which the image came; may refer to owner's
-    QByteArray owner;  ///< array of which the source is a part
-    QByteArray format; ///< of the source, when its content alone does not tell
-    QByteArray png;    ///< encoded by us; empty until somebody asks for it
+    QImage pixels;            ///< of an image that came as pixels; null for one that came as bytes
+    QByteArray source;        ///< the bytes in which the image came; may refer to owner's
+    QByteArray owner;         ///< array of which the source is a part
+    QByteArray format;        ///< of the source, when its content alone does not tell
+    QByteArray png;           ///< encoded by us; empty until somebody asks for it
+    bool tells_format = true; ///< whether the source is read alike without its format
     TVerdict verdict = Not_Decoded;
     QSize size{0, 0}; ///< in pixels, known once the source turned out to be decodable
 };
@@ -221,6 +231,7 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
         return TPageImage(image);
     TPageImage result = From_Bytes(bytes);
     result.d_content->format = format;
+    result.d_content->tells_format = Format_Of(bytes) == format;
     result.d_content->Keep_Decoded(image);
     return result;
 }
@@ -263,7 +274,8 @@ QByteArray TPageImage::Png() const
 
 QByteArray TPageImage::Source_Bytes() const
 {
-    return d_content && !d_content->source.isEmpty() ? d_content->source : Png();
+    return d_content && !d_content->source.isEmpty() && d_content->tells_format ? d_content->source
+                                                                                : Png();
 }
 
 bool TPageImage::Is_Same_As(const TPageImage& other) const

@@ -55,7 +55,8 @@ public:
     /// bytes and pixels.
     QByteArray Png() const;
 
-    /// The bytes in which the image came, whatever their format; PNG for one that came as pixels.
+    /// The bytes in which the image came, whatever their format; PNG for one that came as pixels,
+    /// and for one whose format nobody could tell from its bytes alone.
     QByteArray Source_Bytes() const;
 
     /// Whether both are the same image by identity (not by comparing pixels): copies of one image,

@@ -11,6 +11,8 @@
 namespace {
 
 const QSize Panel_Size(280, 250); // pixels
+// Two rows. By itself the list would take more, and the window be too high for a small screen.
+const int Least_List_Height = 48; // pixels
 const int No_Page = -1;
 
 } // namespace
@@ -33,6 +35,7 @@ void TPageWidget::Create_Widgets()
     // The order of creation is the order in which the tabulator key visits the widgets.
     d_list = new TRowList(this);
     d_list->setAccessibleName(tr("Page List"));
+    d_list->setMinimumHeight(Least_List_Height);
     d_name_editor = new QLineEdit(this);
     d_name_editor->setAlignment(Qt::AlignCenter);
     d_name_editor->setToolTip(tr("Page Item Name"));

@@ -7,6 +7,7 @@
 #include "src/labelwidget.h"
 #include "src/messagebox.h"
 #include "src/pagewidget.h"
+#include "src/parentwidget.h"
 #include "src/safetynet.h"
 
 #include <QAction>
@@ -17,8 +18,7 @@
 #include <cmath>
 
 TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
-    // The toolkit adopts a parent by a pointer to non-const; the window never changes it otherwise.
-    : QMainWindow(const_cast<QWidget*>(parent), flags)
+    : QMainWindow(Parent_Widget(parent), flags)
 {
     resize(800, 600);
     setIconSize(QSize(32, 32));
@@ -32,6 +32,7 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     Create_Docks(view_menu);
     Create_Panels();
     Create_Central_Widget();
+    Set_Focus_Order();
     Set_Titles();
     Restore_Settings();
     d_display_click = false;
@@ -103,10 +104,14 @@ void TQuillet::Show_Progress(const QString& text)
 
 void TQuillet::Update_Document_Actions()
 {
-    const bool has_pages = d_data.Page_Count() > 0;
+    Enable_Document_Actions(d_data.Page_Count() > 0);
+}
+
+void TQuillet::Enable_Document_Actions(bool enable)
+{
     for (QAction* action :
          {d_action_export_pdf, d_action_export_images, d_action_reindex, d_action_save})
-        action->setEnabled(has_pages);
+        action->setEnabled(enable);
 }
 
 void TQuillet::Set_Working_File(const QString& path)

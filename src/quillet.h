@@ -59,6 +59,9 @@ public:
     TQuillet(const QWidget* parent, Qt::WindowFlags flags);
     ~TQuillet() override;
 
+    /// Shows or hides the window; docks that float come to lie above it.
+    void setVisible(bool visible) override;
+
     /// Makes a page of an image file, or fills the active page if that is an empty one. A file that
     /// is no image is passed over in silence.
     void Load_Image(const QString& path);
@@ -132,6 +135,7 @@ private:
     void Create_Docks(QMenu* view_menu);
     void Create_Panels();
     void Create_Central_Widget();
+    void Set_Focus_Order();
     void Set_Titles();
     void Restore_Settings();
     void Restore_Docks();
@@ -163,6 +167,7 @@ private:
     // The document and what follows from it.
     void Mark_Changed();
     void Update_Document_Actions();
+    void Enable_Document_Actions(bool enable);
     void Set_Working_File(const QString& path);
     void Show_No_Page();
     void Fill_View(TLabelWidget* list);
@@ -182,7 +187,10 @@ private:
     bool Fail(const QString& reason);
     TReportHeaderDialog* Header_Dialog();
     void Open_File(const QString& name);
-    QString Write_Project(TProjectWriter* writer, TProjectWriter::TImageBytes image_bytes);
+    bool Load_Quietly(const std::function<bool()>& load);
+    /// What a document is written for.
+    enum class TPurpose { Save, Recovery_Copy };
+    QString Write_Project(TProjectWriter* writer, TPurpose purpose);
     bool Read_Appearance(TProjectReader* reader);
     bool Read_Pages(TProjectReader* reader);
     bool Read_Page(TProjectReader* reader, int* page_id);
@@ -223,6 +231,8 @@ private:
     QString d_error_text;        ///< why the last file operation failed
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
-    bool d_filling_view = false;              ///< the view is being rebuilt from the document
-    QStringList d_known_page_names; ///< page ids and names when the safety net last looked
+    bool d_filling_view = false;     ///< the view is being rebuilt from the document or a file
+    bool d_has_new_document = false; ///< the last file operation replaced the document
+    QLabel* d_kept_notice = nullptr; ///< tells of kept work; null when there was none
+    QStringList d_known_page_names;  ///< page ids and names when the safety net last looked
 };

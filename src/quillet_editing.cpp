@@ -61,6 +61,10 @@ void TQuillet::Remove_Item()
     const std::vector<int> ids = d_label_widget->Selected_Items();
     if (ids.empty() || !Confirm(tr("Remove Labels"), tr("Labels will be deleted.  Are you sure?")))
         return;
+    // Each removal of a selected label is a change of the selection, which everybody looks at as a
+    // whole. With the last one alone selected all end up as they would have, without the walks.
+    if (ids.size() > 1)
+        d_label_widget->Set_Selection(ids.back());
     for (const int id : ids) {
         d_display_widget->Remove_Item(id);
         d_data.Remove_Item(id);

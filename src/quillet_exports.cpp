@@ -29,12 +29,6 @@ bool Save_Png(const QPixmap& picture, const QString& path)
     return picture.save(&buffer, "png") && bytes.endsWith(end) && TSafeFile::Replace(path, bytes);
 }
 
-/// Whether a PDF file was written to its end.
-bool Is_Whole_Pdf(const QString& path)
-{
-    return TSafeFile::Is_Complete(path, -1, "%%EOF\n");
-}
-
 /// The page as the printer sees it, in device pixels.
 QRect Page_Rectangle(const QPrinter& printer)
 {
@@ -122,6 +116,9 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
 {
     if (pages.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
         return false;
+    // Without a file name the toolkit would print on paper.
+    if (file.isEmpty())
+        return false;
     TSafeFile target(file);
     QPrinter printer(QPrinter::HighResolution);
     printer.setPageOrientation(settings.orientation == 0 ? QPageLayout::Portrait
@@ -147,7 +144,7 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
     });
     painter.end();
     // A report that did not reach the disk whole is left out in silence.
-    target.Commit(Is_Whole_Pdf);
+    target.Commit(TSafeFile::Is_Complete_Pdf);
     return true;
 }
 

@@ -16,6 +16,7 @@
 
 #include <QFile>
 #include <QFileDialog>
+#include <QScopedValueRollback>
 
 void TQuillet::File_Open()
 {
@@ -33,25 +34,38 @@ void TQuillet::File_Open()
 void TQuillet::Open_File(const QString& name)
 {
     const bool gave_up = d_data_changed;
+    d_has_new_document = false;
+    bool loaded = false;
+    QString informative_text = tr("The Quillet file cannot be loaded");
     const QString legacy_suffix = QStringLiteral(".qld");
     if (name.endsWith(legacy_suffix, Qt::CaseInsensitive)) {
         const QString base_name = name.left(name.size() - legacy_suffix.size());
-        if (!Load_Legacy_Data(base_name))
-            Show_File_Error(tr("Error Loading Data"),
-                            tr("The legacy Quillet file cannot be loaded"));
+        informative_text = tr("The legacy Quillet file cannot be loaded");
+        loaded = Load_Quietly([&] { return Load_Legacy_Data(base_name); });
         // A legacy file is never overwritten: the next Save asks for a name.
         d_file_name.clear();
         Set_Working_File(base_name);
     } else {
-        if (!Load_Data(name))
-            Show_File_Error(tr("Error Loading Data"), tr("The Quillet file cannot be loaded"));
+        loaded = Load_Quietly([&] { return Load_Data(name); });
         d_file_name = name;
         Set_Working_File(name);
     }
+    // Only now: a file that stops the program does not take the old work with it. One that is
+    // refused at once leaves the old document where it was.
+    if (d_has_new_document)
+        Leave_Work(gave_up);
+    if (loaded)
+        d_safety_net->Note_Opened(name);
+    else
+        Show_File_Error(tr("Error Loading Data"), informative_text);
     d_data_changed = false;
-    // Only now: a file that stops the program does not take the old work with it.
-    Leave_Work(gave_up);
-    d_safety_net->Note_Opened(name);
+}
+
+/// Loads while the safety net is not told of changes: those are not the user's.
+bool TQuillet::Load_Quietly(const std::function<bool()>& load)
+{
+    const QScopedValueRollback<bool> filling(d_filling_view, true);
+    return load();
 }
 
 void TQuillet::File_Save()
@@ -105,6 +119,8 @@ bool TQuillet::Save_Data(const QString& file_name)
     if (!saved)
         d_safety_net->Keep_Unsaved(file_name);
     Remember_Page_Names();
+    // It may have been the kept work that was saved.
+    Announce_Kept_Work();
     return saved;
 }
 
@@ -113,7 +129,7 @@ bool TQuillet::Write_Data(const QString& file_name)
     // The whole document is built before the file is touched: what takes long or is refused leaves
     // the old file as it is.
     TProjectWriter writer;
-    const QString fault = Write_Project(&writer, TProjectWriter::TImageBytes::As_Png);
+    const QString fault = Write_Project(&writer, TPurpose::Save);
     if (writer.Size() > TProjectWriter::Maximum_Size)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
@@ -131,8 +147,11 @@ bool TQuillet::Write_Data(const QString& file_name)
 
 /// Puts the document into a writer. Returns why a page's labels could not be written; empty when
 /// all went well.
-QString TQuillet::Write_Project(TProjectWriter* writer, TProjectWriter::TImageBytes image_bytes)
+QString TQuillet::Write_Project(TProjectWriter* writer, TPurpose purpose)
 {
+    const bool is_copy = purpose == TPurpose::Recovery_Copy;
+    const TProjectWriter::TImageBytes image_bytes =
+        is_copy ? TProjectWriter::TImageBytes::As_They_Came : TProjectWriter::TImageBytes::As_Png;
     writer->Write_Integer(d_settings_widget->Label_Size());
     writer->Write_Text(d_settings_widget->Label_Color().name());
     writer->Write_Text(d_header_dialog ? d_header_dialog->Header1_Text() : QString());
@@ -147,7 +166,9 @@ QString TQuillet::Write_Project(TProjectWriter* writer, TProjectWriter::TImageBy
             writer->Write_Text(d_page_widget->Page_Name(page_id));
             d_data.Set_Active_Page(page_id);
             writer->Write_Image(d_data.Page_Content(), image_bytes);
-            writer->Write_Bytes(Write_Items());
+            // Better a text without a character than no copy.
+            writer->Write_Bytes(is_copy ? ItemList::Write(d_data, ItemList::TBadText::Leave_Out)
+                                        : Write_Items());
         }
     } catch (const TXmlFileException& exception) {
         fault = exception.Message();
@@ -168,6 +189,7 @@ bool TQuillet::Load_Data(const QString& file_name)
     if (!reader.Read_Magic() || !Read_Appearance(&reader))
         return Fail(tr("Invalid file."));
 
+    d_has_new_document = true;
     d_data.Clear();
     d_page_widget->Clear();
     try {
@@ -218,13 +240,12 @@ bool TQuillet::Read_Page(TProjectReader* reader, int* page_id)
 {
     const QString name = reader->Read_Text();
     const TPageImage image = reader->Read_Image();
+    const QByteArray items = reader->Read_Bytes();
+    // A page that is in the document has to be in the page list too: both are saved together.
     if (!reader->Is_Valid())
         return false;
     *page_id = d_data.Add_Page(image);
     d_data.Set_Active_Page(*page_id);
-    const QByteArray items = reader->Read_Bytes();
-    if (!reader->Is_Valid())
-        return false;
     d_page_widget->Add_Page(*page_id);
     d_page_widget->Set_Page_Name(*page_id, name);
     Read_Items(items);

@@ -3,6 +3,7 @@
 
 #include "src/quillet.h"
 
+#include "src/itemxml.h"
 #include "src/labelwidget.h"
 #include "src/legacyfile.h"
 #include "src/numbering.h"
@@ -24,7 +25,7 @@ bool TQuillet::Load_Legacy_Data(const QString& base_name)
         TXmlFile xml_file;
         xml_file.d_file_path = base_name + QStringLiteral(".qld");
         int version = 0;
-        xml_file.Open(QStringLiteral("Quillet_Data"), &version, true);
+        xml_file.Open(ItemXml::Root_Name, &version, true);
         if (version == 1)
             Load_Legacy_V1(&xml_file, &items);
         else if (version == 2)
@@ -59,6 +60,7 @@ void TQuillet::Read_Legacy_Appearance(const TXmlFile& xml_file)
 /// Makes a document of one page.
 void TQuillet::Set_Legacy_Page(const TPageImage& image, const std::vector<TDataItem>& items)
 {
+    d_has_new_document = true;
     d_data.Clear();
     d_page_widget->Clear();
     const int page_id = d_data.Add_Page(image);

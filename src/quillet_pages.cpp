@@ -19,7 +19,7 @@ void TQuillet::File_New()
     d_label_widget->Clear();
     d_display_widget->Clear();
     Show_No_Page();
-    Update_Document_Actions();
+    Enable_Document_Actions(false);
     d_file_name.clear();
     d_data_changed = false;
     Remember_Page_Names();
@@ -68,6 +68,7 @@ void TQuillet::Remove_Pages(const QList<int>& pages)
 {
     if (Confirm(tr("Remove Pages"),
                 tr("All page associated labels will be deleted.  Are you sure?"))) {
+        Enable_Document_Actions(false);
         d_label_widget->Clear();
         d_display_widget->Clear();
         Show_No_Page();

@@ -7,6 +7,7 @@
 #include "src/safetynet.h"
 
 #include <QEvent>
+#include <QFile>
 #include <QFileInfo>
 #include <QLabel>
 #include <QSettings>
@@ -16,27 +17,38 @@ void TQuillet::Spread_Safety_Net()
 {
     const QString settings_folder = QFileInfo(d_settings->fileName()).absolutePath();
     d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this](TProjectWriter* writer) {
-        Write_Project(writer, TProjectWriter::TImageBytes::As_They_Came);
+        Write_Project(writer, TPurpose::Recovery_Copy);
     });
     Announce_Kept_Work();
 }
 
 /// Tells of copies that a run which ended badly has left: in the status bar, where nobody is
-/// interrupted, for as long as the window lives.
+/// interrupted, for as long as they are there.
 void TQuillet::Announce_Kept_Work()
 {
-    const std::vector<TKeptFile>& found = d_safety_net->Found();
-    if (found.empty())
+    QStringList paths;
+    for (const TKeptFile& file : d_safety_net->Found()) {
+        if (QFile::exists(file.path))
+            paths += file.path;
+    }
+    if (paths.isEmpty()) {
+        if (d_kept_notice)
+            d_kept_notice->hide();
         return;
-    const QString path = found.front().path;
-    auto* notice = new QLabel(tr("Unsaved work was kept in %1").arg(path), this);
-    notice->setToolTip(tr("The program ended before this work was saved. Open this file to get it "
-                          "back:\n%1")
-                           .arg(path));
-    notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    // A long path is cut off rather than making the window wider; the tool tip has all of it.
-    notice->setMinimumWidth(1);
-    statusBar()->addWidget(notice, 1);
+    }
+    if (!d_kept_notice) {
+        d_kept_notice = new QLabel(this);
+        d_kept_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        // A path is shown as it is written, whatever characters it has.
+        d_kept_notice->setTextFormat(Qt::PlainText);
+        // A long one is cut off rather than making the window wider; the tool tip has all of it.
+        d_kept_notice->setMinimumWidth(1);
+        statusBar()->addWidget(d_kept_notice, 1);
+    }
+    d_kept_notice->setText(tr("Unsaved work was kept in %1").arg(paths.first()));
+    d_kept_notice->setToolTip(tr("The program ended before this work was saved. Open this file to "
+                                 "get it back:\n%1")
+                                  .arg(paths.join(QLatin1Char('\n'))));
 }
 
 void TQuillet::Mark_Changed()

@@ -28,6 +28,15 @@ TValue Read_Setting(const QSettings& settings, const char* key, const TValue& de
     return value.convert(qMetaTypeId<TValue>()) ? value.value<TValue>() : default_value;
 }
 
+/// QVariant cuts numbers that are too large for an integer.
+template <>
+int Read_Setting(const QSettings& settings, const char* key, const int& default_value)
+{
+    bool is_integer = false;
+    const int value = settings.value(QString::fromLatin1(key)).toString().toInt(&is_integer);
+    return is_integer ? value : default_value;
+}
+
 /// For QVariant every text but a few is true; in the settings file only a written truth value is.
 template <>
 bool Read_Setting(const QSettings& settings, const char* key, const bool& default_value)
@@ -74,7 +83,10 @@ void TQuillet::Restore_Settings()
     constexpr int default_label_size = 32;
     const int label_size = Read_Setting(settings, "Label_Size", default_label_size);
     d_settings_widget->Set_Label_Size(label_size);
-    Label_Size_Changed(label_size);
+    // The view draws whatever size it is told, so it must be one that a picture can have.
+    constexpr int least_view_size = 2;
+    constexpr int largest_view_size = 2048;
+    Label_Size_Changed(qBound(least_view_size, label_size, largest_view_size));
 
     d_settings_widget->Set_Display_Format(
         Read_Setting(settings, "Item_Display_Format", QStringLiteral("Item[%1]")));
@@ -91,6 +103,8 @@ void TQuillet::Restore_Docks()
     d_label_dock->setVisible(Read_Setting(settings, "Label_Visible", true));
     d_settings_dock->setVisible(Read_Setting(settings, "Settings_Visible", true));
     d_page_dock->setVisible(Read_Setting(settings, "Page_Visible", true));
+    // A dock that floats shows itself at once, and asks then which window it belongs to.
+    create();
     d_label_dock->setFloating(Read_Setting(settings, "Label_Floating", false));
     d_settings_dock->setFloating(Read_Setting(settings, "Settings_Floating", false));
     d_page_dock->setFloating(Read_Setting(settings, "Page_Floating", false));
@@ -105,16 +119,28 @@ void TQuillet::Restore_Docks()
     Narrow_Docks();
 }
 
+void TQuillet::setVisible(bool visible)
+{
+    QMainWindow::setVisible(visible);
+    // Floating docks came up before this window did, which the window manager put above them.
+    for (QDockWidget* dock : {d_label_dock, d_settings_dock, d_page_dock}) {
+        if (visible && dock->isFloating())
+            dock->raise();
+    }
+}
+
 void TQuillet::Narrow_Docks()
 {
     // The page is what people look at: whatever widths the panels would like best, the docks start
-    // with what they need and share evenly what is left beside the page's part of the window.
+    // with what they need, and what is left beside the page's part of the window goes to their
+    // captions, until these stand in one line.
     constexpr double page_part = 0.48;
+    constexpr int caption_room = 64; // pixels
     const int left = d_label_dock->minimumSizeHint().width();
     const int right =
         qMax(d_page_dock->minimumSizeHint().width(), d_settings_dock->minimumSizeHint().width());
     const int spare = static_cast<int>(width() * (1.0 - page_part)) - left - right;
-    const int extra = qMax(0, spare / 2);
+    const int extra = qBound(0, spare / 2, caption_room);
     resizeDocks({d_label_dock, d_page_dock}, {left + extra, right + extra}, Qt::Horizontal);
 }
 
@@ -177,6 +203,9 @@ void TQuillet::Label_Size_Changed(int size)
 void TQuillet::Color_Changed(QColor color)
 {
     d_display_widget->Set_Label_Color(color);
+    // The colour does not make a document count as changed, yet it is part of one.
+    if (d_data.Page_Count() > 0)
+        Note_Work();
 }
 
 void TQuillet::Item_Display_Format_Changed(const QString& format)

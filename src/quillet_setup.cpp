@@ -20,6 +20,8 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace {
 
 /// Adds actions to a menu or a tool bar; a null pointer stands for a separator.
@@ -109,10 +111,9 @@ void TQuillet::Create_Status_Bar()
 
     auto* layout = new QHBoxLayout(zoom);
     layout->setContentsMargins(0, 0, 0, 0);
-    for (QWidget* widget :
-         {static_cast<QWidget*>(zoom_caption), static_cast<QWidget*>(d_zoom_slider),
-          static_cast<QWidget*>(d_zoom_label)})
-        layout->addWidget(widget);
+    layout->addWidget(zoom_caption);
+    layout->addWidget(d_zoom_slider);
+    layout->addWidget(d_zoom_label);
 
     setStatusBar(new QStatusBar(this));
     statusBar()->addPermanentWidget(zoom);
@@ -167,8 +168,31 @@ void TQuillet::Create_Central_Widget()
         new QLabel(tr("Quillet is made by The Quillet Project - www.quillet.example"), central);
     notice->setFont(QFont(QStringLiteral("Helvetica"), notice_points, QFont::Normal, true));
     notice->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    // In one line it would keep the page, and with it the window, from fitting on a small screen.
+    notice->setWordWrap(true);
     layout->addWidget(notice);
     setCentralWidget(central);
+}
+
+void TQuillet::Set_Focus_Order()
+{
+    // Page, labels, pages, settings, zoom. The panels bring their own order, but being put into the
+    // docks mixes them up.
+    QList<QWidget*> order = {d_display_widget};
+    for (const QWidget* panel :
+         {static_cast<QWidget*>(d_label_widget), static_cast<QWidget*>(d_page_widget),
+          static_cast<QWidget*>(d_settings_widget)})
+        order += panel->findChildren<QWidget*>();
+    order += d_zoom_slider;
+
+    QWidget* last = d_display_widget;
+    for (QWidget* widget : std::as_const(order)) {
+        if (!(widget->focusPolicy() & Qt::TabFocus) || widget->window() != this)
+            continue;
+        setTabOrder(last, widget);
+        last = widget;
+    }
+    d_display_widget->setFocus();
 }
 
 void TQuillet::Set_Titles()

@@ -7,19 +7,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
-namespace {
-
-int Open_File(const QString& path, int flags)
-{
-    return open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
-}
-
-} // namespace
-
 bool TCopyPolicy::Is_Due(qint64 now) const
 {
     return !d_has_copy || now - d_end >= Rest_Factor * d_duration;
@@ -45,10 +32,13 @@ TRecovery::~TRecovery()
 
 void TRecovery::Release()
 {
-    if (d_lock >= 0)
-        close(d_lock);
-    d_lock = -1;
+    // A name without a copy is of no use to anybody.
+    if (!d_name.isEmpty() && !d_has_copy)
+        d_folder.Remove(d_name);
+    d_note.Close();
     d_name.clear();
+    d_document.clear();
+    d_has_copy = false;
 }
 
 QString TRecovery::Path() const
@@ -58,47 +48,50 @@ QString TRecovery::Path() const
 
 bool TRecovery::Write(const TProjectWriter& project, const QString& document)
 {
-    if (!d_folder.Prepare() || (!Has_Copy() && !Claim_Name(document)))
+    if (!Is_Possible() || (d_name.isEmpty() && !Claim_Name()))
         return false;
     // The document may have got a name since the first copy.
-    d_folder.Write_Note(d_name, document);
+    if (document != d_document && d_note.Write(document))
+        d_document = document;
 
-    TSafeFile copy(Path());
-    copy.Set_Private();
+    TSafeFile copy(d_folder.Copy_Path(d_name), TSafeFile::TKind::Private);
     QFile file(copy.Path_To_Write());
-    if (!file.open(QIODevice::WriteOnly) || !project.Write_To(&file) || !file.flush())
+    if (!copy.Is_Beside() || !file.open(QIODevice::WriteOnly) || !project.Write_To(&file) ||
+        !file.flush())
         return false;
     file.close();
-    return copy.Commit([&project](const QString& path) {
+    const bool written = copy.Commit([&project](const QString& path) {
         return TSafeFile::Is_Complete(path, project.Size(), QByteArray());
     });
+    d_has_copy = d_has_copy || written;
+    return written;
 }
 
 /// Takes a name that no run ever had and locks its note, before there is a copy of that name.
-bool TRecovery::Claim_Name(const QString& document)
+bool TRecovery::Claim_Name()
 {
-    const QString name =
+    const QString base =
         QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-hhmmsszzz-")) +
         QString::number(QCoreApplication::applicationPid());
-    if (!d_folder.Write_Note(name, document))
-        return false;
-    const int lock = Open_File(d_folder.Note_Path(name), O_RDONLY);
-    if (lock < 0)
-        return false;
-    if (flock(lock, LOCK_EX | LOCK_NB) != 0) {
-        close(lock);
-        return false;
+    // Process numbers repeat where several machines or containers share a home folder.
+    constexpr int attempts = 100;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const QString name =
+            attempt == 0 ? base : base + QLatin1Char('-') + QString::number(attempt);
+        if (QFile::exists(d_folder.Copy_Path(name)) ||
+            !d_note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Refuse))
+            continue;
+        d_name = name;
+        return true;
     }
-    d_lock = lock;
-    d_name = name;
-    return true;
+    return false;
 }
 
 void TRecovery::Discard()
 {
-    if (!Has_Copy())
-        return;
-    d_folder.Remove(d_name);
+    if (d_has_copy)
+        d_folder.Remove(d_name);
+    d_has_copy = false;
     Release();
 }
 
@@ -115,14 +108,7 @@ std::vector<TKeptFile> TRecovery::Abandoned() const
 bool TRecovery::Is_Abandoned(const TKeptFile& file) const
 {
     const QString name = TKeptFolder::Name_Of(file.path);
-    if (name == d_name)
-        return false;
-    const int note = Open_File(d_folder.Note_Path(name), O_RDONLY);
-    if (note < 0)
-        return true;
-    const bool is_free = flock(note, LOCK_SH | LOCK_NB) == 0;
-    close(note);
-    return is_free;
+    return name != d_name && TKeptFolder::Is_Free(d_folder.Note_Path(name));
 }
 
 void TRecovery::Remove_Abandoned(const QString& path) const

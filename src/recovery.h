@@ -2,7 +2,6 @@
 
 #include "src/keptfiles.h"
 
-#include <QElapsedTimer>
 #include <QString>
 
 class TProjectWriter;
@@ -45,6 +44,9 @@ public:
     TRecovery(const TRecovery&) = delete;
     TRecovery& operator=(const TRecovery&) = delete;
 
+    /// Whether the folder can be written to; makes it if it is missing.
+    bool Is_Possible() const { return d_folder.Prepare(); }
+
     /// Replaces this run's copy; false leaves the copy before.
     /// @param document  path of the document; empty for one that was never saved.
     bool Write(const TProjectWriter& project, const QString& document);
@@ -56,22 +58,27 @@ public:
     void Release();
 
     /// Whether this run has a copy.
-    bool Has_Copy() const { return !d_name.isEmpty(); }
+    bool Has_Copy() const { return d_has_copy; }
     /// Path of this run's copy; empty when it has none.
     QString Path() const;
 
     /// Copies of runs that are no more, newest first.
     std::vector<TKeptFile> Abandoned() const;
 
+    /// Removes what processes that are no more have left unfinished.
+    void Clean_Up() const { d_folder.Clean_Up(); }
+
     /// Removes the copy of a run that is no more, whose work the user has opened and saved.
     /// Paths elsewhere are left alone.
     void Remove_Abandoned(const QString& path) const;
 
 private:
-    bool Claim_Name(const QString& document);
+    bool Claim_Name();
     bool Is_Abandoned(const TKeptFile& file) const;
 
     TKeptFolder d_folder;
-    QString d_name;  ///< of this run's copy; empty while there is none
-    int d_lock = -1; ///< descriptor that holds the lock on the note
+    QString d_name;     ///< of this run's copy; empty while it has none
+    TKeptNote d_note;   ///< of this run's copy, locked while it has a name
+    QString d_document; ///< what the note holds
+    bool d_has_copy = false;
 };

@@ -2,6 +2,7 @@
 
 #include "src/dialogparts.h"
 #include "src/numbering.h"
+#include "src/parentwidget.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -36,7 +37,9 @@ constexpr int option_rows = 3;
 void Add_Group_Title(const QString& title, TRow row, int row_count, QDialog* dialog,
                      QGridLayout* grid)
 {
-    grid->addWidget(new QLabel(title, dialog), row, 0, row_count, 1, Qt::AlignLeft | Qt::AlignTop);
+    auto* const label = new QLabel(title, dialog);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    grid->addWidget(label, row, 0, row_count, 1, Qt::AlignLeft | Qt::AlignTop);
     grid->addWidget(DialogParts::Sunken_Line(QFrame::VLine, dialog), row, 1, row_count, 1);
 }
 
@@ -52,10 +55,8 @@ void Add_Input(const QString& text, QWidget* input, TRow row, QDialog* dialog, Q
 
 } // namespace
 
-// The parent is const in the interface, since the dialog never changes it; QDialog wants a pointer
-// that is not, to add the dialog to the parent's children.
 TReindexDialog::TReindexDialog(const QWidget* parent, Qt::WindowFlags flags)
-    : QDialog(const_cast<QWidget*>(parent), flags)
+    : QDialog(Parent_Widget(parent), flags)
 {
     setWindowTitle(tr("Reindex Items"));
     resize(initial_width, initial_height);

@@ -1,6 +1,7 @@
 #include "src/reportheaderdialog.h"
 
 #include "src/dialogparts.h"
+#include "src/parentwidget.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -19,10 +20,8 @@ enum TRow { Header_1 = 0, Header_2 = 1, Line = 2, Spacer = 3, Buttons = 4 };
 
 } // namespace
 
-// The parent is const in the interface, since the dialog never changes it; QDialog wants a pointer
-// that is not, to add the dialog to the parent's children.
 TReportHeaderDialog::TReportHeaderDialog(const QWidget* parent, Qt::WindowFlags flags)
-    : QDialog(const_cast<QWidget*>(parent), flags)
+    : QDialog(Parent_Widget(parent), flags)
 {
     setWindowTitle(tr("Report Header"));
     resize(initial_width, initial_height);

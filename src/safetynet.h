@@ -22,6 +22,7 @@ public:
     using TWriteProject = std::function<void(TProjectWriter*)>;
 
     /// @param settings_folder  holds the folders "backup" and "recovery".
+    /// @param write_project    is called when a copy is due.
     TSafetyNet(const QString& settings_folder, TWriteProject write_project);
 
     /// Copies of runs that ended badly, as they were found when the program started.
@@ -52,12 +53,13 @@ public:
     /// the work stays, for a later run to find.
     void Set_Aside();
 
-    /// A project file has been opened. If it is a copy of a run that ended badly, that copy goes
-    /// away once the document has been saved elsewhere.
+    /// A whole project file has been opened. If it is a copy of a run that ended badly, that copy
+    /// goes away once the document has been saved elsewhere.
     void Note_Opened(const QString& path) { d_opened_path = path; }
 
 private:
     void Copy(const QString& document);
+    void Forget_Work();
     void Complain(const QString& what);
 
     TBackup d_backup;
@@ -66,7 +68,8 @@ private:
     std::vector<TKeptFile> d_found;
     TCopyPolicy d_policy;
     QElapsedTimer d_clock;
-    QString d_opened_path;
+    QString d_opened_path;   ///< file that the present document came from
+    QString d_short_path;    ///< file that the last save left incomplete
     bool d_is_dirty = false; ///< there are changes that are not in the copy
     bool d_has_complained = false;
 };

@@ -1,5 +1,6 @@
 #include "src/settingswidget.h"
 
+#include "src/dialogparts.h"
 #include "src/itemformat.h"
 #include "src/panelparts.h"
 #include "src/parentwidget.h"
@@ -7,7 +8,6 @@
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
-#include <QFrame>
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QSlider>
@@ -51,14 +51,6 @@ QComboBox* New_Box(const TChoices& choices, QWidget* parent)
     for (const TChoice& choice : choices)
         box->addItem(TSettingsWidget::tr(choice.name), choice.code);
     return box;
-}
-
-QFrame* New_Separator(QWidget* parent)
-{
-    auto* const separator = new QFrame(parent);
-    separator->setFrameShape(QFrame::HLine);
-    separator->setFrameShadow(QFrame::Sunken);
-    return separator;
 }
 
 /// Shows the entry with this code, or the one at the given place when there is none.
@@ -110,10 +102,10 @@ void TSettingsWidget::Arrange_Widgets()
     PanelParts::Add_Row(grid, row++, tr("Item Display Format:"), d_format_editor);
     PanelParts::Add_Row(grid, row++, tr("Item Color:"), d_color_button);
     PanelParts::Add_Row(grid, row++, tr("Item Size:"), d_size_slider);
-    grid->addWidget(New_Separator(this), row++, 0, 1, both_columns);
+    grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), row++, 0, 1, both_columns);
     PanelParts::Add_Row(grid, row++, tr("PDF Orientation"), d_orientation_box);
     PanelParts::Add_Row(grid, row++, tr("PDF Resolution"), d_resolution_box);
-    grid->addWidget(New_Separator(this), row++, 0, 1, both_columns);
+    grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), row++, 0, 1, both_columns);
     grid->addWidget(d_track_box, row++, 0, 1, both_columns);
     grid->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), row, 0, 1,
                   both_columns);

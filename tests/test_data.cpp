@@ -16,6 +16,17 @@ TDataItem Make_Item(int id, int value = 0)
     return item;
 }
 
+/// So many labels that removing one leaves a gap for a while.
+constexpr int Large_Page = 1000;
+
+QVector<int> Numbers(int first, int last)
+{
+    QVector<int> numbers;
+    for (int number = first; number <= last; ++number)
+        numbers.append(number);
+    return numbers;
+}
+
 QVector<int> Item_Ids(const TData& data)
 {
     QVector<int> ids;
@@ -446,44 +457,56 @@ private slots:
     void removed_labels_stay_removed_when_pages_change()
     {
         QFETCH(const TOperation, change);
-        TData data;
-        Fill(&data, {2, 3});
-        Fill(&data, {1, 2, 3, 4, 5, 6});
-        data.Add_Page();
-        data.Remove_Item(2);
-        data.Remove_Item(5);
-        change(&data);
-        QCOMPARE(data.Active_Page(), 2);
-        QCOMPARE(data.Item_Count(), 4);
-        QVERIFY(!data.Item_Exists(2));
-        QVERIFY(data.Change_Item_Value(6, 66));
-        QCOMPARE(Item_Ids(data), (QVector<int>{1, 3, 4, 6}));
-        QCOMPARE(data.Item(3).value, 66);
+        for (const int count : {6, Large_Page}) {
+            TData data;
+            Fill(&data, {2, 3});
+            Fill(&data, Numbers(1, count));
+            data.Add_Page();
+            data.Remove_Item(2);
+            data.Remove_Item(5);
+            change(&data);
+            QCOMPARE(data.Active_Page(), 2);
+            QCOMPARE(data.Item_Count(), count - 2);
+            QVERIFY(!data.Item_Exists(2));
+            QVERIFY(data.Change_Item_Value(6, 66));
+            QCOMPARE(Item_Ids(data), (QVector<int>{1, 3, 4}) + Numbers(6, count));
+            QCOMPARE(data.Item(3).value, 66);
+        }
     }
 
     void the_active_page_can_be_removed_with_labels_just_removed()
     {
-        TData data;
-        Fill(&data, {1, 2, 3, 4});
-        data.Add_Page();
-        data.Remove_Item(1);
-        data.Remove_Page(1);
-        QCOMPARE(data.Active_Page(), -1);
-        data.Set_Active_Page(2);
-        QCOMPARE(data.Item_Count(), 0);
-        QVERIFY(!data.Item_Exists(2));
+        for (const int count : {4, Large_Page}) {
+            TData data;
+            Fill(&data, Numbers(1, count));
+            data.Add_Page();
+            data.Remove_Item(1);
+            data.Remove_Page(1);
+            QCOMPARE(data.Active_Page(), -1);
+            data.Set_Active_Page(2);
+            QCOMPARE(data.Item_Count(), 0);
+            QVERIFY(!data.Item_Exists(2));
+        }
+    }
+
+    void any_sequence_of_operations_equals_that_on_a_plain_list_data()
+    {
+        QTest::addColumn<int>("id_count");
+        QTest::newRow("small page") << 97;
+        QTest::newRow("large page") << 2 * Large_Page;
     }
 
     // The same random operations on a plain list of ids and values give the same labels.
     void any_sequence_of_operations_equals_that_on_a_plain_list()
     {
+        QFETCH(const int, id_count);
         TData data;
         Fill(&data, {});
         QVector<TDataItem> expected;
         quint32 random = 12345;
         for (int step = 0; step < 20000; ++step) {
             random = random * 1664525u + 1013904223u;
-            const int id = static_cast<int>(random >> 8) % 97;
+            const int id = static_cast<int>(random >> 8) % id_count;
             const auto found = std::find_if(expected.begin(), expected.end(),
                                             [id](const TDataItem& item) { return item.id == id; });
             const bool exists = found != expected.end();

@@ -121,6 +121,8 @@ private slots:
     void the_page_is_rendered_with_its_labels();
     void the_rendered_page_covers_labels_past_the_edge();
     void the_rendered_page_is_cut_to_whole_pixels();
+    void a_page_too_large_to_render_gives_no_picture_data();
+    void a_page_too_large_to_render_gives_no_picture();
     void the_rendered_page_does_not_depend_on_the_zoom();
     void thousands_of_labels_keep_their_order_and_data();
 
@@ -797,6 +799,26 @@ void TestDisplayWidget::the_rendered_page_is_cut_to_whole_pixels()
     d_view->Add_Item(1, 1, QString(), 1);
     d_view->Move_Item(1, QPointF(100.75, 70.9));
     QCOMPARE(d_view->Pixmap().size(), QSize(116, 86));
+}
+
+void TestDisplayWidget::a_page_too_large_to_render_gives_no_picture_data()
+{
+    QTest::addColumn<QPointF>("centre");
+    QTest::newRow("far away") << QPointF(1e5, 1e5);
+    QTest::newRow("further than integers reach") << QPointF(-1e300, 20);
+    QTest::newRow("infinitely far away") << QPointF(20, qInf());
+    QTest::newRow("nowhere") << QPointF(qQNaN(), qQNaN());
+}
+
+void TestDisplayWidget::a_page_too_large_to_render_gives_no_picture()
+{
+    QFETCH(QPointF, centre);
+    d_view->Set_Background_Image(QPixmap::fromImage(Support::Picture(60, 40)));
+    d_view->Add_Item(1, 1, QString(), 0);
+    d_view->Move_Item(1, centre);
+    QVERIFY(d_view->Pixmap().isNull());
+    d_view->Move_Item(1, QPointF(20, 20));
+    QCOMPARE(d_view->Pixmap().size(), QSize(60, 40));
 }
 
 void TestDisplayWidget::the_rendered_page_does_not_depend_on_the_zoom()

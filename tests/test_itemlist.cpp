@@ -358,6 +358,44 @@ private slots:
         QCOMPARE(copy.Item_Count(), Count);
         QCOMPARE(copy.Item(Count - 1).text, QString::number(Count - 1));
     }
+
+    void characters_that_xml_does_not_know_can_be_left_out_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("left");
+        const QString face = QString::fromUtf8("\xf0\x9f\x98\x80");
+        QTest::newRow("control character") << "be" + QString(QChar(1)) + "fore"
+                                           << "before";
+        QTest::newRow("nothing but them") << QString(3, QChar(2)) << QString();
+        QTest::newRow("halves of characters")
+            << QChar(0xd800) + QString("a") + QChar(0xdc00) + QChar(0xd800) << "a";
+        QTest::newRow("a half before a whole one") << QChar(0xd800) + face << face;
+        QTest::newRow("not a character") << "a" + QString(QChar(0xffff)) << "a";
+        QTest::newRow("all fine") << face + " <&>\t" << face + " <&>\t";
+    }
+
+    void characters_that_xml_does_not_know_can_be_left_out()
+    {
+        QFETCH(const QString, text);
+        QFETCH(const QString, left);
+        TData data = Empty_Page();
+        data.Add_Item({1, 2, text, 4, QPointF(3, 4), false});
+        data.Add_Item({2, 3, QStringLiteral("next"), 4, QPointF(5, 6), false});
+        TData copy = Empty_Page();
+        ItemList::Read(ItemList::Write(data, ItemList::TBadText::Leave_Out), &copy);
+        QCOMPARE(copy.Item_Count(), 2);
+        QCOMPARE(copy.Item(0).text, left);
+        QCOMPARE(copy.Item(0).position, QPointF(3, 4));
+        QCOMPARE(copy.Item(1).text, QStringLiteral("next"));
+        // Who asks for nothing special is told.
+        bool refused = false;
+        try {
+            ItemList::Write(data);
+        } catch (const TXmlFileException&) {
+            refused = true;
+        }
+        QCOMPARE(refused, text != left);
+    }
 };
 
 QTEST_MAIN(TestItemList)

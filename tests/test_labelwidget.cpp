@@ -650,7 +650,7 @@ void TestLabelWidget::the_largest_value_does_not_overflow()
 {
     Type_Value(QString::number(Largest));
     QCOMPARE(d_panel->Take_Label_Index(), Largest);
-    QCOMPARE(d_panel->Take_Label_Index(), Largest);
+    QCOMPARE(d_panel->Take_Label_Index(), Smallest);
 }
 
 void TestLabelWidget::the_buttons_only_ask()

@@ -386,6 +386,31 @@ private slots:
         }
     }
 
+    void source_bytes_are_read_alike_whatever_the_file_was_called_data()
+    {
+        QTest::addColumn<QByteArray>("format");
+        QTest::addColumn<QString>("suffix");
+        const QByteArray formats[] = {"bmp", "ico", "jpg", "pbm", "pgm",
+                                      "png", "ppm", "xbm", "xpm"};
+        for (const QByteArray& format : formats) {
+            for (const char* const suffix :
+                 {"bmp", "cur", "ico", "jpg", "pbm", "png", "xbm", "txt"})
+                QTest::newRow(format + " named " + suffix) << format << QString::fromLatin1(suffix);
+        }
+    }
+
+    void source_bytes_are_read_alike_whatever_the_file_was_called()
+    {
+        QFETCH(const QByteArray, format);
+        QFETCH(const QString, suffix);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("picture.") + suffix);
+        QVERIFY(Support::Picture(40, 30).save(path, format.constData()));
+        const QImage expected(path);
+        const TPageImage image = TPageImage::From_Bytes(TPageImage::From_File(path).Source_Bytes());
+        QCOMPARE(Support::Difference(image, expected), QString());
+    }
+
     void a_file_s_suffix_may_be_left_out_as_with_the_toolkit()
     {
         const QTemporaryDir folder;

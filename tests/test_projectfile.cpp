@@ -1,4 +1,5 @@
 #include "src/projectfile.h"
+#include "support/project.h"
 #include "support/support.h"
 
 #include <QBuffer>
@@ -8,19 +9,8 @@
 
 namespace {
 
-/// The four bytes of an integer, lowest first.
-QByteArray Number(quint32 value)
-{
-    QByteArray bytes;
-    for (int shift = 0; shift < 32; shift += 8)
-        bytes.append(static_cast<char>((value >> shift) & 0xff));
-    return bytes;
-}
-
-QByteArray Field(const QByteArray& content)
-{
-    return Number(static_cast<quint32>(content.size())) + content;
-}
+using Support::Field;
+using Support::Number;
 
 QByteArray Bytes_Of(const TProjectWriter& writer)
 {
@@ -56,7 +46,7 @@ private:
     qint64 d_calls = 0;
 };
 
-const QByteArray Magic = QByteArray::fromHex("62600100");
+const QByteArray Magic = Support::Magic();
 
 /// Which operation of the reader meets a length.
 enum TFieldKind { Text_Field, Bytes_Field, Image_Field };

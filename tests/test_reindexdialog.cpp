@@ -3,6 +3,7 @@
 #include "support/dialogs.h"
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -100,8 +101,12 @@ private slots:
     void group_titles_stand_left_and_top()
     {
         const TReindexDialog dialog(nullptr, Qt::WindowFlags());
-        for (const int row : {1, 4})
+        for (const int row : {1, 4}) {
             QCOMPARE(Grid_Cell(dialog, row, 0)->alignment(), Qt::AlignLeft | Qt::AlignTop);
+            const auto* label = qobject_cast<QLabel*>(Grid_Cell(dialog, row, 0)->widget());
+            QVERIFY(label);
+            QCOMPARE(label->alignment(), Qt::AlignLeft | Qt::AlignTop);
+        }
     }
 
     void the_first_value_is_centred_and_takes_any_text()

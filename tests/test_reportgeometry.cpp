@@ -6,8 +6,8 @@
 
 namespace {
 
-/// Measures of the report's fonts on the printer by resolution code, taken as given: Liberation
-/// Sans in 12 and 6 points at 96, 192, 288 and 384 dots per inch.
+/// Measures of the report's fonts on the printer by resolution code, taken as given: Nimbus Sans in
+/// 12 and 6 points at 96, 192, 288 and 384 dots per inch.
 constexpr TFontMeasure heading_fonts[] = {{23, 9}, {45, 17}, {67, 25}, {89, 34}};
 constexpr TFontMeasure footer_fonts[] = {{12, 5}, {23, 9}, {34, 13}, {45, 17}};
 

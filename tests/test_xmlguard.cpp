@@ -16,6 +16,7 @@ const QString Parentheses = QStringLiteral("parentheses nested too deeply");
 const QString Attributes = QStringLiteral("too many attributes");
 const QString Prefixes = QStringLiteral("too many namespace prefixes");
 const QString Invalid = QStringLiteral("invalid character");
+const QString References = QStringLiteral("too many references in declarations");
 const QString Entities = QStringLiteral("too many entities");
 
 QByteArray Document(const QByteArray& declarations, const QByteArray& content)
@@ -168,6 +169,12 @@ void TestXmlGuard::ruinous_documents_are_found_data()
         << "<R x='>'" + rows + "/>" << Attributes;
     QTest::newRow("attributes of a tag that an entity begins")
         << Document("<!ENTITY e '<a'>", "&e;" + rows + "/>") << Attributes;
+    QTest::newRow("attributes of a tag that an entity of an entity begins")
+        << Document("<!ENTITY f '<a'><!ENTITY e '&f;'>", "&e;" + rows + "/>") << Attributes;
+    QTest::newRow("attributes of a tag that begins with a character reference")
+        << Document("<!ENTITY e '&#60;a'>", "&e;" + rows + "/>") << Attributes;
+    QTest::newRow("attributes of a tag that a parameter entity begins")
+        << Document("<!ENTITY % p '&#60;'><!ENTITY e '%p;a'>", "&e;" + rows + "/>") << Attributes;
     QTest::newRow("attributes of a tag that an entity begins with a value")
         << Document("<!ENTITY e \"<a x='\">", "&e;'" + rows + "/>") << Attributes;
 
@@ -224,7 +231,7 @@ void TestXmlGuard::ordinary_documents_pass_data()
                                               }) + "</R>";
     QTest::newRow("parentheses as deep as allowed") << Document(Model(XmlGuard::Nesting_Limit), "");
     QTest::newRow("as many entities as allowed")
-        << Document(Row(XmlGuard::Entity_Limit, Entity), "&e0;&e1023;");
+        << Document(Row(XmlGuard::Entity_Limit, Entity), "&e0;&e511;");
     QTest::newRow("entities of entities") << Document(Laughs(3, "ha"), "&a2;");
     QTest::newRow("a name that is used often") << Document(
         "<!ENTITY us 'The Company of Us &amp; Them'>", QByteArray("&us; ").repeated(20000));
@@ -235,6 +242,9 @@ void TestXmlGuard::ordinary_documents_pass_data()
         << QByteArray("<R>\xf0\x9f\x98\x80<!--\xf0\x9f\x98\x80--></R>");
     QTest::newRow("signs in text, with quotes")
         << "<R>" + QByteArray("= ' &lt; > ( ) % ").repeated(10000) + "</R>";
+    QTest::newRow("equals signs in text, with entities that hold text")
+        << Document("<!ENTITY e 'a = b'>", "&e;" + QByteArray(10000, '=') + "<!--" +
+                                               QByteArray(10000, '=') + "--><b c='&e;'/>");
     QTest::newRow("a long list")
         << "<R>" +
                QByteArray("<Item><Id>1</Id><Value>1</Value><Text>a = b</Text></Item>")
@@ -285,7 +295,8 @@ void TestXmlGuard::malformed_documents_are_left_to_the_parser_data()
     QTest::newRow("mismatch") << QByteArray("<R></S>");
     QTest::newRow("zeroes") << QByteArray(1000, '\0');
     QTest::newRow("an error before the depth") << "<R></S>" + Nested(1000);
-    QTest::newRow("an entity that the parser finds too long") << Document(Laughs(6, "ha"), "&a5;");
+    QTest::newRow("an entity that the parser finds too long")
+        << Document(Laughs(4, "0123456789") + "<!ENTITY b '&a3;'>", "&b;");
     QTest::newRow("an entity to itself") << Document("<!ENTITY % a '%a;'>", "&b");
 }
 
@@ -344,9 +355,10 @@ void TestXmlGuard::what_passes_can_be_parsed_data()
         << Document("<!ENTITY e '" + value + "'>", QByteArray("&e;").repeated(990));
     QTest::newRow("expansion in an attribute up to the limit") << Document(
         "<!ENTITY e '" + value + "'>", "<b c='" + QByteArray("&e;").repeated(990) + "'/>");
-    QTest::newRow("empty entities up to the limit") << Document(Laughs(6, QByteArray()), "&a5;");
+    QTest::newRow("empty entities up to the limit")
+        << Document(Laughs(4, QByteArray()), QByteArray("&a3;").repeated(700));
     QTest::newRow("entities up to their limit, used often")
-        << Document(Row(XmlGuard::Entity_Limit, Entity), QByteArray("&e1023;").repeated(15000));
+        << Document(Row(XmlGuard::Entity_Limit, Entity), QByteArray("&e511;").repeated(15000));
     QTest::newRow("depth in an entity")
         << Document("<!ENTITY e '" + Nested(XmlGuard::Nesting_Limit - 1) + "'>", "&e;&e;");
 }

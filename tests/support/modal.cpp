@@ -29,6 +29,8 @@ QPushButton* Button(QWidget* dialog, const QString& text)
 QString Run_Answering(const std::function<void()>& command, std::vector<TAnswer> answers)
 {
     constexpr int poll_milliseconds = 5;
+    constexpr int patience = 600; // polls
+    int idle_polls = 0;
     size_t next = 0;
     QString fault;
     QWidget* answered = nullptr;
@@ -40,8 +42,15 @@ QString Run_Answering(const std::function<void()>& command, std::vector<TAnswer>
             return;
         }
         // One instance may be shown twice in a row, but never without having been away between.
-        if (dialog == answered)
+        if (dialog == answered) {
+            // An answer whose check failed leaves its dialog open.
+            if (++idle_polls == patience) {
+                fault = QStringLiteral("a dialog did not close");
+                dialog->close();
+            }
             return;
+        }
+        idle_polls = 0;
         answered = dialog;
         if (next < answers.size()) {
             const TAnswer answer = answers[next++];

@@ -1,14 +1,22 @@
 #include "support/support.h"
 
+#include "src/projectfile.h"
+
 #include <QBuffer>
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QPainter>
+#include <QThreadPool>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <linux/capability.h>
 #include <poll.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -62,6 +70,22 @@ QString Difference(const QImage& actual, const QImage& expected)
     return QString();
 }
 
+QString Byte_Difference(const QByteArray& actual, const QByteArray& expected)
+{
+    if (actual == expected)
+        return QString();
+    const auto places =
+        std::mismatch(actual.cbegin(), actual.cend(), expected.cbegin(), expected.cend());
+    const int place = static_cast<int>(places.first - actual.cbegin());
+    constexpr int shown = 48;
+    return QStringLiteral("byte %1 of %2 instead of %3: %4 instead of %5")
+        .arg(place)
+        .arg(actual.size())
+        .arg(expected.size())
+        .arg(QString::fromLatin1(actual.mid(place, shown)),
+             QString::fromLatin1(expected.mid(place, shown)));
+}
+
 namespace {
 
 /// Reads a descriptor to its end or until the time is up; tells whether the end was reached.
@@ -90,6 +114,9 @@ TChildResult Run_In_Child(const std::function<int()>& function, int seconds)
     int ends[2];
     if (pipe(ends) != 0)
         return result;
+    // A child has none of the threads that the toolkit keeps for large images, but would wait for
+    // them to do their part; this sends them away.
+    QThreadPool::globalInstance()->waitForDone();
     const pid_t child = fork();
     if (child == 0) {
         close(ends[0]);
@@ -159,6 +186,51 @@ QByteArray Read_File(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList Entries(const QString& folder)
+{
+    return QDir(folder).entryList(
+        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+QString Mode(const QString& path)
+{
+    struct stat state = {};
+    return stat(QFile::encodeName(path).constData(), &state) == 0
+               ? QString::number(state.st_mode & 07777, 8)
+               : QStringLiteral("no such file");
+}
+
+void Limit_File_Size(qint64 bytes)
+{
+    const rlimit limit{static_cast<rlim_t>(bytes), static_cast<rlim_t>(bytes)};
+    std::signal(SIGXFSZ, SIG_IGN);
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
+        qFatal("cannot limit the size of files");
+}
+
+QByteArray Empty_Project(int label_size)
+{
+    TProjectWriter writer;
+    writer.Write_Integer(label_size);
+    writer.Write_Text(QStringLiteral("#f79741"));
+    writer.Write_Text(QString());
+    writer.Write_Text(QString());
+    writer.Write_Integer(0);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    writer.Write_To(&buffer);
+    return buffer.data();
+}
+
+void Make_Old(const QString& path, int seconds)
+{
+    QFile file(path);
+    const QDateTime time = QDateTime::currentDateTime().addSecs(-seconds);
+    if (!file.open(QIODevice::ReadWrite) ||
+        !file.setFileTime(time, QFileDevice::FileModificationTime))
+        qFatal("cannot set the time of %s", qPrintable(path));
 }
 
 } // namespace Support

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -18,6 +19,9 @@ QByteArray Png(const QImage& image);
 /// Empty when both images have the same size and pixels; otherwise tells the sizes, or the first
 /// pixel that differs with both its colours. Formats are not compared.
 QString Difference(const QImage& actual, const QImage& expected);
+
+/// Empty when both are equal; otherwise the place where they part and what follows there.
+QString Byte_Difference(const QByteArray& actual, const QByteArray& expected);
 
 /// What became of a function that was run in a child process.
 struct TChildResult
@@ -48,5 +52,21 @@ void Write_File(const QString& path, const QByteArray& content);
 
 /// The content of a file; empty when it cannot be read.
 QByteArray Read_File(const QString& path);
+
+/// Names of everything in a folder, hidden files too, in order.
+QStringList Entries(const QString& folder);
+
+/// Permission bits of a file, as octal digits.
+QString Mode(const QString& path);
+
+/// Lets no file of this process grow beyond a size, in bytes, for the rest of its life: writes come
+/// short, as on a full disk. For children of Run_In_Child.
+void Limit_File_Size(qint64 bytes);
+
+/// A whole project file without pages; files with other label sizes differ.
+QByteArray Empty_Project(int label_size = 32);
+
+/// Makes a file look as if it had last been written some seconds ago.
+void Make_Old(const QString& path, int seconds);
 
 } // namespace Support

@@ -1,0 +1,311 @@
+// Walks a fault over every call of a whole save, a whole copy of unsaved work and a whole export:
+// after each of them there has to be one whole file that holds the document.
+//
+// Needs tests/faults/faultlibrary.cpp preloaded. QUILLET_FAULT_TABLE names a file that gets a line
+// for each kind of fault: operation, fault, tries and losses, separated by tabs. QUILLET_SMALL_DISK
+// names a folder on a file system that may be filled up; without it a limit on the size of files
+// stands for a full disk.
+
+#include "support/support.h"
+#include "support/window.h"
+
+#include "src/pagewidget.h"
+#include "src/safefile.h"
+#include "src/safetynet.h"
+
+#include <QtTest>
+
+#include <csignal>
+#include <dlfcn.h>
+
+namespace {
+
+enum TCall { Open, Write, Rename, Sync };
+enum TKind { Fail, Short, Kill, Kill_After };
+
+struct TFaultKind
+{
+    const char* name;
+    TCall call;
+    TKind kind;
+};
+
+const TFaultKind fault_kinds[] = {
+    {"opening fails", Open, Fail},
+    {"kill before opening", Open, Kill},
+    {"kill after opening", Open, Kill_After},
+    {"writing fails", Write, Fail},
+    {"disk full half-way", Write, Short},
+    {"kill half-way through a write", Write, Kill},
+    {"kill after a write", Write, Kill_After},
+    {"renaming fails", Rename, Fail},
+    {"kill before renaming", Rename, Kill},
+    {"kill after renaming", Rename, Kill_After},
+    {"syncing fails", Sync, Fail},
+    {"kill before syncing", Sync, Kill},
+    {"kill after syncing", Sync, Kill_After},
+};
+
+template <typename TFunction>
+TFunction From_Library(const char* name)
+{
+    return reinterpret_cast<TFunction>(dlsym(RTLD_DEFAULT, name));
+}
+
+constexpr int labels_before = 3;
+
+QString Small_Disk()
+{
+    return QFile::decodeName(qgetenv("QUILLET_SMALL_DISK"));
+}
+
+/// Fills the file system of a file up, but for some bytes.
+void Fill_Disk(const QString& path, qint64 room)
+{
+    QFile filling(path);
+    filling.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    const QByteArray block(4096, 'f');
+    while (filling.write(block) == block.size()) {
+    }
+    filling.resize(qMax<qint64>(0, filling.size() - room));
+}
+
+} // namespace
+
+class TestFaults : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void the_document_survives_data();
+    void the_document_survives();
+    void a_full_disk_leaves_the_document_data();
+    void a_full_disk_leaves_the_document();
+
+private:
+    QString In(const QString& name) const { return d_folder->filePath(name); }
+    static QString Settings() { return QDir::homePath() + "/.quillet"; }
+    QString Document() const { return In("documents/a.quillet"); }
+    void Lay_Out();
+    void Edit();
+    void Run(const QString& operation);
+    int Count_Labels(const QString& path) const;
+    int Best_Copy() const;
+    QString Loss(const QString& operation) const;
+    static void Add_To_Table(const QString& operation, const QString& fault, int tries, int losses);
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+    std::unique_ptr<TQuillet> d_window;
+    QByteArray d_first_version;
+    QByteArray d_old_report;
+};
+
+void TestFaults::initTestCase()
+{
+    QVERIFY2(dlsym(RTLD_DEFAULT, "Quillet_Arm_Fault"), "the fault library is not preloaded");
+}
+
+void TestFaults::init()
+{
+    d_folder = Small_Disk().isEmpty()
+                   ? std::make_unique<QTemporaryDir>()
+                   : std::make_unique<QTemporaryDir>(Small_Disk() + "/faults-XXXXXX");
+    QVERIFY(QDir(d_folder->path()).mkpath("documents"));
+    TQuillet window(nullptr, Qt::WindowFlags());
+    Support::Write_File(In("page.png"), Support::Png(Support::Picture(200, 150)));
+    window.Load_Image(In("page.png"));
+    window.d_page_widget->Set_Active_Page(window.d_page_widget->Page_Ids().first());
+    for (int i = 0; i < labels_before; ++i)
+        window.Add_Item(QPointF(20 + 40 * i, 30));
+    QVERIFY(window.Save_Data(Document()));
+    QVERIFY(window.Export_PDF(In("report.pdf"), window.d_page_widget->Page_Ids(), {0, 1, "", ""}));
+    d_first_version = Support::Read_File(Document());
+    d_old_report = Support::Read_File(In("report.pdf"));
+    QVERIFY(TSafeFile::Is_Complete_Pdf(In("report.pdf")));
+}
+
+void TestFaults::cleanup()
+{
+    d_folder.reset();
+}
+
+/// Puts the files back to how they are before a try.
+void TestFaults::Lay_Out()
+{
+    QDir(Settings()).removeRecursively();
+    QDir(In("out")).removeRecursively();
+    QDir(d_folder->path()).mkdir("out");
+    Support::Write_File(Document(), d_first_version);
+    Support::Write_File(In("out/report.pdf"), d_old_report);
+}
+
+/// Opens the document and adds one label, which is copied at once.
+void TestFaults::Edit()
+{
+    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window->Open_File(Document());
+    d_window->Add_Item(QPointF(30, 100));
+}
+
+void TestFaults::Run(const QString& operation)
+{
+    if (operation == "save") {
+        d_window->File_Save();
+    } else if (operation == "copy of the work") {
+        d_window->Add_Item(QPointF(60, 100));
+        d_window->Keep_Work();
+    } else if (operation == "first copy of the work") {
+        d_window->d_safety_net->Give_Up();
+        d_window->Add_Item(QPointF(60, 100));
+    } else if (operation == "PDF export") {
+        d_window->Export_PDF(In("out/report.pdf"), d_window->d_page_widget->Page_Ids(),
+                             {0, 2, "Header", ""});
+    } else {
+        d_window->Export_Images(In("out"), d_window->d_page_widget->Page_Ids());
+    }
+}
+
+/// Number of labels in a project file; -1 when it is not whole.
+int TestFaults::Count_Labels(const QString& path) const
+{
+    return ProjectFile::Is_Whole(path) ? Support::Read_File(path).count("<Item>") : -1;
+}
+
+/// The most labels that any file holds: the document, its version before, or the copy of the work.
+int TestFaults::Best_Copy() const
+{
+    int best = Count_Labels(Document());
+    for (const char* const folder : {"/recovery", "/backup"}) {
+        for (const QString& name : QDir(Settings() + folder).entryList({"*.quillet"}))
+            best = qMax(best, Count_Labels(Settings() + folder + '/' + name));
+    }
+    return best;
+}
+
+/// What is lost after a try; empty when nothing is.
+QString TestFaults::Loss(const QString& operation) const
+{
+    // The label that was added before the fault is in the copy of the work; before the first copy
+    // there is only what was saved.
+    const int wanted = operation.startsWith("first") ? labels_before : labels_before + 1;
+    if (Best_Copy() < wanted)
+        return QString("%1 labels are left").arg(Best_Copy());
+    for (const QString& name : QDir(In("out")).entryList(QDir::Files)) {
+        const QString path = In("out/" + name);
+        if (name.endsWith(".pdf") && !TSafeFile::Is_Complete_Pdf(path))
+            return name + " is not whole";
+        if (name.endsWith(".png") && QImage(path).isNull())
+            return name + " is not whole";
+    }
+    return QFile::exists(In("out/report.pdf")) ? QString() : QString("the report is gone");
+}
+
+void TestFaults::Add_To_Table(const QString& operation, const QString& fault, int tries, int losses)
+{
+    QFile table(QFile::decodeName(qgetenv("QUILLET_FAULT_TABLE")));
+    if (table.open(QIODevice::WriteOnly | QIODevice::Append))
+        table.write(
+            QString("%1\t%2\t%3\t%4\n").arg(operation, fault).arg(tries).arg(losses).toUtf8());
+}
+
+void TestFaults::the_document_survives_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("call");
+    QTest::addColumn<int>("kind");
+    for (const char* const operation :
+         {"save", "copy of the work", "first copy of the work", "PDF export", "image export"}) {
+        for (const TFaultKind& fault : fault_kinds)
+            QTest::addRow("%s, %s", operation, fault.name)
+                << operation << fault.name << static_cast<int>(fault.call)
+                << static_cast<int>(fault.kind);
+    }
+}
+
+void TestFaults::the_document_survives()
+{
+    QFETCH(QString, operation);
+    QFETCH(QString, name);
+    QFETCH(int, call);
+    QFETCH(int, kind);
+    const auto arm = From_Library<void (*)(const char*, int, int, int)>("Quillet_Arm_Fault");
+    const auto disarm = From_Library<int (*)()>("Quillet_Disarm_Fault");
+    const QByteArray folders =
+        QFile::encodeName(In("documents") + ':' + In("out") + ':' + Settings() +
+                          "/recovery:" + Settings() + "/backup");
+    constexpr int most_calls = 200;
+    int tries = 0;
+    int losses = 0;
+    bool reached = true;
+    while (reached && tries < most_calls) {
+        const int at = tries + 1;
+        Lay_Out();
+        const Support::TChildResult result = Support::Run_In_Child([&] {
+            Edit();
+            arm(folders.constData(), call, kind, at);
+            // A refused save shows a message, which is answered here.
+            QTimer::singleShot(0, [] {
+                if (QWidget* box = QApplication::activeModalWidget())
+                    box->close();
+            });
+            Run(operation);
+            return disarm() >= at ? 1 : 0;
+        });
+        QVERIFY2(result.signal == SIGKILL || result.exited, result.error_output.constData());
+        reached = result.signal == SIGKILL || result.exit_code == 1;
+        tries += reached ? 1 : 0;
+        const QString loss = Loss(operation);
+        losses += loss.isEmpty() ? 0 : 1;
+        if (!loss.isEmpty())
+            qWarning("call %d: %s", at, qPrintable(loss));
+    }
+    Add_To_Table(operation, name, tries, losses);
+    QCOMPARE(losses, 0);
+    QVERIFY(tries < most_calls);
+}
+
+void TestFaults::a_full_disk_leaves_the_document_data()
+{
+    QTest::addColumn<QString>("operation");
+    for (const char* const operation :
+         {"save", "copy of the work", "first copy of the work", "PDF export", "image export"})
+        QTest::newRow(operation) << operation;
+}
+
+void TestFaults::a_full_disk_leaves_the_document()
+{
+    QFETCH(QString, operation);
+    constexpr int steps = 12;
+    int losses = 0;
+    for (int step = 0; step < steps; ++step) {
+        Lay_Out();
+        const Support::TChildResult result = Support::Run_In_Child([&] {
+            Edit();
+            const qint64 room = qint64{d_first_version.size()} * step / (steps - 2);
+            if (Small_Disk().isEmpty())
+                Support::Limit_File_Size(room);
+            else
+                Fill_Disk(In("filling"), room);
+            Run(operation);
+            return 0;
+        });
+        QVERIFY2(result.exited, result.error_output.constData());
+        QFile::remove(In("filling"));
+        const QString loss = Loss(operation);
+        losses += loss.isEmpty() ? 0 : 1;
+        if (!loss.isEmpty())
+            qWarning("step %d: %s", step, qPrintable(loss));
+    }
+    const QString disk =
+        Settings().startsWith(Small_Disk()) ? "full disk" : "full disk, settings elsewhere";
+    Add_To_Table(operation, Small_Disk().isEmpty() ? "files cannot grow" : disk, steps, losses);
+    QCOMPARE(losses, 0);
+}
+
+QTEST_MAIN(TestFaults)
+#include "test_faults.moc"

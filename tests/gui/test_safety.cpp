@@ -1,0 +1,726 @@
+// Whatever happens to the program, the work is there: the window and its safety net.
+
+#include "support/modal.h"
+#include "support/support.h"
+#include "support/window.h"
+
+#include "src/displaywidget.h"
+#include "src/keptfiles.h"
+#include "src/labelwidget.h"
+#include "src/pagewidget.h"
+#include "src/reindexdialog.h"
+#include "src/reportheaderdialog.h"
+#include "src/safefile.h"
+#include "src/safetynet.h"
+#include "src/settingswidget.h"
+
+#include <QtTest>
+
+#include <csignal>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using Support::Entries;
+using Support::Read_File;
+using Support::Run_Answering;
+
+class TestSafety : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void a_new_window_keeps_nothing_and_says_nothing();
+    void the_first_change_makes_a_copy_data();
+    void the_first_change_makes_a_copy();
+    void what_is_no_change_makes_no_copy();
+    void a_copy_is_a_project_that_opens();
+    void losing_the_activation_copies_what_is_new();
+    void losing_the_activation_copies_a_new_page_name();
+    void a_modal_command_copies_what_is_new();
+    void a_save_removes_the_copy();
+    void a_save_keeps_the_version_before();
+    void a_failed_save_leaves_a_copy();
+    void a_save_that_comes_short_leaves_a_copy_and_counts_as_saved();
+    void a_text_that_xml_refuses_is_copied_without_its_bad_characters();
+    void every_image_can_be_read_from_the_copy_data();
+    void every_image_can_be_read_from_the_copy();
+    void images_are_copied_as_they_came();
+    void closing_with_no_removes_the_copy();
+    void closing_with_cancel_keeps_the_copy();
+    void closing_with_yes_saves_and_removes_the_copy();
+    void closing_with_yes_and_no_name_leaves_the_copy();
+    void confirming_the_loss_removes_the_copy_data();
+    void confirming_the_loss_removes_the_copy();
+    void declining_the_loss_keeps_the_copy();
+    void a_refused_file_leaves_the_copy_and_the_document();
+    void opening_is_no_change();
+    void a_killed_run_is_announced_in_the_status_bar();
+    void kept_work_opens_like_any_project_and_goes_when_saved_elsewhere();
+    void kept_work_stays_when_only_the_original_is_opened();
+    void kept_work_that_is_saved_in_place_stays();
+    void two_windows_keep_their_own_copies();
+    void renumbering_is_copied();
+    void a_useless_settings_folder_does_not_stop_the_work_data();
+    void a_useless_settings_folder_does_not_stop_the_work();
+    void a_full_disk_leaves_the_old_report();
+    void a_full_disk_leaves_no_half_picture();
+    void an_export_leaves_nothing_unfinished();
+
+private:
+    QString In(const QString& name) const { return d_folder->filePath(name); }
+    static QString Settings() { return QDir::homePath() + "/.quillet"; }
+    QStringList Copies() const;
+    QString Only_Copy() const;
+    void Open_Window();
+    void Make_Document();
+    void Save_As(const QString& path);
+    void Open(const QString& path);
+    int Labels_In(const QString& path);
+    QString Notice() const;
+    void Quiet();
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+    std::unique_ptr<TQuillet> d_window;
+};
+
+void TestSafety::init()
+{
+    QDir(Settings()).removeRecursively();
+    QFile::remove(Settings());
+    d_folder = std::make_unique<QTemporaryDir>();
+    Open_Window();
+}
+
+void TestSafety::cleanup()
+{
+    d_window.reset();
+    d_folder.reset();
+}
+
+void TestSafety::Open_Window()
+{
+    d_window.reset();
+    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
+}
+
+/// Paths of all recovery copies.
+QStringList TestSafety::Copies() const
+{
+    QStringList paths;
+    for (const QString& name : QDir(Settings() + "/recovery").entryList({"*.quillet"}))
+        paths += Settings() + "/recovery/" + name;
+    return paths;
+}
+
+QString TestSafety::Only_Copy() const
+{
+    const QStringList copies = Copies();
+    return copies.size() == 1 ? copies.first() : QString();
+}
+
+/// A document of one page with a picture, no labels, that counts as unchanged and is kept nowhere.
+void TestSafety::Make_Document()
+{
+    Support::Write_File(In("page.png"), Support::Png(Support::Picture(300, 200)));
+    d_window->Load_Image(In("page.png"));
+    d_window->d_page_widget->Set_Active_Page(d_window->d_page_widget->Page_Ids().first());
+    d_window->Update_Document_Actions();
+    Quiet();
+}
+
+/// Makes what there is count as known.
+void TestSafety::Quiet()
+{
+    d_window->Leave_Work(true);
+    d_window->d_data_changed = false;
+}
+
+void TestSafety::Save_As(const QString& path)
+{
+    QCOMPARE(Run_Answering([this] { d_window->File_SaveAs(); }, {Support::Choose({path})}),
+             QString());
+}
+
+void TestSafety::Open(const QString& path)
+{
+    QCOMPARE(Run_Answering([this] { d_window->File_Open(); }, {Support::Choose({path})}),
+             QString());
+}
+
+/// Number of labels that a second window finds in a project file; -1 when it does not open.
+int TestSafety::Labels_In(const QString& path)
+{
+    if (!ProjectFile::Is_Whole(path))
+        return -1;
+    TQuillet reader(nullptr, Qt::WindowFlags());
+    if (!reader.Load_Data(path))
+        return -1;
+    int count = 0;
+    for (const int id : reader.d_page_widget->Page_Ids()) {
+        reader.d_data.Set_Active_Page(id);
+        count += reader.d_data.Item_Count();
+    }
+    return count;
+}
+
+/// What the left part of the status bar says; empty when it is silent.
+QString TestSafety::Notice() const
+{
+    for (const QLabel* label : d_window->statusBar()->findChildren<QLabel*>()) {
+        if (label->isVisible() && label->text().contains(Settings()))
+            return label->text();
+    }
+    return QString();
+}
+
+void TestSafety::a_new_window_keeps_nothing_and_says_nothing()
+{
+    QVERIFY(!d_window->d_data_changed);
+    QCOMPARE(Notice(), QString());
+    d_window->close();
+    Open_Window();
+    QCOMPARE(Copies(), QStringList());
+    QCOMPARE(Notice(), QString());
+}
+
+void TestSafety::the_first_change_makes_a_copy_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char* const change :
+         {"label", "label at a point", "value", "text", "border", "position", "page", "label size",
+          "color", "pages removed", "page removal declined", "import"})
+        QTest::newRow(change) << change;
+}
+
+void TestSafety::the_first_change_makes_a_copy()
+{
+    QFETCH(QString, change);
+    Make_Document();
+    d_window->d_data.Add_Item({5, 1, "", 1, {10, 10}, false});
+    d_window->d_display_widget->Add_Item(5, 1, "", 1);
+    Quiet();
+    QVERIFY(Copies().isEmpty());
+    const auto remove_pages = [this](QMessageBox::StandardButton button) {
+        QCOMPARE(Run_Answering([this] { d_window->Remove_Pages({}); }, {Support::Press(button)}),
+                 QString());
+    };
+    const QHash<QString, std::function<void()>> changes = {
+        {"label", [this] { d_window->Add_Item(); }},
+        {"label at a point", [this] { d_window->Add_Item(QPointF(50, 50)); }},
+        {"value", [this] { d_window->Change_Item_Value(5, 7); }},
+        {"text", [this] { d_window->Change_Item_Text(5, "text"); }},
+        {"border", [this] { d_window->Change_Item_Border(5, 4); }},
+        {"position", [this] { d_window->Update_Item_Position(5, QPointF(20, 20)); }},
+        {"page", [this] { d_window->Add_Page(); }},
+        {"label size", [this] { d_window->Label_Size_Changed(40); }},
+        {"color", [this] { d_window->Color_Changed(Qt::red); }},
+        {"pages removed", [&] { remove_pages(QMessageBox::Yes); }},
+        {"page removal declined", [&] { remove_pages(QMessageBox::No); }},
+        {"import",
+         [this] {
+             QCOMPARE(Run_Answering([this] { d_window->File_Import(); },
+                                    {Support::Choose({In("page.png")})}),
+                      QString());
+         }},
+    };
+    changes.value(change)();
+    QVERIFY(ProjectFile::Is_Whole(Only_Copy()));
+}
+
+void TestSafety::what_is_no_change_makes_no_copy()
+{
+    Make_Document();
+    d_window->Page_Selection_Changed(d_window->d_data.Active_Page());
+    d_window->Item_Display_Format_Changed("%1");
+    d_window->Track_Item_Option_Changed(false);
+    d_window->Image_Zoom_Changed(10);
+    d_window->Item_Selection_Changed();
+    d_window->Keep_Work();
+    QCOMPARE(Copies(), QStringList());
+}
+
+void TestSafety::a_copy_is_a_project_that_opens()
+{
+    Make_Document();
+    d_window->d_page_widget->Set_Page_Name(1, "Front");
+    d_window->Add_Item(QPointF(50, 60));
+    const int id = d_window->d_data.Item(0).id;
+    d_window->Change_Item_Text(id, "text");
+    d_window->Keep_Work();
+    const QString copy = Only_Copy();
+    TQuillet reader(nullptr, Qt::WindowFlags());
+    QVERIFY(reader.Load_Data(copy));
+    QCOMPARE(reader.d_page_widget->Page_Name(1), QString("Front"));
+    QCOMPARE(reader.d_data.Item(0).text, QString("text"));
+    QCOMPARE(reader.d_data.Item(0).position, QPointF(50, 60));
+    QCOMPARE(Support::Difference(reader.d_data.Page_Image(), Support::Picture(300, 200)),
+             QString());
+}
+
+void TestSafety::losing_the_activation_copies_what_is_new()
+{
+    Make_Document();
+    d_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(d_window.get()));
+    d_window->Add_Item(QPointF(50, 60));
+    for (int i = 0; i < 3; ++i)
+        d_window->Add_Item(QPointF(70 + i, 60));
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&other));
+    QCOMPARE(Labels_In(Only_Copy()), 4);
+    const QDateTime written = QFileInfo(Only_Copy()).lastModified();
+    d_window->Keep_Work();
+    QCOMPARE(QFileInfo(Only_Copy()).lastModified(), written);
+}
+
+void TestSafety::losing_the_activation_copies_a_new_page_name()
+{
+    Make_Document();
+    d_window->d_page_widget->Set_Page_Name(1, "Another name");
+    d_window->Keep_Work();
+    QVERIFY(Read_File(Only_Copy()).contains("Another name"));
+}
+
+void TestSafety::a_modal_command_copies_what_is_new()
+{
+    const std::vector<std::function<void()>> commands = {
+        [this] { d_window->File_Import(); },     [this] { d_window->File_SaveAs(); },
+        [this] { d_window->File_Export_Pdf(); }, [this] { d_window->File_Export_Images(); },
+        [this] { d_window->Edit_Reindex(); },    [this] { d_window->Help_About(); }};
+    Make_Document();
+    int labels = 0;
+    for (const auto& command : commands) {
+        d_window->Add_Item(QPointF(10 + labels, 10));
+        d_window->Add_Item(QPointF(10 + labels, 20));
+        labels += 2;
+        QCOMPARE(Run_Answering(command, {[this, labels](QWidget* dialog) {
+                                   QCOMPARE(Labels_In(Only_Copy()), labels);
+                                   dialog->close();
+                               }}),
+                 QString());
+    }
+}
+
+void TestSafety::a_save_removes_the_copy()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    QCOMPARE(Copies().size(), 1);
+    Save_As(In("a.quillet"));
+    QVERIFY(Entries(Settings() + "/recovery").isEmpty());
+    d_window->Add_Item(QPointF(80, 60));
+    QCOMPARE(Copies().size(), 1);
+    d_window->File_Save();
+    QVERIFY(Entries(Settings() + "/recovery").isEmpty());
+    QCOMPARE(Labels_In(In("a.quillet")), 2);
+}
+
+void TestSafety::a_save_keeps_the_version_before()
+{
+    Make_Document();
+    const TBackup backup(Settings() + "/backup");
+    Save_As(In("a.quillet"));
+    QVERIFY(backup.List().empty());
+    const QByteArray first = Read_File(In("a.quillet"));
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->File_Save();
+    QVERIFY(Read_File(backup.Path_For(In("a.quillet"))) == first);
+    QVERIFY(Read_File(In("a.quillet")) != first);
+}
+
+void TestSafety::a_failed_save_leaves_a_copy()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->d_file_name = In("no such folder/a.quillet");
+    QCOMPARE(Run_Answering([this] { d_window->File_Save(); }, {Support::Press(QMessageBox::Ok)}),
+             QString());
+    QVERIFY(!d_window->d_data_changed);
+    QCOMPARE(Labels_In(Only_Copy()), 1);
+}
+
+void TestSafety::a_save_that_comes_short_leaves_a_copy_and_counts_as_saved()
+{
+    // A device that is always full.
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->Add_Item(QPointF(80, 60));
+    d_window->d_file_name = "/dev/full";
+    QVERIFY(d_window->Save_Data("/dev/full"));
+    d_window->File_Save();
+    QVERIFY(!d_window->d_data_changed);
+    QCOMPARE(Labels_In(Only_Copy()), 2);
+    // It is there for the next run although nobody is asked at the end of this one.
+    d_window->close();
+    Open_Window();
+    QVERIFY(Notice().contains(Only_Copy()));
+}
+
+void TestSafety::a_text_that_xml_refuses_is_copied_without_its_bad_characters()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    Save_As(In("a.quillet"));
+    const QString face = QString::fromUtf8("\xf0\x9f\x98\x80");
+    const QString bad =
+        QString("be") + QChar(1) + "fo" + QChar(0xd800) + "re " + face + QChar(0xffff);
+    d_window->Change_Item_Text(d_window->d_data.Item(0).id, bad);
+    QCOMPARE(Run_Answering([this] { d_window->File_Save(); }, {Support::Press(QMessageBox::Ok)}),
+             QString());
+    QVERIFY(!d_window->d_data_changed);
+    QCOMPARE(QFileInfo(In("a.quillet")).size(), 0);
+    TQuillet reader(nullptr, Qt::WindowFlags());
+    QVERIFY(reader.Load_Data(Only_Copy()));
+    QCOMPARE(reader.d_data.Item(0).text, "before " + face);
+    QCOMPARE(reader.d_data.Item(0).position, QPointF(50, 60));
+    // The version before the save that left the file empty.
+    QCOMPARE(Labels_In(TBackup(Settings() + "/backup").Path_For(In("a.quillet"))), 1);
+}
+
+void TestSafety::every_image_can_be_read_from_the_copy_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QString>("suffix");
+    const QStringList formats = {"bmp", "jpg", "pbm", "pgm", "png", "ppm", "xbm", "xpm"};
+    for (const QString& format : formats) {
+        for (const QString& suffix : {format, QString("png"), QString("xbm")})
+            QTest::newRow(qPrintable(format + " named " + suffix)) << format << suffix;
+    }
+    for (const char* const suffix : {"cur", "ico"})
+        QTest::newRow(suffix) << "ico" << suffix;
+}
+
+void TestSafety::every_image_can_be_read_from_the_copy()
+{
+    QFETCH(QString, format);
+    QFETCH(QString, suffix);
+    const QString path = In("page." + suffix);
+    QVERIFY(Support::Picture(40, 30).save(path, format.toLatin1().constData()));
+    const QImage expected(path);
+    d_window->Load_Image(path);
+    d_window->Add_Page();
+    TQuillet reader(nullptr, Qt::WindowFlags());
+    QVERIFY(reader.Load_Data(Only_Copy()));
+    reader.d_data.Set_Active_Page(reader.d_data.Page_Id(0));
+    QCOMPARE(Support::Difference(reader.d_data.Page_Image(), expected), QString());
+}
+
+void TestSafety::images_are_copied_as_they_came()
+{
+    for (const char* const format : {"jpg", "bmp", "ppm", "png"}) {
+        const QString path = In(QString("page.") + format);
+        QVERIFY(Support::Picture(64, 48).save(path));
+        d_window->Load_Image(path);
+    }
+    d_window->Mark_Changed();
+    d_window->Keep_Work();
+    const QByteArray copy = Read_File(Only_Copy());
+    for (const char* const format : {"jpg", "bmp", "ppm", "png"})
+        QVERIFY2(copy.contains(Read_File(In(QString("page.") + format))), format);
+}
+
+void TestSafety::closing_with_no_removes_the_copy()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    QCOMPARE(Run_Answering([this] { d_window->close(); }, {Support::Press(QMessageBox::No)}),
+             QString());
+    QVERIFY(Entries(Settings() + "/recovery").isEmpty());
+    Open_Window();
+    QVERIFY(Entries(Settings() + "/recovery").isEmpty());
+}
+
+void TestSafety::closing_with_cancel_keeps_the_copy()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->Add_Item(QPointF(80, 60));
+    QCOMPARE(Run_Answering([this] { d_window->close(); }, {Support::Press(QMessageBox::Cancel)}),
+             QString());
+    QCOMPARE(Labels_In(Only_Copy()), 2);
+}
+
+void TestSafety::closing_with_yes_saves_and_removes_the_copy()
+{
+    Make_Document();
+    Save_As(In("a.quillet"));
+    d_window->Add_Item(QPointF(50, 60));
+    QCOMPARE(Run_Answering([this] { d_window->close(); }, {Support::Press(QMessageBox::Yes)}),
+             QString());
+    QVERIFY(Entries(Settings() + "/recovery").isEmpty());
+    QCOMPARE(Labels_In(In("a.quillet")), 1);
+}
+
+void TestSafety::closing_with_yes_and_no_name_leaves_the_copy()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    QCOMPARE(Run_Answering([this] { d_window->close(); },
+                           {Support::Press(QMessageBox::Yes), Support::Cancel()}),
+             QString());
+    QVERIFY(!d_window->isVisible());
+    QCOMPARE(Labels_In(Only_Copy()), 1);
+    Open_Window();
+    QVERIFY(Notice().contains(Only_Copy()));
+}
+
+void TestSafety::confirming_the_loss_removes_the_copy_data()
+{
+    QTest::addColumn<bool>("open");
+    QTest::newRow("new") << false;
+    QTest::newRow("open") << true;
+}
+
+void TestSafety::confirming_the_loss_removes_the_copy()
+{
+    QFETCH(bool, open);
+    Make_Document();
+    Save_As(In("a.quillet"));
+    d_window->Add_Item(QPointF(50, 60));
+    const QString fault =
+        open ? Run_Answering([this] { d_window->File_Open(); },
+                             {Support::Press(QMessageBox::Yes), Support::Choose({In("a.quillet")})})
+             : Run_Answering([this] { d_window->File_New(); }, {Support::Press(QMessageBox::Yes)});
+    QCOMPARE(fault, QString());
+    QVERIFY(Entries(Settings() + "/recovery").isEmpty());
+    d_window->Keep_Work();
+    QVERIFY(Copies().isEmpty());
+}
+
+void TestSafety::declining_the_loss_keeps_the_copy()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    for (const auto& command : {std::function<void()>([this] { d_window->File_New(); }),
+                                std::function<void()>([this] { d_window->File_Open(); })}) {
+        QCOMPARE(Run_Answering(command, {Support::Press(QMessageBox::No)}), QString());
+        QCOMPARE(Labels_In(Only_Copy()), 1);
+    }
+}
+
+void TestSafety::a_refused_file_leaves_the_copy_and_the_document()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    Support::Write_File(In("bad.quillet"), "no project");
+    QCOMPARE(Run_Answering([this] { d_window->File_Open(); },
+                           {Support::Press(QMessageBox::Yes), Support::Choose({In("bad.quillet")}),
+                            Support::Press(QMessageBox::Ok)}),
+             QString());
+    QVERIFY(!d_window->d_data_changed);
+    QCOMPARE(d_window->d_data.Item_Count(), 1);
+    QCOMPARE(Labels_In(Only_Copy()), 1);
+}
+
+void TestSafety::opening_is_no_change()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->Label_Size_Changed(50);
+    Save_As(In("a.quillet"));
+    Open_Window();
+    Open(In("a.quillet"));
+    QVERIFY(!d_window->d_data_changed);
+    d_window->Keep_Work();
+    QCOMPARE(Copies(), QStringList());
+}
+
+void TestSafety::a_killed_run_is_announced_in_the_status_bar()
+{
+    d_window.reset();
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+        Make_Document();
+        d_window->Add_Item(QPointF(50, 60));
+        kill(getpid(), SIGKILL);
+        return 0;
+    });
+    QCOMPARE(result.signal, SIGKILL);
+    Open_Window();
+    QCOMPARE(Notice(), "Unsaved work was kept in " + Only_Copy());
+    QCOMPARE(Labels_In(Only_Copy()), 1);
+    // In the left part, and no dialog.
+    for (const QLabel* label : d_window->statusBar()->findChildren<QLabel*>()) {
+        if (label->text() == Notice())
+            QVERIFY(label->mapTo(d_window.get(), QPoint()).x() < d_window->width() / 2);
+    }
+    QVERIFY(!QApplication::activeModalWidget());
+}
+
+void TestSafety::kept_work_opens_like_any_project_and_goes_when_saved_elsewhere()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    Open_Window();
+    const QString kept = Only_Copy();
+    QVERIFY(!Notice().isEmpty());
+    const QByteArray content = Read_File(kept);
+    Open(kept);
+    QCOMPARE(d_window->d_file_name, kept);
+    QVERIFY(!d_window->d_data_changed);
+    QCOMPARE(d_window->d_data.Item_Count(), 1);
+    d_window->Add_Item(QPointF(80, 60));
+    QVERIFY(Read_File(kept) == content);
+    QCOMPARE(Copies().size(), 2);
+    Save_As(In("a.quillet"));
+    QVERIFY(Entries(Settings() + "/recovery").isEmpty());
+    QCOMPARE(Notice(), QString());
+    QCOMPARE(Labels_In(In("a.quillet")), 2);
+}
+
+void TestSafety::kept_work_stays_when_only_the_original_is_opened()
+{
+    Make_Document();
+    Save_As(In("a.quillet"));
+    d_window->Add_Item(QPointF(50, 60));
+    Open_Window();
+    const QString kept = Only_Copy();
+    const QByteArray content = Read_File(kept);
+    Open(In("a.quillet"));
+    d_window->Add_Item(QPointF(80, 60));
+    d_window->File_Save();
+    d_window->Add_Item(QPointF(90, 60));
+    QCOMPARE(Run_Answering([this] { d_window->File_New(); }, {Support::Press(QMessageBox::Yes)}),
+             QString());
+    d_window->close();
+    QCOMPARE(Only_Copy(), kept);
+    QVERIFY(Read_File(kept) == content);
+    Open_Window();
+    QVERIFY(Notice().contains(kept));
+}
+
+void TestSafety::kept_work_that_is_saved_in_place_stays()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    Open_Window();
+    const QString kept = Only_Copy();
+    Open(kept);
+    d_window->Add_Item(QPointF(80, 60));
+    d_window->File_Save();
+    QCOMPARE(Only_Copy(), kept);
+    QCOMPARE(Labels_In(kept), 2);
+    QCOMPARE(Support::Mode(kept), QString("600"));
+}
+
+void TestSafety::two_windows_keep_their_own_copies()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    const QString first = Only_Copy();
+    {
+        TQuillet other(nullptr, Qt::WindowFlags());
+        QVERIFY(other.d_safety_net->Found().empty());
+        other.Add_Page();
+        QCOMPARE(Copies().size(), 2);
+        other.d_safety_net->Give_Up();
+    }
+    QCOMPARE(Only_Copy(), first);
+    QCOMPARE(Labels_In(first), 1);
+}
+
+void TestSafety::renumbering_is_copied()
+{
+    Make_Document();
+    d_window->d_data.Add_Item({5, 41, "", 1, {10, 10}, false});
+    QCOMPARE(Run_Answering([this] { d_window->Edit_Reindex(); },
+                           {[](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->accept(); }}),
+             QString());
+    d_window->Keep_Work();
+    // The dialog offers 100 to begin with.
+    QVERIFY(Read_File(Only_Copy()).contains("<Value>100</Value>"));
+}
+
+void TestSafety::a_useless_settings_folder_does_not_stop_the_work_data()
+{
+    QTest::addColumn<QString>("defect");
+    for (const char* const defect : {"link", "not writable", "full"})
+        QTest::newRow(defect) << defect;
+}
+
+void TestSafety::a_useless_settings_folder_does_not_stop_the_work()
+{
+    QFETCH(QString, defect);
+    d_window.reset();
+    QDir(Settings()).removeRecursively();
+    QVERIFY(QDir(d_folder->path()).mkdir("elsewhere"));
+    if (defect == "link")
+        QVERIFY(QFile::link(In("elsewhere"), Settings()));
+    else
+        QVERIFY(QDir::home().mkdir(".quillet"));
+    const Support::TChildResult result = Support::Run_In_Child([this, defect] {
+        if (defect == "not writable")
+            chmod(QFile::encodeName(Settings()).constData(), 0500);
+        Support::Obey_File_Permissions();
+        d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+        Make_Document();
+        d_window->Save_Data(In("a.quillet"));
+        if (defect == "full")
+            Support::Limit_File_Size(QFileInfo(In("a.quillet")).size() / 2);
+        for (int i = 0; i < 3; ++i) {
+            d_window->Add_Item(QPointF(10 * i, 60));
+            d_window->Keep_Work();
+        }
+        if (defect != "full")
+            d_window->Save_Data(In("a.quillet"));
+        return d_window->d_data.Item_Count();
+    });
+    chmod(QFile::encodeName(Settings()).constData(), 0700);
+    QCOMPARE(result.exit_code, 3);
+    QCOMPARE(result.error_output,
+             QByteArray("quillet: unsaved work cannot be kept in the settings folder\n"));
+    QCOMPARE(Labels_In(In("a.quillet")), defect == "full" ? 0 : 3);
+    QCOMPARE(Copies(), QStringList());
+    QVERIFY(!Entries(In("elsewhere")).contains("recovery"));
+    QFile::remove(Settings());
+}
+
+void TestSafety::a_full_disk_leaves_the_old_report()
+{
+    Make_Document();
+    Support::Write_File(In("report.pdf"), "the old report");
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(2000);
+        const TQuillet::TReportSettings settings{0, 2, "Header", QString()};
+        return d_window->Export_PDF(In("report.pdf"), d_window->d_page_widget->Page_Ids(), settings)
+                   ? 0
+                   : 1;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(In("report.pdf")), QByteArray("the old report"));
+    QCOMPARE(Entries(d_folder->path()), QStringList({"page.png", "report.pdf"}));
+}
+
+void TestSafety::a_full_disk_leaves_no_half_picture()
+{
+    Make_Document();
+    QVERIFY(QDir(d_folder->path()).mkdir("out"));
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(200);
+        return d_window->Export_Images(In("out"), d_window->d_page_widget->Page_Ids()) ? 1 : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Entries(In("out")), QStringList());
+}
+
+void TestSafety::an_export_leaves_nothing_unfinished()
+{
+    Make_Document();
+    QVERIFY(QDir(d_folder->path()).mkdir("out"));
+    const QList<int> pages = d_window->d_page_widget->Page_Ids();
+    QVERIFY(d_window->Export_PDF(In("out/a.pdf"), pages, {0, 1, QString(), QString()}));
+    QCOMPARE(Entries(In("out")), QStringList{"a.pdf"});
+    QVERIFY(TSafeFile::Is_Complete_Pdf(In("out/a.pdf")));
+    QVERIFY(d_window->Export_Images(In("out"), pages));
+    QCOMPARE(Entries(In("out")).size(), 2);
+}
+
+QTEST_MAIN(TestSafety)
+#include "test_safety.moc"

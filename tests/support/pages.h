@@ -1,0 +1,20 @@
+#pragma once
+
+#include "support/window.h"
+
+#include <QImage>
+#include <QStringList>
+
+#include <vector>
+
+/// Documents for window tests, put together behind the user's back.
+namespace Support {
+
+/// Adds a page to the document and to the page list, which does not show it, and returns its id.
+/// @param image  may be null.
+int Add_Page(TQuillet* window, const QImage& image, const std::vector<TDataItem>& items = {});
+
+/// What the view shows, a line for the page image and one for each label in order.
+QStringList View_In_Words(const TQuillet& window);
+
+} // namespace Support

@@ -1,0 +1,321 @@
+"""Mouse, keyboard and eyes for a program that is driven from outside, in a real X server.
+
+Everything goes through xdotool and screenshots; the program is not asked and does not know. Where a
+widget is, is found out as a person does: by walking the window with the tabulator key and looking at
+what lights up (Program.walk), by looking for an icon, or by looking for a piece of the page.
+"""
+
+import os
+import re
+import subprocess
+import time
+
+POLL_SECONDS = 0.03
+PATIENCE_SECONDS = 20
+# What a screen that shows no reaction is given to show one.
+CALM_SECONDS = 0.25
+
+# The colour of selected rows in the program's style.
+HIGHLIGHT = (48, 140, 198)
+
+
+class Failure(Exception):
+    """Something that was to happen on the screen or in a file did not happen."""
+
+
+def run(*command):
+    """The standard output of a command, which has to succeed."""
+    return subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout
+
+
+def ask(*command):
+    """The standard output of a command that may fail, as text."""
+    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout.decode()
+
+
+def wait_until(what, condition, seconds=PATIENCE_SECONDS):
+    """Polls until the condition gives something true, and returns that."""
+    deadline = time.monotonic() + seconds
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > deadline:
+            raise Failure(f"waited {seconds} seconds in vain: {what}")
+        time.sleep(POLL_SECONDS)
+
+
+class Box:
+    """A rectangle of screen pixels; right and bottom lie just outside."""
+
+    def __init__(self, left, top, right, bottom):
+        self.left, self.top, self.right, self.bottom = left, top, right, bottom
+
+    width = property(lambda self: self.right - self.left)
+    height = property(lambda self: self.bottom - self.top)
+    centre = property(lambda self: ((self.left + self.right) // 2, (self.top + self.bottom) // 2))
+
+    def shrunk(self, margin):
+        return Box(self.left + margin, self.top + margin, self.right - margin, self.bottom - margin)
+
+    def contains(self, x, y):
+        return self.left <= x < self.right and self.top <= y < self.bottom
+
+    def __repr__(self):
+        return f"({self.left}, {self.top}) to ({self.right}, {self.bottom})"
+
+
+class Picture:
+    """Pixels in red, green and blue, a byte each, row after row."""
+
+    def __init__(self, width, height, data):
+        self.width, self.height, self.data = width, height, data
+
+    @classmethod
+    def from_ppm(cls, ppm):
+        head = re.match(rb"P6\s+(\d+)\s+(\d+)\s+255\s", ppm)
+        return cls(int(head[1]), int(head[2]), ppm[head.end():])
+
+    @classmethod
+    def load(cls, path, *operations):
+        """A picture file, after ImageMagick's operations, for example "-alpha", "off"."""
+        return cls.from_ppm(run("convert", path, *operations, "-depth", "8", "ppm:-"))
+
+    @classmethod
+    def of_screen(cls):
+        return cls.from_ppm(run("import", "-silent", "-window", "root", "-depth", "8", "ppm:-"))
+
+    def pixel(self, x, y):
+        start = 3 * (y * self.width + x)
+        return tuple(self.data[start:start + 3])
+
+    def row(self, y, left=0, right=None):
+        """A piece of a row, as bytes."""
+        start = 3 * y * self.width
+        return self.data[start + 3 * left:start + 3 * (self.width if right is None else right)]
+
+    def cut(self, box):
+        rows = (self.row(y, box.left, box.right) for y in range(box.top, box.bottom))
+        return Picture(box.width, box.height, b"".join(rows))
+
+    @property
+    def box(self):
+        return Box(0, 0, self.width, self.height)
+
+    def with_box_of(self, other, box):
+        """This picture, with a box taken from another one of the same size."""
+        data = bytearray(self.data)
+        for y in range(max(box.top, 0), min(box.bottom, self.height)):
+            left, right = max(box.left, 0), min(box.right, self.width)
+            start = 3 * (y * self.width + left)
+            data[start:start + 3 * (right - left)] = other.row(y, left, right)
+        return Picture(self.width, self.height, bytes(data))
+
+    def positions(self, piece):
+        """Where a piece of a row is found, as (x, y) of its first pixel."""
+        start = self.data.find(piece)
+        while start >= 0:
+            y, x = divmod(start // 3, self.width)
+            if start % 3 == 0 and x + len(piece) // 3 <= self.width:
+                yield x, y
+            start = self.data.find(piece, start + 1)
+
+    def box_of(self, colour, area):
+        """The smallest box around all pixels of a colour in an area; None when there are none."""
+        piece = bytes(colour)
+        found = []
+        for y in range(area.top, area.bottom):
+            row = self.row(y, area.left, area.right)
+            if piece in row:
+                xs = [x for x in range(area.width) if row[3 * x:3 * x + 3] == piece]
+                found += [(area.left + xs[0], y, area.left + xs[-1] + 1, y + 1)] if xs else []
+        return enclosing(found)
+
+    def changes(self, other, area):
+        """The smallest box around the pixels of an area that differ; None when there are none."""
+        found = []
+        for y in range(area.top, area.bottom):
+            mine, others = self.row(y, area.left, area.right), other.row(y, area.left, area.right)
+            if mine != others:
+                xs = [i // 3 for i in range(len(mine)) if mine[i] != others[i]]
+                found.append((area.left + xs[0], y, area.left + xs[-1] + 1, y + 1))
+        return enclosing(found)
+
+
+def enclosing(boxes):
+    if not boxes:
+        return None
+    lefts, tops, rights, bottoms = zip(*boxes)
+    return Box(min(lefts), min(tops), max(rights), max(bottoms))
+
+
+# --- mouse and keyboard ------------------------------------------------------------------------
+
+
+def press(*keys):
+    if keys:
+        run("xdotool", "key", "--delay", "15", *keys)
+
+
+def write(text):
+    run("xdotool", "type", "--delay", "4", text)
+
+
+def point_at(x, y):
+    run("xdotool", "mousemove", str(x), str(y))
+
+
+def click(place, button=1, times=1, holding=None):
+    """Clicks a point, or the centre of a box; `holding` names a key to be held down meanwhile."""
+    point_at(*(place.centre if isinstance(place, Box) else place))
+    if holding:
+        run("xdotool", "keydown", holding)
+    run("xdotool", "click", "--repeat", str(times), "--delay", "40", str(button))
+    if holding:
+        run("xdotool", "keyup", holding)
+
+
+def drag(start, end, steps=8):
+    """Presses the left button at a point and takes it to another one, in steps as a hand does."""
+    point_at(*start)
+    run("xdotool", "mousedown", "1")
+    for step in range(1, steps + 1):
+        x = start[0] + (end[0] - start[0]) * step // steps
+        y = start[1] + (end[1] - start[1]) * step // steps
+        point_at(x, y)
+        # A drag in a list only begins, and only finds its goal, when the list sees moves one by one.
+        time.sleep(POLL_SECONDS)
+    run("xdotool", "mouseup", "1")
+
+
+def calm_screen():
+    """The screen once it has not changed for a moment."""
+    last = Picture.of_screen()
+    deadline = time.monotonic() + PATIENCE_SECONDS
+    while time.monotonic() < deadline:
+        time.sleep(CALM_SECONDS / 2)
+        now = Picture.of_screen()
+        if now.data == last.data:
+            return now
+        last = now
+    raise Failure("the screen does not come to rest")
+
+
+# --- the program -------------------------------------------------------------------------------
+
+
+class Program:
+    """A running program with one main window."""
+
+    def __init__(self, path, title):
+        self.title = title
+        self.process = subprocess.Popen([path])
+        pattern = f"^{re.escape(title)}$"
+        self.window = wait_until(f"window {title!r}", lambda: self.windows(pattern))[0]
+        wait_until("the window to be the active one", lambda: self.active_window() == self.window)
+
+    def windows(self, title="."):
+        """The ids of the program's visible windows whose titles match a pattern."""
+        return ask("xdotool", "search", "--onlyvisible", "--all", "--pid", str(self.process.pid),
+                   "--name", title).split()
+
+    def windows_but_main(self):
+        return [window for window in self.windows() if window != self.window]
+
+    @staticmethod
+    def active_window():
+        return ask("xdotool", "getactivewindow").strip()
+
+    @staticmethod
+    def box_of_window(window):
+        """Where the inside of a window is on the screen."""
+        text = ask("xwininfo", "-id", window)
+        left, top, width, height = (
+            int(re.search(rf"{name}: +(-?\d+)", text)[1])
+            for name in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+        return Box(left, top, left + width, top + height)
+
+    @property
+    def box(self):
+        return self.box_of_window(self.window)
+
+    def resize(self, width, height):
+        run("xdotool", "windowsize", "--sync", self.window, str(width), str(height))
+        calm_screen()
+
+    def dialog(self, title=None):
+        """Waits for a dialog of the program that has the keyboard; its id."""
+
+        def its_window():
+            active = self.active_window()
+            owner = ask("xdotool", "getwindowpid", active).strip() if active else None
+            if active == self.window or owner != str(self.process.pid):
+                return None
+            name = ask("xdotool", "getwindowname", active).strip()
+            return active if title in (None, name) else None
+
+        def in_its_frame():
+            return "(the root window)\n  " not in ask("xwininfo", "-id", window, "-tree")
+
+        window = wait_until(f"dialog {title or ''}", its_window)
+        wait_until("the dialog's frame", in_its_frame)
+        calm_screen()
+        return window
+
+    def back(self):
+        """Waits until the main window has the keyboard again."""
+        wait_until("the main window to come back", lambda: self.active_window() == self.window)
+        return calm_screen()
+
+    def answer(self, *keys):
+        """Answers the open dialog with keys."""
+        press(*keys)
+        return self.back()
+
+    def close(self):
+        """Asks the window to close, as the window manager's close button does."""
+        run("wmctrl", "-i", "-c", hex(int(self.window)))
+
+    def ended(self):
+        """Waits for the end of the program; its exit code."""
+        wait_until("the program to end", lambda: self.process.poll() is not None)
+        return self.process.returncode
+
+    def icon(self, path):
+        """Finds an icon file, drawn in its own size, in the window: its centre."""
+        solid = Picture.load(path, "-alpha", "extract")
+        colours = Picture.load(path, "-alpha", "off")
+        screen = Picture.of_screen()
+        for y, left, right in sorted(solid_runs(solid), key=lambda run: run[1] - run[2]):
+            piece = colours.row(y, left, right)
+            if len(set(piece)) < 6:
+                continue
+            for x_found, y_found in screen.positions(piece):
+                return (x_found - left + solid.width // 2, y_found - y + solid.height // 2)
+        raise Failure(f"{os.path.basename(path)} is not to be seen")
+
+    def walk(self, names):
+        """Walks the window with the tabulator key, and learns what lies where by what lights up.
+
+        `names` are the widgets in the order of the walk, the first of which has the focus already;
+        a widget that shows nothing when it gets the focus is None in the answer.
+        """
+        boxes = {names[0]: None}
+        before, last = calm_screen(), None
+        for name in names[1:]:
+            press("Tab")
+            time.sleep(CALM_SECONDS)
+            after = Picture.of_screen()
+            # What had the focus before changes as well; its place is known already.
+            shown = after if last is None else after.with_box_of(before, last)
+            boxes[name] = before.changes(shown, self.box)
+            before, last = after, boxes[name]
+        return boxes
+
+
+def solid_runs(solid):
+    """The runs of wholly opaque pixels of an extracted alpha channel: (y, left, right)."""
+    for y in range(solid.height):
+        row = solid.row(y)[::3]
+        for run_found in re.finditer(b"\xff{6,}", row):
+            yield y, run_found.start(), run_found.end()
