@@ -49,6 +49,8 @@ public:
 
     /// As QImage::size of the decoded image, in pixels; (0, 0) when it is null.
     QSize size() const;
+    int width() const { return size().width(); }
+    int height() const { return size().height(); }
 
     /// The image as PNG at default quality, encoded at most once. Bytes that are PNG already are
     /// handed out as they are, and so are bytes that cannot be decoded. Empty for an image without
@@ -80,3 +82,14 @@ private:
     /// Shared by all copies of one image; empty when there are neither bytes nor pixels.
     std::shared_ptr<TContent> d_content;
 };
+
+/// Whether the pixels are equal, as QImage compares them. Decodes what has to be compared.
+inline bool operator==(const TPageImage& left, const QImage& right)
+{
+    return static_cast<QImage>(left) == right;
+}
+
+inline bool operator!=(const TPageImage& left, const QImage& right)
+{
+    return !(left == right);
+}

@@ -103,11 +103,16 @@ void TQuillet::Restore_Docks()
     d_label_dock->setVisible(Read_Setting(settings, "Label_Visible", true));
     d_settings_dock->setVisible(Read_Setting(settings, "Settings_Visible", true));
     d_page_dock->setVisible(Read_Setting(settings, "Page_Visible", true));
-    // A dock that floats shows itself at once, and asks then which window it belongs to.
-    create();
-    d_label_dock->setFloating(Read_Setting(settings, "Label_Floating", false));
-    d_settings_dock->setFloating(Read_Setting(settings, "Settings_Floating", false));
-    d_page_dock->setFloating(Read_Setting(settings, "Page_Floating", false));
+    const auto restore_floating = [this, &settings](QDockWidget* dock, const char* key) {
+        const bool is_floating = Read_Setting(settings, key, false);
+        // A dock that floats shows itself at once, and asks then which window it belongs to.
+        if (is_floating)
+            create();
+        dock->setFloating(is_floating);
+    };
+    restore_floating(d_label_dock, "Label_Floating");
+    restore_floating(d_settings_dock, "Settings_Floating");
+    restore_floating(d_page_dock, "Page_Floating");
 
     const auto restore_position = [&settings](QDockWidget* dock, const char* key) {
         if (dock->isFloating())

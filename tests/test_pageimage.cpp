@@ -501,6 +501,17 @@ private slots:
         QVERIFY(TPageImage().Is_Same_As(TPageImage(QImage())));
     }
 
+    void images_are_compared_with_pictures_by_their_pixels()
+    {
+        const QImage picture = Support::Picture(40, 30);
+        const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
+        QVERIFY(image == picture);
+        QVERIFY(picture == image);
+        QVERIFY(image != Support::Picture(40, 30, 1));
+        QCOMPARE(image.width(), 40);
+        QCOMPARE(image.height(), 30);
+    }
+
     void a_moved_from_image_is_a_null_image()
     {
         TPageImage image = Support::Picture(40, 30);

@@ -623,8 +623,6 @@ private slots:
             for (int i = 0; i < pages; ++i)
                 window.d_page_widget->Add_Page(window.d_data.Add_Page(image));
             Support::Write_File(Path(), "the version before");
-            QTest::ignoreMessage(QtWarningMsg,
-                                 "quillet: unsaved work cannot be kept in the settings folder");
             QVERIFY(!window.Save_Data(Path()));
             QCOMPARE(window.d_error_text,
                      QStringLiteral("The document is larger than 2 GiB and cannot be saved in one "
