@@ -16,7 +16,7 @@ namespace {
 
 using TRandom = std::minstd_rand;
 
-const QString& Data_Folder()
+const QString& data_folder()
 {
     static const QString folder = [] {
         const QString path = QStringLiteral(QUILLET_BENCH_DATA);
@@ -153,7 +153,7 @@ QImage Bench::Scan_Page(int number, TGrain grain)
 QString Bench::Page_File(int number, TGrain grain, const QString& format)
 {
     const QString path =
-        QStringLiteral("%1/%2-%3.%4").arg(Data_Folder(), Grain_Name(grain)).arg(number).arg(format);
+        QStringLiteral("%1/%2-%3.%4").arg(data_folder(), Grain_Name(grain)).arg(number).arg(format);
     const int jpeg_quality = 90;
     if (!QFile::exists(path)) {
         // A run that is broken off must not leave half a page behind.
@@ -210,7 +210,7 @@ QString Bench::Document_File(const QString& name, const TShape& shape)
 
 QString Bench::Output_Path(const QString& name)
 {
-    const QString folder = Data_Folder() + QStringLiteral("/output");
+    const QString folder = data_folder() + QStringLiteral("/output");
     QDir().mkpath(folder);
     return folder + QLatin1Char('/') + name;
 }

@@ -23,7 +23,7 @@ constexpr int pages = 10;
 constexpr int labels = 100;
 constexpr int resolution_code = 2;
 
-const QString& Document()
+const QString& document()
 {
     static const QString path = Bench::Document_File(
         QStringLiteral("export.quillet"), Bench::Shape(pages, labels, TGrain::Noisy, pages));
@@ -50,7 +50,7 @@ std::unique_ptr<TQuillet> New_Window()
 {
     auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
     window->show();
-    Require(window->Load_Data(Document()));
+    Require(window->Load_Data(document()));
     Bench::Let_Paint();
     return window;
 }

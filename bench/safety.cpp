@@ -17,7 +17,7 @@ namespace {
 
 using Bench::TGrain;
 
-const QString& Document()
+const QString& document()
 {
     static const QString path = Bench::Document_File(QStringLiteral("safety.quillet"),
                                                      Bench::Shape(10, 100, TGrain::Clean, 8));
@@ -49,7 +49,7 @@ std::unique_ptr<TQuillet> New_Window(bool with_net)
     Allow_Net(with_net);
     auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
     window->show();
-    Require(window->Load_Data(Document()));
+    Require(window->Load_Data(document()));
     Bench::Let_Paint();
     return window;
 }

@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr int Indentation = 4; ///< blanks per level
+constexpr int indentation = 4; ///< blanks per level
 
-const QLatin1String Version_Attribute("File_Version");
+const QLatin1String version_attribute("File_Version");
 
 [[noreturn]] void Throw_Data_Error(const QString& message)
 {
@@ -129,7 +129,7 @@ void TXmlFile::Clear()
 void TXmlFile::Create_Root(const QString& root_name, int version)
 {
     d_root_element = createElement(root_name);
-    d_root_element.setAttribute(Version_Attribute, version);
+    d_root_element.setAttribute(version_attribute, version);
     appendChild(d_root_element);
 }
 
@@ -187,9 +187,9 @@ void TXmlFile::Identify(const QString& identification, int* version)
     d_identification = identification;
     if (!version)
         return;
-    if (!d_root_element.hasAttribute(Version_Attribute))
+    if (!d_root_element.hasAttribute(version_attribute))
         Throw_Data_Error(QStringLiteral("ERR: The 'File_Version' attribute is missing."));
-    *version = d_root_element.attribute(Version_Attribute).toInt();
+    *version = d_root_element.attribute(version_attribute).toInt();
 }
 
 QString TXmlFile::Read_Text_Node(const QDomElement* node, bool optional) const
@@ -348,7 +348,7 @@ void TXmlFile::Save_To(QIODevice* device, bool compact) const
     // The DOM gives the stream its codec, so the locale's does not matter.
     if (!compact) {
         QTextStream stream(device);
-        save(stream, Indentation);
+        save(stream, indentation);
         return;
     }
     QByteArray lines;

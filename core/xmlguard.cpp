@@ -80,12 +80,12 @@ private:
 };
 
 /// Within 16 bits; the two behind it are no characters.
-constexpr ushort Last_Character = 0xfffd;
+constexpr ushort last_character = 0xfffd;
 /// No reference is followed beyond this many characters.
-constexpr int Name_Limit = 256;
+constexpr int name_limit = 256;
 /// The reader looks through the declared entities at each reference; so many of them take as long
 /// as one expanded character.
-constexpr int Entities_Per_Character = 4;
+constexpr int entities_per_character = 4;
 
 /// The control characters that XML allows.
 bool Is_White(QChar character)
@@ -148,12 +148,12 @@ void TScout::Follow_Reference(QChar character)
     if (character == QLatin1Char('&') || (d_in_dtd && character == QLatin1Char('%'))) {
         d_reference = character;
     } else if (!d_reference.isEmpty() && character != QLatin1Char(';')) {
-        if (d_reference.size() < Name_Limit)
+        if (d_reference.size() < name_limit)
             d_reference += character;
     } else if (!d_reference.isEmpty()) {
         const bool general = d_reference.startsWith(QLatin1Char('&'));
         d_spent += d_costs.value(general ? d_reference.mid(1) : d_reference) +
-                   d_costs.size() / Entities_Per_Character;
+                   d_costs.size() / entities_per_character;
         d_reference.clear();
         // Within the declarations the reader's own search for long entities takes quadratic time.
         if (d_spent > (d_in_dtd ? XmlGuard::Declared_Expansion_Limit : XmlGuard::Expansion_Limit))
@@ -277,22 +277,22 @@ bool TScout::Declare(const QString& name, qint64 cost)
 /// reference, might yield anything.
 qint64 TScout::Cost(const QString& name, const QString& value) const
 {
-    constexpr qint64 Anything = XmlGuard::Expansion_Limit + 1;
+    constexpr qint64 anything = XmlGuard::Expansion_Limit + 1;
     const bool parameter = name.startsWith(QLatin1Char('%'));
     qint64 cost = 1 + value.size();
-    for (int i = 0; i < value.size() && cost < Anything; ++i) {
+    for (int i = 0; i < value.size() && cost < anything; ++i) {
         const bool general = value.at(i) == QLatin1Char('&');
         if (!general && !(parameter && value.at(i) == QLatin1Char('%')))
             continue;
-        const QString rest = value.mid(i, Name_Limit);
+        const QString rest = value.mid(i, name_limit);
         const int end = rest.indexOf(QLatin1Char(';'));
         if (end < 0)
-            return Anything;
+            return anything;
         const QString reference = general ? rest.mid(1, end - 1) : rest.left(end);
         if (!reference.startsWith(QLatin1Char('#')))
-            cost += d_costs.value(reference, Is_Predefined(reference) ? 1 : Anything);
+            cost += d_costs.value(reference, Is_Predefined(reference) ? 1 : anything);
     }
-    return std::min(cost, Anything);
+    return std::min(cost, anything);
 }
 
 bool TScout::fatalError(const QXmlParseException& exception)
@@ -314,7 +314,7 @@ bool Is_Text(const QString& text)
             character.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
         if (starts_pair)
             ++i;
-        else if (character.isSurrogate() || character.unicode() > Last_Character ||
+        else if (character.isSurrogate() || character.unicode() > last_character ||
                  (character < QLatin1Char(' ') && !Is_White(character)))
             return false;
     }

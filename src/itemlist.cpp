@@ -9,11 +9,11 @@
 namespace {
 
 constexpr int Version = 1;
-constexpr int Position_Decimals = 2;
+constexpr int position_decimals = 2;
 
-const QLatin1String Id_Name("Id");
-const QLatin1String Value_Name("Value");
-const QLatin1String Text_Name("Text");
+const QLatin1String id_name("Id");
+const QLatin1String value_name("Value");
+const QLatin1String text_name("Text");
 
 template <typename TContent>
 void Write_Child(TXmlFile* xml_file, QDomElement* parent, const QString& name,
@@ -25,15 +25,15 @@ void Write_Child(TXmlFile* xml_file, QDomElement* parent, const QString& name,
 
 QString Coordinate_Text(double coordinate)
 {
-    return QString::number(coordinate, 'f', Position_Decimals);
+    return QString::number(coordinate, 'f', position_decimals);
 }
 
 void Write_Item(TXmlFile* xml_file, const TDataItem& item)
 {
     QDomElement node = xml_file->Create_Node(&xml_file->d_root_element, ItemXml::Item_Name);
-    Write_Child(xml_file, &node, Id_Name, item.id);
-    Write_Child(xml_file, &node, Value_Name, item.value);
-    Write_Child(xml_file, &node, Text_Name, item.text);
+    Write_Child(xml_file, &node, id_name, item.id);
+    Write_Child(xml_file, &node, value_name, item.value);
+    Write_Child(xml_file, &node, text_name, item.text);
     Write_Child(xml_file, &node, ItemXml::Border_Name, item.border_type);
     const QString position =
         Coordinate_Text(item.position.x()) + QLatin1Char(',') + Coordinate_Text(item.position.y());
@@ -65,9 +65,9 @@ TDataItem Writable(TDataItem item, ItemList::TBadText bad_text)
 TDataItem Read_Item(const TXmlFile& xml_file, const QDomElement& node)
 {
     TDataItem item;
-    item.id = ItemXml::Read_Integer(xml_file, node, Id_Name);
-    item.value = ItemXml::Read_Integer(xml_file, node, Value_Name);
-    const QDomElement text = xml_file.Get_Node(&node, Text_Name, true);
+    item.id = ItemXml::Read_Integer(xml_file, node, id_name);
+    item.value = ItemXml::Read_Integer(xml_file, node, value_name);
+    const QDomElement text = xml_file.Get_Node(&node, text_name, true);
     if (!text.isNull())
         item.text = xml_file.Read_Text_Node(&text, true);
     item.border_type = ItemXml::Read_Integer(xml_file, node, ItemXml::Border_Name);

@@ -24,9 +24,9 @@ enum Roles {
     Border_Role,
 };
 
-const int Ellipse_Code = 2;
-const int First_Value = 1;
-const int Longest_Input = 32; // characters
+const int ellipse_code = 2;
+const int first_value = 1;
+const int longest_input = 32; // characters
 
 struct TBorder
 {
@@ -36,9 +36,9 @@ struct TBorder
 };
 
 /// The borders in the order of the combo box. The first one also stands for unknown codes.
-const std::array<TBorder, 5> Borders = {{
+const std::array<TBorder, 5> borders = {{
     {QT_TRANSLATE_NOOP("TLabelWidget", "No Border"), ":/gui/outline_none.png", 0},
-    {QT_TRANSLATE_NOOP("TLabelWidget", "Ellipse"), ":/gui/outline_ellipse.png", Ellipse_Code},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Ellipse"), ":/gui/outline_ellipse.png", ellipse_code},
     {QT_TRANSLATE_NOOP("TLabelWidget", "Square"), ":/gui/outline_square.png", 1},
     {QT_TRANSLATE_NOOP("TLabelWidget", "Triangle"), ":/gui/outline_triangle.png", 4},
     {QT_TRANSLATE_NOOP("TLabelWidget", "Diamond"), ":/gui/outline_diamond.png", 8},
@@ -47,7 +47,7 @@ const std::array<TBorder, 5> Borders = {{
 QLineEdit* New_Editor(const QString& tool_tip, QWidget* parent)
 {
     auto* const editor = new QLineEdit(parent);
-    editor->setMaxLength(Longest_Input);
+    editor->setMaxLength(longest_input);
     editor->setAlignment(Qt::AlignCenter);
     editor->setToolTip(tool_tip);
     return editor;
@@ -58,12 +58,12 @@ QLineEdit* New_Editor(const QString& tool_tip, QWidget* parent)
 TLabelWidget::TLabelWidget(const QWidget* parent, Qt::WindowFlags flags)
     : QWidget(Parent_Widget(parent), flags)
     , d_display_format(QString::fromLatin1(ItemFormat::Default_Format))
-    , d_label_index(First_Value)
-    , d_next_value(First_Value)
+    , d_label_index(first_value)
+    , d_next_value(first_value)
 {
     Create_Widgets();
     Arrange_Widgets();
-    Set_Border_Type(Ellipse_Code);
+    Set_Border_Type(ellipse_code);
     d_remove_button->setEnabled(false);
     d_value_editor->setText(QString::number(d_label_index));
     Connect_Widgets();
@@ -80,7 +80,7 @@ void TLabelWidget::Create_Widgets()
     d_text_editor = New_Editor(tr("Item Text"), this);
     d_border_box = new QComboBox(this);
     d_border_box->setToolTip(tr("Border Type"));
-    for (const TBorder& border : Borders) {
+    for (const TBorder& border : borders) {
         d_border_icons.emplace_back(QString::fromLatin1(border.icon));
         d_border_box->addItem(d_border_icons.back(), tr(border.name), border.code);
     }
@@ -267,8 +267,8 @@ void TLabelWidget::Update_Row_Text(QListWidgetItem* row) const
 
 const QIcon& TLabelWidget::Border_Icon(int border_type) const
 {
-    for (std::size_t place = 0; place < Borders.size(); ++place) {
-        if (Borders[place].code == border_type)
+    for (std::size_t place = 0; place < borders.size(); ++place) {
+        if (borders[place].code == border_type)
             return d_border_icons[place];
     }
     return d_border_icons.front();

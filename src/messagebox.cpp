@@ -4,24 +4,24 @@
 
 namespace {
 
-const int Box_Width = 500; // pixels
+const int box_width = 500; // pixels
 
 // Button layout 1 is QDialogButtonBox::MacLayout.
-const char* const Box_Style = "dialogbuttonbox-buttons-have-icons: 0;\nbutton-layout: 1;";
+const char* const box_style = "dialogbuttonbox-buttons-have-icons: 0;\nbutton-layout: 1;";
 
-const char* const Text_Pattern =
+const char* const text_pattern =
     "<span style=\"font-size:10pt; font-weight:600; color:#000000;\" >%1</span>";
-const char* const Informative_Text_Pattern =
+const char* const informative_text_pattern =
     "<span style=\"font-size:10pt; font-weight:400; color:#000000;\" >%1</span>";
 
 } // namespace
 
 TMessageBox::TMessageBox(const QWidget* parent)
     : QMessageBox(Parent_Widget(parent))
-    , d_fixed_width(Box_Width)
+    , d_fixed_width(box_width)
 {
     setTextFormat(Qt::RichText);
-    setStyleSheet(QString::fromLatin1(Box_Style));
+    setStyleSheet(QString::fromLatin1(box_style));
 }
 
 void TMessageBox::resizeEvent(QResizeEvent* event)
@@ -45,10 +45,10 @@ int TMessageBox::exec()
 
 void TMessageBox::setText(const QString& text)
 {
-    QMessageBox::setText(QString::fromLatin1(Text_Pattern).arg(text));
+    QMessageBox::setText(QString::fromLatin1(text_pattern).arg(text));
 }
 
 void TMessageBox::setInformativeText(const QString& text)
 {
-    QMessageBox::setInformativeText(QString::fromLatin1(Informative_Text_Pattern).arg(text));
+    QMessageBox::setInformativeText(QString::fromLatin1(informative_text_pattern).arg(text));
 }

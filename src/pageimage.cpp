@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr char Png_Signature[] = "\x89PNG\r\n\x1a\n";
+constexpr char png_signature[] = "\x89PNG\r\n\x1a\n";
 
 /// Decoded pixels of all page images, the ones used last in front. Its users are known by address.
 class TPixelStore
@@ -76,18 +76,18 @@ bool Is_Too_Large(qint64 width, qint64 height)
 /// tells what the directory says.
 bool Is_Icon_Too_Large(QIODevice* device)
 {
-    constexpr int Offset_Place = 18;
-    constexpr int Header_Size = 24;
-    if (!device->seek(Offset_Place))
+    constexpr int offset_place = 18;
+    constexpr int header_size = 24;
+    if (!device->seek(offset_place))
         return false;
     const QByteArray offset = device->read(sizeof(quint32));
     if (offset.size() < static_cast<int>(sizeof(quint32)) ||
         !device->seek(qFromLittleEndian<quint32>(offset.constData())))
         return false;
-    const QByteArray header = device->read(Header_Size);
-    if (header.size() < Header_Size)
+    const QByteArray header = device->read(header_size);
+    if (header.size() < header_size)
         return false;
-    if (header.startsWith(Png_Signature))
+    if (header.startsWith(png_signature))
         return Is_Too_Large(qFromBigEndian<quint32>(header.constData() + 16),
                             qFromBigEndian<quint32>(header.constData() + 20));
     return Is_Too_Large(qFromLittleEndian<qint32>(header.constData() + 4),
@@ -259,7 +259,7 @@ QByteArray TPageImage::Png() const
 {
     if (!d_content)
         return QByteArray();
-    if (d_content->source.startsWith(Png_Signature))
+    if (d_content->source.startsWith(png_signature))
         return d_content->source;
     if (d_content->png.isEmpty()) {
         const QImage image = d_content->Pixels(TContent::Passed_On);

@@ -10,10 +10,10 @@
 
 namespace {
 
-const QSize Panel_Size(280, 250); // pixels
+const QSize panel_size(280, 250); // pixels
 // Two rows. By itself the list would take more, and the window be too high for a small screen.
-const int Least_List_Height = 48; // pixels
-const int No_Page = -1;
+const int least_list_height = 48; // pixels
+const int no_page = -1;
 
 } // namespace
 
@@ -21,7 +21,7 @@ TPageWidget::TPageWidget(const QWidget* parent, Qt::WindowFlags flags)
     : QWidget(Parent_Widget(parent), flags)
 {
     qRegisterMetaType<QList<int>>("QList<int>");
-    resize(Panel_Size);
+    resize(panel_size);
     setWindowTitle(tr("Page List"));
     Create_Widgets();
     Arrange_Widgets();
@@ -35,7 +35,7 @@ void TPageWidget::Create_Widgets()
     // The order of creation is the order in which the tabulator key visits the widgets.
     d_list = new TRowList(this);
     d_list->setAccessibleName(tr("Page List"));
-    d_list->setMinimumHeight(Least_List_Height);
+    d_list->setMinimumHeight(least_list_height);
     d_name_editor = new QLineEdit(this);
     d_name_editor->setAlignment(Qt::AlignCenter);
     d_name_editor->setToolTip(tr("Page Item Name"));
@@ -116,7 +116,7 @@ void TPageWidget::Page_Selection_Changed()
     d_remove_button->setEnabled(d_list->selectionModel()->hasSelection());
     d_name_editor->setEnabled(row != nullptr);
     d_name_editor->setText(row != nullptr ? row->text() : QString());
-    Q_EMIT Selection_Changed(row != nullptr ? row->data(TRowList::Id_Role).toInt() : No_Page);
+    Q_EMIT Selection_Changed(row != nullptr ? row->data(TRowList::Id_Role).toInt() : no_page);
 }
 
 void TPageWidget::Remove_Page()

@@ -11,8 +11,8 @@ namespace PanelParts {
 namespace {
 
 const int Margin = 2;            // pixels
-const int Column_Gap = 4;        // pixels
-const QSize Button_Size(22, 22); // pixels
+const int column_gap = 4;        // pixels
+const QSize button_size(22, 22); // pixels
 
 /// A caption that breaks into lines where its column is narrow, and says how much room it needs
 /// then: docks ask for the minimum only, not for the height at their width.
@@ -42,7 +42,7 @@ public:
 QToolButton* New_Button(const QString& sign, const QString& tool_tip, QWidget* parent)
 {
     auto* const button = new QToolButton(parent);
-    button->setFixedSize(Button_Size);
+    button->setFixedSize(button_size);
     button->setText(sign);
     button->setToolTip(tool_tip);
     button->setAccessibleName(tool_tip);
@@ -60,7 +60,7 @@ void Add_Row(QGridLayout* grid, int row, const QString& caption, QWidget* editor
     // The editors give way first: captions break into lines only when the editors are at their
     // narrowest.
     grid->setColumnStretch(1, 1);
-    grid->setHorizontalSpacing(Column_Gap);
+    grid->setHorizontalSpacing(column_gap);
 }
 
 void Set_Margins(QLayout* layout)

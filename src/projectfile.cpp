@@ -63,8 +63,8 @@ TProjectReader::TProjectReader(const QByteArray& bytes)
 
 bool TProjectReader::Read_Magic()
 {
-    constexpr int Least_Size = 8;
-    return d_bytes.size() >= Least_Size && Read_Integer() == Magic;
+    constexpr int least_size = 8;
+    return d_bytes.size() >= least_size && Read_Integer() == Magic;
 }
 
 int TProjectReader::Read_Integer()

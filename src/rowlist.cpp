@@ -11,8 +11,8 @@
 namespace {
 
 // Texts of letters in this range stand in one line as high as the font.
-const ushort First_Letter = 0x20;
-const ushort Last_Letter = 0xff;
+const ushort first_letter = 0x20;
+const ushort last_letter = 0xff;
 
 /// Whether a change of these roles can make a row larger or smaller, its text apart; no roles at
 /// all stand for any of them.
@@ -63,9 +63,9 @@ public:
             Learn_Letters();
         qreal width = 0.0;
         for (const QChar letter : text) {
-            if (letter.unicode() < First_Letter || letter.unicode() > Last_Letter)
+            if (letter.unicode() < first_letter || letter.unicode() > last_letter)
                 return false;
-            width += d_letter_widths[letter.unicode() - First_Letter];
+            width += d_letter_widths[letter.unicode() - first_letter];
         }
         if (width > d_widest_text_width) {
             d_widest_text_width = width;
@@ -106,14 +106,14 @@ private:
     void Learn_Letters()
     {
         const QFontMetricsF metrics(d_font);
-        for (ushort letter = First_Letter; letter <= Last_Letter; ++letter)
-            d_letter_widths[letter - First_Letter] = metrics.horizontalAdvance(QChar(letter));
+        for (ushort letter = first_letter; letter <= last_letter; ++letter)
+            d_letter_widths[letter - first_letter] = metrics.horizontalAdvance(QChar(letter));
         d_knows_letters = true;
     }
 
     QFont d_font;
     bool d_knows_letters = false;
-    std::array<qreal, Last_Letter - First_Letter + 1> d_letter_widths; ///< pixels
+    std::array<qreal, last_letter - first_letter + 1> d_letter_widths; ///< pixels
     QString d_widest_text;
     qreal d_widest_text_width = 0.0; ///< pixels, without kerning
     int d_growths = 0;

@@ -17,14 +17,14 @@
 
 namespace {
 
-const QSize Panel_Size(315, 217); // pixels
-const int Smallest_Label = 16;    // pixels
-const int Largest_Label = 128;    // pixels
-const int Default_Label = 32;     // pixels
-const char* const Initial_Format = "Item[%1]";
-const QColor Initial_Color(250, 8, 50);
-const int Smallest_Icon = 16; // pixels
-const int Icon_Margin = 6;    // pixels of the colour button that the icon leaves free
+const QSize panel_size(315, 217); // pixels
+const int smallest_label = 16;    // pixels
+const int largest_label = 128;    // pixels
+const int default_label = 32;     // pixels
+const char* const initial_format = "Item[%1]";
+const QColor initial_color(250, 8, 50);
+const int smallest_icon = 16; // pixels
+const int icon_margin = 6;    // pixels of the colour button that the icon leaves free
 
 struct TChoice
 {
@@ -32,12 +32,12 @@ struct TChoice
     int code;
 };
 
-const std::array<TChoice, 2> Orientations = {{
+const std::array<TChoice, 2> orientations = {{
     {QT_TRANSLATE_NOOP("TSettingsWidget", "Portrait"), 0},
     {QT_TRANSLATE_NOOP("TSettingsWidget", "Landscape"), 1},
 }};
 
-const std::array<TChoice, 4> Resolutions = {{
+const std::array<TChoice, 4> resolutions = {{
     {QT_TRANSLATE_NOOP("TSettingsWidget", "96 DPI"), 1},
     {QT_TRANSLATE_NOOP("TSettingsWidget", "180 DPI"), 2},
     {QT_TRANSLATE_NOOP("TSettingsWidget", "276 DPI"), 3},
@@ -64,9 +64,9 @@ void Show_Choice(QComboBox* box, int code, int otherwise)
 
 TSettingsWidget::TSettingsWidget(const QWidget* parent, Qt::WindowFlags flags)
     : QWidget(Parent_Widget(parent), flags)
-    , d_label_color(Initial_Color)
+    , d_label_color(initial_color)
 {
-    resize(Panel_Size);
+    resize(panel_size);
     setWindowTitle(tr("Settings"));
     Create_Widgets();
     Arrange_Widgets();
@@ -76,19 +76,19 @@ TSettingsWidget::TSettingsWidget(const QWidget* parent, Qt::WindowFlags flags)
 void TSettingsWidget::Create_Widgets()
 {
     // The order of creation is the order in which the tabulator key visits the widgets.
-    d_format_editor = new QLineEdit(QString::fromLatin1(Initial_Format), this);
+    d_format_editor = new QLineEdit(QString::fromLatin1(initial_format), this);
     d_format_editor->setAlignment(Qt::AlignCenter);
     d_color_button = new QToolButton(this);
     d_color_button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     // The icon fills the button, and the button wants to be larger than its icon. Limits of its own
     // keep it, and with it the dock, from growing with the icon and from staying as wide for good.
-    d_color_button->setMinimumWidth(Smallest_Icon + Icon_Margin);
+    d_color_button->setMinimumWidth(smallest_icon + icon_margin);
     d_color_button->setFixedHeight(d_color_button->sizeHint().height());
     d_size_slider = new QSlider(Qt::Horizontal, this);
-    d_size_slider->setRange(Smallest_Label, Largest_Label);
-    d_size_slider->setValue(Default_Label);
-    d_orientation_box = New_Box(Orientations, this);
-    d_resolution_box = New_Box(Resolutions, this);
+    d_size_slider->setRange(smallest_label, largest_label);
+    d_size_slider->setValue(default_label);
+    d_orientation_box = New_Box(orientations, this);
+    d_resolution_box = New_Box(resolutions, this);
     d_track_box = new QCheckBox(tr("Track Selected Item"), this);
     d_track_box->setChecked(true);
 }
@@ -196,8 +196,8 @@ void TSettingsWidget::resizeEvent(QResizeEvent* event)
     if (!d_first_resize)
         return;
     d_first_resize = false;
-    const QSize free = d_color_button->size() - QSize(Icon_Margin, Icon_Margin);
-    d_color_button->setIconSize(free.expandedTo(QSize(Smallest_Icon, Smallest_Icon)));
+    const QSize free = d_color_button->size() - QSize(icon_margin, icon_margin);
+    d_color_button->setIconSize(free.expandedTo(QSize(smallest_icon, smallest_icon)));
     Show_Color();
 }
 

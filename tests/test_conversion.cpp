@@ -61,11 +61,11 @@ QString Writer_Bound(const char* type)
         .arg(QLatin1String(type));
 }
 
-const QString Source = QStringLiteral("core/conversion.cpp");
+const QString source = QStringLiteral("core/conversion.cpp");
 
 QString Set_Ascii_Failure(unsigned int index, const QByteArray& data, QByteArray array)
 {
-    return Support::Assertion_Failure([&] { Conversion::Set_Ascii(index, data, &array); }, Source,
+    return Support::Assertion_Failure([&] { Conversion::Set_Ascii(index, data, &array); }, source,
                                       QStringLiteral("(index + data.size() -1) < "
                                                      "static_cast<unsigned int>(array->size())"),
                                       QStringLiteral("static void Conversion::Set_Ascii(unsigned "
@@ -181,20 +181,20 @@ void TestConversion::numbers_end_with_the_array()
     type.write(last, &array);
     for (const unsigned int index : {last + 1, 10U, 11U, 12U}) {
         const auto read = [&] { type.read(index, &array); };
-        QCOMPARE(Support::Assertion_Failure(read, Source, Reader_Bound(type.type),
+        QCOMPARE(Support::Assertion_Failure(read, source, Reader_Bound(type.type),
                                             QLatin1String(type.reader)),
                  QString());
         const auto write = [&] { type.write(index, &array); };
-        QCOMPARE(Support::Assertion_Failure(write, Source, Writer_Bound(type.type),
+        QCOMPARE(Support::Assertion_Failure(write, source, Writer_Bound(type.type),
                                             QLatin1String(type.writer)),
                  QString());
     }
     QByteArray empty;
     QCOMPARE(
-        Support::Assertion_Failure([&] { type.read(0, &empty); }, Source, Reader_Bound(type.type)),
+        Support::Assertion_Failure([&] { type.read(0, &empty); }, source, Reader_Bound(type.type)),
         QString());
     QByteArray short_array(type.width - 1, 'x');
-    QCOMPARE(Support::Assertion_Failure([&] { type.write(0, &short_array); }, Source,
+    QCOMPARE(Support::Assertion_Failure([&] { type.write(0, &short_array); }, source,
                                         Writer_Bound(type.type)),
              QString());
 }
@@ -213,10 +213,10 @@ void TestConversion::a_huge_index_does_not_wrap()
     const unsigned int highest = std::numeric_limits<unsigned int>::max();
     for (const unsigned int index :
          {highest, highest - static_cast<unsigned int>(type.width) + 2}) {
-        QCOMPARE(Support::Assertion_Failure([&] { type.read(index, &array); }, Source,
+        QCOMPARE(Support::Assertion_Failure([&] { type.read(index, &array); }, source,
                                             Reader_Bound(type.type)),
                  QString());
-        QCOMPARE(Support::Assertion_Failure([&] { type.write(index, &array); }, Source,
+        QCOMPARE(Support::Assertion_Failure([&] { type.write(index, &array); }, source,
                                             Writer_Bound(type.type)),
                  QString());
     }
@@ -231,7 +231,7 @@ void TestConversion::number_writers_want_an_array()
 {
     QFETCH(int, number);
     const TNumber& type = Numbers().at(static_cast<std::size_t>(number));
-    QCOMPARE(Support::Assertion_Failure([&] { type.write(0, nullptr); }, Source,
+    QCOMPARE(Support::Assertion_Failure([&] { type.write(0, nullptr); }, source,
                                         QStringLiteral("array"), QLatin1String(type.writer)),
              QString());
 }
@@ -261,9 +261,9 @@ void TestConversion::ascii_wants_an_index_within_the_array()
         QStringLiteral("static QByteArray Conversion::Ascii(unsigned int, const QByteArray&)");
     for (const unsigned int index : {5U, 6U, std::numeric_limits<unsigned int>::max()}) {
         const auto read = [index] { Conversion::Ascii(index, QByteArray("AB\0CD", 5)); };
-        QCOMPARE(Support::Assertion_Failure(read, Source, condition, function), QString());
+        QCOMPARE(Support::Assertion_Failure(read, source, condition, function), QString());
     }
-    QCOMPARE(Support::Assertion_Failure([] { Conversion::Ascii(0, QByteArray()); }, Source,
+    QCOMPARE(Support::Assertion_Failure([] { Conversion::Ascii(0, QByteArray()); }, source,
                                         condition, function),
              QString());
 }
@@ -302,13 +302,13 @@ void TestConversion::set_ascii_stays_within_the_array()
         Conversion::Set_Ascii(std::numeric_limits<unsigned int>::max(), "XY", &array);
     };
     QCOMPARE(Support::Assertion_Failure(
-                 wrap, Source, QStringLiteral("index <= static_cast<unsigned int>(array->size())")),
+                 wrap, source, QStringLiteral("index <= static_cast<unsigned int>(array->size())")),
              QString());
 }
 
 void TestConversion::set_ascii_wants_an_array()
 {
-    QCOMPARE(Support::Assertion_Failure([] { Conversion::Set_Ascii(0, "X", nullptr); }, Source,
+    QCOMPARE(Support::Assertion_Failure([] { Conversion::Set_Ascii(0, "X", nullptr); }, source,
                                         QStringLiteral("array")),
              QString());
 }

@@ -17,7 +17,7 @@ TDataItem Make_Item(int id, int value = 0)
 }
 
 /// So many labels that removing one leaves a gap for a while.
-constexpr int Large_Page = 1000;
+constexpr int large_page = 1000;
 
 QVector<int> Numbers(int first, int last)
 {
@@ -457,7 +457,7 @@ private slots:
     void removed_labels_stay_removed_when_pages_change()
     {
         QFETCH(const TOperation, change);
-        for (const int count : {6, Large_Page}) {
+        for (const int count : {6, large_page}) {
             TData data;
             Fill(&data, {2, 3});
             Fill(&data, Numbers(1, count));
@@ -476,7 +476,7 @@ private slots:
 
     void the_active_page_can_be_removed_with_labels_just_removed()
     {
-        for (const int count : {4, Large_Page}) {
+        for (const int count : {4, large_page}) {
             TData data;
             Fill(&data, Numbers(1, count));
             data.Add_Page();
@@ -493,7 +493,7 @@ private slots:
     {
         QTest::addColumn<int>("id_count");
         QTest::newRow("small page") << 97;
-        QTest::newRow("large page") << 2 * Large_Page;
+        QTest::newRow("large page") << 2 * large_page;
     }
 
     // The same random operations on a plain list of ids and values give the same labels.

@@ -6,11 +6,11 @@
 
 namespace {
 
-const QByteArray Declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
+const QByteArray declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
 
 QByteArray Document(const QByteArray& items, const QByteArray& version = "1")
 {
-    return Declaration + "<Quillet_Data File_Version=\"" + version + "\">" + items +
+    return declaration + "<Quillet_Data File_Version=\"" + version + "\">" + items +
            "</Quillet_Data>";
 }
 
@@ -81,7 +81,7 @@ private slots:
 
     void an_empty_page_is_an_empty_root()
     {
-        QCOMPARE(ItemList::Write(Empty_Page()), Declaration + "<Quillet_Data File_Version=\"1\"/>");
+        QCOMPARE(ItemList::Write(Empty_Page()), declaration + "<Quillet_Data File_Version=\"1\"/>");
     }
 
     void the_active_page_only_is_written()
@@ -349,14 +349,14 @@ private slots:
 
     void thousands_of_labels_are_written_and_read()
     {
-        constexpr int Count = 20000;
+        constexpr int count = 20000;
         TData data = Empty_Page();
-        for (int id = 0; id < Count; ++id)
-            data.Add_Item({id, Count - id, QString::number(id), 1, QPointF(id, 1), false});
+        for (int id = 0; id < count; ++id)
+            data.Add_Item({id, count - id, QString::number(id), 1, QPointF(id, 1), false});
         TData copy = Empty_Page();
         ItemList::Read(ItemList::Write(data), &copy);
-        QCOMPARE(copy.Item_Count(), Count);
-        QCOMPARE(copy.Item(Count - 1).text, QString::number(Count - 1));
+        QCOMPARE(copy.Item_Count(), count);
+        QCOMPARE(copy.Item(count - 1).text, QString::number(count - 1));
     }
 
     void characters_that_xml_does_not_know_can_be_left_out_data()

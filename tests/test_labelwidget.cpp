@@ -18,13 +18,13 @@
 
 namespace {
 
-const int Id_Role = 256;
-const int Value_Role = 257;
-const int Text_Role = 258;
-const int Border_Role = 259;
+const int id_role = 256;
+const int value_role = 257;
+const int text_role = 258;
+const int border_role = 259;
 
-const int Largest = std::numeric_limits<int>::max();
-const int Smallest = std::numeric_limits<int>::min();
+const int largest = std::numeric_limits<int>::max();
+const int smallest = std::numeric_limits<int>::min();
 
 TDataItem Item(int id, int value, const QString& text = QString(), int border_type = 2)
 {
@@ -311,10 +311,10 @@ void TestLabelWidget::a_row_keeps_what_it_shows()
     const QListWidgetItem* const row = d_list->item(0);
     QCOMPARE(row->data(Qt::DisplayRole), QVariant(QStringLiteral("Item [-5] Pump")));
     QCOMPARE(Icon_Difference(row->data(Qt::DecorationRole).value<QIcon>(), icon), QString());
-    QCOMPARE(row->data(Id_Role), QVariant(77));
-    QCOMPARE(row->data(Value_Role), QVariant(-5));
-    QCOMPARE(row->data(Text_Role), QVariant(QStringLiteral("Pump")));
-    QCOMPARE(row->data(Border_Role), QVariant(border_type));
+    QCOMPARE(row->data(id_role), QVariant(77));
+    QCOMPARE(row->data(value_role), QVariant(-5));
+    QCOMPARE(row->data(text_role), QVariant(QStringLiteral("Pump")));
+    QCOMPARE(row->data(border_role), QVariant(border_type));
 }
 
 void TestLabelWidget::rows_follow_the_display_format_data()
@@ -359,7 +359,7 @@ void TestLabelWidget::adding_an_item_selects_and_reports_nothing()
     QCOMPARE(selection.count(), 0);
     QCOMPARE(asked.count(), 0);
     QCOMPARE(d_panel->Selected_Items(), std::vector<int>({12}));
-    QCOMPARE(d_list->item(3)->data(Id_Role).toInt(), 14);
+    QCOMPARE(d_list->item(3)->data(id_role).toInt(), 14);
 }
 
 void TestLabelWidget::removing_takes_the_first_row_with_the_id()
@@ -368,11 +368,11 @@ void TestLabelWidget::removing_takes_the_first_row_with_the_id()
     d_panel->Add_Item(Item(11, 4, QStringLiteral("again")));
     d_panel->Remove_Item(11);
     QCOMPARE(d_list->count(), 3);
-    QCOMPARE(d_list->item(2)->data(Text_Role).toString(), QStringLiteral("again"));
+    QCOMPARE(d_list->item(2)->data(text_role).toString(), QStringLiteral("again"));
     d_panel->Remove_Item(11);
     QCOMPARE(d_list->count(), 2);
-    QCOMPARE(d_list->item(0)->data(Id_Role).toInt(), 12);
-    QCOMPARE(d_list->item(1)->data(Id_Role).toInt(), 13);
+    QCOMPARE(d_list->item(0)->data(id_role).toInt(), 12);
+    QCOMPARE(d_list->item(1)->data(id_role).toInt(), 13);
 }
 
 void TestLabelWidget::removing_an_unknown_item_does_nothing()
@@ -485,7 +485,7 @@ void TestLabelWidget::selected_items_are_in_the_order_of_the_list()
     Support::Click_Row(d_list, 0, Qt::ControlModifier);
     std::vector<int> reported;
     for (const QListWidgetItem* const row : d_list->selectedItems())
-        reported.push_back(row->data(Id_Role).toInt());
+        reported.push_back(row->data(id_role).toInt());
     QCOMPARE(reported.size(), std::size_t(2));
     QCOMPARE(d_panel->Selected_Items(), reported);
 }
@@ -569,7 +569,7 @@ void TestLabelWidget::setting_the_border_type_shows_it_silently()
         QVERIFY(!d_border->signalsBlocked());
     }
     QCOMPARE(borders.count(), 0);
-    QCOMPARE(d_list->item(0)->data(Border_Role).toInt(), 1);
+    QCOMPARE(d_list->item(0)->data(border_role).toInt(), 1);
 }
 
 void TestLabelWidget::signals_that_were_blocked_stay_blocked()
@@ -626,7 +626,7 @@ void TestLabelWidget::setting_the_label_index_sets_the_next_value_only()
     d_panel->Set_Label_Index(11);
     QCOMPARE(Shown_Value(), QStringLiteral("11"));
     QCOMPARE(values.count(), 0);
-    QCOMPARE(d_list->item(1)->data(Value_Role).toInt(), 2);
+    QCOMPARE(d_list->item(1)->data(value_role).toInt(), 2);
     d_panel->Clear_Selection();
     QCOMPARE(Shown_Value(), QStringLiteral("1"));
     QCOMPARE(d_panel->Take_Label_Index(), 11);
@@ -648,9 +648,9 @@ void TestLabelWidget::taking_a_value_advances_what_an_empty_selection_shows()
 
 void TestLabelWidget::the_largest_value_does_not_overflow()
 {
-    Type_Value(QString::number(Largest));
-    QCOMPARE(d_panel->Take_Label_Index(), Largest);
-    QCOMPARE(d_panel->Take_Label_Index(), Smallest);
+    Type_Value(QString::number(largest));
+    QCOMPARE(d_panel->Take_Label_Index(), largest);
+    QCOMPARE(d_panel->Take_Label_Index(), smallest);
 }
 
 void TestLabelWidget::the_buttons_only_ask()
@@ -752,7 +752,7 @@ void TestLabelWidget::showing_a_selection_is_no_edit()
     QCOMPARE(values.count(), 0);
     QCOMPARE(texts.count(), 0);
     QCOMPARE(borders.count(), 0);
-    QCOMPARE(d_list->item(2)->data(Text_Role).toString(), QStringLiteral("three"));
+    QCOMPARE(d_list->item(2)->data(text_role).toString(), QStringLiteral("three"));
 }
 
 void TestLabelWidget::a_typed_value_reaches_the_selected_row_data()
@@ -765,8 +765,8 @@ void TestLabelWidget::a_typed_value_reaches_the_selected_row_data()
     QTest::newRow("+8") << true << 8;
     QTest::newRow("007") << true << 7;
     QTest::newRow(" 9 ") << true << 9;
-    QTest::newRow("2147483647") << true << Largest;
-    QTest::newRow("-2147483648") << true << Smallest;
+    QTest::newRow("2147483647") << true << largest;
+    QTest::newRow("-2147483648") << true << smallest;
     QTest::newRow("2147483648") << false << 0;
     QTest::newRow("-2147483649") << false << 0;
     QTest::newRow("12a") << false << 0;
@@ -789,13 +789,13 @@ void TestLabelWidget::a_typed_value_reaches_the_selected_row()
     d_panel->Set_Selection(12);
     // Up to the last letter another value is typed; the last one decides.
     Type_Value(typed.left(typed.size() - 1));
-    const int before = d_list->item(1)->data(Value_Role).toInt();
+    const int before = d_list->item(1)->data(value_role).toInt();
     const QString text_before = d_list->item(1)->text();
     QSignalSpy values(d_panel.data(), SIGNAL(Change_Item_Value(int, int)));
     QTest::keyClicks(d_value, typed.right(1));
     QCOMPARE(Shown_Value(), typed);
     QCOMPARE(values.count(), valid ? 1 : 0);
-    QCOMPARE(d_list->item(1)->data(Value_Role), QVariant(valid ? value : before));
+    QCOMPARE(d_list->item(1)->data(value_role), QVariant(valid ? value : before));
     if (valid) {
         QCOMPARE(values.first(), QVariantList({12, value}));
         QCOMPARE(d_list->item(1)->text(), QStringLiteral("Item [%1] two").arg(value));
@@ -834,7 +834,7 @@ void TestLabelWidget::an_emptied_value_changes_nothing()
     Type_Value(QString());
     QCOMPARE(Shown_Value(), QString());
     QCOMPARE(values.count(), 0);
-    QCOMPARE(d_list->item(1)->data(Value_Role).toInt(), 2);
+    QCOMPARE(d_list->item(1)->data(value_role).toInt(), 2);
     d_panel->Clear_Selection();
     Type_Value(QString());
     d_panel->Set_Selection(12);
@@ -850,7 +850,7 @@ void TestLabelWidget::a_typed_value_does_not_reach_several_rows()
     Type_Value(QStringLiteral("7"));
     QCOMPARE(values.count(), 0);
     for (int place = 0; place < 3; ++place)
-        QCOMPARE(d_list->item(place)->data(Value_Role).toInt(), place + 1);
+        QCOMPARE(d_list->item(place)->data(value_role).toInt(), place + 1);
     d_panel->Clear_Selection();
     QCOMPARE(Shown_Value(), QStringLiteral("1"));
 }
@@ -862,7 +862,7 @@ void TestLabelWidget::a_value_set_from_outside_is_no_edit()
     QSignalSpy values(d_panel.data(), SIGNAL(Change_Item_Value(int, int)));
     d_value->setText(QStringLiteral("55"));
     QCOMPARE(values.count(), 0);
-    QCOMPARE(d_list->item(1)->data(Value_Role).toInt(), 2);
+    QCOMPARE(d_list->item(1)->data(value_role).toInt(), 2);
 }
 
 void TestLabelWidget::a_typed_text_is_simplified()
@@ -875,7 +875,7 @@ void TestLabelWidget::a_typed_text_is_simplified()
     QTest::keyClick(d_text, Qt::Key_Return);
     QCOMPARE(texts.count(), 1);
     QCOMPARE(texts.first(), QVariantList({12, QStringLiteral("two words")}));
-    QCOMPARE(d_list->item(1)->data(Text_Role).toString(), QStringLiteral("two words"));
+    QCOMPARE(d_list->item(1)->data(text_role).toString(), QStringLiteral("two words"));
     QCOMPARE(d_list->item(1)->text(), QStringLiteral("Item [2] two words"));
     QCOMPARE(d_text->text(), QStringLiteral("  two   words "));
     Support::Type_Over(d_text, QStringLiteral("100 %1 %2"));
@@ -919,7 +919,7 @@ void TestLabelWidget::clicking_another_row_finishes_the_edit_of_the_first()
     Support::Click_Row(d_list, 0);
     QCOMPARE(texts.count(), 1);
     QCOMPARE(texts.first(), QVariantList({12, QStringLiteral("valve")}));
-    QCOMPARE(d_list->item(0)->data(Text_Role).toString(), QStringLiteral("one"));
+    QCOMPARE(d_list->item(0)->data(text_role).toString(), QStringLiteral("one"));
     QCOMPARE(d_text->text(), QStringLiteral("one"));
 }
 
@@ -951,12 +951,12 @@ void TestLabelWidget::a_chosen_border_reaches_each_selected_row()
     QCOMPARE(borders.count(), 3);
     for (int place = 0; place < 3; ++place) {
         QCOMPARE(borders.at(place), QVariantList({ids[static_cast<std::size_t>(place)], 8}));
-        QCOMPARE(d_list->item(place)->data(Border_Role), QVariant(8));
+        QCOMPARE(d_list->item(place)->data(border_role), QVariant(8));
         QCOMPARE(Icon_Difference(d_list->item(place)->icon(),
                                  QStringLiteral(":/gui/outline_diamond.png")),
                  QString());
     }
-    QCOMPARE(d_list->item(3)->data(Border_Role), QVariant(1));
+    QCOMPARE(d_list->item(3)->data(border_role), QVariant(1));
     QCOMPARE(selection.count(), 0);
     QTest::keyClicks(d_border, QStringLiteral("D"));
     QCOMPARE(borders.count(), 3);
@@ -970,7 +970,7 @@ void TestLabelWidget::a_chosen_border_without_selection_is_a_preset()
     QCOMPARE(d_border->currentText(), QStringLiteral("Square"));
     QCOMPARE(d_panel->Border_Type(), 1);
     QCOMPARE(borders.count(), 0);
-    QCOMPARE(d_list->item(1)->data(Border_Role), QVariant(4));
+    QCOMPARE(d_list->item(1)->data(border_role), QVariant(4));
 }
 
 void TestLabelWidget::a_chosen_border_reaches_one_selected_row()
@@ -981,7 +981,7 @@ void TestLabelWidget::a_chosen_border_reaches_one_selected_row()
     QTest::keyClick(d_border, Qt::Key_Home);
     QCOMPARE(borders.count(), 1);
     QCOMPARE(borders.first(), QVariantList({11, 0}));
-    QCOMPARE(d_list->item(0)->data(Border_Role), QVariant(0));
+    QCOMPARE(d_list->item(0)->data(border_role), QVariant(0));
     QCOMPARE(Icon_Difference(d_list->item(0)->icon(), QStringLiteral(":/gui/outline_none.png")),
              QString());
 }

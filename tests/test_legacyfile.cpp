@@ -10,8 +10,8 @@ namespace {
 
 using TReader = std::function<void(const TXmlFile&, std::vector<TDataItem>*)>;
 
-const QByteArray Size_Node = "<Item_Size><Width>48</Width></Item_Size>";
-const QByteArray Color_Node = "<Colors><Foreground>#0000ff</Foreground></Colors>";
+const QByteArray size_node = "<Item_Size><Width>48</Width></Item_Size>";
+const QByteArray color_node = "<Colors><Foreground>#0000ff</Foreground></Colors>";
 
 /// An opened document with this content below its root.
 TXmlFile Opened(const QByteArray& content)
@@ -111,7 +111,7 @@ private slots:
 
     void label_settings_are_read()
     {
-        const TXmlFile xml_file = Opened(Size_Node + Color_Node);
+        const TXmlFile xml_file = Opened(size_node + color_node);
         QCOMPARE(LegacyFile::Read_Label_Size(xml_file), 48);
         QCOMPARE(LegacyFile::Read_Color_Name(xml_file), QStringLiteral("#0000ff"));
     }
@@ -195,7 +195,7 @@ private slots:
     void a_document_without_labels_has_none()
     {
         QFETCH(const TReader, reader);
-        QVERIFY(Items_Of(reader, Size_Node + Color_Node).empty());
+        QVERIFY(Items_Of(reader, size_node + color_node).empty());
     }
 
     void labels_come_in_document_order_with_repeated_ids_data() { Add_Versions(); }

@@ -161,7 +161,7 @@ QByteArray Large_Png(int seed)
     return Support::Png(image);
 }
 
-constexpr qint64 Large_Bytes = 64LL * 1024 * 1024;
+constexpr qint64 large_bytes = 64LL * 1024 * 1024;
 
 } // namespace
 
@@ -466,7 +466,7 @@ private slots:
         QVERIFY(again.cacheKey() != keys[1]);
         QCOMPARE(again.pixelColor(4000, 4000), QColor(1, 100, 50));
         images.remove(1);
-        QCOMPARE(TPageImage::Stored_Bytes(), 3 * Large_Bytes);
+        QCOMPARE(TPageImage::Stored_Bytes(), 3 * large_bytes);
     }
 
     void the_newest_image_stays_even_when_it_alone_is_too_large()

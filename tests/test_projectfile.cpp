@@ -46,7 +46,7 @@ private:
     qint64 d_calls = 0;
 };
 
-const QByteArray Magic = Support::Magic();
+const QByteArray magic = Support::Magic();
 
 /// Which operation of the reader meets a length.
 enum TFieldKind { Text_Field, Bytes_Field, Image_Field };
@@ -85,11 +85,11 @@ QByteArray Describe(const QByteArray& bytes)
 
 QByteArray Small_Document()
 {
-    return Magic + Number(32) + Field("#fa0832") + Field("one") + Field("") + Number(1) +
+    return magic + Number(32) + Field("#fa0832") + Field("one") + Field("") + Number(1) +
            Field("page") + Field("picture") + Field("<items/>");
 }
 
-const QString Integer_Bound =
+const QString integer_bound =
     QStringLiteral("(index + sizeof(int) -1) < static_cast<unsigned int>(array.size())");
 
 } // namespace
@@ -126,7 +126,7 @@ private slots:
         writer.Write_Image(TPageImage());
         writer.Write_Bytes("<b/>");
 
-        const QByteArray expected = Magic + Number(32) + Field("#fa0832") +
+        const QByteArray expected = magic + Number(32) + Field("#fa0832") +
                                     Field("Stra\xdf"
                                           "e") +
                                     Field("") + Number(2) + Field("First") +
@@ -139,7 +139,7 @@ private slots:
     void an_empty_writer_has_the_magic_number()
     {
         const TProjectWriter writer;
-        QCOMPARE(Bytes_Of(writer), Magic);
+        QCOMPARE(Bytes_Of(writer), magic);
         QCOMPARE(writer.Size(), qint64(4));
     }
 
@@ -159,7 +159,7 @@ private slots:
         QFETCH(const QByteArray, bytes);
         TProjectWriter writer;
         writer.Write_Integer(value);
-        QCOMPARE(Bytes_Of(writer), Magic + bytes);
+        QCOMPARE(Bytes_Of(writer), magic + bytes);
         TProjectReader reader(bytes);
         QCOMPARE(reader.Read_Integer(), value);
         QVERIFY(reader.Is_Valid());
@@ -188,7 +188,7 @@ private slots:
         QFETCH(const QByteArray, bytes);
         TProjectWriter writer;
         writer.Write_Text(text);
-        QCOMPARE(Bytes_Of(writer), Magic + Field(bytes));
+        QCOMPARE(Bytes_Of(writer), magic + Field(bytes));
         QCOMPARE(bytes.size(), text.size());
     }
 
@@ -214,7 +214,7 @@ private slots:
         QFETCH(const QByteArray, expected);
         TProjectWriter writer;
         writer.Write_Image(TPageImage::From_Bytes(bytes));
-        QCOMPARE(Bytes_Of(writer), Magic + Field(expected));
+        QCOMPARE(Bytes_Of(writer), magic + Field(expected));
     }
 
     void the_writer_keeps_an_image_s_bytes_alive()
@@ -227,7 +227,7 @@ private slots:
             TProjectReader reader(file);
             writer.Write_Image(reader.Read_Image());
         }
-        QCOMPARE(Bytes_Of(writer), Magic + content);
+        QCOMPARE(Bytes_Of(writer), magic + content);
     }
 
     void a_large_field_is_not_copied()
@@ -272,10 +272,10 @@ private slots:
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<bool>("expected");
         QTest::newRow("empty") << QByteArray() << false;
-        QTest::newRow("magic alone") << Magic << false;
-        QTest::newRow("7 bytes") << Magic + "abc" << false;
-        QTest::newRow("8 bytes") << Magic + Number(32) << true;
-        QTest::newRow("longer") << Magic + "123456789" << true;
+        QTest::newRow("magic alone") << magic << false;
+        QTest::newRow("7 bytes") << magic + "abc" << false;
+        QTest::newRow("8 bytes") << magic + Number(32) << true;
+        QTest::newRow("longer") << magic + "123456789" << true;
         QTest::newRow("other magic") << Number(90211) + Number(32) << false;
         QTest::newRow("highest byte first") << QByteArray::fromHex("0001606200000020") << false;
         QTest::newRow("highest bit") << QByteArray::fromHex("6260018020000000") << false;
@@ -291,7 +291,7 @@ private slots:
     void fields_are_read_one_after_the_other()
     {
         const QImage picture = Support::Picture(30, 20);
-        TProjectReader reader(Magic + Number(48) + Field("#00ff00") + Field("") + Number(0) +
+        TProjectReader reader(magic + Number(48) + Field("#00ff00") + Field("") + Number(0) +
                               Field(Support::Png(picture)) + Field("<b/>") + Number(7));
         QVERIFY(reader.Read_Magic());
         QCOMPARE(reader.Read_Integer(), 48);
@@ -372,7 +372,7 @@ private slots:
                     Read_Field(&reader, kind);
                     Read_Field(&reader, kind);
                 },
-                QStringLiteral("core/conversion"), Integer_Bound,
+                QStringLiteral("core/conversion"), integer_bound,
                 QStringLiteral("static int Conversion::Integer(unsigned int, const QByteArray&)"));
             QVERIFY2(difference.isEmpty(), qPrintable(difference));
         }
@@ -410,11 +410,11 @@ private slots:
     {
         const QString difference = Support::Assertion_Failure(
             [] {
-                TProjectReader reader(Magic + Number(32));
+                TProjectReader reader(magic + Number(32));
                 if (reader.Read_Magic() && reader.Read_Integer() == 32)
                     reader.Read_Text();
             },
-            QStringLiteral("core/conversion"), Integer_Bound,
+            QStringLiteral("core/conversion"), integer_bound,
             QStringLiteral("static int Conversion::Integer(unsigned int, const QByteArray&)"));
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
@@ -440,7 +440,7 @@ private slots:
             } else {
                 const QString difference =
                     Support::Assertion_Failure([&bytes] { Describe(bytes); },
-                                               QStringLiteral("core/conversion"), Integer_Bound);
+                                               QStringLiteral("core/conversion"), integer_bound);
                 QVERIFY2(difference.isEmpty(),
                          qPrintable(QString::number(size) + QLatin1Char(' ') + difference));
             }

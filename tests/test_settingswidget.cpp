@@ -21,7 +21,7 @@
 
 namespace {
 
-const QColor First_Color(250, 8, 50, 255);
+const QColor first_color(250, 8, 50, 255);
 
 /// What the only pixmap of an icon must look like.
 QImage Filled(const QSize& size, const QColor& color)
@@ -158,7 +158,7 @@ void TestSettingsWidget::the_panel_starts_as_laid_down()
     QVERIFY(d_track->isChecked());
 
     QCOMPARE(d_panel->Label_Size(), 32);
-    QCOMPARE(d_panel->Label_Color(), First_Color);
+    QCOMPARE(d_panel->Label_Color(), first_color);
     QCOMPARE(d_panel->Track_Label(), true);
     QCOMPARE(d_panel->Display_Format(), QStringLiteral("Item[%1]"));
     QCOMPARE(d_panel->PDF_Orientation(), 0);
@@ -267,7 +267,7 @@ void TestSettingsWidget::the_icon_comes_with_the_first_resize()
     QVERIFY(!d_color->icon().isNull());
     const QSize icon_size = d_color->iconSize();
     QCOMPARE(d_color->icon().availableSizes(), QList<QSize>({icon_size}));
-    QCOMPARE(Support::Difference(Button_Image(), Filled(icon_size, First_Color)), QString());
+    QCOMPARE(Support::Difference(Button_Image(), Filled(icon_size, first_color)), QString());
 
     // The same size again, reached by hand: the button's layout before any icon was there.
     TSettingsWidget twin(nullptr, Qt::WindowFlags());
@@ -553,7 +553,7 @@ void TestSettingsWidget::an_accepted_colour_is_kept_shown_and_reported()
     Answer_Color_Dialog([this, &chosen](QColorDialog* dialog) {
         QCOMPARE(dialog->parentWidget(), d_panel.data());
         QVERIFY(dialog->isModal());
-        QCOMPARE(dialog->currentColor(), First_Color);
+        QCOMPARE(dialog->currentColor(), first_color);
         QCOMPARE(dialog->options(), QColorDialog::ColorDialogOptions());
         dialog->setCurrentColor(chosen);
         QTest::keyClick(dialog, Qt::Key_Return);
@@ -575,8 +575,8 @@ void TestSettingsWidget::the_same_colour_again_is_reported()
     QSignalSpy colors(d_panel.data(), SIGNAL(Color_Changed(QColor)));
     Answer_Color_Dialog([](QColorDialog* dialog) { dialog->accept(); });
     QCOMPARE(colors.count(), 1);
-    QCOMPARE(colors.first().first().value<QColor>(), First_Color);
-    QCOMPARE(d_panel->Label_Color(), First_Color);
+    QCOMPARE(colors.first().first().value<QColor>(), first_color);
+    QCOMPARE(d_panel->Label_Color(), first_color);
 }
 
 void TestSettingsWidget::a_cancelled_colour_dialog_changes_nothing()
@@ -589,7 +589,7 @@ void TestSettingsWidget::a_cancelled_colour_dialog_changes_nothing()
         QTest::keyClick(dialog, Qt::Key_Escape);
     });
     QCOMPARE(colors.count(), 0);
-    QCOMPARE(d_panel->Label_Color(), First_Color);
+    QCOMPARE(d_panel->Label_Color(), first_color);
     QCOMPARE(d_color->icon().cacheKey(), icon_key);
 }
 

@@ -14,13 +14,13 @@
 
 namespace {
 
-const QString Source = QStringLiteral("core/xmlfile.cpp");
-constexpr int No_Exception = -1;
+const QString source = QStringLiteral("core/xmlfile.cpp");
+constexpr int no_exception = -1;
 
 /// What a function throws; No_Exception as the type if it does not.
 struct TThrown
 {
-    int type = No_Exception;
+    int type = no_exception;
     QString message;
 };
 
@@ -42,7 +42,7 @@ TThrown Thrown_By(const std::function<void()>& function)
     } while (false)
 
 #define COMPARE_ASSERTION(statement, condition, function)                                          \
-    QCOMPARE(Support::Assertion_Failure([&] { statement; }, Source, QStringLiteral(condition),     \
+    QCOMPARE(Support::Assertion_Failure([&] { statement; }, source, QStringLiteral(condition),     \
                                         QStringLiteral(function)),                                 \
              QString())
 
@@ -60,7 +60,7 @@ QByteArray Indented(const TXmlFile& file)
     return data;
 }
 
-const QByteArray Declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
+const QByteArray declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
 
 /// Runs a function under another locale codec, as another LC_ALL would set it.
 void With_Locale_Codec(const char* name, const std::function<void()>& function)
@@ -189,7 +189,7 @@ void TestXmlFile::reset_makes_a_declaration_and_a_root()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
-    QCOMPARE(Compact(file), Declaration + "<R File_Version=\"1\"/>");
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"/>");
     QCOMPARE(file.d_root_element.tagName(), QStringLiteral("R"));
     QCOMPARE(file.documentElement(), file.d_root_element);
     QCOMPARE(file.d_root_element.attribute(QStringLiteral("File_Version")), QStringLiteral("1"));
@@ -204,11 +204,11 @@ void TestXmlFile::reset_replaces_what_was_there()
     file.Reset(QStringLiteral("Old"), 1);
     file.Create_Node(&file.d_root_element, QStringLiteral("Child"));
     file.Reset(QStringLiteral("New"), -12);
-    QCOMPARE(Compact(file), Declaration + "<New File_Version=\"-12\"/>");
+    QCOMPARE(Compact(file), declaration + "<New File_Version=\"-12\"/>");
     file.Reset(QStringLiteral("D"), QStringLiteral("Again"), 3);
     QCOMPARE(Compact(file), QByteArray("<!DOCTYPE D><Again File_Version=\"3\"/>"));
     file.Reset(QStringLiteral("New"), 4);
-    QCOMPARE(Compact(file), Declaration + "<New File_Version=\"4\"/>");
+    QCOMPARE(Compact(file), declaration + "<New File_Version=\"4\"/>");
 }
 
 void TestXmlFile::reset_with_a_doctype_writes_no_declaration()
@@ -367,11 +367,11 @@ void TestXmlFile::a_failed_parse_leaves_identification_and_root()
 {
     TXmlFile file;
     file.Open_Data("<!DOCTYPE D><R/>", QStringLiteral("R"), nullptr, true);
-    QVERIFY(Thrown_By([&] { file.Open_Data("<S", "S", nullptr, true); }).type != No_Exception);
+    QVERIFY(Thrown_By([&] { file.Open_Data("<S", "S", nullptr, true); }).type != no_exception);
     QCOMPARE(file.d_identification, QStringLiteral("R"));
     QCOMPARE(file.d_doctype_name, QStringLiteral("D"));
     QCOMPARE(file.d_root_element.tagName(), QStringLiteral("R"));
-    QVERIFY(Thrown_By([&] { file.Open_Data("<S/>", "T", nullptr, true); }).type != No_Exception);
+    QVERIFY(Thrown_By([&] { file.Open_Data("<S/>", "T", nullptr, true); }).type != no_exception);
     QCOMPARE(file.d_identification, QStringLiteral("R"));
     QCOMPARE(file.d_doctype_name, QStringLiteral("D"));
     QCOMPARE(file.d_root_element.tagName(), QStringLiteral("S"));
@@ -484,7 +484,7 @@ void TestXmlFile::ruinous_documents_are_parse_errors()
                    "1: 771");
     // The document can be used again.
     file.Reset(QStringLiteral("R"), 1);
-    QCOMPARE(Compact(file), Declaration + "<R File_Version=\"1\"/>");
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"/>");
 }
 
 void TestXmlFile::characters_that_xml_cannot_hold_are_parse_errors_data()
@@ -518,7 +518,7 @@ void TestXmlFile::characters_beyond_16_bits_come_back()
     file.Write_Text_Node(&file.d_root_element, text);
     QCOMPARE(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
     const QByteArray data = Compact(file);
-    QCOMPARE(data, Declaration + "<R File_Version=\"1\">" + text.toUtf8() + "</R>");
+    QCOMPARE(data, declaration + "<R File_Version=\"1\">" + text.toUtf8() + "</R>");
     for (const bool namespaces : {false, true}) {
         TXmlFile read;
         read.Open_Data(data, QStringLiteral("R"), nullptr, namespaces);
@@ -798,7 +798,7 @@ void TestXmlFile::nodes_are_appended_in_order()
     QDomElement first = file.Create_Node(&file.d_root_element, QStringLiteral("A"));
     file.Create_Node(&file.d_root_element, QStringLiteral("B"));
     file.Create_Node(&first, QStringLiteral("C"));
-    QCOMPARE(Compact(file), Declaration + "<R File_Version=\"1\"><A><C/></A><B/></R>");
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"><A><C/></A><B/></R>");
 }
 
 void TestXmlFile::nodes_want_a_parent_and_a_name()
@@ -812,7 +812,7 @@ void TestXmlFile::nodes_want_a_parent_and_a_name()
                    "ERR:  Cannot create node from a NULL node");
     COMPARE_THROWN(file.Create_Node(&file.d_root_element, QString()), Data_Error,
                    "ERR:  Cannot create an unnamed node");
-    QCOMPARE(Compact(file), Declaration + "<R File_Version=\"1\"/>");
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"/>");
 }
 
 void TestXmlFile::an_impossible_name_yields_a_null_node()
@@ -823,7 +823,7 @@ void TestXmlFile::an_impossible_name_yields_a_null_node()
     QVERIFY(element.isNull());
     COMPARE_THROWN(file.Write_Text_Node(&element, "t"), Data_Error,
                    "ERR:  Cannot append data to a NULL node");
-    QCOMPARE(Compact(file), Declaration + "<R File_Version=\"1\"/>");
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"/>");
 }
 
 void TestXmlFile::texts_are_written()
@@ -838,7 +838,7 @@ void TestXmlFile::texts_are_written()
     file.Write_Text_Node(&element, QStringLiteral("1"));
     file.Write_Text_Node(&element, QStringLiteral("2"));
     QCOMPARE(Compact(file),
-             Declaration + "<R File_Version=\"1\"><A>&lt;&amp;> \xc3\xa4</A><B></B><C>12</C></R>");
+             declaration + "<R File_Version=\"1\"><A>&lt;&amp;> \xc3\xa4</A><B></B><C>12</C></R>");
     QDomElement null;
     COMPARE_THROWN(file.Write_Text_Node(&null, "t"), Data_Error,
                    "ERR:  Cannot append data to a NULL node");
@@ -860,7 +860,7 @@ void TestXmlFile::numbers_are_written_as_text()
     element = add("F");
     file.Write_Text_Node(&element, -0.28, 1);
     QCOMPARE(Compact(file),
-             Declaration + "<R File_Version=\"1\"><I>-2147483648</I><D>120.50</D><E>1000000000</E>"
+             declaration + "<R File_Version=\"1\"><I>-2147483648</I><D>120.50</D><E>1000000000</E>"
                            "<F>-0.3</F></R>");
     QDomElement null;
     COMPARE_THROWN(file.Write_Text_Node(&null, 1), Data_Error,
@@ -875,7 +875,7 @@ void TestXmlFile::impossible_texts_are_refused()
     file.Reset(QStringLiteral("R"), 1);
     COMPARE_THROWN(file.Write_Text_Node(&file.d_root_element, "a\x01z"), Data_Error,
                    "ERR:  Cannot write node 'R' with data 'a\x01z'");
-    QCOMPARE(Compact(file), Declaration + "<R File_Version=\"1\"/>");
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"/>");
 }
 
 void TestXmlFile::attributes_are_written()
@@ -893,7 +893,7 @@ void TestXmlFile::attributes_are_written()
     file.Write_Attribute(&element, QStringLiteral("x"), QStringLiteral("1"));
     file.Write_Attribute(&element, QStringLiteral("x"), QStringLiteral("2"));
     QCOMPARE(Compact(file),
-             Declaration +
+             declaration +
                  "<R File_Version=\"1\"><A s=\"&lt;&quot;&amp;\"/><A i=\"-12\"/><A d=\"0.6667\"/>"
                  "<A x=\"2\"/></R>");
 }
@@ -942,7 +942,7 @@ void TestXmlFile::compact_output_has_no_line_breaks()
     QDomElement parent = file.Create_Node(&file.d_root_element, QStringLiteral("A"));
     file.Create_Node(&parent, QStringLiteral("B"));
     file.d_root_element.appendChild(file.createComment(QStringLiteral("c")));
-    QCOMPARE(Compact(file), Declaration + "<R File_Version=\"1\"><A><B/></A><!--c--></R>");
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"><A><B/></A><!--c--></R>");
 }
 
 void TestXmlFile::compact_output_drops_line_breaks_of_texts()
@@ -950,8 +950,8 @@ void TestXmlFile::compact_output_drops_line_breaks_of_texts()
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
     file.Write_Text_Node(&file.d_root_element, QStringLiteral("one\ntwo"));
-    QCOMPARE(Compact(file), Declaration + "<R File_Version=\"1\">onetwo</R>");
-    QCOMPARE(Indented(file), Declaration + "\n<R File_Version=\"1\">one\ntwo</R>\n");
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\">onetwo</R>");
+    QCOMPARE(Indented(file), declaration + "\n<R File_Version=\"1\">one\ntwo</R>\n");
 }
 
 void TestXmlFile::indentation_is_four_blanks()
@@ -962,7 +962,7 @@ void TestXmlFile::indentation_is_four_blanks()
     QDomElement child = file.Create_Node(&parent, QStringLiteral("B"));
     file.Write_Text_Node(&child, QStringLiteral("t"));
     QCOMPARE(Indented(file),
-             Declaration + "\n<R File_Version=\"1\">\n    <A>\n        <B>t</B>\n    </A>\n</R>\n");
+             declaration + "\n<R File_Version=\"1\">\n    <A>\n        <B>t</B>\n    </A>\n</R>\n");
 }
 
 void TestXmlFile::write_data_replaces_what_was_there()
@@ -973,7 +973,7 @@ void TestXmlFile::write_data_replaces_what_was_there()
         QByteArray data(1000, 'x');
         const QByteArray shared = data;
         file.Write_Data(&data, compact);
-        QVERIFY(data.startsWith(Declaration));
+        QVERIFY(data.startsWith(declaration));
         QVERIFY(!data.contains("xx"));
         QCOMPARE(shared, QByteArray(1000, 'x'));
     }
@@ -998,8 +998,8 @@ void TestXmlFile::output_is_utf8_whatever_the_locale()
             file.Reset(QStringLiteral("R"), 1);
             file.Write_Text_Node(&file.d_root_element, text);
             const QByteArray root = "<R File_Version=\"1\">" + text.toUtf8() + "</R>";
-            QCOMPARE(Compact(file), Declaration + root);
-            QCOMPARE(Indented(file), Declaration + '\n' + root + '\n');
+            QCOMPARE(Compact(file), declaration + root);
+            QCOMPARE(Indented(file), declaration + '\n' + root + '\n');
             file.Reset(QStringLiteral("D"), QStringLiteral("R"), 1);
             file.Write_Text_Node(&file.d_root_element, text);
             QCOMPARE(Compact(file), "<!DOCTYPE D>" + root);
@@ -1028,7 +1028,7 @@ void TestXmlFile::a_file_is_written_as_the_data()
     Support::Write_File(file.d_file_path, QByteArray(1000, 'x'));
     file.Write_File(false);
     QCOMPARE(Support::Read_File(file.d_file_path), Indented(file));
-    QCOMPARE(Indented(file), Declaration + "\n<R File_Version=\"1\">\n    <A>\xc3\xa4</A>\n</R>\n");
+    QCOMPARE(Indented(file), declaration + "\n<R File_Version=\"1\">\n    <A>\xc3\xa4</A>\n</R>\n");
     file.Write_File(true);
     QCOMPARE(Support::Read_File(file.d_file_path), Compact(file));
 }

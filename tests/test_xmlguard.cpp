@@ -10,14 +10,14 @@
 
 namespace {
 
-const QString Too_Far = QStringLiteral("entities expand too far");
-const QString Too_Deep = QStringLiteral("elements nested too deeply");
-const QString Parentheses = QStringLiteral("parentheses nested too deeply");
-const QString Attributes = QStringLiteral("too many attributes");
-const QString Prefixes = QStringLiteral("too many namespace prefixes");
-const QString Invalid = QStringLiteral("invalid character");
+const QString too_far = QStringLiteral("entities expand too far");
+const QString too_deep = QStringLiteral("elements nested too deeply");
+const QString parentheses = QStringLiteral("parentheses nested too deeply");
+const QString attributes = QStringLiteral("too many attributes");
+const QString prefixes = QStringLiteral("too many namespace prefixes");
+const QString invalid = QStringLiteral("invalid character");
 const QString References = QStringLiteral("too many references in declarations");
-const QString Entities = QStringLiteral("too many entities");
+const QString entities = QStringLiteral("too many entities");
 
 QByteArray Document(const QByteArray& declarations, const QByteArray& content)
 {
@@ -108,23 +108,23 @@ void TestXmlGuard::ruinous_documents_are_found_data()
     const QByteArray many = QByteArray("&e;").repeated(100000);
 
     QTest::newRow("references to references to nothing")
-        << Document(Laughs(40, QByteArray()), "&a39;") << Too_Far;
+        << Document(Laughs(40, QByteArray()), "&a39;") << too_far;
     QTest::newRow("references in an attribute")
-        << Document(Laughs(40, QByteArray()), "<b c='&a39;'/>") << Too_Far;
-    QTest::newRow("one long entity, many times") << Document(declared, many) << Too_Far;
+        << Document(Laughs(40, QByteArray()), "<b c='&a39;'/>") << too_far;
+    QTest::newRow("one long entity, many times") << Document(declared, many) << too_far;
     QTest::newRow("the same in one attribute")
-        << Document(declared, "<b c='" + many + "'/>") << Too_Far;
+        << Document(declared, "<b c='" + many + "'/>") << too_far;
     QTest::newRow("the same in many attributes")
-        << Document(declared, QByteArray("<b c='&e;'/>").repeated(100000)) << Too_Far;
+        << Document(declared, QByteArray("<b c='&e;'/>").repeated(100000)) << too_far;
     QTest::newRow("the same in a default")
-        << Document(declared + "<!ATTLIST R a CDATA '" + many + "'>", "") << Too_Far;
+        << Document(declared + "<!ATTLIST R a CDATA '" + many + "'>", "") << too_far;
     QTest::newRow("elements from an entity, many times")
-        << Document("<!ENTITY e '" + QByteArray("<b/>").repeated(1000) + "'>", many) << Too_Far;
+        << Document("<!ENTITY e '" + QByteArray("<b/>").repeated(1000) + "'>", many) << too_far;
     QTest::newRow("a parameter entity in one value")
         << Document("<!ENTITY % p '" + longest + "'><!ENTITY e '" +
                         QByteArray("%p;").repeated(100000) + "'>",
                     "")
-        << Too_Far;
+        << too_far;
     QTest::newRow("a parameter entity in many values")
         << Document("<!ENTITY % p '" + longest + "'>" +
                         Row(1024,
@@ -132,73 +132,73 @@ void TestXmlGuard::ruinous_documents_are_found_data()
                                 return "<!ENTITY e" + number + " '%p;%p;'>";
                             }),
                     "")
-        << Too_Far;
+        << too_far;
     QTest::newRow("an entity to one not yet known")
-        << Document("<!ENTITY a '&b;'><!ENTITY b 'x'>", "&a;") << Too_Far;
+        << Document("<!ENTITY a '&b;'><!ENTITY b 'x'>", "&a;") << too_far;
     QTest::newRow("entities to each other")
-        << Document("<!ENTITY a '&b;'><!ENTITY b '&a;'>", "&a;") << Too_Far;
+        << Document("<!ENTITY a '&b;'><!ENTITY b '&a;'>", "&a;") << too_far;
     QTest::newRow("a reference put together from pieces")
-        << Document(Laughs(40, QByteArray()) + "<!ENTITY and '&#38;'>", "&and;a39;") << Too_Far;
+        << Document(Laughs(40, QByteArray()) + "<!ENTITY and '&#38;'>", "&and;a39;") << too_far;
 
-    QTest::newRow("deep") << Nested(XmlGuard::Nesting_Limit + 1) << Too_Deep;
-    QTest::newRow("very deep") << Nested(1000000) << Too_Deep;
-    QTest::newRow("deep and open") << QByteArray("<a>").repeated(1000000) << Too_Deep;
+    QTest::newRow("deep") << Nested(XmlGuard::Nesting_Limit + 1) << too_deep;
+    QTest::newRow("very deep") << Nested(1000000) << too_deep;
+    QTest::newRow("deep and open") << QByteArray("<a>").repeated(1000000) << too_deep;
     QTest::newRow("deep by entities")
-        << Document("<!ENTITY e '<a>'>", QByteArray("&e;").repeated(300)) << Too_Deep;
+        << Document("<!ENTITY e '<a>'>", QByteArray("&e;").repeated(300)) << too_deep;
     QTest::newRow("deep within an entity")
-        << Document("<!ENTITY e '" + Nested(300) + "'>", "&e;") << Too_Deep;
-    QTest::newRow("parentheses") << Document(Model(1000000), "") << Parentheses;
+        << Document("<!ENTITY e '" + Nested(300) + "'>", "&e;") << too_deep;
+    QTest::newRow("parentheses") << Document(Model(1000000), "") << parentheses;
     QTest::newRow("parentheses just too deep")
-        << Document(Model(XmlGuard::Nesting_Limit + 1), "") << Parentheses;
+        << Document(Model(XmlGuard::Nesting_Limit + 1), "") << parentheses;
     QTest::newRow("parentheses after many closed ones")
-        << Document("<!--" + QByteArray(2000, ')') + "-->" + Model(1000), "") << Parentheses;
+        << Document("<!--" + QByteArray(2000, ')') + "-->" + Model(1000), "") << parentheses;
 
     const QByteArray rows = Row(XmlGuard::Attribute_Limit + 1, Attribute);
-    QTest::newRow("attributes") << "<R" + rows + "/>" << Attributes;
+    QTest::newRow("attributes") << "<R" + rows + "/>" << attributes;
     QTest::newRow("attributes after quotes in a comment")
-        << "<!-- don't <a ' -->\n<R" + rows + "/>" << Attributes;
+        << "<!-- don't <a ' -->\n<R" + rows + "/>" << attributes;
     QTest::newRow("attributes after quotes in character data")
-        << "<R><![CDATA[ <a ' ]]><b" + rows + "/></R>" << Attributes;
+        << "<R><![CDATA[ <a ' ]]><b" + rows + "/></R>" << attributes;
     QTest::newRow("attributes after quotes in text")
-        << "<R>don't<b" + rows + "/></R>" << Attributes;
+        << "<R>don't<b" + rows + "/></R>" << attributes;
     QTest::newRow("attributes after quotes in an instruction")
-        << "<?p <a ' ?><R" + rows + "/>" << Attributes;
+        << "<?p <a ' ?><R" + rows + "/>" << attributes;
     QTest::newRow("attributes after quotes in a document type")
-        << "<!DOCTYPE R [<!-- <a ' -->]><R" + rows + "/>" << Attributes;
+        << "<!DOCTYPE R [<!-- <a ' -->]><R" + rows + "/>" << attributes;
     QTest::newRow("attributes after a closing bracket in a value")
-        << "<R x='>'" + rows + "/>" << Attributes;
+        << "<R x='>'" + rows + "/>" << attributes;
     QTest::newRow("attributes of a tag that an entity begins")
-        << Document("<!ENTITY e '<a'>", "&e;" + rows + "/>") << Attributes;
+        << Document("<!ENTITY e '<a'>", "&e;" + rows + "/>") << attributes;
     QTest::newRow("attributes of a tag that an entity of an entity begins")
-        << Document("<!ENTITY f '<a'><!ENTITY e '&f;'>", "&e;" + rows + "/>") << Attributes;
+        << Document("<!ENTITY f '<a'><!ENTITY e '&f;'>", "&e;" + rows + "/>") << attributes;
     QTest::newRow("attributes of a tag that begins with a character reference")
-        << Document("<!ENTITY e '&#60;a'>", "&e;" + rows + "/>") << Attributes;
+        << Document("<!ENTITY e '&#60;a'>", "&e;" + rows + "/>") << attributes;
     QTest::newRow("attributes of a tag that a parameter entity begins")
-        << Document("<!ENTITY % p '&#60;'><!ENTITY e '%p;a'>", "&e;" + rows + "/>") << Attributes;
+        << Document("<!ENTITY % p '&#60;'><!ENTITY e '%p;a'>", "&e;" + rows + "/>") << attributes;
     QTest::newRow("attributes of a tag that an entity begins with a value")
-        << Document("<!ENTITY e \"<a x='\">", "&e;'" + rows + "/>") << Attributes;
+        << Document("<!ENTITY e \"<a x='\">", "&e;'" + rows + "/>") << attributes;
 
-    QTest::newRow("control character") << QByteArray("<R>a\x01</R>") << Invalid;
-    QTest::newRow("control character by reference") << QByteArray("<R>&#1;</R>") << Invalid;
-    QTest::newRow("zero by reference") << QByteArray("<R>&#0;</R>") << Invalid;
-    QTest::newRow("no character by reference") << QByteArray("<R>&#xffff;</R>") << Invalid;
-    QTest::newRow("half a character by reference") << QByteArray("<R>&#xd800;</R>") << Invalid;
+    QTest::newRow("control character") << QByteArray("<R>a\x01</R>") << invalid;
+    QTest::newRow("control character by reference") << QByteArray("<R>&#1;</R>") << invalid;
+    QTest::newRow("zero by reference") << QByteArray("<R>&#0;</R>") << invalid;
+    QTest::newRow("no character by reference") << QByteArray("<R>&#xffff;</R>") << invalid;
+    QTest::newRow("half a character by reference") << QByteArray("<R>&#xd800;</R>") << invalid;
     QTest::newRow("control character from an entity")
-        << Document("<!ENTITY e '\x01'>", "&e;") << Invalid;
-    QTest::newRow("control character in a comment") << QByteArray("<R><!--\x01--></R>") << Invalid;
+        << Document("<!ENTITY e '\x01'>", "&e;") << invalid;
+    QTest::newRow("control character in a comment") << QByteArray("<R><!--\x01--></R>") << invalid;
     QTest::newRow("control character in character data")
-        << QByteArray("<R><![CDATA[\x01]]></R>") << Invalid;
+        << QByteArray("<R><![CDATA[\x01]]></R>") << invalid;
     QTest::newRow("control character in an instruction")
-        << QByteArray("<R><?p \x01?></R>") << Invalid;
+        << QByteArray("<R><?p \x01?></R>") << invalid;
 
-    QTest::newRow("prefixes") << "<R" + Row(XmlGuard::Prefix_Limit + 1, Prefix) + "/>" << Prefixes;
-    QTest::newRow("entities") << Document(Row(XmlGuard::Entity_Limit + 1, Entity), "") << Entities;
+    QTest::newRow("prefixes") << "<R" + Row(XmlGuard::Prefix_Limit + 1, Prefix) + "/>" << prefixes;
+    QTest::newRow("entities") << Document(Row(XmlGuard::Entity_Limit + 1, Entity), "") << entities;
     QTest::newRow("external entities")
         << Document(
                Row(XmlGuard::Entity_Limit + 1,
                    [](const QByteArray& number) { return "<!ENTITY e" + number + " SYSTEM 'x'>"; }),
                "")
-        << Entities;
+        << entities;
 }
 
 void TestXmlGuard::ruinous_documents_are_found()
@@ -206,7 +206,7 @@ void TestXmlGuard::ruinous_documents_are_found()
     QFETCH(QByteArray, data);
     QFETCH(QString, message);
     QCOMPARE(Message(data, true), message);
-    if (message != Prefixes)
+    if (message != prefixes)
         QCOMPARE(Message(data, false), message);
 }
 
@@ -335,15 +335,15 @@ void TestXmlGuard::long_documents_are_read_in_one_piece()
     for (int shift = 0; shift < 2 * 1024; ++shift) {
         const QByteArray blanks = "<!--" + QByteArray(shift, ' ') + "-->";
         QCOMPARE(Message(blanks + allowed, true), QString());
-        QCOMPARE(Message(blanks + too_many, true), Attributes);
-        QCOMPARE(Message(blanks + references, true), Too_Far);
+        QCOMPARE(Message(blanks + too_many, true), attributes);
+        QCOMPARE(Message(blanks + references, true), too_far);
     }
 }
 
 void TestXmlGuard::prefixes_matter_only_with_namespaces()
 {
     const QByteArray data = "<R" + Row(XmlGuard::Prefix_Limit + 1, Prefix) + "/>";
-    QCOMPARE(Message(data, true), Prefixes);
+    QCOMPARE(Message(data, true), prefixes);
     QCOMPARE(Message(data, false), QString());
 }
 
@@ -387,7 +387,7 @@ void TestXmlGuard::other_encodings_are_understood()
     for (const char* codec : {"UTF-16", "UTF-16BE", "UTF-16LE"}) {
         QTextCodec* const encoder = QTextCodec::codecForName(codec);
         const QString text = QString::fromLatin1(Nested(1000));
-        QCOMPARE(Message(QByteArray(encoder->fromUnicode(text)), true), Too_Deep);
+        QCOMPARE(Message(QByteArray(encoder->fromUnicode(text)), true), too_deep);
     }
 }
 

@@ -204,7 +204,7 @@ QList<int> Structural_Places(const QByteArray& project)
     return places;
 }
 
-const QByteArray Legacy_Document =
+const QByteArray legacy_document =
     "<Quillet_Data File_Version=\"2\"><Item_Size><Width>48</Width></Item_Size>"
     "<Colors><Foreground>blue</Foreground></Colors><Item><ID>3</ID><ID_Text>A</ID_Text>"
     "<Border_Type>3</Border_Type><Position>1,2</Position></Item></Quillet_Data>";
@@ -420,7 +420,7 @@ private:
 
     QString Try_Legacy(const QList<QByteArray>& variants, const char* name) const
     {
-        Support::Write_File(Path("old.qld"), Legacy_Document);
+        Support::Write_File(Path("old.qld"), legacy_document);
         Support::Write_File(Path("old.qli"), Support::Png(Support::Picture(3, 2)));
         return Try_Variants(
             variants, name, [this](TQuillet* window) { window->Load_Legacy_Data(Path("old")); },
@@ -529,9 +529,9 @@ private slots:
 
     void a_legacy_list_cut_or_changed_anywhere_is_loaded_or_refused()
     {
-        QList<QByteArray> variants = Truncations(Legacy_Document);
-        for (int place = 0; place < Legacy_Document.size(); ++place)
-            variants += Changed_At(Legacy_Document, place);
+        QList<QByteArray> variants = Truncations(legacy_document);
+        for (int place = 0; place < legacy_document.size(); ++place)
+            variants += Changed_At(legacy_document, place);
         QCOMPARE(Try_Legacy(variants, "old.qld"), QString());
     }
 

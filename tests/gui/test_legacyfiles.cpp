@@ -21,7 +21,7 @@ using Support::Describe_Appearance;
 
 namespace {
 
-const QByteArray Look = "<Item_Size><Width>48</Width></Item_Size>"
+const QByteArray look = "<Item_Size><Width>48</Width></Item_Size>"
                         "<Colors><Foreground>blue</Foreground></Colors>";
 
 QByteArray Document(int version, const QByteArray& content)
@@ -89,10 +89,10 @@ private slots:
         QTest::addColumn<QByteArray>("document");
         QTest::addColumn<QStringList>("labels");
         QTest::newRow("version 1")
-            << Document(1, Look + Item("3", "", "3", "1.5,2") + Item("9", "", "4", "-1,20"))
+            << Document(1, look + Item("3", "", "3", "1.5,2") + Item("9", "", "4", "-1,20"))
             << QStringList{"label 3 3 '' 4 1.5,2", "label 9 9 '' 0 -1,20"};
         QTest::newRow("version 2")
-            << Document(2, Look + Item("3", "A", "1", "1.5,2") + Item("9", "12", "2", "-1,20"))
+            << Document(2, look + Item("3", "A", "1", "1.5,2") + Item("9", "12", "2", "-1,20"))
             << QStringList{"label 3 3 'A' 1 1.5,2", "label 9 9 '' 2 -1,20"};
     }
 
@@ -129,7 +129,7 @@ private slots:
         TQuillet window(nullptr, Qt::WindowFlags());
         Prepare(&window);
         const QString appearance = Describe_Appearance(window);
-        QVERIFY(Load(&window, Document(version, Look + Item("3", "A", "1", "1,2"))));
+        QVERIFY(Load(&window, Document(version, look + Item("3", "A", "1", "1,2"))));
         QCOMPARE(Describe(&window), QStringList{"page 1 Page 1 12x10"});
         QCOMPARE(Describe_Appearance(window), appearance);
         QCOMPARE(window.d_label_widget->Take_Label_Index(), 1);
@@ -152,7 +152,7 @@ private slots:
         QFETCH(const QByteArray, first);
         QFETCH(const QByteArray, second);
         TQuillet window(nullptr, Qt::WindowFlags());
-        QVERIFY(Load(&window, Document(1, Look + Item(first, "", "1", "1,1") +
+        QVERIFY(Load(&window, Document(1, look + Item(first, "", "1", "1,1") +
                                               Item(second, "", "1", "2,2"))));
         QTEST(window.d_label_widget->Take_Label_Index(), "next");
     }
@@ -161,14 +161,14 @@ private slots:
     {
         TQuillet window(nullptr, Qt::WindowFlags());
         QVERIFY(Load(&window,
-                     Document(1, Look + Item("4", "", "1", "1,1") + Item("4", "", "2", "2,2"))));
+                     Document(1, look + Item("4", "", "1", "1,1") + Item("4", "", "2", "2,2"))));
         QCOMPARE(Describe(&window), (QStringList{"page 1 Page 1 12x10", "label 4 4 '' 1 1,1"}));
     }
 
     void a_colour_that_is_none_is_invalid()
     {
         TQuillet window(nullptr, Qt::WindowFlags());
-        QVERIFY(Load(&window, Document(1, QByteArray(Look).replace("blue", "no colour"))));
+        QVERIFY(Load(&window, Document(1, QByteArray(look).replace("blue", "no colour"))));
         QCOMPARE(Describe_Appearance(window), QStringLiteral("48 invalid no headers"));
         QCOMPARE(Support::View_Difference(window, 48, QColor()), QString());
     }
@@ -191,7 +191,7 @@ private slots:
         TQuillet window(nullptr, Qt::WindowFlags());
         Prepare(&window);
         const QString appearance = Describe_Appearance(window);
-        Write_Pair(Document(1, Look), image);
+        Write_Pair(Document(1, look), image);
         if (!is_there)
             QVERIFY(QFile::remove(Base() + QStringLiteral(".qli")));
         QVERIFY(!window.Load_Legacy_Data(Base()));
@@ -222,7 +222,7 @@ private slots:
         const QString new_look = QStringLiteral("48 #0000ff no headers");
         const QString missing =
             QStringLiteral("ERR: Node '%1' is missing from node '%2' and not optional.");
-        const QByteArray size = Look.left(Look.indexOf("<Colors"));
+        const QByteArray size = look.left(look.indexOf("<Colors"));
         QTest::newRow("empty")
             << QByteArray()
             << "ERR: Reference file XML parse error at line unexpected end of file column 1: 1"
@@ -240,12 +240,12 @@ private slots:
         QTest::newRow("no foreground")
             << Document(2, size + "<Colors/>") << missing.arg("Foreground", "Colors") << new_size;
         QTest::newRow("no border")
-            << Document(1, Look + Item("1", "", "1", "1,1") + "<Item><ID>2</ID></Item>")
+            << Document(1, look + Item("1", "", "1", "1,1") + "<Item><ID>2</ID></Item>")
             << missing.arg("Border_Type", "Item") << new_look;
-        QTest::newRow("no text in version 2") << Document(2, Look + Item("1", "", "1", "1,1"))
+        QTest::newRow("no text in version 2") << Document(2, look + Item("1", "", "1", "1,1"))
                                               << missing.arg("ID_Text", "Item") << new_look;
         QTest::newRow("empty position")
-            << Document(1, Look + Item("1", "", "1", ""))
+            << Document(1, look + Item("1", "", "1", ""))
             << "ERR: Node Text for 'Position' is not optional." << new_look;
     }
 
@@ -266,7 +266,7 @@ private slots:
     {
         TQuillet window(nullptr, Qt::WindowFlags());
         QVERIFY(
-            Load(&window, Document(2, Look + Item("1", "A", "1", "1,1,1") +
+            Load(&window, Document(2, look + Item("1", "A", "1", "1,1,1") +
                                           Item("2", "B", "1", "5") + Item("3", "C", "1", ",7"))));
         QCOMPARE(Describe(&window), (QStringList{"page 1 Page 1 12x10", "label 3 3 'C' 1 0,7"}));
         QCOMPARE(window.d_label_widget->Take_Label_Index(), 4);
@@ -297,7 +297,7 @@ private slots:
 
     void an_opened_document_s_labels_are_collected()
     {
-        Write_Pair(Document(2, Look + Item("3", "A", "3", "1.5,2")), QByteArray());
+        Write_Pair(Document(2, look + Item("3", "A", "3", "1.5,2")), QByteArray());
         TXmlFile xml_file;
         xml_file.d_file_path = Base() + QStringLiteral(".qld");
         xml_file.Open(QStringLiteral("Quillet_Data"), nullptr, true);
@@ -315,7 +315,7 @@ private slots:
 
     void the_pair_is_not_written()
     {
-        const QByteArray document = Document(1, Look + Item("4", "", "1", "1,1"));
+        const QByteArray document = Document(1, look + Item("4", "", "1", "1,1"));
         const QByteArray image = Support::Png(Support::Picture(12, 10));
         TQuillet window(nullptr, Qt::WindowFlags());
         QVERIFY(Load(&window, document));

@@ -32,7 +32,7 @@ using Support::Page_Record;
 
 namespace {
 
-const QByteArray Color = "#0a141e";
+const QByteArray color = "#0a141e";
 
 QString Integer_Bound()
 {
@@ -48,7 +48,7 @@ QByteArray One_Label(int value)
 /// A file with one page, which has a picture of 6 x 4 pixels and a label.
 QByteArray One_Page(const QByteArray& name = "only")
 {
-    return Header(40, Color, "", "", 1) +
+    return Header(40, color, "", "", 1) +
            Page_Record(name, Support::Png(Support::Picture(6, 4)), One_Label(7));
 }
 
@@ -91,7 +91,7 @@ private:
             Item_Element("1804289383", "7", "Pump &lt;&amp;> \xc3\xa4\xe2\x82\xac", "2",
                          "120.50,33.00") +
             Item_Element("-3", "-12", "", "8", "-0.13,1000000.00");
-        return Header(48, Color, "Head\xe9r", "", 3) +
+        return Header(48, color, "Head\xe9r", "", 3) +
                Page_Record("caf\xe9 ?", Support::Png(first), Item_List(items)) +
                Page_Record("??", "", Item_List()) +
                Page_Record("", Support::Png(second), Item_List());
@@ -190,13 +190,13 @@ private slots:
         QVERIFY(image.save(&buffer, "BMP"));
         TQuillet window(nullptr, Qt::WindowFlags());
         QVERIFY(
-            Load(&window, Header(40, Color, "", "", 1) + Page_Record("p", bitmap, Item_List())));
+            Load(&window, Header(40, color, "", "", 1) + Page_Record("p", bitmap, Item_List())));
         QVERIFY(window.d_data.Page_Image_Valid());
         const QImage loaded = window.d_data.Page_Image();
         QCOMPARE(Support::Difference(loaded, image), QString());
         QVERIFY(window.Save_Data(Path()));
         QCOMPARE(Support::Read_File(Path()),
-                 Header(40, Color, "", "", 1) +
+                 Header(40, color, "", "", 1) +
                      Page_Record("p", Support::Png(loaded), Item_List()));
     }
 
@@ -204,7 +204,7 @@ private slots:
     {
         TQuillet window(nullptr, Qt::WindowFlags());
         QVERIFY(Load(&window,
-                     Header(40, Color, "", "", 1) + Page_Record("p", "no picture", One_Label(3))));
+                     Header(40, color, "", "", 1) + Page_Record("p", "no picture", One_Label(3))));
         QVERIFY(!window.d_data.Page_Image_Valid());
         QVERIFY(window.d_data.Page_Image().isNull());
         QCOMPARE(Describe(&window), (QStringList{"page 1 p 0x0", "label 1 3 '' 2 1,2"}));
@@ -239,7 +239,7 @@ private slots:
         QFETCH(const quint32, count);
         TQuillet window(nullptr, Qt::WindowFlags());
         Prepare(&window);
-        QVERIFY(Load(&window, Header(40, Color, "", "", count) + "rest"));
+        QVERIFY(Load(&window, Header(40, color, "", "", count) + "rest"));
         QCOMPARE(Describe(&window), QStringList());
         QCOMPARE(Describe_Appearance(window), QStringLiteral("40 #0a141e no headers"));
     }
@@ -274,7 +274,7 @@ private slots:
     {
         TQuillet window(nullptr, Qt::WindowFlags());
         QVERIFY(Load(&window,
-                     Header(40, Color, "", "", 2) +
+                     Header(40, color, "", "", 2) +
                          Page_Record("a", Support::Png(Support::Picture(6, 4)), One_Label(1)) +
                          Page_Record("b", Support::Png(Support::Picture(5, 3)), One_Label(2))));
         QCOMPARE(window.d_data.Active_Page(), 2);
@@ -342,7 +342,7 @@ private slots:
         QFETCH(const QByteArray, header_2);
         QFETCH(const QString, without_dialog);
         QFETCH(const QString, with_dialog);
-        const QByteArray bytes = Header(40, Color, header_1, header_2, 0);
+        const QByteArray bytes = Header(40, color, header_1, header_2, 0);
         TQuillet window(nullptr, Qt::WindowFlags());
         QVERIFY(Load(&window, bytes));
         QCOMPARE(Describe_Appearance(window), without_dialog);
@@ -376,7 +376,7 @@ private slots:
         QFETCH(const int, first);
         QFETCH(const int, second);
         TQuillet window(nullptr, Qt::WindowFlags());
-        QVERIFY(Load(&window, Header(40, Color, "", "", 2) +
+        QVERIFY(Load(&window, Header(40, color, "", "", 2) +
                                   Page_Record("a", "", One_Label(first)) +
                                   Page_Record("b", "", One_Label(second))));
         QTEST(window.d_label_widget->Take_Label_Index(), "next");
@@ -386,7 +386,7 @@ private slots:
     {
         TQuillet window(nullptr, Qt::WindowFlags());
         const QByteArray items = One_Label(7);
-        QVERIFY(Load(&window, Header(40, Color, "", "", 1) +
+        QVERIFY(Load(&window, Header(40, color, "", "", 1) +
                                   Page_Record("p", "", QByteArray()).chopped(4) +
                                   Number(0x7fffffff) + items));
         QCOMPARE(Describe(&window), (QStringList{"page 1 p 0x0", "label 1 7 '' 2 1,2"}));
@@ -419,8 +419,8 @@ private slots:
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("empty") << QByteArray();
-        QTest::newRow("7 bytes") << Header(40, Color, "", "", 0).left(7);
-        QTest::newRow("other magic") << Number(90211) + Header(40, Color, "", "", 0).mid(4);
+        QTest::newRow("7 bytes") << Header(40, color, "", "", 0).left(7);
+        QTest::newRow("other magic") << Number(90211) + Header(40, color, "", "", 0).mid(4);
         QTest::newRow("magic the other way round") << QByteArray::fromHex("0001606220000000");
     }
 
@@ -555,7 +555,7 @@ private slots:
         Prepare(&window);
         window.d_label_widget->Set_Label_Index(55);
         QVERIFY(!Load(&window,
-                      Header(40, Color, "one", "", 3) +
+                      Header(40, color, "one", "", 3) +
                           Page_Record("a", Support::Png(Support::Picture(6, 4)), One_Label(70)) +
                           Page_Record("b", "", items) + Page_Record("c", "", One_Label(80))));
         QTEST(window.d_error_text, "reason");
@@ -591,7 +591,7 @@ private slots:
     {
         QFETCH(const int, field);
         QByteArray bytes = Magic() + Number(40);
-        const QList<QByteArray> fields{Color,         "one", "", "a",          "",
+        const QList<QByteArray> fields{color,         "one", "", "a",          "",
                                        One_Label(70), "b",   "", One_Label(80)};
         for (int i = 0; i < fields.size(); ++i) {
             constexpr int first_page_field = 3;

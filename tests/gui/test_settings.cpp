@@ -97,7 +97,7 @@ QStringList Describe_Docks(const TQuillet& window)
     return states;
 }
 
-const QStringList All_Docked{"shown docked", "shown docked", "shown docked"};
+const QStringList all_docked{"shown docked", "shown docked", "shown docked"};
 
 } // namespace
 
@@ -152,7 +152,7 @@ private slots:
     {
         const auto window = New_Window();
         QCOMPARE(Describe_State(*window), First_State());
-        QCOMPARE(Describe_Docks(*window), All_Docked);
+        QCOMPARE(Describe_Docks(*window), all_docked);
         QVERIFY(QFileInfo(d_home->filePath(QStringLiteral(".quillet"))).isDir());
         QCOMPARE(window->d_settings->fileName(), Settings_Path());
         QCOMPARE(window->d_settings->format(), QSettings::IniFormat);
@@ -306,7 +306,7 @@ private slots:
         Write_Settings(line);
         const auto window = New_Window();
         QCOMPARE(Describe_State(*window), First_State());
-        QCOMPARE(Describe_Docks(*window), All_Docked);
+        QCOMPARE(Describe_Docks(*window), all_docked);
     }
 
     void a_floating_dock_with_a_wrong_position_is_at_the_origin()
