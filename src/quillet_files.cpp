@@ -35,21 +35,11 @@ void TQuillet::Open_File(const QString& name)
 {
     const bool gave_up = d_data_changed;
     d_has_new_document = false;
-    bool loaded = false;
-    QString informative_text = tr("The Quillet file cannot be loaded");
     const QString legacy_suffix = QStringLiteral(".qld");
-    if (name.endsWith(legacy_suffix, Qt::CaseInsensitive)) {
-        const QString base_name = name.left(name.size() - legacy_suffix.size());
-        informative_text = tr("The legacy Quillet file cannot be loaded");
-        loaded = Load_Quietly([&] { return Load_Legacy_Data(base_name); });
-        // A legacy file is never overwritten: the next Save asks for a name.
-        d_file_name.clear();
-        Set_Working_File(base_name);
-    } else {
-        loaded = Load_Quietly([&] { return Load_Data(name); });
-        d_file_name = name;
-        Set_Working_File(name);
-    }
+    const bool is_legacy = name.endsWith(legacy_suffix, Qt::CaseInsensitive);
+    const QString path = is_legacy ? name.left(name.size() - legacy_suffix.size()) : name;
+    const bool loaded =
+        Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
     // Only now: a file that stops the program does not take the old work with it. One that is
     // refused at once leaves the old document where it was.
     if (d_has_new_document)
@@ -57,7 +47,12 @@ void TQuillet::Open_File(const QString& name)
     if (loaded)
         d_safety_net->Note_Opened(name);
     else
-        Show_File_Error(tr("Error Loading Data"), informative_text);
+        Show_File_Error(tr("Error Loading Data"),
+                        is_legacy ? tr("The legacy Quillet file cannot be loaded")
+                                  : tr("The Quillet file cannot be loaded"));
+    // A legacy file is never overwritten: the next Save asks for a name.
+    d_file_name = is_legacy ? QString() : name;
+    Set_Working_File(path);
     d_data_changed = false;
 }
 

@@ -285,6 +285,37 @@ private slots:
         QVERIFY(!window.d_data_changed);
     }
 
+    void a_failed_open_takes_name_and_folder_after_its_report_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("project") << QStringLiteral("sub/a.quillet") << Path("sub/a.quillet");
+        QTest::newRow("legacy") << QStringLiteral("sub/old.qld") << QString();
+    }
+    void a_failed_open_takes_name_and_folder_after_its_report()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, name);
+        Support::Write_File(Path(file), "neither of them");
+        TQuillet window(nullptr, Qt::WindowFlags());
+        window.d_file_name = QStringLiteral("/some/name");
+        window.d_working_dir.setPath(d_folder.path());
+        window.d_data_changed = true;
+        QStringList meanwhile;
+        const auto look = [&](QMessageBox*) {
+            meanwhile << window.d_file_name << window.d_working_dir.path()
+                      << (window.d_data_changed ? "changed" : "unchanged");
+        };
+        QCOMPARE(Run_Answering([&] { window.File_Open(); },
+                               {Press(QMessageBox::Yes), Choose({Path(file)}),
+                                Support::Look_And_Press(look, QMessageBox::Ok)}),
+                 QString());
+        QCOMPARE(meanwhile, (QStringList{"/some/name", d_folder.path(), "changed"}));
+        QCOMPARE(window.d_file_name, name);
+        QCOMPARE(window.d_working_dir.path(), Path("sub"));
+        QVERIFY(!window.d_data_changed);
+    }
+
     void a_legacy_file_is_loaded_and_never_overwritten_data()
     {
         QTest::addColumn<QString>("list");
