@@ -191,6 +191,7 @@ private:
     /// What a document is written for.
     enum class TPurpose { Save, Recovery_Copy };
     QString Write_Project(TProjectWriter* writer, TPurpose purpose);
+    QList<int> Pages_To_Copy() const;
     bool Read_Appearance(TProjectReader* reader);
     bool Read_Pages(TProjectReader* reader);
     bool Read_Page(TProjectReader* reader, int* page_id);

@@ -18,6 +18,8 @@
 #include <QFileDialog>
 #include <QScopedValueRollback>
 
+#include <algorithm>
+
 void TQuillet::File_Open()
 {
     if (!Confirm_Loss())
@@ -151,12 +153,12 @@ QString TQuillet::Write_Project(TProjectWriter* writer, TPurpose purpose)
     writer->Write_Text(d_settings_widget->Label_Color().name());
     writer->Write_Text(d_header_dialog ? d_header_dialog->Header1_Text() : QString());
     writer->Write_Text(d_header_dialog ? d_header_dialog->Header2_Text() : QString());
-    writer->Write_Integer(d_data.Page_Count());
+    const QList<int> page_ids = is_copy ? Pages_To_Copy() : d_page_widget->Page_Ids();
+    writer->Write_Integer(is_copy ? page_ids.size() : d_data.Page_Count());
 
     const int active_page = d_data.Active_Page();
     QString fault;
     try {
-        const QList<int> page_ids = d_page_widget->Page_Ids();
         for (const int page_id : page_ids) {
             writer->Write_Text(d_page_widget->Page_Name(page_id));
             d_data.Set_Active_Page(page_id);
@@ -170,6 +172,16 @@ QString TQuillet::Write_Project(TProjectWriter* writer, TPurpose purpose)
     }
     d_data.Set_Active_Page(active_page);
     return fault;
+}
+
+/// The pages for a recovery copy. It is made at any moment, also when the page list has pages that
+/// the document does not know: those are left out.
+QList<int> TQuillet::Pages_To_Copy() const
+{
+    QList<int> page_ids = d_page_widget->Page_Ids();
+    const auto is_unknown = [this](int page_id) { return d_data.Page_Index(page_id) < 0; };
+    page_ids.erase(std::remove_if(page_ids.begin(), page_ids.end(), is_unknown), page_ids.end());
+    return page_ids;
 }
 
 bool TQuillet::Load_Data(const QString& file_name)

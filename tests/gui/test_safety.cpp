@@ -37,6 +37,7 @@ private slots:
     void the_first_change_makes_a_copy();
     void what_is_no_change_makes_no_copy();
     void a_copy_is_a_project_that_opens();
+    void a_copy_leaves_out_pages_that_the_list_alone_has();
     void losing_the_activation_copies_what_is_new();
     void losing_the_activation_copies_a_new_page_name();
     void a_modal_command_copies_what_is_new();
@@ -260,6 +261,18 @@ void TestSafety::a_copy_is_a_project_that_opens()
     QCOMPARE(reader.d_data.Item(0).position, QPointF(50, 60));
     QCOMPARE(Support::Difference(reader.d_data.Page_Image(), Support::Picture(300, 200)),
              QString());
+}
+
+void TestSafety::a_copy_leaves_out_pages_that_the_list_alone_has()
+{
+    Make_Document();
+    const QList<int> known_pages = d_window->d_page_widget->Page_Ids();
+    d_window->d_page_widget->Add_Page(99);
+    d_window->Keep_Work();
+    TQuillet reader(nullptr, Qt::WindowFlags());
+    QVERIFY(ProjectFile::Is_Whole(Only_Copy()));
+    QVERIFY(reader.Load_Data(Only_Copy()));
+    QCOMPARE(reader.d_data.Page_Count(), known_pages.size());
 }
 
 void TestSafety::losing_the_activation_copies_what_is_new()
