@@ -86,8 +86,12 @@ bool Copy_Content(const QString& from, const QString& to)
 /// The file that a path leads to. The target of a link has to be replaced, not the link.
 QString Target_Of(const QString& path)
 {
-    const QString target = QFileInfo(path).canonicalFilePath();
-    return target.isEmpty() ? path : target;
+    const QFileInfo info(path);
+    const QString target = info.canonicalFilePath();
+    if (!target.isEmpty())
+        return target;
+    // A link may lead to a file that is not there yet.
+    return info.isSymLink() ? info.symLinkTarget() : path;
 }
 
 } // namespace

@@ -61,6 +61,7 @@ private slots:
     void a_private_file_is_for_its_owner_whatever_the_mask_data();
     void a_private_file_is_for_its_owner_whatever_the_mask();
     void a_link_is_followed();
+    void a_link_to_a_missing_file_makes_that_file();
     void a_file_with_two_names_keeps_both();
     void without_room_for_a_new_file_the_target_is_written_directly();
     void a_private_file_is_never_written_directly();
@@ -175,6 +176,15 @@ void TestSafeFile::a_link_is_followed()
     QVERIFY(TSafeFile::Replace(In("link"), "new"));
     QVERIFY(QFileInfo(In("link")).isSymLink());
     QCOMPARE(Read_File(In("file")), QByteArray("new"));
+}
+
+void TestSafeFile::a_link_to_a_missing_file_makes_that_file()
+{
+    QVERIFY(QFile::link(QStringLiteral("file"), In("link")));
+    QVERIFY(TSafeFile::Replace(In("link"), "new"));
+    QVERIFY(QFileInfo(In("link")).isSymLink());
+    QCOMPARE(Read_File(In("file")), QByteArray("new"));
+    QCOMPARE(Entries(d_folder->path()), QStringList({"file", "link"}));
 }
 
 void TestSafeFile::a_file_with_two_names_keeps_both()
