@@ -74,17 +74,27 @@ void For_Each_Picture(const TUse& use)
     }
 }
 
-void export_images(benchmark::State& state)
+/// Measures an export of the document, just opened, into an empty folder.
+/// @param run  returns whether it succeeded.
+template <typename TExport>
+void Measure_Export(benchmark::State* state, const TExport& run)
 {
     std::unique_ptr<TQuillet> window;
     QString folder;
     Bench::Measure(
-        &state,
+        state,
         [&] {
             window = New_Window();
             folder = Fresh_Folder();
         },
-        [&] { Require(window->Export_Images(folder, Page_Ids(*window))); });
+        [&] { Require(run(window.get(), folder)); });
+}
+
+void export_images(benchmark::State& state)
+{
+    Measure_Export(&state, [](TQuillet* window, const QString& folder) {
+        return window->Export_Images(folder, Page_Ids(*window));
+    });
 }
 BENCH_SLOW(export_images);
 
@@ -118,18 +128,10 @@ BENCH_SLOW(decode_pages);
 
 void export_pdf(benchmark::State& state)
 {
-    std::unique_ptr<TQuillet> window;
-    QString folder;
-    Bench::Measure(
-        &state,
-        [&] {
-            window = New_Window();
-            folder = Fresh_Folder();
-        },
-        [&] {
-            Require(window->Export_PDF(folder + QStringLiteral("/report.pdf"), Page_Ids(*window),
-                                       {0, resolution_code, QString(), QString()}));
-        });
+    Measure_Export(&state, [](TQuillet* window, const QString& folder) {
+        return window->Export_PDF(folder + QStringLiteral("/report.pdf"), Page_Ids(*window),
+                                  {0, resolution_code, QString(), QString()});
+    });
 }
 BENCH_SLOW(export_pdf);
 

@@ -3,7 +3,6 @@
 #include "src/projectfile.h"
 #include "src/safefile.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -67,17 +66,16 @@ bool TRecovery::Write(const TProjectWriter& project, const QString& document)
     return written;
 }
 
-/// Takes a name that no run ever had and locks its note, before there is a copy of that name.
+/// Takes a name that nobody has and locks its note, before there is a copy of that name. It is the
+/// time alone, so that its path can be shown in a narrow window.
 bool TRecovery::Claim_Name()
 {
-    const QString base =
-        QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-hhmmsszzz-")) +
-        QString::number(QCoreApplication::applicationPid());
-    // Process numbers repeat where several machines or containers share a home folder.
+    const QString base = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    // Several runs may begin within a second, and clocks are set back.
     constexpr int attempts = 100;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
         const QString name =
-            attempt == 0 ? base : base + QLatin1Char('-') + QString::number(attempt);
+            attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
         if (QFile::exists(d_folder.Copy_Path(name)) ||
             !d_note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Refuse))
             continue;

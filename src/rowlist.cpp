@@ -197,10 +197,11 @@ void TRowList::dataChanged(const QModelIndex& top_left, const QModelIndex& botto
     const bool have_grown = (roles.isEmpty() || roles.contains(Qt::DisplayRole)) &&
                             Measure_Rows(top_left.row(), bottom_right.row());
     // A list view lays all rows out anew whenever one changes. Rows of one size need that only when
-    // the size changes.
+    // the size changes; otherwise what any view does is enough.
     if (have_grown || May_Change_Size(roles))
         QListWidget::dataChanged(top_left, bottom_right, roles);
-    else
+    else // The list view's own step is what is left out.
+         // NOLINTNEXTLINE(bugprone-parent-virtual-call)
         QAbstractItemView::dataChanged(top_left, bottom_right, roles);
 }
 

@@ -1,3 +1,5 @@
+// The version before a save: what is kept of it, under which name, and how much in all.
+
 #include "src/backup.h"
 #include "support/support.h"
 

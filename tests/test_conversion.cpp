@@ -1,3 +1,5 @@
+// Typed access to bytes.
+
 #include "core/conversion.h"
 
 #include "support/support.h"

@@ -1,3 +1,5 @@
+// The model of the document: pages, labels, and what happens without an active page.
+
 #include "src/data.h"
 #include "support/support.h"
 

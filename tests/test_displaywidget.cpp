@@ -1,3 +1,5 @@
+// The page view: labels on a page, their selection and looks, zoom, and the finished picture.
+
 #include "src/displaywidget.h"
 
 #include "support/support.h"

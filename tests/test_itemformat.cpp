@@ -1,3 +1,5 @@
+// The item display format: what is left of what a user types, and the rows it makes.
+
 #include "src/itemformat.h"
 
 #include <QTest>

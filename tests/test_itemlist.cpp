@@ -1,3 +1,5 @@
+// The label document of a page, written and read.
+
 #include "core/xmlfile.h"
 #include "src/itemlist.h"
 #include "support/support.h"

@@ -1,3 +1,5 @@
+// Label pixmaps that are drawn once: the pixels are those of a label drawn for itself.
+
 #include "src/labelcache.h"
 
 #include "support/support.h"

@@ -1,3 +1,5 @@
+// The drawing of one label, compared with drawings made here.
+
 #include "src/labelpainter.h"
 
 #include "support/support.h"

@@ -1,3 +1,5 @@
+// The panel with the list of labels and their editors.
+
 #include "src/labelwidget.h"
 
 #include "support/support.h"

@@ -1,3 +1,5 @@
+// Readers for the documents of the two earlier generations.
+
 #include "core/xmlfile.h"
 #include "src/legacyfile.h"
 #include "support/support.h"

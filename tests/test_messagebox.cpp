@@ -1,3 +1,5 @@
+// The message box: its texts, buttons and answers.
+
 #include "src/messagebox.h"
 
 #include <QAbstractButton>

@@ -1,3 +1,5 @@
+// Page images: decoded when looked at, encoded at most once, and kept within bounds.
+
 #include "src/pageimage.h"
 #include "support/support.h"
 

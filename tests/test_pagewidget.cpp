@@ -1,3 +1,5 @@
+// The panel with the list of pages.
+
 #include "src/pagewidget.h"
 
 #include "support/widgets.h"

@@ -1,3 +1,5 @@
+// What the panels are made of.
+
 #include "src/panelparts.h"
 
 #include "src/labelwidget.h"

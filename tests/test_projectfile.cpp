@@ -1,3 +1,5 @@
+// The project container, field by field, written and read.
+
 #include "src/projectfile.h"
 #include "support/project.h"
 #include "support/support.h"

@@ -1,3 +1,5 @@
+// Copies of unsaved work: when one is due, whose they are, and which have been left behind.
+
 #include "src/projectfile.h"
 #include "src/recovery.h"
 #include "src/safefile.h"

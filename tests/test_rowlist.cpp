@@ -1,3 +1,5 @@
+// The list of rows that are found by id and share one size.
+
 #include "src/rowlist.h"
 
 #include "support/widgets.h"

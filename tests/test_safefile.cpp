@@ -1,3 +1,5 @@
+// Files that take the place of others only when they are complete.
+
 #include "src/safefile.h"
 #include "support/support.h"
 

@@ -1,3 +1,5 @@
+// The safety net as a whole: which copy is there after which event.
+
 #include "src/projectfile.h"
 #include "src/safetynet.h"
 #include "support/support.h"

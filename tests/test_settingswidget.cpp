@@ -1,3 +1,5 @@
+// The panel with the settings.
+
 #include "src/settingswidget.h"
 
 #include "support/support.h"

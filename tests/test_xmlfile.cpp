@@ -1,3 +1,5 @@
+// The XML wrapper: values, paths, and a message for each fault.
+
 #include "core/xmlfile.h"
 
 #include "support/support.h"

@@ -1,3 +1,5 @@
+// The look at an XML document before it is parsed: what is refused, and what passes.
+
 #include "core/xmlguard.h"
 
 #include "support/support.h"

@@ -1,3 +1,6 @@
+// Damaged files opened in the window: each is refused with its message or stopped where that is
+// meant.
+
 #include "support/project.h"
 #include "support/support.h"
 #include "support/window.h"

@@ -1,3 +1,5 @@
+// New, Open, Save and Save As as the user gives them: dialogs, questions, and what is remembered.
+
 #include "support/modal.h"
 #include "support/project.h"
 #include "support/support.h"

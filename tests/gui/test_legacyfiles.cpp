@@ -1,3 +1,5 @@
+// Files of the two earlier generations, opened in the window.
+
 #include "support/project.h"
 #include "support/support.h"
 #include "support/window.h"

@@ -1,3 +1,5 @@
+// Project files written and read by the window, byte for byte.
+
 #include "support/project.h"
 #include "support/support.h"
 #include "support/window.h"

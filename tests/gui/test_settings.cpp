@@ -1,3 +1,5 @@
+// What the window remembers between runs, and the settings panel's part in it.
+
 #include "support/modal.h"
 #include "support/project.h"
 #include "support/support.h"
