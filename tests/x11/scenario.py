@@ -299,13 +299,13 @@ def arrange_pages(day):
     day.page_row(len(day.pages))
     day.retype("name", "Appendix")
     first = day.page_row(0)
-    day.retype("name", "Scope: part 1/2")
+    day.retype("name", "Scope: 1/2")
     last_image = day.page_row(4)
     # Between the first and the second row.
     drag((last_image.left + 30, last_image.centre[1]), (first.left + 30, first.bottom))
     calm_screen()
     day.shoot("pages-in-order")
-    day.names = ["Scope: part 1/2", "Page 5", "Page 2", "Page 3", "Page 4", "Appendix"]
+    day.names = ["Scope: 1/2", "Page 5", "Page 2", "Page 3", "Page 4", "Appendix"]
     day.order = [0, 4, 1, 2, 3]
 
 
