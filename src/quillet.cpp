@@ -97,6 +97,15 @@ void TQuillet::Show_File_Error(const QString& text, const QString& informative_t
 
 void TQuillet::Show_Progress(const QString& text)
 {
+    // Work that goes fast is not slowed down by telling of each step.
+    constexpr int pause_milliseconds = 100;
+    const bool is_end = text.isEmpty();
+    if (!is_end && d_progress_clock.isValid() && !d_progress_clock.hasExpired(pause_milliseconds))
+        return;
+    if (is_end)
+        d_progress_clock.invalidate();
+    else
+        d_progress_clock.start();
     statusBar()->showMessage(text);
     // Long work runs without an event loop, so the status bar has to be painted here and now.
     statusBar()->repaint();

@@ -5,6 +5,7 @@
 
 #include <QColor>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QList>
 #include <QMainWindow>
 #include <QMessageBox>
@@ -232,6 +233,7 @@ private:
     QString d_error_text;        ///< why the last file operation failed
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
+    QElapsedTimer d_progress_clock;  ///< since progress was shown last; invalid between long works
     bool d_filling_view = false;     ///< the view is being rebuilt from the document or a file
     bool d_has_new_document = false; ///< the last file operation replaced the document
     QLabel* d_kept_notice = nullptr; ///< tells of kept work; null when there was none

@@ -158,8 +158,12 @@ QString TQuillet::Write_Project(TProjectWriter* writer, TPurpose purpose)
 
     const int active_page = d_data.Active_Page();
     QString fault;
+    int number = 0;
     try {
         for (const int page_id : page_ids) {
+            ++number;
+            if (!is_copy)
+                Show_Progress(tr("Saving page %1 of %2").arg(number).arg(page_ids.size()));
             writer->Write_Text(d_page_widget->Page_Name(page_id));
             d_data.Set_Active_Page(page_id);
             writer->Write_Image(d_data.Page_Content(), image_bytes);
@@ -171,6 +175,8 @@ QString TQuillet::Write_Project(TProjectWriter* writer, TPurpose purpose)
         fault = exception.Message();
     }
     d_data.Set_Active_Page(active_page);
+    if (!is_copy)
+        Show_Progress(QString());
     return fault;
 }
 

@@ -87,7 +87,7 @@ bool Copy_Content(const QString& from, const QString& to)
 QString Target_Of(const QString& path)
 {
     const QFileInfo info(path);
-    const QString target = info.canonicalFilePath();
+    QString target = info.canonicalFilePath();
     if (!target.isEmpty())
         return target;
     // A link may lead to a file that is not there yet.
