@@ -278,15 +278,6 @@ QByteArray TPageImage::Source_Bytes() const
                                                                                 : Png();
 }
 
-bool TPageImage::Is_Same_As(const TPageImage& other) const
-{
-    if (!d_content || !other.d_content)
-        return d_content == other.d_content;
-    return d_content == other.d_content ||
-           (!d_content->pixels.isNull() &&
-            d_content->pixels.cacheKey() == other.d_content->pixels.cacheKey());
-}
-
 qint64 TPageImage::Stored_Bytes()
 {
     return Store().Bytes();

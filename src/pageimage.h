@@ -61,10 +61,6 @@ public:
     /// and for one whose format nobody could tell from its bytes alone.
     QByteArray Source_Bytes() const;
 
-    /// Whether both are the same image by identity (not by comparing pixels): copies of one image,
-    /// images made from copies of one QImage, or images without bytes and pixels.
-    bool Is_Same_As(const TPageImage& other) const;
-
     /// Images whose header promises more pixels than this count as undecodable.
     static constexpr qint64 Maximum_Pixels = 500'000'000;
 

@@ -485,24 +485,6 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(40 * 30 * 4));
     }
 
-    void identity_is_that_of_the_image_and_not_of_the_pixels()
-    {
-        const QImage picture = Support::Picture(40, 30);
-        const TPageImage image = picture;
-        const TPageImage bytes = TPageImage::From_Bytes(Support::Png(picture));
-        const TPageImage copy = bytes;
-        QVERIFY(image.Is_Same_As(image));
-        QVERIFY(image.Is_Same_As(TPageImage(picture)));
-        QVERIFY(bytes.Is_Same_As(copy));
-        QVERIFY(!bytes.Is_Same_As(image));
-        QVERIFY(!image.Is_Same_As(bytes));
-        QVERIFY(!bytes.Is_Same_As(TPageImage::From_Bytes(Support::Png(picture))));
-        QVERIFY(!image.Is_Same_As(TPageImage(Support::Picture(40, 30))));
-        QVERIFY(!image.Is_Same_As(TPageImage()));
-        QVERIFY(!TPageImage().Is_Same_As(image));
-        QVERIFY(TPageImage().Is_Same_As(TPageImage(QImage())));
-    }
-
     void images_are_compared_with_pictures_by_their_pixels()
     {
         const QImage picture = Support::Picture(40, 30);
