@@ -1,8 +1,12 @@
 #include "src/data.h"
 
+#include "src/datachange.h"
+
 #include <algorithm>
 #include <cassert>
+#include <cstring>
 #include <iterator>
+#include <utility>
 
 // A macro, because an assertion prints the function in which it stands, and that has to be the
 // operation which was misused.
@@ -15,6 +19,18 @@ namespace {
 // On a page with this many labels at the most, a removed label's gap is closed at once: that takes
 // no longer than what the program does for a removal anyway.
 constexpr std::size_t small_page = 256;
+
+/// Whether two labels are the same in all but their selection. Positions are compared to the bit:
+/// those of the toolkit count as equal when they nearly are, and one that is no number never does.
+bool Have_Same_Content(const TDataItem& left, const TDataItem& right)
+{
+    const auto have_same_bits = [](double one, double other) {
+        return std::memcmp(&one, &other, sizeof(one)) == 0;
+    };
+    return left.value == right.value && left.border_type == right.border_type &&
+           have_same_bits(left.position.x(), right.position.x()) &&
+           have_same_bits(left.position.y(), right.position.y()) && left.text == right.text;
+}
 
 } // namespace
 
@@ -37,6 +53,8 @@ int TData::Add_Page(const QImage& image)
 
 int TData::Add_Page(const TPageImage& image)
 {
+    if (d_record)
+        d_record->Note_Added_Page(Page_Count(), d_next_page_id);
     d_page_items.push_back({d_next_page_id, image, {}});
     return d_next_page_id++;
 }
@@ -49,6 +67,8 @@ void TData::Remove_Page(int page_id)
     const int active_index = d_active_page_index;
     if (index == active_index)
         Make_Active(-1);
+    if (d_record)
+        d_record->Note_Removed_Page(index, std::move(d_page_items[index]));
     d_page_items.erase(d_page_items.begin() + index);
     if (index < active_index)
         --d_active_page_index;
@@ -108,6 +128,8 @@ void TData::Set_Page_Image(const QImage& image)
 void TData::Set_Page_Image(const TPageImage& image)
 {
     ASSERT_ACTIVE_PAGE();
+    if (d_record)
+        d_record->Note_Image(Active_Page(), d_page_items[d_active_page_index].image);
     d_page_items[d_active_page_index].image = image;
 }
 
@@ -166,6 +188,8 @@ bool TData::Add_Item(const TDataItem& item)
     if (Find(item.id) >= 0)
         return false;
     std::vector<TDataItem>& items = d_page_items[d_active_page_index].data_items;
+    if (d_record)
+        d_record->Note_Added_Label(Active_Page(), Item_Count(), item.id);
     d_positions.insert(item.id, static_cast<int>(items.size()));
     items.push_back(item);
     return true;
@@ -174,8 +198,15 @@ bool TData::Add_Item(const TDataItem& item)
 bool TData::Remove_Item(int id)
 {
     ASSERT_ACTIVE_PAGE();
-    if (Find(id) < 0)
+    // The places that are noted have to be those on a page without gaps.
+    if (d_record && !d_record->Is_Removing(Active_Page()))
+        Settle();
+    const int position = Find(id);
+    if (position < 0)
         return false;
+    if (d_record)
+        d_record->Note_Removed_Label(Active_Page(), position,
+                                     d_page_items[d_active_page_index].data_items[position]);
     d_positions.remove(id);
     ++d_erased_count;
     // Closing a gap moves all labels behind it. On a large page it waits until half of the labels
@@ -196,10 +227,18 @@ void TData::Number_Items(bool selected_only, const std::function<int()>& next)
 {
     ASSERT_ACTIVE_PAGE();
     Settle();
+    TDataChange::TValues before{Active_Page(), {}};
+    int place = 0;
     for (TDataItem& item : d_page_items[d_active_page_index].data_items) {
-        if (item.selected || !selected_only)
-            item.value = next();
+        if (item.selected || !selected_only) {
+            const int value = std::exchange(item.value, next());
+            if (d_record && value != item.value)
+                before.others.emplace_back(place, value);
+        }
+        ++place;
     }
+    if (d_record)
+        d_record->Note_Values(std::move(before));
 }
 
 bool TData::Change_Item_Text(int id, const QString& text)
@@ -231,6 +270,37 @@ void TData::Clear_Selection()
     ASSERT_ACTIVE_PAGE();
     for (TDataItem& item : d_page_items[d_active_page_index].data_items)
         item.selected = false;
+}
+
+void TData::Set_Record(TDataChange* record)
+{
+    d_record = record;
+    if (d_record)
+        d_record->End_Removing();
+}
+
+void TData::Swap(TDataChange* change)
+{
+    const int active_page = Active_Page();
+    Make_Active(-1);
+    change->Swap(&d_page_items);
+    Set_Active_Page(active_page);
+}
+
+bool TData::Has_Content(int page_id, const TDataItem& item) const
+{
+    const bool is_active = page_id == Active_Page();
+    const int page_index = is_active ? d_active_page_index : Page_Index(page_id);
+    if (page_index < 0)
+        return false;
+    const std::vector<TDataItem>& items = d_page_items[page_index].data_items;
+    const auto has_id = [&item](const TDataItem& one) { return one.id == item.id; };
+    const int place =
+        is_active ? Find(item.id)
+                  : static_cast<int>(std::distance(
+                        items.cbegin(), std::find_if(items.cbegin(), items.cend(), has_id)));
+    return place >= 0 && place < static_cast<int>(items.size()) &&
+           Have_Same_Content(items[place], item);
 }
 
 /// The active page, or null when there is none.
@@ -284,6 +354,8 @@ void TData::Settle() const
     items.erase(std::remove_if(items.begin(), items.end(), is_erased), items.end());
     d_erased_count = 0;
     d_positions.clear();
+    if (d_record)
+        d_record->End_Removing();
 }
 
 template <typename TChange>
@@ -292,6 +364,14 @@ bool TData::Change_Item(int id, const TChange& change)
     const int position = Find(id);
     if (position < 0)
         return false;
-    change(&d_page_items[d_active_page_index].data_items[position]);
+    TDataItem& item = d_page_items[d_active_page_index].data_items[position];
+    if (!d_record) {
+        change(&item);
+        return true;
+    }
+    const TDataItem before = item;
+    change(&item);
+    if (!Have_Same_Content(before, item))
+        d_record->Note_Content(Active_Page(), before);
     return true;
 }

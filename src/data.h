@@ -11,6 +11,8 @@
 #include <functional>
 #include <vector>
 
+class TDataChange;
+
 /// One numbered label of a page. A plain value.
 struct TDataItem
 {
@@ -103,6 +105,16 @@ public:
     /// Unselects every label.
     void Clear_Selection();
 
+    /// From now on notes in a record what changes: pages, images, labels and what they are. Null
+    /// ends that. The record is not owned. Clear is not noted: it begins another document.
+    void Set_Record(TDataChange* record);
+    /// Exchanges what is noted in a change with what the document has. The first time takes the
+    /// change back, the second makes it again, and so on. Notes about pages or labels that are not
+    /// there are passed over. The active page stays active unless it goes.
+    void Swap(TDataChange* change);
+    /// Whether a page has a label with this id that is the same in all but its selection.
+    bool Has_Content(int page_id, const TDataItem& item) const;
+
 private:
     const TPageItem* Active_Page_Item() const;
     void Make_Active(int page_index);
@@ -122,4 +134,6 @@ private:
     /// How many entries of the active page's data_items are erased but still take up room: those
     /// whose place is not the one that d_positions has for their id.
     mutable std::size_t d_erased_count = 0;
+
+    TDataChange* d_record = nullptr; ///< where changes are noted; null when nobody wants to know
 };

@@ -91,6 +91,7 @@ public:
     QSize Label_Size() const;
     /// Changes the colour of all labels.
     void Set_Label_Color(const QColor& color);
+    QColor Label_Color() const { return d_label_color; }
     /// A label as the view draws it.
     QPixmap Render_Pixmap(const QString& text, const int& border_type, bool selected) const;
     /// The same for a label without a text, which shows its value.

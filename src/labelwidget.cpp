@@ -186,6 +186,23 @@ int TLabelWidget::Take_Label_Index()
     return taken;
 }
 
+void TLabelWidget::Set_Values(int next_value, int idle_value)
+{
+    d_label_index = idle_value;
+    d_next_value = next_value;
+    if (!d_list->selectionModel()->hasSelection())
+        d_value_editor->setText(QString::number(next_value));
+}
+
+void TLabelWidget::Select_Items(const std::vector<int>& ids)
+{
+    {
+        const QSignalBlocker blocker(this);
+        d_list->Select_Rows(ids);
+    }
+    Item_Selection_Changed();
+}
+
 void TLabelWidget::Clear()
 {
     d_list->clear();

@@ -46,6 +46,14 @@ public:
     /// editor shows from then on when nothing is selected; what it shows now stays.
     /// @return the value for the new label.
     int Take_Label_Index();
+    /// The value that the next new label gets.
+    int Next_Value() const { return d_next_value; }
+    /// What the value editor shows when nothing is selected.
+    int Idle_Value() const { return d_label_index; }
+    /// Sets both of them. The editor shows the next value, unless a row is selected.
+    void Set_Values(int next_value, int idle_value);
+    /// Selects the rows with these ids and no other, and reports that once, be it a change or not.
+    void Select_Items(const std::vector<int>& ids);
     /// Takes all rows away.
     void Clear();
 

@@ -278,6 +278,23 @@ QByteArray TPageImage::Source_Bytes() const
                                                                                 : Png();
 }
 
+TPageImage TPageImage::Encoded() const
+{
+    if (!d_content)
+        return TPageImage();
+    if (d_content->source.isEmpty())
+        return From_Bytes(Png());
+    auto content = std::make_shared<TContent>();
+    content->source = d_content->source;
+    content->owner = d_content->owner;
+    content->format = d_content->format;
+    content->png = d_content->png;
+    content->tells_format = d_content->tells_format;
+    content->verdict = d_content->verdict;
+    content->size = d_content->size;
+    return TPageImage(std::move(content));
+}
+
 qint64 TPageImage::Stored_Bytes()
 {
     return Store().Bytes();

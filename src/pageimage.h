@@ -61,6 +61,10 @@ public:
     /// and for one whose format nobody could tell from its bytes alone.
     QByteArray Source_Bytes() const;
 
+    /// The same image, known by its bytes alone, for keeping: it holds no pixels, nor are any of it
+    /// in the store. One that came as pixels is encoded for it.
+    TPageImage Encoded() const;
+
     /// Images whose header promises more pixels than this count as undecodable.
     static constexpr qint64 Maximum_Pixels = 500'000'000;
 

@@ -6,6 +6,7 @@
 
 #include <QGridLayout>
 #include <QLineEdit>
+#include <QSignalBlocker>
 #include <QToolButton>
 
 namespace {
@@ -103,6 +104,24 @@ QList<int> TPageWidget::Page_Ids() const
     for (int place = 0; place < d_list->count(); ++place)
         page_ids.append(d_list->item(place)->data(TRowList::Id_Role).toInt());
     return page_ids;
+}
+
+std::vector<int> TPageWidget::Selected_Pages() const
+{
+    return d_list->Selected_Ids();
+}
+
+void TPageWidget::Select_Pages(const std::vector<int>& page_ids)
+{
+    const QSignalBlocker blocker(this);
+    d_list->Select_Rows(page_ids);
+    // Rows that were taken away with the selection have told nobody of it.
+    Page_Selection_Changed();
+}
+
+const QAbstractItemModel* TPageWidget::Rows() const
+{
+    return d_list->model();
 }
 
 void TPageWidget::Clear()

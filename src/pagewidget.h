@@ -5,6 +5,7 @@
 
 class QLineEdit;
 class QToolButton;
+class QAbstractItemModel;
 class TRowList;
 
 /// Dock panel that lists the pages of the document, and the place where their names live.
@@ -30,6 +31,13 @@ public:
     QString Page_Name(int page_id) const;
     /// Ids of all rows in the order in which they are shown.
     QList<int> Page_Ids() const;
+    /// Ids of the selected rows.
+    std::vector<int> Selected_Pages() const;
+    /// Selects the rows with these ids and no other, and brings buttons and name editor into line.
+    /// Reports nothing.
+    void Select_Pages(const std::vector<int>& page_ids);
+    /// The rows, for somebody who wants to be told when the user renames or moves them.
+    const QAbstractItemModel* Rows() const;
     /// Takes all rows away.
     void Clear();
 

@@ -9,6 +9,7 @@
 #include "src/pagewidget.h"
 #include "src/parentwidget.h"
 #include "src/safetynet.h"
+#include "src/undohistory.h"
 
 #include <QAction>
 #include <QLabel>
@@ -40,6 +41,7 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     d_label_widget->setEnabled(false);
     Connect_Signals();
     Spread_Safety_Net();
+    Start_History();
 }
 
 TQuillet::~TQuillet() = default;

@@ -35,7 +35,14 @@ class TReindexDialog;
 class TReportHeaderDialog;
 class TSafetyNet;
 class TSettingsWidget;
+class TUndoHistory;
+class TUndoKeys;
 class TXmlFile;
+enum class TStepKind;
+struct TAppearance;
+struct TPageRow;
+struct TShownState;
+struct TStepOutcome;
 
 /// The main window: the hub between the document and what shows it.
 ///
@@ -151,8 +158,38 @@ private:
     void Announce_Kept_Work();
     void Note_Work();
     void Keep_Work();
-    void Remember_Page_Names();
     void Leave_Work(bool gave_up);
+
+    // Steps that can be taken back.
+    /// Lasts as long as a step of the work. Steps within it belong to it.
+    class TStep
+    {
+    public:
+        /// @param subject, count  see TUndoHistory::Begin.
+        TStep(TQuillet* window, TStepKind kind, int subject = 0, int count = 1);
+        ~TStep();
+        Q_DISABLE_COPY(TStep)
+
+    private:
+        TQuillet* d_window; ///< null while nothing is recorded
+    };
+    void Start_History();
+    void Watch_Page_List();
+    void Begin_Step(TStepKind kind, int subject, int count);
+    void End_Step();
+    void Finish_Step();
+    void Note_Page_List();
+    void Forget_Steps();
+    std::vector<TPageRow> Page_Rows() const;
+    TAppearance Appearance() const;
+    TShownState Shown_State() const;
+    void Undo();
+    void Redo();
+    void Show_Outcome(const TStepOutcome& outcome);
+    void Show_Page_Rows(const std::vector<TPageRow>& rows);
+    void Show_Appearance(const TAppearance& appearance);
+    std::vector<int> Pages_To_Show(const TStepOutcome& outcome) const;
+    void Show_Selection(const TShownState& shown, const std::vector<int>& pages);
 
     // Questions and messages.
     QMessageBox::StandardButton Show_Message(const QString& text, const QString& informative_text,
@@ -171,6 +208,7 @@ private:
     void Enable_Document_Actions(bool enable);
     void Set_Working_File(const QString& path);
     void Show_No_Page();
+    void Show_Label_Size(int size);
     void Fill_View(TLabelWidget* list);
     void Reload_View();
     void Refresh_Active_Page();
@@ -237,5 +275,10 @@ private:
     bool d_filling_view = false;     ///< the view is being rebuilt from the document or a file
     bool d_has_new_document = false; ///< the last file operation replaced the document
     QLabel* d_kept_notice = nullptr; ///< tells of kept work; null when there was none
-    QStringList d_known_page_names;  ///< page ids and names when the safety net last looked
+
+    std::unique_ptr<TUndoHistory> d_history; ///< null while the window is being built
+    TUndoKeys* d_undo_keys = nullptr;
+    int d_step_depth = 0;              ///< how many steps are going on, each within the other
+    std::vector<TPageRow> d_page_rows; ///< the page list as the history knows it
+    bool d_has_new_rows = false;       ///< the page list may have changed since
 };

@@ -8,6 +8,7 @@
 #include "src/numbering.h"
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
+#include "src/undohistory.h"
 
 #include <cstdlib>
 #include <ctime>
@@ -27,6 +28,7 @@ void TQuillet::Add_Label(const QPointF* point)
 {
     if (d_data.Active_Page() < 0 || !d_data.Page_Image_Valid())
         return;
+    const TStep step(this, TStepKind::Add_Label);
     const int border = d_label_widget->Border_Type();
     const int value = d_label_widget->Take_Label_Index();
     if (const std::optional<int> id = Add_Label_To_View(value, border)) {
@@ -61,6 +63,7 @@ void TQuillet::Remove_Item()
     const std::vector<int> ids = d_label_widget->Selected_Items();
     if (ids.empty() || !Confirm(tr("Remove Labels"), tr("Labels will be deleted.  Are you sure?")))
         return;
+    const TStep step(this, TStepKind::Remove_Labels, 0, static_cast<int>(ids.size()));
     // Each removal of a selected label is a change of the selection, which everybody looks at as a
     // whole. With the last one alone selected all end up as they would have, without the walks.
     if (ids.size() > 1)
@@ -75,6 +78,7 @@ void TQuillet::Remove_Item()
 
 void TQuillet::Change_Item_Value(int id, int value)
 {
+    const TStep step(this, TStepKind::Change_Value, id);
     d_data.Change_Item_Value(id, value);
     d_display_widget->Change_Item_Value(id, value);
     Mark_Changed();
@@ -82,6 +86,7 @@ void TQuillet::Change_Item_Value(int id, int value)
 
 void TQuillet::Change_Item_Text(int id, const QString& text)
 {
+    const TStep step(this, TStepKind::Change_Text, id);
     d_data.Change_Item_Text(id, text);
     d_display_widget->Change_Item_Text(id, text);
     Mark_Changed();
@@ -89,6 +94,7 @@ void TQuillet::Change_Item_Text(int id, const QString& text)
 
 void TQuillet::Change_Item_Border(int id, int border)
 {
+    const TStep step(this, TStepKind::Change_Border, border);
     d_data.Change_Item_Border(id, border);
     d_display_widget->Change_Item_Border(id, border);
     Mark_Changed();
@@ -96,6 +102,7 @@ void TQuillet::Change_Item_Border(int id, int border)
 
 void TQuillet::Item_Selection_Changed()
 {
+    Finish_Step();
     const std::vector<int> ids = d_label_widget->Selected_Items();
     // What was clicked in the view is in sight already.
     d_display_widget->Set_Selected_Items(ids, !d_display_click);
@@ -123,6 +130,7 @@ void TQuillet::Update_Item_Position(int id, const QPointF& position)
 {
     if (d_data.Active_Page() < 0)
         return;
+    const TStep step(this, TStepKind::Move_Label, id);
     d_data.Change_Item_Position(id, position);
     Mark_Changed();
 }
@@ -141,6 +149,7 @@ void TQuillet::Edit_Reindex()
     const bool has_page = d_data.Active_Page() >= 0;
     if (!all_pages && !has_page)
         return;
+    const TStep step(this, TStepKind::Renumber);
     const int next_value =
         all_pages
             ? Renumber_All_Pages(first_value, d_reindex_dialog->Increment_Over_Page_Method())

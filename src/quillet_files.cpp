@@ -115,7 +115,6 @@ bool TQuillet::Save_Data(const QString& file_name)
     const bool saved = Write_Data(file_name);
     if (!saved)
         d_safety_net->Keep_Unsaved(file_name);
-    Remember_Page_Names();
     // It may have been the kept work that was saved.
     Announce_Kept_Work();
     return saved;
@@ -203,6 +202,7 @@ bool TQuillet::Load_Data(const QString& file_name)
         return Fail(tr("Invalid file."));
 
     d_has_new_document = true;
+    Forget_Steps();
     d_data.Clear();
     d_page_widget->Clear();
     try {

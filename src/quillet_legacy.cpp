@@ -61,6 +61,7 @@ void TQuillet::Read_Legacy_Appearance(const TXmlFile& xml_file)
 void TQuillet::Set_Legacy_Page(const TPageImage& image, const std::vector<TDataItem>& items)
 {
     d_has_new_document = true;
+    Forget_Steps();
     d_data.Clear();
     d_page_widget->Clear();
     const int page_id = d_data.Add_Page(image);

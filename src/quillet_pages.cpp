@@ -5,6 +5,7 @@
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
+#include "src/undohistory.h"
 
 #include <QFileDialog>
 #include <QScopedValueRollback>
@@ -22,7 +23,7 @@ void TQuillet::File_New()
     Enable_Document_Actions(false);
     d_file_name.clear();
     d_data_changed = false;
-    Remember_Page_Names();
+    Forget_Steps();
 }
 
 void TQuillet::File_Import()
@@ -32,6 +33,7 @@ void TQuillet::File_Import()
         this, tr("Import one or more supported image files"), d_working_dir.absolutePath(),
         tr("Image Files (*.bmp *.gif *.jpg *.jpeg *.png *.pbm *.pgm *.ppm *.xbm *.xpm)"));
     int number = 0;
+    const TStep step(this, TStepKind::Import, 0, paths.size());
     for (const QString& path : paths) {
         Show_Progress(tr("Importing image %1 of %2").arg(++number).arg(paths.size()));
         Load_Image(path);
@@ -49,6 +51,7 @@ void TQuillet::Load_Image(const QString& path)
     const TPageImage image = TPageImage::From_File(path);
     if (image.isNull())
         return;
+    const TStep step(this, TStepKind::Import);
     if (d_data.Active_Page() < 0 || d_data.Page_Has_Data()) {
         d_page_widget->Add_Page(d_data.Add_Page(image));
         return;
@@ -60,6 +63,7 @@ void TQuillet::Load_Image(const QString& path)
 
 void TQuillet::Add_Page()
 {
+    const TStep step(this, TStepKind::Add_Page);
     d_page_widget->Add_Page(d_data.Add_Page());
     Mark_Changed();
 }
@@ -68,6 +72,7 @@ void TQuillet::Remove_Pages(const QList<int>& pages)
 {
     if (Confirm(tr("Remove Pages"),
                 tr("All page associated labels will be deleted.  Are you sure?"))) {
+        const TStep step(this, TStepKind::Remove_Pages, 0, pages.size());
         Enable_Document_Actions(false);
         d_label_widget->Clear();
         d_display_widget->Clear();
@@ -83,6 +88,7 @@ void TQuillet::Remove_Pages(const QList<int>& pages)
 
 void TQuillet::Page_Selection_Changed(int page)
 {
+    Finish_Step();
     d_label_widget->Clear();
     d_display_widget->Clear();
     // Showing a page is no change, although the view reports each label's position meanwhile.

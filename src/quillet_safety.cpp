@@ -64,26 +64,13 @@ void TQuillet::Note_Work()
         d_safety_net->Note_Change(d_file_name);
 }
 
-/// The user turns away, or a modal command begins. Page names and their order change without a
-/// signal, so this is the moment to look at them.
+/// The user turns away, or a modal command begins.
 void TQuillet::Keep_Work()
 {
     if (!d_safety_net)
         return;
-    const QStringList known_names = d_known_page_names;
-    Remember_Page_Names();
-    if (d_known_page_names != known_names)
-        d_safety_net->Note_Change(d_file_name);
+    Note_Page_List();
     d_safety_net->Keep_Now(d_file_name);
-}
-
-void TQuillet::Remember_Page_Names()
-{
-    d_known_page_names.clear();
-    const QList<int> page_ids = d_page_widget->Page_Ids();
-    for (const int page_id : page_ids)
-        d_known_page_names +=
-            QString::number(page_id) + QLatin1Char(' ') + d_page_widget->Page_Name(page_id);
 }
 
 /// Another document takes this one's place.
@@ -95,7 +82,6 @@ void TQuillet::Leave_Work(bool gave_up)
         d_safety_net->Give_Up();
     else
         d_safety_net->Set_Aside();
-    Remember_Page_Names();
 }
 
 void TQuillet::changeEvent(QEvent* event)

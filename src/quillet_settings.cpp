@@ -8,6 +8,7 @@
 #include "src/pagewidget.h"
 #include "src/safetynet.h"
 #include "src/settingswidget.h"
+#include "src/undohistory.h"
 
 #include <QCloseEvent>
 #include <QDockWidget>
@@ -199,14 +200,22 @@ void TQuillet::closeEvent(QCloseEvent* event)
 
 void TQuillet::Label_Size_Changed(int size)
 {
+    const TStep step(this, TStepKind::Change_Size);
+    Show_Label_Size(size);
+    Mark_Changed();
+}
+
+/// @param size  of a label in page-image pixels.
+void TQuillet::Show_Label_Size(int size)
+{
     // Four tenths of the size, rounded half up.
     const int font_size = static_cast<int>(size * 0.4 + 0.5);
     d_display_widget->Set_Label_Size(QSize(size, size), font_size);
-    Mark_Changed();
 }
 
 void TQuillet::Color_Changed(QColor color)
 {
+    const TStep step(this, TStepKind::Change_Color);
     d_display_widget->Set_Label_Color(color);
     // The colour does not make a document count as changed, yet it is part of one.
     if (d_data.Page_Count() > 0)

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <memory>
 
 namespace {
@@ -163,6 +164,31 @@ std::vector<int> TRowList::Selected_Ids() const
     for (const QListWidgetItem* const one : selected)
         ids.push_back(one->data(Id_Role).toInt());
     return ids;
+}
+
+void TRowList::Select_Rows(const std::vector<int>& ids)
+{
+    std::vector<int> places;
+    for (const int id : ids) {
+        if (const QListWidgetItem* const found = Row(id))
+            places.push_back(row(found));
+    }
+    const QModelIndex current = places.empty() ? QModelIndex() : model()->index(places.back(), 0);
+    std::sort(places.begin(), places.end());
+
+    // One selection for all, so that the list reports one change; rows that follow each other are
+    // one range in it, since the toolkit compares ranges one by one.
+    QItemSelection selection;
+    for (auto first = places.cbegin(); first != places.cend();) {
+        auto end = std::next(first);
+        while (end != places.cend() && *end <= *std::prev(end) + 1)
+            ++end;
+        selection.select(model()->index(*first, 0), model()->index(*std::prev(end), 0));
+        first = end;
+    }
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (current.isValid())
+        selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
 }
 
 void TRowList::reset()

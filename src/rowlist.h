@@ -30,6 +30,8 @@ public:
     QListWidgetItem* Only_Selected_Row() const;
     /// Ids of the selected rows in the order in which the list reports them.
     std::vector<int> Selected_Ids() const;
+    /// Selects the first row of each id and no other; the last of them becomes current.
+    void Select_Rows(const std::vector<int>& ids);
 
     void reset() override;
 

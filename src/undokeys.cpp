@@ -1,0 +1,87 @@
+#include "src/undokeys.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QShortcut>
+#include <QSlider>
+#include <QWidget>
+
+namespace {
+
+const QKeySequence back_key(Qt::CTRL + Qt::Key_Z);
+const QKeySequence forth_keys[] = {QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z),
+                                   QKeySequence(Qt::CTRL + Qt::Key_Y)};
+
+} // namespace
+
+TUndoKeys::TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_edit)
+    : QObject(window)
+    , d_begin_edit(std::move(begin_edit))
+{
+    const auto add_key = [this, window](const QKeySequence& key, const TAction& action) {
+        connect(new QShortcut(key, window), &QShortcut::activated, this, action);
+    };
+    add_key(back_key, undo);
+    for (const QKeySequence& key : forth_keys)
+        add_key(key, redo);
+}
+
+void TUndoKeys::Watch_Editors()
+{
+    const auto* const window = qobject_cast<QWidget*>(parent());
+    const QList<QSlider*> sliders = window->findChildren<QSlider*>();
+    for (QSlider* const slider : sliders)
+        slider->installEventFilter(this);
+    const QList<QLineEdit*> editors = window->findChildren<QLineEdit*>();
+    for (QLineEdit* const editor : editors) {
+        editor->installEventFilter(this);
+        d_editors.insert(editor, QString());
+    }
+}
+
+void TUndoKeys::Note_Step()
+{
+    for (auto editor = d_editors.begin(); editor != d_editors.end(); ++editor)
+        editor.value() = editor.key()->text();
+}
+
+bool TUndoKeys::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::MouseButtonPress)
+        d_begin_edit();
+    auto* const editor = qobject_cast<QLineEdit*>(watched);
+    const bool is_request = event->type() == QEvent::ShortcutOverride;
+    if (!editor || (!is_request && event->type() != QEvent::KeyPress))
+        return false;
+    const TWay way = Way_Of(*static_cast<QKeyEvent*>(event));
+    if (way == TWay::None)
+        return false;
+    // Only what is accepted as a request comes as a key press.
+    if (is_request) {
+        event->setAccepted(Is_For_Editor(*editor, way));
+    } else if (way == TWay::Back) {
+        editor->undo();
+    } else {
+        editor->redo();
+    }
+    return true;
+}
+
+TUndoKeys::TWay TUndoKeys::Way_Of(const QKeyEvent& event)
+{
+    const QKeySequence key(static_cast<int>(event.modifiers()) + event.key());
+    if (key == back_key)
+        return TWay::Back;
+    for (const QKeySequence& forth_key : forth_keys) {
+        if (key == forth_key)
+            return TWay::Forth;
+    }
+    return TWay::None;
+}
+
+bool TUndoKeys::Is_For_Editor(const QLineEdit& editor, TWay way) const
+{
+    if (way == TWay::Forth)
+        return editor.isRedoAvailable();
+    return editor.isUndoAvailable() && editor.text() != d_editors.value(&editor);
+}
