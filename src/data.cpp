@@ -128,9 +128,10 @@ void TData::Set_Page_Image(const QImage& image)
 void TData::Set_Page_Image(const TPageImage& image)
 {
     ASSERT_ACTIVE_PAGE();
-    if (d_record)
-        d_record->Note_Image(Active_Page(), d_page_items[d_active_page_index].image);
-    d_page_items[d_active_page_index].image = image;
+    TPageImage& present = d_page_items[d_active_page_index].image;
+    if (d_record && present.Source_Bytes() != image.Source_Bytes())
+        d_record->Note_Image(Active_Page(), present);
+    present = image;
 }
 
 bool TData::Page_Image_Valid() const

@@ -268,7 +268,7 @@ void TestSafety::a_copy_leaves_out_pages_that_the_list_alone_has()
     Make_Document();
     const QList<int> known_pages = d_window->d_page_widget->Page_Ids();
     d_window->d_page_widget->Add_Page(99);
-    d_window->Keep_Work();
+    d_window->Note_Work();
     TQuillet reader(nullptr, Qt::WindowFlags());
     QVERIFY(ProjectFile::Is_Whole(Only_Copy()));
     QVERIFY(reader.Load_Data(Only_Copy()));

@@ -1,0 +1,661 @@
+// A random walk through all commands that change the document, with undo and redo in between,
+// against a plain copy of the document that the test keeps: a list of states, and an index into it.
+//
+// QUILLET_WALK_SEED and QUILLET_WALK_STEPS in the environment ask for another walk.
+
+#include "support/modal.h"
+#include "support/support.h"
+#include "support/view.h"
+#include "support/widgets.h"
+#include "support/window.h"
+
+#include "src/displaywidget.h"
+#include "src/itemformat.h"
+#include "src/labelwidget.h"
+#include "src/pagewidget.h"
+#include "src/reindexdialog.h"
+#include "src/safetynet.h"
+#include "src/settingswidget.h"
+#include "src/undohistory.h"
+
+#include <QtTest>
+
+#include <algorithm>
+#include <random>
+
+/// Whether two labels are the same in all but their selection.
+static bool operator==(const TDataItem& left, const TDataItem& right)
+{
+    return left.id == right.id && left.value == right.value && left.text == right.text &&
+           left.border_type == right.border_type && left.position == right.position;
+}
+
+namespace {
+
+constexpr int default_steps = 10000;
+constexpr unsigned int default_seed = 20240229;
+constexpr int picture_count = 4;
+
+/// A page as the test knows it.
+struct TPlainPage
+{
+    int id = 0;
+    QString name;
+    int picture = -1; ///< which of the test's pictures; -1 for none
+    QVector<TDataItem> labels;
+};
+
+/// The document as the test knows it; cheap to copy.
+struct TPlainDocument
+{
+    QVector<TPlainPage> pages; ///< in the order in which the model has them
+    QVector<int> order;        ///< ids, as in the page list
+    int label_size = 0;
+    QColor label_color;
+};
+
+bool operator==(const TPlainPage& left, const TPlainPage& right)
+{
+    return left.id == right.id && left.name == right.name && left.picture == right.picture &&
+           left.labels == right.labels;
+}
+
+bool operator==(const TPlainDocument& left, const TPlainDocument& right)
+{
+    return left.pages == right.pages && left.order == right.order &&
+           left.label_size == right.label_size && left.label_color == right.label_color;
+}
+
+QString In_Words(const TDataItem& label)
+{
+    return QString("%1: %2 \"%3\" %4 at %5")
+        .arg(label.id)
+        .arg(label.value)
+        .arg(label.text)
+        .arg(label.border_type)
+        .arg(Support::Text(label.position));
+}
+
+} // namespace
+
+class TestUndoWalk : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+
+    void ten_thousand_commands_with_undo_and_redo_agree_with_a_plain_copy();
+
+private:
+    using TCommand = bool (TestUndoWalk::*)();
+    struct TChoice
+    {
+        const char* name;
+        int weight;
+        TCommand run;
+    };
+
+    int Number_Below(int limit) { return static_cast<int>(d_random() % unsigned(limit)); }
+    template <typename TList>
+    auto Pick(const TList& list)
+    {
+        return list[Number_Below(static_cast<int>(list.size()))];
+    }
+    TPlainPage* Page(int id);
+    TPlainPage* Shown_Page();
+    TDataItem* Label(int id);
+    std::vector<int> Selected_Labels() const { return d_window->d_label_widget->Selected_Items(); }
+    void Remember();
+    void Press_Control(Qt::Key key);
+    QString Difference();
+    QString Page_List_Difference() const;
+    QString Model_Difference(const TPlainPage& page);
+    QString Shown_Difference();
+    QString Selection_Difference();
+
+    // Each returns whether there was something to do.
+    bool Add_Label_At_Point();
+    bool Add_Label_In_Corner();
+    bool Remove_Labels();
+    bool Decline_Removing_Labels();
+    bool Change_Value();
+    bool Change_Text();
+    bool Change_Border();
+    bool Move_Label();
+    bool Add_Page();
+    bool Remove_Pages();
+    bool Rename_Page();
+    bool Move_Page();
+    bool Import();
+    bool Renumber();
+    bool Change_Size();
+    bool Change_Color();
+    bool Select_Page();
+    bool Select_Labels();
+    bool Undo();
+    bool Redo();
+
+    static const TChoice choices[];
+
+    std::mt19937 d_random;
+    QTemporaryDir d_folder;
+    QVector<QImage> d_pictures;
+    QStringList d_picture_paths;
+    std::unique_ptr<TQuillet> d_window;
+    TPlainDocument d_plain;
+    std::vector<TPlainDocument> d_states;
+    std::size_t d_state = 0; ///< index of the present one
+};
+
+const TestUndoWalk::TChoice TestUndoWalk::choices[] = {
+    {"add a label at a point", 14, &TestUndoWalk::Add_Label_At_Point},
+    {"add a label in the corner", 5, &TestUndoWalk::Add_Label_In_Corner},
+    {"remove labels", 5, &TestUndoWalk::Remove_Labels},
+    {"decline removing labels", 1, &TestUndoWalk::Decline_Removing_Labels},
+    {"change a value", 8, &TestUndoWalk::Change_Value},
+    {"change a text", 6, &TestUndoWalk::Change_Text},
+    {"change a border", 6, &TestUndoWalk::Change_Border},
+    {"move a label", 8, &TestUndoWalk::Move_Label},
+    {"add a page", 1, &TestUndoWalk::Add_Page},
+    {"remove pages", 1, &TestUndoWalk::Remove_Pages},
+    {"rename a page", 3, &TestUndoWalk::Rename_Page},
+    {"move a page", 3, &TestUndoWalk::Move_Page},
+    {"import", 2, &TestUndoWalk::Import},
+    {"renumber", 3, &TestUndoWalk::Renumber},
+    {"change the size", 2, &TestUndoWalk::Change_Size},
+    {"change the color", 2, &TestUndoWalk::Change_Color},
+    {"select a page", 6, &TestUndoWalk::Select_Page},
+    {"select labels", 6, &TestUndoWalk::Select_Labels},
+    {"undo", 26, &TestUndoWalk::Undo},
+    {"redo", 16, &TestUndoWalk::Redo},
+};
+
+void TestUndoWalk::initTestCase()
+{
+    for (int picture = 0; picture < picture_count; ++picture) {
+        d_pictures += Support::Picture(60 + 10 * picture, 40, picture);
+        d_picture_paths += d_folder.filePath(QString("%1.png").arg(picture));
+        QVERIFY(d_pictures.last().save(d_picture_paths.last()));
+    }
+    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
+    d_plain.label_size = d_window->d_settings_widget->Label_Size();
+    d_plain.label_color = d_window->d_settings_widget->Label_Color();
+    d_states = {d_plain};
+}
+
+void TestUndoWalk::cleanupTestCase()
+{
+    d_window->d_safety_net->Give_Up();
+    d_window.reset();
+}
+
+void TestUndoWalk::ten_thousand_commands_with_undo_and_redo_agree_with_a_plain_copy()
+{
+    bool is_given = false;
+    const int given = qEnvironmentVariableIntValue("QUILLET_WALK_SEED", &is_given);
+    const unsigned int seed = is_given ? static_cast<unsigned int>(given) : default_seed;
+    const int given_steps = qEnvironmentVariableIntValue("QUILLET_WALK_STEPS", &is_given);
+    const int steps = is_given ? given_steps : default_steps;
+    qInfo("seed %u, %d steps", seed, steps);
+    d_random.seed(seed);
+
+    std::vector<int> weights;
+    for (const TChoice& choice : choices)
+        weights.push_back(choice.weight);
+    std::discrete_distribution<int> distribution(weights.begin(), weights.end());
+    QMap<QString, int> done;
+    for (int step = 0; step < steps;) {
+        const TChoice& choice = choices[distribution(d_random)];
+        d_window->Finish_Step();
+        if (!(this->*choice.run)())
+            continue;
+        ++step;
+        ++done[choice.name];
+        if (qEnvironmentVariableIsSet("QUILLET_WALK_TRACE"))
+            qInfo("%d %s, state %zu of %zu", step, choice.name, d_state, d_states.size());
+        const QString difference = Difference();
+        QVERIFY2(difference.isEmpty(), qPrintable(QString("step %1, %2 (seed %3): %4")
+                                                      .arg(step)
+                                                      .arg(choice.name)
+                                                      .arg(seed)
+                                                      .arg(difference)));
+    }
+    QCOMPARE(done.size(), static_cast<int>(std::size(choices)));
+}
+
+TPlainPage* TestUndoWalk::Page(int id)
+{
+    const auto found = std::find_if(d_plain.pages.begin(), d_plain.pages.end(),
+                                    [id](const TPlainPage& page) { return page.id == id; });
+    return found == d_plain.pages.end() ? nullptr : &*found;
+}
+
+TPlainPage* TestUndoWalk::Shown_Page()
+{
+    TPlainPage* const page = Page(d_window->d_data.Active_Page());
+    return page && page->picture >= 0 ? page : nullptr;
+}
+
+TDataItem* TestUndoWalk::Label(int id)
+{
+    for (TDataItem& label : Page(d_window->d_data.Active_Page())->labels) {
+        if (label.id == id)
+            return &label;
+    }
+    return nullptr;
+}
+
+/// A command was done: what could be done again is gone, and a state is added if it is a new one.
+void TestUndoWalk::Remember()
+{
+    if (d_plain == d_states[d_state])
+        return;
+    d_states.resize(d_state + 1);
+    d_states.push_back(d_plain);
+    ++d_state;
+}
+
+QString TestUndoWalk::Difference()
+{
+    TData& data = d_window->d_data;
+    if (data.Page_Count() != d_plain.pages.size())
+        return QString("%1 pages instead of %2").arg(data.Page_Count()).arg(d_plain.pages.size());
+    const int active_page = data.Active_Page();
+    QString difference;
+    for (int place = 0; place < d_plain.pages.size() && difference.isEmpty(); ++place) {
+        if (data.Page_Id(place) != d_plain.pages[place].id)
+            difference = QString("page id %1 at %2").arg(data.Page_Id(place)).arg(place);
+        else
+            difference = Model_Difference(d_plain.pages[place]);
+    }
+    data.Set_Active_Page(active_page);
+    if (difference.isEmpty())
+        difference = Page_List_Difference();
+    if (difference.isEmpty())
+        difference = Shown_Difference();
+    if (difference.isEmpty())
+        difference = Selection_Difference();
+    return difference;
+}
+
+QString TestUndoWalk::Page_List_Difference() const
+{
+    const TPageWidget& list = *d_window->d_page_widget;
+    if (list.Page_Ids().toVector() != d_plain.order)
+        return "the page list has another order";
+    for (const TPlainPage& page : d_plain.pages) {
+        if (list.Page_Name(page.id) != page.name)
+            return QString("page %1 is named %2").arg(page.id).arg(list.Page_Name(page.id));
+    }
+    const auto* const name_editor = list.findChild<QLineEdit*>();
+    const std::vector<int> selected = list.Selected_Pages();
+    const QString edited = selected.size() == 1 ? list.Page_Name(selected.front()) : QString();
+    if (name_editor->text() != edited)
+        return QString("the page list's editor shows %1").arg(name_editor->text());
+    return QString();
+}
+
+QString TestUndoWalk::Model_Difference(const TPlainPage& page)
+{
+    TData& data = d_window->d_data;
+    data.Set_Active_Page(page.id);
+    if (data.Page_Image() != (page.picture < 0 ? QImage() : d_pictures[page.picture]))
+        return QString("page %1 has another picture").arg(page.id);
+    if (data.Item_Count() != page.labels.size())
+        return QString("page %1 has %2 labels instead of %3")
+            .arg(page.id)
+            .arg(data.Item_Count())
+            .arg(page.labels.size());
+    for (int place = 0; place < page.labels.size(); ++place) {
+        const TDataItem label = data.Item(place);
+        if (!(label == page.labels[place]))
+            return QString("page %1 has %2 instead of %3")
+                .arg(page.id)
+                .arg(In_Words(label), In_Words(page.labels[place]));
+    }
+    return QString();
+}
+
+/// The view and the item list against the page that is shown, and the looks.
+QString TestUndoWalk::Shown_Difference()
+{
+    const TDisplayWidget& view = *d_window->d_display_widget;
+    const TPlainPage* const page = Shown_Page();
+    const QVector<TDataItem> labels = page ? page->labels : QVector<TDataItem>();
+    const QList<QGraphicsPixmapItem*> shown = Support::Labels(view);
+    const auto* const list = d_window->d_label_widget->findChild<QListWidget*>();
+    if (shown.size() != labels.size() || list->count() != labels.size())
+        return QString("%1 labels in the view and %2 in the list instead of %3")
+            .arg(shown.size())
+            .arg(list->count())
+            .arg(labels.size());
+    for (int place = 0; place < labels.size(); ++place) {
+        const QGraphicsPixmapItem& item = *shown[place];
+        const TDataItem drawn{item.data(TDisplayWidget::Id_Key).toInt(),
+                              item.data(TDisplayWidget::Value_Key).toInt(),
+                              item.data(TDisplayWidget::Text_Key).toString(),
+                              item.data(TDisplayWidget::Border_Key).toInt(),
+                              item.data(TDisplayWidget::Centre_Key).toPointF(),
+                              false};
+        if (!(drawn == labels[place]))
+            return QString("the view has %1").arg(In_Words(drawn));
+        const QListWidgetItem& row = *list->item(place);
+        const QString text = ItemFormat::Row_Text(d_window->d_label_widget->d_display_format,
+                                                  labels[place].value, labels[place].text);
+        if (row.data(Qt::UserRole).toInt() != labels[place].id || row.text() != text ||
+            row.data(Qt::UserRole + 3).toInt() != labels[place].border_type)
+            return QString("the list has %1").arg(row.text());
+    }
+    if (d_window->d_settings_widget->Label_Size() != d_plain.label_size ||
+        view.Label_Size() != QSize(d_plain.label_size, d_plain.label_size))
+        return "the label size is another";
+    if (d_window->d_settings_widget->Label_Color() != d_plain.label_color ||
+        view.Label_Color() != d_plain.label_color)
+        return "the label color is another";
+    const QPixmap none(":/images/background_default.png");
+    if (view.Background_Pixmap().size() != (page ? d_pictures[page->picture].size() : none.size()))
+        return "the view shows another picture";
+    return QString();
+}
+
+QString TestUndoWalk::Selection_Difference()
+{
+    const std::vector<int> selected = Selected_Labels();
+    const QSet<int> listed(selected.cbegin(), selected.cend());
+    const QList<QGraphicsPixmapItem*> shown = Support::Labels(*d_window->d_display_widget);
+    for (const QGraphicsPixmapItem* const item : shown) {
+        const bool is_highlighted = item->data(TDisplayWidget::Selected_Key).toInt() != 0;
+        if (is_highlighted != listed.contains(item->data(TDisplayWidget::Id_Key).toInt()))
+            return "view and list differ in what is selected";
+    }
+    return QString();
+}
+
+bool TestUndoWalk::Add_Label_At_Point()
+{
+    TPlainPage* const page = Shown_Page();
+    if (!page || page->labels.size() > 40)
+        return false;
+    const QPointF point(Number_Below(600) / 10.0, Number_Below(400) / 10.0);
+    const int value = d_window->d_label_widget->Next_Value();
+    d_window->Add_Item(point);
+    const TDataItem added = d_window->d_data.Item(d_window->d_data.Item_Count() - 1);
+    page->labels +=
+        {added.id, value, QString(), d_window->d_label_widget->Border_Type(), point, false};
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Add_Label_In_Corner()
+{
+    TPlainPage* const page = Shown_Page();
+    if (!page || page->labels.size() > 40)
+        return false;
+    const int value = d_window->d_label_widget->Next_Value();
+    Support::By_Tool_Tip<QToolButton>(*d_window->d_label_widget, "Add Item")->click();
+    const TDataItem added = d_window->d_data.Item(d_window->d_data.Item_Count() - 1);
+    const QPointF centre = d_window->d_display_widget->Item_Position(added.id);
+    page->labels +=
+        {added.id, value, QString(), d_window->d_label_widget->Border_Type(), centre, false};
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Remove_Labels()
+{
+    TPlainPage* const page = Shown_Page();
+    const std::vector<int> ids = Selected_Labels();
+    if (!page || ids.empty())
+        return false;
+    Support::Run_Answering([this] { d_window->Remove_Item(); }, {Support::Press(QMessageBox::Yes)});
+    const auto is_removed = [&ids](const TDataItem& label) {
+        return std::find(ids.cbegin(), ids.cend(), label.id) != ids.cend();
+    };
+    page->labels.erase(std::remove_if(page->labels.begin(), page->labels.end(), is_removed),
+                       page->labels.end());
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Decline_Removing_Labels()
+{
+    if (Selected_Labels().empty())
+        return false;
+    Support::Run_Answering([this] { d_window->Remove_Item(); }, {Support::Press(QMessageBox::No)});
+    return true;
+}
+
+bool TestUndoWalk::Change_Value()
+{
+    const std::vector<int> ids = Selected_Labels();
+    if (!Shown_Page() || ids.size() != 1)
+        return false;
+    const int value = Number_Below(2000) - 500;
+    auto* const editor = Support::By_Tool_Tip<QLineEdit>(*d_window->d_label_widget, "Item Value");
+    Support::Type_Over(editor, QString::number(value));
+    Label(ids.front())->value = value;
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Change_Text()
+{
+    const std::vector<int> ids = Selected_Labels();
+    if (!Shown_Page() || ids.size() != 1)
+        return false;
+    const QString text = Pick(QStringList{"", "Pump", "two words", "x", "42"});
+    auto* const editor = Support::By_Tool_Tip<QLineEdit>(*d_window->d_label_widget, "Item Text");
+    Support::Type_Over(editor, text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    Label(ids.front())->text = text;
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Change_Border()
+{
+    const std::vector<int> ids = Selected_Labels();
+    if (!Shown_Page() || ids.empty())
+        return false;
+    auto* const box = Support::Only<QComboBox>(*d_window->d_label_widget);
+    const int place = Number_Below(box->count());
+    // Choosing what is shown already reports nothing.
+    if (place != box->currentIndex()) {
+        box->setCurrentIndex(place);
+        for (const int id : ids)
+            Label(id)->border_type = box->itemData(place).toInt();
+    }
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Move_Label()
+{
+    TPlainPage* const page = Shown_Page();
+    if (!page || page->labels.isEmpty())
+        return false;
+    const int id = Pick(page->labels).id;
+    const QPointF point(Number_Below(90) - 15, Number_Below(600) / 10.0);
+    d_window->d_display_widget->Move_Item(id, point);
+    Label(id)->position = point;
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Add_Page()
+{
+    if (d_plain.pages.size() > 12)
+        return false;
+    Support::By_Tool_Tip<QToolButton>(*d_window->d_page_widget, "Add Page")->click();
+    const int id = d_window->d_page_widget->Page_Ids().last();
+    d_plain.pages += {id, QString("Page %1").arg(id), -1, {}};
+    d_plain.order += id;
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Remove_Pages()
+{
+    if (d_plain.pages.size() < 3)
+        return false;
+    auto* const list = d_window->d_page_widget->findChild<QListWidget*>();
+    const int count = 1 + Number_Below(2);
+    for (int i = 0; i < count; ++i)
+        Support::Click_Row(list, Number_Below(list->count()),
+                           i == 0 ? Qt::NoModifier : Qt::ShiftModifier);
+    const std::vector<int> ids = d_window->d_page_widget->Selected_Pages();
+    auto* const button = Support::By_Tool_Tip<QToolButton>(*d_window->d_page_widget, "Remove Page");
+    Support::Run_Answering([button] { button->click(); }, {Support::Press(QMessageBox::Yes)});
+    for (const int id : ids) {
+        d_plain.order.removeOne(id);
+        d_plain.pages.erase(d_plain.pages.begin() + (Page(id) - d_plain.pages.data()));
+    }
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Rename_Page()
+{
+    const std::vector<int> ids = d_window->d_page_widget->Selected_Pages();
+    if (ids.size() != 1)
+        return false;
+    const QString name = Pick(QStringList{"Cover", "Front", "a/b:c", "Roof 1", ""});
+    Support::Type_Over(d_window->d_page_widget->findChild<QLineEdit*>(), name);
+    Page(ids.front())->name = name;
+    Remember();
+    d_window->Note_Page_List();
+    return true;
+}
+
+/// As a drop does it: the row is taken out and put in elsewhere.
+bool TestUndoWalk::Move_Page()
+{
+    if (d_plain.pages.size() < 2)
+        return false;
+    auto* const list = d_window->d_page_widget->findChild<QListWidget*>();
+    const int from = Number_Below(list->count());
+    Support::Click_Row(list, from);
+    const int to = Number_Below(list->count());
+    list->insertItem(to, list->takeItem(from));
+    list->setCurrentRow(to);
+    d_plain.order.move(from, to);
+    Remember();
+    QCoreApplication::processEvents();
+    return true;
+}
+
+bool TestUndoWalk::Import()
+{
+    if (d_plain.pages.size() > 12)
+        return false;
+    const int picture = Number_Below(picture_count);
+    TPlainPage* const active = Page(d_window->d_data.Active_Page());
+    d_window->Load_Image(d_picture_paths[picture]);
+    d_window->Update_Document_Actions();
+    if (active && active->labels.isEmpty()) {
+        active->picture = picture;
+    } else {
+        const int id = d_window->d_page_widget->Page_Ids().last();
+        d_plain.pages += {id, QString("Page %1").arg(id), picture, {}};
+        d_plain.order += id;
+    }
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Renumber()
+{
+    const int first = Number_Below(500);
+    const bool current_page = Number_Below(2) == 0;
+    const bool is_page_active = d_window->d_data.Active_Page() >= 0;
+    // A page without a picture is refreshed as it is: empty, until it is shown the next time.
+    if (is_page_active ? !Shown_Page() : current_page)
+        return false;
+    if (!d_window->d_reindex_dialog)
+        d_window->d_reindex_dialog = new TReindexDialog(d_window.get(), Qt::WindowFlags());
+    TReindexDialog& dialog = *d_window->d_reindex_dialog;
+    dialog.findChild<QLineEdit*>()->setText(QString::number(first));
+    dialog.findChild<QComboBox*>()->setCurrentIndex(2);
+    dialog.findChildren<QRadioButton*>()[current_page ? 1 : 0]->setChecked(true);
+    Support::Run_Answering([this] { d_window->Edit_Reindex(); }, {Support::Click("Apply")});
+
+    const QVector<int> order =
+        current_page ? QVector<int>{d_window->d_data.Active_Page()} : d_plain.order;
+    int value = first;
+    for (const int id : order) {
+        for (TDataItem& label : Page(id)->labels)
+            label.value = value++;
+        value = (value / 100 + 1) * 100;
+    }
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Change_Size()
+{
+    const int size = 16 + Number_Below(112);
+    d_window->d_settings_widget->Set_Label_Size(size);
+    d_plain.label_size = size;
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Change_Color()
+{
+    const QColor color(Number_Below(256), Number_Below(256), Number_Below(256));
+    d_window->d_settings_widget->Set_Label_Color(color);
+    emit d_window->d_settings_widget->Color_Changed(color);
+    d_plain.label_color = color;
+    Remember();
+    return true;
+}
+
+bool TestUndoWalk::Select_Page()
+{
+    auto* const list = d_window->d_page_widget->findChild<QListWidget*>();
+    if (list->count() == 0)
+        return false;
+    Support::Click_Row(list, Number_Below(list->count()));
+    return true;
+}
+
+bool TestUndoWalk::Select_Labels()
+{
+    auto* const list = d_window->d_label_widget->findChild<QListWidget*>();
+    if (list->count() == 0)
+        return false;
+    Support::Click_Row(list, Number_Below(list->count()));
+    if (Number_Below(2) == 0)
+        Support::Click_Row(list, Number_Below(list->count()), Qt::ControlModifier);
+    return true;
+}
+
+/// Without a window manager nobody gives the window its activation back after a dialog.
+void TestUndoWalk::Press_Control(Qt::Key key)
+{
+    QApplication::setActiveWindow(d_window.get());
+    QTest::keyClick(d_window->d_display_widget, key, Qt::ControlModifier);
+}
+
+bool TestUndoWalk::Undo()
+{
+    Press_Control(Qt::Key_Z);
+    if (d_state > 0)
+        d_plain = d_states[--d_state];
+    return true;
+}
+
+bool TestUndoWalk::Redo()
+{
+    Press_Control(Qt::Key_Y);
+    if (d_state + 1 < d_states.size())
+        d_plain = d_states[++d_state];
+    return true;
+}
+
+QTEST_MAIN(TestUndoWalk)
+#include "test_undowalk.moc"
