@@ -190,8 +190,6 @@ void TLabelWidget::Set_Values(int next_value, int idle_value)
 {
     d_label_index = idle_value;
     d_next_value = next_value;
-    if (!d_list->selectionModel()->hasSelection())
-        d_value_editor->setText(QString::number(next_value));
 }
 
 void TLabelWidget::Select_Items(const std::vector<int>& ids)

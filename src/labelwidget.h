@@ -50,7 +50,7 @@ public:
     int Next_Value() const { return d_next_value; }
     /// What the value editor shows when nothing is selected.
     int Idle_Value() const { return d_label_index; }
-    /// Sets both of them. The editor shows the next value, unless a row is selected.
+    /// Sets both of them. What the editor shows stays.
     void Set_Values(int next_value, int idle_value);
     /// Selects the rows with these ids and no other, and reports that once, be it a change or not.
     void Select_Items(const std::vector<int>& ids);

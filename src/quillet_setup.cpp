@@ -161,6 +161,9 @@ void TQuillet::Create_Central_Widget()
     d_display_widget->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     d_display_widget->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     d_display_widget->setAccessibleName(tr("Page"));
+    d_display_widget->setWhatsThis(
+        tr("The page with its labels. A right click adds a label, dragging moves it. Ctrl+Z takes "
+           "the last change back, Ctrl+Shift+Z or Ctrl+Y makes it again."));
     layout->addWidget(d_display_widget);
 
     constexpr int notice_points = 8;

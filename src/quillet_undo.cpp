@@ -274,4 +274,6 @@ void TQuillet::Show_Selection(const TShownState& shown, const std::vector<int>& 
     });
     const QScopedValueRollback<bool> stays(d_display_click, is_in_sight);
     d_label_widget->Select_Items(labels);
+    if (labels.empty())
+        d_label_widget->Set_Label_Index(d_label_widget->Next_Value());
 }

@@ -1,0 +1,982 @@
+// Undo and redo by the keys that a user presses: each kind of step, what becomes one step and what
+// is none, what is shown afterwards, and what steps leave alone.
+
+#include "support/modal.h"
+#include "support/pages.h"
+#include "support/project.h"
+#include "support/support.h"
+#include "support/view.h"
+#include "support/widgets.h"
+#include "support/window.h"
+
+#include "src/displaywidget.h"
+#include "src/labelwidget.h"
+#include "src/pagewidget.h"
+#include "src/projectfile.h"
+#include "src/reindexdialog.h"
+#include "src/safetynet.h"
+#include "src/settingswidget.h"
+#include "src/undohistory.h"
+
+#include <QtTest>
+
+#include <csignal>
+
+class TestUndo : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    // Each kind of step.
+    void adding_a_label_by_the_button();
+    void adding_a_label_by_a_right_click();
+    void removing_labels();
+    void changing_a_value();
+    void changing_a_text();
+    void changing_borders();
+    void dragging_a_label();
+    void adding_a_page();
+    void removing_pages();
+    void naming_a_page();
+    void dragging_a_page();
+    void importing_an_image();
+    void importing_into_an_empty_page();
+    void renumbering_the_page();
+    void renumbering_all_pages();
+    void changing_the_label_size();
+    void changing_the_label_color();
+
+    // What is one step, and what is none.
+    void keystrokes_in_one_editor_on_one_label_are_one_step();
+    void keystrokes_in_the_name_editor_on_one_page_are_one_step();
+    void the_same_editor_on_another_label_is_another_step();
+    void turning_to_an_editor_again_begins_another_step();
+    void dragging_the_size_slider_is_one_step();
+    void importing_several_images_is_one_step();
+    void what_changes_nothing_is_no_step_data();
+    void what_changes_nothing_is_no_step();
+    void typing_and_typing_back_is_no_step();
+    void two_hundred_steps_can_be_taken_back();
+    void a_new_step_forgets_what_could_be_done_again();
+
+    // The keys.
+    void both_keys_do_again_data();
+    void both_keys_do_again();
+    void the_keys_work_anywhere_in_the_window();
+    void an_editor_undoes_what_is_not_taken_over_yet();
+    void an_editor_leaves_what_is_taken_over_to_the_document();
+    void the_value_of_the_next_label_is_the_editors_own();
+    void nothing_to_take_back_is_nothing();
+
+    // What is shown.
+    void model_view_and_panels_agree();
+    void the_page_that_the_step_touched_is_shown();
+    void a_page_that_comes_back_is_shown();
+    void the_selection_is_as_it_was();
+    void the_view_stays_where_it_was_scrolled_to();
+    void the_next_value_goes_back_with_the_label();
+    void a_typed_next_value_is_kept_by_other_steps();
+    void the_status_bar_names_the_step();
+
+    // The document.
+    void ids_come_back_as_they_were();
+    void the_changed_flag_is_set();
+    void the_document_actions_follow();
+    void a_new_document_clears_the_steps();
+    void opening_clears_the_steps();
+    void a_refused_file_keeps_the_steps();
+    void saving_keeps_the_steps();
+    void a_removed_page_keeps_its_encoded_image_only();
+    void nothing_appears_in_menus_and_tool_bar();
+    void signals_are_the_same_while_recording();
+    void the_page_view_tells_of_undo();
+
+    // Safety.
+    void a_killed_run_leaves_the_document_as_it_stood_after_undo();
+    void undo_never_changes_a_saved_file();
+
+private:
+    QString In(const QString& name) const { return d_folder.filePath(name); }
+    static QString Recovery() { return QDir::homePath() + "/.quillet/recovery"; }
+    TQuillet& Window() const { return *d_window; }
+    QLineEdit* Value_Editor() const { return Editor(*Window().d_label_widget, "Item Value"); }
+    QLineEdit* Text_Editor() const { return Editor(*Window().d_label_widget, "Item Text"); }
+    QLineEdit* Name_Editor() const { return Editor(*Window().d_page_widget, "Page Item Name"); }
+    static QLineEdit* Editor(const QWidget& panel, const QString& tool_tip);
+    QListWidget* Labels() const { return Window().d_label_widget->findChild<QListWidget*>(); }
+    QListWidget* Pages() const { return Window().d_page_widget->findChild<QListWidget*>(); }
+    QSlider* Size_Slider() const { return Window().d_settings_widget->findChild<QSlider*>(); }
+    void Press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    void Undo() { Press(Window().d_display_widget, Qt::Key_Z, Qt::ControlModifier); }
+    void Redo();
+    QStringList Document();
+    QStringList Shown() const;
+    void Check(const std::function<void()>& command, const QString& name);
+    void Answer(const std::function<void()>& command, QMessageBox::StandardButton button);
+    void Import(const QStringList& paths);
+    void Renumber(int option);
+    void Drop_Page(int from, int to);
+    void Drag(int id, const QPoint& way);
+    int Value_Of(int place) const { return Window().d_data.Item(place).value; }
+
+    QTemporaryDir d_folder;
+    std::unique_ptr<TQuillet> d_window;
+};
+
+Q_DECLARE_METATYPE(std::function<void(TestUndo*)>)
+
+QLineEdit* TestUndo::Editor(const QWidget& panel, const QString& tool_tip)
+{
+    return Support::By_Tool_Tip<QLineEdit>(panel, tool_tip);
+}
+
+/// Three pages with pictures, "Page 1" to "Page 3"; the second has three labels and is shown.
+void TestUndo::init()
+{
+    QDir(Recovery()).removeRecursively();
+    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
+    for (int number = 1; number <= 3; ++number) {
+        const QString path = In(QString("%1.png").arg(number));
+        if (!QFile::exists(path))
+            QVERIFY(Support::Picture(400, 300, number).save(path));
+        Window().Load_Image(path);
+    }
+    Window().d_data.Set_Active_Page(2);
+    for (int id = 11; id <= 13; ++id)
+        Window().d_data.Add_Item(Support::Label(id, id - 10, "", 2, QPointF(50 * (id - 10), 60)));
+    Window().d_page_widget->Set_Active_Page(2);
+    Window().d_label_widget->Set_Label_Index(4);
+    Window().Update_Document_Actions();
+    Window().Forget_Steps();
+    Window().Note_Page_List();
+    Window().d_data_changed = false;
+}
+
+void TestUndo::cleanup()
+{
+    if (!d_window)
+        return;
+    d_window->d_safety_net->Give_Up();
+    d_window.reset();
+}
+
+/// Presses a key for a widget. Without a window manager nobody gives the window its activation back
+/// after a dialog.
+void TestUndo::Press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    QApplication::setActiveWindow(d_window.get());
+    widget->setFocus();
+    QTest::keyClick(widget, key, modifiers);
+}
+
+void TestUndo::Redo()
+{
+    Press(Window().d_display_widget, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+}
+
+/// All of the document but the selection.
+QStringList TestUndo::Document()
+{
+    QStringList lines = Support::Describe(&Window());
+    lines.replaceInStrings(" selected", "");
+    for (const int page_id : Window().d_page_widget->Page_Ids())
+        lines += QString("row %1").arg(page_id);
+    return lines << Support::Describe_Appearance(Window());
+}
+
+/// What view and panels show.
+QStringList TestUndo::Shown() const
+{
+    QStringList lines = Support::View_In_Words(Window());
+    for (int row = 0; row < Labels()->count(); ++row)
+        lines += Labels()->item(row)->text() + (Labels()->item(row)->isSelected() ? " *" : "");
+    for (int row = 0; row < Pages()->count(); ++row)
+        lines += Pages()->item(row)->text() + (Pages()->item(row)->isSelected() ? " *" : "");
+    return lines << Value_Editor()->text() << Text_Editor()->text() << Name_Editor()->text();
+}
+
+/// A command is one step that goes back and forth again.
+void TestUndo::Check(const std::function<void()>& command, const QString& name)
+{
+    const QStringList before = Document();
+    const QStringList shown_before = Shown();
+    command();
+    QCoreApplication::processEvents();
+    const QStringList after = Document();
+    QVERIFY(before != after);
+    for (int round = 0; round < 2; ++round) {
+        Window().d_data_changed = false;
+        Undo();
+        QCOMPARE(Document(), before);
+        QCOMPARE(Shown(), shown_before);
+        QCOMPARE(Window().statusBar()->currentMessage(), "Taken back: " + name);
+        QVERIFY(Window().d_data_changed);
+        QVERIFY(!Window().d_history->Can_Undo());
+        Redo();
+        QCOMPARE(Document(), after);
+        QCOMPARE(Window().statusBar()->currentMessage(), "Done again: " + name);
+        QVERIFY(!Window().d_history->Can_Redo());
+    }
+}
+
+void TestUndo::Answer(const std::function<void()>& command, QMessageBox::StandardButton button)
+{
+    QCOMPARE(Support::Run_Answering(command, {Support::Press(button)}), QString());
+}
+
+void TestUndo::Import(const QStringList& paths)
+{
+    QCOMPARE(Support::Run_Answering([this] { Window().File_Import(); }, {Support::Choose(paths)}),
+             QString());
+}
+
+/// @param option  which radio button of the dialog.
+void TestUndo::Renumber(int option)
+{
+    const auto choose = [option](QWidget* dialog) {
+        dialog->findChildren<QRadioButton*>()[option]->click();
+    };
+    QCOMPARE(Support::Run_Answering([this] { Window().Edit_Reindex(); },
+                                    {Support::Click("Apply", choose)}),
+             QString());
+}
+
+/// As the list does it when a row is dropped: the row is out of it for a moment.
+void TestUndo::Drop_Page(int from, int to)
+{
+    QListWidgetItem* const row = Pages()->takeItem(from);
+    Pages()->insertItem(to, row);
+    Pages()->setCurrentItem(row);
+    QCoreApplication::processEvents();
+}
+
+/// Drags a label with the mouse, in pixels of the view at its first size.
+void TestUndo::Drag(int id, const QPoint& way)
+{
+    TDisplayWidget* const view = Window().d_display_widget;
+    const QPoint begin = view->mapFromScene(view->Item_Position(id));
+    const auto send = [view](QEvent::Type type, const QPoint& place, Qt::MouseButtons buttons) {
+        QMouseEvent event(type, place, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          buttons, Qt::NoModifier);
+        QApplication::sendEvent(view->viewport(), &event);
+    };
+    send(QEvent::MouseButtonPress, begin, Qt::LeftButton);
+    send(QEvent::MouseMove, begin + way / 2, Qt::LeftButton);
+    send(QEvent::MouseMove, begin + way, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, begin + way, Qt::NoButton);
+}
+
+void TestUndo::adding_a_label_by_the_button()
+{
+    auto* const button = Support::By_Tool_Tip<QToolButton>(*Window().d_label_widget, "Add Item");
+    Check([button] { QTest::mouseClick(button, Qt::LeftButton); }, "add label");
+}
+
+void TestUndo::adding_a_label_by_a_right_click()
+{
+    const auto click = [this] {
+        QTest::mousePress(Window().d_display_widget->viewport(), Qt::RightButton, Qt::NoModifier,
+                          QPoint(90, 80));
+    };
+    Check(click, "add label");
+}
+
+void TestUndo::removing_labels()
+{
+    Support::Click_Row(Labels(), 0);
+    Support::Click_Row(Labels(), 2, Qt::ControlModifier);
+    auto* const button = Support::By_Tool_Tip<QToolButton>(*Window().d_label_widget, "Remove Item");
+    Check([&] { Answer([button] { button->click(); }, QMessageBox::Yes); }, "remove 2 labels");
+}
+
+void TestUndo::changing_a_value()
+{
+    Support::Click_Row(Labels(), 1);
+    Check([this] { Support::Type_Over(Value_Editor(), "57"); }, "change value");
+}
+
+void TestUndo::changing_a_text()
+{
+    Support::Click_Row(Labels(), 1);
+    const auto type = [this] {
+        Support::Type_Over(Text_Editor(), "Pump");
+        QTest::keyClick(Text_Editor(), Qt::Key_Return);
+    };
+    Check(type, "change text");
+}
+
+void TestUndo::changing_borders()
+{
+    Labels()->selectAll();
+    auto* const box = Support::Only<QComboBox>(*Window().d_label_widget);
+    Check([&] { Press(box, Qt::Key_End); }, "change border");
+}
+
+void TestUndo::dragging_a_label()
+{
+    Support::Click_Row(Labels(), 0);
+    Check([this] { Drag(11, QPoint(30, 20)); }, "move label");
+}
+
+void TestUndo::adding_a_page()
+{
+    auto* const button = Support::By_Tool_Tip<QToolButton>(*Window().d_page_widget, "Add Page");
+    Check([button] { QTest::mouseClick(button, Qt::LeftButton); }, "add page");
+}
+
+void TestUndo::removing_pages()
+{
+    auto* const button = Support::By_Tool_Tip<QToolButton>(*Window().d_page_widget, "Remove Page");
+    Check([&] { Answer([button] { button->click(); }, QMessageBox::Yes); }, "remove 1 page");
+}
+
+void TestUndo::naming_a_page()
+{
+    Check([this] { Support::Type_Over(Name_Editor(), "Roof"); }, "rename page");
+}
+
+void TestUndo::dragging_a_page()
+{
+    Check([this] { Drop_Page(1, 0); }, "move 1 page");
+}
+
+void TestUndo::importing_an_image()
+{
+    Check([this] { Import({In("1.png")}); }, "import 1 image");
+}
+
+void TestUndo::importing_into_an_empty_page()
+{
+    Window().Add_Page();
+    Support::Click_Row(Pages(), 3);
+    Window().Forget_Steps();
+    Check([this] { Import({In("1.png")}); }, "import 1 image");
+}
+
+void TestUndo::renumbering_the_page()
+{
+    Check([this] { Renumber(1); }, "renumber labels");
+}
+
+void TestUndo::renumbering_all_pages()
+{
+    Window().d_data.Set_Active_Page(3);
+    Window().d_data.Add_Item(Support::Label(5, 70, "", 1, QPointF(20, 20)));
+    Window().d_data.Set_Active_Page(2);
+    Check([this] { Renumber(0); }, "renumber labels");
+}
+
+void TestUndo::changing_the_label_size()
+{
+    Check([this] { Press(Size_Slider(), Qt::Key_PageUp); }, "change label size");
+    QCOMPARE(Support::View_Difference(Window(), Size_Slider()->value(), QColor("#f79741")),
+             QString());
+    Undo();
+    QCOMPARE(Support::View_Difference(Window(), 32, QColor("#f79741")), QString());
+}
+
+void TestUndo::changing_the_label_color()
+{
+    auto* const button = Window().d_settings_widget->findChild<QToolButton*>();
+    const auto choose = [](QWidget* dialog) {
+        qobject_cast<QColorDialog*>(dialog)->setCurrentColor(QColor("#102030"));
+        QTest::keyClick(dialog, Qt::Key_Return);
+    };
+    const auto command = [&] {
+        QCOMPARE(Support::Run_Answering([button] { button->click(); }, {choose}), QString());
+    };
+    Check(command, "change label color");
+    QCOMPARE(Support::View_Difference(Window(), 32, QColor("#102030")), QString());
+    Undo();
+    QCOMPARE(Support::View_Difference(Window(), 32, QColor("#f79741")), QString());
+}
+
+void TestUndo::keystrokes_in_one_editor_on_one_label_are_one_step()
+{
+    Support::Click_Row(Labels(), 0);
+    Press(Value_Editor(), Qt::Key_End);
+    QTest::keyClicks(Value_Editor(), "5");
+    QTest::keyClick(Value_Editor(), Qt::Key_Backspace);
+    QTest::keyClicks(Value_Editor(), "78");
+    QCOMPARE(Value_Of(0), 178);
+    Press(Value_Editor(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Value_Of(0), 1);
+    QCOMPARE(Value_Editor()->text(), QString("1"));
+    QVERIFY(!Window().d_history->Can_Undo());
+}
+
+void TestUndo::keystrokes_in_the_name_editor_on_one_page_are_one_step()
+{
+    Press(Name_Editor(), Qt::Key_End);
+    for (const char letter : {'a', 'b', 'c'}) {
+        QTest::keyClick(Name_Editor(), letter);
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(Window().d_page_widget->Page_Name(2), QString("Page 2abc"));
+    Press(Name_Editor(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Window().d_page_widget->Page_Name(2), QString("Page 2"));
+    QCOMPARE(Name_Editor()->text(), QString("Page 2"));
+}
+
+void TestUndo::the_same_editor_on_another_label_is_another_step()
+{
+    Support::Click_Row(Labels(), 0);
+    Support::Type_Over(Value_Editor(), "7");
+    Support::Click_Row(Labels(), 1);
+    Support::Type_Over(Value_Editor(), "7");
+    Undo();
+    QCOMPARE(Value_Of(0), 7);
+    QCOMPARE(Value_Of(1), 2);
+    Undo();
+    QCOMPARE(Value_Of(0), 1);
+}
+
+void TestUndo::turning_to_an_editor_again_begins_another_step()
+{
+    Support::Click_Row(Labels(), 0);
+    Press(Value_Editor(), Qt::Key_7);
+    Window().d_display_widget->setFocus();
+    Press(Value_Editor(), Qt::Key_8);
+    QCOMPARE(Value_Of(0), 178);
+    Undo();
+    QCOMPARE(Value_Of(0), 17);
+    Undo();
+    QCOMPARE(Value_Of(0), 1);
+}
+
+void TestUndo::dragging_the_size_slider_is_one_step()
+{
+    const auto drag = [this](int size) {
+        Size_Slider()->setSliderDown(true);
+        for (int value = Size_Slider()->value(); value <= size; ++value)
+            Size_Slider()->setSliderPosition(value);
+        Size_Slider()->setSliderDown(false);
+    };
+    drag(40);
+    QTest::mousePress(Size_Slider(), Qt::LeftButton, Qt::NoModifier, QPoint(-1, -1));
+    QTest::mouseRelease(Size_Slider(), Qt::LeftButton, Qt::NoModifier, QPoint(-1, -1));
+    const int between = Size_Slider()->value();
+    drag(60);
+    Undo();
+    QCOMPARE(Size_Slider()->value(), between);
+    Undo();
+    QCOMPARE(Size_Slider()->value(), 32);
+}
+
+void TestUndo::importing_several_images_is_one_step()
+{
+    Check([this] { Import({In("1.png"), In("2.png"), In("3.png")}); }, "import 3 images");
+}
+
+void TestUndo::what_changes_nothing_is_no_step_data()
+{
+    QTest::addColumn<std::function<void(TestUndo*)>>("command");
+    const auto add = [](const char* name, const std::function<void(TestUndo*)>& command) {
+        QTest::newRow(name) << command;
+    };
+    add("a click on a label", [](TestUndo* test) { test->Drag(12, QPoint(0, 0)); });
+    add("the same value", [](TestUndo* test) {
+        Support::Click_Row(test->Labels(), 0);
+        test->Press(test->Value_Editor(), Qt::Key_Home);
+        QTest::keyClick(test->Value_Editor(), Qt::Key_0);
+    });
+    add("the same text", [](TestUndo* test) {
+        Support::Click_Row(test->Labels(), 0);
+        test->Press(test->Text_Editor(), Qt::Key_Return);
+    });
+    add("the same numbers", [](TestUndo* test) { test->Window().Change_Item_Value(11, 1); });
+    add("the same color", [](TestUndo* test) { test->Window().Color_Changed("#f79741"); });
+    add("declined removals", [](TestUndo* test) {
+        Support::Click_Row(test->Labels(), 0);
+        test->Answer([&] { test->Window().Remove_Item(); }, QMessageBox::No);
+        test->Answer([&] { test->Window().Remove_Pages({1}); }, QMessageBox::No);
+    });
+    add("a page that is shown", [](TestUndo* test) { Support::Click_Row(test->Pages(), 0); });
+    add("a selection", [](TestUndo* test) { test->Labels()->selectAll(); });
+    add("no image", [](TestUndo* test) { test->Window().Load_Image(test->In("none.png")); });
+    add("an unknown label", [](TestUndo* test) { test->Window().Change_Item_Text(99, "x"); });
+}
+
+void TestUndo::what_changes_nothing_is_no_step()
+{
+    using TCommand = std::function<void(TestUndo*)>;
+    QFETCH(TCommand, command);
+    const QStringList before = Document();
+    command(this);
+    QCoreApplication::processEvents();
+    QCOMPARE(Document(), before);
+    QVERIFY(!Window().d_history->Can_Undo());
+}
+
+void TestUndo::typing_and_typing_back_is_no_step()
+{
+    Support::Click_Row(Labels(), 0);
+    Press(Value_Editor(), Qt::Key_End);
+    QTest::keyClicks(Value_Editor(), "5");
+    QVERIFY(Window().d_history->Can_Undo());
+    QTest::keyClick(Value_Editor(), Qt::Key_Backspace);
+    QCOMPARE(Value_Of(0), 1);
+    QVERIFY(!Window().d_history->Can_Undo());
+    Press(Name_Editor(), Qt::Key_End);
+    QTest::keyClicks(Name_Editor(), "x");
+    QTest::keyClick(Name_Editor(), Qt::Key_Backspace);
+    QCoreApplication::processEvents();
+    QVERIFY(!Window().d_history->Can_Undo());
+}
+
+void TestUndo::two_hundred_steps_can_be_taken_back()
+{
+    const QStringList before = Document();
+    for (int i = 0; i < 250; ++i)
+        Window().Add_Item(QPointF(i, i));
+    const QStringList after = Document();
+    for (int i = 0; i < 250; ++i)
+        Undo();
+    QCOMPARE(Document(), before);
+    for (int i = 0; i < 250; ++i)
+        Redo();
+    QCOMPARE(Document(), after);
+}
+
+void TestUndo::a_new_step_forgets_what_could_be_done_again()
+{
+    Window().Add_Item(QPointF(10, 10));
+    Undo();
+    Window().Change_Item_Value(11, 99);
+    QVERIFY(!Window().d_history->Can_Redo());
+    Undo();
+    QCOMPARE(Value_Of(0), 1);
+}
+
+void TestUndo::both_keys_do_again_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::newRow("Ctrl+Shift+Z") << int(Qt::Key_Z) << int(Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::newRow("Ctrl+Y") << int(Qt::Key_Y) << int(Qt::ControlModifier);
+}
+
+void TestUndo::both_keys_do_again()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    Window().Add_Item(QPointF(10, 10));
+    const QStringList after = Document();
+    Undo();
+    QVERIFY(Document() != after);
+    Press(Window().d_display_widget, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QCOMPARE(Document(), after);
+}
+
+void TestUndo::the_keys_work_anywhere_in_the_window()
+{
+    Support::Click_Row(Labels(), 0);
+    int tried = 0;
+    for (QWidget* const widget : Window().findChildren<QWidget*>()) {
+        if (!widget->isVisible() || !widget->isEnabled() || !(widget->focusPolicy() & Qt::TabFocus))
+            continue;
+        Window().Change_Item_Value(11, 1000);
+        Press(widget, Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY2(Value_Of(0) == 1, widget->metaObject()->className());
+        Press(widget, Qt::Key_Y, Qt::ControlModifier);
+        QVERIFY2(Value_Of(0) == 1000, widget->metaObject()->className());
+        Undo();
+        ++tried;
+    }
+    QVERIFY(tried >= 15);
+}
+
+void TestUndo::an_editor_undoes_what_is_not_taken_over_yet()
+{
+    Support::Click_Row(Labels(), 0);
+    Window().Change_Item_Border(11, 8);
+    Press(Text_Editor(), Qt::Key_End);
+    QTest::keyClicks(Text_Editor(), "abc");
+    Press(Text_Editor(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Text_Editor()->text(), QString());
+    QCOMPARE(Window().d_data.Item(0).border_type, 8);
+    for (const auto& keys : {qMakePair(Qt::Key_Y, Qt::KeyboardModifiers(Qt::ControlModifier)),
+                             qMakePair(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier)}) {
+        Press(Text_Editor(), keys.first, keys.second);
+        QCOMPARE(Text_Editor()->text(), QString("abc"));
+        Press(Text_Editor(), Qt::Key_Z, Qt::ControlModifier);
+    }
+    // Nothing of its own is left: now it is the document's turn.
+    Press(Text_Editor(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Window().d_data.Item(0).border_type, 2);
+}
+
+void TestUndo::an_editor_leaves_what_is_taken_over_to_the_document()
+{
+    Support::Click_Row(Labels(), 0);
+    Press(Text_Editor(), Qt::Key_End);
+    QTest::keyClicks(Text_Editor(), "abc");
+    QTest::keyClick(Text_Editor(), Qt::Key_Return);
+    QCOMPARE(Window().d_data.Item(0).text, QString("abc"));
+    Press(Text_Editor(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Window().d_data.Item(0).text, QString());
+    QCOMPARE(Text_Editor()->text(), QString());
+    Press(Text_Editor(), Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(Window().d_data.Item(0).text, QString("abc"));
+    QCOMPARE(Text_Editor()->text(), QString("abc"));
+}
+
+void TestUndo::the_value_of_the_next_label_is_the_editors_own()
+{
+    Window().Change_Item_Border(11, 8);
+    Labels()->clearSelection();
+    const QString before = Value_Editor()->text();
+    Press(Value_Editor(), Qt::Key_End);
+    QTest::keyClicks(Value_Editor(), "00");
+    Press(Value_Editor(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Value_Editor()->text(), before);
+    QCOMPARE(Window().d_data.Item(0).border_type, 8);
+}
+
+void TestUndo::nothing_to_take_back_is_nothing()
+{
+    const QStringList before = Document();
+    Undo();
+    Redo();
+    QCOMPARE(Document(), before);
+    QVERIFY(!Window().d_data_changed);
+    QCOMPARE(Window().statusBar()->currentMessage(), QString());
+}
+
+void TestUndo::model_view_and_panels_agree()
+{
+    Support::Click_Row(Labels(), 1);
+    Window().Change_Item_Value(12, 55);
+    Window().Change_Item_Text(12, "T");
+    Window().Change_Item_Border(12, 8);
+    Window().d_display_widget->Move_Item(12, QPointF(33, 44));
+    for (int i = 0; i < 4; ++i)
+        Undo();
+    const QGraphicsPixmapItem& label = *Support::Label(*Window().d_display_widget, 12);
+    QCOMPARE(label.data(TDisplayWidget::Value_Key).toInt(), 2);
+    QCOMPARE(label.data(TDisplayWidget::Text_Key).toString(), QString());
+    QCOMPARE(label.data(TDisplayWidget::Border_Key).toInt(), 2);
+    QCOMPARE(label.data(TDisplayWidget::Centre_Key).toPointF(), QPointF(100, 60));
+    QCOMPARE(Labels()->item(1)->data(Qt::UserRole + 1).toInt(), 2);
+    QCOMPARE(Labels()->item(1)->data(Qt::UserRole + 3).toInt(), 2);
+    QCOMPARE(Value_Editor()->text(), QString("2"));
+    QCOMPARE(Text_Editor()->text(), QString());
+}
+
+void TestUndo::the_page_that_the_step_touched_is_shown()
+{
+    Window().Change_Item_Value(12, 55);
+    Support::Click_Row(Pages(), 2);
+    Undo();
+    QCOMPARE(Window().d_data.Active_Page(), 2);
+    QCOMPARE(Window().d_page_widget->Selected_Pages(), std::vector<int>{2});
+    QCOMPARE(Name_Editor()->text(), QString("Page 2"));
+    Support::Click_Row(Pages(), 0);
+    Redo();
+    QCOMPARE(Window().d_data.Active_Page(), 2);
+    QCOMPARE(Value_Of(1), 55);
+}
+
+void TestUndo::a_page_that_comes_back_is_shown()
+{
+    Support::Click_Row(Pages(), 1);
+    Support::Click_Row(Pages(), 2, Qt::ControlModifier);
+    QCOMPARE(Window().d_data.Active_Page(), -1);
+    Answer([this] { Window().Remove_Pages({2, 3}); }, QMessageBox::Yes);
+    Undo();
+    QCOMPARE(Window().d_data.Active_Page(), 2);
+    QCOMPARE(Support::Labels(*Window().d_display_widget).size(), 3);
+    QVERIFY(Window().d_label_widget->isEnabled());
+    Window().Add_Page();
+    Undo();
+    Redo();
+    QCOMPARE(Window().d_page_widget->Selected_Pages(), std::vector<int>{4});
+}
+
+void TestUndo::the_selection_is_as_it_was()
+{
+    Support::Click_Row(Labels(), 0);
+    Support::Click_Row(Labels(), 2, Qt::ControlModifier);
+    Window().Change_Item_Border(11, 8);
+    Support::Click_Row(Labels(), 1);
+    Undo();
+    QCOMPARE(Window().d_label_widget->Selected_Items(), (std::vector<int>{11, 13}));
+    QVERIFY(Window().d_data.Item(0).selected);
+    QVERIFY(!Window().d_data.Item(1).selected);
+    QCOMPARE(
+        Support::Label(*Window().d_display_widget, 13)->data(TDisplayWidget::Selected_Key).toInt(),
+        1);
+    QVERIFY(
+        Support::By_Tool_Tip<QToolButton>(*Window().d_label_widget, "Remove Item")->isEnabled());
+    Labels()->clearSelection();
+    Window().Change_Item_Border(11, 4);
+    Labels()->selectAll();
+    Undo();
+    QCOMPARE(Window().d_label_widget->Selected_Items(), std::vector<int>());
+    QVERIFY(
+        !Support::By_Tool_Tip<QToolButton>(*Window().d_label_widget, "Remove Item")->isEnabled());
+}
+
+void TestUndo::the_view_stays_where_it_was_scrolled_to()
+{
+    Window().d_zoom_slider->setValue(100);
+    Support::Click_Row(Labels(), 2);
+    QScrollBar* const bar = Window().d_display_widget->horizontalScrollBar();
+    bar->setValue(bar->value() + 40);
+    const int place = bar->value();
+    QVERIFY(place > 0);
+    Window().Change_Item_Value(13, 55);
+    Undo();
+    QCOMPARE(bar->value(), place);
+    Redo();
+    QCOMPARE(bar->value(), place);
+}
+
+void TestUndo::the_next_value_goes_back_with_the_label()
+{
+    Window().Add_Item(QPointF(10, 10));
+    QCOMPARE(Value_Of(3), 4);
+    Undo();
+    QCOMPARE(Value_Editor()->text(), QString("4"));
+    Window().Add_Item(QPointF(10, 10));
+    QCOMPARE(Value_Of(3), 4);
+    Undo();
+    Redo();
+    QCOMPARE(Value_Editor()->text(), QString("5"));
+    Renumber(1);
+    QCOMPARE(Value_Editor()->text(), QString("104"));
+    Undo();
+    QCOMPARE(Value_Editor()->text(), QString("5"));
+}
+
+void TestUndo::a_typed_next_value_is_kept_by_other_steps()
+{
+    Window().Change_Item_Value(11, 9);
+    Labels()->clearSelection();
+    Support::Type_Over(Value_Editor(), "300");
+    Undo();
+    QCOMPARE(Value_Of(0), 1);
+    Window().Add_Item(QPointF(10, 10));
+    QCOMPARE(Value_Of(3), 300);
+}
+
+void TestUndo::the_status_bar_names_the_step()
+{
+    Labels()->selectAll();
+    Answer([this] { Window().Remove_Item(); }, QMessageBox::Yes);
+    Undo();
+    QCOMPARE(Window().statusBar()->currentMessage(), QString("Taken back: remove 3 labels"));
+    Redo();
+    QCOMPARE(Window().statusBar()->currentMessage(), QString("Done again: remove 3 labels"));
+}
+
+void TestUndo::ids_come_back_as_they_were()
+{
+    Answer([this] { Window().Remove_Pages({2}); }, QMessageBox::Yes);
+    Undo();
+    QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 2, 3}));
+    QCOMPARE(Window().d_data.Page_Index(2), 1);
+    QCOMPARE(Window().d_data.Item(0).id, 11);
+    Window().Add_Page();
+    Undo();
+    Redo();
+    QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 2, 3, 4}));
+    // An id is given once: what is added after an undo gets another one.
+    Undo();
+    Window().Add_Page();
+    QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 2, 3, 5}));
+}
+
+void TestUndo::the_changed_flag_is_set()
+{
+    Window().Add_Item(QPointF(10, 10));
+    Window().d_data_changed = false;
+    Undo();
+    QVERIFY(Window().d_data_changed);
+    Window().d_data_changed = false;
+    Redo();
+    QVERIFY(Window().d_data_changed);
+}
+
+void TestUndo::the_document_actions_follow()
+{
+    Answer([this] { Window().Remove_Pages({1, 2, 3}); }, QMessageBox::Yes);
+    QVERIFY(!Window().d_action_save->isEnabled());
+    Undo();
+    for (const QAction* const action : {Window().d_action_save, Window().d_action_export_pdf,
+                                        Window().d_action_export_images, Window().d_action_reindex})
+        QVERIFY(action->isEnabled());
+    Redo();
+    QVERIFY(!Window().d_action_save->isEnabled());
+    QVERIFY(!Window().d_label_widget->isEnabled());
+}
+
+void TestUndo::a_new_document_clears_the_steps()
+{
+    Window().Add_Item(QPointF(10, 10));
+    Answer([this] { Window().File_New(); }, QMessageBox::Yes);
+    QVERIFY(!Window().d_history->Can_Undo());
+    Undo();
+    QCOMPARE(Window().d_data.Page_Count(), 0);
+    QCOMPARE(Window().d_page_widget->Page_Ids(), QList<int>());
+}
+
+void TestUndo::opening_clears_the_steps()
+{
+    const QString path = In("a.quillet");
+    QVERIFY(Window().Save_Data(path));
+    Window().Add_Item(QPointF(10, 10));
+    Undo();
+    Window().d_data_changed = false;
+    QCOMPARE(Support::Run_Answering([this] { Window().File_Open(); }, {Support::Choose({path})}),
+             QString());
+    QVERIFY(!Window().d_history->Can_Undo());
+    QVERIFY(!Window().d_history->Can_Redo());
+    const QStringList opened = Document();
+    QCoreApplication::processEvents();
+    Undo();
+    Redo();
+    QCOMPARE(Document(), opened);
+}
+
+void TestUndo::a_refused_file_keeps_the_steps()
+{
+    const QString path = In("refused.quillet");
+    Support::Write_File(path, "no project");
+    const QStringList before = Document();
+    Window().Add_Item(QPointF(10, 10));
+    QCOMPARE(Support::Run_Answering([this] { Window().File_Open(); },
+                                    {Support::Press(QMessageBox::Yes), Support::Choose({path}),
+                                     Support::Press(QMessageBox::Ok)}),
+             QString());
+    Undo();
+    QCOMPARE(Document(), before);
+}
+
+void TestUndo::saving_keeps_the_steps()
+{
+    const QStringList before = Document();
+    Window().Add_Item(QPointF(10, 10));
+    QVERIFY(Window().Save_Data(In("saved.quillet")));
+    Undo();
+    QCOMPARE(Document(), before);
+}
+
+void TestUndo::a_removed_page_keeps_its_encoded_image_only()
+{
+    QVERIFY(TPageImage::Stored_Bytes() > 0);
+    Answer([this] { Window().Remove_Pages({1, 2, 3}); }, QMessageBox::Yes);
+    QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    Undo();
+    QCOMPARE(Support::Difference(Window().d_data.Page_Image(), Support::Picture(400, 300, 2)),
+             QString());
+}
+
+void TestUndo::nothing_appears_in_menus_and_tool_bar()
+{
+    QStringList texts;
+    for (const QMenu* const menu : Window().menuBar()->findChildren<QMenu*>()) {
+        for (const QAction* const action : menu->actions())
+            texts += action->text();
+    }
+    for (const QAction* const action : Window().findChild<QToolBar*>()->actions())
+        texts += action->text();
+    QVERIFY(texts.contains("Reindex Items ..."));
+    QCOMPARE(texts.filter(QRegularExpression("undo|redo|back|again",
+                                             QRegularExpression::CaseInsensitiveOption)),
+             QStringList());
+    const QList<QAction*> actions = Window().findChildren<QAction*>();
+    for (const QAction* const action : actions)
+        QVERIFY(!action->shortcuts().contains(QKeySequence(Qt::CTRL + Qt::Key_Z)));
+}
+
+/// The same commands in a window that records and in one that does not.
+void TestUndo::signals_are_the_same_while_recording()
+{
+    const auto log = [this] {
+        Support::TSignalLog view(*Window().d_display_widget);
+        QSignalSpy labels(Window().d_label_widget, SIGNAL(Selection_Changed()));
+        QSignalSpy values(Window().d_label_widget, SIGNAL(Change_Item_Value(int, int)));
+        QSignalSpy borders(Window().d_label_widget, SIGNAL(Change_Item_Border(int, int)));
+        QSignalSpy pages(Window().d_page_widget, SIGNAL(Selection_Changed(int)));
+        Support::Click_Row(Labels(), 1);
+        Support::Type_Over(Value_Editor(), "12");
+        Drag(12, QPoint(20, 20));
+        Labels()->selectAll();
+        Press(Support::Only<QComboBox>(*Window().d_label_widget), Qt::Key_End);
+        Answer([this] { Window().Remove_Item(); }, QMessageBox::Yes);
+        Support::Click_Row(Pages(), 0);
+        Window().Add_Page();
+        Answer([this] { Window().Remove_Pages({4}); }, QMessageBox::Yes);
+        return view.Take() << QString("%1 %2 %3 %4")
+                                  .arg(labels.count())
+                                  .arg(values.count())
+                                  .arg(borders.count())
+                                  .arg(pages.count());
+    };
+    const QStringList recorded = log();
+    QVERIFY2(recorded.size() == 3, qPrintable(recorded.join(" | ")));
+    cleanup();
+    init();
+    Window().d_history.reset();
+    QCOMPARE(log(), recorded);
+}
+
+void TestUndo::the_page_view_tells_of_undo()
+{
+    QVERIFY(Window().d_display_widget->whatsThis().contains("Ctrl+Z"));
+    QVERIFY(Window().d_display_widget->whatsThis().contains("Ctrl+Y"));
+}
+
+void TestUndo::a_killed_run_leaves_the_document_as_it_stood_after_undo()
+{
+    const Support::TChildResult child = Support::Run_In_Child([this] {
+        Window().Add_Item(QPointF(10, 10));
+        Window().Change_Item_Value(11, 77);
+        Window().Change_Item_Value(12, 88);
+        Undo();
+        Undo();
+        Redo();
+        Window().Keep_Work();
+        return std::raise(SIGKILL);
+    });
+    QCOMPARE(child.signal, SIGKILL);
+    Window().Add_Item(QPointF(10, 10));
+    Window().Change_Item_Value(11, 77);
+    QStringList expected = Support::Describe(&Window()).filter("label");
+    Window().d_safety_net->Give_Up();
+
+    const QStringList copies = QDir(Recovery()).entryList({"*.quillet"});
+    QCOMPARE(copies.size(), 1);
+    TQuillet reader(nullptr, Qt::WindowFlags());
+    QVERIFY(reader.Load_Data(Recovery() + '/' + copies.first()));
+    QStringList found = Support::Describe(&reader).filter("label");
+    for (QStringList* lines : {&expected, &found})
+        lines->replaceInStrings(QRegularExpression("^label \\d+ "), "");
+    QCOMPARE(found, expected);
+}
+
+void TestUndo::undo_never_changes_a_saved_file()
+{
+    const QString path = In("kept.quillet");
+    Window().Add_Item(QPointF(10, 10));
+    Window().d_file_name = path;
+    Window().File_Save();
+    const QByteArray saved = Support::Read_File(path);
+    QVERIFY(!saved.isEmpty());
+    Undo();
+    Redo();
+    Undo();
+    Window().Keep_Work();
+    QCOMPARE(Support::Byte_Difference(Support::Read_File(path), saved), QString());
+    Window().File_Save();
+    QVERIFY(Support::Read_File(path) != saved);
+}
+
+QTEST_MAIN(TestUndo)
+#include "test_undo.moc"
