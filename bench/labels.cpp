@@ -16,8 +16,10 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMouseEvent>
+#include <QShortcut>
 #include <QTimer>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -245,25 +247,52 @@ TOpenWindow& Many_Pages()
     return *open;
 }
 
-/// Runs the command with a user who presses "Reindex" at once; the time begins with that.
+/// Runs the command with a user who presses "Apply" at once; the time begins with that. The numbers
+/// are others than those of the time before, on all pages.
+void Renumber(TOpenWindow* open, Bench::TStopwatch* stopwatch)
+{
+    static int first_value = 1;
+    constexpr int two_values = 1 + 5001;
+    first_value = two_values - first_value;
+    QTimer::singleShot(0, &open->window, [&] {
+        auto* const dialog = open->window.findChild<TReindexDialog*>();
+        dialog->findChild<QLineEdit*>()->setText(QString::number(first_value));
+        *stopwatch = Bench::TStopwatch();
+        dialog->accept();
+    });
+    open->window.Edit_Reindex();
+    Bench::Let_Paint();
+}
+
 void renumber_all(benchmark::State& state)
 {
     TOpenWindow& open = Many_Pages();
-    const auto run = [&](Bench::TStopwatch* stopwatch) {
-        QTimer::singleShot(0, &open.window, [&] {
-            auto* const dialog = open.window.findChild<TReindexDialog*>();
-            *stopwatch = Bench::TStopwatch();
-            dialog->accept();
-        });
-        open.window.Edit_Reindex();
-        Bench::Let_Paint();
-    };
     Bench::TStopwatch unused;
-    run(&unused);
+    Renumber(&open, &unused);
     Bench::Measure_From(
-        &state, [] {}, run);
+        &state, [] {}, [&](Bench::TStopwatch* stopwatch) { Renumber(&open, stopwatch); });
 }
 BENCH_QUICK(renumber_all, 5);
+
+/// The same taken back, by the key.
+void undo_renumbering(benchmark::State& state)
+{
+    TOpenWindow& open = Many_Pages();
+    const QList<QShortcut*> shortcuts = open.window.findChildren<QShortcut*>();
+    const auto is_undo = [](const QShortcut* shortcut) {
+        return shortcut->key() == QKeySequence(Qt::CTRL + Qt::Key_Z);
+    };
+    QShortcut* const undo = *std::find_if(shortcuts.cbegin(), shortcuts.cend(), is_undo);
+    Bench::TStopwatch unused;
+    Renumber(&open, &unused);
+    Bench::Measure(
+        &state, [&] { Renumber(&open, &unused); },
+        [&] {
+            QMetaObject::invokeMethod(undo, "activated", Qt::DirectConnection);
+            Bench::Let_Paint();
+        });
+}
+BENCH_QUICK(undo_renumbering, 5);
 
 /// The same numbers put into the same items in memory, and one page shown.
 void pass_and_show(benchmark::State& state)
