@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cassert>
-#include <cstring>
+#include <cmath>
 #include <iterator>
 #include <utility>
 
@@ -20,16 +20,20 @@ namespace {
 // no longer than what the program does for a removal anyway.
 constexpr std::size_t small_page = 256;
 
-/// Whether two labels are the same in all but their selection. Positions are compared to the bit:
-/// those of the toolkit count as equal when they nearly are, and one that is no number never does.
+/// Whether two coordinates are the same, also when they are no numbers. The toolkit's points count
+/// as equal when they nearly are.
+bool Is_Same(double left, double right)
+{
+    return left == right ? std::signbit(left) == std::signbit(right)
+                         : std::isnan(left) && std::isnan(right);
+}
+
+/// Whether two labels are the same in all but their selection.
 bool Have_Same_Content(const TDataItem& left, const TDataItem& right)
 {
-    const auto have_same_bits = [](double one, double other) {
-        return std::memcmp(&one, &other, sizeof(one)) == 0;
-    };
     return left.value == right.value && left.border_type == right.border_type &&
-           have_same_bits(left.position.x(), right.position.x()) &&
-           have_same_bits(left.position.y(), right.position.y()) && left.text == right.text;
+           Is_Same(left.position.x(), right.position.x()) &&
+           Is_Same(left.position.y(), right.position.y()) && left.text == right.text;
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "src/parentwidget.h"
 #include "src/safetynet.h"
 #include "src/undohistory.h"
+#include "src/undokeys.h"
 
 #include <QAction>
 #include <QLabel>

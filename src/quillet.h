@@ -277,7 +277,7 @@ private:
     QLabel* d_kept_notice = nullptr; ///< tells of kept work; null when there was none
 
     std::unique_ptr<TUndoHistory> d_history; ///< null while the window is being built
-    TUndoKeys* d_undo_keys = nullptr;
+    std::unique_ptr<TUndoKeys> d_undo_keys;
     int d_step_depth = 0;              ///< how many steps are going on, each within the other
     std::vector<TPageRow> d_page_rows; ///< the page list as the history knows it
     bool d_has_new_rows = false;       ///< the page list may have changed since

@@ -37,6 +37,7 @@ std::vector<int> Ids_Of(const std::vector<TPageRow>& rows)
 std::vector<int> Ids_Of(const TData& data)
 {
     std::vector<int> ids;
+    ids.reserve(static_cast<std::size_t>(data.Page_Count()));
     for (int place = 0; place < data.Page_Count(); ++place)
         ids.push_back(data.Page_Id(place));
     std::sort(ids.begin(), ids.end());
@@ -66,9 +67,8 @@ TQuillet::TStep::~TStep()
 void TQuillet::Start_History()
 {
     d_history = std::make_unique<TUndoHistory>(&d_data, [this] { return Shown_State(); });
-    d_undo_keys = new TUndoKeys(
+    d_undo_keys = std::make_unique<TUndoKeys>(
         this, [this] { Undo(); }, [this] { Redo(); }, [this] { Finish_Step(); });
-    d_undo_keys->Watch_Editors();
     Watch_Page_List();
 }
 
@@ -84,11 +84,13 @@ void TQuillet::Watch_Page_List()
             this, [this] { Note_Page_List(); }, Qt::QueuedConnection);
     };
     const QAbstractItemModel* const rows = d_page_widget->Rows();
-    connect(rows, &QAbstractItemModel::dataChanged, this, note);
-    connect(rows, &QAbstractItemModel::rowsInserted, this, note);
-    connect(rows, &QAbstractItemModel::rowsRemoved, this, note);
-    connect(rows, &QAbstractItemModel::rowsMoved, this, note);
-    connect(rows, &QAbstractItemModel::modelReset, this, note);
+    // Not for the window: its widgets are still there, and let go of their rows, when it is not.
+    const QObject* const keys = d_undo_keys.get();
+    connect(rows, &QAbstractItemModel::dataChanged, keys, note);
+    connect(rows, &QAbstractItemModel::rowsInserted, keys, note);
+    connect(rows, &QAbstractItemModel::rowsRemoved, keys, note);
+    connect(rows, &QAbstractItemModel::rowsMoved, keys, note);
+    connect(rows, &QAbstractItemModel::modelReset, keys, note);
 }
 
 void TQuillet::Begin_Step(TStepKind kind, int subject, int count)

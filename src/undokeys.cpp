@@ -8,15 +8,14 @@
 
 namespace {
 
-const QKeySequence back_key(Qt::CTRL + Qt::Key_Z);
-const QKeySequence forth_keys[] = {QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z),
-                                   QKeySequence(Qt::CTRL + Qt::Key_Y)};
+const QKeySequence back_key(QStringLiteral("Ctrl+Z"));
+const QKeySequence forth_keys[] = {QKeySequence(QStringLiteral("Ctrl+Shift+Z")),
+                                   QKeySequence(QStringLiteral("Ctrl+Y"))};
 
 } // namespace
 
 TUndoKeys::TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_edit)
-    : QObject(window)
-    , d_begin_edit(std::move(begin_edit))
+    : d_begin_edit(std::move(begin_edit))
 {
     const auto add_key = [this, window](const QKeySequence& key, const TAction& action) {
         connect(new QShortcut(key, window), &QShortcut::activated, this, action);
@@ -24,15 +23,15 @@ TUndoKeys::TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_
     add_key(back_key, undo);
     for (const QKeySequence& key : forth_keys)
         add_key(key, redo);
+    Watch_Editors(*window);
 }
 
-void TUndoKeys::Watch_Editors()
+void TUndoKeys::Watch_Editors(const QWidget& window)
 {
-    const auto* const window = qobject_cast<QWidget*>(parent());
-    const QList<QSlider*> sliders = window->findChildren<QSlider*>();
+    const QList<QSlider*> sliders = window.findChildren<QSlider*>();
     for (QSlider* const slider : sliders)
         slider->installEventFilter(this);
-    const QList<QLineEdit*> editors = window->findChildren<QLineEdit*>();
+    const QList<QLineEdit*> editors = window.findChildren<QLineEdit*>();
     for (QLineEdit* const editor : editors) {
         editor->installEventFilter(this);
         d_editors.insert(editor, QString());

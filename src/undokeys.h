@@ -22,13 +22,11 @@ class TUndoKeys : public QObject
 public:
     using TAction = std::function<void()>;
 
-    /// @param window      where the keys work; the parent.
+    /// @param window      where the keys work, with its line editors and sliders; outlives this.
     /// @param begin_edit  is called when an editor or a slider is turned to: what was done there
     ///                    before is finished.
     TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_edit);
 
-    /// Looks after the window's line editors and sliders that there are now.
-    void Watch_Editors();
     /// A step was recorded: what the editors hold is in the document, or is passed over.
     void Note_Step();
 
@@ -37,6 +35,7 @@ public:
 private:
     enum class TWay { None, Back, Forth };
     static TWay Way_Of(const QKeyEvent& event);
+    void Watch_Editors(const QWidget& window);
     bool Is_For_Editor(const QLineEdit& editor, TWay way) const;
 
     TAction d_begin_edit;
