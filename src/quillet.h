@@ -1,7 +1,9 @@
 #pragma once
 
 #include "src/data.h"
+#include "src/document.h"
 #include "src/projectfile.h"
+#include "src/reportsettings.h"
 
 #include <QColor>
 #include <QDir>
@@ -24,7 +26,6 @@ class QCloseEvent;
 class QDockWidget;
 class QLabel;
 class QMenu;
-class QPixmap;
 class QSettings;
 class QSlider;
 class TDisplayWidget;
@@ -48,13 +49,7 @@ class TQuillet : public QMainWindow
 
 public:
     /// What a report depends on besides the document.
-    struct TReportSettings
-    {
-        int orientation = 0; ///< 0 portrait, anything else landscape
-        int resolution = 0;  ///< code 1 to 4; times 96 it is the resolution in dots per inch
-        QString header_1;    ///< may be empty
-        QString header_2;    ///< may be empty
-    };
+    using TReportSettings = ::TReportSettings;
 
     /// Builds the window, restores it as the settings file says, and connects everything.
     TQuillet(const QWidget* parent, Qt::WindowFlags flags);
@@ -172,16 +167,13 @@ private:
     void Set_Working_File(const QString& path);
     void Show_No_Page();
     void Fill_View(TLabelWidget* list);
-    void Reload_View();
     void Refresh_Active_Page();
-    bool Draw_Pages(const QList<int>& page_ids,
-                    const std::function<bool(int, const QPixmap&)>& use);
+    void Show_Export_Progress(int number, int total);
 
     // Labels.
     void Add_Label(const QPointF* point);
     std::optional<int> Add_Label_To_View(int value, int border);
     void Select_In_Data(const std::vector<int>& ids);
-    int Renumber_All_Pages(int first_value, int method);
     int Renumber_Active_Page(int first_value, bool selected_only);
 
     // Project files.
@@ -189,10 +181,9 @@ private:
     TReportHeaderDialog* Header_Dialog();
     void Open_File(const QString& name);
     bool Load_Quietly(const std::function<bool()>& load);
-    /// What a document is written for.
-    enum class TPurpose { Save, Recovery_Copy };
-    QString Write_Project(TProjectWriter* writer, TPurpose purpose);
-    QList<int> Pages_To_Copy() const;
+    QString Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose);
+    TAppearance Appearance() const;
+    std::vector<TNamedPage> Named_Pages() const;
     bool Read_Appearance(TProjectReader* reader);
     bool Read_Pages(TProjectReader* reader);
     bool Read_Page(TProjectReader* reader, int* page_id);

@@ -18,8 +18,6 @@
 #include <QFileDialog>
 #include <QScopedValueRollback>
 
-#include <algorithm>
-
 void TQuillet::File_Open()
 {
     if (!Confirm_Loss())
@@ -126,7 +124,7 @@ bool TQuillet::Write_Data(const QString& file_name)
     // The whole document is built before the file is touched: what takes long or is refused leaves
     // the old file as it is.
     TProjectWriter writer;
-    const QString fault = Write_Project(&writer, TPurpose::Save);
+    const QString fault = Write_Project(&writer, WholeDocument::TPurpose::Save);
     if (writer.Size() > TProjectWriter::Maximum_Size)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
@@ -144,50 +142,37 @@ bool TQuillet::Write_Data(const QString& file_name)
 
 /// Puts the document into a writer. Returns why a page's labels could not be written; empty when
 /// all went well.
-QString TQuillet::Write_Project(TProjectWriter* writer, TPurpose purpose)
+QString TQuillet::Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose)
 {
-    const bool is_copy = purpose == TPurpose::Recovery_Copy;
-    const TProjectWriter::TImageBytes image_bytes =
-        is_copy ? TProjectWriter::TImageBytes::As_They_Came : TProjectWriter::TImageBytes::As_Png;
-    writer->Write_Integer(d_settings_widget->Label_Size());
-    writer->Write_Text(d_settings_widget->Label_Color().name());
-    writer->Write_Text(d_header_dialog ? d_header_dialog->Header1_Text() : QString());
-    writer->Write_Text(d_header_dialog ? d_header_dialog->Header2_Text() : QString());
-    const QList<int> page_ids = is_copy ? Pages_To_Copy() : d_page_widget->Page_Ids();
-    writer->Write_Integer(is_copy ? page_ids.size() : d_data.Page_Count());
-
-    const int active_page = d_data.Active_Page();
-    QString fault;
-    int number = 0;
-    try {
-        for (const int page_id : page_ids) {
-            ++number;
-            if (!is_copy)
-                Show_Progress(tr("Saving page %1 of %2").arg(number).arg(page_ids.size()));
-            writer->Write_Text(d_page_widget->Page_Name(page_id));
-            d_data.Set_Active_Page(page_id);
-            writer->Write_Image(d_data.Page_Content(), image_bytes);
-            // Better a text without a character than no copy.
-            writer->Write_Bytes(is_copy ? ItemList::Write(d_data, ItemList::TBadText::Leave_Out)
-                                        : Write_Items());
-        }
-    } catch (const TXmlFileException& exception) {
-        fault = exception.Message();
-    }
-    d_data.Set_Active_Page(active_page);
-    if (!is_copy)
-        Show_Progress(QString());
+    const std::vector<TNamedPage> pages = Named_Pages();
+    // A recovery copy is none of the user's doing.
+    if (purpose == WholeDocument::TPurpose::Recovery_Copy)
+        return WholeDocument::Write(Appearance(), pages, purpose, &d_data, nullptr, writer);
+    const auto show_progress = [this](int number, int total) {
+        Show_Progress(tr("Saving page %1 of %2").arg(number).arg(total));
+    };
+    const QString fault =
+        WholeDocument::Write(Appearance(), pages, purpose, &d_data, show_progress, writer);
+    Show_Progress(QString());
     return fault;
 }
 
-/// The pages for a recovery copy. It is made at any moment, also when the page list has pages that
-/// the document does not know: those are left out.
-QList<int> TQuillet::Pages_To_Copy() const
+/// What the panels and the header dialog have of the document.
+TAppearance TQuillet::Appearance() const
 {
-    QList<int> page_ids = d_page_widget->Page_Ids();
-    const auto is_unknown = [this](int page_id) { return d_data.Page_Index(page_id) < 0; };
-    page_ids.erase(std::remove_if(page_ids.begin(), page_ids.end(), is_unknown), page_ids.end());
-    return page_ids;
+    return {d_settings_widget->Label_Size(), d_settings_widget->Label_Color().name(),
+            d_header_dialog ? d_header_dialog->Header1_Text() : QString(),
+            d_header_dialog ? d_header_dialog->Header2_Text() : QString()};
+}
+
+/// The pages as the page list has them.
+std::vector<TNamedPage> TQuillet::Named_Pages() const
+{
+    std::vector<TNamedPage> pages;
+    const QList<int> page_ids = d_page_widget->Page_Ids();
+    for (const int page_id : page_ids)
+        pages.push_back({page_id, d_page_widget->Page_Name(page_id)});
+    return pages;
 }
 
 bool TQuillet::Load_Data(const QString& file_name)

@@ -4,6 +4,7 @@
 
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
+#include "src/pageexporter.h"
 #include "src/pagewidget.h"
 
 #include <QFileDialog>
@@ -100,18 +101,12 @@ void TQuillet::Page_Selection_Changed(int page)
 }
 
 /// Shows the active page's image and labels in the view, which has been cleared before.
-/// @param list  gets the labels as well; null when only the view is wanted.
+/// @param list  gets the labels as well.
 void TQuillet::Fill_View(TLabelWidget* list)
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
-    d_display_widget->Set_Background_Image(QPixmap::fromImage(d_data.Page_Image()));
-    for (int i = 0; i < d_data.Item_Count(); ++i) {
-        const TDataItem item = d_data.Item(i);
-        if (list)
-            list->Add_Item(item);
-        d_display_widget->Add_Item(item.id, item.value, item.text, item.border_type);
-        d_display_widget->Move_Item(item.id, item.position);
-    }
+    TPageExporter::Fill_View(d_data, d_display_widget,
+                             [list](const TDataItem& item) { list->Add_Item(item); });
 }
 
 /// Rebuilds list and view after the labels' values have changed.
