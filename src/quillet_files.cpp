@@ -5,6 +5,7 @@
 #include "src/displaywidget.h"
 #include "src/itemlist.h"
 #include "src/labelwidget.h"
+#include "src/legacyfile.h"
 #include "src/numbering.h"
 #include "src/pagewidget.h"
 #include "src/projectfile.h"
@@ -35,9 +36,8 @@ void TQuillet::Open_File(const QString& name)
 {
     const bool gave_up = d_data_changed;
     d_has_new_document = false;
-    const QString legacy_suffix = QStringLiteral(".qld");
-    const bool is_legacy = name.endsWith(legacy_suffix, Qt::CaseInsensitive);
-    const QString path = is_legacy ? name.left(name.size() - legacy_suffix.size()) : name;
+    const bool is_legacy = LegacyFile::Is_Legacy(name);
+    const QString path = is_legacy ? LegacyFile::Base_Name(name) : name;
     const bool loaded =
         Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
     // Only now: a file that stops the program does not take the old work with it. One that is
