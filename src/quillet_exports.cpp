@@ -69,16 +69,18 @@ bool TQuillet::Draw_Pages(const QList<int>& page_ids,
     const int active_page = d_data.Active_Page();
     d_display_widget->setUpdatesEnabled(false);
     bool succeeded = true;
+    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
     int number = 0;
     for (const int page_id : page_ids) {
-        Show_Progress(tr("Exporting page %1 of %2").arg(++number).arg(page_ids.size()));
+        progress.Step(++number, page_ids.size());
         d_data.Set_Active_Page(page_id);
         Reload_View();
-        succeeded = use(page_id, d_display_widget->Pixmap());
+        const QPixmap picture = d_display_widget->Pixmap();
+        progress.Go_On();
+        succeeded = use(page_id, picture);
         if (!succeeded)
             break;
     }
-    Show_Progress(QString());
     d_data.Set_Active_Page(active_page);
     Reload_View();
     d_display_widget->setUpdatesEnabled(true);

@@ -16,10 +16,13 @@
 
 bool TQuillet::Load_Legacy_Data(const QString& base_name)
 {
+    TProgress progress = New_Progress(tr("Opening page %1 of %2"));
+    progress.Step(1, 1);
     const TPageImage image = TPageImage::From_File(base_name + QStringLiteral(".qli"), "PNG");
     if (image.isNull())
         return Fail(tr("Background image not found"));
 
+    progress.Go_On();
     std::vector<TDataItem> items;
     try {
         TXmlFile xml_file;
@@ -33,6 +36,7 @@ bool TQuillet::Load_Legacy_Data(const QString& base_name)
     } catch (const TXmlFileException& exception) {
         return Fail(exception.Message());
     }
+    progress.Go_On();
     Set_Legacy_Page(image, items);
     return true;
 }
