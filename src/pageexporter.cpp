@@ -83,12 +83,12 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TUse& use) cons
     bool succeeded = true;
     int number = 0;
     for (const int page_id : page_ids) {
-        ++number;
-        if (d_progress)
-            d_progress(number, page_ids.size());
+        Tell_Progress(++number, page_ids.size());
         d_data->Set_Active_Page(page_id);
         Reload_View();
-        succeeded = use(page_id, d_view->Pixmap());
+        const QPixmap picture = d_view->Pixmap();
+        Tell_Progress(number, page_ids.size());
+        succeeded = use(page_id, picture);
         if (!succeeded)
             break;
     }
@@ -96,6 +96,12 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TUse& use) cons
     Reload_View();
     d_view->setUpdatesEnabled(true);
     return succeeded;
+}
+
+void TPageExporter::Tell_Progress(int number, int total) const
+{
+    if (d_progress)
+        d_progress(number, total);
 }
 
 /// Rebuilds the view for the active page; without one it is left empty.

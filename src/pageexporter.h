@@ -19,7 +19,8 @@ class TDisplayWidget;
 class TPageExporter
 {
 public:
-    /// Is told of the number of the page that is worked on, from 1, and of how many there are.
+    /// Is told of the number of the page that is worked on, from 1, and of how many there are:
+    /// before a page is drawn, and again before its picture is used.
     using TProgress = std::function<void(int number, int total)>;
     /// Path of the file for a page.
     /// @param counter  running number of the page in this export, from 1.
@@ -61,6 +62,7 @@ public:
     static bool Save_Png(const QPixmap& picture, const QString& path);
 
 private:
+    void Tell_Progress(int number, int total) const;
     void Reload_View() const;
 
     TData* d_data;

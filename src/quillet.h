@@ -2,12 +2,12 @@
 
 #include "src/data.h"
 #include "src/document.h"
+#include "src/progress.h"
 #include "src/projectfile.h"
 #include "src/reportsettings.h"
 
 #include <QColor>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QList>
 #include <QMainWindow>
 #include <QMessageBox>
@@ -158,17 +158,17 @@ private:
     bool Confirm(const QString& text, const QString& question);
     bool Confirm_Loss();
     void Show_File_Error(const QString& text, const QString& informative_text);
-    void Show_Progress(const QString& text);
+    TProgress New_Progress(const QString& pattern) const;
 
     // The document and what follows from it.
     void Mark_Changed();
     void Update_Document_Actions();
     void Enable_Document_Actions(bool enable);
     void Set_Working_File(const QString& path);
+    void Import_Files(const QStringList& paths);
     void Show_No_Page();
     void Fill_View(TLabelWidget* list);
     void Refresh_Active_Page();
-    void Show_Export_Progress(int number, int total);
 
     // Labels.
     void Add_Label(const QPointF* point);
@@ -181,11 +181,12 @@ private:
     TReportHeaderDialog* Header_Dialog();
     void Open_File(const QString& name);
     bool Load_Quietly(const std::function<bool()>& load);
-    QString Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose);
+    QString Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose,
+                          const WholeDocument::TProgress& progress = nullptr);
     TAppearance Appearance() const;
     std::vector<TNamedPage> Named_Pages() const;
     bool Read_Appearance(TProjectReader* reader);
-    bool Read_Pages(TProjectReader* reader);
+    bool Read_Pages(TProjectReader* reader, TProgress* progress);
     bool Read_Page(TProjectReader* reader, int* page_id);
     void Set_Label_Color(const QString& name);
     void Read_Legacy_Appearance(const TXmlFile& xml_file);
@@ -224,7 +225,7 @@ private:
     QString d_error_text;        ///< why the last file operation failed
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
-    QElapsedTimer d_progress_clock;  ///< since progress was shown last; invalid between long works
+    TProgress::TClock d_progress_clock = TProgress::Machine_Time; ///< by which long work is shown
     bool d_filling_view = false;     ///< the view is being rebuilt from the document or a file
     bool d_has_new_document = false; ///< the last file operation replaced the document
     QLabel* d_kept_notice = nullptr; ///< tells of kept work; null when there was none

@@ -28,20 +28,14 @@ bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
     const QDateTime time = QDateTime::currentDateTime();
-    const TPageExporter exporter(&d_data, d_display_widget, [this](int number, int total) {
-        Show_Export_Progress(number, total);
+    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
+    const TPageExporter exporter(&d_data, d_display_widget, [&progress](int number, int total) {
+        progress.Step(number, total);
     });
-    const bool exported = exporter.Export_Images(page_ids, [&](int page_id, int counter) {
+    return exporter.Export_Images(page_ids, [&](int page_id, int counter) {
         return ExportNames::Image_Path(folder, d_page_widget->Page_Name(page_id), page_id, time,
                                        counter);
     });
-    Show_Progress(QString());
-    return exported;
-}
-
-void TQuillet::Show_Export_Progress(int number, int total)
-{
-    Show_Progress(tr("Exporting page %1 of %2").arg(number).arg(total));
 }
 
 void TQuillet::File_Export_Pdf()
@@ -66,11 +60,11 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
                           const TReportSettings& settings)
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
-    const TPageExporter exporter(&d_data, d_display_widget, [this](int number, int total) {
-        Show_Export_Progress(number, total);
+    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
+    const TPageExporter exporter(&d_data, d_display_widget, [&progress](int number, int total) {
+        progress.Step(number, total);
     });
     const TPageExporter::TOutcome outcome = exporter.Export_Pdf(file, pages, settings);
-    Show_Progress(QString());
     // A report that did not reach the disk whole is left out in silence.
     return outcome != TPageExporter::TOutcome::Not_Begun;
 }

@@ -123,17 +123,22 @@ bool TQuillet::Write_Data(const QString& file_name)
 {
     // The whole document is built before the file is touched: what takes long or is refused leaves
     // the old file as it is.
+    TProgress progress = New_Progress(tr("Saving page %1 of %2"));
     TProjectWriter writer;
-    const QString fault = Write_Project(&writer, WholeDocument::TPurpose::Save);
+    const QString fault =
+        Write_Project(&writer, WholeDocument::TPurpose::Save,
+                      [&progress](int number, int total) { progress.Step(number, total); });
     if (writer.Size() > TProjectWriter::Maximum_Size)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
+    progress.Go_On();
     d_safety_net->Before_Save(file_name);
     QFile file(file_name);
     if (!file.open(QIODevice::WriteOnly))
         return Fail(tr("Cannot open file for writing"));
     if (!fault.isEmpty())
         return Fail(fault);
+    progress.Go_On();
     writer.Write_To(&file);
     file.close();
     d_safety_net->After_Save(file_name, writer.Size());
@@ -142,19 +147,11 @@ bool TQuillet::Write_Data(const QString& file_name)
 
 /// Puts the document into a writer. Returns why a page's labels could not be written; empty when
 /// all went well.
-QString TQuillet::Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose)
+/// @param progress  is told of each page; may be empty.
+QString TQuillet::Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose,
+                                const WholeDocument::TProgress& progress)
 {
-    const std::vector<TNamedPage> pages = Named_Pages();
-    // A recovery copy is none of the user's doing.
-    if (purpose == WholeDocument::TPurpose::Recovery_Copy)
-        return WholeDocument::Write(Appearance(), pages, purpose, &d_data, nullptr, writer);
-    const auto show_progress = [this](int number, int total) {
-        Show_Progress(tr("Saving page %1 of %2").arg(number).arg(total));
-    };
-    const QString fault =
-        WholeDocument::Write(Appearance(), pages, purpose, &d_data, show_progress, writer);
-    Show_Progress(QString());
-    return fault;
+    return WholeDocument::Write(Appearance(), Named_Pages(), purpose, &d_data, progress, writer);
 }
 
 /// What the panels and the header dialog have of the document.
@@ -177,6 +174,7 @@ std::vector<TNamedPage> TQuillet::Named_Pages() const
 
 bool TQuillet::Load_Data(const QString& file_name)
 {
+    TProgress progress = New_Progress(tr("Opening page %1 of %2"));
     QFile file(file_name);
     if (!file.open(QIODevice::ReadOnly))
         return Fail(tr("Cannot open file for reading"));
@@ -191,7 +189,7 @@ bool TQuillet::Load_Data(const QString& file_name)
     d_data.Clear();
     d_page_widget->Clear();
     try {
-        return Read_Pages(&reader) || Fail(tr("Invalid file."));
+        return Read_Pages(&reader, &progress) || Fail(tr("Invalid file."));
     } catch (const TXmlFileException& exception) {
         return Fail(exception.Message());
     }
@@ -219,16 +217,19 @@ bool TQuillet::Read_Appearance(TProjectReader* reader)
 }
 
 /// Adds all pages and shows the last one; false when a field is damaged.
-bool TQuillet::Read_Pages(TProjectReader* reader)
+bool TQuillet::Read_Pages(TProjectReader* reader, TProgress* progress)
 {
     int page_id = -1;
     int largest_value = 0;
     const int page_count = reader->Read_Integer();
     for (int i = 0; i < page_count; ++i) {
+        progress->Step(i + 1, page_count);
         if (!Read_Page(reader, &page_id))
             return false;
         largest_value = qMax(largest_value, d_data.Item_Max_Value());
     }
+    // Only now is an image decoded.
+    progress->Go_On();
     d_page_widget->Set_Active_Page(page_id);
     d_label_widget->Set_Label_Index(TNumbering::After(largest_value));
     return true;

@@ -15,10 +15,13 @@
 
 bool TQuillet::Load_Legacy_Data(const QString& base_name)
 {
+    TProgress progress = New_Progress(tr("Opening page %1 of %2"));
+    progress.Step(1, 1);
     const TPageImage image = LegacyFile::Read_Image(base_name);
     if (image.isNull())
         return Fail(tr("Background image not found"));
 
+    progress.Go_On();
     std::vector<TDataItem> items;
     try {
         TXmlFile xml_file;
@@ -30,6 +33,7 @@ bool TQuillet::Load_Legacy_Data(const QString& base_name)
     } catch (const TXmlFileException& exception) {
         return Fail(exception.Message());
     }
+    progress.Go_On();
     Set_Legacy_Page(image, items);
     return true;
 }

@@ -32,12 +32,18 @@ void TQuillet::File_Import()
     const QStringList paths = QFileDialog::getOpenFileNames(
         this, tr("Import one or more supported image files"), d_working_dir.absolutePath(),
         tr("Image Files (*.bmp *.gif *.jpg *.jpeg *.png *.pbm *.pgm *.ppm *.xbm *.xpm)"));
+    Import_Files(paths);
+}
+
+/// Makes pages of image files, as chosen in the dialog; there may be none.
+void TQuillet::Import_Files(const QStringList& paths)
+{
+    TProgress progress = New_Progress(tr("Importing image %1 of %2"));
     int number = 0;
     for (const QString& path : paths) {
-        Show_Progress(tr("Importing image %1 of %2").arg(++number).arg(paths.size()));
+        progress.Step(++number, paths.size());
         Load_Image(path);
     }
-    Show_Progress(QString());
     if (!paths.isEmpty()) {
         Set_Working_File(paths.first());
         Mark_Changed();
