@@ -2,6 +2,7 @@
 
 #include "src/dialogparts.h"
 #include "src/itemformat.h"
+#include "src/labelpainter.h"
 #include "src/panelparts.h"
 #include "src/parentwidget.h"
 
@@ -18,8 +19,6 @@
 namespace {
 
 const QSize panel_size(315, 217); // pixels
-const int smallest_label = 16;    // pixels
-const int largest_label = 128;    // pixels
 const int default_label = 32;     // pixels
 const char* const initial_format = "Item[%1]";
 const QColor initial_color(250, 8, 50);
@@ -85,7 +84,7 @@ void TSettingsWidget::Create_Widgets()
     d_color_button->setMinimumWidth(smallest_icon + icon_margin);
     d_color_button->setFixedHeight(d_color_button->sizeHint().height());
     d_size_slider = new QSlider(Qt::Horizontal, this);
-    d_size_slider->setRange(smallest_label, largest_label);
+    d_size_slider->setRange(LabelPainter::Smallest_Label, LabelPainter::Largest_Label);
     d_size_slider->setValue(default_label);
     d_orientation_box = New_Box(orientations, this);
     d_resolution_box = New_Box(resolutions, this);
