@@ -7,10 +7,6 @@
 /// A plain value; a new one is what a document starts with.
 struct TAppearance
 {
-    /// Edges that a label can be given, in pixels of the page image.
-    static constexpr int Smallest_Label = 16;
-    static constexpr int Largest_Label = 128;
-
     int label_size = 32; ///< edge of a label in pixels of the page image
     QString color_name = QStringLiteral("#f79741");
     QString header_1; ///< may be empty

@@ -3,6 +3,7 @@
 #include "src/appearance.h"
 #include "src/dialogparts.h"
 #include "src/itemformat.h"
+#include "src/labelpainter.h"
 #include "src/panelparts.h"
 #include "src/parentwidget.h"
 
@@ -83,7 +84,7 @@ void TSettingsWidget::Create_Widgets()
     d_color_button->setMinimumWidth(smallest_icon + icon_margin);
     d_color_button->setFixedHeight(d_color_button->sizeHint().height());
     d_size_slider = new QSlider(Qt::Horizontal, this);
-    d_size_slider->setRange(TAppearance::Smallest_Label, TAppearance::Largest_Label);
+    d_size_slider->setRange(LabelPainter::Smallest_Label, LabelPainter::Largest_Label);
     d_size_slider->setValue(TAppearance().label_size);
     d_orientation_box = New_Box(orientations, this);
     d_resolution_box = New_Box(resolutions, this);
