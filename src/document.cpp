@@ -5,6 +5,8 @@
 #include "src/numbering.h"
 #include "src/projectfile.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cassert>
 
@@ -56,6 +58,11 @@ int TDocument::Add_Page(const QString& name, const TPageImage& image)
     const int page_id = data.Add_Page(image);
     pages.push_back({page_id, name});
     return page_id;
+}
+
+QString WholeDocument::Page_Name(int page_id)
+{
+    return QCoreApplication::translate("TPageWidget", "Page %1").arg(page_id);
 }
 
 QString WholeDocument::Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,

@@ -36,6 +36,9 @@ struct TDocument
 /// on what the page list knows besides it.
 namespace WholeDocument {
 
+/// What a page is called until somebody gives it another name.
+QString Page_Name(int page_id);
+
 /// What a document is written for.
 enum class TPurpose {
     Save,         ///< images become PNG; a text that cannot be written is a fault

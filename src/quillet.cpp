@@ -39,6 +39,7 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     d_data_changed = false;
     d_label_widget->setEnabled(false);
     Connect_Signals();
+    Add_Habits();
     Spread_Safety_Net();
 }
 

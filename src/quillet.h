@@ -137,6 +137,7 @@ private:
     void Restore_Docks();
     void Narrow_Docks();
     void Connect_Signals();
+    void Add_Habits();
 
     // Settings.
     void Write_Settings();
@@ -173,6 +174,7 @@ private:
     // Labels.
     void Add_Label(const QPointF* point);
     std::optional<int> Add_Label_To_View(int value, int border);
+    void Nudge_Labels(const QPointF& step);
     void Select_In_Data(const std::vector<int>& ids);
     int Renumber_Active_Page(int first_value, bool selected_only);
 

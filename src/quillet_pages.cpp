@@ -3,6 +3,7 @@
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
+#include "src/imagefiles.h"
 #include "src/labelwidget.h"
 #include "src/pageexporter.h"
 #include "src/pagewidget.h"
@@ -31,7 +32,7 @@ void TQuillet::File_Import()
     Keep_Work();
     const QStringList paths = QFileDialog::getOpenFileNames(
         this, tr("Import one or more supported image files"), d_working_dir.absolutePath(),
-        tr("Image Files (*.bmp *.gif *.jpg *.jpeg *.png *.pbm *.pgm *.ppm *.xbm *.xpm)"));
+        tr("Image Files (%1)").arg(ImageFiles::Patterns()));
     Import_Files(paths);
 }
 

@@ -1,0 +1,51 @@
+// Whatever can be saved of a damaged project.
+
+#include "cli/commandline.h"
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/terminal.h"
+#include "src/documentreader.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+const QString output_option = QStringLiteral("output");
+
+QString Translated(const char* source)
+{
+    return QCoreApplication::translate("Commands", source);
+}
+
+} // namespace
+
+void Commands::Recover(TCommandLine* line)
+{
+    line->Take_Arguments(QStringLiteral("FILE"), Translated("The damaged project."));
+    line->Take_Output(output_option, QStringLiteral("FILE"),
+                      Translated("The project to write (required)."));
+    if (!line->Parse())
+        return;
+
+    const QString path = line->Argument();
+    const QString output = line->Text(output_option);
+    Files::Check_Output(output, line->Is_Set(QStringLiteral("force")));
+    const TProjectSurvey survey =
+        ProjectSurvey::Survey(Files::Read(path), ProjectSurvey::TImages::Decode);
+    if (survey.pages.empty() && !survey.defects.empty())
+        throw TJobError{path, Files::Text(survey.defects.front())};
+    TDocument document = DocumentReader::From_Survey(survey);
+    Files::Save(output, &document);
+
+    for (const TProjectDefect& defect : survey.defects)
+        Terminal::Print(Translated("%1: lost, %2").arg(path, Files::Text(defect)));
+    std::size_t label_count = 0;
+    for (const TSurveyedPage& page : survey.pages)
+        label_count += page.items.size();
+    Terminal::Print(Translated("%1: pages: %2, labels: %3, defects: %4")
+                        .arg(output)
+                        .arg(survey.pages.size())
+                        .arg(label_count)
+                        .arg(survey.defects.size()));
+}
