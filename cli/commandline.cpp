@@ -2,18 +2,13 @@
 
 #include "cli/errors.h"
 #include "cli/terminal.h"
+#include "cli/words.h"
 
 #include <QCommandLineOption>
-#include <QCoreApplication>
 
 namespace {
 
-const QString help_option = QStringLiteral("help");
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("TCommandLine", source);
-}
+const char* const help_option = "help";
 
 } // namespace
 
@@ -33,24 +28,29 @@ void TCommandLine::Take_Arguments(const QString& name, const QString& descriptio
                                    count == TCount::One ? name : name + QStringLiteral("..."));
 }
 
-void TCommandLine::Take_Option(const QString& name, const QString& value_name,
+void TCommandLine::Take_Option(const char* option, const QString& value_name,
                                const QString& description, TNeed need)
 {
-    d_parser.addOption({name, description, value_name});
+    d_parser.addOption({QString::fromLatin1(option), description, value_name});
     if (need == TNeed::Required)
-        d_required_options += name;
+        d_required_options += QString::fromLatin1(option);
 }
 
-void TCommandLine::Take_Flag(const QString& name, const QString& description)
+void TCommandLine::Take_Flag(const char* option, const QString& description)
 {
-    d_parser.addOption({name, description});
+    d_parser.addOption({QString::fromLatin1(option), description});
 }
 
-void TCommandLine::Take_Output(const QString& name, const QString& value_name,
+void TCommandLine::Take_Output(const char* option, const QString& value_name,
                                const QString& description)
 {
-    Take_Option(name, value_name, description, TNeed::Required);
-    Take_Flag(QStringLiteral("force"), Translated("Replace files that are there already."));
+    Take_Option(option, value_name, description, TNeed::Required);
+    Take_Force();
+}
+
+void TCommandLine::Take_Force()
+{
+    Take_Flag(Options::Force, Translated("Replace files that are there already."));
 }
 
 bool TCommandLine::Parse()
@@ -65,7 +65,7 @@ bool TCommandLine::Parse()
         throw TUsageError{d_parser.errorText()};
     Check_Count();
     for (const QString& option : std::as_const(d_required_options)) {
-        if (!Is_Set(option))
+        if (!d_parser.isSet(option))
             throw TUsageError{Translated("Option '%1' is missing.").arg(option)};
     }
     return true;
@@ -82,7 +82,7 @@ void TCommandLine::Check_Count() const
         throw TUsageError{Translated("Unexpected argument '%1'.").arg(arguments.at(least_count))};
 }
 
-int TCommandLine::Number(const QString& option, int smallest, int largest) const
+int TCommandLine::Number(const char* option, int smallest, int largest) const
 {
     bool is_number = false;
     const int number = Text(option).toInt(&is_number);
@@ -91,7 +91,8 @@ int TCommandLine::Number(const QString& option, int smallest, int largest) const
     return number;
 }
 
-void TCommandLine::Refuse_Value(const QString& option) const
+void TCommandLine::Refuse_Value(const char* option) const
 {
-    throw TUsageError{Translated("Option '%1' cannot be '%2'.").arg(option, Text(option))};
+    throw TUsageError{
+        Translated("Option '%1' cannot be '%2'.").arg(QString::fromLatin1(option), Text(option))};
 }

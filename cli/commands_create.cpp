@@ -5,11 +5,11 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/terminal.h"
+#include "cli/words.h"
 #include "src/imagefiles.h"
 #include "src/numbering.h"
 
 #include <QCollator>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -19,11 +19,9 @@
 
 namespace {
 
-const QString output_option = QStringLiteral("output");
-const QString force_option = QStringLiteral("force");
-const QString names_option = QStringLiteral("names-from-files");
-const QString first_option = QStringLiteral("first");
-const QString step_option = QStringLiteral("over-page");
+const char* const names_option = "names-from-files";
+const char* const first_option = "first";
+const char* const step_option = "over-page";
 
 constexpr std::array<TOptionText, 4> steps = {{
     {"1", TNumbering::Next_1X},
@@ -31,11 +29,6 @@ constexpr std::array<TOptionText, 4> steps = {{
     {"100", TNumbering::Next_100X},
     {"1000", TNumbering::Next_1000X},
 }};
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("Commands", source);
-}
 
 /// The images of a folder, in the order in which people count: page 2 before page 10.
 QStringList Images_In(const QString& folder)
@@ -86,14 +79,14 @@ void Commands::Create(TCommandLine* line)
     line->Take_Arguments(QStringLiteral("IMAGE"),
                          Translated("Images, a page each, and folders of images."),
                          TCommandLine::TCount::One_Or_More);
-    line->Take_Output(output_option, QStringLiteral("FILE"),
+    line->Take_Output(Options::Output, QStringLiteral("FILE"),
                       Translated("The project to make (required)."));
     line->Take_Flag(names_option, Translated("Name the pages after the files."));
     if (!line->Parse())
         return;
 
-    const QString output = line->Text(output_option);
-    Files::Check_Output(output, line->Is_Set(force_option));
+    const QString output = line->Text(Options::Output);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
     const QStringList paths = Images_Of(line->Arguments());
     TDocument document;
     {
@@ -120,7 +113,7 @@ void Commands::Reindex(TCommandLine* line)
                       Translated("Each page begins with a multiple of STEP: 1 (counts on), 10, 100 "
                                  "or 1000 (required)."),
                       TCommandLine::TNeed::Required);
-    line->Take_Output(output_option, QStringLiteral("FILE"),
+    line->Take_Output(Options::Output, QStringLiteral("FILE"),
                       Translated("The project to write (required)."));
     if (!line->Parse())
         return;
@@ -128,8 +121,8 @@ void Commands::Reindex(TCommandLine* line)
     const int first_value = line->Number(first_option, std::numeric_limits<int>::min(),
                                          std::numeric_limits<int>::max());
     const int method = line->Code(step_option, steps);
-    const QString output = line->Text(output_option);
-    Files::Check_Output(output, line->Is_Set(force_option));
+    const QString output = line->Text(Options::Output);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
     TDocument document = Files::Load(line->Argument());
     WholeDocument::Number_Pages(document.Page_Ids(), first_value, method, &document.data);
     Files::Save(output, &document);

@@ -6,9 +6,9 @@
 #include "cli/files.h"
 #include "cli/pageview.h"
 #include "cli/terminal.h"
+#include "cli/words.h"
 #include "src/exportnames.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QPixmap>
@@ -17,14 +17,12 @@
 
 namespace {
 
-const QString output_option = QStringLiteral("output");
-const QString folder_option = QStringLiteral("folder");
-const QString force_option = QStringLiteral("force");
-const QString orientation_option = QStringLiteral("orientation");
-const QString resolution_option = QStringLiteral("resolution");
-const QString header_1_option = QStringLiteral("header-1");
-const QString header_2_option = QStringLiteral("header-2");
-const QString size_option = QStringLiteral("size");
+const char* const folder_option = "folder";
+const char* const orientation_option = "orientation";
+const char* const resolution_option = "resolution";
+const char* const header_1_option = "header-1";
+const char* const header_2_option = "header-2";
+const char* const size_option = "size";
 
 constexpr std::array<TOptionText, 4> orientations = {{
     {"portrait", 0},
@@ -54,11 +52,6 @@ constexpr int default_resolution = 2;
 
 constexpr int default_thumbnail = 128; // pixels
 constexpr int largest_thumbnail = 8192;
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("Commands", source);
-}
 
 void Take_Document(TCommandLine* line)
 {
@@ -143,14 +136,13 @@ void Commands::Export_Images(TCommandLine* line)
     const QStringList paths = Image_Paths(document, folder);
     QStringList new_paths;
     for (const QString& path : paths) {
-        Files::Check_Output(path, line->Is_Set(force_option));
+        Files::Check_Output(path, line->Is_Set(Options::Force));
         if (!QFileInfo::exists(path))
             new_paths += path;
     }
 
     TTerminalProgress progress(Translated("Exporting page %1 of %2"));
-    const TPageView view(&document,
-                         [&progress](int number, int total) { progress.Step(number, total); });
+    const TPageView view(&document, progress.Steps());
     QString last_path;
     const bool is_done = view.Exporter().Export_Images(
         document.Page_Ids(), [&](int, int counter) { return last_path = paths.at(counter - 1); });
@@ -163,15 +155,15 @@ void Commands::Export_Images(TCommandLine* line)
 void Commands::Export_Pdf(TCommandLine* line)
 {
     Take_Document(line);
-    line->Take_Output(output_option, QStringLiteral("FILE"),
+    line->Take_Output(Options::Output, QStringLiteral("FILE"),
                       Translated("The report to write (required)."));
     Take_Report_Options(line);
     if (!line->Parse())
         return;
 
     TReportSettings settings = Report_Settings(*line);
-    const QString output = line->Text(output_option);
-    Files::Check_Output(output, line->Is_Set(force_option));
+    const QString output = line->Text(Options::Output);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
     TDocument document = Load_Pages(line->Argument());
     settings.header_1 =
         line->Is_Set(header_1_option) ? line->Text(header_1_option) : document.appearance.header_1;
@@ -179,8 +171,7 @@ void Commands::Export_Pdf(TCommandLine* line)
         line->Is_Set(header_2_option) ? line->Text(header_2_option) : document.appearance.header_2;
 
     TTerminalProgress progress(Translated("Exporting page %1 of %2"));
-    const TPageView view(&document,
-                         [&progress](int number, int total) { progress.Step(number, total); });
+    const TPageView view(&document, progress.Steps());
     if (view.Exporter().Export_Pdf(output, document.Page_Ids(), settings) !=
         TPageExporter::TOutcome::Complete)
         Files::Fail_To_Write(output);
@@ -189,7 +180,7 @@ void Commands::Export_Pdf(TCommandLine* line)
 void Commands::Thumbnail(TCommandLine* line)
 {
     Take_Document(line);
-    line->Take_Output(output_option, QStringLiteral("PNG"),
+    line->Take_Output(Options::Output, QStringLiteral("PNG"),
                       Translated("The picture to write (required)."));
     line->Take_Option(size_option, QStringLiteral("N"),
                       Translated("Largest width and height in pixels; 128 by default."));
@@ -198,8 +189,8 @@ void Commands::Thumbnail(TCommandLine* line)
 
     const int edge = line->Is_Set(size_option) ? line->Number(size_option, 1, largest_thumbnail)
                                                : default_thumbnail;
-    const QString output = line->Text(output_option);
-    Files::Check_Output(output, line->Is_Set(force_option));
+    const QString output = line->Text(Options::Output);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
     TDocument document = Load_Pages(line->Argument());
     const TPageView view(&document, nullptr);
     const bool is_written = view.Exporter().Draw_Pages(

@@ -5,23 +5,18 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/terminal.h"
+#include "cli/words.h"
 #include "core/xmlfile.h"
 #include "src/documentreader.h"
 #include "src/legacyfile.h"
 
-#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 namespace {
 
-const QString json_option = QStringLiteral("json");
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("Commands", source);
-}
+const char* const json_option = "json";
 
 /// What is told of a page.
 struct TPageSummary

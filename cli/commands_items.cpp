@@ -4,20 +4,10 @@
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/words.h"
 #include "src/itemtable.h"
 
-#include <QCoreApplication>
-
 namespace {
-
-const QString csv_option = QStringLiteral("csv");
-const QString output_option = QStringLiteral("output");
-const QString force_option = QStringLiteral("force");
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("Commands", source);
-}
 
 std::vector<TItemRow> Read_Table(const QString& path)
 {
@@ -59,13 +49,13 @@ void Add_Labels(const std::vector<TDataItem>& labels, TData* data)
 void Commands::Export_Items(TCommandLine* line)
 {
     line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
-    line->Take_Output(csv_option, QStringLiteral("ITEMS.csv"),
+    line->Take_Output(Options::Csv, QStringLiteral("ITEMS.csv"),
                       Translated("The table to write (required)."));
     if (!line->Parse())
         return;
 
-    const QString output = line->Text(csv_option);
-    Files::Check_Output(output, line->Is_Set(force_option));
+    const QString output = line->Text(Options::Csv);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
     TDocument document = Files::Load(line->Argument());
     std::vector<TItemRow> rows;
     int number = 0;
@@ -81,16 +71,16 @@ void Commands::Export_Items(TCommandLine* line)
 void Commands::Import_Items(TCommandLine* line)
 {
     line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
-    line->Take_Option(csv_option, QStringLiteral("ITEMS.csv"),
+    line->Take_Option(Options::Csv, QStringLiteral("ITEMS.csv"),
                       Translated("The table to read (required)."), TCommandLine::TNeed::Required);
-    line->Take_Output(output_option, QStringLiteral("FILE"),
+    line->Take_Output(Options::Output, QStringLiteral("FILE"),
                       Translated("The project to write (required)."));
     if (!line->Parse())
         return;
 
-    const QString output = line->Text(output_option);
-    const QString table = line->Text(csv_option);
-    Files::Check_Output(output, line->Is_Set(force_option));
+    const QString output = line->Text(Options::Output);
+    const QString table = line->Text(Options::Csv);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
     TDocument document = Files::Load(line->Argument());
     const auto labels = Labels_By_Page(Read_Table(table), table, document.pages.size());
     for (std::size_t place = 0; place < labels.size(); ++place) {

@@ -5,11 +5,11 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/terminal.h"
+#include "cli/words.h"
 #include "src/keptfiles.h"
 #include "src/safefile.h"
 #include "src/safetynet.h"
 
-#include <QCoreApplication>
 #include <QDir>
 
 #include <algorithm>
@@ -17,14 +17,7 @@
 
 namespace {
 
-const QString copy_option = QStringLiteral("copy");
-const QString output_option = QStringLiteral("output");
-const QString force_option = QStringLiteral("force");
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("Commands", source);
-}
+const char* const copy_option = "copy";
 
 struct TListedFile
 {
@@ -83,13 +76,13 @@ void Commands::Kept(TCommandLine* line)
 {
     line->Take_Option(copy_option, QStringLiteral("N"),
                       Translated("Copy number N of the list to the file named by --output."));
-    line->Take_Option(output_option, QStringLiteral("FILE"), Translated("The file to write."));
-    line->Take_Flag(force_option, Translated("Replace files that are there already."));
+    line->Take_Option(Options::Output, QStringLiteral("FILE"), Translated("The file to write."));
+    line->Take_Force();
     if (!line->Parse())
         return;
 
     const bool is_copy = line->Is_Set(copy_option);
-    if (is_copy != line->Is_Set(output_option))
+    if (is_copy != line->Is_Set(Options::Output))
         throw TUsageError{Translated("Options 'copy' and 'output' belong together.")};
     const std::vector<TListedFile> files = Listed_Files();
     if (!is_copy) {
@@ -97,9 +90,9 @@ void Commands::Kept(TCommandLine* line)
         return;
     }
     const int number = line->Number(copy_option, 1, std::numeric_limits<int>::max());
-    const QString output = line->Text(output_option);
+    const QString output = line->Text(Options::Output);
     if (static_cast<std::size_t>(number) > files.size())
         throw TJobError{QString::number(number), Translated("no kept copy has this number")};
-    Files::Check_Output(output, line->Is_Set(force_option));
+    Files::Check_Output(output, line->Is_Set(Options::Force));
     Copy_Out(files[static_cast<std::size_t>(number) - 1].file, output);
 }

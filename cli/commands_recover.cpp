@@ -5,32 +5,20 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/terminal.h"
+#include "cli/words.h"
 #include "src/documentreader.h"
-
-#include <QCoreApplication>
-
-namespace {
-
-const QString output_option = QStringLiteral("output");
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("Commands", source);
-}
-
-} // namespace
 
 void Commands::Recover(TCommandLine* line)
 {
     line->Take_Arguments(QStringLiteral("FILE"), Translated("The damaged project."));
-    line->Take_Output(output_option, QStringLiteral("FILE"),
+    line->Take_Output(Options::Output, QStringLiteral("FILE"),
                       Translated("The project to write (required)."));
     if (!line->Parse())
         return;
 
     const QString path = line->Argument();
-    const QString output = line->Text(output_option);
-    Files::Check_Output(output, line->Is_Set(QStringLiteral("force")));
+    const QString output = line->Text(Options::Output);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
     const TProjectSurvey survey =
         ProjectSurvey::Survey(Files::Read(path), ProjectSurvey::TImages::Decode);
     if (survey.pages.empty() && !survey.defects.empty())

@@ -2,22 +2,17 @@
 
 #include "cli/errors.h"
 #include "cli/terminal.h"
+#include "cli/words.h"
 #include "core/xmlfile.h"
 #include "src/documentreader.h"
 #include "src/legacyfile.h"
 #include "src/projectfile.h"
 #include "src/safefile.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
 namespace {
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("Files", source);
-}
 
 TDocument Load_Project(const QString& path)
 {
@@ -81,9 +76,9 @@ void Files::Save(const QString& path, TDocument* document)
 {
     TTerminalProgress progress(Translated("Saving page %1 of %2"));
     TProjectWriter project;
-    const QString fault = WholeDocument::Write(
-        document->appearance, document->pages, WholeDocument::TPurpose::Save, &document->data,
-        [&progress](int number, int total) { progress.Step(number, total); }, &project);
+    const QString fault =
+        WholeDocument::Write(document->appearance, document->pages, WholeDocument::TPurpose::Save,
+                             &document->data, progress.Steps(), &project);
     if (!fault.isEmpty())
         throw TJobError{path, fault};
     if (project.Size() > TProjectWriter::Maximum_Size)

@@ -5,6 +5,7 @@
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/terminal.h"
+#include "cli/words.h"
 
 #include <QApplication>
 #include <QFile>
@@ -54,11 +55,6 @@ const std::array<TCommand, 11> commands = {{
     {"thumbnail", QT_TRANSLATE_NOOP("QuilletCli", "Draw a small picture of the first page."),
      TNeeds::Drawing, Commands::Thumbnail},
 }};
-
-QString Translated(const char* source)
-{
-    return QCoreApplication::translate("QuilletCli", source);
-}
 
 void Print_Help()
 {

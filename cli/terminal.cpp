@@ -57,3 +57,8 @@ void TTerminalProgress::Step(int number, int total)
     std::fprintf(stderr, "%s%s", new_line, text.constData());
     std::fflush(stderr);
 }
+
+std::function<void(int number, int total)> TTerminalProgress::Steps()
+{
+    return [this](int number, int total) { Step(number, total); };
+}

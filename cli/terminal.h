@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <functional>
+
 /// What the tool tells its user: results on the standard output, everything else on the standard
 /// error output.
 namespace Terminal {
@@ -32,6 +34,8 @@ public:
 
     /// A step, counted from 1, is about to begin.
     void Step(int number, int total);
+    /// The same for whoever wants to be given a function. Only valid while this object lives.
+    std::function<void(int number, int total)> Steps();
 
 private:
     QString d_pattern;
