@@ -299,8 +299,8 @@ QString TSurveyor::Text(const QString& what, const TFileField& field)
 
 TPageImage TSurveyor::Image(const TFileField& field)
 {
-    const TPageImage image = TPageImage::From_Part(d_bytes, static_cast<int>(field.begin),
-                                                   static_cast<int>(field.length));
+    TPageImage image = TPageImage::From_Part(d_bytes, static_cast<int>(field.begin),
+                                             static_cast<int>(field.length));
     // A page without an image is written with a length of 0.
     if (field.length > 0 && d_images == ProjectSurvey::TImages::Decode && image.isNull())
         Complain(field.begin, tr("the image cannot be decoded"));
@@ -310,7 +310,7 @@ TPageImage TSurveyor::Image(const TFileField& field)
 std::vector<TDataItem> TSurveyor::Items(const TFileField& field)
 {
     std::vector<TProjectDefect> defects;
-    const std::vector<TDataItem> items = ItemSurvey::Survey(Content(field), &defects);
+    std::vector<TDataItem> items = ItemSurvey::Survey(Content(field), &defects);
     for (const TProjectDefect& defect : defects)
         Complain(field.begin + defect.offset, defect.what);
     return items;
