@@ -260,6 +260,7 @@ TItemRow TRowReader::Row(const TRecord& record) const
     row.item.text = Field(record, Text);
     row.item.border_type = Border_Type(record);
     row.item.position = {Coordinate(record, X), Coordinate(record, Y)};
+    row.line = record.line;
     return row;
 }
 

@@ -12,6 +12,7 @@ struct TItemRow
 {
     int page = 1;   ///< number of the page, from 1
     TDataItem item; ///< its id is not part of the table
+    int line = 0;   ///< of a table that was read, from 1: where the record begins
 };
 
 /// What ItemTable::Read throws, by value.
