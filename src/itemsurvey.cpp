@@ -173,8 +173,9 @@ void TItemSurveyor::Read_Fragment(const QByteArray& fragment)
         int version = 0;
         xml_file.Open_Data(Alone(fragment), ItemXml::Root_Name, &version, true);
         Read_Item(xml_file, xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, false));
-    } catch (const TXmlFileException& exception) {
-        Complain(exception.Message());
+    } catch (const TXmlFileException&) {
+        // The parser's words tell a place that is none in this document.
+        Complain(tr("is no well-formed element"));
     }
 }
 

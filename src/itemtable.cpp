@@ -314,7 +314,7 @@ void TRowReader::Refuse(const TRecord& record, TColumn column, const QString& fi
 QString Decoded(const QByteArray& table)
 {
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    const QString text =
+    QString text =
         QTextCodec::codecForName("UTF-8")->toUnicode(table.constData(), table.size(), &state);
     if (state.invalidChars == 0 && state.remainingChars == 0)
         return text;

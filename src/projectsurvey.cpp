@@ -19,6 +19,11 @@ constexpr qint64 color_begin = 3 * integer_size;
 constexpr qint64 color_length = 7; ///< of "#rrggbb"
 constexpr qint64 least_record = 3 * integer_size;
 
+bool Is_Color(const QByteArray& name)
+{
+    return QColor::isValidColor(QString::fromLatin1(name));
+}
+
 class TSurveyor
 {
     Q_DECLARE_TR_FUNCTIONS(ProjectSurvey)
@@ -39,6 +44,7 @@ private:
     bool Read_Color(qint64* place);
     bool Read_Header_Line(const QString& what, QString* line, qint64* place);
     bool Read_Page_Count(qint64 place);
+    bool Is_Led_Astray() const;
     void Read_Pages(bool begin_is_sure);
     void Read_Record(const TPageRecord& record);
     void Check_Page_Count();
@@ -118,10 +124,10 @@ bool TSurveyor::Read_Header()
 bool TSurveyor::Read_Color(qint64* place)
 {
     std::optional<TFileField> field = d_finder.Field_At(*place);
+    const bool is_good = field && Is_Color(Content(*field));
     // A length is damaged more easily than a name that is still a good one.
     const TFileField usual{color_begin, color_length};
-    const QByteArray usual_name = Content(usual);
-    if (usual_name.startsWith('#') && QColor::isValidColor(QString::fromLatin1(usual_name)))
+    if (!is_good && d_bytes.size() >= usual.End() && Is_Color(Content(usual)))
         field = usual;
     Check_Length(tr("the colour name"), *place, field);
     if (!field)
@@ -152,13 +158,23 @@ bool TSurveyor::Read_Page_Count(qint64 place)
         Complain(place, tr("the file ends where the page count should be"));
         return true;
     }
-    // A length that is too large swallows others, which have zero bytes.
-    if (!d_has_zero_bytes || d_finder.Is_Boundary(d_position) ||
-        !d_finder.Has_Record_After(color_begin))
+    if (!Is_Led_Astray())
         return true;
     Complain(color_place, tr("the lengths at the beginning do not lead to the first page"));
     d_page_count.reset();
     return false;
+}
+
+/// Whether the lengths before the pages lie within the file and are wrong all the same.
+bool TSurveyor::Is_Led_Astray() const
+{
+    if (d_finder.Is_Boundary(d_position) || !d_finder.Has_Record_After(color_begin))
+        return false;
+    // A length that is too large swallows others, which have zero bytes. One that is wrong by a
+    // little leads a little past the first page.
+    const TPageRecord record = d_finder.Find_After(color_begin);
+    const qint64 distance = record.name ? qAbs(record.begin - d_position) : 0;
+    return d_has_zero_bytes || (distance > 0 && distance < least_record);
 }
 
 void TSurveyor::Read_Pages(bool begin_is_sure)
@@ -283,8 +299,8 @@ QString TSurveyor::Text(const QString& what, const TFileField& field)
 
 TPageImage TSurveyor::Image(const TFileField& field)
 {
-    const TPageImage image = TPageImage::From_Part(d_bytes, static_cast<int>(field.begin),
-                                                   static_cast<int>(field.length));
+    TPageImage image = TPageImage::From_Part(d_bytes, static_cast<int>(field.begin),
+                                             static_cast<int>(field.length));
     // A page without an image is written with a length of 0.
     if (field.length > 0 && d_images == ProjectSurvey::TImages::Decode && image.isNull())
         Complain(field.begin, tr("the image cannot be decoded"));
@@ -294,7 +310,7 @@ TPageImage TSurveyor::Image(const TFileField& field)
 std::vector<TDataItem> TSurveyor::Items(const TFileField& field)
 {
     std::vector<TProjectDefect> defects;
-    const std::vector<TDataItem> items = ItemSurvey::Survey(Content(field), &defects);
+    std::vector<TDataItem> items = ItemSurvey::Survey(Content(field), &defects);
     for (const TProjectDefect& defect : defects)
         Complain(field.begin + defect.offset, defect.what);
     return items;
