@@ -1,8 +1,9 @@
-// The project container, field by field, with its images and label documents.
+// The project container, field by field, with its images and label documents; and a survey of it.
 
 #include "src/data.h"
 #include "src/itemlist.h"
 #include "src/projectfile.h"
+#include "src/projectsurvey.h"
 
 #include "core/xmlfile.h"
 
@@ -39,7 +40,9 @@ void Read_Page(TProjectReader* reader, TData* data)
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, size_t size)
 {
-    TProjectReader reader(QByteArray(reinterpret_cast<const char*>(bytes), static_cast<int>(size)));
+    const QByteArray file(reinterpret_cast<const char*>(bytes), static_cast<int>(size));
+    ProjectSurvey::Survey(file);
+    TProjectReader reader(file);
     if (!reader.Read_Magic() || !Goes_On(reader))
         return 0;
     reader.Read_Integer();

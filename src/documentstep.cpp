@@ -42,7 +42,7 @@ TRowsChange::TRowsChange(const TPageRows& before, const TPageRows& after)
     for (int place = 0; place < static_cast<int>(before.size()); ++place)
         places.insert(before[place].page_id, place);
     std::vector<int> origins; // places in the list before; -1 for a row that is not the same there
-    for (const TPageRow& row : after) {
+    for (const TNamedPage& row : after) {
         const int place = places.value(row.page_id, -1);
         origins.push_back(place >= 0 && before[place] == row ? place : -1);
     }
@@ -80,7 +80,7 @@ void TRowsChange::Swap(TPageRows* rows)
     QSet<int> leaving;
     for (const auto& row : d_here)
         leaving.insert(row.second.page_id);
-    const auto leaves = [&leaving](const TPageRow& row) { return leaving.contains(row.page_id); };
+    const auto leaves = [&leaving](const TNamedPage& row) { return leaving.contains(row.page_id); };
     rows->erase(std::remove_if(rows->begin(), rows->end(), leaves), rows->end());
 
     TPageRows all;
@@ -103,16 +103,15 @@ void TDocumentStep::Note_Rows(const TPageRows& before, const TPageRows& after)
     d_rows = TRowsChange(first, after);
 }
 
-void TDocumentStep::Note_Appearance(const TAppearance& before, const TAppearance& after)
+void TDocumentStep::Note_Look(const TLabelLook& before, const TLabelLook& after)
 {
-    if (!d_appearance && before != after)
-        d_appearance = before;
+    if (!d_look && before != after)
+        d_look = before;
 }
 
-bool TDocumentStep::Is_Void(const TData& model, const TAppearance& appearance) const
+bool TDocumentStep::Is_Void(const TData& model, const TLabelLook& look) const
 {
-    return d_rows.Is_Empty() && (!d_appearance || *d_appearance == appearance) &&
-           data.Is_Void(model);
+    return d_rows.Is_Empty() && (!d_look || *d_look == look) && data.Is_Void(model);
 }
 
 std::vector<int> TDocumentStep::Touched_Pages() const
@@ -127,6 +126,6 @@ void TDocumentStep::Swap(TData* model, TDocumentFacts* facts)
 {
     model->Swap(&data);
     d_rows.Swap(&facts->page_rows);
-    if (d_appearance)
-        std::swap(*d_appearance, facts->appearance);
+    if (d_look)
+        std::swap(*d_look, facts->look);
 }

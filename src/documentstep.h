@@ -1,47 +1,31 @@
 #pragma once
 
 #include "src/datachange.h"
+#include "src/document.h"
 
 #include <QColor>
-#include <QString>
 
 #include <optional>
 #include <utility>
 #include <vector>
 
-/// A page as the page list has it. The order and the names of pages belong to the document, but
-/// the model does not know them.
-struct TPageRow
-{
-    int page_id = 0;
-    QString name;
-};
-
-inline bool operator==(const TPageRow& left, const TPageRow& right)
-{
-    return left.page_id == right.page_id && left.name == right.name;
-}
-
-inline bool operator!=(const TPageRow& left, const TPageRow& right)
-{
-    return !(left == right);
-}
-
-using TPageRows = std::vector<TPageRow>;
+/// The page list: the order and the names of pages belong to the document, but the model does not
+/// know them.
+using TPageRows = std::vector<TNamedPage>;
 
 /// How all labels of the document look.
-struct TAppearance
+struct TLabelLook
 {
-    int label_size = 0; ///< in page-image pixels
-    QColor label_color;
+    int size = 0; ///< edge of a label in page-image pixels
+    QColor color;
 };
 
-inline bool operator==(const TAppearance& left, const TAppearance& right)
+inline bool operator==(const TLabelLook& left, const TLabelLook& right)
 {
-    return left.label_size == right.label_size && left.label_color == right.label_color;
+    return left.size == right.size && left.color == right.color;
 }
 
-inline bool operator!=(const TAppearance& left, const TAppearance& right)
+inline bool operator!=(const TLabelLook& left, const TLabelLook& right)
 {
     return !(left == right);
 }
@@ -50,7 +34,7 @@ inline bool operator!=(const TAppearance& left, const TAppearance& right)
 struct TDocumentFacts
 {
     TPageRows page_rows;
-    TAppearance appearance;
+    TLabelLook look;
 };
 
 /// A difference between two page lists, no larger than it has to be: rows that keep their order
@@ -70,7 +54,7 @@ public:
 
 private:
     /// Rows with their places in a list that has them, from the top.
-    using TPlacedRows = std::vector<std::pair<int, TPageRow>>;
+    using TPlacedRows = std::vector<std::pair<int, TNamedPage>>;
 
     TPlacedRows d_here;  ///< only in the list as it is now
     TPlacedRows d_there; ///< only in the other one
@@ -85,10 +69,10 @@ public:
 
     /// Note how the rest has changed since the step began, or since it was noted last.
     void Note_Rows(const TPageRows& before, const TPageRows& after);
-    void Note_Appearance(const TAppearance& before, const TAppearance& after);
+    void Note_Look(const TLabelLook& before, const TLabelLook& after);
 
     /// Whether the document is as it was before the step, and looks like that.
-    bool Is_Void(const TData& model, const TAppearance& appearance) const;
+    bool Is_Void(const TData& model, const TLabelLook& look) const;
     /// Ids of the pages that the step changed; none when it only changed how all of them look.
     std::vector<int> Touched_Pages() const;
     /// Exchanges the two states: the document's and the other one.
@@ -96,5 +80,5 @@ public:
 
 private:
     TRowsChange d_rows;
-    std::optional<TAppearance> d_appearance; ///< the other one; empty when both are the same
+    std::optional<TLabelLook> d_look; ///< the other one; empty when both are the same
 };

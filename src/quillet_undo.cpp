@@ -24,11 +24,11 @@
 namespace {
 
 /// Ids of pages in ascending order.
-std::vector<int> Ids_Of(const std::vector<TPageRow>& rows)
+std::vector<int> Ids_Of(const std::vector<TNamedPage>& rows)
 {
     std::vector<int> ids;
     ids.reserve(rows.size());
-    for (const TPageRow& row : rows)
+    for (const TNamedPage& row : rows)
         ids.push_back(row.page_id);
     std::sort(ids.begin(), ids.end());
     return ids;
@@ -44,7 +44,7 @@ std::vector<int> Ids_Of(const TData& data)
     return ids;
 }
 
-bool Is_Same_Page(const TPageRow& left, const TPageRow& right)
+bool Is_Same_Page(const TNamedPage& left, const TNamedPage& right)
 {
     return left.page_id == right.page_id;
 }
@@ -97,7 +97,7 @@ void TQuillet::Begin_Step(TStepKind kind, int subject, int count)
 {
     if (d_step_depth == 0) {
         Note_Page_List();
-        d_history->Begin(kind, subject, count, Appearance());
+        d_history->Begin(kind, subject, count, Label_Look());
     }
     ++d_step_depth;
 }
@@ -108,12 +108,12 @@ void TQuillet::End_Step()
     if (d_step_depth > 0)
         return;
     if (d_has_new_rows) {
-        std::vector<TPageRow> rows = Page_Rows();
+        std::vector<TNamedPage> rows = Named_Pages();
         d_history->Note_Rows(d_page_rows, rows);
         d_page_rows.swap(rows);
         d_has_new_rows = false;
     }
-    if (d_history->End(Appearance()))
+    if (d_history->End(Label_Look()))
         d_undo_keys->Note_Step();
 }
 
@@ -131,12 +131,12 @@ void TQuillet::Note_Page_List()
 {
     if (!d_history || d_step_depth > 0 || !d_has_new_rows)
         return;
-    const std::vector<TPageRow> rows = Page_Rows();
+    const std::vector<TNamedPage> rows = Named_Pages();
     // A page that is missing comes back with the end of a drag.
     if (Ids_Of(rows) != Ids_Of(d_data))
         return;
     d_has_new_rows = false;
-    const std::vector<TPageRow> before = std::exchange(d_page_rows, rows);
+    const std::vector<TNamedPage> before = std::exchange(d_page_rows, rows);
     if (before == rows || Ids_Of(before) != Ids_Of(rows))
         return;
 
@@ -144,11 +144,11 @@ void TQuillet::Note_Page_List()
     const bool is_in_order =
         std::equal(before.cbegin(), before.cend(), rows.cbegin(), Is_Same_Page);
     if (is_in_order)
-        d_history->Begin(TStepKind::Rename_Page, touched.front(), 1, Appearance());
+        d_history->Begin(TStepKind::Rename_Page, touched.front(), 1, Label_Look());
     else
-        d_history->Begin(TStepKind::Move_Pages, 0, static_cast<int>(touched.size()), Appearance());
+        d_history->Begin(TStepKind::Move_Pages, 0, static_cast<int>(touched.size()), Label_Look());
     d_history->Note_Rows(before, rows);
-    if (d_history->End(Appearance()))
+    if (d_history->End(Label_Look()))
         d_undo_keys->Note_Step();
     Note_Work();
 }
@@ -163,17 +163,7 @@ void TQuillet::Forget_Steps()
     d_has_new_rows = true;
 }
 
-std::vector<TPageRow> TQuillet::Page_Rows() const
-{
-    std::vector<TPageRow> rows;
-    const QList<int> page_ids = d_page_widget->Page_Ids();
-    rows.reserve(static_cast<std::size_t>(page_ids.size()));
-    for (const int page_id : page_ids)
-        rows.push_back({page_id, d_page_widget->Page_Name(page_id)});
-    return rows;
-}
-
-TAppearance TQuillet::Appearance() const
+TLabelLook TQuillet::Label_Look() const
 {
     return {d_display_widget->Label_Size().width(), d_display_widget->Label_Color()};
 }
@@ -187,21 +177,21 @@ TShownState TQuillet::Shown_State() const
 void TQuillet::Undo()
 {
     Note_Page_List();
-    if (const auto outcome = d_history->Undo({d_page_rows, Appearance()}))
+    if (const auto outcome = d_history->Undo({d_page_rows, Label_Look()}))
         Show_Outcome(*outcome);
 }
 
 void TQuillet::Redo()
 {
     Note_Page_List();
-    if (const auto outcome = d_history->Redo({d_page_rows, Appearance()}))
+    if (const auto outcome = d_history->Redo({d_page_rows, Label_Look()}))
         Show_Outcome(*outcome);
 }
 
 /// Brings page list, view and panels into line with a document that a step has left.
 void TQuillet::Show_Outcome(const TStepOutcome& outcome)
 {
-    Show_Appearance(outcome.facts.appearance);
+    Show_Look(outcome.facts.look);
     const std::vector<int> selected = d_page_widget->Selected_Pages();
     Show_Page_Rows(outcome.facts.page_rows);
     const std::vector<int> pages = Pages_To_Show(outcome);
@@ -224,24 +214,24 @@ void TQuillet::Show_Outcome(const TStepOutcome& outcome)
     statusBar()->showMessage(outcome.message, message_milliseconds);
 }
 
-void TQuillet::Show_Appearance(const TAppearance& appearance)
+void TQuillet::Show_Look(const TLabelLook& look)
 {
-    if (appearance == Appearance())
+    if (look == Label_Look())
         return;
     const QSignalBlocker blocker(d_settings_widget);
-    d_settings_widget->Set_Label_Size(appearance.label_size);
-    d_settings_widget->Set_Label_Color(appearance.label_color);
-    Show_Label_Size(appearance.label_size);
-    d_display_widget->Set_Label_Color(appearance.label_color);
+    d_settings_widget->Set_Label_Size(look.size);
+    d_settings_widget->Set_Label_Color(look.color);
+    Show_Label_Size(look.size);
+    d_display_widget->Set_Label_Color(look.color);
 }
 
-void TQuillet::Show_Page_Rows(const std::vector<TPageRow>& rows)
+void TQuillet::Show_Page_Rows(const std::vector<TNamedPage>& rows)
 {
     if (rows == d_page_rows)
         return;
     const QSignalBlocker blocker(d_page_widget);
     d_page_widget->Clear();
-    for (const TPageRow& row : rows) {
+    for (const TNamedPage& row : rows) {
         d_page_widget->Add_Page(row.page_id);
         d_page_widget->Set_Page_Name(row.page_id, row.name);
     }
@@ -254,7 +244,7 @@ std::vector<int> TQuillet::Pages_To_Show(const TStepOutcome& outcome) const
 {
     const std::vector<int>& selected = outcome.shown.pages;
     const QSet<int> touched(outcome.pages.cbegin(), outcome.pages.cend());
-    const auto is_touched = [&touched](const TPageRow& row) {
+    const auto is_touched = [&touched](const TNamedPage& row) {
         return touched.contains(row.page_id);
     };
     const auto first = std::find_if(d_page_rows.cbegin(), d_page_rows.cend(), is_touched);

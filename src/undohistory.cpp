@@ -87,7 +87,7 @@ TUndoHistory::TUndoHistory(TData* data, TShown shown)
 
 TUndoHistory::~TUndoHistory() = default;
 
-void TUndoHistory::Begin(TStepKind kind, int subject, int count, const TAppearance& appearance)
+void TUndoHistory::Begin(TStepKind kind, int subject, int count, const TLabelLook& look)
 {
     const bool continues =
         d_last && d_last->kind == kind && d_last->subject == subject && Name_Of(kind).may_continue;
@@ -96,7 +96,7 @@ void TUndoHistory::Begin(TStepKind kind, int subject, int count, const TAppearan
         d_new = std::make_unique<TCommand>(this, kind, subject, count);
         d_new->before = d_shown();
     }
-    d_appearance = appearance;
+    d_look = look;
     d_data->Set_Record(continues ? &d_last->step.data : &d_new->step.data);
 }
 
@@ -105,12 +105,12 @@ void TUndoHistory::Note_Rows(const TPageRows& before, const TPageRows& after)
     (d_new ? d_new.get() : d_last)->step.Note_Rows(before, after);
 }
 
-bool TUndoHistory::End(const TAppearance& appearance)
+bool TUndoHistory::End(const TLabelLook& look)
 {
     d_data->Set_Record(nullptr);
     TDocumentStep& step = (d_new ? d_new.get() : d_last)->step;
-    step.Note_Appearance(d_appearance, appearance);
-    const bool is_void = step.Is_Void(*d_data, appearance);
+    step.Note_Look(d_look, look);
+    const bool is_void = step.Is_Void(*d_data, look);
     if (!d_new) {
         if (is_void)
             Drop_Last();

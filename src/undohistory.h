@@ -78,12 +78,12 @@ public:
     ///                    says it all. A step goes on with the last one when kind and subject are
     ///                    the same.
     /// @param count       how many labels, pages or images it is about.
-    /// @param appearance  how labels look before it.
-    void Begin(TStepKind kind, int subject, int count, const TAppearance& appearance);
+    /// @param look  how labels look before it.
+    void Begin(TStepKind kind, int subject, int count, const TLabelLook& look);
     /// The page list has changed since the step began.
     void Note_Rows(const TPageRows& before, const TPageRows& after);
     /// The step has ended; returns whether it changed anything.
-    bool End(const TAppearance& appearance);
+    bool End(const TLabelLook& look);
 
     /// The next step does not go on with the last one, whatever it is.
     void Break();
@@ -111,6 +111,6 @@ private:
     QUndoStack d_stack;
     std::unique_ptr<TCommand> d_new; ///< the step that has begun, unless it continues the last one
     TCommand* d_last = nullptr;      ///< on the stack; what may be continued, null if nothing may
-    TAppearance d_appearance;        ///< when the step began
+    TLabelLook d_look;               ///< when the step began
     TDocumentFacts* d_facts = nullptr; ///< what the stack works on while it goes to another state
 };

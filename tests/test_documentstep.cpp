@@ -21,7 +21,7 @@ TPageRows Rows(const std::vector<int>& page_ids)
 QString In_Words(const TPageRows& rows)
 {
     QStringList words;
-    for (const TPageRow& row : rows)
+    for (const TNamedPage& row : rows)
         words += QString("%1=%2").arg(row.page_id).arg(row.name);
     return words.join(", ");
 }
@@ -154,8 +154,8 @@ void TestDocumentStep::a_size_that_comes_back_is_no_step()
     TData model;
     TDocumentStep step;
     QVERIFY(step.Is_Void(model, {32, Qt::red}));
-    step.Note_Appearance({32, Qt::red}, {33, Qt::red});
-    step.Note_Appearance({33, Qt::red}, {34, Qt::red});
+    step.Note_Look({32, Qt::red}, {33, Qt::red});
+    step.Note_Look({33, Qt::red}, {34, Qt::red});
     QVERIFY(!step.Is_Void(model, {34, Qt::red}));
     QVERIFY(step.Is_Void(model, {32, Qt::red}));
     QVERIFY(!step.Is_Void(model, {32, Qt::blue}));
@@ -170,20 +170,20 @@ void TestDocumentStep::a_step_goes_back_and_forth()
     const int page_id = model.Add_Page();
     model.Set_Record(nullptr);
     step.Note_Rows({}, Rows({page_id}));
-    step.Note_Appearance({32, Qt::red}, {40, Qt::blue});
+    step.Note_Look({32, Qt::red}, {40, Qt::blue});
     QCOMPARE(step.Touched_Pages(), (std::vector<int>{page_id, page_id}));
 
     TDocumentFacts facts{Rows({page_id}), {40, Qt::blue}};
     step.Swap(&model, &facts);
     QCOMPARE(model.Page_Count(), 0);
     QCOMPARE(facts.page_rows.size(), std::size_t(0));
-    QCOMPARE(facts.appearance.label_size, 32);
-    QCOMPARE(facts.appearance.label_color, QColor(Qt::red));
+    QCOMPARE(facts.look.size, 32);
+    QCOMPARE(facts.look.color, QColor(Qt::red));
     step.Swap(&model, &facts);
     QCOMPARE(model.Page_Index(page_id), 0);
     QCOMPARE(facts.page_rows.size(), std::size_t(1));
-    QCOMPARE(facts.appearance.label_size, 40);
-    QCOMPARE(facts.appearance.label_color, QColor(Qt::blue));
+    QCOMPARE(facts.look.size, 40);
+    QCOMPARE(facts.look.color, QColor(Qt::blue));
 }
 
 QTEST_GUILESS_MAIN(TestDocumentStep)

@@ -38,6 +38,7 @@ private slots:
     void changing_a_text();
     void changing_borders();
     void dragging_a_label();
+    void nudging_labels();
     void adding_a_page();
     void removing_pages();
     void naming_a_page();
@@ -321,6 +322,18 @@ void TestUndo::dragging_a_label()
 {
     Support::Click_Row(Labels(), 0);
     Check([this] { Drag(11, QPoint(30, 20)); }, "move label");
+}
+
+void TestUndo::nudging_labels()
+{
+    Labels()->selectAll();
+    const auto nudge = [this] {
+        for (int i = 0; i < 3; ++i)
+            Press(Window().d_display_widget, Qt::Key_Right, Qt::ControlModifier);
+        Press(Window().d_display_widget, Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(Window().d_data.Item(2).position, QPointF(153, 70));
+    };
+    Check(nudge, "move 3 labels");
 }
 
 void TestUndo::adding_a_page()
