@@ -16,6 +16,7 @@ QBoxLayout* DialogParts::Button_Row(QPushButton* accept, QDialog* dialog)
 {
     auto* const cancel = new QPushButton(QDialog::tr("Cancel"), dialog);
     cancel->setAutoDefault(false);
+    cancel->setAccessibleDescription(QDialog::tr("Closes the dialog, and nothing is done."));
     // The accepting button exists already; Tab reaches it last all the same, as it stands last.
     QWidget::setTabOrder(cancel, accept);
 

@@ -1,5 +1,6 @@
 #include "src/labelwidget.h"
 
+#include "src/accessibility.h"
 #include "src/itemformat.h"
 #include "src/numbering.h"
 #include "src/panelparts.h"
@@ -73,9 +74,15 @@ void TLabelWidget::Create_Widgets()
 {
     // The order of creation is the order in which the tabulator key visits the widgets.
     d_list = new TRowList(this);
-    d_list->setAccessibleName(tr("Item List"));
-    d_add_button = PanelParts::New_Button(tr("+"), tr("Add Item"), this);
-    d_remove_button = PanelParts::New_Button(tr("-"), tr("Remove Item"), this);
+    Accessibility::Describe(
+        d_list, tr("Item List"),
+        tr("The labels of the page. Delete removes the selected ones after a question; Alt with "
+           "the arrow keys up and down moves them in the list."));
+    d_add_button =
+        PanelParts::New_Button(tr("+"), tr("Add Item"),
+                               tr("Adds a label in the corner of what is seen of the page."), this);
+    d_remove_button = PanelParts::New_Button(
+        tr("-"), tr("Remove Item"), tr("Removes the selected labels after a question."), this);
     d_value_editor = New_Editor(tr("Item Value"), this);
     d_text_editor = New_Editor(tr("Item Text"), this);
     d_border_box = new QComboBox(this);
@@ -94,9 +101,14 @@ void TLabelWidget::Arrange_Widgets()
     buttons->addWidget(d_remove_button);
 
     auto* const editors = new QGridLayout;
-    PanelParts::Add_Row(editors, 0, tr("Item Value:"), d_value_editor);
-    PanelParts::Add_Row(editors, 1, tr("Item Text:"), d_text_editor);
-    PanelParts::Add_Row(editors, 2, tr("Border Type:"), d_border_box);
+    PanelParts::Add_Row(
+        editors, 0, tr("Item Value:"), d_value_editor,
+        tr("The number of the selected label; without a selection, of the next new one."));
+    PanelParts::Add_Row(
+        editors, 1, tr("Item Text:"), d_text_editor,
+        tr("What the selected label shows in place of its number. Return takes it over."));
+    PanelParts::Add_Row(editors, 2, tr("Border Type:"), d_border_box,
+                        tr("The border of the selected labels; without a selection, of new ones."));
 
     auto* const panel = new QVBoxLayout(this);
     PanelParts::Set_Margins(panel);

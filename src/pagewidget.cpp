@@ -1,5 +1,6 @@
 #include "src/pagewidget.h"
 
+#include "src/accessibility.h"
 #include "src/panelparts.h"
 #include "src/parentwidget.h"
 #include "src/rowlist.h"
@@ -34,14 +35,21 @@ void TPageWidget::Create_Widgets()
 {
     // The order of creation is the order in which the tabulator key visits the widgets.
     d_list = new TRowList(this);
-    d_list->setAccessibleName(tr("Page List"));
+    Accessibility::Describe(
+        d_list, tr("Page List"),
+        tr("The pages of the document; the one that is selected is shown. Delete removes the "
+           "selected ones after a question; Alt with the arrow keys up and down moves them."));
     d_list->setMinimumHeight(least_list_height);
     d_name_editor = new QLineEdit(this);
     d_name_editor->setAlignment(Qt::AlignCenter);
     d_name_editor->setToolTip(tr("Page Item Name"));
-    d_name_editor->setAccessibleName(tr("Page Item Name"));
-    d_add_button = PanelParts::New_Button(tr("+"), tr("Add Page"), this);
-    d_remove_button = PanelParts::New_Button(tr("-"), tr("Remove Page"), this);
+    Accessibility::Describe(d_name_editor, tr("Page Item Name"),
+                            tr("The name of the selected page."));
+    d_add_button = PanelParts::New_Button(tr("+"), tr("Add Page"),
+                                          tr("Adds an empty page at the end of the list."), this);
+    d_remove_button = PanelParts::New_Button(
+        tr("-"), tr("Remove Page"),
+        tr("Removes the selected pages with all their labels after a question."), this);
 }
 
 void TPageWidget::Arrange_Widgets()

@@ -1,5 +1,7 @@
 #include "src/panelparts.h"
 
+#include "src/accessibility.h"
+
 #include <QGridLayout>
 #include <QLabel>
 #include <QToolButton>
@@ -39,22 +41,23 @@ public:
 
 } // namespace
 
-QToolButton* New_Button(const QString& sign, const QString& tool_tip, QWidget* parent)
+QToolButton* New_Button(const QString& sign, const QString& tool_tip, const QString& description,
+                        QWidget* parent)
 {
     auto* const button = new QToolButton(parent);
     button->setFixedSize(button_size);
     button->setText(sign);
     button->setToolTip(tool_tip);
-    button->setAccessibleName(tool_tip);
+    Accessibility::Describe(button, tool_tip, description);
     return button;
 }
 
-void Add_Row(QGridLayout* grid, int row, const QString& caption, QWidget* editor)
+void Add_Row(QGridLayout* grid, int row, const QString& caption, QWidget* editor,
+             const QString& description)
 {
     auto* const label = new TCaption(caption, editor->parentWidget());
     label->setBuddy(editor);
-    QString name = caption;
-    editor->setAccessibleName(name.remove(QLatin1Char(':')));
+    Accessibility::Describe(editor, Accessibility::Name_Of_Caption(caption), description);
     grid->addWidget(label, row, 0);
     grid->addWidget(editor, row, 1);
     // The editors give way first: captions break into lines only when the editors are at their

@@ -3,6 +3,7 @@
 
 #include "src/quillet.h"
 
+#include "src/accessibility.h"
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
@@ -18,6 +19,7 @@
 #include <QSlider>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -93,8 +95,22 @@ void TQuillet::Create_Tool_Bar()
 {
     auto* tool_bar = new QToolBar(tr("Tool Bar"), this);
     addToolBar(Qt::TopToolBarArea, tool_bar);
+    // So far it has one button, which comes to be seen where the others find no room.
+    Accessibility::Describe(tool_bar->findChild<QToolButton*>(), tr("More"),
+                            tr("Shows the buttons for which the tool bar has no room."));
     Add_Actions(tool_bar, {d_action_new, nullptr, d_action_open, d_action_save, nullptr,
                            d_action_import, d_action_export_images, d_action_export_pdf});
+
+    const std::pair<QAction*, QString> descriptions[] = {
+        {d_action_new, tr("Begins a new document.")},
+        {d_action_open, tr("Opens a document.")},
+        {d_action_save, tr("Saves the document.")},
+        {d_action_import, tr("Makes pages of image files.")},
+        {d_action_export_images, tr("Writes the pages with their labels as image files.")},
+        {d_action_export_pdf, tr("Writes the pages with their labels as a report in PDF.")},
+    };
+    for (const auto& [action, description] : descriptions)
+        tool_bar->widgetForAction(action)->setAccessibleDescription(description);
 }
 
 void TQuillet::Create_Status_Bar()
@@ -105,7 +121,9 @@ void TQuillet::Create_Status_Bar()
     d_zoom_slider->setRange(-100, 100);
     d_zoom_slider->setValue(0);
     d_zoom_slider->setToolTip(tr("Image Magnification"));
-    d_zoom_slider->setAccessibleName(tr("Image Magnification"));
+    Accessibility::Describe(d_zoom_slider, tr("Image Magnification"),
+                            tr("How large the page is shown. Ctrl with the wheel of the mouse over "
+                               "the page moves it."));
     d_zoom_label = new QLabel(tr("1.00 X"), zoom);
     zoom_caption->setBuddy(d_zoom_slider);
 
@@ -160,7 +178,12 @@ void TQuillet::Create_Central_Widget()
     d_display_widget = new TDisplayWidget(central);
     d_display_widget->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     d_display_widget->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    d_display_widget->setAccessibleName(tr("Page"));
+    const QString use = tr(
+        "The page with its labels. Arrow keys scroll it; with Ctrl they move the labels that are "
+        "selected in the item list by one pixel of the page image, with Ctrl and Shift by ten.");
+    for (QWidget* const widget :
+         {static_cast<QWidget*>(d_display_widget), d_display_widget->viewport()})
+        Accessibility::Describe(widget, tr("Page"), use);
     layout->addWidget(d_display_widget);
 
     constexpr int notice_points = 8;

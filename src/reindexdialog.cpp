@@ -1,5 +1,6 @@
 #include "src/reindexdialog.h"
 
+#include "src/accessibility.h"
 #include "src/dialogparts.h"
 #include "src/numbering.h"
 #include "src/parentwidget.h"
@@ -44,11 +45,12 @@ void Add_Group_Title(const QString& title, TRow row, int row_count, QDialog* dia
 }
 
 /// Adds a row of an input widget with the text that names it.
-void Add_Input(const QString& text, QWidget* input, TRow row, QDialog* dialog, QGridLayout* grid)
+void Add_Input(const QString& text, QWidget* input, const QString& description, TRow row,
+               QDialog* dialog, QGridLayout* grid)
 {
     auto* const label = new QLabel(text, dialog);
-    // Screen readers learn what the input is from the label it is the buddy of.
     label->setBuddy(input);
+    Accessibility::Describe(input, Accessibility::Name_Of_Caption(text), description);
     grid->addWidget(label, row, 2);
     grid->addWidget(input, row, 3);
 }
@@ -98,7 +100,8 @@ void TReindexDialog::Build_Parameters(QGridLayout* grid)
 
     d_initial_value = new QLineEdit(QStringLiteral("100"), this);
     d_initial_value->setAlignment(Qt::AlignCenter);
-    Add_Input(tr("First Item Value:"), d_initial_value, First_Value, this, grid);
+    Add_Input(tr("First Item Value:"), d_initial_value, tr("The number that the first label gets."),
+              First_Value, this, grid);
 
     d_increment_method = new QComboBox(this);
     d_increment_method->addItem(tr("Next 1X"), TNumbering::Next_1X);
@@ -106,7 +109,8 @@ void TReindexDialog::Build_Parameters(QGridLayout* grid)
     d_increment_method->addItem(tr("Next 100X"), TNumbering::Next_100X);
     d_increment_method->addItem(tr("Next 1000X"), TNumbering::Next_1000X);
     d_increment_method->setCurrentIndex(d_increment_method->findData(TNumbering::Next_100X));
-    Add_Input(tr("Increment Over Page:"), d_increment_method, Increment, this, grid);
+    Add_Input(tr("Increment Over Page:"), d_increment_method,
+              tr("Where the numbers of each further page begin."), Increment, this, grid);
 
     grid->addItem(new QSpacerItem(spacer_size, 0, QSizePolicy::Expanding, QSizePolicy::Minimum),
                   First_Value, column_count - 1, parameter_rows, 1);
@@ -121,6 +125,13 @@ void TReindexDialog::Build_Options(QGridLayout* grid)
     d_option_selected = new QRadioButton(tr("Current Page, Selected Label Items"), this);
     d_option_all_pages->setChecked(true);
 
+    d_option_all_pages->setAccessibleDescription(
+        tr("Renumbers every label of the document, page after page."));
+    d_option_current_page->setAccessibleDescription(
+        tr("Renumbers the labels of the page that is shown."));
+    d_option_selected->setAccessibleDescription(
+        tr("Renumbers the selected labels of the page that is shown."));
+
     int row = First_Option;
     for (QRadioButton* const option :
          {d_option_all_pages, d_option_current_page, d_option_selected})
@@ -131,5 +142,6 @@ void TReindexDialog::Build_Buttons(QGridLayout* grid)
 {
     d_apply_button = new QPushButton(tr("Apply"), this);
     d_apply_button->setAutoDefault(false);
+    d_apply_button->setAccessibleDescription(tr("Renumbers the labels and closes the dialog."));
     grid->addLayout(DialogParts::Button_Row(d_apply_button, this), Buttons, 0, 1, column_count);
 }

@@ -1,5 +1,6 @@
 #include "src/reportheaderdialog.h"
 
+#include "src/accessibility.h"
 #include "src/dialogparts.h"
 #include "src/parentwidget.h"
 
@@ -34,6 +35,7 @@ TReportHeaderDialog::TReportHeaderDialog(const QWidget* parent, Qt::WindowFlags 
                   Spacer, 0, 1, column_count);
     auto* const accept = new QPushButton(tr("Accept"), this);
     accept->setAutoDefault(true);
+    accept->setAccessibleDescription(tr("Goes on to the name of the report's file."));
     grid->addLayout(DialogParts::Button_Row(accept, this), Buttons, 0, 1, column_count);
 }
 
@@ -61,8 +63,9 @@ QLineEdit* TReportHeaderDialog::Add_Header(const QString& text, int row, QGridLa
 {
     auto* const label = new QLabel(text, this);
     auto* const edit = new QLineEdit(this);
-    // Screen readers learn what the line is from the label it is the buddy of.
     label->setBuddy(edit);
+    Accessibility::Describe(edit, Accessibility::Name_Of_Caption(text),
+                            tr("A line at the top of each page of the report; may be empty."));
     grid->addWidget(label, row, 0);
     grid->addWidget(edit, row, 1);
     return edit;

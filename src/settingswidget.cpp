@@ -1,5 +1,6 @@
 #include "src/settingswidget.h"
 
+#include "src/accessibility.h"
 #include "src/appearance.h"
 #include "src/dialogparts.h"
 #include "src/itemformat.h"
@@ -90,6 +91,9 @@ void TSettingsWidget::Create_Widgets()
     d_resolution_box = New_Box(resolutions, this);
     d_track_box = new QCheckBox(tr("Track Selected Item"), this);
     d_track_box->setChecked(true);
+    Accessibility::Describe(
+        d_track_box, d_track_box->text(),
+        tr("Whether the page scrolls to labels that are selected in the list."));
 }
 
 void TSettingsWidget::Arrange_Widgets()
@@ -98,12 +102,18 @@ void TSettingsWidget::Arrange_Widgets()
     PanelParts::Set_Margins(grid);
     const int both_columns = 2;
     int row = 0;
-    PanelParts::Add_Row(grid, row++, tr("Item Display Format:"), d_format_editor);
-    PanelParts::Add_Row(grid, row++, tr("Item Color:"), d_color_button);
-    PanelParts::Add_Row(grid, row++, tr("Item Size:"), d_size_slider);
+    PanelParts::Add_Row(
+        grid, row++, tr("Item Display Format:"), d_format_editor,
+        tr("How the item list shows a label: %1 stands for its value, %2 for its text."));
+    PanelParts::Add_Row(grid, row++, tr("Item Color:"), d_color_button,
+                        tr("Asks for the colour of all labels."));
+    PanelParts::Add_Row(grid, row++, tr("Item Size:"), d_size_slider,
+                        tr("The size of all labels, in pixels of the page image."));
     grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), row++, 0, 1, both_columns);
-    PanelParts::Add_Row(grid, row++, tr("PDF Orientation"), d_orientation_box);
-    PanelParts::Add_Row(grid, row++, tr("PDF Resolution"), d_resolution_box);
+    PanelParts::Add_Row(grid, row++, tr("PDF Orientation"), d_orientation_box,
+                        tr("Whether the pages of a report are upright or lie on their side."));
+    PanelParts::Add_Row(grid, row++, tr("PDF Resolution"), d_resolution_box,
+                        tr("How finely the pages of a report are drawn, in dots per inch."));
     grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), row++, 0, 1, both_columns);
     grid->addWidget(d_track_box, row++, 0, 1, both_columns);
     grid->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), row, 0, 1,

@@ -63,11 +63,13 @@ void TestPanelParts::a_button_is_named_by_its_tool_tip()
 {
     QWidget panel;
     const QToolButton* const button =
-        PanelParts::New_Button(QStringLiteral("+"), QStringLiteral("Add Page"), &panel);
+        PanelParts::New_Button(QStringLiteral("+"), QStringLiteral("Add Page"),
+                               QStringLiteral("Adds an empty page."), &panel);
     QCOMPARE(button->parentWidget(), &panel);
     QCOMPARE(button->text(), QStringLiteral("+"));
     QCOMPARE(button->toolTip(), QStringLiteral("Add Page"));
     QCOMPARE(button->accessibleName(), QStringLiteral("Add Page"));
+    QCOMPARE(button->accessibleDescription(), QStringLiteral("Adds an empty page."));
     QCOMPARE(button->minimumSize(), QSize(22, 22));
     QCOMPARE(button->maximumSize(), QSize(22, 22));
 }
@@ -77,13 +79,15 @@ void TestPanelParts::an_editor_is_named_by_its_caption()
     QWidget panel;
     auto* const grid = new QGridLayout(&panel);
     auto* const editor = new QLineEdit(&panel);
-    PanelParts::Add_Row(grid, 2, QStringLiteral("Item Value:"), editor);
+    PanelParts::Add_Row(grid, 2, QStringLiteral("Item Value:"), editor,
+                        QStringLiteral("The number."));
     QCOMPARE(grid->itemAtPosition(2, 1)->widget(), editor);
     const auto* const caption = qobject_cast<QLabel*>(grid->itemAtPosition(2, 0)->widget());
     QVERIFY(caption != nullptr);
     QCOMPARE(caption->text(), QStringLiteral("Item Value:"));
     QCOMPARE(caption->buddy(), editor);
     QCOMPARE(editor->accessibleName(), QStringLiteral("Item Value"));
+    QCOMPARE(editor->accessibleDescription(), QStringLiteral("The number."));
 }
 
 void TestPanelParts::captions_stay_in_one_line_where_they_can()

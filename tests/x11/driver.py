@@ -5,6 +5,7 @@ widget is, is found out as a person does: by walking the window with the tabulat
 what lights up (Program.walk), by looking for an icon, or by looking for a piece of the page.
 """
 
+import ctypes
 import os
 import re
 import subprocess
@@ -186,6 +187,32 @@ def drag(start, end, steps=8):
         # A drag in a list only begins, and only finds its goal, when the list sees moves one by one.
         time.sleep(POLL_SECONDS)
     run("xdotool", "mouseup", "1")
+
+
+def turn_wheel(notches, holding):
+    """Turns the wheel where the pointer is, away from the hand or, below 0, towards it."""
+    run("xdotool", "keydown", holding)
+    run("xdotool", "click", "--repeat", str(abs(notches)), "--delay", "40", "4" if notches > 0 else "5")
+    run("xdotool", "keyup", holding)
+
+
+class CursorImage(ctypes.Structure):
+    """What libXfixes tells of the pointer's picture."""
+    _fields_ = [("x", ctypes.c_short), ("y", ctypes.c_short), ("width", ctypes.c_ushort),
+                ("height", ctypes.c_ushort), ("hot_x", ctypes.c_ushort), ("hot_y", ctypes.c_ushort),
+                ("serial", ctypes.c_ulong), ("pixels", ctypes.POINTER(ctypes.c_ulong))]
+
+
+def cursor():
+    """The picture of the pointer as it is now: its size and pixels."""
+    x11, fixes = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXfixes.so.3")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    fixes.XFixesGetCursorImage.restype = ctypes.POINTER(CursorImage)
+    display = ctypes.c_void_p(x11.XOpenDisplay(None))
+    image = fixes.XFixesGetCursorImage(display)[0]
+    shown = image.width, image.height, image.pixels[:image.width * image.height]
+    x11.XCloseDisplay(display)
+    return shown
 
 
 def calm_screen():
