@@ -62,9 +62,9 @@ def open_sample(tour):
 def learn_places(tour):
     """Selects the page's first label, so that its editors can be reached with the tabulator key."""
     click(tour.view())
-    press("Tab", "End", "Home")
+    press("Tab", "End", "Home", "shift+Tab")
     calm_screen()
-    tour.boxes = tour.program.walk([*ITEM_WIDGETS, *PAGE_WIDGETS, *SETTINGS, "zoom"])
+    tour.boxes = tour.program.walk(["page", *ITEM_WIDGETS, *PAGE_WIDGETS, *SETTINGS, "zoom"])
 
 
 def select_labels(tour):
