@@ -2,10 +2,9 @@
 """A working day with the program, driven from outside: a report is imported, labelled, exported and
 saved, the program is closed and started again, and what it left on the disk is checked.
 
-Usage: scenario.py QUILLET RESULTS [PICTURES]
+Usage: scenario.py QUILLET RESULTS
   QUILLET   the program
   RESULTS   a folder for the screenshots, the exported pages, the PDF and the project; emptied first
-  PICTURES  a folder for the pictures of the documentation (docs/pictures)
 
 To be run in an X server with a window manager and an empty home folder (tests/support/with-x-server).
 """
@@ -37,9 +36,6 @@ NO_BORDER, SQUARE, ELLIPSE, TRIANGLE, DIAMOND = 0, 1, 2, 4, 8
 # The borders as the combo box lists them.
 BORDERS = [NO_BORDER, ELLIPSE, SQUARE, TRIANGLE, DIAMOND]
 
-# The screenshots that the documentation shows.
-ILLUSTRATIONS = ("first-start", "several-selected", "pages-in-order", "reindexed", "header-dialog")
-
 ITEM_WIDGETS = ["items", "item_add", "item_remove", "value", "text", "border"]
 PAGE_WIDGETS = ["pages", "name", "page_add", "page_remove"]
 SETTINGS = ["format", "colour", "size", "orientation", "resolution", "track"]
@@ -61,13 +57,15 @@ def label_at(position, border, text="", tolerance=0.01):
 
 
 class Day:
-    """The state of the day: the program, where its widgets are, and what has been done so far."""
+    """The state of the day: the program, where its widgets are, and what has been done so far.
 
-    def __init__(self, quillet, results, pictures=None):
+    `images` are the paths of the page images that are worked with.
+    """
+
+    def __init__(self, quillet, results, images):
         self.quillet = quillet
         self.results = results
-        self.pictures = pictures
-        self.images = report_pages(tempfile.mkdtemp(), FIRST_PAGE, LAST_PAGE)
+        self.images = images
         self.pages = [Picture.load(path) for path in self.images]
         self.project_path = os.path.join(results, "report.quillet")
         self.program = None
@@ -86,12 +84,6 @@ class Day:
         path = os.path.join(self.results, f"{self.shots:02}-{name}.png")
         calm_screen()
         run("import", "-silent", "-window", "root", path)
-        if self.pictures and name in ILLUSTRATIONS:
-            # The window with its frame, in few colours: such pictures are small.
-            box = self.program.box
-            frame = f"{box.width + 2}x{box.height + 22}+{box.left - 1}+{box.top - 20}"
-            run("convert", path, "-crop", frame, "+repage", "+dither", "-colors", "96", "-strip",
-                "PNG8:" + os.path.join(self.pictures, name + ".png"))
 
     def resource(self, name):
         return os.path.join(SOURCES, "resources", name)
@@ -633,10 +625,10 @@ def check_home(_day):
 
 
 def main():
-    quillet, results, *pictures = (os.path.abspath(path) for path in sys.argv[1:])
+    quillet, results = (os.path.abspath(path) for path in sys.argv[1:])
     shutil.rmtree(results, ignore_errors=True)
     os.makedirs(results)
-    day = Day(quillet, results, *pictures)
+    day = Day(quillet, results, report_pages(tempfile.mkdtemp(), FIRST_PAGE, LAST_PAGE))
     try:
         for chapter in (first_look, import_pages, learn_places, label_first_page, label_third_page,
                         use_wheel_and_keys, arrange_pages, change_looks, export_images, reindex, export_pdf, save,
