@@ -1,6 +1,7 @@
 #include "src/progress.h"
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QProgressBar>
 #include <QStatusBar>
 
@@ -50,6 +51,11 @@ void TProgress::Go_On()
     // What is done, which the step that begins is not.
     d_bar->setValue(d_number - 1);
     d_bar->repaint();
+    // Nobody answers meanwhile when another window uncovers this one, as the dialog has done with
+    // which the work was begun. What the window showed is put on the screen again, unpainted.
+    const QWidget* const window = d_status_bar->window();
+    if (QBackingStore* const store = window->backingStore())
+        store->flush(window->rect());
 }
 
 bool TProgress::Is_Due(qint64 time) const

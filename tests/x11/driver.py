@@ -5,6 +5,7 @@ widget is, is found out as a person does: by walking the window with the tabulat
 what lights up (Program.walk), by looking for an icon, or by looking for a piece of the page.
 """
 
+import ctypes
 import os
 import re
 import subprocess
@@ -131,6 +132,17 @@ class Picture:
                 found += [(area.left + xs[0], y, area.left + xs[-1] + 1, y + 1)] if xs else []
         return enclosing(found)
 
+    def changes_from_both(self, other, another, area):
+        """The smallest box around the pixels of an area that are like neither of two pictures."""
+        found = []
+        for y in range(area.top, area.bottom):
+            rows = [picture.row(y, area.left, area.right) for picture in (self, other, another)]
+            if rows[0] not in rows[1:]:
+                xs = [x for x, (mine, *others) in enumerate(zip(*map(pixels_of, rows)))
+                      if mine not in others]
+                found += [(area.left + xs[0], y, area.left + xs[-1] + 1, y + 1)] if xs else []
+        return enclosing(found)
+
     def changes(self, other, area):
         """The smallest box around the pixels of an area that differ; None when there are none."""
         found = []
@@ -140,6 +152,10 @@ class Picture:
                 xs = [i // 3 for i in range(len(mine)) if mine[i] != others[i]]
                 found.append((area.left + xs[0], y, area.left + xs[-1] + 1, y + 1))
         return enclosing(found)
+
+
+def pixels_of(row):
+    return [row[start:start + 3] for start in range(0, len(row), 3)]
 
 
 def enclosing(boxes):
@@ -186,6 +202,32 @@ def drag(start, end, steps=8):
         # A drag in a list only begins, and only finds its goal, when the list sees moves one by one.
         time.sleep(POLL_SECONDS)
     run("xdotool", "mouseup", "1")
+
+
+def turn_wheel(notches, holding):
+    """Turns the wheel where the pointer is, away from the hand or, below 0, towards it."""
+    run("xdotool", "keydown", holding)
+    run("xdotool", "click", "--repeat", str(abs(notches)), "--delay", "40", "4" if notches > 0 else "5")
+    run("xdotool", "keyup", holding)
+
+
+class CursorImage(ctypes.Structure):
+    """What libXfixes tells of the pointer's picture."""
+    _fields_ = [("x", ctypes.c_short), ("y", ctypes.c_short), ("width", ctypes.c_ushort),
+                ("height", ctypes.c_ushort), ("hot_x", ctypes.c_ushort), ("hot_y", ctypes.c_ushort),
+                ("serial", ctypes.c_ulong), ("pixels", ctypes.POINTER(ctypes.c_ulong))]
+
+
+def cursor():
+    """The picture of the pointer as it is now: its size and pixels."""
+    x11, fixes = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXfixes.so.3")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    fixes.XFixesGetCursorImage.restype = ctypes.POINTER(CursorImage)
+    display = ctypes.c_void_p(x11.XOpenDisplay(None))
+    image = fixes.XFixesGetCursorImage(display)[0]
+    shown = image.width, image.height, image.pixels[:image.width * image.height]
+    x11.XCloseDisplay(display)
+    return shown
 
 
 def calm_screen():
@@ -297,19 +339,22 @@ class Program:
     def walk(self, names):
         """Walks the window with the tabulator key, and learns what lies where by what lights up.
 
-        `names` are the widgets in the order of the walk, the first of which has the focus already;
+        `names` are three widgets at least in the order of the walk, the first of which has the
+        focus already;
         a widget that shows nothing when it gets the focus is None in the answer.
         """
-        boxes = {names[0]: None}
-        before, last = calm_screen(), None
-        for name in names[1:]:
+        shots = [calm_screen()]
+        for _ in names[1:]:
             press("Tab")
             time.sleep(CALM_SECONDS)
-            after = Picture.of_screen()
-            # What had the focus before changes as well; its place is known already.
-            shown = after if last is None else after.with_box_of(before, last)
+            shots.append(Picture.of_screen())
+        # At each step two widgets change. Of the first two each is what it is only in its own shot.
+        boxes = {names[0]: shots[0].changes_from_both(shots[1], shots[2], self.box),
+                 names[1]: shots[1].changes_from_both(shots[0], shots[2], self.box)}
+        # Of the others the place of the one before is known already.
+        for last, name, before, after in zip(names[1:], names[2:], shots[1:], shots[2:]):
+            shown = after.with_box_of(before, boxes[last]) if boxes[last] else after
             boxes[name] = before.changes(shown, self.box)
-            before, last = after, boxes[name]
         return boxes
 
 

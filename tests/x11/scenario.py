@@ -2,10 +2,9 @@
 """A working day with the program, driven from outside: a report is imported, labelled, exported and
 saved, the program is closed and started again, and what it left on the disk is checked.
 
-Usage: scenario.py QUILLET RESULTS [PICTURES]
+Usage: scenario.py QUILLET RESULTS
   QUILLET   the program
   RESULTS   a folder for the screenshots, the exported pages, the PDF and the project; emptied first
-  PICTURES  a folder for the pictures of the documentation (docs/pictures)
 
 To be run in an X server with a window manager and an empty home folder (tests/support/with-x-server).
 """
@@ -20,8 +19,8 @@ import sys
 import tempfile
 import time
 
-from driver import (HIGHLIGHT, Box, Failure, Picture, Program, calm_screen, click, drag, press, run,
-                    wait_until, write)
+from driver import (HIGHLIGHT, Box, Failure, Picture, Program, calm_screen, click, cursor, drag,
+                    point_at, press, run, turn_wheel, wait_until, write)
 from results import Project, pixels_of_png, report_pages
 
 SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
@@ -31,12 +30,11 @@ WORKING_SIZE = (1160, 800)
 COLOUR, NEW_COLOUR = (0xf7, 0x97, 0x41), (0xc2, 0x18, 0x5b)
 SIZE, NEW_SIZE, SMALLEST_SIZE = 32, 40, 16
 HEADERS = ["Debian Policy Manual", "Review of the binary packages chapter"]
+# What the program waits before it shows that it is at work, and a little more.
+PROGRESS_DELAY_SECONDS = 0.6
 NO_BORDER, SQUARE, ELLIPSE, TRIANGLE, DIAMOND = 0, 1, 2, 4, 8
 # The borders as the combo box lists them.
 BORDERS = [NO_BORDER, ELLIPSE, SQUARE, TRIANGLE, DIAMOND]
-
-# The screenshots that the documentation shows.
-ILLUSTRATIONS = ("first-start", "several-selected", "pages-in-order", "reindexed", "header-dialog")
 
 ITEM_WIDGETS = ["items", "item_add", "item_remove", "value", "text", "border"]
 PAGE_WIDGETS = ["pages", "name", "page_add", "page_remove"]
@@ -59,13 +57,15 @@ def label_at(position, border, text="", tolerance=0.01):
 
 
 class Day:
-    """The state of the day: the program, where its widgets are, and what has been done so far."""
+    """The state of the day: the program, where its widgets are, and what has been done so far.
 
-    def __init__(self, quillet, results, pictures=None):
+    `images` are the paths of the page images that are worked with.
+    """
+
+    def __init__(self, quillet, results, images):
         self.quillet = quillet
         self.results = results
-        self.pictures = pictures
-        self.images = report_pages(tempfile.mkdtemp(), FIRST_PAGE, LAST_PAGE)
+        self.images = images
         self.pages = [Picture.load(path) for path in self.images]
         self.project_path = os.path.join(results, "report.quillet")
         self.program = None
@@ -84,12 +84,6 @@ class Day:
         path = os.path.join(self.results, f"{self.shots:02}-{name}.png")
         calm_screen()
         run("import", "-silent", "-window", "root", path)
-        if self.pictures and name in ILLUSTRATIONS:
-            # The window with its frame, in few colours: such pictures are small.
-            box = self.program.box
-            frame = f"{box.width + 2}x{box.height + 22}+{box.left - 1}+{box.top - 20}"
-            run("convert", path, "-crop", frame, "+repage", "+dither", "-colors", "96", "-strip",
-                "PNG8:" + os.path.join(self.pictures, name + ".png"))
 
     def resource(self, name):
         return os.path.join(SOURCES, "resources", name)
@@ -292,6 +286,54 @@ def label_third_page(day):
         check_near("width of what is " + name, [widths[name]], [expected], 0.1 * expected)
 
 
+def use_wheel_and_keys(day):
+    """The wheel zooms about the pointer; keys move a label, remove one, and move a page."""
+    page, label = day.pages[2], day.third_page[1]
+    left, top = day.origin(page)
+    pointer = (label["position"][0] + left, label["position"][1] + top)
+
+    def box():
+        reach = 45
+        x, y = pointer
+        return calm_screen().box_of(COLOUR, Box(x - reach, y - reach, x + reach, y + reach))
+
+    def width():
+        return calm_screen().box_of(COLOUR, day.view()).width
+
+    before, width_before = box(), width()
+    point_at(*pointer)
+    turn_wheel(3, holding="ctrl")
+    day.shoot("zoomed-by-wheel")
+    # A notch is five steps of the slider.
+    expected = width_before * math.exp(15 / 50)
+    check_near("width after three notches", [width()], [expected], 0.1 * expected)
+    # Zooming about the middle of the view would have moved it by 28 pixels; scaling pales its edges.
+    check_near("what is under the pointer", box().centre, pointer, 12)
+    turn_wheel(-3, holding="ctrl")
+    check_near("what is under the pointer again", box().centre, before.centre, 1)
+
+    day.click_page(page, label["position"])
+    before = box()
+    press("ctrl+Right", "ctrl+Right", "ctrl+Right", "ctrl+shift+Down")
+    check("moved label", (box().left, box().top), (before.left + 3, before.top + 10))
+    label["position"] = (label["position"][0] + 3, label["position"][1] + 10)
+
+    superfluous = day.spots(page, (-120, 150))[0]
+    day.click_page(page, superfluous, button=3)
+    day.click_page(page, superfluous)
+    click(day.rows("items"))
+    for answer in ("alt+n", "alt+y"):
+        press("Delete")
+        day.program.dialog()
+        day.program.answer(answer)
+
+    goal, start = day.page_row(3).top, day.page_row(2).top
+    for key, expected in (("alt+Down", goal), ("alt+Up", start)):
+        press(key)
+        calm_screen()
+        check("row of the page after " + key, day.rows("pages").top, expected)
+
+
 def arrange_pages(day):
     """An empty page, names, and another order by dragging."""
     click(day.boxes["page_add"])
@@ -442,6 +484,66 @@ def float_a_dock(day):
     check("exit code", day.program.ended(), 0)
 
 
+def watch_long_work(day):
+    """A busy pointer and a bar tell of an import that takes long, for as long as it does."""
+    day.start()
+    box = day.program.box
+    status_bar = Box(box.left, box.bottom - 24, box.centre[0], box.bottom)
+    point_at(*box.centre)
+    before, pointer = calm_screen(), cursor()
+    folder = tempfile.mkdtemp()
+    # To read a pipe takes for as long as the one who writes to it likes.
+    pipes = [os.path.join(folder, f"{number}.png") for number in (1, 2, 3)]
+    for pipe in pipes:
+        os.mkfifo(pipe)
+    click(day.program.icon(day.resource("menu/file_import.png")))
+    day.program.dialog("Import one or more supported image files")
+    write(folder)
+    press("Return")
+    calm_screen()
+    write(" ".join(f'"{os.path.basename(pipe)}"' for pipe in pipes))
+    press("Return")
+
+    first = wait_until("the first image to be read", lambda: writing_end(pipes[0]))
+    point_at(*box.centre)
+    time.sleep(PROGRESS_DELAY_SECONDS)
+    second = let_go(first, pipes[0], lambda: writing_end(pipes[1]))
+    day.shoot("long-work")
+    if not before.changes(Picture.of_screen(), status_bar):
+        raise Failure("no progress is to be seen")
+    check("a busy pointer", cursor() != pointer, True)
+    third = let_go(second, pipes[1], lambda: writing_end(pipes[2]))
+    let_go(third, pipes[2], lambda: cursor() == pointer)
+    check("what is left of the bar", before.changes(calm_screen(), status_bar), None)
+    day.program.close()
+    day.program.dialog()
+    press("alt+n")
+    check("exit code", day.program.ended(), 0)
+    shutil.rmtree(folder)
+
+
+def writing_end(pipe):
+    """A pipe opened for writing, provided that the program reads from it; otherwise None."""
+    try:
+        return os.open(pipe, os.O_WRONLY | os.O_NONBLOCK)
+    except OSError:
+        return None
+
+
+def let_go(end, pipe, goal):
+    """Closes the writing end of a pipe, and again whenever the program comes back to it, until the
+    goal is reached; what that gives."""
+    os.close(end)
+
+    def reached():
+        again = writing_end(pipe)
+        if again:
+            os.close(again)
+        return goal()
+
+    return wait_until("the program to go on", reached)
+
+
 # --- what is left on the disk ------------------------------------------------------------------
 
 
@@ -523,15 +625,15 @@ def check_home(_day):
 
 
 def main():
-    quillet, results, *pictures = (os.path.abspath(path) for path in sys.argv[1:])
+    quillet, results = (os.path.abspath(path) for path in sys.argv[1:])
     shutil.rmtree(results, ignore_errors=True)
     os.makedirs(results)
-    day = Day(quillet, results, *pictures)
+    day = Day(quillet, results, report_pages(tempfile.mkdtemp(), FIRST_PAGE, LAST_PAGE))
     try:
         for chapter in (first_look, import_pages, learn_places, label_first_page, label_third_page,
-                        arrange_pages, change_looks, export_images, reindex, export_pdf, save,
+                        use_wheel_and_keys, arrange_pages, change_looks, export_images, reindex, export_pdf, save,
                         check_images, check_pdf, close_with_cancel_then_yes, open_again,
-                        float_a_dock, check_home):
+                        float_a_dock, watch_long_work, check_home):
             started = time.monotonic()
             chapter(day)
             print(f"{chapter.__name__}: {time.monotonic() - started:.1f} s", flush=True)
