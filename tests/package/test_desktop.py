@@ -121,7 +121,7 @@ class TestFileType(unittest.TestCase):
             self.share, "mime/packages", ID + ".xml")), "")
 
     def test_a_file_is_known_by_its_extension(self):
-        self.assertEqual(self.look("empty.quillet", b"")[0], "application/x-quillet")
+        self.assertEqual(self.look("text.quillet", b"text")[0], "application/x-quillet")
 
     def test_a_file_is_known_by_its_first_bytes(self):
         self.assertEqual(self.look("project", MAGIC + bytes(16))[0], "application/x-quillet")
