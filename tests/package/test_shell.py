@@ -74,8 +74,8 @@ class TestCompletion(unittest.TestCase):
         cls.addClassCleanup(room.cleanup)
         cls.folder = room.name
         os.mkdir(os.path.join(cls.folder, "folder"))
-        for name in (*(f"page.{kind}" for kind in IMAGES), "a.quillet", "report.pdf", "items.csv",
-                     "notes.txt"):
+        for name in (*(f"page.{kind}" for kind in IMAGES), "a.quillet", "old.qld", "report.pdf",
+                     "items.csv", "notes.txt"):
             with open(os.path.join(cls.folder, name), "w", encoding="utf-8"):
                 pass
 
@@ -101,8 +101,11 @@ class TestCompletion(unittest.TestCase):
 
     def test_documents_for_the_subcommands_that_read_one(self):
         for subcommand in subcommands():
-            if subcommand not in ("create", "kept"):
-                self.assertEqual(self.complete(subcommand, ""), ["a.quillet", "folder"])
+            if subcommand not in ("create", "kept", "recover"):
+                self.assertEqual(self.complete(subcommand, ""),
+                                 ["a.quillet", "folder", "old.qld"])
+        # Mending is for projects alone.
+        self.assertEqual(self.complete("recover", ""), ["a.quillet", "folder"])
         self.assertEqual(self.complete("kept", ""), [])
 
     def test_images_and_folders_for_a_new_document(self):
@@ -118,6 +121,7 @@ class TestCompletion(unittest.TestCase):
                 (("export-images", "a.quillet", "--folder", ""), ["folder"]),
                 (("reindex", "a.quillet", "--over-page", "10"), ["10", "100", "1000"]),
                 (("export-pdf", "a.quillet", "--orientation", "l"), ["landscape"]),
+                (("export-pdf", "a.quillet", "--resolution=1"), ["180"]),
                 (("reindex", "a.quillet", "--first", ""), [])):
             with self.subTest(words):
                 self.assertEqual(self.complete(*words), expected)
