@@ -112,6 +112,15 @@ class TestCompletion(unittest.TestCase):
         self.assertEqual(self.complete("create", ""),
                          ["folder"] + [f"page.{kind}" for kind in IMAGES])
 
+    def test_offered_values_are_those_that_the_tool_tells(self):
+        for subcommand, option in (("reindex", "over-page"), ("export-pdf", "orientation"),
+                                   ("export-pdf", "resolution")):
+            description = re.search(rf"--{option} .*?(?=\n +--|\Z)", run(TOOL, subcommand, "--help"),
+                                    re.DOTALL)[0]
+            values = self.complete(subcommand, "a.quillet", f"--{option}", "")
+            self.assertGreater(len(values), 1)
+            self.assertLessEqual(set(values), set(re.findall(r"\w+", description)), option)
+
     def test_values_of_options(self):
         for words, expected in (
                 (("export-pdf", "a.quillet", "--output", ""), ["folder", "report.pdf"]),
