@@ -8,11 +8,8 @@
 
 namespace {
 
-constexpr int Version = 1;
 constexpr int position_decimals = 2;
 
-const QLatin1String id_name("Id");
-const QLatin1String value_name("Value");
 const QLatin1String text_name("Text");
 
 template <typename TContent>
@@ -31,8 +28,8 @@ QString Coordinate_Text(double coordinate)
 void Write_Item(TXmlFile* xml_file, const TDataItem& item)
 {
     QDomElement node = xml_file->Create_Node(&xml_file->d_root_element, ItemXml::Item_Name);
-    Write_Child(xml_file, &node, id_name, item.id);
-    Write_Child(xml_file, &node, value_name, item.value);
+    Write_Child(xml_file, &node, ItemXml::Id_Name, item.id);
+    Write_Child(xml_file, &node, ItemXml::Value_Name, item.value);
     Write_Child(xml_file, &node, text_name, item.text);
     Write_Child(xml_file, &node, ItemXml::Border_Name, item.border_type);
     const QString position =
@@ -62,22 +59,6 @@ TDataItem Writable(TDataItem item, ItemList::TBadText bad_text)
     return item;
 }
 
-TDataItem Read_Item(const TXmlFile& xml_file, const QDomElement& node)
-{
-    TDataItem item;
-    item.id = ItemXml::Read_Integer(xml_file, node, id_name);
-    item.value = ItemXml::Read_Integer(xml_file, node, value_name);
-    const QDomElement text = xml_file.Get_Node(&node, text_name, true);
-    if (!text.isNull())
-        item.text = xml_file.Read_Text_Node(&text, true);
-    item.border_type = ItemXml::Read_Integer(xml_file, node, ItemXml::Border_Name);
-    const QString position = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name, true);
-    if (!ItemXml::To_Position(position, &item.position))
-        throw TXmlFileException(QStringLiteral("XML Item position invalid"),
-                                TXmlFileException::Data_Error);
-    return item;
-}
-
 } // namespace
 
 QByteArray ItemList::Write(const TData& data, TBadText bad_text)
@@ -90,6 +71,22 @@ QByteArray ItemList::Write(const TData& data, TBadText bad_text)
     QByteArray document;
     xml_file.Write_Data(&document, true);
     return document;
+}
+
+TDataItem ItemList::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
+{
+    TDataItem item;
+    item.id = ItemXml::Read_Integer(xml_file, node, ItemXml::Id_Name);
+    item.value = ItemXml::Read_Integer(xml_file, node, ItemXml::Value_Name);
+    const QDomElement text = xml_file.Get_Node(&node, text_name, true);
+    if (!text.isNull())
+        item.text = xml_file.Read_Text_Node(&text, true);
+    item.border_type = ItemXml::Read_Integer(xml_file, node, ItemXml::Border_Name);
+    const QString position = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name, true);
+    if (!ItemXml::To_Position(position, &item.position))
+        throw TXmlFileException(QStringLiteral("XML Item position invalid"),
+                                TXmlFileException::Data_Error);
+    return item;
 }
 
 void ItemList::Read(const QByteArray& document, TData* data)

@@ -29,6 +29,9 @@ namespace LabelPainter {
 /// for the border's line and the highlight.
 constexpr int Margin = 5;
 
+constexpr int Smallest_Label = 16; ///< edge of a label that can be chosen, in page-image pixels
+constexpr int Largest_Label = 128;
+
 /// An empty label: a transparent pixmap of the style's size, on which every label is drawn.
 QPixmap Template(const TLabelStyle& style);
 

@@ -8,6 +8,8 @@
 
 namespace {
 
+const QLatin1String list_suffix(".qld");
+
 /// The text that the root's child of one name has in its child of another name.
 QString Read_Setting(const TXmlFile& xml_file, const QString& group, const QString& name)
 {
@@ -44,6 +46,30 @@ void Read_Items(const TXmlFile& xml_file, bool has_texts, std::vector<TDataItem>
 }
 
 } // namespace
+
+bool LegacyFile::Is_Legacy(const QString& path)
+{
+    return path.endsWith(list_suffix, Qt::CaseInsensitive);
+}
+
+QString LegacyFile::Base_Name(const QString& path)
+{
+    return path.left(path.size() - list_suffix.size());
+}
+
+TPageImage LegacyFile::Read_Image(const QString& base_name)
+{
+    return TPageImage::From_File(base_name + QStringLiteral(".qli"), "PNG");
+}
+
+int LegacyFile::Open(const QString& base_name, TXmlFile* xml_file)
+{
+    assert(xml_file);
+    xml_file->d_file_path = base_name + list_suffix;
+    int version = 0;
+    xml_file->Open(ItemXml::Root_Name, &version, true);
+    return version;
+}
 
 int LegacyFile::Read_Label_Size(const TXmlFile& xml_file)
 {

@@ -11,9 +11,22 @@ class TXmlFile;
 /// The item-list documents of the two earlier generations (".qld", versions 1 and 2), which had one
 /// page whose image (".qli") stood beside them. They are only read.
 ///
-/// All functions take an opened document and throw TXmlFileException where something required is
-/// missing.
+/// All functions that take a document take an opened one, and throw TXmlFileException where
+/// something required is missing.
 namespace LegacyFile {
+
+/// Whether a path is that of a legacy document, by its suffix in upper or lower case.
+bool Is_Legacy(const QString& path);
+
+/// A legacy document's path without its suffix, by which the pair of files is known.
+QString Base_Name(const QString& path);
+
+/// The image of a pair of files; null when there is none that can be read.
+TPageImage Read_Image(const QString& base_name);
+
+/// Opens the item list of a pair of files and returns its version.
+/// @throws TXmlFileException when it cannot be read.
+int Open(const QString& base_name, TXmlFile* xml_file);
 
 /// Label size in pixels.
 int Read_Label_Size(const TXmlFile& xml_file);

@@ -1,6 +1,7 @@
 #include "src/projectfile.h"
 
 #include "core/conversion.h"
+#include "src/safefile.h"
 
 #include <QFile>
 #include <QIODevice>
@@ -133,6 +134,17 @@ bool Skip_Fields(QIODevice* device, qint64 count)
 }
 
 } // namespace
+
+bool ProjectFile::Commit(const TProjectWriter& project, TSafeFile* target)
+{
+    QFile file(target->Path_To_Write());
+    if (!file.open(QIODevice::WriteOnly) || !project.Write_To(&file) || !file.flush())
+        return false;
+    file.close();
+    return target->Commit([&project](const QString& path) {
+        return TSafeFile::Is_Complete(path, project.Size(), QByteArray());
+    });
+}
 
 bool ProjectFile::Is_Whole(const QString& path)
 {

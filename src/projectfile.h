@@ -8,6 +8,7 @@
 #include <vector>
 
 class QIODevice;
+class TSafeFile;
 
 /// Puts a project file together, field after field, in the order of docs/file-formats.md.
 ///
@@ -103,6 +104,10 @@ private:
 };
 
 namespace ProjectFile {
+
+/// Fills a file that is to take another one's place with a whole project and commits it; false
+/// leaves the old file as it was.
+bool Commit(const TProjectWriter& project, TSafeFile* target);
 
 /// Whether a file is a project file in which every field is there to its last byte. Reads the
 /// lengths alone, not what lies between them.

@@ -39,6 +39,7 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     d_data_changed = false;
     d_label_widget->setEnabled(false);
     Connect_Signals();
+    Add_Habits();
     Spread_Safety_Net();
 }
 
@@ -95,20 +96,13 @@ void TQuillet::Show_File_Error(const QString& text, const QString& informative_t
                  QMessageBox::Critical);
 }
 
-void TQuillet::Show_Progress(const QString& text)
+/// To be kept while a long work goes on, which is shown in the left part of the status bar.
+TProgress TQuillet::New_Progress(const QString& pattern) const
 {
-    // Work that goes fast is not slowed down by telling of each step.
-    constexpr int pause_milliseconds = 100;
-    const bool is_end = text.isEmpty();
-    if (!is_end && d_progress_clock.isValid() && !d_progress_clock.hasExpired(pause_milliseconds))
-        return;
-    if (is_end)
-        d_progress_clock.invalidate();
-    else
-        d_progress_clock.start();
-    statusBar()->showMessage(text);
-    // Long work runs without an event loop, so the status bar has to be painted here and now.
-    statusBar()->repaint();
+    constexpr int margin = 2; // pixels
+    QRect area = statusBar()->contentsRect().adjusted(margin, margin, 0, -margin);
+    area.setRight(d_zoom_slider->parentWidget()->x() - 2 * margin);
+    return TProgress(statusBar(), area, pattern, d_progress_clock);
 }
 
 void TQuillet::Update_Document_Actions()

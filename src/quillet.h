@@ -1,11 +1,13 @@
 #pragma once
 
 #include "src/data.h"
+#include "src/document.h"
+#include "src/progress.h"
 #include "src/projectfile.h"
+#include "src/reportsettings.h"
 
 #include <QColor>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QList>
 #include <QMainWindow>
 #include <QMessageBox>
@@ -24,7 +26,6 @@ class QCloseEvent;
 class QDockWidget;
 class QLabel;
 class QMenu;
-class QPixmap;
 class QSettings;
 class QSlider;
 class TDisplayWidget;
@@ -48,13 +49,7 @@ class TQuillet : public QMainWindow
 
 public:
     /// What a report depends on besides the document.
-    struct TReportSettings
-    {
-        int orientation = 0; ///< 0 portrait, anything else landscape
-        int resolution = 0;  ///< code 1 to 4; times 96 it is the resolution in dots per inch
-        QString header_1;    ///< may be empty
-        QString header_2;    ///< may be empty
-    };
+    using TReportSettings = ::TReportSettings;
 
     /// Builds the window, restores it as the settings file says, and connects everything.
     TQuillet(const QWidget* parent, Qt::WindowFlags flags);
@@ -142,6 +137,7 @@ private:
     void Restore_Docks();
     void Narrow_Docks();
     void Connect_Signals();
+    void Add_Habits();
 
     // Settings.
     void Write_Settings();
@@ -163,25 +159,23 @@ private:
     bool Confirm(const QString& text, const QString& question);
     bool Confirm_Loss();
     void Show_File_Error(const QString& text, const QString& informative_text);
-    void Show_Progress(const QString& text);
+    TProgress New_Progress(const QString& pattern) const;
 
     // The document and what follows from it.
     void Mark_Changed();
     void Update_Document_Actions();
     void Enable_Document_Actions(bool enable);
     void Set_Working_File(const QString& path);
+    void Import_Files(const QStringList& paths);
     void Show_No_Page();
     void Fill_View(TLabelWidget* list);
-    void Reload_View();
     void Refresh_Active_Page();
-    bool Draw_Pages(const QList<int>& page_ids,
-                    const std::function<bool(int, const QPixmap&)>& use);
 
     // Labels.
     void Add_Label(const QPointF* point);
     std::optional<int> Add_Label_To_View(int value, int border);
+    void Nudge_Labels(const QPointF& step);
     void Select_In_Data(const std::vector<int>& ids);
-    int Renumber_All_Pages(int first_value, int method);
     int Renumber_Active_Page(int first_value, bool selected_only);
 
     // Project files.
@@ -189,12 +183,12 @@ private:
     TReportHeaderDialog* Header_Dialog();
     void Open_File(const QString& name);
     bool Load_Quietly(const std::function<bool()>& load);
-    /// What a document is written for.
-    enum class TPurpose { Save, Recovery_Copy };
-    QString Write_Project(TProjectWriter* writer, TPurpose purpose);
-    QList<int> Pages_To_Copy() const;
+    QString Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose,
+                          const WholeDocument::TProgress& progress = nullptr);
+    TAppearance Appearance() const;
+    std::vector<TNamedPage> Named_Pages() const;
     bool Read_Appearance(TProjectReader* reader);
-    bool Read_Pages(TProjectReader* reader);
+    bool Read_Pages(TProjectReader* reader, TProgress* progress);
     bool Read_Page(TProjectReader* reader, int* page_id);
     void Set_Label_Color(const QString& name);
     void Read_Legacy_Appearance(const TXmlFile& xml_file);
@@ -233,7 +227,7 @@ private:
     QString d_error_text;        ///< why the last file operation failed
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
-    QElapsedTimer d_progress_clock;  ///< since progress was shown last; invalid between long works
+    TProgress::TClock d_progress_clock = TProgress::Machine_Time; ///< by which long work is shown
     bool d_filling_view = false;     ///< the view is being rebuilt from the document or a file
     bool d_has_new_document = false; ///< the last file operation replaced the document
     QLabel* d_kept_notice = nullptr; ///< tells of kept work; null when there was none

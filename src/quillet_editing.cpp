@@ -143,28 +143,14 @@ void TQuillet::Edit_Reindex()
         return;
     const int next_value =
         all_pages
-            ? Renumber_All_Pages(first_value, d_reindex_dialog->Increment_Over_Page_Method())
+            ? WholeDocument::Number_Pages(d_page_widget->Page_Ids(), first_value,
+                                          d_reindex_dialog->Increment_Over_Page_Method(), &d_data)
             : Renumber_Active_Page(first_value, option == TReindexDialog::Current_Page_Selected);
     Note_Work();
     if (!has_page)
         return;
     Refresh_Active_Page();
     d_label_widget->Set_Label_Index(next_value);
-}
-
-/// Numbers the pages in the order of the page list; returns the value that comes next.
-int TQuillet::Renumber_All_Pages(int first_value, int method)
-{
-    const int active_page = d_data.Active_Page();
-    TNumbering numbering(first_value, method);
-    const QList<int> page_ids = d_page_widget->Page_Ids();
-    for (const int page_id : page_ids) {
-        d_data.Set_Active_Page(page_id);
-        d_data.Number_Items(false, [&numbering] { return numbering.Take(); });
-        numbering.Break_Page();
-    }
-    d_data.Set_Active_Page(active_page);
-    return numbering.Next();
 }
 
 /// Numbers the labels of the active page; returns the value that comes next.

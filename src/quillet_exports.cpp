@@ -4,38 +4,14 @@
 
 #include "src/displaywidget.h"
 #include "src/exportnames.h"
+#include "src/pageexporter.h"
 #include "src/pagewidget.h"
 #include "src/reportheaderdialog.h"
-#include "src/reportpainter.h"
-#include "src/safefile.h"
 #include "src/settingswidget.h"
 
-#include <QBuffer>
 #include <QDateTime>
 #include <QFileDialog>
-#include <QPainter>
-#include <QPrinter>
-
-namespace {
-
-/// Saves a picture as PNG. It is encoded and checked before a file of that name is replaced.
-bool Save_Png(const QPixmap& picture, const QString& path)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    // Every PNG ends with an empty chunk of this type and its check sum.
-    const QByteArray end("IEND\xAE\x42\x60\x82", 8);
-    return picture.save(&buffer, "png") && bytes.endsWith(end) && TSafeFile::Replace(path, bytes);
-}
-
-/// The page as the printer sees it, in device pixels.
-QRect Page_Rectangle(const QPrinter& printer)
-{
-    return printer.pageLayout().paintRectPixels(printer.resolution());
-}
-
-} // namespace
+#include <QScopedValueRollback>
 
 void TQuillet::File_Export_Images()
 {
@@ -50,47 +26,16 @@ void TQuillet::File_Export_Images()
 
 bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
 {
+    const QScopedValueRollback<bool> filling(d_filling_view, true);
     const QDateTime time = QDateTime::currentDateTime();
-    int counter = 1;
-    return Draw_Pages(page_ids, [&](int page_id, const QPixmap& picture) {
-        const QString path = ExportNames::Image_Path(folder, d_page_widget->Page_Name(page_id),
-                                                     page_id, time, counter++);
-        return Save_Png(picture, path);
+    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
+    const TPageExporter exporter(&d_data, d_display_widget, [&progress](int number, int total) {
+        progress.Step(number, total);
     });
-}
-
-/// Loads each page into the view and hands on what the view draws, until use returns false or all
-/// pages are done; then shows the active page again. False when there is no page or use failed.
-bool TQuillet::Draw_Pages(const QList<int>& page_ids,
-                          const std::function<bool(int, const QPixmap&)>& use)
-{
-    if (page_ids.isEmpty())
-        return false;
-    const int active_page = d_data.Active_Page();
-    d_display_widget->setUpdatesEnabled(false);
-    bool succeeded = true;
-    int number = 0;
-    for (const int page_id : page_ids) {
-        Show_Progress(tr("Exporting page %1 of %2").arg(++number).arg(page_ids.size()));
-        d_data.Set_Active_Page(page_id);
-        Reload_View();
-        succeeded = use(page_id, d_display_widget->Pixmap());
-        if (!succeeded)
-            break;
-    }
-    Show_Progress(QString());
-    d_data.Set_Active_Page(active_page);
-    Reload_View();
-    d_display_widget->setUpdatesEnabled(true);
-    return succeeded;
-}
-
-/// Rebuilds the view alone for the active page; without one it is left empty.
-void TQuillet::Reload_View()
-{
-    d_display_widget->Clear();
-    if (d_data.Active_Page() >= 0)
-        Fill_View(nullptr);
+    return exporter.Export_Images(page_ids, [&](int page_id, int counter) {
+        return ExportNames::Image_Path(folder, d_page_widget->Page_Name(page_id), page_id, time,
+                                       counter);
+    });
 }
 
 void TQuillet::File_Export_Pdf()
@@ -114,38 +59,14 @@ void TQuillet::File_Export_Pdf()
 bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
                           const TReportSettings& settings)
 {
-    if (pages.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
-        return false;
-    // Without a file name the toolkit would print on paper.
-    if (file.isEmpty())
-        return false;
-    TSafeFile target(file);
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setPageOrientation(settings.orientation == 0 ? QPageLayout::Portrait
-                                                         : QPageLayout::Landscape);
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(target.Path_To_Write());
-    printer.setPageMargins(QMarginsF(), QPageLayout::Millimeter);
-    printer.setResolution(TReportGeometry::Resolution(settings.resolution));
-
-    QPainter painter;
-    if (!painter.begin(&printer))
-        return false;
-    TReportPainter report(&painter, settings.resolution, settings.header_1, settings.header_2,
-                          Page_Rectangle(printer));
-    int number = 0;
-    Draw_Pages(pages, [&](int, const QPixmap& picture) {
-        if (number > 0) {
-            printer.newPage();
-            report.Set_Page(Page_Rectangle(printer));
-        }
-        report.Draw_Page(picture, ++number);
-        return true;
+    const QScopedValueRollback<bool> filling(d_filling_view, true);
+    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
+    const TPageExporter exporter(&d_data, d_display_widget, [&progress](int number, int total) {
+        progress.Step(number, total);
     });
-    painter.end();
+    const TPageExporter::TOutcome outcome = exporter.Export_Pdf(file, pages, settings);
     // A report that did not reach the disk whole is left out in silence.
-    target.Commit(TSafeFile::Is_Complete_Pdf);
-    return true;
+    return outcome != TPageExporter::TOutcome::Not_Begun;
 }
 
 TReportHeaderDialog* TQuillet::Header_Dialog()

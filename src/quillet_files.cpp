@@ -5,6 +5,7 @@
 #include "src/displaywidget.h"
 #include "src/itemlist.h"
 #include "src/labelwidget.h"
+#include "src/legacyfile.h"
 #include "src/numbering.h"
 #include "src/pagewidget.h"
 #include "src/projectfile.h"
@@ -17,8 +18,6 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QScopedValueRollback>
-
-#include <algorithm>
 
 void TQuillet::File_Open()
 {
@@ -37,9 +36,8 @@ void TQuillet::Open_File(const QString& name)
 {
     const bool gave_up = d_data_changed;
     d_has_new_document = false;
-    const QString legacy_suffix = QStringLiteral(".qld");
-    const bool is_legacy = name.endsWith(legacy_suffix, Qt::CaseInsensitive);
-    const QString path = is_legacy ? name.left(name.size() - legacy_suffix.size()) : name;
+    const bool is_legacy = LegacyFile::Is_Legacy(name);
+    const QString path = is_legacy ? LegacyFile::Base_Name(name) : name;
     const bool loaded =
         Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
     // Only now: a file that stops the program does not take the old work with it. One that is
@@ -125,17 +123,22 @@ bool TQuillet::Write_Data(const QString& file_name)
 {
     // The whole document is built before the file is touched: what takes long or is refused leaves
     // the old file as it is.
+    TProgress progress = New_Progress(tr("Saving page %1 of %2"));
     TProjectWriter writer;
-    const QString fault = Write_Project(&writer, TPurpose::Save);
+    const QString fault =
+        Write_Project(&writer, WholeDocument::TPurpose::Save,
+                      [&progress](int number, int total) { progress.Step(number, total); });
     if (writer.Size() > TProjectWriter::Maximum_Size)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
+    progress.Go_On();
     d_safety_net->Before_Save(file_name);
     QFile file(file_name);
     if (!file.open(QIODevice::WriteOnly))
         return Fail(tr("Cannot open file for writing"));
     if (!fault.isEmpty())
         return Fail(fault);
+    progress.Go_On();
     writer.Write_To(&file);
     file.close();
     d_safety_net->After_Save(file_name, writer.Size());
@@ -144,54 +147,34 @@ bool TQuillet::Write_Data(const QString& file_name)
 
 /// Puts the document into a writer. Returns why a page's labels could not be written; empty when
 /// all went well.
-QString TQuillet::Write_Project(TProjectWriter* writer, TPurpose purpose)
+/// @param progress  is told of each page; may be empty.
+QString TQuillet::Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose,
+                                const WholeDocument::TProgress& progress)
 {
-    const bool is_copy = purpose == TPurpose::Recovery_Copy;
-    const TProjectWriter::TImageBytes image_bytes =
-        is_copy ? TProjectWriter::TImageBytes::As_They_Came : TProjectWriter::TImageBytes::As_Png;
-    writer->Write_Integer(d_settings_widget->Label_Size());
-    writer->Write_Text(d_settings_widget->Label_Color().name());
-    writer->Write_Text(d_header_dialog ? d_header_dialog->Header1_Text() : QString());
-    writer->Write_Text(d_header_dialog ? d_header_dialog->Header2_Text() : QString());
-    const QList<int> page_ids = is_copy ? Pages_To_Copy() : d_page_widget->Page_Ids();
-    writer->Write_Integer(is_copy ? page_ids.size() : d_data.Page_Count());
-
-    const int active_page = d_data.Active_Page();
-    QString fault;
-    int number = 0;
-    try {
-        for (const int page_id : page_ids) {
-            ++number;
-            if (!is_copy)
-                Show_Progress(tr("Saving page %1 of %2").arg(number).arg(page_ids.size()));
-            writer->Write_Text(d_page_widget->Page_Name(page_id));
-            d_data.Set_Active_Page(page_id);
-            writer->Write_Image(d_data.Page_Content(), image_bytes);
-            // Better a text without a character than no copy.
-            writer->Write_Bytes(is_copy ? ItemList::Write(d_data, ItemList::TBadText::Leave_Out)
-                                        : Write_Items());
-        }
-    } catch (const TXmlFileException& exception) {
-        fault = exception.Message();
-    }
-    d_data.Set_Active_Page(active_page);
-    if (!is_copy)
-        Show_Progress(QString());
-    return fault;
+    return WholeDocument::Write(Appearance(), Named_Pages(), purpose, &d_data, progress, writer);
 }
 
-/// The pages for a recovery copy. It is made at any moment, also when the page list has pages that
-/// the document does not know: those are left out.
-QList<int> TQuillet::Pages_To_Copy() const
+/// What the panels and the header dialog have of the document.
+TAppearance TQuillet::Appearance() const
 {
-    QList<int> page_ids = d_page_widget->Page_Ids();
-    const auto is_unknown = [this](int page_id) { return d_data.Page_Index(page_id) < 0; };
-    page_ids.erase(std::remove_if(page_ids.begin(), page_ids.end(), is_unknown), page_ids.end());
-    return page_ids;
+    return {d_settings_widget->Label_Size(), d_settings_widget->Label_Color().name(),
+            d_header_dialog ? d_header_dialog->Header1_Text() : QString(),
+            d_header_dialog ? d_header_dialog->Header2_Text() : QString()};
+}
+
+/// The pages as the page list has them.
+std::vector<TNamedPage> TQuillet::Named_Pages() const
+{
+    std::vector<TNamedPage> pages;
+    const QList<int> page_ids = d_page_widget->Page_Ids();
+    for (const int page_id : page_ids)
+        pages.push_back({page_id, d_page_widget->Page_Name(page_id)});
+    return pages;
 }
 
 bool TQuillet::Load_Data(const QString& file_name)
 {
+    TProgress progress = New_Progress(tr("Opening page %1 of %2"));
     QFile file(file_name);
     if (!file.open(QIODevice::ReadOnly))
         return Fail(tr("Cannot open file for reading"));
@@ -206,7 +189,7 @@ bool TQuillet::Load_Data(const QString& file_name)
     d_data.Clear();
     d_page_widget->Clear();
     try {
-        return Read_Pages(&reader) || Fail(tr("Invalid file."));
+        return Read_Pages(&reader, &progress) || Fail(tr("Invalid file."));
     } catch (const TXmlFileException& exception) {
         return Fail(exception.Message());
     }
@@ -234,16 +217,19 @@ bool TQuillet::Read_Appearance(TProjectReader* reader)
 }
 
 /// Adds all pages and shows the last one; false when a field is damaged.
-bool TQuillet::Read_Pages(TProjectReader* reader)
+bool TQuillet::Read_Pages(TProjectReader* reader, TProgress* progress)
 {
     int page_id = -1;
     int largest_value = 0;
     const int page_count = reader->Read_Integer();
     for (int i = 0; i < page_count; ++i) {
+        progress->Step(i + 1, page_count);
         if (!Read_Page(reader, &page_id))
             return false;
         largest_value = qMax(largest_value, d_data.Item_Max_Value());
     }
+    // Only now is an image decoded.
+    progress->Go_On();
     d_page_widget->Set_Active_Page(page_id);
     d_label_widget->Set_Label_Index(TNumbering::After(largest_value));
     return true;

@@ -3,7 +3,6 @@
 
 #include "src/quillet.h"
 
-#include "src/itemxml.h"
 #include "src/labelwidget.h"
 #include "src/legacyfile.h"
 #include "src/numbering.h"
@@ -16,16 +15,17 @@
 
 bool TQuillet::Load_Legacy_Data(const QString& base_name)
 {
-    const TPageImage image = TPageImage::From_File(base_name + QStringLiteral(".qli"), "PNG");
+    TProgress progress = New_Progress(tr("Opening page %1 of %2"));
+    progress.Step(1, 1);
+    const TPageImage image = LegacyFile::Read_Image(base_name);
     if (image.isNull())
         return Fail(tr("Background image not found"));
 
+    progress.Go_On();
     std::vector<TDataItem> items;
     try {
         TXmlFile xml_file;
-        xml_file.d_file_path = base_name + QStringLiteral(".qld");
-        int version = 0;
-        xml_file.Open(ItemXml::Root_Name, &version, true);
+        const int version = LegacyFile::Open(base_name, &xml_file);
         if (version == 1)
             Load_Legacy_V1(&xml_file, &items);
         else if (version == 2)
@@ -33,6 +33,7 @@ bool TQuillet::Load_Legacy_Data(const QString& base_name)
     } catch (const TXmlFileException& exception) {
         return Fail(exception.Message());
     }
+    progress.Go_On();
     Set_Legacy_Page(image, items);
     return true;
 }

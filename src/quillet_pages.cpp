@@ -3,7 +3,9 @@
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
+#include "src/imagefiles.h"
 #include "src/labelwidget.h"
+#include "src/pageexporter.h"
 #include "src/pagewidget.h"
 
 #include <QFileDialog>
@@ -30,13 +32,19 @@ void TQuillet::File_Import()
     Keep_Work();
     const QStringList paths = QFileDialog::getOpenFileNames(
         this, tr("Import one or more supported image files"), d_working_dir.absolutePath(),
-        tr("Image Files (*.bmp *.gif *.jpg *.jpeg *.png *.pbm *.pgm *.ppm *.xbm *.xpm)"));
+        tr("Image Files (%1)").arg(ImageFiles::Patterns()));
+    Import_Files(paths);
+}
+
+/// Makes pages of image files, as chosen in the dialog; there may be none.
+void TQuillet::Import_Files(const QStringList& paths)
+{
+    TProgress progress = New_Progress(tr("Importing image %1 of %2"));
     int number = 0;
     for (const QString& path : paths) {
-        Show_Progress(tr("Importing image %1 of %2").arg(++number).arg(paths.size()));
+        progress.Step(++number, paths.size());
         Load_Image(path);
     }
-    Show_Progress(QString());
     if (!paths.isEmpty()) {
         Set_Working_File(paths.first());
         Mark_Changed();
@@ -100,18 +108,12 @@ void TQuillet::Page_Selection_Changed(int page)
 }
 
 /// Shows the active page's image and labels in the view, which has been cleared before.
-/// @param list  gets the labels as well; null when only the view is wanted.
+/// @param list  gets the labels as well.
 void TQuillet::Fill_View(TLabelWidget* list)
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
-    d_display_widget->Set_Background_Image(QPixmap::fromImage(d_data.Page_Image()));
-    for (int i = 0; i < d_data.Item_Count(); ++i) {
-        const TDataItem item = d_data.Item(i);
-        if (list)
-            list->Add_Item(item);
-        d_display_widget->Add_Item(item.id, item.value, item.text, item.border_type);
-        d_display_widget->Move_Item(item.id, item.position);
-    }
+    TPageExporter::Fill_View(d_data, d_display_widget,
+                             [list](const TDataItem& item) { list->Add_Item(item); });
 }
 
 /// Rebuilds list and view after the labels' values have changed.

@@ -17,7 +17,7 @@ void TQuillet::Spread_Safety_Net()
 {
     const QString settings_folder = QFileInfo(d_settings->fileName()).absolutePath();
     d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this](TProjectWriter* writer) {
-        Write_Project(writer, TPurpose::Recovery_Copy);
+        Write_Project(writer, WholeDocument::TPurpose::Recovery_Copy);
     });
     Announce_Kept_Work();
 }

@@ -80,8 +80,8 @@ void TQuillet::Restore_Settings()
     d_display_widget->d_track_item = track;
     d_settings_widget->Set_Track_Label(track);
 
-    constexpr int default_label_size = 32;
-    const int label_size = Read_Setting(settings, "Label_Size", default_label_size);
+    const TAppearance defaults;
+    const int label_size = Read_Setting(settings, "Label_Size", defaults.label_size);
     d_settings_widget->Set_Label_Size(label_size);
     // The view draws whatever size it is told, so it must be one that a picture can have.
     constexpr int least_view_size = 2;
@@ -90,7 +90,7 @@ void TQuillet::Restore_Settings()
 
     d_settings_widget->Set_Display_Format(
         Read_Setting(settings, "Item_Display_Format", QStringLiteral("Item[%1]")));
-    Set_Label_Color(Read_Setting(settings, "Label_Color", QStringLiteral("#f79741")));
+    Set_Label_Color(Read_Setting(settings, "Label_Color", defaults.color_name));
     d_settings_widget->Set_PDF_Orientation(Read_Setting(settings, "PDF_Orientation", 0));
     d_settings_widget->Set_PDF_Resolution(Read_Setting(settings, "PDF_Resolution", 2));
     d_label_widget->Set_Border_Type(Read_Setting(settings, "Border_Type", 2));
@@ -199,9 +199,7 @@ void TQuillet::closeEvent(QCloseEvent* event)
 
 void TQuillet::Label_Size_Changed(int size)
 {
-    // Four tenths of the size, rounded half up.
-    const int font_size = static_cast<int>(size * 0.4 + 0.5);
-    d_display_widget->Set_Label_Size(QSize(size, size), font_size);
+    d_display_widget->Set_Label_Size(QSize(size, size), TAppearance::Font_Size(size));
     Mark_Changed();
 }
 
@@ -226,7 +224,7 @@ void TQuillet::Track_Item_Option_Changed(bool track)
 
 void TQuillet::Set_Label_Color(const QString& name)
 {
-    const QColor color = QColor::isValidColor(name) ? QColor(name) : QColor();
+    const QColor color = TAppearance::Color(name);
     d_settings_widget->Set_Label_Color(color);
     d_display_widget->Set_Label_Color(color);
 }

@@ -54,14 +54,7 @@ bool TRecovery::Write(const TProjectWriter& project, const QString& document)
         d_document = document;
 
     TSafeFile copy(d_folder.Copy_Path(d_name), TSafeFile::TKind::Private);
-    QFile file(copy.Path_To_Write());
-    if (!copy.Is_Beside() || !file.open(QIODevice::WriteOnly) || !project.Write_To(&file) ||
-        !file.flush())
-        return false;
-    file.close();
-    const bool written = copy.Commit([&project](const QString& path) {
-        return TSafeFile::Is_Complete(path, project.Size(), QByteArray());
-    });
+    const bool written = copy.Is_Beside() && ProjectFile::Commit(project, &copy);
     d_has_copy = d_has_copy || written;
     return written;
 }

@@ -1,6 +1,7 @@
 #include "src/rowlist.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QStyledItemDelegate>
 #include <QtMath>
 
@@ -171,6 +172,41 @@ void TRowList::reset()
     d_rows_outdated = true;
     d_delegate->Forget();
     Measure_Rows(0, count() - 1);
+}
+
+void TRowList::keyPressEvent(QKeyEvent* event)
+{
+    // Keys of the number pad are the same keys.
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const int key = event->key();
+    if (key == Qt::Key_Delete && modifiers == Qt::NoModifier) {
+        // A key that is held down longer than needed does not ask a second time.
+        if (!event->isAutoRepeat())
+            Q_EMIT Delete_Pressed();
+    } else if ((key == Qt::Key_Up || key == Qt::Key_Down) && modifiers == Qt::AltModifier) {
+        Move_Selected_Rows(key == Qt::Key_Up ? -1 : 1);
+    } else {
+        QListWidget::keyPressEvent(event);
+    }
+}
+
+/// Moves each selected row by one place, as far as all of them can.
+/// @param step  -1 towards the top, 1 towards the end.
+void TRowList::Move_Selected_Rows(int step)
+{
+    std::vector<int> places;
+    const QModelIndexList selected = selectionModel()->selectedRows();
+    for (const QModelIndex& row : selected)
+        places.push_back(row.row());
+    // The row that goes ahead first, so that each finds its goal free.
+    std::sort(places.begin(), places.end(),
+              [step](int left, int right) { return step < 0 ? left < right : left > right; });
+    if (places.empty() || places.front() + step < 0 || places.front() + step >= count())
+        return;
+    // The same operation by which the list moves rows that are dragged.
+    for (const int place : places)
+        model()->moveRow(QModelIndex(), place, QModelIndex(), step < 0 ? place - 1 : place + 2);
+    scrollTo(currentIndex());
 }
 
 void TRowList::rowsInserted(const QModelIndex& parent, int first, int last)

@@ -9,7 +9,8 @@ class TRowDelegate;
 
 /// A list whose rows are known by a number kept in them: pages by page id, labels by item id.
 ///
-/// Several rows can be selected at once, and the user puts rows in another order by dragging them.
+/// Several rows can be selected at once, and the user puts rows in another order by dragging them,
+/// or by Alt with the arrow keys up and down.
 /// A row is found by its id without a walk through the list, however rows come and go. All rows
 /// have the size that the largest of them needs, so that a change never measures all of them anew.
 class TRowList : public QListWidget
@@ -33,7 +34,12 @@ public:
 
     void reset() override;
 
+Q_SIGNALS:
+    /// The Delete key was pressed: what is selected is to be removed, by whoever knows how.
+    void Delete_Pressed();
+
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void rowsInserted(const QModelIndex& parent, int first, int last) override;
     void rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last) override;
     void dataChanged(const QModelIndex& top_left, const QModelIndex& bottom_right,
@@ -41,6 +47,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void Move_Selected_Rows(int step);
     void Index_Rows() const;
     bool Measure_Rows(int first, int last);
 

@@ -8,14 +8,24 @@
 #include <cstdio>
 
 TSafetyNet::TSafetyNet(const QString& settings_folder, TWriteProject write_project)
-    : d_backup(settings_folder + QStringLiteral("/backup"))
-    , d_recovery(settings_folder + QStringLiteral("/recovery"))
+    : d_backup(Backup_Folder(settings_folder))
+    , d_recovery(Recovery_Folder(settings_folder))
     , d_write_project(std::move(write_project))
     , d_found(d_recovery.Abandoned())
 {
     d_recovery.Clean_Up();
     d_backup.Clean_Up();
     d_clock.start();
+}
+
+QString TSafetyNet::Backup_Folder(const QString& settings_folder)
+{
+    return settings_folder + QStringLiteral("/backup");
+}
+
+QString TSafetyNet::Recovery_Folder(const QString& settings_folder)
+{
+    return settings_folder + QStringLiteral("/recovery");
 }
 
 void TSafetyNet::Note_Change(const QString& document)

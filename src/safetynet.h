@@ -21,7 +21,11 @@ public:
     /// Puts the whole document into a writer, with the images as the bytes in which they came.
     using TWriteProject = std::function<void(TProjectWriter*)>;
 
-    /// @param settings_folder  holds the folders "backup" and "recovery".
+    /// Where the copies are kept, by the folder of the settings.
+    static QString Backup_Folder(const QString& settings_folder);
+    static QString Recovery_Folder(const QString& settings_folder);
+
+    /// @param settings_folder  holds both folders.
     /// @param write_project    is called when a copy is due.
     TSafetyNet(const QString& settings_folder, TWriteProject write_project);
 

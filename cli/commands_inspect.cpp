@@ -1,0 +1,148 @@
+// What documents hold, and what is wrong with them.
+
+#include "cli/commandline.h"
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/terminal.h"
+#include "cli/words.h"
+#include "core/xmlfile.h"
+#include "src/documentreader.h"
+#include "src/legacyfile.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+const char* const json_option = "json";
+
+/// What is told of a page.
+struct TPageSummary
+{
+    QString name;
+    QSize size; ///< of the image in pixels; (0, 0) when there is none
+    int labels;
+};
+
+std::vector<TPageSummary> Summaries(TDocument* document)
+{
+    TTerminalProgress progress(Translated("Looking at page %1 of %2"));
+    std::vector<TPageSummary> summaries;
+    int number = 0;
+    for (const TNamedPage& page : document->pages) {
+        progress.Step(++number, static_cast<int>(document->pages.size()));
+        document->data.Set_Active_Page(page.page_id);
+        summaries.push_back(
+            {page.name, document->data.Page_Content().size(), document->data.Item_Count()});
+    }
+    return summaries;
+}
+
+void Print_Text(const QString& path, const TAppearance& appearance,
+                const std::vector<TPageSummary>& pages)
+{
+    Terminal::Print(Translated("File: %1").arg(path));
+    Terminal::Print(Translated("Label size: %1").arg(appearance.label_size));
+    Terminal::Print(Translated("Label color: %1").arg(appearance.color_name));
+    Terminal::Print(Translated("Header 1: ") + appearance.header_1);
+    Terminal::Print(Translated("Header 2: ") + appearance.header_2);
+    Terminal::Print(Translated("Pages: %1").arg(pages.size()));
+    int number = 0;
+    for (const TPageSummary& page : pages) {
+        const QString size =
+            page.size.isEmpty()
+                ? Translated("no image")
+                : QStringLiteral("%1 x %2").arg(page.size.width()).arg(page.size.height());
+        // The name last, as it may be anything.
+        Terminal::Print(
+            Translated("%1: %2, labels: %3, ").arg(++number).arg(size).arg(page.labels) +
+            page.name);
+    }
+}
+
+void Print_Json(const QString& path, const TAppearance& appearance,
+                const std::vector<TPageSummary>& pages)
+{
+    QJsonArray list;
+    int label_count = 0;
+    for (const TPageSummary& page : pages) {
+        label_count += page.labels;
+        list.append(QJsonObject{{QStringLiteral("number"), list.size() + 1},
+                                {QStringLiteral("name"), page.name},
+                                {QStringLiteral("width"), page.size.width()},
+                                {QStringLiteral("height"), page.size.height()},
+                                {QStringLiteral("labels"), page.labels}});
+    }
+    const QJsonObject object{{QStringLiteral("file"), path},
+                             {QStringLiteral("label_size"), appearance.label_size},
+                             {QStringLiteral("label_color"), appearance.color_name},
+                             {QStringLiteral("header_1"), appearance.header_1},
+                             {QStringLiteral("header_2"), appearance.header_2},
+                             {QStringLiteral("page_count"), list.size()},
+                             {QStringLiteral("label_count"), label_count},
+                             {QStringLiteral("pages"), list}};
+    Terminal::Print_Raw(QJsonDocument(object).toJson());
+}
+
+/// What is wrong with a document, in words; empty when it is sound.
+QStringList Defects(const QString& path)
+{
+    QStringList defects;
+    if (LegacyFile::Is_Legacy(path)) {
+        try {
+            DocumentReader::Read_Legacy(path);
+        } catch (const TXmlFileException& exception) {
+            defects += exception.Message();
+        }
+        return defects;
+    }
+    const TProjectSurvey survey =
+        ProjectSurvey::Survey(Files::Read(path), ProjectSurvey::TImages::Decode);
+    for (const TProjectDefect& defect : survey.defects)
+        defects += Files::Text(defect);
+    return defects;
+}
+
+} // namespace
+
+void Commands::Info(TCommandLine* line)
+{
+    line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
+    line->Take_Flag(json_option, Translated("Print JSON."));
+    if (!line->Parse())
+        return;
+
+    TDocument document = Files::Load(line->Argument());
+    const std::vector<TPageSummary> pages = Summaries(&document);
+    const auto print = line->Is_Set(json_option) ? Print_Json : Print_Text;
+    print(line->Argument(), document.appearance, pages);
+}
+
+void Commands::Check(TCommandLine* line)
+{
+    line->Take_Arguments(QStringLiteral("FILE"), Translated("The documents."),
+                         TCommandLine::TCount::One_Or_More);
+    if (!line->Parse())
+        return;
+
+    bool is_sound = true;
+    const QStringList paths = line->Arguments();
+    for (const QString& path : paths) {
+        QStringList defects;
+        try {
+            defects = Defects(path);
+        } catch (const TJobError& error) {
+            // The other files are to be looked at all the same.
+            defects += error.defect;
+        }
+        for (const QString& defect : std::as_const(defects))
+            Terminal::Complain(path, defect);
+        if (defects.isEmpty())
+            Terminal::Print(Translated("%1: no defects").arg(path));
+        is_sound = is_sound && defects.isEmpty();
+    }
+    if (!is_sound)
+        throw TReportedError();
+}

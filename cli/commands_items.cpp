@@ -1,0 +1,91 @@
+// Labels as a table, for spreadsheets.
+
+#include "cli/commandline.h"
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/words.h"
+#include "src/itemtable.h"
+
+namespace {
+
+std::vector<TItemRow> Read_Table(const QString& path)
+{
+    try {
+        return ItemTable::Read(Files::Read(path));
+    } catch (const TItemTableException& exception) {
+        throw TJobError{path,
+                        Translated("line %1: %2").arg(exception.Line()).arg(exception.Message())};
+    }
+}
+
+/// The labels of a table by the page that it tells by its number.
+std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& rows,
+                                                   const QString& table, std::size_t page_count)
+{
+    std::vector<std::vector<TDataItem>> labels(page_count);
+    for (const TItemRow& row : rows) {
+        if (row.page < 1 || static_cast<std::size_t>(row.page) > page_count)
+            throw TJobError{table,
+                            Translated("line %1: there is no page %2").arg(row.line).arg(row.page)};
+        labels[static_cast<std::size_t>(row.page) - 1].push_back(row.item);
+    }
+    return labels;
+}
+
+/// Adds labels to the active page under ids that no other label there has.
+void Add_Labels(const std::vector<TDataItem>& labels, TData* data)
+{
+    int next_id = 1;
+    for (TDataItem label : labels) {
+        do
+            label.id = next_id++;
+        while (!data->Add_Item(label));
+    }
+}
+
+} // namespace
+
+void Commands::Export_Items(TCommandLine* line)
+{
+    line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
+    line->Take_Output(Options::Csv, QStringLiteral("ITEMS.csv"),
+                      Translated("The table to write (required)."));
+    if (!line->Parse())
+        return;
+
+    const QString output = line->Text(Options::Csv);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
+    TDocument document = Files::Load(line->Argument());
+    std::vector<TItemRow> rows;
+    int number = 0;
+    for (const TNamedPage& page : document.pages) {
+        ++number;
+        document.data.Set_Active_Page(page.page_id);
+        for (int index = 0; index < document.data.Item_Count(); ++index)
+            rows.push_back({number, document.data.Item(index)});
+    }
+    Files::Write(output, ItemTable::Write(rows));
+}
+
+void Commands::Import_Items(TCommandLine* line)
+{
+    line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
+    line->Take_Option(Options::Csv, QStringLiteral("ITEMS.csv"),
+                      Translated("The table to read (required)."), TCommandLine::TNeed::Required);
+    line->Take_Output(Options::Output, QStringLiteral("FILE"),
+                      Translated("The project to write (required)."));
+    if (!line->Parse())
+        return;
+
+    const QString output = line->Text(Options::Output);
+    const QString table = line->Text(Options::Csv);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
+    TDocument document = Files::Load(line->Argument());
+    const auto labels = Labels_By_Page(Read_Table(table), table, document.pages.size());
+    for (std::size_t place = 0; place < labels.size(); ++place) {
+        document.data.Set_Active_Page(document.pages[place].page_id);
+        Add_Labels(labels[place], &document.data);
+    }
+    Files::Save(output, &document);
+}

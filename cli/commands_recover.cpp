@@ -1,0 +1,39 @@
+// Whatever can be saved of a damaged project.
+
+#include "cli/commandline.h"
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/terminal.h"
+#include "cli/words.h"
+#include "src/documentreader.h"
+
+void Commands::Recover(TCommandLine* line)
+{
+    line->Take_Arguments(QStringLiteral("FILE"), Translated("The damaged project."));
+    line->Take_Output(Options::Output, QStringLiteral("FILE"),
+                      Translated("The project to write (required)."));
+    if (!line->Parse())
+        return;
+
+    const QString path = line->Argument();
+    const QString output = line->Text(Options::Output);
+    Files::Check_Output(output, line->Is_Set(Options::Force));
+    const TProjectSurvey survey =
+        ProjectSurvey::Survey(Files::Read(path), ProjectSurvey::TImages::Decode);
+    if (survey.pages.empty() && !survey.defects.empty())
+        throw TJobError{path, Files::Text(survey.defects.front())};
+    TDocument document = DocumentReader::From_Survey(survey);
+    Files::Save(output, &document);
+
+    for (const TProjectDefect& defect : survey.defects)
+        Terminal::Print(Translated("%1: lost, %2").arg(path, Files::Text(defect)));
+    std::size_t label_count = 0;
+    for (const TSurveyedPage& page : survey.pages)
+        label_count += page.items.size();
+    Terminal::Print(Translated("%1: pages: %2, labels: %3, defects: %4")
+                        .arg(output)
+                        .arg(survey.pages.size())
+                        .arg(label_count)
+                        .arg(survey.defects.size()));
+}

@@ -1,0 +1,64 @@
+#include "cli/terminal.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+const char* const program = "quillet-cli: ";
+/// Back to the beginning of the line, and everything behind it erased.
+const char* const new_line = "\r\033[K";
+
+} // namespace
+
+void Terminal::Print(const QString& line)
+{
+    Print_Raw(line.toUtf8() + '\n');
+}
+
+void Terminal::Print_Raw(const QByteArray& text)
+{
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
+}
+
+void Terminal::Complain(const QString& line)
+{
+    std::fprintf(stderr, "%s%s\n", program, line.toUtf8().constData());
+}
+
+void Terminal::Complain(const QString& file, const QString& defect)
+{
+    Complain(file + QStringLiteral(": ") + defect);
+}
+
+bool Terminal::Flush()
+{
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+TTerminalProgress::TTerminalProgress(const QString& pattern)
+    : d_pattern(pattern)
+    , d_is_terminal(isatty(STDERR_FILENO) == 1)
+{
+}
+
+TTerminalProgress::~TTerminalProgress()
+{
+    if (d_has_line)
+        std::fputs(new_line, stderr);
+}
+
+void TTerminalProgress::Step(int number, int total)
+{
+    if (!d_is_terminal)
+        return;
+    d_has_line = true;
+    const QByteArray text = d_pattern.arg(number).arg(total).toUtf8();
+    std::fprintf(stderr, "%s%s", new_line, text.constData());
+    std::fflush(stderr);
+}
+
+std::function<void(int number, int total)> TTerminalProgress::Steps()
+{
+    return [this](int number, int total) { Step(number, total); };
+}

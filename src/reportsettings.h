@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+/// What a report depends on besides the document. A plain value.
+struct TReportSettings
+{
+    int orientation = 0; ///< 0 portrait, anything else landscape
+    int resolution = 0;  ///< code 1 to 4; times 96 it is the resolution in dots per inch
+    QString header_1;    ///< may be empty
+    QString header_2;    ///< may be empty
+};
