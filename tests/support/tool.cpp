@@ -1,0 +1,54 @@
+#include "support/tool.h"
+
+#include "support/support.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace Support {
+
+namespace {
+
+/// The test's environment without anything that leads to the user's folders or to a display. What
+/// the font library keeps is not the tool's doing and lies elsewhere.
+QProcessEnvironment Environment(const TToolSurroundings& surroundings, const QString& home)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR",
+                             "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        environment.remove(QString::fromLatin1(name));
+    environment.insert(QStringLiteral("HOME"), home);
+    if (!surroundings.display.isEmpty())
+        environment.insert(QStringLiteral("DISPLAY"), surroundings.display);
+    return environment;
+}
+
+} // namespace
+
+TToolResult Run_Tool(const QStringList& arguments, const TToolSurroundings& surroundings)
+{
+    const QTemporaryDir own_home;
+    const QString home = surroundings.home.isEmpty() ? own_home.path() : surroundings.home;
+    const QString tool = QStringLiteral(QUILLET_TOOL);
+    QProcess process;
+    process.setProcessEnvironment(Environment(surroundings, home));
+    process.setWorkingDirectory(surroundings.folder);
+    if (surroundings.file_size.isEmpty()) {
+        process.start(tool, arguments);
+    } else {
+        const QString script =
+            QStringLiteral("trap '' XFSZ; ulimit -f %1; exec \"$@\"").arg(surroundings.file_size);
+        process.start(QStringLiteral("bash"),
+                      QStringList{QStringLiteral("-c"), script, tool, tool} + arguments);
+    }
+    TToolResult result;
+    constexpr int time_limit = 60'000; // milliseconds
+    if (process.waitForFinished(time_limit) && process.exitStatus() == QProcess::NormalExit)
+        result.status = process.exitCode();
+    result.output = QString::fromUtf8(process.readAllStandardOutput());
+    result.errors = QString::fromUtf8(process.readAllStandardError());
+    result.home = Entries(home);
+    return result;
+}
+
+} // namespace Support
