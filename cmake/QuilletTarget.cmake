@@ -18,6 +18,12 @@ target_compile_options(quillet_options INTERFACE
 # char* to QString only through a named conversion, old-style connects allowed, no foreach macro.
 target_compile_definitions(quillet_options INTERFACE QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
 
+# What people install is hardened as the programs of the distribution are.
+set(is_release $<CONFIG:Release>)
+target_compile_options(quillet_options INTERFACE
+    $<${is_release}:-D_FORTIFY_SOURCE=2 -fstack-protector-strong -Werror=format-security>)
+target_link_options(quillet_options INTERFACE $<${is_release}:LINKER:-z,relro,-z,now>)
+
 if(QUILLET_SANITIZE)
     target_compile_options(quillet_options INTERFACE
         -fsanitize=${QUILLET_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -13,6 +13,8 @@ int main(int argument_count, char** arguments)
     QApplication application(argument_count, arguments);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillet.png")));
+    // The desktop entry's name, by which a desktop finds the entry of a window.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.example.quillet"));
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 
     auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());

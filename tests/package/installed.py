@@ -1,0 +1,95 @@
+"""What the tests of the installed files share: where the files are, and tools to look at them."""
+import os
+import re
+import subprocess
+import unittest
+
+SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+ID = "org.example.quillet"
+ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
+
+
+def setting(name):
+    """What CMake tells a test about the build."""
+    return os.environ["QUILLET_" + name]
+
+
+def prefix():
+    """The folder below which the build is installed."""
+    return os.path.join(setting("STAGE"), setting("PREFIX").lstrip("/"))
+
+
+def installed(*parts):
+    return os.path.join(prefix(), *parts)
+
+
+def source(*parts):
+    return os.path.join(SOURCE, *parts)
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def files_below(folder):
+    return sorted(os.path.relpath(os.path.join(place, name), folder)
+                  for place, _, names in os.walk(folder) for name in names)
+
+
+def run(*command, **options):
+    """Runs a command that has to succeed, and returns what it printed."""
+    result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                            stdin=subprocess.DEVNULL, encoding="utf-8", check=False, **options)
+    if result.returncode != 0:
+        raise AssertionError(f"{' '.join(command)} ended with {result.returncode}:\n{result.stdout}")
+    return result.stdout
+
+
+def run_with(environment, *command, **options):
+    return run(*command, env={**os.environ, **environment}, **options)
+
+
+def png_size(path):
+    """Width and height from a PNG's header."""
+    with open(path, "rb") as file:
+        header = file.read(24)
+    assert header[:8] == b"\x89PNG\r\n\x1a\n", path
+    return int.from_bytes(header[16:20], "big"), int.from_bytes(header[20:24], "big")
+
+
+def expected_files():
+    """Every file that is installed, below the prefix."""
+    icons = [f"share/icons/hicolor/{size}x{size}/{name}.png" for size in ICON_SIZES
+             for name in (f"apps/{ID}", "mimetypes/application-x-quillet")]
+    pictures = [f"share/doc/quillet/pictures/{name}" for name in os.listdir(source("docs/pictures"))]
+    return sorted(icons + pictures + [
+        "bin/quillet",
+        "bin/quillet-cli",
+        f"share/applications/{ID}.desktop",
+        "share/bash-completion/completions/quillet-cli",
+        "share/doc/quillet/changelog.gz",
+        "share/doc/quillet/copyright",
+        "share/doc/quillet/file-formats.md",
+        "share/doc/quillet/guide.md",
+        f"share/icons/hicolor/scalable/apps/{ID}.svg",
+        "share/icons/hicolor/scalable/mimetypes/application-x-quillet.svg",
+        "share/man/man1/quillet-cli.1.gz",
+        "share/man/man1/quillet.1.gz",
+        f"share/metainfo/{ID}.metainfo.xml",
+        f"share/mime/packages/{ID}.xml",
+        f"share/thumbnailers/{ID}.thumbnailer",
+    ])
+
+
+def man_page(name):
+    """A manual page as plain text, and what man has to say against it."""
+    result = subprocess.run(
+        ["man", "--warnings", "-Tutf8", "-l", installed("share/man/man1", name + ".gz")],
+        capture_output=True, encoding="utf-8", check=True,
+        env={**os.environ, "MANWIDTH": "200", "MAN_KEEP_FORMATTING": "", "LC_ALL": "C.UTF-8"})
+    return re.sub(r".\x08|\x1b\[[0-9;]*m", "", result.stdout), result.stderr
+
+
+def main():
+    unittest.main(verbosity=2)

@@ -1,0 +1,77 @@
+"""The Debian package: what is in it, what it says of itself, and what Debian's checker says of it."""
+import glob
+import os
+import re
+import shutil
+import stat
+import tempfile
+import unittest
+
+import installed
+from installed import run
+
+
+class TestPackage(unittest.TestCase):
+
+    @classmethod
+    def setUpClass(cls):
+        cls.path, = glob.glob(installed.source("build/release/quillet_*.deb"))
+        cls.folder = tempfile.mkdtemp()
+        cls.addClassCleanup(shutil.rmtree, cls.folder)
+        run("dpkg-deb", "--raw-extract", cls.path, cls.folder)
+
+    def field(self, name):
+        return run("dpkg-deb", "--field", self.path, name).strip()
+
+    def test_lintian_finds_nothing(self):
+        self.assertEqual(run("lintian", "--no-cfg", "--allow-root", "--fail-on", "error,warning",
+                             self.path), "")
+
+    def test_it_holds_what_is_installed(self):
+        held = [path for path in installed.files_below(self.folder)
+                if not path.startswith("DEBIAN/")]
+        self.assertEqual(held, [f"usr/{path}" for path in installed.expected_files()])
+
+    def test_owners_and_modes(self):
+        for line in run("dpkg-deb", "--contents", self.path).splitlines():
+            mode, owner, *_, name = line.split()
+            self.assertEqual(owner, "root/root", line)
+            runs = name.startswith("./usr/bin/") or name.endswith("/")
+            self.assertEqual(mode[1:], "rwxr-xr-x" if runs else "rw-r--r--", line)
+
+    def test_check_sums_hold_for_every_file(self):
+        sums = os.path.join(self.folder, "DEBIAN/md5sums")
+        self.assertEqual(stat.S_IMODE(os.stat(sums).st_mode), 0o644)
+        self.assertEqual(len(installed.read(sums).splitlines()), len(installed.expected_files()))
+        run("md5sum", "--check", "--quiet", "DEBIAN/md5sums", cwd=self.folder)
+
+    def test_it_runs_no_scripts_when_it_comes_and_goes(self):
+        self.assertEqual(sorted(os.listdir(os.path.join(self.folder, "DEBIAN"))),
+                         ["control", "md5sums"])
+
+    def test_fields(self):
+        self.assertEqual(self.field("Package"), "quillet")
+        self.assertEqual(self.field("Version"), installed.setting("VERSION"))
+        self.assertEqual(self.field("Maintainer"), "The Quillet Project <maintainers@quillet.example>")
+        self.assertEqual(self.field("Section"), "graphics")
+        self.assertEqual(self.field("Architecture"),
+                         run("dpkg", "--print-architecture").strip())
+
+    def test_it_depends_on_its_libraries_and_the_font_of_labels(self):
+        names = {re.match(r"\S+", part)[0] for part in self.field("Depends").split(", ")}
+        self.assertLessEqual({"libc6", "libqt5core5a", "libqt5gui5", "libqt5printsupport5",
+                              "libqt5widgets5", "libqt5xml5", "libstdc++6", "fonts-liberation"}, names)
+
+    def test_programs_are_stripped_and_hardened(self):
+        for program in ("quillet", "quillet-cli"):
+            path = os.path.join(self.folder, "usr/bin", program)
+            self.assertIn(", stripped", run("file", path))
+            self.assertRegex(run("readelf", "-hW", path), r"Type: +DYN")
+            self.assertRegex(run("readelf", "-dW", path), r"FLAGS_1.*NOW.*PIE")
+            segments = run("readelf", "-lW", path)
+            self.assertIn("GNU_RELRO", segments)
+            self.assertRegex(segments, r"GNU_STACK .* RW ")
+            self.assertIn("__stack_chk_fail", run("readelf", "--dyn-syms", "-W", path))
+
+
+installed.main()

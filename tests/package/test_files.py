@@ -1,0 +1,102 @@
+"""What an installation puts where, and that every part of it tells the same version and licence."""
+import gzip
+import os
+import re
+import stat
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+import installed
+from installed import ID, read, source
+
+
+class TestFiles(unittest.TestCase):
+
+    def test_every_file_is_installed_and_no_other(self):
+        self.assertEqual(installed.files_below(installed.prefix()), installed.expected_files())
+
+    def test_nothing_is_installed_beside_the_prefix(self):
+        stage = installed.setting("STAGE")
+        below = installed.setting("PREFIX").lstrip("/")
+        self.assertEqual([path for path in installed.files_below(stage)
+                          if not path.startswith(below + "/")], [])
+
+    def test_everybody_may_read_each_file_that_is_installed(self):
+        # Folders that are new are open to those to whom whoever installs opens them.
+        for path in installed.files_below(installed.prefix()):
+            mode = 0o755 if path.startswith("bin/") else 0o644
+            self.assertEqual(stat.S_IMODE(os.stat(installed.installed(path)).st_mode), mode, path)
+
+    def test_compressed_files_hold_no_name_and_no_time(self):
+        for name in ("share/doc/quillet/changelog.gz", "share/man/man1/quillet.1.gz",
+                     "share/man/man1/quillet-cli.1.gz"):
+            with open(installed.installed(name), "rb") as file:
+                header = file.read(10)
+            self.assertEqual(header[3], 0, name)
+            self.assertEqual(header[4:8], bytes(4), name)
+            self.assertEqual(header[8], 2, f"{name} is not compressed as well as it can be")
+
+    def test_links_between_the_installed_documents_lead_somewhere(self):
+        folder = installed.installed("share/doc/quillet")
+        for name in ("guide.md", "file-formats.md"):
+            for link in re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", read(os.path.join(folder, name))):
+                self.assertTrue(os.path.exists(os.path.join(folder, link)), f"{name}: {link}")
+
+
+class TestVersion(unittest.TestCase):
+    """The version stands in CMakeLists.txt; where it has to be repeated, it is the same."""
+
+    version = installed.setting("VERSION")
+
+    @staticmethod
+    def changelog():
+        with gzip.open(installed.installed("share/doc/quillet/changelog.gz"), "rt") as file:
+            return file.read()
+
+    def test_latest_release_of_the_metainfo(self):
+        metainfo = ElementTree.parse(installed.installed("share/metainfo", ID + ".metainfo.xml"))
+        release = metainfo.find("releases/release")
+        self.assertEqual(release.get("version"), self.version)
+        date = installed.run("dpkg-parsechangelog", "-l", source("share/doc/changelog"), "-S", "Date")
+        self.assertEqual(release.get("date"),
+                         installed.run("date", "-u", "-d", date.strip(), "+%Y-%m-%d").strip())
+
+    def test_latest_entry_of_the_changelog(self):
+        self.assertRegex(self.changelog(), rf"\Aquillet \({re.escape(self.version)}\) ")
+
+    def test_manual_pages(self):
+        for name in ("quillet.1", "quillet-cli.1"):
+            self.assertIn(f"Quillet {self.version} ", installed.man_page(name)[0])
+
+    def test_about_box(self):
+        self.assertIn(f'tr("Quillet - Version {self.version}")', read(source("src/quillet.cpp")))
+
+    def test_command_line_tool(self):
+        text = installed.run(installed.installed("bin/quillet-cli"), "--version")
+        self.assertIn(self.version, text.split())
+
+
+class TestLicence(unittest.TestCase):
+
+    def test_the_licence_is_one_line(self):
+        self.assertRegex(read(source("LICENSE")), r"\A[^\n]+\n\Z")
+
+    def test_the_package_repeats_the_line(self):
+        self.assertIn("\n " + read(source("LICENSE")),
+                      read(installed.installed("share/doc/quillet/copyright")))
+
+    def test_the_metainfo_claims_no_free_licence(self):
+        metainfo = ElementTree.parse(installed.installed("share/metainfo", ID + ".metainfo.xml"))
+        self.assertEqual(metainfo.findtext("project_license"), "LicenseRef-proprietary")
+
+    def test_nothing_is_linked_that_the_copyright_file_does_not_name(self):
+        permitted = re.compile(r"libQt5(Core|Gui|Widgets|Xml|PrintSupport)\.so\.5"
+                               r"|lib(stdc\+\+|gcc_s|c|m)\.so\.\d|ld-linux\S*")
+        for program in ("quillet", "quillet-cli"):
+            dynamic = installed.run("readelf", "-dW", installed.installed("bin", program))
+            libraries = re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic)
+            self.assertIn("libQt5Core.so.5", libraries)
+            self.assertEqual([name for name in libraries if not permitted.fullmatch(name)], [])
+
+
+installed.main()

@@ -1,0 +1,139 @@
+"""Manual pages and completion: sound, and in line with what the tool itself tells."""
+import os
+import re
+import tempfile
+import unittest
+
+import installed
+from installed import run, run_with
+
+TOOL = installed.installed("bin/quillet-cli")
+IMAGES = ("bmp", "gif", "jpeg", "jpg", "pbm", "pgm", "png", "ppm", "xbm", "xpm")
+
+
+def subcommands():
+    """The subcommands that the tool's help lists."""
+    return re.findall(r"^  ([a-z][a-z-]*)  ", run(TOOL, "--help"), re.MULTILINE)
+
+
+def options_in_help(subcommand):
+    """The options of a subcommand, without those that ask for the help itself."""
+    names = re.findall(r"^\s+(?:-\w, )*(--[a-z0-9-]+)", run(TOOL, subcommand, "--help"), re.MULTILINE)
+    return set(names) - {"--help", "--help-all"}
+
+
+class TestManualPages(unittest.TestCase):
+
+    def test_man_finds_nothing_to_warn_of(self):
+        for name in ("quillet.1", "quillet-cli.1"):
+            self.assertEqual(installed.man_page(name)[1], "", name)
+
+    def test_they_are_found_by_what_they_are_about(self):
+        for name in ("quillet", "quillet-cli"):
+            text = run("lexgrog", installed.installed("share/man/man1", name + ".1.gz"))
+            self.assertIn(f'"{name} - ', text)
+
+    def sections(self):
+        """The part of each subcommand in the tool's page."""
+        text = installed.man_page("quillet-cli.1")[0]
+        parts = re.split(r"^ {3}(\S.*)\n", re.search(
+            r"^SUBCOMMANDS\n(.*?)^EXIT STATUS\n", text, re.DOTALL | re.MULTILINE)[1],
+            flags=re.MULTILINE)
+        return dict(zip(parts[1::2], parts[2::2]))
+
+    def test_each_subcommand_has_a_section(self):
+        self.assertEqual(list(self.sections()), subcommands())
+
+    def test_each_section_tells_the_options_that_the_tool_tells(self):
+        for subcommand, text in self.sections().items():
+            with self.subTest(subcommand):
+                synopsis, rest = text.split("\n\n", 1)
+                expected = options_in_help(subcommand)
+                self.assertEqual(set(re.findall(r"--[a-z0-9-]+", synopsis)), expected)
+                self.assertEqual(set(re.findall(r"^ {7}(--[a-z0-9-]+)", rest, re.MULTILINE)),
+                                 expected)
+
+
+class TestCompletion(unittest.TestCase):
+    """Asks bash, which finds the completion where it looks for those of all programs."""
+
+    script = r"""
+        . /usr/share/bash-completion/bash_completion
+        _completion_loader quillet-cli || [ $? -eq 124 ]
+        rule=$(complete -p quillet-cli)
+        [[ $rule =~ -F\ ([^ ]+) ]] && complete=${BASH_REMATCH[1]}
+        COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMP_LINE="$*" COMP_TYPE=9 COMP_KEY=9
+        COMP_POINT=${#COMP_LINE}
+        "$complete" "$1" "${!#}" "${@: -2:1}"
+        printf '%s\n' "${COMPREPLY[@]}"
+    """
+
+    @classmethod
+    def setUpClass(cls):
+        room = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(room.cleanup)
+        cls.folder = room.name
+        os.mkdir(os.path.join(cls.folder, "folder"))
+        for name in (*(f"page.{kind}" for kind in IMAGES), "a.quillet", "old.qld", "report.pdf",
+                     "items.csv", "notes.txt"):
+            with open(os.path.join(cls.folder, name), "w", encoding="utf-8"):
+                pass
+
+    def complete(self, *words):
+        environment = {"XDG_DATA_DIRS": installed.installed("share"),
+                       "PATH": installed.installed("bin") + ":" + os.environ["PATH"]}
+        text = run_with(environment, "bash", "--norc", "--noprofile", "-c", self.script, "bash",
+                        "quillet-cli", *words, cwd=self.folder)
+        return sorted(line.strip() for line in text.splitlines() if line.strip())
+
+    def test_subcommands(self):
+        self.assertEqual(self.complete(""), sorted(subcommands()))
+        self.assertEqual(self.complete("export-p"), ["export-pdf"])
+
+    def test_options_are_those_that_the_tool_tells(self):
+        for subcommand in subcommands():
+            with self.subTest(subcommand):
+                offered = set(self.complete(subcommand, "--")) - {"--help", "--help-all"}
+                self.assertEqual({name.rstrip("=") for name in offered}, options_in_help(subcommand))
+
+    def test_options_of_the_tool_itself(self):
+        self.assertEqual(self.complete("--vers"), ["--version"])
+
+    def test_documents_for_the_subcommands_that_read_one(self):
+        for subcommand in subcommands():
+            if subcommand not in ("create", "kept", "recover"):
+                self.assertEqual(self.complete(subcommand, ""),
+                                 ["a.quillet", "folder", "old.qld"])
+        # Mending is for projects alone.
+        self.assertEqual(self.complete("recover", ""), ["a.quillet", "folder"])
+        self.assertEqual(self.complete("kept", ""), [])
+
+    def test_images_and_folders_for_a_new_document(self):
+        self.assertEqual(self.complete("create", ""),
+                         ["folder"] + [f"page.{kind}" for kind in IMAGES])
+
+    def test_offered_values_are_those_that_the_tool_tells(self):
+        for subcommand, option in (("reindex", "over-page"), ("export-pdf", "orientation"),
+                                   ("export-pdf", "resolution")):
+            description = re.search(rf"--{option} .*?(?=\n +--|\Z)", run(TOOL, subcommand, "--help"),
+                                    re.DOTALL)[0]
+            values = self.complete(subcommand, "a.quillet", f"--{option}", "")
+            self.assertGreater(len(values), 1)
+            self.assertLessEqual(set(values), set(re.findall(r"\w+", description)), option)
+
+    def test_values_of_options(self):
+        for words, expected in (
+                (("export-pdf", "a.quillet", "--output", ""), ["folder", "report.pdf"]),
+                (("reindex", "a.quillet", "--output", ""), ["a.quillet", "folder"]),
+                (("thumbnail", "a.quillet", "--output", ""), ["folder", "page.png"]),
+                (("import-items", "a.quillet", "--csv", ""), ["folder", "items.csv"]),
+                (("export-images", "a.quillet", "--folder", ""), ["folder"]),
+                (("reindex", "a.quillet", "--over-page", "10"), ["10", "100", "1000"]),
+                (("export-pdf", "a.quillet", "--orientation", "l"), ["landscape"]),
+                (("export-pdf", "a.quillet", "--resolution=1"), ["180"]),
+                (("reindex", "a.quillet", "--first", ""), [])):
+            with self.subTest(words):
+                self.assertEqual(self.complete(*words), expected)
+
+
+installed.main()
