@@ -65,7 +65,7 @@ QStringList Images_Of(const QStringList& arguments)
 
 TPageImage Read_Image(const QString& path)
 {
-    const TPageImage image = TPageImage::From_File(path);
+    TPageImage image = TPageImage::From_File(path);
     if (!image.isNull())
         return image;
     throw TJobError{path, QFileInfo::exists(path) ? Translated("cannot be read as an image")

@@ -8,6 +8,17 @@
 #include "cli/words.h"
 #include "src/documentreader.h"
 
+namespace {
+
+/// An image that can be decoded. Bytes that cannot would be carried on to the new file, which is to
+/// be free of defects.
+TPageImage Sound_Image(const TPageImage& image)
+{
+    return image.isNull() ? TPageImage() : image;
+}
+
+} // namespace
+
 void Commands::Recover(TCommandLine* line)
 {
     line->Take_Arguments(QStringLiteral("FILE"), Translated("The damaged project."));
@@ -19,17 +30,19 @@ void Commands::Recover(TCommandLine* line)
     const QString path = line->Argument();
     const QString output = line->Text(Options::Output);
     Files::Check_Output(output, line->Is_Set(Options::Force));
-    const TProjectSurvey survey =
+    TProjectSurvey survey =
         ProjectSurvey::Survey(Files::Read(path), ProjectSurvey::TImages::Decode);
     if (survey.pages.empty() && !survey.defects.empty())
         throw TJobError{path, Files::Text(survey.defects.front())};
+    for (TSurveyedPage& page : survey.pages)
+        page.image = Sound_Image(page.image);
     TDocument document = DocumentReader::From_Survey(survey);
     Files::Save(output, &document);
 
-    for (const TProjectDefect& defect : survey.defects)
+    for (const TProjectDefect& defect : std::as_const(survey.defects))
         Terminal::Print(Translated("%1: lost, %2").arg(path, Files::Text(defect)));
     std::size_t label_count = 0;
-    for (const TSurveyedPage& page : survey.pages)
+    for (const TSurveyedPage& page : std::as_const(survey.pages))
         label_count += page.items.size();
     Terminal::Print(Translated("%1: pages: %2, labels: %3, defects: %4")
                         .arg(output)

@@ -31,7 +31,7 @@ QByteArray Files::Read(const QString& path)
         throw TJobError{path, file.errorString()};
     if (file.size() > TProjectWriter::Maximum_Size)
         throw TJobError{path, Translated("is larger than 2 GiB")};
-    const QByteArray content = file.readAll();
+    QByteArray content = file.readAll();
     // Opening a folder succeeds; reading it does not.
     if (file.error() != QFileDevice::NoError)
         throw TJobError{path, file.errorString()};

@@ -151,6 +151,9 @@ int main(int argument_count, char** arguments)
     // File names are UTF-8, also where a script runs in a locale that knows of ASCII only.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     qInstallMessageHandler(Pass_On_Errors);
+    // The resolution that desktops have, and the window with them: fonts get their sizes by it, and
+    // it is noted in images. Without a display the toolkit would assume others.
+    QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     QStringList words;
     for (int place = 1; place < argument_count; ++place)
         words += QFile::decodeName(arguments[place]);

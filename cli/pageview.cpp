@@ -1,7 +1,5 @@
 #include "cli/pageview.h"
 
-#include "src/pageexporter.h"
-
 TPageView::TPageView(TDocument* document, const TPageExporter::TProgress& progress)
     : d_view(nullptr)
     , d_exporter(&document->data, &d_view, progress)

@@ -4,13 +4,19 @@
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
+#include "src/focusframe.h"
 #include "src/imagedrop.h"
 #include "src/labelwidget.h"
 #include "src/nudgekeys.h"
+#include "src/rowlist.h"
 #include "src/wheelzoom.h"
 
 void TQuillet::Add_Habits()
 {
+    new TFocusFrame(d_display_widget);
+    const auto lists = findChildren<TRowList*>();
+    for (TRowList* const list : lists)
+        new TFocusFrame(list);
     new TWheelZoom(d_display_widget, d_zoom_slider);
     new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
     new TImageDrop(this, [this](const QStringList& paths) {

@@ -101,6 +101,8 @@ private slots:
     void alt_and_arrows_move_rows();
     void moved_pages_keep_their_selection_and_names();
 
+    void the_frame_tells_where_the_keyboard_is();
+
     void an_import_is_shown();
     void saving_and_opening_are_shown();
     void exports_are_shown();
@@ -774,6 +776,35 @@ void TestHabits::moved_pages_keep_their_selection_and_names()
     QCOMPARE(d_window->d_page_widget->Page_Name(2), QString("B"));
     QCOMPARE(list->currentRow(), 0);
     QCOMPARE(d_window->d_data.Active_Page(), 2);
+}
+
+// --- where the keyboard is -----------------------------------------------------------------------
+
+void TestHabits::the_frame_tells_where_the_keyboard_is()
+{
+    Show_Page();
+    const QList<QAbstractScrollArea*> views = {
+        d_window->d_display_widget, List(d_window->d_label_widget), List(d_window->d_page_widget)};
+    const auto frames = [&views] {
+        QStringList words;
+        for (QAbstractScrollArea* view : views) {
+            const QImage picture = view->grab().toImage();
+            const QPoint last = picture.rect().bottomRight();
+            const bool has_frame = picture.pixelColor(0, last.y() / 2).saturation() > 100 &&
+                                   picture.pixelColor(last.x(), last.y() / 2).saturation() > 100 &&
+                                   picture.pixelColor(last.x() / 2, 0).saturation() > 100 &&
+                                   picture.pixelColor(last.x() / 2, last.y()).saturation() > 100;
+            words += has_frame ? "blue" : "grey";
+        }
+        return words.join(' ');
+    };
+    const QStringList expected = {"blue grey grey", "grey blue grey", "grey grey blue"};
+    for (int place = 0; place < views.size(); ++place) {
+        Focus(views[place]);
+        QCOMPARE(frames(), expected[place]);
+    }
+    Focus(Support::By_Caption<QLineEdit>(*d_window, "Item Display Format:"));
+    QCOMPARE(frames(), QString("grey grey grey"));
 }
 
 // --- long work -----------------------------------------------------------------------------------

@@ -25,11 +25,16 @@ QProcessEnvironment Environment(const TToolSurroundings& surroundings, const QSt
 
 } // namespace
 
+QString Tool_Path()
+{
+    return QStringLiteral(QUILLET_TOOL);
+}
+
 TToolResult Run_Tool(const QStringList& arguments, const TToolSurroundings& surroundings)
 {
     const QTemporaryDir own_home;
     const QString home = surroundings.home.isEmpty() ? own_home.path() : surroundings.home;
-    const QString tool = QStringLiteral(QUILLET_TOOL);
+    const QString tool = Tool_Path();
     QProcess process;
     process.setProcessEnvironment(Environment(surroundings, home));
     process.setWorkingDirectory(surroundings.folder);

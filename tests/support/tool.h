@@ -25,6 +25,9 @@ struct TToolSurroundings
     QString file_size; ///< in blocks of 1024 bytes, beyond which no file grows; empty for no limit
 };
 
+/// Path of the tool, for runs of another kind.
+QString Tool_Path();
+
 /// Runs the tool to its end.
 TToolResult Run_Tool(const QStringList& arguments, const TToolSurroundings& surroundings = {});
 

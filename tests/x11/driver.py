@@ -132,6 +132,17 @@ class Picture:
                 found += [(area.left + xs[0], y, area.left + xs[-1] + 1, y + 1)] if xs else []
         return enclosing(found)
 
+    def changes_from_both(self, other, another, area):
+        """The smallest box around the pixels of an area that are like neither of two pictures."""
+        found = []
+        for y in range(area.top, area.bottom):
+            rows = [picture.row(y, area.left, area.right) for picture in (self, other, another)]
+            if rows[0] not in rows[1:]:
+                xs = [x for x, (mine, *others) in enumerate(zip(*map(pixels_of, rows)))
+                      if mine not in others]
+                found += [(area.left + xs[0], y, area.left + xs[-1] + 1, y + 1)] if xs else []
+        return enclosing(found)
+
     def changes(self, other, area):
         """The smallest box around the pixels of an area that differ; None when there are none."""
         found = []
@@ -141,6 +152,10 @@ class Picture:
                 xs = [i // 3 for i in range(len(mine)) if mine[i] != others[i]]
                 found.append((area.left + xs[0], y, area.left + xs[-1] + 1, y + 1))
         return enclosing(found)
+
+
+def pixels_of(row):
+    return [row[start:start + 3] for start in range(0, len(row), 3)]
 
 
 def enclosing(boxes):
@@ -324,19 +339,22 @@ class Program:
     def walk(self, names):
         """Walks the window with the tabulator key, and learns what lies where by what lights up.
 
-        `names` are the widgets in the order of the walk, the first of which has the focus already;
+        `names` are three widgets at least in the order of the walk, the first of which has the
+        focus already;
         a widget that shows nothing when it gets the focus is None in the answer.
         """
-        boxes = {names[0]: None}
-        before, last = calm_screen(), None
-        for name in names[1:]:
+        shots = [calm_screen()]
+        for _ in names[1:]:
             press("Tab")
             time.sleep(CALM_SECONDS)
-            after = Picture.of_screen()
-            # What had the focus before changes as well; its place is known already.
-            shown = after if last is None else after.with_box_of(before, last)
+            shots.append(Picture.of_screen())
+        # At each step two widgets change. Of the first two each is what it is only in its own shot.
+        boxes = {names[0]: shots[0].changes_from_both(shots[1], shots[2], self.box),
+                 names[1]: shots[1].changes_from_both(shots[0], shots[2], self.box)}
+        # Of the others the place of the one before is known already.
+        for last, name, before, after in zip(names[1:], names[2:], shots[1:], shots[2:]):
+            shown = after.with_box_of(before, boxes[last]) if boxes[last] else after
             boxes[name] = before.changes(shown, self.box)
-            before, last = after, boxes[name]
         return boxes
 
 

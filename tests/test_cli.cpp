@@ -1,0 +1,386 @@
+#include "support/project.h"
+#include "support/support.h"
+#include "support/tool.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using Support::Run_Tool;
+using Support::TToolResult;
+
+namespace {
+
+const QStringList command_names = {"create",       "info",          "check",      "recover",
+                                   "reindex",      "export-images", "export-pdf", "import-items",
+                                   "export-items", "kept",          "thumbnail"};
+
+QByteArray Sound_Project()
+{
+    return Support::Header(32, "#0a141e", "", "", 1) +
+           Support::Page_Record(
+               "a", Support::Png(Support::Picture(60, 40)),
+               Support::Item_List(Support::Item_Element("5", "7", "", "1", "10.00,20.00")));
+}
+
+} // namespace
+
+/// What all commands of the tool have in common. Each test has a folder with a sound document, a
+/// damaged one, a table and an image.
+class TestCli : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+
+    TToolResult Run(const QStringList& arguments) const
+    {
+        return Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
+    }
+
+    QByteArray Content(const QString& name) const
+    {
+        return Support::Read_File(d_folder->filePath(name));
+    }
+
+    /// A complete line for each command that writes a file named "out".
+    static void Add_Writing_Commands()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("create") << QStringList{"create", "image.png", "--output", "out"};
+        QTest::newRow("recover") << QStringList{"recover", "damaged.quillet", "--output", "out"};
+        QTest::newRow("reindex") << QStringList{
+            "reindex", "sound.quillet", "--first", "1", "--over-page", "10", "--output", "out"};
+        QTest::newRow("export-pdf")
+            << QStringList{"export-pdf", "sound.quillet", "--output", "out"};
+        QTest::newRow("import-items") << QStringList{"import-items", "sound.quillet", "--csv",
+                                                     "items.csv",    "--output",      "out"};
+        QTest::newRow("export-items")
+            << QStringList{"export-items", "sound.quillet", "--csv", "out"};
+        QTest::newRow("thumbnail") << QStringList{"thumbnail", "sound.quillet", "--output", "out"};
+    }
+
+private slots:
+    void init()
+    {
+        d_folder = std::make_unique<QTemporaryDir>();
+        const QByteArray project = Sound_Project();
+        Support::Write_File(d_folder->filePath("sound.quillet"), project);
+        Support::Write_File(d_folder->filePath("damaged.quillet"),
+                            project.left(project.size() - 9));
+        Support::Write_File(d_folder->filePath("items.csv"), "page,value,x,y\r\n1,3,4,5\r\n");
+        Support::Write_File(d_folder->filePath("image.png"),
+                            Support::Png(Support::Picture(60, 40)));
+    }
+
+    void help_lists_every_command_data()
+    {
+        QTest::addColumn<QString>("option");
+        QTest::newRow("long") << "--help";
+        QTest::newRow("short") << "-h";
+    }
+    void help_lists_every_command()
+    {
+        QFETCH(const QString, option);
+        const TToolResult result = Run({option});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.errors, QString());
+        for (const QString& name : command_names)
+            QVERIFY2(result.output.contains("\n  " + name + ' '), qPrintable(name));
+    }
+
+    void the_version_is_that_of_the_program_data()
+    {
+        QTest::addColumn<QString>("option");
+        QTest::newRow("long") << "--version";
+        QTest::newRow("short") << "-v";
+    }
+    void the_version_is_that_of_the_program()
+    {
+        QFETCH(const QString, option);
+        const TToolResult result = Run({option});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QStringLiteral("quillet-cli 3.0\n"));
+        QCOMPARE(result.errors, QString());
+    }
+
+    void each_command_tells_how_to_use_it_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const QString& name : command_names)
+            QTest::newRow(qPrintable(name)) << name;
+    }
+    void each_command_tells_how_to_use_it()
+    {
+        QFETCH(const QString, name);
+        const TToolResult result = Run({name, "--help"});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.errors, QString());
+        QVERIFY2(result.output.startsWith("Usage: quillet-cli " + name + " [options]"),
+                 qPrintable(result.output));
+        // What the toolkit's own options are is of no use here.
+        QVERIFY(!result.output.contains("--help-all"));
+    }
+
+    void wrong_usage_is_told_from_failed_jobs_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("complaint");
+        const auto row = [](const char* arguments, const char* complaint) {
+            QTest::newRow(arguments)
+                << QString(arguments).split(' ', Qt::SkipEmptyParts) << QString(complaint);
+        };
+        row("", "A command is missing.");
+        row("paint", "There is no command 'paint'.");
+        row("--paint", "There is no command '--paint'.");
+        row("info", "FILE is missing.");
+        row("info a b", "Unexpected argument 'b'.");
+        row("info sound.quillet --paint", "Unknown option 'paint'.");
+        row("info sound.quillet --json=1", "Unexpected value after '--json'.");
+        row("check", "FILE is missing.");
+        row("create --output out", "IMAGE is missing.");
+        row("create image.png", "Option 'output' is missing.");
+        row("create image.png --output", "Missing value after '--output'.");
+        row("recover damaged.quillet", "Option 'output' is missing.");
+        row("reindex sound.quillet --first 1 --output out", "Option 'over-page' is missing.");
+        row("reindex sound.quillet --over-page 1 --output out", "Option 'first' is missing.");
+        row("reindex sound.quillet --first 1 --over-page 1", "Option 'output' is missing.");
+        row("reindex sound.quillet --first x --over-page 1 --output out",
+            "Option 'first' cannot be 'x'.");
+        row("reindex sound.quillet --first 2147483648 --over-page 1 --output out",
+            "Option 'first' cannot be '2147483648'.");
+        row("reindex sound.quillet --first 1 --over-page 5 --output out",
+            "Option 'over-page' cannot be '5'.");
+        row("export-images sound.quillet", "Option 'folder' is missing.");
+        row("export-pdf sound.quillet", "Option 'output' is missing.");
+        row("export-pdf sound.quillet --output out --orientation upright",
+            "Option 'orientation' cannot be 'upright'.");
+        row("export-pdf sound.quillet --output out --resolution 100",
+            "Option 'resolution' cannot be '100'.");
+        row("export-pdf sound.quillet --output out --resolution 5",
+            "Option 'resolution' cannot be '5'.");
+        row("import-items sound.quillet --output out", "Option 'csv' is missing.");
+        row("import-items sound.quillet --csv items.csv", "Option 'output' is missing.");
+        row("export-items sound.quillet", "Option 'csv' is missing.");
+        row("thumbnail sound.quillet", "Option 'output' is missing.");
+        row("thumbnail sound.quillet --output out --size 0", "Option 'size' cannot be '0'.");
+        row("thumbnail sound.quillet --output out --size big", "Option 'size' cannot be 'big'.");
+        row("kept 1", "Unexpected argument '1'.");
+        row("kept --copy 1", "Options 'copy' and 'output' belong together.");
+        row("kept --output out", "Options 'copy' and 'output' belong together.");
+        row("kept --copy x --output out", "Option 'copy' cannot be 'x'.");
+        row("kept --copy 0 --output out", "Option 'copy' cannot be '0'.");
+    }
+    void wrong_usage_is_told_from_failed_jobs()
+    {
+        QFETCH(const QStringList, arguments);
+        QFETCH(const QString, complaint);
+        const QStringList before = Support::Entries(d_folder->path());
+        const TToolResult result = Run(arguments);
+        QCOMPARE(result.status, 2);
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.errors.section('\n', 0, 0), "quillet-cli: " + complaint);
+        QVERIFY(result.errors.section('\n', 1, 1).endsWith(" --help'."));
+        QCOMPARE(Support::Entries(d_folder->path()), before);
+        QCOMPARE(result.home, QStringList());
+    }
+
+    void a_file_that_is_there_stays_data() { Add_Writing_Commands(); }
+    void a_file_that_is_there_stays()
+    {
+        QFETCH(const QStringList, arguments);
+        Support::Write_File(d_folder->filePath("out"), "old");
+        const QStringList before = Support::Entries(d_folder->path());
+        const TToolResult result = Run(arguments);
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: out: exists already; --force replaces it\n"));
+        QCOMPARE(Content("out"), QByteArray("old"));
+        QCOMPARE(Support::Entries(d_folder->path()), before);
+    }
+
+    void force_replaces_a_file_data() { Add_Writing_Commands(); }
+    void force_replaces_a_file()
+    {
+        QFETCH(const QStringList, arguments);
+        Support::Write_File(d_folder->filePath("out"), "old");
+        const QStringList before = Support::Entries(d_folder->path());
+        const TToolResult result = Run(arguments + QStringList{"--force"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QVERIFY(Content("out").size() > 3);
+        QCOMPARE(Support::Entries(d_folder->path()), before);
+    }
+
+    void a_full_disk_leaves_what_was_there_data() { Add_Writing_Commands(); }
+    void a_full_disk_leaves_what_was_there()
+    {
+        QFETCH(const QStringList, arguments);
+        Support::Write_File(d_folder->filePath("out"), "old");
+        const QStringList before = Support::Entries(d_folder->path());
+        const TToolResult result = Run_Tool(arguments + QStringList{"--force"},
+                                            {QString(), d_folder->path(), QString(), "0"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: out: cannot be written\n"));
+        QCOMPARE(Content("out"), QByteArray("old"));
+        QCOMPARE(Support::Entries(d_folder->path()), before);
+    }
+
+    void a_missing_folder_is_named_before_any_work_data() { Add_Writing_Commands(); }
+    void a_missing_folder_is_named_before_any_work()
+    {
+        QFETCH(QStringList, arguments);
+        arguments.replaceInStrings(QRegularExpression("^out$"), "missing/out");
+        const TToolResult result = Run(arguments);
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: missing/out: its folder does not exist\n"));
+    }
+
+    void a_folder_is_no_file_data() { Add_Writing_Commands(); }
+    void a_folder_is_no_file()
+    {
+        QFETCH(const QStringList, arguments);
+        QVERIFY(QDir(d_folder->path()).mkdir("out"));
+        const TToolResult result = Run(arguments + QStringList{"--force"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: out: is no name for a file\n"));
+        QCOMPARE(Support::Entries(d_folder->filePath("out")), QStringList());
+    }
+
+    void devices_are_not_replaced_data() { Add_Writing_Commands(); }
+    void devices_are_not_replaced()
+    {
+        QFETCH(QStringList, arguments);
+        arguments.replaceInStrings(QRegularExpression("^out$"), "/dev/null");
+        const TToolResult result = Run(arguments + QStringList{"--force"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: /dev/null: is no file that can be replaced\n"));
+    }
+
+    void a_damaged_document_is_refused_with_its_first_defect_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("info") << QStringList{"info", "damaged.quillet"};
+        QTest::newRow("reindex") << QStringList{
+            "reindex", "damaged.quillet", "--first", "1", "--over-page", "10", "--output", "out"};
+        QTest::newRow("export-images")
+            << QStringList{"export-images", "damaged.quillet", "--folder", "."};
+        QTest::newRow("export-pdf")
+            << QStringList{"export-pdf", "damaged.quillet", "--output", "out"};
+        QTest::newRow("import-items") << QStringList{"import-items", "damaged.quillet", "--csv",
+                                                     "items.csv",    "--output",        "out"};
+        QTest::newRow("export-items")
+            << QStringList{"export-items", "damaged.quillet", "--csv", "out"};
+        QTest::newRow("thumbnail")
+            << QStringList{"thumbnail", "damaged.quillet", "--output", "out"};
+    }
+    void a_damaged_document_is_refused_with_its_first_defect()
+    {
+        QFETCH(const QStringList, arguments);
+        const QStringList before = Support::Entries(d_folder->path());
+        const TToolResult result = Run(arguments);
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.output, QString());
+        // The length of the labels is the first that promises too much.
+        const int place = Sound_Project().indexOf("<?xml") - 4;
+        QVERIFY2(
+            result.errors.startsWith(QString("quillet-cli: damaged.quillet: byte %1: ").arg(place)),
+            qPrintable(result.errors));
+        QCOMPARE(result.errors.count('\n'), 1);
+        QCOMPARE(Support::Entries(d_folder->path()), before);
+    }
+
+    void a_missing_document_is_named_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("defect");
+        QTest::newRow("missing") << "nothing"
+                                 << "No such file or directory";
+        QTest::newRow("folder") << "."
+                                << "file to open is a directory";
+        QTest::newRow("empty name") << ""
+                                    << "No file name specified";
+        QTest::newRow("legacy") << "nothing.qld"
+                                << "Background image not found";
+    }
+    void a_missing_document_is_named()
+    {
+        QFETCH(const QString, path);
+        QFETCH(const QString, defect);
+        const TToolResult result = Run({"info", path});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, "quillet-cli: " + path + ": " + defect + '\n');
+    }
+
+    void any_display_will_do_data()
+    {
+        Add_Writing_Commands();
+        QTest::newRow("export-images")
+            << QStringList{"export-images", "sound.quillet", "--folder", "."};
+    }
+    void any_display_will_do()
+    {
+        QFETCH(const QStringList, arguments);
+        for (const char* const display : {"", ":7654", "nonsense"}) {
+            const TToolResult result = Run_Tool(arguments + QStringList{"--force"},
+                                                {QString(), d_folder->path(), display, QString()});
+            QCOMPARE(result.errors, QString());
+            QCOMPARE(result.status, 0);
+            // Nothing of the window's, and nothing else.
+            QCOMPARE(result.home, QStringList());
+        }
+    }
+
+    void options_of_the_toolkit_are_not_taken()
+    {
+        QCOMPARE(Run({"thumbnail", "sound.quillet", "--output", "out", "-platform", "xcb"}).status,
+                 2);
+        QCOMPARE(Run({"-platform", "xcb"}).status, 2);
+    }
+
+    void a_full_standard_output_is_a_failure()
+    {
+        QProcess process;
+        process.setStandardOutputFile("/dev/full");
+        process.start(Support::Tool_Path(), {"info", d_folder->filePath("sound.quillet")});
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 1);
+        QCOMPARE(process.readAllStandardError(),
+                 QByteArray("quillet-cli: standard output: cannot be written\n"));
+    }
+
+    void progress_is_for_terminals_alone()
+    {
+        const QStringList arguments{"export-pdf", "sound.quillet", "--output", "out"};
+        QCOMPARE(Run(arguments).errors, QString());
+        // A terminal of its own, whose output is that of the process that made it.
+        QProcess process;
+        process.setWorkingDirectory(d_folder->path());
+        const QString command =
+            Support::Tool_Path() + " reindex sound.quillet --first 1 --over-page 1 --output b";
+        process.start("script", {"-qec", command, "/dev/null"});
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 0);
+        const QByteArray erase = "\r\033[K";
+        QCOMPARE(process.readAllStandardOutput(), erase + "Saving page 1 of 1" + erase);
+    }
+
+    void names_outside_of_ascii_are_found_in_any_locale()
+    {
+        const QString name = QString::fromUtf8("Prüfung Ω.quillet");
+        Support::Write_File(d_folder->filePath(name), Sound_Project());
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LC_ALL", "C");
+        process.setProcessEnvironment(environment);
+        process.start(Support::Tool_Path(), {"info", d_folder->filePath(name)});
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 0);
+        QVERIFY(QString::fromUtf8(process.readAllStandardOutput()).contains(name));
+    }
+};
+
+QTEST_MAIN(TestCli)
+#include "test_cli.moc"

@@ -1,0 +1,337 @@
+#include "support/project.h"
+#include "support/support.h"
+#include "support/tool.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using Support::Header;
+using Support::Item_Element;
+using Support::Item_List;
+using Support::Page_Record;
+using Support::TToolResult;
+
+namespace {
+
+QByteArray Picture(int seed = 0)
+{
+    return Support::Png(Support::Picture(60, 40, seed));
+}
+
+QByteArray One_Label(const QByteArray& value)
+{
+    return Item_List(Item_Element("5", value, "", "1", "10.00,20.00"));
+}
+
+QByteArray Two_Pages()
+{
+    return Header(48, "#0a141e", "one", "two", 2) + Page_Record("a", Picture(), One_Label("7")) +
+           Page_Record("b", QByteArray(), Item_List());
+}
+
+} // namespace
+
+/// The commands that make documents and look at them: create, info, check, recover, reindex.
+class TestCliDocuments : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+
+    QString Path(const QString& name) const { return d_folder->filePath(name); }
+
+    TToolResult Run(const QStringList& arguments) const
+    {
+        return Support::Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
+    }
+
+    void Write(const QString& name, const QByteArray& content) const
+    {
+        Support::Write_File(Path(name), content);
+    }
+
+    /// Makes a project of a folder "images" with files of these names; the names of its pages.
+    QStringList Page_Names_Of(const QStringList& file_names) const
+    {
+        QDir(d_folder->path()).mkdir("images");
+        for (const QString& name : file_names)
+            Write("images/" + name, Picture());
+        const TToolResult result =
+            Run({"create", "images", "--names-from-files", "--output", "out.quillet"});
+        return result.status == 0 ? Page_Names("out.quillet") : QStringList{result.errors};
+    }
+
+    QJsonObject Information(const QString& name) const
+    {
+        return QJsonDocument::fromJson(Run({"info", name, "--json"}).output.toUtf8()).object();
+    }
+
+    QStringList Page_Names(const QString& name) const
+    {
+        QStringList names;
+        const QVariantList pages = Information(name).value("pages").toVariant().toList();
+        for (const QVariant& page : pages)
+            names += page.toMap().value("name").toString();
+        return names;
+    }
+
+    void Write_Others() const
+    {
+        QDir(d_folder->path()).mkpath("images/below.png");
+        Write("images/notes.txt", "notes");
+        Write("images/.hidden.png", Picture());
+        Write("images/no-suffix", Picture());
+    }
+
+private slots:
+    void init() { d_folder = std::make_unique<QTemporaryDir>(); }
+
+    void images_become_pages_in_the_given_order()
+    {
+        Write("z.png", Picture(1));
+        Write("a.png", Picture(2));
+        const TToolResult result = Run({"create", "z.png", "a.png", "--output", "out.quillet"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.status, 0);
+        const QByteArray expected = Header(32, "#f79741", "", "", 2) +
+                                    Page_Record("Page 1", Picture(1), Item_List()) +
+                                    Page_Record("Page 2", Picture(2), Item_List());
+        QCOMPARE(Support::Byte_Difference(Support::Read_File(Path("out.quillet")), expected),
+                 QString());
+    }
+
+    void images_of_a_folder_are_counted_as_people_do()
+    {
+        QCOMPARE(Page_Names_Of({"page 10.png", "page 2.png", "Page 1.png", "page 9.PNG"}),
+                 QStringList({"Page 1", "page 2", "page 9", "page 10"}));
+    }
+
+    void only_images_of_a_folder_are_taken_and_no_hidden_ones()
+    {
+        Write_Others();
+        QCOMPARE(Page_Names_Of({"b.jpeg.png"}), QStringList({"b.jpeg"}));
+    }
+
+    void folders_and_images_can_be_mixed()
+    {
+        QVERIFY(QDir(d_folder->path()).mkdir("images"));
+        Write("images/2.png", Picture());
+        Write("images/1.png", Picture());
+        Write("z.png", Picture());
+        Write("a.png", Picture());
+        QCOMPARE(
+            Run({"create", "z.png", "images", "a.png", "--names-from-files", "--output", "out"})
+                .status,
+            0);
+        QCOMPARE(Page_Names("out"), QStringList({"z", "1", "2", "a"}));
+    }
+
+    void what_is_no_image_is_named_and_nothing_is_written_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("defect");
+        QTest::newRow("text") << "notes.txt"
+                              << "cannot be read as an image";
+        QTest::newRow("missing") << "missing.png"
+                                 << "does not exist";
+        QTest::newRow("folder without images") << "empty"
+                                               << "holds no images";
+        QTest::newRow("damaged, in a folder") << "damaged"
+                                              << "";
+    }
+    void what_is_no_image_is_named_and_nothing_is_written()
+    {
+        QFETCH(const QString, name);
+        QFETCH(const QString, defect);
+        Write("good.png", Picture());
+        Write("notes.txt", "notes");
+        QVERIFY(QDir(d_folder->path()).mkdir("empty"));
+        QVERIFY(QDir(d_folder->path()).mkdir("damaged"));
+        Write("damaged/a.png", Picture().left(20));
+        const TToolResult result = Run({"create", "good.png", name, "--output", "out"});
+        QCOMPARE(result.status, 1);
+        const QString complaint =
+            defect.isEmpty()
+                ? QStringLiteral("quillet-cli: damaged/a.png: cannot be read as an image\n")
+                : "quillet-cli: " + name + ": " + defect + '\n';
+        // The PNG library may have had its say before.
+        QVERIFY2(result.errors.endsWith(complaint), qPrintable(result.errors));
+        QVERIFY(!QFile::exists(Path("out")));
+    }
+
+    void information_is_for_people()
+    {
+        Write("a.quillet", Two_Pages());
+        const TToolResult result = Run({"info", "a.quillet"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QStringLiteral("File: a.quillet\n"
+                                               "Label size: 48\n"
+                                               "Label color: #0a141e\n"
+                                               "Header 1: one\n"
+                                               "Header 2: two\n"
+                                               "Pages: 2\n"
+                                               "1: 60 x 40, labels: 1, a\n"
+                                               "2: no image, labels: 0, b\n"));
+    }
+
+    void information_is_for_programs()
+    {
+        Write("a.quillet", Two_Pages());
+        const QJsonObject expected{
+            {"file", "a.quillet"},
+            {"label_size", 48},
+            {"label_color", "#0a141e"},
+            {"header_1", "one"},
+            {"header_2", "two"},
+            {"page_count", 2},
+            {"label_count", 1},
+            {"pages",
+             QJsonArray{
+                 QJsonObject{
+                     {"number", 1}, {"name", "a"}, {"width", 60}, {"height", 40}, {"labels", 1}},
+                 QJsonObject{
+                     {"number", 2}, {"name", "b"}, {"width", 0}, {"height", 0}, {"labels", 0}}}}};
+        QCOMPARE(Information("a.quillet"), expected);
+    }
+
+    void texts_with_place_holders_are_told_as_they_are()
+    {
+        Write("%1.quillet",
+              Header(48, "#0a141e", "%2", "", 1) + Page_Record("%1 %3", QByteArray(), Item_List()));
+        const QString output = Run({"info", "%1.quillet"}).output;
+        QVERIFY(output.contains("File: %1.quillet\n"));
+        QVERIFY(output.contains("Header 1: %2\n"));
+        QVERIFY(output.endsWith("1: no image, labels: 0, %1 %3\n"));
+    }
+
+    void a_document_without_pages_is_a_document()
+    {
+        Write("a.quillet", Support::Empty_Project());
+        QVERIFY(Run({"info", "a.quillet"}).output.endsWith("Pages: 0\n"));
+        QCOMPARE(Run({"check", "a.quillet"}).status, 0);
+    }
+
+    void sound_files_are_found_sound()
+    {
+        Write("a.quillet", Two_Pages());
+        Write("b.quillet", Support::Empty_Project());
+        const TToolResult result = Run({"check", "a.quillet", "b.quillet"});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.output, QStringLiteral("a.quillet: no defects\nb.quillet: no defects\n"));
+    }
+
+    void each_defect_is_named_with_its_place()
+    {
+        Write("a.quillet", Two_Pages());
+        Write("b.quillet", Two_Pages().left(10));
+        const TToolResult result = Run({"check", "b.quillet", "a.quillet", "missing"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.output, QStringLiteral("a.quillet: no defects\n"));
+        const QStringList lines = result.errors.split('\n', Qt::SkipEmptyParts);
+        QVERIFY(lines.size() >= 2);
+        const QRegularExpression pattern("^quillet-cli: b.quillet: byte \\d+: .");
+        for (const QString& line : lines.mid(0, lines.size() - 1))
+            QVERIFY2(pattern.match(line).hasMatch(), qPrintable(line));
+        QCOMPARE(lines.last(), QStringLiteral("quillet-cli: missing: No such file or directory"));
+    }
+
+    void an_image_that_cannot_be_decoded_is_a_defect_of_a_check_alone()
+    {
+        Write("a.quillet",
+              Header(48, "#0a141e", "", "", 1) + Page_Record("a", Picture().left(30), Item_List()));
+        QCOMPARE(Run({"check", "a.quillet"}).status, 1);
+        // The window opens such a file.
+        QCOMPARE(Run({"info", "a.quillet"}).status, 0);
+    }
+
+    void every_broken_file_is_refused_without_a_crash_data()
+    {
+        QTest::addColumn<QString>("path");
+        const QDir folder(QStringLiteral(QUILLET_TEST_DATA "/broken"));
+        for (const QString& name : folder.entryList({"*.quillet", "*.qld"}, QDir::Files))
+            QTest::newRow(qPrintable(name)) << folder.filePath(name);
+    }
+    void every_broken_file_is_refused_without_a_crash()
+    {
+        QFETCH(const QString, path);
+        const TToolResult check = Run({"check", path});
+        QVERIFY2(check.status == 0 || check.status == 1, qPrintable(check.errors));
+        QCOMPARE(check.status == 0, check.errors.isEmpty());
+        const TToolResult info = Run({"info", path});
+        QVERIFY2(info.status == 0 || info.status == 1, qPrintable(info.errors));
+        QVERIFY(check.status == 1 || info.status == 0);
+    }
+
+    void a_legacy_document_is_checked_too()
+    {
+        Write("a.qli", Picture());
+        Write("a.qld", "<Quillet_Data");
+        const TToolResult result = Run({"check", "a.qld"});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.startsWith("quillet-cli: a.qld: "), qPrintable(result.errors));
+        Write("a.qld", "<Quillet_Data File_Version=\"3\"/>");
+        QCOMPARE(Run({"check", "a.qld"}).status, 0);
+    }
+
+    void what_is_whole_is_recovered_and_what_was_lost_is_told()
+    {
+        const QByteArray sound = Header(48, "#0a141e", "one", "two", 2) +
+                                 Page_Record("a", Picture(), One_Label("7")) +
+                                 Page_Record("b", Picture(1), One_Label("8"));
+        Write("a.quillet", sound.left(sound.size() - 300));
+        const TToolResult result = Run({"recover", "a.quillet", "--output", "out"});
+        QVERIFY2(!result.errors.contains("quillet-cli"), qPrintable(result.errors));
+        QCOMPARE(result.status, 0);
+        QVERIFY2(
+            QRegularExpression("^a\\.quillet: lost, byte \\d+: .").match(result.output).hasMatch(),
+            qPrintable(result.output));
+        QVERIFY(result.output.contains("\nout: pages: "));
+        QCOMPARE(Run({"check", "out"}).status, 0);
+        const QJsonObject information = Information("out");
+        QCOMPARE(information.value("label_size").toInt(), 48);
+        QCOMPARE(information.value("header_2").toString(), QStringLiteral("two"));
+        QCOMPARE(information.value("label_count").toInt(), 1);
+        QCOMPARE(Page_Names("out").first(), QStringLiteral("a"));
+    }
+
+    void what_holds_no_page_is_not_recovered_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("text") << QByteArray("This is a letter.");
+        QTest::newRow("header alone") << Two_Pages().left(20);
+    }
+    void what_holds_no_page_is_not_recovered()
+    {
+        QFETCH(const QByteArray, content);
+        Write("a.quillet", content);
+        const TToolResult result = Run({"recover", "a.quillet", "--output", "out"});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.startsWith("quillet-cli: a.quillet: byte "),
+                 qPrintable(result.errors));
+        QVERIFY(!QFile::exists(Path("out")));
+    }
+
+    void a_document_can_be_numbered_in_place()
+    {
+        Write("a.quillet", Two_Pages());
+        QCOMPARE(Run({"reindex", "a.quillet", "--first", "-4", "--over-page", "1", "--output",
+                      "a.quillet", "--force"})
+                     .status,
+                 0);
+        const QByteArray expected = Header(48, "#0a141e", "one", "two", 2) +
+                                    Page_Record("a", Picture(), One_Label("-4")) +
+                                    Page_Record("b", QByteArray(), Item_List());
+        QCOMPARE(Support::Byte_Difference(Support::Read_File(Path("a.quillet")), expected),
+                 QString());
+    }
+};
+
+QTEST_MAIN(TestCliDocuments)
+#include "test_clidocuments.moc"

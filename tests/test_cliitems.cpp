@@ -1,0 +1,244 @@
+#include "support/project.h"
+#include "support/support.h"
+#include "support/tool.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+using Support::Header;
+using Support::Item_Element;
+using Support::Item_List;
+using Support::Page_Record;
+using Support::TToolResult;
+
+namespace {
+
+const QByteArray head = "page,value,text,border,x,y\r\n";
+
+QByteArray Project(const QByteArray& first_items, const QByteArray& second_items)
+{
+    return Header(32, "#0a141e", "", "", 2) +
+           Page_Record("a", QByteArray(), Item_List(first_items)) +
+           Page_Record("b", QByteArray(), Item_List(second_items));
+}
+
+} // namespace
+
+/// Labels as a table, and the copies that the window keeps.
+class TestCliItems : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+
+    QString Path(const QString& name) const { return d_folder->filePath(name); }
+    QByteArray Content(const QString& name) const { return Support::Read_File(Path(name)); }
+
+    TToolResult Run(const QStringList& arguments) const
+    {
+        return Support::Run_Tool(arguments, {Path("home"), d_folder->path(), QString(), QString()});
+    }
+
+    /// Puts a copy where the window keeps such ones, some seconds old.
+    void Keep(const QString& name, const QByteArray& content, const QString& document,
+              int age) const
+    {
+        const QString path = Path("home/.quillet/" + name);
+        QDir(d_folder->path()).mkpath("home/.quillet/" + name.section('/', 0, 0));
+        Support::Write_File(path + ".quillet", content);
+        Support::Write_File(path + ".note", document.toUtf8());
+        Support::Make_Old(path + ".quillet", age);
+    }
+
+    /// Names, sizes and times of all that is in the home folder.
+    QStringList Home() const
+    {
+        QStringList lines;
+        QDirIterator files(Path("home"), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                           QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            files.next();
+            const QFileInfo file = files.fileInfo();
+            lines += QStringLiteral("%1 %2 %3")
+                         .arg(file.filePath())
+                         .arg(file.size())
+                         .arg(file.lastModified().toMSecsSinceEpoch());
+        }
+        lines.sort();
+        return lines;
+    }
+
+private slots:
+    void init()
+    {
+        d_folder = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir(d_folder->path()).mkdir("home"));
+    }
+
+    void labels_go_out_page_by_page()
+    {
+        Support::Write_File(Path("a.quillet"),
+                            Project(Item_Element("9", "-3", "a, \"b\"", "8", "1.50,2.00"),
+                                    Item_Element("4", "7",
+                                                 "Gr\xc3\xb6\xc3\x9f"
+                                                 "e",
+                                                 "0", "10.00,-20.25") +
+                                        Item_Element("3", "8", "", "2", "0.00,0.00")));
+        const TToolResult result = Run({"export-items", "a.quillet", "--csv", "items.csv"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QCOMPARE(Content("items.csv"), head + "1,-3,\"a, \"\"b\"\"\",diamond,1.5,2\r\n"
+                                              "2,7,Gr\xc3\xb6\xc3\x9f"
+                                              "e,none,10,-20.25\r\n"
+                                              "2,8,,ellipse,0,0\r\n");
+    }
+
+    void labels_come_in_behind_those_that_are_there_under_new_ids()
+    {
+        Support::Write_File(Path("a.quillet"),
+                            Project(Item_Element("2", "5", "", "0", "1.00,2.00"), QByteArray()));
+        Support::Write_File(Path("items.csv"), head + "2,1,,triangle,1,2\r\n"
+                                                      "1,7,first,square,3,4\r\n"
+                                                      "1,7,second,,5.25,6\r\n");
+        const TToolResult result =
+            Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        const QByteArray expected = Project(Item_Element("2", "5", "", "0", "1.00,2.00") +
+                                                Item_Element("1", "7", "first", "1", "3.00,4.00") +
+                                                Item_Element("3", "7", "second", "0", "5.25,6.00"),
+                                            Item_Element("1", "1", "", "4", "1.00,2.00"));
+        QCOMPARE(Support::Byte_Difference(Content("out"), expected), QString());
+    }
+
+    void what_went_out_comes_in_again()
+    {
+        Support::Write_File(Path("a.quillet"),
+                            Project(Item_Element("1", "5", "x", "4", "1.25,2.00"),
+                                    Item_Element("1", "6", "y", "2", "3.00,4.00")));
+        Support::Write_File(Path("empty.quillet"), Project(QByteArray(), QByteArray()));
+        QCOMPARE(Run({"export-items", "a.quillet", "--csv", "items.csv"}).status, 0);
+        QCOMPARE(
+            Run({"import-items", "empty.quillet", "--csv", "items.csv", "--output", "out"}).status,
+            0);
+        QCOMPARE(Support::Byte_Difference(Content("out"), Content("a.quillet")), QString());
+    }
+
+    void a_bad_row_is_named_and_nothing_is_written_data()
+    {
+        QTest::addColumn<QByteArray>("table");
+        QTest::addColumn<QString>("complaint");
+        QTest::newRow("page 0") << head + "1,1,,,1,1\r\n0,1,,,1,1\r\n"
+                                << "line 3: ";
+        QTest::newRow("page 3 of 2") << head + "3,1,,,1,1\r\n"
+                                     << "line 2: there is no page 3\n";
+        QTest::newRow("no value") << head + "1,one,,,1,1\r\n"
+                                  << "line 2: ";
+        QTest::newRow("no coordinate") << head + "1,1,,,1,\r\n"
+                                       << "line 2: ";
+        QTest::newRow("no header") << QByteArray("1,1,,,1,1\r\n") << "line 1: ";
+        QTest::newRow("empty") << QByteArray() << "line 1: ";
+    }
+    void a_bad_row_is_named_and_nothing_is_written()
+    {
+        QFETCH(const QByteArray, table);
+        QFETCH(const QString, complaint);
+        Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
+        Support::Write_File(Path("items.csv"), table);
+        const TToolResult result =
+            Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.startsWith("quillet-cli: items.csv: " + complaint),
+                 qPrintable(result.errors));
+        QCOMPARE(result.errors.count('\n'), 1);
+        QVERIFY(!QFile::exists(Path("out")));
+    }
+
+    void a_missing_table_is_named()
+    {
+        Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
+        const TToolResult result =
+            Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: items.csv: No such file or directory\n"));
+    }
+
+    void a_text_that_cannot_be_saved_is_a_failure()
+    {
+        Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
+        Support::Write_File(Path("items.csv"), head + "1,1,\x01,,1,1\r\n");
+        const TToolResult result =
+            Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
+        QCOMPARE(result.status, 1);
+        QVERIFY(result.errors.startsWith("quillet-cli: out: "));
+        QVERIFY(!QFile::exists(Path("out")));
+    }
+
+    void without_copies_the_list_says_so()
+    {
+        const TToolResult result = Run({"kept"});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QStringLiteral("No copies are kept.\n"));
+        QCOMPARE(result.home, QStringList());
+    }
+
+    void copies_are_listed_newest_first()
+    {
+        Keep("backup/one", Support::Empty_Project(), "/tmp/one.quillet", 100);
+        Keep("recovery/20260501-010203", Support::Empty_Project() + "longer", "", 200);
+        Keep("backup/two", Support::Empty_Project(), "/tmp/%1 two.quillet", 300);
+        const QStringList before = Home();
+        const TToolResult result = Run({"kept"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        const auto time = [this](const QString& name) {
+            return QFileInfo(Path("home/.quillet/" + name + ".quillet"))
+                .lastModified()
+                .toString("yyyy-MM-dd hh:mm:ss");
+        };
+        QCOMPARE(result.output, "1: backup, " + time("backup/one") +
+                                    ", 31 bytes, /tmp/one.quillet\n" + "2: recovery, " +
+                                    time("recovery/20260501-010203") + ", 37 bytes, never saved\n" +
+                                    "3: backup, " + time("backup/two") +
+                                    ", 31 bytes, /tmp/%1 two.quillet\n");
+        QCOMPARE(Home(), before);
+    }
+
+    void a_copy_is_copied_out_and_stays()
+    {
+        Keep("backup/one", Support::Empty_Project(40), "/tmp/one.quillet", 100);
+        Keep("recovery/two", Support::Empty_Project(50), "", 200);
+        const QStringList before = Home();
+        const TToolResult result = Run({"kept", "--copy", "2", "--output", "out"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QCOMPARE(Content("out"), Support::Empty_Project(50));
+        QCOMPARE(Home(), before);
+    }
+
+    void a_copy_does_not_replace_a_file_unless_forced()
+    {
+        Keep("backup/one", Support::Empty_Project(40), "/tmp/one.quillet", 100);
+        Support::Write_File(Path("out"), "old");
+        const TToolResult refused = Run({"kept", "--copy", "1", "--output", "out"});
+        QCOMPARE(refused.status, 1);
+        QCOMPARE(refused.errors,
+                 QStringLiteral("quillet-cli: out: exists already; --force replaces it\n"));
+        QCOMPARE(Content("out"), QByteArray("old"));
+        QCOMPARE(Run({"kept", "--copy", "1", "--output", "out", "--force"}).status, 0);
+        QCOMPARE(Content("out"), Support::Empty_Project(40));
+    }
+
+    void a_number_beyond_the_list_is_a_failure()
+    {
+        Keep("backup/one", Support::Empty_Project(), "/tmp/one.quillet", 100);
+        const TToolResult result = Run({"kept", "--copy", "2", "--output", "out"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: 2: no kept copy has this number\n"));
+        QVERIFY(!QFile::exists(Path("out")));
+    }
+};
+
+QTEST_MAIN(TestCliItems)
+#include "test_cliitems.moc"
