@@ -511,6 +511,9 @@ def watch_long_work(day):
     day.shoot("long-work")
     if not before.changes(Picture.of_screen(), status_bar):
         raise Failure("no progress is to be seen")
+    # On the left is the dock, which is not always on top.
+    middle = Box(day.view().centre[0], day.view().top, day.view().right, day.view().bottom)
+    check("what is left of the dialog", before.changes(Picture.of_screen(), middle), None)
     check("a busy pointer", cursor() != pointer, True)
     third = let_go(second, pipes[1], lambda: writing_end(pipes[2]))
     let_go(third, pipes[2], lambda: cursor() == pointer)
