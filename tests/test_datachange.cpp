@@ -3,6 +3,7 @@
 #include "src/data.h"
 #include "src/datachange.h"
 
+#include "support/project.h"
 #include "support/support.h"
 
 #include <QtTest>
@@ -25,14 +26,9 @@ QStringList In_Words(TData* data)
         data->Set_Active_Page(data->Page_Id(place));
         lines += QString("page %1 %2").arg(data->Active_Page()).arg(data->Page_Image().width());
         for (int i = 0; i < data->Item_Count(); ++i) {
-            const TDataItem item = data->Item(i);
-            lines += QString("%1 %2 %3 %4 %5,%6")
-                         .arg(item.id)
-                         .arg(item.value)
-                         .arg(item.text)
-                         .arg(item.border_type)
-                         .arg(item.position.x())
-                         .arg(item.position.y());
+            TDataItem label = data->Item(i);
+            label.selected = false;
+            lines += Support::In_Words(label);
         }
     }
     data->Set_Active_Page(active_page);

@@ -4,6 +4,7 @@
 // QUILLET_WALK_SEED and QUILLET_WALK_STEPS in the environment ask for another walk.
 
 #include "support/modal.h"
+#include "support/project.h"
 #include "support/support.h"
 #include "support/view.h"
 #include "support/widgets.h"
@@ -64,16 +65,6 @@ bool operator==(const TPlainDocument& left, const TPlainDocument& right)
 {
     return left.pages == right.pages && left.order == right.order &&
            left.label_size == right.label_size && left.label_color == right.label_color;
-}
-
-QString In_Words(const TDataItem& label)
-{
-    return QString("%1: %2 \"%3\" %4 at %5")
-        .arg(label.id)
-        .arg(label.value)
-        .arg(label.text)
-        .arg(label.border_type)
-        .arg(Support::Text(label.position));
 }
 
 } // namespace
@@ -315,7 +306,7 @@ QString TestUndoWalk::Model_Difference(const TPlainPage& page)
         if (!(label == page.labels[place]))
             return QString("page %1 has %2 instead of %3")
                 .arg(page.id)
-                .arg(In_Words(label), In_Words(page.labels[place]));
+                .arg(Support::In_Words(label), Support::In_Words(page.labels[place]));
     }
     return QString();
 }
@@ -342,7 +333,7 @@ QString TestUndoWalk::Shown_Difference()
                               item.data(TDisplayWidget::Centre_Key).toPointF(),
                               false};
         if (!(drawn == labels[place]))
-            return QString("the view has %1").arg(In_Words(drawn));
+            return QString("the view has %1").arg(Support::In_Words(drawn));
         const QListWidgetItem& row = *list->item(place);
         const QString text = ItemFormat::Row_Text(d_window->d_label_widget->d_display_format,
                                                   labels[place].value, labels[place].text);

@@ -45,6 +45,9 @@ struct TPage
 
 TDataItem Label(int id, int value, const QString& text, int border, const QPointF& position);
 
+/// A label as a line of text.
+QString In_Words(const TDataItem& label);
+
 /// Adds pages to the window's document and page list; none of them becomes active.
 /// @return their ids.
 QList<int> Add_Pages(TQuillet* window, const std::vector<TPage>& pages);
