@@ -14,12 +14,13 @@ import random
 import shutil
 import sys
 
-from driver import Failure, calm_screen, click, drag, press, run, wait_until, write
+from driver import (HIGHLIGHT, Box, Failure, Picture, calm_screen, click, drag, press, run,
+                    wait_until, write)
 from results import Project
 from scenario import WORKING_SIZE, Day, check, save_as
 
 # Where the keyboard gets from the page view by so many tabulators, a label being selected.
-TO_VALUE, TO_TEXT, TO_NAME = 4, 5, 8
+TO_VALUE, TO_TEXT, TO_NAME, TO_ADD_PAGE = 4, 5, 8, 9
 WAY = (70, 40)
 EDGE = 500
 # A drag begins late by what a hand trembles.
@@ -27,19 +28,19 @@ TOLERANCE = 2
 
 
 class Document:
-    """What the document is expected to be: the page's name and its labels."""
+    """What the document is expected to be: the names of its pages, and the labels of all of them."""
 
-    def __init__(self, name, *labels):
-        self.name, self.labels = name, labels
+    def __init__(self, names, *labels):
+        self.names, self.labels = names, labels
 
     def is_in(self, path):
         try:
-            page, = Project(path).pages
+            pages = Project(path).pages
         except (AssertionError, OSError, ValueError):
             return False  # not there, or not written to its end yet
-        found = page["labels"]
-        return (page["name"] == self.name and len(found) == len(self.labels) and
-                all(map(self.is_label, found, self.labels)))
+        found = [label for page in pages for label in page["labels"]]
+        return ([page["name"] for page in pages] == self.names and
+                len(found) == len(self.labels) and all(map(self.is_label, found, self.labels)))
 
     @staticmethod
     def is_label(found, expected):
@@ -90,12 +91,12 @@ def work(day):
     page = day.pages[0]
     first, second = day.spots(page, (-120, -60), (40, 80))
     moved = (first[0] + WAY[0], first[1] + WAY[1])
-    states = [Document("Page 1"),
-              Document("Page 1", (1, "", first)),
-              Document("Page 1", (1, "", first), (2, "", second)),
-              Document("Page 1", (1, "", moved), (2, "", second)),
-              Document("Page 1", (57, "", moved), (2, "", second)),
-              Document("Plan", (57, "", moved), (2, "", second))]
+    states = [Document(["Page 1"]),
+              Document(["Page 1"], (1, "", first)),
+              Document(["Page 1"], (1, "", first), (2, "", second)),
+              Document(["Page 1"], (1, "", moved), (2, "", second)),
+              Document(["Page 1"], (57, "", moved), (2, "", second)),
+              Document(["Plan"], (57, "", moved), (2, "", second))]
 
     save_as(day, day.project_path)
     wait_until("the first file", lambda: states[0].is_in(day.project_path))
@@ -160,11 +161,31 @@ def type_a_text(day, states):
     write("Kept")
     press("Return")
     value, _, _ = plan.labels[0]
-    expect(day, "a text", Document("Plan", (value, "Kept", position), plan.labels[1]))
+    expect(day, "a text", Document(["Plan"], (value, "Kept", position), plan.labels[1]))
     press("ctrl+z")
     expect(day, "the text taken back", plan)
     press("ctrl+z")
     expect(day, "the name taken back", states[-2])
+
+
+def drag_a_page(day, state):
+    """The list takes a row that is dropped out and puts it in elsewhere: that is one step."""
+    def two_pages(*names):
+        return Document(list(names), *state.labels)
+
+    go_to(day, TO_ADD_PAGE, state.labels[0][2])
+    press("space")
+    expect(day, "another page", two_pages("Page 1", "Page 2"))
+    box = day.program.box
+    first = Picture.of_screen().box_of(HIGHLIGHT, Box(day.view().right, box.top, box.right, box.bottom))
+    left = first.left + 30
+    drag((left, first.bottom + first.height // 2), (left, first.top + 1))
+    expect(day, "the pages in another order", two_pages("Page 2", "Page 1"))
+    day.shoot("page-dragged")
+    for key, names in (("ctrl+z", ["Page 1", "Page 2"]), ("ctrl+z", ["Page 1"]),
+                       ("ctrl+y", ["Page 1", "Page 2"]), ("ctrl+y", ["Page 2", "Page 1"])):
+        press(key)
+        expect(day, f"the pages after {key}", two_pages(*names))
 
 
 def main():
@@ -177,6 +198,7 @@ def main():
         states = work(day)
         go_back_and_forth(day, states, empty)
         type_a_text(day, states)
+        drag_a_page(day, states[-2])
         day.program.close()
         check("exit code", day.program.ended(), 0)
     except BaseException:
