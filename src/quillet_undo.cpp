@@ -140,13 +140,15 @@ void TQuillet::Note_Page_List()
     if (before == rows || Ids_Of(before) != Ids_Of(rows))
         return;
 
-    const std::vector<int> touched = TRowsChange(before, rows).Touched_Pages();
     const bool is_in_order =
         std::equal(before.cbegin(), before.cend(), rows.cbegin(), Is_Same_Page);
-    if (is_in_order)
-        d_history->Begin(TStepKind::Rename_Page, touched.front(), 1, Label_Look());
-    else
-        d_history->Begin(TStepKind::Move_Pages, 0, static_cast<int>(touched.size()), Label_Look());
+    if (is_in_order) {
+        const int page_id = TRowsChange(before, rows).Touched_Pages().front();
+        d_history->Begin(TStepKind::Rename_Page, page_id, 1, Label_Look());
+    } else {
+        const std::size_t count = d_page_widget->Selected_Pages().size();
+        d_history->Begin(TStepKind::Move_Pages, 0, static_cast<int>(count), Label_Look());
+    }
     d_history->Note_Rows(before, rows);
     if (d_history->End(Label_Look()))
         d_undo_keys->Note_Step();

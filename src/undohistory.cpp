@@ -178,7 +178,10 @@ TStepOutcome TUndoHistory::Outcome_Of(const TCommand& command, const TShownState
     outcome.shown = shown;
     outcome.sets_values = command.before.next_value != command.after.next_value ||
                           command.before.idle_value != command.after.idle_value;
-    outcome.pages = command.step.Touched_Pages();
+    // What moves in the list is what is selected there. That it moved, and not those that it passed,
+    // cannot be told from the two orders.
+    if (command.kind != TStepKind::Move_Pages)
+        outcome.pages = command.step.Touched_Pages();
     return outcome;
 }
 

@@ -46,7 +46,8 @@ struct TStepOutcome
     TDocumentFacts facts;
     TShownState shown;        ///< as it was before the step, or after it
     bool sets_values = false; ///< whether the step had changed the values of shown
-    std::vector<int> pages;   ///< that the step touched, be they there now or not
+    std::vector<int> pages;   ///< that the step touched, be they there now or not; none when it only
+                              ///< put them in another order
     QString message;          ///< tells what happened
 };
 
