@@ -11,6 +11,7 @@
 #include "src/undokeys.h"
 
 #include <QAbstractItemModel>
+#include <QApplication>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSet>
@@ -193,6 +194,8 @@ void TQuillet::Redo()
 /// Brings page list, view and panels into line with a document that a step has left.
 void TQuillet::Show_Outcome(const TStepOutcome& outcome)
 {
+    // An editor is disabled for a moment while what it belongs to is not there.
+    QWidget* const focus = QApplication::focusWidget();
     Show_Look(outcome.facts.look);
     const std::vector<int> selected = d_page_widget->Selected_Pages();
     Show_Page_Rows(outcome.facts.page_rows);
@@ -209,6 +212,8 @@ void TQuillet::Show_Outcome(const TStepOutcome& outcome)
     if (outcome.sets_values)
         d_label_widget->Set_Values(outcome.shown.next_value, outcome.shown.idle_value);
     Show_Selection(outcome.shown, pages);
+    if (focus && focus->isEnabled())
+        focus->setFocus();
 
     Update_Document_Actions();
     Mark_Changed();
