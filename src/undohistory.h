@@ -105,13 +105,15 @@ private:
     static TStepOutcome Outcome_Of(const TCommand& command, const TShownState& shown,
                                    const TDocumentFacts& facts);
     void Go(void (QUndoStack::*way)(), TDocumentFacts* facts);
+    TCommand* Present() const;
     void Drop_Last();
 
     TData* d_data;
     TShown d_shown;
     QUndoStack d_stack;
-    std::unique_ptr<TCommand> d_new; ///< the step that has begun, unless it continues the last one
-    TCommand* d_last = nullptr;      ///< on the stack; what may be continued, null if nothing may
-    TLabelLook d_look;               ///< when the step began
+    /// A step that has begun and changed nothing yet; null while d_last is continued.
+    std::unique_ptr<TCommand> d_new;
+    TCommand* d_last = nullptr; ///< on the stack; what may be continued, null if nothing may
+    TLabelLook d_look;          ///< when the step began
     TDocumentFacts* d_facts = nullptr; ///< what the stack works on while it goes to another state
 };
