@@ -117,8 +117,8 @@ bool TUndoHistory::End(const TLabelLook& look)
             Drop_Last();
         return true;
     }
-    // A step that has changed nothing so far may be gone on with all the same. Without that, each of
-    // thousands of labels that have the chosen border already would ask what is selected.
+    // A step that has changed nothing so far may be gone on with all the same. Without that, each
+    // of thousands of labels that have the chosen border already would ask what is selected.
     if (is_void)
         return false;
     std::unique_ptr<TCommand> ended = std::move(d_new);
@@ -188,8 +188,8 @@ TStepOutcome TUndoHistory::Outcome_Of(const TCommand& command, const TShownState
     outcome.shown = shown;
     outcome.sets_values = command.before.next_value != command.after.next_value ||
                           command.before.idle_value != command.after.idle_value;
-    // What moves in the list is what is selected there. That it moved, and not those that it passed,
-    // cannot be told from the two orders.
+    // What moves in the list is what is selected there. That it moved, and not those that it
+    // passed, cannot be told from the two orders.
     if (command.kind != TStepKind::Move_Pages)
         outcome.pages = command.step.Touched_Pages();
     return outcome;

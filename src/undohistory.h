@@ -46,9 +46,9 @@ struct TStepOutcome
     TDocumentFacts facts;
     TShownState shown;        ///< as it was before the step, or after it
     bool sets_values = false; ///< whether the step had changed the values of shown
-    std::vector<int> pages;   ///< that the step touched, be they there now or not; none when it only
-                              ///< put them in another order
-    QString message;          ///< tells what happened
+    std::vector<int> pages; ///< that the step touched, be they there now or not; none when it only
+                            ///< put them in another order
+    QString message;        ///< tells what happened
 };
 
 /// The steps of the work on one document: each can be taken back, and done again.
@@ -113,7 +113,7 @@ private:
     QUndoStack d_stack;
     /// A step that has begun and changed nothing yet; null while d_last is continued.
     std::unique_ptr<TCommand> d_new;
-    TCommand* d_last = nullptr; ///< on the stack; what may be continued, null if nothing may
-    TLabelLook d_look;          ///< when the step began
+    TCommand* d_last = nullptr;        ///< on the stack; what may be continued, null if nothing may
+    TLabelLook d_look;                 ///< when the step began
     TDocumentFacts* d_facts = nullptr; ///< what the stack works on while it goes to another state
 };
