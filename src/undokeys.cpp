@@ -8,20 +8,19 @@
 
 namespace {
 
-const QKeySequence back_key(QStringLiteral("Ctrl+Z"));
-const QKeySequence forth_keys[] = {QKeySequence(QStringLiteral("Ctrl+Shift+Z")),
-                                   QKeySequence(QStringLiteral("Ctrl+Y"))};
+constexpr int back_key = Qt::CTRL + Qt::Key_Z;
+constexpr int forth_keys[] = {Qt::CTRL + Qt::SHIFT + Qt::Key_Z, Qt::CTRL + Qt::Key_Y};
 
 } // namespace
 
 TUndoKeys::TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_edit)
     : d_begin_edit(std::move(begin_edit))
 {
-    const auto add_key = [this, window](const QKeySequence& key, const TAction& action) {
+    const auto add_key = [this, window](int key, const TAction& action) {
         connect(new QShortcut(key, window), &QShortcut::activated, this, action);
     };
     add_key(back_key, undo);
-    for (const QKeySequence& key : forth_keys)
+    for (const int key : forth_keys)
         add_key(key, redo);
     Watch_Editors(*window);
 }
@@ -68,10 +67,10 @@ bool TUndoKeys::eventFilter(QObject* watched, QEvent* event)
 
 TUndoKeys::TWay TUndoKeys::Way_Of(const QKeyEvent& event)
 {
-    const QKeySequence key(static_cast<int>(event.modifiers()) + event.key());
+    const int key = static_cast<int>(event.modifiers()) + event.key();
     if (key == back_key)
         return TWay::Back;
-    for (const QKeySequence& forth_key : forth_keys) {
+    for (const int forth_key : forth_keys) {
         if (key == forth_key)
             return TWay::Forth;
     }
