@@ -17,6 +17,7 @@
 #include <QSet>
 #include <QSignalBlocker>
 #include <QStatusBar>
+#include <QVector>
 
 #include <algorithm>
 #include <optional>
@@ -43,6 +44,11 @@ std::vector<int> Ids_Of(const TData& data)
         ids.push_back(data.Page_Id(place));
     std::sort(ids.begin(), ids.end());
     return ids;
+}
+
+QVector<int> List_Of(const std::vector<int>& ids)
+{
+    return QVector<int>(ids.cbegin(), ids.cend());
 }
 
 bool Is_Same_Page(const TNamedPage& left, const TNamedPage& right)
@@ -173,7 +179,7 @@ TLabelLook TQuillet::Label_Look() const
 
 TShownState TQuillet::Shown_State() const
 {
-    return {d_page_widget->Selected_Pages(), d_label_widget->Selected_Items(),
+    return {List_Of(d_page_widget->Selected_Pages()), List_Of(d_label_widget->Selected_Items()),
             d_label_widget->Next_Value(), d_label_widget->Idle_Value()};
 }
 
@@ -249,7 +255,7 @@ void TQuillet::Show_Page_Rows(const std::vector<TNamedPage>& rows)
 /// The pages to select: those that were, unless that would hide the page that the step touched.
 std::vector<int> TQuillet::Pages_To_Show(const TStepOutcome& outcome) const
 {
-    const std::vector<int>& selected = outcome.shown.pages;
+    const std::vector<int> selected(outcome.shown.pages.cbegin(), outcome.shown.pages.cend());
     const QSet<int> touched(outcome.pages.cbegin(), outcome.pages.cend());
     const auto is_touched = [&touched](const TNamedPage& row) {
         return touched.contains(row.page_id);
@@ -265,7 +271,9 @@ std::vector<int> TQuillet::Pages_To_Show(const TStepOutcome& outcome) const
 /// is in sight.
 void TQuillet::Show_Selection(const TShownState& shown, const std::vector<int>& pages)
 {
-    const std::vector<int> labels = shown.pages == pages ? shown.labels : std::vector<int>();
+    std::vector<int> labels;
+    if (shown.pages == List_Of(pages))
+        labels.assign(shown.labels.cbegin(), shown.labels.cend());
     const QRectF sight =
         d_display_widget->mapToScene(d_display_widget->viewport()->rect()).boundingRect();
     const bool is_in_sight = std::any_of(labels.cbegin(), labels.cend(), [&](int id) {

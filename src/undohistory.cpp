@@ -95,7 +95,7 @@ void TUndoHistory::Begin(TStepKind kind, int subject, int count, const TLabelLoo
     if (!continues) {
         Break();
         d_new = std::make_unique<TCommand>(this, kind, subject, count);
-        d_new->before = d_shown();
+        d_new->before = Shown_Now();
     }
     d_look = look;
     d_data->Set_Record(&Present()->step.data);
@@ -122,7 +122,7 @@ bool TUndoHistory::End(const TLabelLook& look)
     if (is_void)
         return false;
     std::unique_ptr<TCommand> ended = std::move(d_new);
-    ended->after = d_shown();
+    ended->after = Shown_Now();
     d_last = ended.get();
     d_stack.push(ended.release());
     return true;
@@ -140,7 +140,21 @@ void TUndoHistory::Break()
 void TUndoHistory::Clear()
 {
     Break();
+    d_seen = {};
     d_stack.clear();
+}
+
+/// What is shown. Steps share lists that did not change in between: ten thousand selected labels
+/// cost a step nothing that has nothing to do with them.
+TShownState TUndoHistory::Shown_Now()
+{
+    TShownState shown = d_shown();
+    if (shown.pages == d_seen.pages)
+        shown.pages = d_seen.pages;
+    if (shown.labels == d_seen.labels)
+        shown.labels = d_seen.labels;
+    d_seen = shown;
+    return shown;
 }
 
 /// The step that is going on, or may be gone on with; null when there is none.

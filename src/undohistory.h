@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QString>
 #include <QUndoStack>
+#include <QVector>
 
 #include <functional>
 #include <memory>
@@ -34,10 +35,10 @@ enum class TStepKind {
 /// did.
 struct TShownState
 {
-    std::vector<int> pages;  ///< ids of the selected pages; a page that is selected alone is shown
-    std::vector<int> labels; ///< ids of the selected labels
-    int next_value = 0;      ///< of the next new label
-    int idle_value = 0;      ///< what the value editor shows when nothing is selected
+    QVector<int> pages;  ///< ids of the selected pages; a page that is selected alone is shown
+    QVector<int> labels; ///< ids of the selected labels
+    int next_value = 0;  ///< of the next new label
+    int idle_value = 0;  ///< what the value editor shows when nothing is selected
 };
 
 /// What is to be shown after a step was taken back or done again.
@@ -104,12 +105,14 @@ private:
 
     static TStepOutcome Outcome_Of(const TCommand& command, const TShownState& shown,
                                    const TDocumentFacts& facts);
+    TShownState Shown_Now();
     void Go(void (QUndoStack::*way)(), TDocumentFacts* facts);
     TCommand* Present() const;
     void Drop_Last();
 
     TData* d_data;
     TShown d_shown;
+    TShownState d_seen; ///< what was shown when that was last asked
     QUndoStack d_stack;
     /// A step that has begun and changed nothing yet; null while d_last is continued.
     std::unique_ptr<TCommand> d_new;
