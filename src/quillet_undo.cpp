@@ -255,7 +255,7 @@ void TQuillet::Show_Page_Rows(const std::vector<TNamedPage>& rows)
 /// The pages to select: those that were, unless that would hide the page that the step touched.
 std::vector<int> TQuillet::Pages_To_Show(const TStepOutcome& outcome) const
 {
-    const std::vector<int> selected(outcome.shown.pages.cbegin(), outcome.shown.pages.cend());
+    std::vector<int> selected(outcome.shown.pages.cbegin(), outcome.shown.pages.cend());
     const QSet<int> touched(outcome.pages.cbegin(), outcome.pages.cend());
     const auto is_touched = [&touched](const TNamedPage& row) {
         return touched.contains(row.page_id);
