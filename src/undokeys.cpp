@@ -6,10 +6,14 @@
 #include <QSlider>
 #include <QWidget>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
-constexpr int back_key = Qt::CTRL + Qt::Key_Z;
-constexpr int forth_keys[] = {Qt::CTRL + Qt::SHIFT + Qt::Key_Z, Qt::CTRL + Qt::Key_Y};
+constexpr int back_key = static_cast<int>(Qt::CTRL) + Qt::Key_Z;
+constexpr int forth_keys[] = {static_cast<int>(Qt::CTRL) + static_cast<int>(Qt::SHIFT) + Qt::Key_Z,
+                              static_cast<int>(Qt::CTRL) + Qt::Key_Y};
 
 } // namespace
 
@@ -17,7 +21,7 @@ TUndoKeys::TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_
     : d_begin_edit(std::move(begin_edit))
 {
     const auto add_key = [this, window](int key, const TAction& action) {
-        connect(new QShortcut(key, window), &QShortcut::activated, this, action);
+        connect(new QShortcut(QKeySequence(key), window), &QShortcut::activated, this, action);
     };
     add_key(back_key, undo);
     for (const int key : forth_keys)
@@ -70,11 +74,9 @@ TUndoKeys::TWay TUndoKeys::Way_Of(const QKeyEvent& event)
     const int key = static_cast<int>(event.modifiers()) + event.key();
     if (key == back_key)
         return TWay::Back;
-    for (const int forth_key : forth_keys) {
-        if (key == forth_key)
-            return TWay::Forth;
-    }
-    return TWay::None;
+    const bool is_forth =
+        std::find(std::begin(forth_keys), std::end(forth_keys), key) != std::end(forth_keys);
+    return is_forth ? TWay::Forth : TWay::None;
 }
 
 bool TUndoKeys::Is_For_Editor(const QLineEdit& editor, TWay way) const
