@@ -11,11 +11,13 @@
 #include "src/undokeys.h"
 
 #include <QAbstractItemModel>
+#include <QApplication>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSet>
 #include <QSignalBlocker>
 #include <QStatusBar>
+#include <QVector>
 
 #include <algorithm>
 #include <optional>
@@ -42,6 +44,11 @@ std::vector<int> Ids_Of(const TData& data)
         ids.push_back(data.Page_Id(place));
     std::sort(ids.begin(), ids.end());
     return ids;
+}
+
+QVector<int> List_Of(const std::vector<int>& ids)
+{
+    return QVector<int>(ids.cbegin(), ids.cend());
 }
 
 bool Is_Same_Page(const TNamedPage& left, const TNamedPage& right)
@@ -140,13 +147,15 @@ void TQuillet::Note_Page_List()
     if (before == rows || Ids_Of(before) != Ids_Of(rows))
         return;
 
-    const std::vector<int> touched = TRowsChange(before, rows).Touched_Pages();
     const bool is_in_order =
         std::equal(before.cbegin(), before.cend(), rows.cbegin(), Is_Same_Page);
-    if (is_in_order)
-        d_history->Begin(TStepKind::Rename_Page, touched.front(), 1, Label_Look());
-    else
-        d_history->Begin(TStepKind::Move_Pages, 0, static_cast<int>(touched.size()), Label_Look());
+    if (is_in_order) {
+        const int page_id = TRowsChange(before, rows).Touched_Pages().front();
+        d_history->Begin(TStepKind::Rename_Page, page_id, 1, Label_Look());
+    } else {
+        const std::size_t count = d_page_widget->Selected_Pages().size();
+        d_history->Begin(TStepKind::Move_Pages, 0, static_cast<int>(count), Label_Look());
+    }
     d_history->Note_Rows(before, rows);
     if (d_history->End(Label_Look()))
         d_undo_keys->Note_Step();
@@ -170,7 +179,7 @@ TLabelLook TQuillet::Label_Look() const
 
 TShownState TQuillet::Shown_State() const
 {
-    return {d_page_widget->Selected_Pages(), d_label_widget->Selected_Items(),
+    return {List_Of(d_page_widget->Selected_Pages()), List_Of(d_label_widget->Selected_Items()),
             d_label_widget->Next_Value(), d_label_widget->Idle_Value()};
 }
 
@@ -191,6 +200,8 @@ void TQuillet::Redo()
 /// Brings page list, view and panels into line with a document that a step has left.
 void TQuillet::Show_Outcome(const TStepOutcome& outcome)
 {
+    // An editor is disabled for a moment while what it belongs to is not there.
+    QWidget* const focus = QApplication::focusWidget();
     Show_Look(outcome.facts.look);
     const std::vector<int> selected = d_page_widget->Selected_Pages();
     Show_Page_Rows(outcome.facts.page_rows);
@@ -207,6 +218,8 @@ void TQuillet::Show_Outcome(const TStepOutcome& outcome)
     if (outcome.sets_values)
         d_label_widget->Set_Values(outcome.shown.next_value, outcome.shown.idle_value);
     Show_Selection(outcome.shown, pages);
+    if (focus && focus->isEnabled())
+        focus->setFocus();
 
     Update_Document_Actions();
     Mark_Changed();
@@ -242,7 +255,7 @@ void TQuillet::Show_Page_Rows(const std::vector<TNamedPage>& rows)
 /// The pages to select: those that were, unless that would hide the page that the step touched.
 std::vector<int> TQuillet::Pages_To_Show(const TStepOutcome& outcome) const
 {
-    const std::vector<int>& selected = outcome.shown.pages;
+    std::vector<int> selected(outcome.shown.pages.cbegin(), outcome.shown.pages.cend());
     const QSet<int> touched(outcome.pages.cbegin(), outcome.pages.cend());
     const auto is_touched = [&touched](const TNamedPage& row) {
         return touched.contains(row.page_id);
@@ -258,7 +271,9 @@ std::vector<int> TQuillet::Pages_To_Show(const TStepOutcome& outcome) const
 /// is in sight.
 void TQuillet::Show_Selection(const TShownState& shown, const std::vector<int>& pages)
 {
-    const std::vector<int> labels = shown.pages == pages ? shown.labels : std::vector<int>();
+    std::vector<int> labels;
+    if (shown.pages == List_Of(pages))
+        labels.assign(shown.labels.cbegin(), shown.labels.cend());
     const QRectF sight =
         d_display_widget->mapToScene(d_display_widget->viewport()->rect()).boundingRect();
     const bool is_in_sight = std::any_of(labels.cbegin(), labels.cend(), [&](int id) {

@@ -89,26 +89,27 @@ TUndoHistory::~TUndoHistory() = default;
 
 void TUndoHistory::Begin(TStepKind kind, int subject, int count, const TLabelLook& look)
 {
-    const bool continues =
-        d_last && d_last->kind == kind && d_last->subject == subject && Name_Of(kind).may_continue;
+    const TCommand* const present = Present();
+    const bool continues = present && present->kind == kind && present->subject == subject &&
+                           Name_Of(kind).may_continue;
     if (!continues) {
         Break();
         d_new = std::make_unique<TCommand>(this, kind, subject, count);
-        d_new->before = d_shown();
+        d_new->before = Shown_Now();
     }
     d_look = look;
-    d_data->Set_Record(continues ? &d_last->step.data : &d_new->step.data);
+    d_data->Set_Record(&Present()->step.data);
 }
 
 void TUndoHistory::Note_Rows(const TPageRows& before, const TPageRows& after)
 {
-    (d_new ? d_new.get() : d_last)->step.Note_Rows(before, after);
+    Present()->step.Note_Rows(before, after);
 }
 
 bool TUndoHistory::End(const TLabelLook& look)
 {
     d_data->Set_Record(nullptr);
-    TDocumentStep& step = (d_new ? d_new.get() : d_last)->step;
+    TDocumentStep& step = Present()->step;
     step.Note_Look(d_look, look);
     const bool is_void = step.Is_Void(*d_data, look);
     if (!d_new) {
@@ -116,10 +117,12 @@ bool TUndoHistory::End(const TLabelLook& look)
             Drop_Last();
         return true;
     }
-    std::unique_ptr<TCommand> ended = std::move(d_new);
+    // A step that has changed nothing so far may be gone on with all the same. Without that, each
+    // of thousands of labels that have the chosen border already would ask what is selected.
     if (is_void)
         return false;
-    ended->after = d_shown();
+    std::unique_ptr<TCommand> ended = std::move(d_new);
+    ended->after = Shown_Now();
     d_last = ended.get();
     d_stack.push(ended.release());
     return true;
@@ -131,12 +134,33 @@ void TUndoHistory::Break()
     if (d_last)
         d_last->step.data.Close();
     d_last = nullptr;
+    d_new.reset();
 }
 
 void TUndoHistory::Clear()
 {
-    d_last = nullptr;
+    Break();
+    d_seen = {};
     d_stack.clear();
+}
+
+/// What is shown. Steps share lists that did not change in between: ten thousand selected labels
+/// cost a step nothing that has nothing to do with them.
+TShownState TUndoHistory::Shown_Now()
+{
+    TShownState shown = d_shown();
+    if (shown.pages == d_seen.pages)
+        shown.pages = d_seen.pages;
+    if (shown.labels == d_seen.labels)
+        shown.labels = d_seen.labels;
+    d_seen = shown;
+    return shown;
+}
+
+/// The step that is going on, or may be gone on with; null when there is none.
+TUndoHistory::TCommand* TUndoHistory::Present() const
+{
+    return d_new ? d_new.get() : d_last;
 }
 
 /// The last step has been continued to where it began.
@@ -178,7 +202,10 @@ TStepOutcome TUndoHistory::Outcome_Of(const TCommand& command, const TShownState
     outcome.shown = shown;
     outcome.sets_values = command.before.next_value != command.after.next_value ||
                           command.before.idle_value != command.after.idle_value;
-    outcome.pages = command.step.Touched_Pages();
+    // What moves in the list is what is selected there. That it moved, and not those that it
+    // passed, cannot be told from the two orders.
+    if (command.kind != TStepKind::Move_Pages)
+        outcome.pages = command.step.Touched_Pages();
     return outcome;
 }
 

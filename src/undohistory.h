@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QString>
 #include <QUndoStack>
+#include <QVector>
 
 #include <functional>
 #include <memory>
@@ -34,10 +35,10 @@ enum class TStepKind {
 /// did.
 struct TShownState
 {
-    std::vector<int> pages;  ///< ids of the selected pages; a page that is selected alone is shown
-    std::vector<int> labels; ///< ids of the selected labels
-    int next_value = 0;      ///< of the next new label
-    int idle_value = 0;      ///< what the value editor shows when nothing is selected
+    QVector<int> pages;  ///< ids of the selected pages; a page that is selected alone is shown
+    QVector<int> labels; ///< ids of the selected labels
+    int next_value = 0;  ///< of the next new label
+    int idle_value = 0;  ///< what the value editor shows when nothing is selected
 };
 
 /// What is to be shown after a step was taken back or done again.
@@ -46,8 +47,9 @@ struct TStepOutcome
     TDocumentFacts facts;
     TShownState shown;        ///< as it was before the step, or after it
     bool sets_values = false; ///< whether the step had changed the values of shown
-    std::vector<int> pages;   ///< that the step touched, be they there now or not
-    QString message;          ///< tells what happened
+    std::vector<int> pages; ///< that the step touched, be they there now or not; none when it only
+                            ///< put them in another order
+    QString message;        ///< tells what happened
 };
 
 /// The steps of the work on one document: each can be taken back, and done again.
@@ -103,14 +105,18 @@ private:
 
     static TStepOutcome Outcome_Of(const TCommand& command, const TShownState& shown,
                                    const TDocumentFacts& facts);
+    TShownState Shown_Now();
     void Go(void (QUndoStack::*way)(), TDocumentFacts* facts);
+    TCommand* Present() const;
     void Drop_Last();
 
     TData* d_data;
     TShown d_shown;
+    TShownState d_seen; ///< what was shown when that was last asked
     QUndoStack d_stack;
-    std::unique_ptr<TCommand> d_new; ///< the step that has begun, unless it continues the last one
-    TCommand* d_last = nullptr;      ///< on the stack; what may be continued, null if nothing may
-    TLabelLook d_look;               ///< when the step began
+    /// A step that has begun and changed nothing yet; null while d_last is continued.
+    std::unique_ptr<TCommand> d_new;
+    TCommand* d_last = nullptr;        ///< on the stack; what may be continued, null if nothing may
+    TLabelLook d_look;                 ///< when the step began
     TDocumentFacts* d_facts = nullptr; ///< what the stack works on while it goes to another state
 };

@@ -81,7 +81,7 @@ TUndoKeys::TWay TUndoKeys::Way_Of(const QKeyEvent& event)
 
 bool TUndoKeys::Is_For_Editor(const QLineEdit& editor, TWay way) const
 {
-    if (way == TWay::Forth)
-        return editor.isRedoAvailable();
-    return editor.isUndoAvailable() && editor.text() != d_editors.value(&editor);
+    // Doing a step again fills the editors anew, and what was typed would be lost.
+    const bool has_own = editor.isUndoAvailable() && editor.text() != d_editors.value(&editor);
+    return has_own || (way == TWay::Forth && editor.isRedoAvailable());
 }

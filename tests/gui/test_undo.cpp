@@ -43,6 +43,7 @@ private slots:
     void removing_pages();
     void naming_a_page();
     void dragging_a_page();
+    void moving_pages_by_keys();
     void importing_an_image();
     void importing_into_an_empty_page();
     void renumbering_the_page();
@@ -55,6 +56,7 @@ private slots:
     void keystrokes_in_the_name_editor_on_one_page_are_one_step();
     void the_same_editor_on_another_label_is_another_step();
     void turning_to_an_editor_again_begins_another_step();
+    void a_selection_ends_a_run_of_nudges();
     void dragging_the_size_slider_is_one_step();
     void importing_several_images_is_one_step();
     void what_changes_nothing_is_no_step_data();
@@ -70,6 +72,10 @@ private slots:
     void an_editor_undoes_what_is_not_taken_over_yet();
     void an_editor_leaves_what_is_taken_over_to_the_document();
     void the_value_of_the_next_label_is_the_editors_own();
+    void an_editor_keeps_what_is_not_taken_over_when_something_is_done_again();
+    void the_keyboard_stays_where_it_is_data();
+    void the_keyboard_stays_where_it_is();
+    void the_keys_work_in_a_floating_dock();
     void nothing_to_take_back_is_nothing();
 
     // What is shown.
@@ -78,6 +84,10 @@ private slots:
     void a_page_that_comes_back_is_shown();
     void the_selection_is_as_it_was();
     void the_view_stays_where_it_was_scrolled_to();
+    void a_label_that_is_being_dragged_goes_back_to_its_place();
+    void a_text_that_is_typed_when_its_page_is_removed_is_a_step_of_its_own();
+    void a_page_without_a_picture_comes_back_as_one();
+    void a_label_size_that_the_slider_does_not_reach_comes_back();
     void the_next_value_goes_back_with_the_label();
     void a_typed_next_value_is_kept_by_other_steps();
     void the_status_bar_names_the_step();
@@ -89,6 +99,7 @@ private slots:
     void a_new_document_clears_the_steps();
     void opening_clears_the_steps();
     void a_refused_file_keeps_the_steps();
+    void a_file_that_breaks_off_clears_the_steps();
     void saving_keeps_the_steps();
     void a_removed_page_keeps_its_encoded_image_only();
     void nothing_appears_in_menus_and_tool_bar();
@@ -358,6 +369,20 @@ void TestUndo::dragging_a_page()
     Check([this] { Drop_Page(1, 0); }, "move 1 page");
 }
 
+void TestUndo::moving_pages_by_keys()
+{
+    // Which of two neighbours has moved is seen by the selection alone.
+    Check([this] { Press(Pages(), Qt::Key_Down, Qt::AltModifier); }, "move 1 page");
+    QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 3, 2}));
+    Undo();
+    QCOMPARE(Window().d_page_widget->Selected_Pages(), std::vector<int>{2});
+
+    Support::Click_Row(Pages(), 2, Qt::ControlModifier);
+    Check([this] { Press(Pages(), Qt::Key_Up, Qt::AltModifier); }, "move 2 pages");
+    QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{2, 3, 1}));
+    QCOMPARE(Window().d_page_widget->Selected_Pages(), (std::vector<int>{2, 3}));
+}
+
 void TestUndo::importing_an_image()
 {
     Check([this] { Import({In("1.png")}); }, "import 1 image");
@@ -460,6 +485,30 @@ void TestUndo::turning_to_an_editor_again_begins_another_step()
     QCOMPARE(Value_Of(0), 17);
     Undo();
     QCOMPARE(Value_Of(0), 1);
+}
+
+void TestUndo::a_selection_ends_a_run_of_nudges()
+{
+    const auto nudge = [this] {
+        Press(Window().d_display_widget, Qt::Key_Right, Qt::ControlModifier);
+    };
+    Support::Click_Row(Labels(), 0);
+    nudge();
+    nudge();
+    Support::Click_Row(Labels(), 1);
+    Support::Click_Row(Labels(), 0);
+    nudge();
+    QCOMPARE(Window().d_data.Item(0).position, QPointF(53, 60));
+    Undo();
+    QCOMPARE(Window().d_data.Item(0).position, QPointF(52, 60));
+    nudge();
+    Undo();
+    Undo();
+    QCOMPARE(Window().d_data.Item(0).position, QPointF(50, 60));
+    QVERIFY(!Window().d_history->Can_Undo());
+    nudge();
+    Press(Window().d_display_widget, Qt::Key_Left, Qt::ControlModifier);
+    QVERIFY(!Window().d_history->Can_Undo());
 }
 
 void TestUndo::dragging_the_size_slider_is_one_step()
@@ -651,6 +700,57 @@ void TestUndo::the_value_of_the_next_label_is_the_editors_own()
     QCOMPARE(Window().d_data.Item(0).border_type, 8);
 }
 
+void TestUndo::an_editor_keeps_what_is_not_taken_over_when_something_is_done_again()
+{
+    Support::Click_Row(Labels(), 0);
+    Window().Change_Item_Border(11, 8);
+    Undo();
+    Press(Text_Editor(), Qt::Key_End);
+    QTest::keyClicks(Text_Editor(), "abc");
+    Press(Text_Editor(), Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(Text_Editor()->text(), QString("abc"));
+    QCOMPARE(Window().d_data.Item(0).border_type, 2);
+    QTest::keyClick(Text_Editor(), Qt::Key_Return);
+    QCOMPARE(Window().d_data.Item(0).text, QString("abc"));
+}
+
+void TestUndo::the_keyboard_stays_where_it_is_data()
+{
+    QTest::addColumn<QString>("editor");
+    for (const char* editor : {"Item Value", "Item Text", "Page Item Name"})
+        QTest::newRow(editor) << editor;
+}
+
+void TestUndo::the_keyboard_stays_where_it_is()
+{
+    QFETCH(QString, editor);
+    Support::Click_Row(Labels(), 0);
+    auto* const widget = Support::By_Tool_Tip<QLineEdit>(Window(), editor);
+    Press(widget, Qt::Key_End);
+    QTest::keyClicks(widget, "5");
+    QTest::keyClick(widget, Qt::Key_Return);
+    QCoreApplication::processEvents();
+    const QString typed = widget->text();
+    for (const Qt::Key key : {Qt::Key_Z, Qt::Key_Y}) {
+        QTest::keyClick(widget, key, Qt::ControlModifier);
+        QCOMPARE(QApplication::focusWidget(), widget);
+    }
+    QCOMPARE(widget->text(), typed);
+}
+
+void TestUndo::the_keys_work_in_a_floating_dock()
+{
+    Window().Change_Item_Value(11, 1000);
+    Window().d_label_dock->setFloating(true);
+    QVERIFY(QTest::qWaitForWindowExposed(Window().d_label_dock));
+    QApplication::setActiveWindow(Window().d_label_dock);
+    Labels()->setFocus();
+    QTest::keyClick(Labels(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Value_Of(0), 1);
+    QTest::keyClick(Labels(), Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(Value_Of(0), 1000);
+}
+
 void TestUndo::nothing_to_take_back_is_nothing()
 {
     const QStringList before = Document();
@@ -748,6 +848,71 @@ void TestUndo::the_view_stays_where_it_was_scrolled_to()
     QCOMPARE(bar->value(), place);
     Redo();
     QCOMPARE(bar->value(), place);
+}
+
+void TestUndo::a_label_that_is_being_dragged_goes_back_to_its_place()
+{
+    TDisplayWidget* const view = Window().d_display_widget;
+    Window().Change_Item_Value(13, 55);
+    const QPoint begin = view->mapFromScene(QPointF(50, 60));
+    const auto send = [view](QEvent::Type type, const QPoint& place, Qt::MouseButtons buttons) {
+        QMouseEvent event(type, place, Qt::LeftButton, buttons, Qt::NoModifier);
+        QApplication::sendEvent(view->viewport(), &event);
+    };
+    send(QEvent::MouseButtonPress, begin, Qt::LeftButton);
+    send(QEvent::MouseMove, begin + QPoint(20, 20), Qt::LeftButton);
+    QVERIFY(view->Item_Position(11) != QPointF(50, 60));
+    QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Value_Of(2), 3);
+    send(QEvent::MouseMove, begin + QPoint(40, 40), Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, begin + QPoint(40, 40), Qt::NoButton);
+    QCOMPARE(Window().d_data.Item(0).position, QPointF(50, 60));
+    QCOMPARE(view->Item_Position(11), QPointF(50, 60));
+    Redo();
+    QCOMPARE(Value_Of(2), 55);
+}
+
+void TestUndo::a_text_that_is_typed_when_its_page_is_removed_is_a_step_of_its_own()
+{
+    Support::Click_Row(Labels(), 0);
+    Press(Text_Editor(), Qt::Key_End);
+    const QString text = QString::fromUtf8("\xf0\x9f\x93\x90 3");
+    Text_Editor()->insert(text);
+    QTest::keyClicks(Text_Editor(), "4");
+    auto* const button = Support::By_Tool_Tip<QToolButton>(*Window().d_page_widget, "Remove Page");
+    Answer([button] { button->click(); }, QMessageBox::Yes);
+    QCOMPARE(Window().d_data.Page_Count(), 2);
+    Undo();
+    QCOMPARE(Window().d_data.Active_Page(), 2);
+    QCOMPARE(Window().d_data.Item(0).text, text + "4");
+    Undo();
+    QCOMPARE(Window().d_data.Item(0).text, QString());
+    QVERIFY(!Window().d_history->Can_Undo());
+}
+
+void TestUndo::a_page_without_a_picture_comes_back_as_one()
+{
+    Window().Add_Page();
+    Window().d_page_widget->Set_Active_Page(4);
+    Answer([this] { Window().Remove_Pages({4, 1}); }, QMessageBox::Yes);
+    Undo();
+    QCOMPARE(Window().d_data.Active_Page(), 4);
+    QVERIFY(!Window().d_data.Page_Image_Valid());
+    QVERIFY(!Window().d_label_widget->isEnabled());
+    QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 2, 3, 4}));
+}
+
+void TestUndo::a_label_size_that_the_slider_does_not_reach_comes_back()
+{
+    Window().Label_Size_Changed(300);
+    Window().Finish_Step();
+    Size_Slider()->setValue(50);
+    Undo();
+    QCOMPARE(Window().d_display_widget->Label_Size(), QSize(300, 300));
+    QCOMPARE(Size_Slider()->value(), Size_Slider()->maximum());
+    Redo();
+    QCOMPARE(Window().d_display_widget->Label_Size(), QSize(50, 50));
+    QCOMPARE(Size_Slider()->value(), 50);
 }
 
 void TestUndo::the_next_value_goes_back_with_the_label()
@@ -867,6 +1032,23 @@ void TestUndo::a_refused_file_keeps_the_steps()
                                     {Support::Press(QMessageBox::Yes), Support::Choose({path}),
                                      Support::Press(QMessageBox::Ok)}),
              QString());
+    Undo();
+    QCOMPARE(Document(), before);
+}
+
+void TestUndo::a_file_that_breaks_off_clears_the_steps()
+{
+    const QString path = In("short.quillet");
+    QVERIFY(Window().Save_Data(path));
+    QFile file(path);
+    QVERIFY(file.resize(file.size() - 10));
+    Window().Change_Item_Value(11, 7);
+    Window().d_data_changed = false;
+    Answer([&] { Window().Open_File(path); }, QMessageBox::Ok);
+    QVERIFY(!Window().d_history->Can_Undo());
+    // What was read before the fault is there to be worked on.
+    const QStringList before = Document();
+    Pages()->item(0)->setText("Roof");
     Undo();
     QCOMPARE(Document(), before);
 }

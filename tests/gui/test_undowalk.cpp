@@ -115,6 +115,7 @@ private:
     bool Change_Text();
     bool Change_Border();
     bool Move_Label();
+    bool Nudge_Labels();
     bool Add_Page();
     bool Remove_Pages();
     bool Rename_Page();
@@ -149,6 +150,7 @@ const TestUndoWalk::TChoice TestUndoWalk::choices[] = {
     {"change a text", 6, &TestUndoWalk::Change_Text},
     {"change a border", 6, &TestUndoWalk::Change_Border},
     {"move a label", 8, &TestUndoWalk::Move_Label},
+    {"nudge labels", 4, &TestUndoWalk::Nudge_Labels},
     {"add a page", 1, &TestUndoWalk::Add_Page},
     {"remove pages", 1, &TestUndoWalk::Remove_Pages},
     {"rename a page", 3, &TestUndoWalk::Rename_Page},
@@ -473,6 +475,22 @@ bool TestUndoWalk::Move_Label()
     const QPointF point(Number_Below(90) - 15, Number_Below(600) / 10.0);
     d_window->d_display_widget->Move_Item(id, point);
     Label(id)->position = point;
+    Remember();
+    return true;
+}
+
+/// An uninterrupted run of nudges.
+bool TestUndoWalk::Nudge_Labels()
+{
+    const std::vector<int> selected = Selected_Labels();
+    if (!Shown_Page() || selected.empty())
+        return false;
+    const bool is_back = Number_Below(2) == 0;
+    for (int number = Number_Below(3); number >= 0; --number) {
+        Press_Control(is_back ? Qt::Key_Left : Qt::Key_Right);
+        for (const int id : selected)
+            Label(id)->position += QPointF(is_back ? -1 : 1, 0);
+    }
     Remember();
     return true;
 }
