@@ -104,6 +104,7 @@ private slots:
     void the_frame_tells_where_the_keyboard_is();
 
     void an_import_is_shown();
+    void one_large_image_is_shown_while_it_is_read();
     void saving_and_opening_are_shown();
     void exports_are_shown();
     void short_work_is_not_shown();
@@ -833,9 +834,22 @@ void TestHabits::an_import_is_shown()
         QCOMPARE(Run_Answering([this] { d_window->File_Import(); }, {Support::Choose(paths)}),
                  QString());
     };
-    QCOMPARE(Shown_While(import),
-             QStringList({"Importing image 2 of 3", "Importing image 3 of 3"}));
+    QCOMPARE(Shown_While(import), QStringList({"Importing image 1 of 3", "Importing image 2 of 3",
+                                               "Importing image 3 of 3"}));
     QCOMPARE(d_window->d_data.Page_Count(), 3);
+}
+
+void TestHabits::one_large_image_is_shown_while_it_is_read()
+{
+    const QString path = d_folder->filePath("large.png");
+    QVERIFY(Support::Picture(900, 700).save(path));
+    QCOMPARE(Shown_While([&] { d_window->Import_Files({path}); }),
+             QStringList({"Importing image 1 of 1"}));
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Save_Data(d_folder->filePath("a.quillet"))); }),
+             QStringList({"Saving page 1 of 1"}));
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Load_Data(d_folder->filePath("a.quillet"))); }),
+             QStringList({"Opening page 1 of 1"}));
 }
 
 void TestHabits::saving_and_opening_are_shown()
@@ -844,7 +858,7 @@ void TestHabits::saving_and_opening_are_shown()
     Support::Add_Pages(d_window.get(), {{"A", picture, {}}, {"B", picture, {}}, {"C", {}, {}}});
     const QString path = d_folder->filePath("a.quillet");
     QCOMPARE(Shown_While([&] { QVERIFY(d_window->Save_Data(path)); }),
-             QStringList({"Saving page 2 of 3", "Saving page 3 of 3"}));
+             QStringList({"Saving page 1 of 3", "Saving page 2 of 3", "Saving page 3 of 3"}));
     QCOMPARE(Shown_While([&] { QVERIFY(d_window->Load_Data(path)); }),
              QStringList({"Opening page 2 of 3", "Opening page 3 of 3"}));
     QCOMPARE(d_window->d_data.Page_Count(), 3);
