@@ -3,6 +3,7 @@
 #include "src/displaywidget.h"
 #include "src/reportpainter.h"
 #include "src/safefile.h"
+#include "src/workwatch.h"
 
 #include <QBuffer>
 #include <QPainter>
@@ -127,7 +128,7 @@ void TPageExporter::Fill_View(const TData& data, TDisplayWidget* view, const TNo
 bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path)
 {
     QByteArray bytes;
-    QBuffer buffer(&bytes);
+    TWatchedDevice<QBuffer> buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     // Every PNG ends with an empty chunk of this type and its check sum. It is encoded and checked
     // before a file of that name is replaced.

@@ -1,5 +1,7 @@
 #include "src/pageimage.h"
 
+#include "src/workwatch.h"
+
 #include <QBuffer>
 #include <QFile>
 #include <QHash>
@@ -108,7 +110,7 @@ bool Promises_Too_Much(QImageReader* reader)
 /// @param format  what the decoder tries first; empty to detect the format by the content.
 QImage Decode(const QByteArray& bytes, const QByteArray& format)
 {
-    QBuffer buffer;
+    TWatchedDevice<QBuffer> buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
     // Each reader starts afresh: asking for the size moves a reader on in its data.
@@ -219,13 +221,15 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
     QImageReader header_reader(path, wanted_format);
     if (Promises_Too_Much(&header_reader))
         return TPageImage();
-    QImageReader reader(path, wanted_format);
+    // The reader also finds files whose suffix was left out.
+    const QString found_path = header_reader.fileName();
+    TWatchedDevice<QFile> watched(found_path);
+    QImageReader reader(&watched, wanted_format);
     const QByteArray format = reader.format();
     const QImage image = reader.read();
     if (image.isNull())
         return TPageImage();
-    // The reader also finds files whose suffix was left out.
-    QFile file(reader.fileName());
+    QFile file(found_path);
     const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (bytes.isEmpty() || bytes.size() != file.size())
         return TPageImage(image);
@@ -265,7 +269,7 @@ QByteArray TPageImage::Png() const
         const QImage image = d_content->Pixels(TContent::Passed_On);
         if (image.isNull())
             return d_content->source;
-        QBuffer buffer(&d_content->png);
+        TWatchedDevice<QBuffer> buffer(&d_content->png);
         buffer.open(QIODevice::WriteOnly);
         image.save(&buffer, "PNG");
     }

@@ -20,6 +20,7 @@ TProgress::TProgress(QStatusBar* status_bar, const QRect& area, const QString& p
     , d_pattern(pattern)
     , d_clock(clock)
     , d_start_time(clock())
+    , d_watch([this] { Go_On(); })
 {
 }
 

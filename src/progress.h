@@ -1,5 +1,7 @@
 #pragma once
 
+#include "src/workwatch.h"
+
 #include <QRect>
 #include <QString>
 
@@ -15,7 +17,8 @@ class QStatusBar;
 ///
 /// No event loop runs meanwhile, so that nothing can be clicked between two steps of the work: the
 /// bar is painted directly. That also means that the clock is looked at only where the work calls
-/// in, before each of its steps and between long pieces of one step. The bar lies above what else
+/// in: before each of its steps, between long pieces of one step, and with each block of an image
+/// that is read or written. The bar lies above what else
 /// is in the status bar and changes no layout: the window keeps its size, and what was covered is
 /// there again afterwards. GUI thread only.
 class TProgress
@@ -66,4 +69,5 @@ private:
     std::optional<qint64> d_painted_time;
     int d_number = 0; ///< of the step that goes on; 0 before the first
     int d_total = 0;
+    TWorkWatch d_watch;
 };

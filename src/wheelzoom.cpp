@@ -62,4 +62,8 @@ void TWheelZoom::Zoom(int steps, const QPoint& position)
     horizontal->setValue(horizontal->value() + moved.x());
     vertical->setValue(vertical->value() + moved.y());
     d_transform = d_view->viewportTransform();
+    // Where the view could not scroll as far, the point slipped away, and is let go.
+    constexpr double rounding = 2.0; // pixels
+    if ((d_transform.map(point) - position).manhattanLength() > rounding)
+        d_point = d_transform.inverted().map(QPointF(position));
 }

@@ -42,6 +42,7 @@ private slots:
     void work_is_shown_once_it_has_taken_half_a_second();
     void the_delay_counts_from_the_beginning_and_not_from_the_first_step();
     void a_piece_of_a_step_shows_the_work_too();
+    void a_block_of_an_image_shows_the_work_too();
     void nothing_is_shown_before_the_first_step();
     void the_bar_tells_the_step_and_how_much_is_done();
     void the_bar_is_painted_at_once_and_not_too_often();
@@ -121,6 +122,18 @@ void TestProgress::a_piece_of_a_step_shows_the_work_too()
     QVERIFY(Bar());
     QCOMPARE(Bar()->text(), QString("Doing 1 of 1"));
     QCOMPARE(Bar()->value(), 0);
+}
+
+void TestProgress::a_block_of_an_image_shows_the_work_too()
+{
+    auto progress = Begin();
+    progress->Step(1, 1);
+    d_time += 500;
+    TWorkWatch::Tell();
+    QVERIFY(Bar());
+    progress.reset();
+    TWorkWatch::Tell();
+    QVERIFY(!Bar());
 }
 
 void TestProgress::nothing_is_shown_before_the_first_step()

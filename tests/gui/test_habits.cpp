@@ -19,6 +19,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <tuple>
 
 using Support::Label;
 using Support::Run_Answering;
@@ -66,6 +67,7 @@ private slots:
     void what_is_under_the_pointer_stays_there_data();
     void what_is_under_the_pointer_stays_there();
     void many_zooms_do_not_drift();
+    void what_slipped_away_at_an_end_is_let_go();
     void a_page_smaller_than_the_view_stays_in_the_middle();
     void without_ctrl_alone_the_wheel_does_not_zoom_data();
     void without_ctrl_alone_the_wheel_does_not_zoom();
@@ -104,6 +106,7 @@ private slots:
     void the_frame_tells_where_the_keyboard_is();
 
     void an_import_is_shown();
+    void one_large_image_is_shown_while_it_is_read();
     void saving_and_opening_are_shown();
     void exports_are_shown();
     void short_work_is_not_shown();
@@ -307,6 +310,32 @@ void TestHabits::many_zooms_do_not_drift()
     Turn(QPoint(0, notch), position);
     const QPointF there = d_window->d_display_widget->viewportTransform().map(other);
     QVERIFY((there - position).manhattanLength() <= 1.0);
+}
+
+void TestHabits::what_slipped_away_at_an_end_is_let_go()
+{
+    // From near until the whole page is in the middle of the view, and near again: each turn keeps
+    // what is under the pointer when it begins, wherever the view can still scroll.
+    Show_Page();
+    d_window->d_zoom_slider->setValue(30);
+    const QPoint position = Page()->rect().center() + QPoint(20, -30);
+    int kept = 0;
+    for (int turn = 0; turn < 60; ++turn) {
+        const QPointF point = Scene_Point(position);
+        Turn(QPoint(0, turn < 30 ? -notch : notch), position);
+        const QPointF now = d_window->d_display_widget->viewportTransform().map(point);
+        const std::tuple<const QScrollBar*, double> axes[] = {
+            {d_window->d_display_widget->horizontalScrollBar(), now.x() - position.x()},
+            {d_window->d_display_widget->verticalScrollBar(), now.y() - position.y()}};
+        for (const auto& [bar, distance] : axes) {
+            const bool is_at_end = bar->value() == bar->minimum() || bar->value() == bar->maximum();
+            QVERIFY2(is_at_end || std::abs(distance) <= 1.0,
+                     qPrintable(QString("turn %1: off by %2").arg(turn).arg(distance)));
+            kept += is_at_end ? 0 : 1;
+        }
+        QCoreApplication::processEvents();
+    }
+    QVERIFY2(kept > 30, qPrintable(QString::number(kept)));
 }
 
 void TestHabits::a_page_smaller_than_the_view_stays_in_the_middle()
@@ -833,9 +862,22 @@ void TestHabits::an_import_is_shown()
         QCOMPARE(Run_Answering([this] { d_window->File_Import(); }, {Support::Choose(paths)}),
                  QString());
     };
-    QCOMPARE(Shown_While(import),
-             QStringList({"Importing image 2 of 3", "Importing image 3 of 3"}));
+    QCOMPARE(Shown_While(import), QStringList({"Importing image 1 of 3", "Importing image 2 of 3",
+                                               "Importing image 3 of 3"}));
     QCOMPARE(d_window->d_data.Page_Count(), 3);
+}
+
+void TestHabits::one_large_image_is_shown_while_it_is_read()
+{
+    const QString path = d_folder->filePath("large.png");
+    QVERIFY(Support::Picture(900, 700).save(path));
+    QCOMPARE(Shown_While([&] { d_window->Import_Files({path}); }),
+             QStringList({"Importing image 1 of 1"}));
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Save_Data(d_folder->filePath("a.quillet"))); }),
+             QStringList({"Saving page 1 of 1"}));
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Load_Data(d_folder->filePath("a.quillet"))); }),
+             QStringList({"Opening page 1 of 1"}));
 }
 
 void TestHabits::saving_and_opening_are_shown()
@@ -844,7 +886,7 @@ void TestHabits::saving_and_opening_are_shown()
     Support::Add_Pages(d_window.get(), {{"A", picture, {}}, {"B", picture, {}}, {"C", {}, {}}});
     const QString path = d_folder->filePath("a.quillet");
     QCOMPARE(Shown_While([&] { QVERIFY(d_window->Save_Data(path)); }),
-             QStringList({"Saving page 2 of 3", "Saving page 3 of 3"}));
+             QStringList({"Saving page 1 of 3", "Saving page 2 of 3", "Saving page 3 of 3"}));
     QCOMPARE(Shown_While([&] { QVERIFY(d_window->Load_Data(path)); }),
              QStringList({"Opening page 2 of 3", "Opening page 3 of 3"}));
     QCOMPARE(d_window->d_data.Page_Count(), 3);

@@ -39,7 +39,10 @@ class Tour(Day):
             "PNG8:" + path)
 
     def take_dialog(self, name, title):
-        self.take(name, self.program.box_of_window(self.program.dialog(title)))
+        box = self.program.box_of_window(self.program.dialog(title))
+        # A text cursor blinks, and would be in every other picture only.
+        press("Tab")
+        self.take(name, box)
 
 
 def first_start(tour):

@@ -634,9 +634,9 @@ def main():
     day = Day(quillet, results, report_pages(tempfile.mkdtemp(), FIRST_PAGE, LAST_PAGE))
     try:
         for chapter in (first_look, import_pages, learn_places, label_first_page, label_third_page,
-                        use_wheel_and_keys, arrange_pages, change_looks, export_images, reindex, export_pdf, save,
-                        check_images, check_pdf, close_with_cancel_then_yes, open_again,
-                        float_a_dock, watch_long_work, check_home):
+                        use_wheel_and_keys, arrange_pages, change_looks, export_images, reindex,
+                        export_pdf, save, check_images, check_pdf, close_with_cancel_then_yes,
+                        open_again, float_a_dock, watch_long_work, check_home):
             started = time.monotonic()
             chapter(day)
             print(f"{chapter.__name__}: {time.monotonic() - started:.1f} s", flush=True)
