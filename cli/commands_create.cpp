@@ -11,6 +11,7 @@
 
 #include <QCollator>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -34,7 +35,10 @@ constexpr std::array<TOptionText, 4> steps = {{
 QStringList Images_In(const QString& folder)
 {
     QStringList names;
-    const QStringList entries = QDir(folder).entryList(QDir::Files, QDir::Name);
+    if (!QFileInfo(folder).isReadable())
+        throw TJobError{folder, Translated("cannot be read")};
+    // Links that lead nowhere are listed too: better an error than a page less.
+    const QStringList entries = QDir(folder).entryList(QDir::Files | QDir::System, QDir::Name);
     std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names),
                  ImageFiles::Is_Image_Name);
     if (names.isEmpty())
@@ -68,8 +72,9 @@ TPageImage Read_Image(const QString& path)
     TPageImage image = TPageImage::From_File(path);
     if (!image.isNull())
         return image;
-    throw TJobError{path, QFileInfo::exists(path) ? Translated("cannot be read as an image")
-                                                  : Translated("does not exist")};
+    QFile file(path);
+    throw TJobError{path, file.open(QIODevice::ReadOnly) ? Translated("cannot be read as an image")
+                                                         : file.errorString()};
 }
 
 } // namespace
@@ -88,6 +93,7 @@ void Commands::Create(TCommandLine* line)
     const QString output = line->Text(Options::Output);
     Files::Check_Output(output, line->Is_Set(Options::Force));
     const QStringList paths = Images_Of(line->Arguments());
+    Files::Check_Is_Other(output, paths);
     TDocument document;
     {
         TTerminalProgress progress(Translated("Reading image %1 of %2"));
