@@ -6,22 +6,25 @@
 #include <QSlider>
 #include <QWidget>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
-const QKeySequence back_key(QStringLiteral("Ctrl+Z"));
-const QKeySequence forth_keys[] = {QKeySequence(QStringLiteral("Ctrl+Shift+Z")),
-                                   QKeySequence(QStringLiteral("Ctrl+Y"))};
+constexpr int back_key = static_cast<int>(Qt::CTRL) + Qt::Key_Z;
+constexpr int forth_keys[] = {static_cast<int>(Qt::CTRL) + static_cast<int>(Qt::SHIFT) + Qt::Key_Z,
+                              static_cast<int>(Qt::CTRL) + Qt::Key_Y};
 
 } // namespace
 
 TUndoKeys::TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_edit)
     : d_begin_edit(std::move(begin_edit))
 {
-    const auto add_key = [this, window](const QKeySequence& key, const TAction& action) {
-        connect(new QShortcut(key, window), &QShortcut::activated, this, action);
+    const auto add_key = [this, window](int key, const TAction& action) {
+        connect(new QShortcut(QKeySequence(key), window), &QShortcut::activated, this, action);
     };
     add_key(back_key, undo);
-    for (const QKeySequence& key : forth_keys)
+    for (const int key : forth_keys)
         add_key(key, redo);
     Watch_Editors(*window);
 }
@@ -68,14 +71,12 @@ bool TUndoKeys::eventFilter(QObject* watched, QEvent* event)
 
 TUndoKeys::TWay TUndoKeys::Way_Of(const QKeyEvent& event)
 {
-    const QKeySequence key(static_cast<int>(event.modifiers()) + event.key());
+    const int key = static_cast<int>(event.modifiers()) + event.key();
     if (key == back_key)
         return TWay::Back;
-    for (const QKeySequence& forth_key : forth_keys) {
-        if (key == forth_key)
-            return TWay::Forth;
-    }
-    return TWay::None;
+    const bool is_forth =
+        std::find(std::begin(forth_keys), std::end(forth_keys), key) != std::end(forth_keys);
+    return is_forth ? TWay::Forth : TWay::None;
 }
 
 bool TUndoKeys::Is_For_Editor(const QLineEdit& editor, TWay way) const

@@ -35,7 +35,7 @@ class Tour(Day):
                  f"+{box.left - 1}+{box.top - TITLE_BAR}")
         path = os.path.join(self.results, name + ".png")
         run("import", "-silent", "-window", "root", path)
-        run("convert", path, "-crop", frame, "+repage", "+dither", "-colors", "160", "-strip",
+        run("convert", path, "-crop", frame, "+repage", "+dither", "-colors", "256", "-strip",
             "PNG8:" + path)
 
     def take_dialog(self, name, title):
