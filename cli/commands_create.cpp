@@ -37,10 +37,13 @@ QStringList Images_In(const QString& folder)
     QStringList names;
     if (!QFileInfo(folder).isReadable())
         throw TJobError{folder, Translated("cannot be read")};
-    // Links that lead nowhere are listed too: better an error than a page less.
+    // Links that lead nowhere are taken for images: better an error than a page less.
+    const auto is_image = [&folder](const QString& name) {
+        const QFileInfo file(QDir(folder).filePath(name));
+        return ImageFiles::Is_Image_Name(name) && (file.isFile() || !file.exists());
+    };
     const QStringList entries = QDir(folder).entryList(QDir::Files | QDir::System, QDir::Name);
-    std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names),
-                 ImageFiles::Is_Image_Name);
+    std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names), is_image);
     if (names.isEmpty())
         throw TJobError{folder, Translated("holds no images")};
     // A locale of its own: in the C locale numbers do not count, and the order of pages should not
@@ -72,9 +75,11 @@ TPageImage Read_Image(const QString& path)
     TPageImage image = TPageImage::From_File(path);
     if (!image.isNull())
         return image;
+    if (QFileInfo(path).isReadable())
+        throw TJobError{path, Translated("cannot be read as an image")};
     QFile file(path);
-    throw TJobError{path, file.open(QIODevice::ReadOnly) ? Translated("cannot be read as an image")
-                                                         : file.errorString()};
+    file.open(QIODevice::ReadOnly);
+    throw TJobError{path, file.errorString()};
 }
 
 } // namespace

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 using Support::Header;
 using Support::Item_Element;
 using Support::Item_List;
@@ -84,6 +86,7 @@ class TestCliDocuments : public QObject
         Write("images/notes.txt", "notes");
         Write("images/.hidden.png", Picture());
         Write("images/no-suffix", Picture());
+        QCOMPARE(mkfifo(QFile::encodeName(Path("images/pipe.png")).constData(), S_IRUSR), 0);
     }
 
 private slots:
