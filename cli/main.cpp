@@ -87,7 +87,7 @@ TExitStatus Run_Without_Command(const QStringList& arguments)
 {
     if (arguments.isEmpty())
         return Refuse(Translated("A command is missing."), QString());
-    const QString option = arguments.first();
+    const QString& option = arguments.first();
     const bool is_help = option == QLatin1String("-h") || option == QLatin1String("--help");
     const bool is_version = option == QLatin1String("-v") || option == QLatin1String("--version");
     if (!is_help && !is_version)
