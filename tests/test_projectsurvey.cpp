@@ -81,14 +81,7 @@ QStringList Describe(const TProjectSurvey& survey)
                      .arg(page.image.width())
                      .arg(page.image.height());
         for (const TDataItem& item : page.items)
-            lines += QStringLiteral("label %1 %2 '%3' %4 %5,%6%7")
-                         .arg(item.id)
-                         .arg(item.value)
-                         .arg(item.text)
-                         .arg(item.border_type)
-                         .arg(item.position.x())
-                         .arg(item.position.y())
-                         .arg(item.selected ? QStringLiteral(" selected") : QString());
+            lines += Support::Describe_Label(item);
     }
     return lines;
 }

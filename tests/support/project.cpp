@@ -81,6 +81,18 @@ QList<int> Add_Pages(TQuillet* window, const std::vector<TPage>& pages)
     return ids;
 }
 
+QString Describe_Label(const TDataItem& item)
+{
+    return QStringLiteral("label %1 %2 '%3' %4 %5,%6%7")
+        .arg(item.id)
+        .arg(item.value)
+        .arg(item.text)
+        .arg(item.border_type)
+        .arg(item.position.x())
+        .arg(item.position.y())
+        .arg(item.selected ? QStringLiteral(" selected") : QString());
+}
+
 QStringList Describe(TQuillet* window)
 {
     TData& data = window->d_data;
@@ -97,17 +109,8 @@ QStringList Describe(TQuillet* window)
                      .arg(size.width())
                      .arg(size.height())
                      .arg(listed.contains(id) ? QString() : QStringLiteral(" not listed"));
-        for (int i = 0; i < data.Item_Count(); ++i) {
-            const TDataItem item = data.Item(i);
-            lines += QStringLiteral("label %1 %2 '%3' %4 %5,%6%7")
-                         .arg(item.id)
-                         .arg(item.value)
-                         .arg(item.text)
-                         .arg(item.border_type)
-                         .arg(item.position.x())
-                         .arg(item.position.y())
-                         .arg(item.selected ? QStringLiteral(" selected") : QString());
-        }
+        for (int i = 0; i < data.Item_Count(); ++i)
+            lines += Describe_Label(data.Item(i));
     }
     data.Set_Active_Page(active);
     return lines;

@@ -49,6 +49,9 @@ TDataItem Label(int id, int value, const QString& text, int border, const QPoint
 /// @return their ids.
 QList<int> Add_Pages(TQuillet* window, const std::vector<TPage>& pages);
 
+/// A label in one line.
+QString Describe_Label(const TDataItem& item);
+
 /// The window's document as lines of text: for each page its place, name and picture size, below it
 /// its labels; pages that are missing in the page list are told as well. The active page stays.
 QStringList Describe(TQuillet* window);
