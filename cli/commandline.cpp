@@ -67,6 +67,9 @@ bool TCommandLine::Parse()
     for (const QString& option : std::as_const(d_required_options)) {
         if (!d_parser.isSet(option))
             throw TUsageError{Translated("Option '%1' is missing.").arg(option)};
+        // Scripts come to this by a variable without a value.
+        if (d_parser.value(option).isEmpty())
+            Refuse_Value(option);
     }
     return true;
 }
@@ -87,12 +90,12 @@ int TCommandLine::Number(const char* option, int smallest, int largest) const
     bool is_number = false;
     const int number = Text(option).toInt(&is_number);
     if (!is_number || number < smallest || number > largest)
-        Refuse_Value(option);
+        Refuse_Value(QString::fromLatin1(option));
     return number;
 }
 
-void TCommandLine::Refuse_Value(const char* option) const
+void TCommandLine::Refuse_Value(const QString& option) const
 {
     throw TUsageError{
-        Translated("Option '%1' cannot be '%2'.").arg(QString::fromLatin1(option), Text(option))};
+        Translated("Option '%1' cannot be '%2'.").arg(option, d_parser.value(option))};
 }

@@ -53,7 +53,7 @@ public:
 
 private:
     void Check_Count() const;
-    [[noreturn]] void Refuse_Value(const char* option) const;
+    [[noreturn]] void Refuse_Value(const QString& option) const;
 
     QCommandLineParser d_parser;
     QStringList d_arguments;
@@ -70,5 +70,5 @@ int TCommandLine::Code(const char* option, const TTable& table) const
         if (text.compare(QLatin1String(entry.text), Qt::CaseInsensitive) == 0)
             return entry.code;
     }
-    Refuse_Value(option);
+    Refuse_Value(QString::fromLatin1(option));
 }

@@ -11,6 +11,7 @@
 
 #include <QCollator>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -34,9 +35,15 @@ constexpr std::array<TOptionText, 4> steps = {{
 QStringList Images_In(const QString& folder)
 {
     QStringList names;
-    const QStringList entries = QDir(folder).entryList(QDir::Files, QDir::Name);
-    std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names),
-                 ImageFiles::Is_Image_Name);
+    if (!QFileInfo(folder).isReadable())
+        throw TJobError{folder, Translated("cannot be read")};
+    // Links that lead nowhere are taken for images: better an error than a page less.
+    const auto is_image = [&folder](const QString& name) {
+        const QFileInfo file(QDir(folder).filePath(name));
+        return ImageFiles::Is_Image_Name(name) && (file.isFile() || !file.exists());
+    };
+    const QStringList entries = QDir(folder).entryList(QDir::Files | QDir::System, QDir::Name);
+    std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names), is_image);
     if (names.isEmpty())
         throw TJobError{folder, Translated("holds no images")};
     // A locale of its own: in the C locale numbers do not count, and the order of pages should not
@@ -68,8 +75,11 @@ TPageImage Read_Image(const QString& path)
     TPageImage image = TPageImage::From_File(path);
     if (!image.isNull())
         return image;
-    throw TJobError{path, QFileInfo::exists(path) ? Translated("cannot be read as an image")
-                                                  : Translated("does not exist")};
+    if (QFileInfo(path).isReadable())
+        throw TJobError{path, Translated("cannot be read as an image")};
+    QFile file(path);
+    file.open(QIODevice::ReadOnly);
+    throw TJobError{path, file.errorString()};
 }
 
 } // namespace
@@ -88,6 +98,7 @@ void Commands::Create(TCommandLine* line)
     const QString output = line->Text(Options::Output);
     Files::Check_Output(output, line->Is_Set(Options::Force));
     const QStringList paths = Images_Of(line->Arguments());
+    Files::Check_Is_Other(output, paths);
     TDocument document;
     {
         TTerminalProgress progress(Translated("Reading image %1 of %2"));

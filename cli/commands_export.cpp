@@ -99,9 +99,9 @@ void Take_Report_Options(TCommandLine* line)
 }
 
 /// The report's settings that do not depend on the document.
-TReportSettings Report_Settings(const TCommandLine& line)
+TReportOptions Report_Settings(const TCommandLine& line)
 {
-    TReportSettings settings{default_orientation, default_resolution, QString(), QString()};
+    TReportOptions settings{default_orientation, default_resolution, QString(), QString()};
     if (line.Is_Set(orientation_option))
         settings.orientation = line.Code(orientation_option, orientations);
     if (line.Is_Set(resolution_option))
@@ -161,9 +161,10 @@ void Commands::Export_Pdf(TCommandLine* line)
     if (!line->Parse())
         return;
 
-    TReportSettings settings = Report_Settings(*line);
+    TReportOptions settings = Report_Settings(*line);
     const QString output = line->Text(Options::Output);
     Files::Check_Output(output, line->Is_Set(Options::Force));
+    Files::Check_Is_Other(output, {line->Argument()});
     TDocument document = Load_Pages(line->Argument());
     settings.header_1 =
         line->Is_Set(header_1_option) ? line->Text(header_1_option) : document.appearance.header_1;
@@ -191,6 +192,7 @@ void Commands::Thumbnail(TCommandLine* line)
                                                : default_thumbnail;
     const QString output = line->Text(Options::Output);
     Files::Check_Output(output, line->Is_Set(Options::Force));
+    Files::Check_Is_Other(output, {line->Argument()});
     TDocument document = Load_Pages(line->Argument());
     const TPageView view(&document, nullptr);
     const bool is_written = view.Exporter().Draw_Pages(

@@ -98,8 +98,7 @@ QStringList Defects(const QString& path)
         }
         return defects;
     }
-    const TProjectSurvey survey =
-        ProjectSurvey::Survey(Files::Read(path), ProjectSurvey::TImages::Decode);
+    const TProjectSurvey survey = Files::Survey(path);
     for (const TProjectDefect& defect : survey.defects)
         defects += Files::Text(defect);
     return defects;

@@ -7,6 +7,8 @@
 #include "cli/words.h"
 #include "src/itemtable.h"
 
+#include <QRegularExpression>
+
 namespace {
 
 std::vector<TItemRow> Read_Table(const QString& path)
@@ -33,11 +35,19 @@ std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& 
     return labels;
 }
 
+/// A text as a project file can have it, where line breaks go away: words are to stay apart.
+QString In_One_Line(QString text)
+{
+    static const QRegularExpression line_break(QStringLiteral("\\r\\n|\\r|\\n"));
+    return text.replace(line_break, QStringLiteral(" "));
+}
+
 /// Adds labels to the active page under ids that no other label there has.
 void Add_Labels(const std::vector<TDataItem>& labels, TData* data)
 {
     int next_id = 1;
     for (TDataItem label : labels) {
+        label.text = In_One_Line(label.text);
         do
             label.id = next_id++;
         while (!data->Add_Item(label));
@@ -56,6 +66,7 @@ void Commands::Export_Items(TCommandLine* line)
 
     const QString output = line->Text(Options::Csv);
     Files::Check_Output(output, line->Is_Set(Options::Force));
+    Files::Check_Is_Other(output, {line->Argument()});
     TDocument document = Files::Load(line->Argument());
     std::vector<TItemRow> rows;
     int number = 0;
@@ -81,6 +92,7 @@ void Commands::Import_Items(TCommandLine* line)
     const QString output = line->Text(Options::Output);
     const QString table = line->Text(Options::Csv);
     Files::Check_Output(output, line->Is_Set(Options::Force));
+    Files::Check_Is_Other(output, {table});
     TDocument document = Files::Load(line->Argument());
     const auto labels = Labels_By_Page(Read_Table(table), table, document.pages.size());
     for (std::size_t place = 0; place < labels.size(); ++place) {

@@ -7,6 +7,7 @@
 #include "cli/terminal.h"
 #include "cli/words.h"
 #include "src/documentreader.h"
+#include "src/legacyfile.h"
 
 namespace {
 
@@ -30,8 +31,9 @@ void Commands::Recover(TCommandLine* line)
     const QString path = line->Argument();
     const QString output = line->Text(Options::Output);
     Files::Check_Output(output, line->Is_Set(Options::Force));
-    TProjectSurvey survey =
-        ProjectSurvey::Survey(Files::Read(path), ProjectSurvey::TImages::Decode);
+    if (LegacyFile::Is_Legacy(path))
+        throw TJobError{path, Translated("is of an earlier generation, and no project")};
+    TProjectSurvey survey = Files::Survey(path);
     if (survey.pages.empty() && !survey.defects.empty())
         throw TJobError{path, Files::Text(survey.defects.front())};
     for (TSurveyedPage& page : survey.pages)
@@ -40,13 +42,18 @@ void Commands::Recover(TCommandLine* line)
     Files::Save(output, &document);
 
     for (const TProjectDefect& defect : std::as_const(survey.defects))
-        Terminal::Print(Translated("%1: lost, %2").arg(path, Files::Text(defect)));
+        Terminal::Print(Translated("%1: damaged, %2").arg(path, Files::Text(defect)));
     std::size_t label_count = 0;
-    for (const TSurveyedPage& page : std::as_const(survey.pages))
+    int whole_count = 0;
+    for (const TSurveyedPage& page : std::as_const(survey.pages)) {
         label_count += page.items.size();
-    Terminal::Print(Translated("%1: pages: %2, labels: %3, defects: %4")
-                        .arg(output)
+        whole_count += page.is_whole ? 1 : 0;
+    }
+    // The name last of all that is filled in, as it may be anything.
+    Terminal::Print(Translated("%5: pages: %1, of these whole: %2, labels: %3, defects: %4")
                         .arg(survey.pages.size())
+                        .arg(whole_count)
                         .arg(label_count)
-                        .arg(survey.defects.size()));
+                        .arg(survey.defects.size())
+                        .arg(output));
 }

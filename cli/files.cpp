@@ -12,6 +12,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 TDocument Load_Project(const QString& path)
@@ -36,6 +38,12 @@ QByteArray Files::Read(const QString& path)
     if (file.error() != QFileDevice::NoError)
         throw TJobError{path, file.errorString()};
     return content;
+}
+
+TProjectSurvey Files::Survey(const QString& path)
+{
+    TTerminalProgress progress(Translated("Looking at page %1 of %2"));
+    return ProjectSurvey::Survey(Read(path), ProjectSurvey::TImages::Decode, progress.Steps());
 }
 
 TDocument Files::Load(const QString& path)
@@ -64,6 +72,17 @@ void Files::Check_Output(const QString& path, bool force)
     // What cannot be replaced as a whole is not written at all.
     if (!folder.isWritable() || (file.exists() && !file.isWritable()))
         throw TJobError{path, Translated("is write-protected")};
+}
+
+void Files::Check_Is_Other(const QString& path, const QStringList& inputs)
+{
+    const QString file = QFileInfo(path).canonicalFilePath();
+    const bool is_input =
+        std::any_of(inputs.cbegin(), inputs.cend(), [&file](const QString& input) {
+            return QFileInfo(input).canonicalFilePath() == file;
+        });
+    if (!file.isEmpty() && is_input)
+        throw TJobError{path, Translated("is read here and would be lost")};
 }
 
 void Files::Write(const QString& path, const QByteArray& content)

@@ -85,19 +85,20 @@ TExitStatus Refuse(const QString& message, const QString& command)
 /// What stands in place of a command.
 TExitStatus Run_Without_Command(const QStringList& arguments)
 {
-    const QString option = arguments.value(0);
-    const bool is_alone = arguments.size() == 1;
-    if (is_alone && (option == QLatin1String("-h") || option == QLatin1String("--help"))) {
-        Print_Help();
-        return Done;
-    }
-    if (is_alone && (option == QLatin1String("-v") || option == QLatin1String("--version"))) {
-        Terminal::Print(QStringLiteral("quillet-cli ") + QCoreApplication::applicationVersion());
-        return Done;
-    }
     if (arguments.isEmpty())
         return Refuse(Translated("A command is missing."), QString());
-    return Refuse(Translated("There is no command '%1'.").arg(option), QString());
+    const QString& option = arguments.first();
+    const bool is_help = option == QLatin1String("-h") || option == QLatin1String("--help");
+    const bool is_version = option == QLatin1String("-v") || option == QLatin1String("--version");
+    if (!is_help && !is_version)
+        return Refuse(Translated("There is no command '%1'.").arg(option), QString());
+    if (arguments.size() > 1)
+        return Refuse(Translated("Unexpected argument '%1'.").arg(arguments.at(1)), QString());
+    if (is_help)
+        Print_Help();
+    else
+        Terminal::Print(QStringLiteral("quillet-cli ") + QCoreApplication::applicationVersion());
+    return Done;
 }
 
 TExitStatus Run(const TCommand& command, const QStringList& arguments)
@@ -114,6 +115,21 @@ TExitStatus Run(const TCommand& command, const QStringList& arguments)
         return Job_Failed;
     }
     return Done;
+}
+
+/// The tool's arguments as texts.
+/// @throws TUsageError for one that is not in UTF-8: the toolkit would read or, worse, write a file
+/// of another name.
+QStringList Words(int count, char** arguments)
+{
+    QStringList words;
+    for (int place = 1; place < count; ++place) {
+        const QString word = QFile::decodeName(arguments[place]);
+        if (QFile::encodeName(word) != arguments[place])
+            throw TUsageError{Translated("Argument '%1' is not in UTF-8.").arg(word)};
+        words += word;
+    }
+    return words;
 }
 
 /// Drawing takes the toolkit's platform part, and that is to be the one without a display, whatever
@@ -155,9 +171,11 @@ int main(int argument_count, char** arguments)
     // it is noted in images. Without a display the toolkit would assume others.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     QStringList words;
-    for (int place = 1; place < argument_count; ++place)
-        words += QFile::decodeName(arguments[place]);
-
+    try {
+        words = Words(argument_count, arguments);
+    } catch (const TUsageError& error) {
+        return Refuse(error.message, QString());
+    }
     const TCommand* const command =
         std::find_if(commands.cbegin(), commands.cend(), [&words](const TCommand& candidate) {
             return words.value(0) == QLatin1String(candidate.name);

@@ -98,7 +98,12 @@ struct TRecord
     QStringList fields;
     int line = 1;
 
-    bool Is_Empty() const { return fields.size() == 1 && fields.first().isEmpty(); }
+    /// Also so for what spreadsheets write of empty rows.
+    bool Is_Empty() const
+    {
+        return std::all_of(fields.cbegin(), fields.cend(),
+                           [](const QString& field) { return field.isEmpty(); });
+    }
 };
 
 /// Reads comma-separated values, record after record.
@@ -233,6 +238,9 @@ private:
 TRowReader::TRowReader(const TRecord& header)
     : d_field_count(header.fields.size())
 {
+    if (header.fields.size() == 1)
+        throw TItemTableException(tr("there is one column only: it takes commas between them"),
+                                  header.line);
     QStringList names;
     for (const QString& field : header.fields)
         names += field.trimmed().toLower();
@@ -306,7 +314,8 @@ void TRowReader::Refuse(const TRecord& record, TColumn column, const QString& fi
         {QT_TR_NOOP("\"%1\" is no page number"),
          QT_TR_NOOP("\"%1\" is no value: it takes a whole number"), "",
          QT_TR_NOOP("\"%1\" is no border: it takes none, square, ellipse, triangle or diamond"),
-         QT_TR_NOOP("\"%1\" is no x coordinate"), QT_TR_NOOP("\"%1\" is no y coordinate")}};
+         QT_TR_NOOP("\"%1\" is no x coordinate: it takes a number such as 12.5"),
+         QT_TR_NOOP("\"%1\" is no y coordinate: it takes a number such as 12.5")}};
     throw TItemTableException(tr(kinds[column]).arg(field), record.line);
 }
 

@@ -49,11 +49,11 @@ namespace ItemTable {
 QByteArray Write(const std::vector<TItemRow>& rows);
 
 /// Reads a table whose lines end with CR LF, LF or CR; a byte order mark before it is passed over,
-/// and so are empty lines. Columns are found by their names in the header record, in any order and
-/// in upper or lower case; blanks around names, numbers and borders do not matter, nor do other
-/// columns. page, value, x and y are required. text and border may be left out as columns and may
-/// be empty: no text, no border. A border may also be a code (0, 1, 2, 4, 8). The labels' ids are
-/// 0.
+/// and so are empty lines and records with nothing but empty fields. Columns are found by their
+/// names in the header record, in any order and in upper or lower case; blanks around names,
+/// numbers and borders do not matter, nor do other columns. page, value, x and y are required. text
+/// and border may be left out as columns and may be empty: no text, no border. A border may also be
+/// a code (0, 1, 2, 4, 8). The labels' ids are 0.
 /// @throws TItemTableException
 std::vector<TItemRow> Read(const QByteArray& table);
 

@@ -19,7 +19,7 @@ QRect Page_Rectangle(const QPrinter& printer)
     return printer.pageLayout().paintRectPixels(printer.resolution());
 }
 
-void Prepare_Printer(const QString& path, const TReportSettings& settings, QPrinter* printer)
+void Prepare_Printer(const QString& path, const TReportOptions& settings, QPrinter* printer)
 {
     printer->setPageOrientation(settings.orientation == 0 ? QPageLayout::Portrait
                                                           : QPageLayout::Landscape);
@@ -47,7 +47,7 @@ bool TPageExporter::Export_Images(const QList<int>& page_ids, const TPathOf& pat
 }
 
 TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QList<int>& page_ids,
-                                                  const TReportSettings& settings) const
+                                                  const TReportOptions& settings) const
 {
     if (page_ids.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
         return TOutcome::Not_Begun;

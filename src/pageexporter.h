@@ -1,7 +1,7 @@
 #pragma once
 
 #include "src/data.h"
-#include "src/reportsettings.h"
+#include "src/reportoptions.h"
 
 #include <QList>
 #include <QString>
@@ -48,7 +48,7 @@ public:
     /// Writes pages as a PDF report, in the given order.
     /// @param file  is replaced when the report is complete.
     TOutcome Export_Pdf(const QString& file, const QList<int>& page_ids,
-                        const TReportSettings& settings) const;
+                        const TReportOptions& settings) const;
 
     /// Lets the view draw pages until one is not used or all are done; false when there is no page
     /// or one was not used.

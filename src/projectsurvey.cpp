@@ -29,9 +29,11 @@ class TSurveyor
     Q_DECLARE_TR_FUNCTIONS(ProjectSurvey)
 
 public:
-    TSurveyor(const QByteArray& bytes, ProjectSurvey::TImages images)
+    TSurveyor(const QByteArray& bytes, ProjectSurvey::TImages images,
+              const ProjectSurvey::TProgress& progress)
         : d_bytes(bytes)
         , d_images(images)
+        , d_progress(progress)
         , d_finder(bytes)
     {
     }
@@ -66,6 +68,7 @@ private:
 
     const QByteArray d_bytes;
     const ProjectSurvey::TImages d_images;
+    const ProjectSurvey::TProgress d_progress;
     const TRecordFinder d_finder;
     TProjectSurvey d_survey;
     QString d_place; ///< what messages begin with: the page that is being read
@@ -197,6 +200,8 @@ void TSurveyor::Read_Pages(bool begin_is_sure)
 void TSurveyor::Read_Record(const TPageRecord& record)
 {
     d_place = tr("page %1: ").arg(++d_record_count);
+    if (d_progress)
+        d_progress(d_record_count, qMax(d_record_count, d_page_count.value_or(0)));
     const auto defect_count = d_survey.defects.size();
     Check_Record(record);
     if (!record.name && !record.image && !record.items)
@@ -318,7 +323,8 @@ std::vector<TDataItem> TSurveyor::Items(const TFileField& field)
 
 } // namespace
 
-TProjectSurvey ProjectSurvey::Survey(const QByteArray& bytes, TImages images)
+TProjectSurvey ProjectSurvey::Survey(const QByteArray& bytes, TImages images,
+                                     const TProgress& progress)
 {
-    return TSurveyor(bytes, images).Survey();
+    return TSurveyor(bytes, images, progress).Survey();
 }

@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 /// A page of a project file, as far as it can be read.
@@ -45,6 +46,12 @@ enum class TImages {
     Leave_Alone ///< images are taken for good; costs next to nothing
 };
 
-TProjectSurvey Survey(const QByteArray& bytes, TImages images = TImages::Leave_Alone);
+/// Is told of the number of the page that is about to be looked at, from 1, and of how many there
+/// are at least: the count in the file may be damaged.
+using TProgress = std::function<void(int number, int total)>;
+
+/// @param progress  may be empty.
+TProjectSurvey Survey(const QByteArray& bytes, TImages images = TImages::Leave_Alone,
+                      const TProgress& progress = nullptr);
 
 } // namespace ProjectSurvey

@@ -4,7 +4,7 @@
 #include "src/document.h"
 #include "src/progress.h"
 #include "src/projectfile.h"
-#include "src/reportsettings.h"
+#include "src/reportoptions.h"
 
 #include <QColor>
 #include <QDir>
@@ -55,7 +55,9 @@ class TQuillet : public QMainWindow
 
 public:
     /// What a report depends on besides the document.
-    using TReportSettings = ::TReportSettings;
+    struct TReportSettings : TReportOptions
+    {
+    };
 
     /// Builds the window, restores it as the settings file says, and connects everything.
     TQuillet(const QWidget* parent, Qt::WindowFlags flags);

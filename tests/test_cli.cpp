@@ -133,6 +133,8 @@ private slots:
         row("", "A command is missing.");
         row("paint", "There is no command 'paint'.");
         row("--paint", "There is no command '--paint'.");
+        row("--help create", "Unexpected argument 'create'.");
+        row("-v info", "Unexpected argument 'info'.");
         row("info", "FILE is missing.");
         row("info a b", "Unexpected argument 'b'.");
         row("info sound.quillet --paint", "Unknown option 'paint'.");
@@ -141,6 +143,7 @@ private slots:
         row("create --output out", "IMAGE is missing.");
         row("create image.png", "Option 'output' is missing.");
         row("create image.png --output", "Missing value after '--output'.");
+        row("create image.png --output=", "Option 'output' cannot be ''.");
         row("recover damaged.quillet", "Option 'output' is missing.");
         row("reindex sound.quillet --first 1 --output out", "Option 'over-page' is missing.");
         row("reindex sound.quillet --over-page 1 --output out", "Option 'first' is missing.");
@@ -152,6 +155,7 @@ private slots:
         row("reindex sound.quillet --first 1 --over-page 5 --output out",
             "Option 'over-page' cannot be '5'.");
         row("export-images sound.quillet", "Option 'folder' is missing.");
+        row("export-images sound.quillet --folder=", "Option 'folder' cannot be ''.");
         row("export-pdf sound.quillet", "Option 'output' is missing.");
         row("export-pdf sound.quillet --output out --orientation upright",
             "Option 'orientation' cannot be 'upright'.");
@@ -183,6 +187,54 @@ private slots:
         QVERIFY(result.errors.section('\n', 1, 1).endsWith(" --help'."));
         QCOMPARE(Support::Entries(d_folder->path()), before);
         QCOMPARE(result.home, QStringList());
+    }
+
+    void a_name_that_is_not_in_utf_8_is_refused_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::newRow("read") << "check $'b\\xff'";
+        QTest::newRow("written") << "create image.png --output $'b\\xff'";
+    }
+    void a_name_that_is_not_in_utf_8_is_refused()
+    {
+        QFETCH(const QString, arguments);
+        const QStringList before = Support::Entries(d_folder->path());
+        QProcess process;
+        process.setWorkingDirectory(d_folder->path());
+        process.start("bash", {"-c", Support::Tool_Path() + ' ' + arguments});
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 2);
+        QCOMPARE(process.readAllStandardError().split('\n').first(),
+                 QByteArray("quillet-cli: Argument 'b\xef\xbf\xbd' is not in UTF-8."));
+        QCOMPARE(Support::Entries(d_folder->path()), before);
+    }
+
+    void what_is_read_is_not_replaced_by_something_else_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("create") << "create image.png --output image.png"
+                                << "image.png";
+        QTest::newRow("export-pdf") << "export-pdf sound.quillet --output sound.quillet"
+                                    << "sound.quillet";
+        QTest::newRow("thumbnail") << "thumbnail sound.quillet --output ./sound.quillet"
+                                   << "./sound.quillet";
+        QTest::newRow("export-items") << "export-items sound.quillet --csv link"
+                                      << "link";
+        QTest::newRow("import-items")
+            << "import-items sound.quillet --csv items.csv --output items.csv"
+            << "items.csv";
+    }
+    void what_is_read_is_not_replaced_by_something_else()
+    {
+        QFETCH(const QString, arguments);
+        QFETCH(const QString, name);
+        QVERIFY(QFile::link("sound.quillet", d_folder->filePath("link")));
+        const QByteArray before = Content(name);
+        const TToolResult result = Run(arguments.split(' ') + QStringList{"--force"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, "quillet-cli: " + name + ": is read here and would be lost\n");
+        QCOMPARE(Content(name), before);
     }
 
     void a_file_that_is_there_stays_data() { Add_Writing_Commands(); }
@@ -351,20 +403,34 @@ private slots:
                  QByteArray("quillet-cli: standard output: cannot be written\n"));
     }
 
+    void progress_is_for_terminals_alone_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QByteArray>("output");
+        const QByteArray erase = "\r\033[K";
+        const QByteArray looking = erase + "Looking at page 1 of 1" + erase;
+        const QByteArray saving = erase + "Saving page 1 of 1" + erase;
+        QTest::newRow("reindex") << "reindex sound.quillet --first 1 --over-page 1 --output b"
+                                 << saving;
+        QTest::newRow("check") << "check sound.quillet"
+                               << looking + "sound.quillet: no defects\r\n";
+        QTest::newRow("recover") << "recover sound.quillet --output b"
+                                 << looking + saving +
+                                        "b: pages: 1, of these whole: 1, labels: 1, defects: 0\r\n";
+    }
     void progress_is_for_terminals_alone()
     {
-        const QStringList arguments{"export-pdf", "sound.quillet", "--output", "out"};
-        QCOMPARE(Run(arguments).errors, QString());
+        QFETCH(const QString, arguments);
+        QFETCH(const QByteArray, output);
+        QCOMPARE(Run(arguments.split(' ')).errors, QString());
+        QFile::remove(d_folder->filePath("b"));
         // A terminal of its own, whose output is that of the process that made it.
         QProcess process;
         process.setWorkingDirectory(d_folder->path());
-        const QString command =
-            Support::Tool_Path() + " reindex sound.quillet --first 1 --over-page 1 --output b";
-        process.start("script", {"-qec", command, "/dev/null"});
+        process.start("script", {"-qec", Support::Tool_Path() + ' ' + arguments, "/dev/null"});
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.exitCode(), 0);
-        const QByteArray erase = "\r\033[K";
-        QCOMPARE(process.readAllStandardOutput(), erase + "Saving page 1 of 1" + erase);
+        QCOMPARE(process.readAllStandardOutput(), output);
     }
 
     void names_outside_of_ascii_are_found_in_any_locale()

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 using Support::Header;
 using Support::Item_Element;
 using Support::Item_List;
@@ -84,6 +86,7 @@ class TestCliDocuments : public QObject
         Write("images/notes.txt", "notes");
         Write("images/.hidden.png", Picture());
         Write("images/no-suffix", Picture());
+        QCOMPARE(mkfifo(QFile::encodeName(Path("images/pipe.png")).constData(), S_IRUSR), 0);
     }
 
 private slots:
@@ -137,11 +140,13 @@ private slots:
         QTest::newRow("text") << "notes.txt"
                               << "cannot be read as an image";
         QTest::newRow("missing") << "missing.png"
-                                 << "does not exist";
+                                 << "No such file or directory";
         QTest::newRow("folder without images") << "empty"
                                                << "holds no images";
         QTest::newRow("damaged, in a folder") << "damaged"
-                                              << "";
+                                              << "damaged/a.png: cannot be read as an image";
+        QTest::newRow("missing, in a folder") << "linked"
+                                              << "linked/b.png: No such file or directory";
     }
     void what_is_no_image_is_named_and_nothing_is_written()
     {
@@ -151,13 +156,13 @@ private slots:
         Write("notes.txt", "notes");
         QVERIFY(QDir(d_folder->path()).mkdir("empty"));
         QVERIFY(QDir(d_folder->path()).mkdir("damaged"));
+        QVERIFY(QDir(d_folder->path()).mkdir("linked"));
+        QVERIFY(QFile::link("nowhere.png", Path("linked/b.png")));
         Write("damaged/a.png", Picture().left(20));
         const TToolResult result = Run({"create", "good.png", name, "--output", "out"});
         QCOMPARE(result.status, 1);
         const QString complaint =
-            defect.isEmpty()
-                ? QStringLiteral("quillet-cli: damaged/a.png: cannot be read as an image\n")
-                : "quillet-cli: " + name + ": " + defect + '\n';
+            "quillet-cli: " + (defect.contains(": ") ? QString() : name + ": ") + defect + '\n';
         // The PNG library may have had its say before.
         QVERIFY2(result.errors.endsWith(complaint), qPrintable(result.errors));
         QVERIFY(!QFile::exists(Path("out")));
@@ -288,16 +293,29 @@ private slots:
         const TToolResult result = Run({"recover", "a.quillet", "--output", "out"});
         QVERIFY2(!result.errors.contains("quillet-cli"), qPrintable(result.errors));
         QCOMPARE(result.status, 0);
-        QVERIFY2(
-            QRegularExpression("^a\\.quillet: lost, byte \\d+: .").match(result.output).hasMatch(),
-            qPrintable(result.output));
-        QVERIFY(result.output.contains("\nout: pages: "));
+        QVERIFY2(QRegularExpression("^a\\.quillet: damaged, byte \\d+: .")
+                     .match(result.output)
+                     .hasMatch(),
+                 qPrintable(result.output));
+        QVERIFY2(result.output.contains("\nout: pages: 2, of these whole: 1, labels: 1, defects: "),
+                 qPrintable(result.output));
         QCOMPARE(Run({"check", "out"}).status, 0);
         const QJsonObject information = Information("out");
         QCOMPARE(information.value("label_size").toInt(), 48);
         QCOMPARE(information.value("header_2").toString(), QStringLiteral("two"));
         QCOMPARE(information.value("label_count").toInt(), 1);
         QCOMPARE(Page_Names("out").first(), QStringLiteral("a"));
+    }
+
+    void a_legacy_document_is_not_taken_for_a_damaged_project()
+    {
+        Write("a.qli", Picture());
+        Write("a.qld", "<Quillet_Data File_Version=\"2\"><Item><ID>1</ID></Item></Quillet_Data>");
+        const TToolResult result = Run({"recover", "a.qld", "--output", "out"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: a.qld: is of an earlier generation, "
+                                               "and no project\n"));
+        QVERIFY(!QFile::exists(Path("out")));
     }
 
     void what_holds_no_page_is_not_recovered_data()

@@ -129,7 +129,6 @@ private slots:
         QTest::addColumn<QString>("folder");
         QTest::newRow("missing") << "missing";
         QTest::newRow("a file") << "a.quillet";
-        QTest::newRow("empty") << "";
     }
     void a_folder_for_images_has_to_be_there()
     {

@@ -111,6 +111,19 @@ private slots:
         QCOMPARE(Support::Byte_Difference(Content("out"), expected), QString());
     }
 
+    void a_text_of_several_lines_becomes_one_of_one_line()
+    {
+        Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
+        Support::Write_File(Path("items.csv"), head + "1,7,\"Pump\r\nleaks\n\",,3,4\r\n");
+        QCOMPARE(Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"}).errors,
+                 QString());
+        QCOMPARE(
+            Support::Byte_Difference(
+                Content("out"),
+                Project(Item_Element("1", "7", "Pump leaks ", "0", "3.00,4.00"), QByteArray())),
+            QString());
+    }
+
     void what_went_out_comes_in_again()
     {
         Support::Write_File(Path("a.quillet"),

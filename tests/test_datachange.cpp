@@ -28,7 +28,7 @@ QStringList In_Words(TData* data)
         for (int i = 0; i < data->Item_Count(); ++i) {
             TDataItem label = data->Item(i);
             label.selected = false;
-            lines += Support::In_Words(label);
+            lines += Support::Describe_Label(label);
         }
     }
     data->Set_Active_Page(active_page);

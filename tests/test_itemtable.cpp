@@ -16,6 +16,7 @@ using Support::Label;
 namespace {
 
 const QByteArray header = "page,value,text,border,x,y\r\n";
+const QString number_hint = ": it takes a number such as 12.5";
 
 /// Rows as lines of text.
 QStringList Describe(const std::vector<TItemRow>& rows)
@@ -163,6 +164,7 @@ private slots:
             << QByteArray(header + row + "\r\n").replace("\r\n", "\r");
         QTest::newRow("no line end at the end") << header + row;
         QTest::newRow("byte order mark") << "\xef\xbb\xbf" + header + row;
+        QTest::newRow("empty rows") << ",,\r\n" + header + ",,,,,\r\n" + row + "\r\n,,\r\n";
         QTest::newRow("empty lines") << "\r\n" + header + "\r\n\n" + row + "\r\n\r\n";
         QTest::newRow("all quoted")
             << QByteArray("\"page\",\"value\",\"text\",\"border\",\"x\",\"y\"\r\n"
@@ -205,6 +207,10 @@ private slots:
                 << without + "\n1,2,3,4\n"
                 << QStringLiteral("1: there is no column \"%1\"").arg(QLatin1String(name));
         }
+        for (const char* separator : {";", "\t"})
+            QTest::addRow("separated by '%s'", separator)
+                << QByteArray(header + good).replace(",", separator)
+                << QStringLiteral("1: there is one column only: it takes commas between them");
         QTest::newRow("column twice")
             << QByteArray("\npage,value,x,y,Value\n") << "2: there are two columns \"value\"";
         QTest::newRow("too few fields") << header + good + "1,2,t,none,3\r\n"
@@ -229,13 +235,13 @@ private slots:
                                   "triangle or diamond")
                        .arg(QLatin1String(border));
         QTest::newRow("x no number") << header + "1,2,t,none,left,4"
-                                     << "2: \"left\" is no x coordinate";
+                                     << "2: \"left\" is no x coordinate" + number_hint;
         QTest::newRow("x infinite") << header + "1,2,t,none,inf,4"
-                                    << "2: \"inf\" is no x coordinate";
+                                    << "2: \"inf\" is no x coordinate" + number_hint;
         QTest::newRow("y nan") << header + "1,2,t,none,3,nan"
-                               << "2: \"nan\" is no y coordinate";
+                               << "2: \"nan\" is no y coordinate" + number_hint;
         QTest::newRow("y in another locale") << header + "1,2,t,none,3,\"4,5\""
-                                             << "2: \"4,5\" is no y coordinate";
+                                             << "2: \"4,5\" is no y coordinate" + number_hint;
         QTest::newRow("quote not closed") << header + "1,2,\"t,none,3,4\r\n\r\n"
                                           << "2: a quoted field that does not end";
         QTest::newRow("quote within") << header + good + "1,2,2\" pipe,none,3,4"
@@ -258,7 +264,7 @@ private slots:
     {
         QCOMPARE(
             Refusal(header + "1,2,\"two\r\nlines\",none,3,4\r\n1,2,\"three\n\n\",none,3,bad\n"),
-            QStringLiteral("4: \"bad\" is no y coordinate"));
+            "4: \"bad\" is no y coordinate" + number_hint);
     }
 
     void a_large_table_is_read_in_a_straight_line()

@@ -128,7 +128,7 @@ private slots:
     void a_report_that_cannot_be_begun_is_told_from_one_that_is_complete()
     {
         using TOutcome = TPageExporter::TOutcome;
-        const TReportSettings settings{0, 1, "", ""};
+        const TReportOptions settings{0, 1, "", ""};
         QCOMPARE(Exporter().Export_Pdf(QString(), {1}, settings), TOutcome::Not_Begun);
         QCOMPARE(Exporter().Export_Pdf(Path("r.pdf"), {1}, {0, 5, "", ""}), TOutcome::Not_Begun);
         QCOMPARE(Exporter().Export_Pdf(Path("missing/r.pdf"), {1}, settings), TOutcome::Not_Begun);

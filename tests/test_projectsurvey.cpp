@@ -81,7 +81,7 @@ QStringList Describe(const TProjectSurvey& survey)
                      .arg(page.image.width())
                      .arg(page.image.height());
         for (const TDataItem& item : page.items)
-            lines += Support::In_Words(item);
+            lines += Support::Describe_Label(item);
     }
     return lines;
 }
@@ -401,6 +401,20 @@ private slots:
     {
         QCOMPARE(Defects(Survey(Support::Empty_Project())), QStringList());
         QCOMPARE(Survey_Fault(Support::Empty_Project()), QString());
+    }
+
+    void progress_tells_of_each_page()
+    {
+        const QByteArray bytes = Header(32, look, "", "", 2) +
+                                 Page_Record("a", QByteArray(), Good_Items()) +
+                                 Page_Record("b", QByteArray(), Good_Items()) +
+                                 Page_Record("c", QByteArray(), Good_Items());
+        QStringList told;
+        ProjectSurvey::Survey(bytes, TImages::Leave_Alone, [&told](int number, int total) {
+            told += QStringLiteral("%1/%2").arg(number).arg(total);
+        });
+        // The third is one that the count leaves out.
+        QCOMPARE(told, QStringList({"1/2", "2/2", "3/3"}));
     }
 
     void images_that_are_left_alone_are_no_defects()

@@ -308,7 +308,7 @@ QString TestUndoWalk::Model_Difference(const TPlainPage& page)
         if (!(label == page.labels[place]))
             return QString("page %1 has %2 instead of %3")
                 .arg(page.id)
-                .arg(Support::In_Words(label), Support::In_Words(page.labels[place]));
+                .arg(Support::Describe_Label(label), Support::Describe_Label(page.labels[place]));
     }
     return QString();
 }
@@ -335,7 +335,7 @@ QString TestUndoWalk::Shown_Difference()
                               item.data(TDisplayWidget::Centre_Key).toPointF(),
                               false};
         if (!(drawn == labels[place]))
-            return QString("the view has %1").arg(Support::In_Words(drawn));
+            return QString("the view has %1").arg(Support::Describe_Label(drawn));
         const QListWidgetItem& row = *list->item(place);
         const QString text = ItemFormat::Row_Text(d_window->d_label_widget->d_display_format,
                                                   labels[place].value, labels[place].text);

@@ -81,16 +81,16 @@ QList<int> Add_Pages(TQuillet* window, const std::vector<TPage>& pages)
     return ids;
 }
 
-QString In_Words(const TDataItem& label)
+QString Describe_Label(const TDataItem& item)
 {
     return QStringLiteral("label %1 %2 '%3' %4 %5,%6%7")
-        .arg(label.id)
-        .arg(label.value)
-        .arg(label.text)
-        .arg(label.border_type)
-        .arg(label.position.x())
-        .arg(label.position.y())
-        .arg(label.selected ? QStringLiteral(" selected") : QString());
+        .arg(item.id)
+        .arg(item.value)
+        .arg(item.text)
+        .arg(item.border_type)
+        .arg(item.position.x())
+        .arg(item.position.y())
+        .arg(item.selected ? QStringLiteral(" selected") : QString());
 }
 
 QStringList Describe(TQuillet* window)
@@ -110,7 +110,7 @@ QStringList Describe(TQuillet* window)
                      .arg(size.height())
                      .arg(listed.contains(id) ? QString() : QStringLiteral(" not listed"));
         for (int i = 0; i < data.Item_Count(); ++i)
-            lines += In_Words(data.Item(i));
+            lines += Describe_Label(data.Item(i));
     }
     data.Set_Active_Page(active);
     return lines;

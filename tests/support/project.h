@@ -45,12 +45,12 @@ struct TPage
 
 TDataItem Label(int id, int value, const QString& text, int border, const QPointF& position);
 
-/// A label as a line of text.
-QString In_Words(const TDataItem& label);
-
 /// Adds pages to the window's document and page list; none of them becomes active.
 /// @return their ids.
 QList<int> Add_Pages(TQuillet* window, const std::vector<TPage>& pages);
+
+/// A label in one line.
+QString Describe_Label(const TDataItem& item);
 
 /// The window's document as lines of text: for each page its place, name and picture size, below it
 /// its labels; pages that are missing in the page list are told as well. The active page stays.

@@ -3,7 +3,7 @@
 #include <QString>
 
 /// What a report depends on besides the document. A plain value.
-struct TReportSettings
+struct TReportOptions
 {
     int orientation = 0; ///< 0 portrait, anything else landscape
     int resolution = 0;  ///< code 1 to 4; times 96 it is the resolution in dots per inch
