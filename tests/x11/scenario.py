@@ -72,6 +72,20 @@ class Day:
         self.boxes = {}
         self.shots = 0
 
+    def __enter__(self):
+        return self
+
+    def __exit__(self, kind, error, trace):
+        """Keeps what was on the screen when something failed, and leaves no program behind."""
+        try:
+            if kind is not None:
+                run("import", "-silent", "-window", "root",
+                    os.path.join(self.results, "failure.png"))
+        finally:
+            if self.program and self.program.process.poll() is None:
+                self.program.process.kill()
+                self.program.process.wait()
+
     # --- seeing --------------------------------------------------------------------------------
 
     def start(self):
@@ -632,7 +646,7 @@ def main():
     shutil.rmtree(results, ignore_errors=True)
     os.makedirs(results)
     day = Day(quillet, results, report_pages(tempfile.mkdtemp(), FIRST_PAGE, LAST_PAGE))
-    try:
+    with day:
         for chapter in (first_look, import_pages, learn_places, label_first_page, label_third_page,
                         use_wheel_and_keys, arrange_pages, change_looks, export_images, reindex,
                         export_pdf, save, check_images, check_pdf, close_with_cancel_then_yes,
@@ -640,13 +654,6 @@ def main():
             started = time.monotonic()
             chapter(day)
             print(f"{chapter.__name__}: {time.monotonic() - started:.1f} s", flush=True)
-    except BaseException:
-        run("import", "-silent", "-window", "root", os.path.join(results, "failure.png"))
-        raise
-    finally:
-        if day.program and day.program.process.poll() is None:
-            day.program.process.kill()
-            day.program.process.wait()
 
 
 if __name__ == "__main__":

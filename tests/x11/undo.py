@@ -14,7 +14,7 @@ import random
 import shutil
 import sys
 
-from driver import (HIGHLIGHT, Box, Failure, Picture, calm_screen, click, drag, press, run,
+from driver import (HIGHLIGHT, Box, Failure, Picture, calm_screen, click, drag, press,
                     wait_until, write)
 from results import Project
 from scenario import WORKING_SIZE, Day, check, save_as
@@ -193,7 +193,7 @@ def main():
     shutil.rmtree(results, ignore_errors=True)
     os.makedirs(results)
     day = Day(quillet, results, [noise(results)])
-    try:
+    with day:
         empty = begin(day)
         states = work(day)
         go_back_and_forth(day, states, empty)
@@ -201,13 +201,6 @@ def main():
         drag_a_page(day, states[-2])
         day.program.close()
         check("exit code", day.program.ended(), 0)
-    except BaseException:
-        run("import", "-silent", "-window", "root", os.path.join(results, "failure.png"))
-        raise
-    finally:
-        if day.program and day.program.process.poll() is None:
-            day.program.process.kill()
-            day.program.process.wait()
 
 
 if __name__ == "__main__":
