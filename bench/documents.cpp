@@ -1,8 +1,8 @@
 #include "bench/documents.h"
 
 #include "src/data.h"
-#include "src/itemlist.h"
-#include "src/projectfile.h"
+#include "src/format/itemlist.h"
+#include "src/format/projectfile.h"
 
 #include <QDir>
 #include <QFile>

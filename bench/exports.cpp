@@ -4,9 +4,9 @@
 #include "bench/measure.h"
 #include "src/displaywidget.h"
 #include "src/pagewidget.h"
+#include "src/paint/reportgeometry.h"
+#include "src/paint/reportpainter.h"
 #include "src/quillet.h"
-#include "src/reportgeometry.h"
-#include "src/reportpainter.h"
 
 #include <QDir>
 #include <QGraphicsPixmapItem>

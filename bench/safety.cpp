@@ -5,7 +5,7 @@
 
 #include "bench/documents.h"
 #include "bench/measure.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 #include "tests/support/window.h"
 
 #include <QDir>

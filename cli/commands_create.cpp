@@ -6,8 +6,8 @@
 #include "cli/files.h"
 #include "cli/terminal.h"
 #include "cli/words.h"
-#include "src/imagefiles.h"
-#include "src/numbering.h"
+#include "src/model/imagefiles.h"
+#include "src/model/numbering.h"
 
 #include <QCollator>
 #include <QDir>

@@ -7,7 +7,7 @@
 #include "cli/pageview.h"
 #include "cli/terminal.h"
 #include "cli/words.h"
-#include "src/exportnames.h"
+#include "src/export/exportnames.h"
 
 #include <QDir>
 #include <QFileInfo>

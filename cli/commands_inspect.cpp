@@ -7,8 +7,8 @@
 #include "cli/terminal.h"
 #include "cli/words.h"
 #include "core/xmlfile.h"
-#include "src/documentreader.h"
-#include "src/legacyfile.h"
+#include "src/format/documentreader.h"
+#include "src/format/legacyfile.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

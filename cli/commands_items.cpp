@@ -5,7 +5,7 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/words.h"
-#include "src/itemtable.h"
+#include "src/format/itemtable.h"
 
 #include <QRegularExpression>
 

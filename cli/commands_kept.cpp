@@ -6,9 +6,9 @@
 #include "cli/files.h"
 #include "cli/terminal.h"
 #include "cli/words.h"
-#include "src/keptfiles.h"
-#include "src/safefile.h"
-#include "src/safetynet.h"
+#include "core/safefile.h"
+#include "src/safety/keptfiles.h"
+#include "src/safety/safetynet.h"
 
 #include <QDir>
 

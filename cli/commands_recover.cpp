@@ -6,8 +6,8 @@
 #include "cli/files.h"
 #include "cli/terminal.h"
 #include "cli/words.h"
-#include "src/documentreader.h"
-#include "src/legacyfile.h"
+#include "src/format/documentreader.h"
+#include "src/format/legacyfile.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 #include "cli/errors.h"
 #include "cli/terminal.h"
 #include "cli/words.h"
+#include "core/safefile.h"
 #include "core/xmlfile.h"
-#include "src/documentreader.h"
-#include "src/legacyfile.h"
-#include "src/projectfile.h"
-#include "src/safefile.h"
+#include "src/format/documentreader.h"
+#include "src/format/legacyfile.h"
+#include "src/format/projectfile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "src/document.h"
-#include "src/projectsurvey.h"
+#include "src/format/document.h"
+#include "src/format/projectsurvey.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "src/displaywidget.h"
-#include "src/document.h"
-#include "src/pageexporter.h"
+#include "src/export/pageexporter.h"
+#include "src/format/document.h"
 
 /// A view of a document's pages that nobody sees, set up as the window's is after it has opened the
 /// document, so that what it draws is what the window draws.

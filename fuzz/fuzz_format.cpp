@@ -1,6 +1,6 @@
 // The item display format, as typed by a user or as found in the settings file.
 
-#include "src/itemformat.h"
+#include "src/model/itemformat.h"
 
 #include <cstdlib>
 

@@ -1,7 +1,7 @@
 // The label document of a page: what is read has to be written back the same.
 
 #include "src/data.h"
-#include "src/itemlist.h"
+#include "src/format/itemlist.h"
 
 #include "core/xmlfile.h"
 

@@ -1,6 +1,6 @@
 // The item lists of the two earlier generations.
 
-#include "src/legacyfile.h"
+#include "src/format/legacyfile.h"
 
 #include "core/xmlfile.h"
 

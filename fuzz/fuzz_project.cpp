@@ -1,9 +1,9 @@
 // The project container, field by field, with its images and label documents; and a survey of it.
 
 #include "src/data.h"
-#include "src/itemlist.h"
-#include "src/projectfile.h"
-#include "src/projectsurvey.h"
+#include "src/format/itemlist.h"
+#include "src/format/projectfile.h"
+#include "src/format/projectsurvey.h"
 
 #include "core/xmlfile.h"
 

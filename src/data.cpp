@@ -1,6 +1,6 @@
 #include "src/data.h"
 
-#include "src/datachange.h"
+#include "src/model/datachange.h"
 
 #include <algorithm>
 #include <cassert>
@@ -109,6 +109,12 @@ int TData::Page_Id(int index) const
 int TData::Page_Count() const
 {
     return static_cast<int>(d_page_items.size());
+}
+
+const std::vector<TPageItem>& TData::Pages() const
+{
+    Settle();
+    return d_page_items;
 }
 
 QImage TData::Page_Image() const

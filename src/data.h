@@ -1,36 +1,16 @@
 #pragma once
 
-#include "src/pageimage.h"
+#include "src/model/pageitem.h"
 
 #include <QHash>
 #include <QImage>
 #include <QPointF>
-#include <QString>
 
 #include <cstddef>
 #include <functional>
 #include <vector>
 
 class TDataChange;
-
-/// One numbered label of a page. A plain value.
-struct TDataItem
-{
-    int id = 0;          ///< key within its page, drawn at random, never shown
-    int value = 0;       ///< the number on the label; values may repeat
-    QString text;        ///< shown instead of the number when not empty
-    int border_type = 0; ///< 0 none, 1 square, 2 ellipse, 4 triangle, 8 diamond
-    QPointF position;    ///< centre of the label in page-image pixels
-    bool selected = false;
-};
-
-/// One page: its picture and its labels in the order in which they were added.
-struct TPageItem
-{
-    int page_id = 0;  ///< unique within the document
-    TPageImage image; ///< null for a page that was added without one
-    std::vector<TDataItem> data_items;
-};
 
 /// The open document: an ordered list of pages, one of which may be active.
 ///
@@ -66,6 +46,9 @@ public:
     int Page_Id(int index) const;
     /// Number of pages.
     int Page_Count() const;
+    /// All pages with their labels, for reading; no page needs to be active. Valid until the next
+    /// change of the document.
+    const std::vector<TPageItem>& Pages() const;
     /// Pixels of the active page's image.
     QImage Page_Image() const;
     /// The active page's image with whatever is known of it.

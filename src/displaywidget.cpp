@@ -1,6 +1,6 @@
 #include "src/displaywidget.h"
 
-#include "src/parentwidget.h"
+#include "src/widgets/parentwidget.h"
 
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>

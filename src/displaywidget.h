@@ -1,6 +1,6 @@
 #pragma once
 
-#include "src/labelcache.h"
+#include "src/paint/labelcache.h"
 
 #include <QColor>
 #include <QGraphicsView>

@@ -1,11 +1,11 @@
 #include "src/labelwidget.h"
 
-#include "src/accessibility.h"
-#include "src/itemformat.h"
-#include "src/numbering.h"
-#include "src/panelparts.h"
-#include "src/parentwidget.h"
-#include "src/rowlist.h"
+#include "src/model/itemformat.h"
+#include "src/model/numbering.h"
+#include "src/widgets/accessibility.h"
+#include "src/widgets/panelparts.h"
+#include "src/widgets/parentwidget.h"
+#include "src/widgets/rowlist.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -25,7 +25,6 @@ enum Roles {
     Border_Role,
 };
 
-const int ellipse_code = 2;
 const int first_value = 1;
 const int longest_input = 32; // characters
 
@@ -38,11 +37,11 @@ struct TBorder
 
 /// The borders in the order of the combo box. The first one also stands for unknown codes.
 const std::array<TBorder, 5> borders = {{
-    {QT_TRANSLATE_NOOP("TLabelWidget", "No Border"), ":/gui/outline_none.png", 0},
-    {QT_TRANSLATE_NOOP("TLabelWidget", "Ellipse"), ":/gui/outline_ellipse.png", ellipse_code},
-    {QT_TRANSLATE_NOOP("TLabelWidget", "Square"), ":/gui/outline_square.png", 1},
-    {QT_TRANSLATE_NOOP("TLabelWidget", "Triangle"), ":/gui/outline_triangle.png", 4},
-    {QT_TRANSLATE_NOOP("TLabelWidget", "Diamond"), ":/gui/outline_diamond.png", 8},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "No Border"), ":/gui/outline_none.png", No_Border},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Ellipse"), ":/gui/outline_ellipse.png", Ellipse_Border},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Square"), ":/gui/outline_square.png", Square_Border},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Triangle"), ":/gui/outline_triangle.png", Triangle_Border},
+    {QT_TRANSLATE_NOOP("TLabelWidget", "Diamond"), ":/gui/outline_diamond.png", Diamond_Border},
 }};
 
 QLineEdit* New_Editor(const QString& tool_tip, QWidget* parent)
@@ -64,7 +63,7 @@ TLabelWidget::TLabelWidget(const QWidget* parent, Qt::WindowFlags flags)
 {
     Create_Widgets();
     Arrange_Widgets();
-    Set_Border_Type(ellipse_code);
+    Set_Border_Type(Ellipse_Border);
     d_remove_button->setEnabled(false);
     d_value_editor->setText(QString::number(d_label_index));
     Connect_Widgets();

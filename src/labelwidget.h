@@ -1,6 +1,6 @@
 #pragma once
 
-#include "src/data.h"
+#include "src/model/pageitem.h"
 
 #include <QIcon>
 #include <QWidget>

@@ -1,6 +1,6 @@
 #include "src/messagebox.h"
 
-#include "src/parentwidget.h"
+#include "src/widgets/parentwidget.h"
 
 namespace {
 

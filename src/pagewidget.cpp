@@ -1,9 +1,9 @@
 #include "src/pagewidget.h"
 
-#include "src/accessibility.h"
-#include "src/panelparts.h"
-#include "src/parentwidget.h"
-#include "src/rowlist.h"
+#include "src/widgets/accessibility.h"
+#include "src/widgets/panelparts.h"
+#include "src/widgets/parentwidget.h"
+#include "src/widgets/rowlist.h"
 
 #include <QGridLayout>
 #include <QLineEdit>

@@ -7,10 +7,10 @@
 #include "src/labelwidget.h"
 #include "src/messagebox.h"
 #include "src/pagewidget.h"
-#include "src/parentwidget.h"
-#include "src/safetynet.h"
-#include "src/undohistory.h"
-#include "src/undokeys.h"
+#include "src/safety/safetynet.h"
+#include "src/undo/undohistory.h"
+#include "src/widgets/parentwidget.h"
+#include "src/widgets/undokeys.h"
 
 #include <QAction>
 #include <QLabel>

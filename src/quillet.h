@@ -1,10 +1,10 @@
 #pragma once
 
 #include "src/data.h"
-#include "src/document.h"
-#include "src/progress.h"
-#include "src/projectfile.h"
-#include "src/reportoptions.h"
+#include "src/format/document.h"
+#include "src/format/projectfile.h"
+#include "src/model/reportoptions.h"
+#include "src/widgets/progress.h"
 
 #include <QColor>
 #include <QDir>

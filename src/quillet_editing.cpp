@@ -5,10 +5,10 @@
 
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
-#include "src/numbering.h"
+#include "src/model/numbering.h"
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
-#include "src/undohistory.h"
+#include "src/undo/undohistory.h"
 
 #include <cstdlib>
 #include <ctime>

@@ -3,8 +3,8 @@
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
-#include "src/exportnames.h"
-#include "src/pageexporter.h"
+#include "src/export/exportnames.h"
+#include "src/export/pageexporter.h"
 #include "src/pagewidget.h"
 #include "src/reportheaderdialog.h"
 #include "src/settingswidget.h"

@@ -3,9 +3,9 @@
 
 #include "src/quillet.h"
 
+#include "src/format/legacyfile.h"
 #include "src/labelwidget.h"
-#include "src/legacyfile.h"
-#include "src/numbering.h"
+#include "src/model/numbering.h"
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
 

@@ -3,11 +3,11 @@
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
-#include "src/imagefiles.h"
+#include "src/export/pageexporter.h"
 #include "src/labelwidget.h"
-#include "src/pageexporter.h"
+#include "src/model/imagefiles.h"
 #include "src/pagewidget.h"
-#include "src/undohistory.h"
+#include "src/undo/undohistory.h"
 
 #include <QFileDialog>
 #include <QScopedValueRollback>

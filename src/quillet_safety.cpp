@@ -2,9 +2,9 @@
 
 #include "src/quillet.h"
 
+#include "src/format/projectfile.h"
 #include "src/pagewidget.h"
-#include "src/projectfile.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 
 #include <QEvent>
 #include <QFile>

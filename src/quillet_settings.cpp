@@ -6,9 +6,9 @@
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
-#include "src/undohistory.h"
+#include "src/undo/undohistory.h"
 
 #include <QCloseEvent>
 #include <QDockWidget>

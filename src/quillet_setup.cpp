@@ -3,11 +3,11 @@
 
 #include "src/quillet.h"
 
-#include "src/accessibility.h"
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
+#include "src/widgets/accessibility.h"
 
 #include <QAction>
 #include <QDockWidget>

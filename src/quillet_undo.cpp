@@ -7,8 +7,8 @@
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
-#include "src/undohistory.h"
-#include "src/undokeys.h"
+#include "src/undo/undohistory.h"
+#include "src/widgets/undokeys.h"
 
 #include <QAbstractItemModel>
 #include <QApplication>

@@ -1,9 +1,9 @@
 #include "src/reindexdialog.h"
 
-#include "src/accessibility.h"
-#include "src/dialogparts.h"
-#include "src/numbering.h"
-#include "src/parentwidget.h"
+#include "src/model/numbering.h"
+#include "src/widgets/accessibility.h"
+#include "src/widgets/dialogparts.h"
+#include "src/widgets/parentwidget.h"
 
 #include <QComboBox>
 #include <QGridLayout>

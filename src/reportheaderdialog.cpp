@@ -1,8 +1,8 @@
 #include "src/reportheaderdialog.h"
 
-#include "src/accessibility.h"
-#include "src/dialogparts.h"
-#include "src/parentwidget.h"
+#include "src/widgets/accessibility.h"
+#include "src/widgets/dialogparts.h"
+#include "src/widgets/parentwidget.h"
 
 #include <QGridLayout>
 #include <QLabel>

@@ -1,12 +1,11 @@
 #include "src/settingswidget.h"
 
-#include "src/accessibility.h"
-#include "src/appearance.h"
-#include "src/dialogparts.h"
-#include "src/itemformat.h"
-#include "src/labelpainter.h"
-#include "src/panelparts.h"
-#include "src/parentwidget.h"
+#include "src/model/appearance.h"
+#include "src/model/itemformat.h"
+#include "src/widgets/accessibility.h"
+#include "src/widgets/dialogparts.h"
+#include "src/widgets/panelparts.h"
+#include "src/widgets/parentwidget.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
@@ -85,7 +84,7 @@ void TSettingsWidget::Create_Widgets()
     d_color_button->setMinimumWidth(smallest_icon + icon_margin);
     d_color_button->setFixedHeight(d_color_button->sizeHint().height());
     d_size_slider = new QSlider(Qt::Horizontal, this);
-    d_size_slider->setRange(LabelPainter::Smallest_Label, LabelPainter::Largest_Label);
+    d_size_slider->setRange(TAppearance::Smallest_Label, TAppearance::Largest_Label);
     d_size_slider->setValue(TAppearance().label_size);
     d_orientation_box = New_Box(orientations, this);
     d_resolution_box = New_Box(resolutions, this);

@@ -3,8 +3,8 @@
 // Usage: makeproject FILE
 
 #include "src/data.h"
-#include "src/itemlist.h"
-#include "src/projectfile.h"
+#include "src/format/itemlist.h"
+#include "src/format/projectfile.h"
 #include "support/support.h"
 
 #include <QFile>

@@ -9,9 +9,9 @@
 #include "support/support.h"
 #include "support/window.h"
 
+#include "src/export/pageexporter.h"
 #include "src/pagewidget.h"
-#include "src/safefile.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 
 #include <QtTest>
 
@@ -125,7 +125,7 @@ void TestFaults::init()
     QVERIFY(window.Export_PDF(In("report.pdf"), window.d_page_widget->Page_Ids(), {0, 1, "", ""}));
     d_first_version = Support::Read_File(Document());
     d_old_report = Support::Read_File(In("report.pdf"));
-    QVERIFY(TSafeFile::Is_Complete_Pdf(In("report.pdf")));
+    QVERIFY(TPageExporter::Is_Complete_Pdf(In("report.pdf")));
 }
 
 void TestFaults::cleanup()
@@ -196,7 +196,7 @@ QString TestFaults::Loss(const QString& operation) const
         return QString("%1 labels are left").arg(Best_Copy());
     for (const QString& name : QDir(In("out")).entryList(QDir::Files)) {
         const QString path = In("out/" + name);
-        if (name.endsWith(".pdf") && !TSafeFile::Is_Complete_Pdf(path))
+        if (name.endsWith(".pdf") && !TPageExporter::Is_Complete_Pdf(path))
             return name + " is not whole";
         if (name.endsWith(".png") && QImage(path).isNull())
             return name + " is not whole";

@@ -5,14 +5,14 @@
 #include "support/support.h"
 #include "support/window.h"
 
-#include "src/accessibility.h"
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
 #include "src/reportheaderdialog.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
+#include "src/widgets/accessibility.h"
 
 #include <QtTest>
 

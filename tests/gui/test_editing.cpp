@@ -11,7 +11,7 @@
 #include "src/labelwidget.h"
 #include "src/messagebox.h"
 #include "src/pagewidget.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 
 #include <QtTest>

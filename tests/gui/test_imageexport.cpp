@@ -4,9 +4,9 @@
 #include "support/view.h"
 #include "support/widgets.h"
 
-#include "src/labelpainter.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
+#include "src/paint/labelpainter.h"
 
 #include <QDateTime>
 #include <QFileDialog>

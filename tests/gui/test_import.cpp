@@ -7,7 +7,7 @@
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 
 #include <QtTest>
 

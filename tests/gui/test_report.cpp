@@ -6,7 +6,7 @@
 
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
-#include "src/reportgeometry.h"
+#include "src/paint/reportgeometry.h"
 #include "src/reportheaderdialog.h"
 #include "src/settingswidget.h"
 

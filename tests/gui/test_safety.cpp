@@ -5,13 +5,13 @@
 #include "support/window.h"
 
 #include "src/displaywidget.h"
-#include "src/keptfiles.h"
+#include "src/export/pageexporter.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
 #include "src/reportheaderdialog.h"
-#include "src/safefile.h"
-#include "src/safetynet.h"
+#include "src/safety/keptfiles.h"
+#include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 
 #include <QtTest>
@@ -730,7 +730,7 @@ void TestSafety::an_export_leaves_nothing_unfinished()
     const QList<int> pages = d_window->d_page_widget->Page_Ids();
     QVERIFY(d_window->Export_PDF(In("out/a.pdf"), pages, {0, 1, QString(), QString()}));
     QCOMPARE(Entries(In("out")), QStringList{"a.pdf"});
-    QVERIFY(TSafeFile::Is_Complete_Pdf(In("out/a.pdf")));
+    QVERIFY(TPageExporter::Is_Complete_Pdf(In("out/a.pdf")));
     QVERIFY(d_window->Export_Images(In("out"), pages));
     QCOMPARE(Entries(In("out")).size(), 2);
 }

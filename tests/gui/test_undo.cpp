@@ -10,13 +10,13 @@
 #include "support/window.h"
 
 #include "src/displaywidget.h"
+#include "src/format/projectfile.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
-#include "src/projectfile.h"
 #include "src/reindexdialog.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
-#include "src/undohistory.h"
+#include "src/undo/undohistory.h"
 
 #include <QtTest>
 

@@ -11,13 +11,13 @@
 #include "support/window.h"
 
 #include "src/displaywidget.h"
-#include "src/itemformat.h"
 #include "src/labelwidget.h"
+#include "src/model/itemformat.h"
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
-#include "src/safetynet.h"
+#include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
-#include "src/undohistory.h"
+#include "src/undo/undohistory.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 #include "support/support.h"
 
-#include "src/projectfile.h"
+#include "src/format/projectfile.h"
 
 #include <QBuffer>
 #include <QDateTime>

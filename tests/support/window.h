@@ -4,7 +4,7 @@
 // class never touch. Everything that the header includes comes first, so that nothing else is
 // opened.
 #include "src/data.h"
-#include "src/projectfile.h"
+#include "src/format/projectfile.h"
 
 #include <QtWidgets>
 

@@ -1,0 +1,190 @@
+#include "core/safefile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// Hidden, so that nobody takes it for a document; the toolkit replaces each X.
+const char* const unfinished_name = ".quillet-XXXXXX";
+
+/// Permissions of a file that is made anew: what the user's mask leaves of read and write for all.
+mode_t New_File_Mode()
+{
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+QByteArray System_Path(const QString& path)
+{
+    return QFile::encodeName(path);
+}
+
+/// Gives a file the permissions that the file it replaces had.
+bool Copy_Mode(const QString& from, const QString& to)
+{
+    struct stat state = {};
+    const bool exists = stat(System_Path(from).constData(), &state) == 0;
+    const mode_t mode = exists ? state.st_mode & 07777 : New_File_Mode();
+    return chmod(System_Path(to).constData(), mode) == 0;
+}
+
+/// Whether renaming would make another file of the target than people know: one that is somebody
+/// else's, or has further names.
+bool Has_To_Stay(const QString& target)
+{
+    struct stat state = {};
+    return stat(System_Path(target).constData(), &state) == 0 &&
+           (state.st_uid != geteuid() || state.st_nlink > 1);
+}
+
+/// Copies what one open file holds to another one, in blocks.
+bool Copy_Blocks(QFile* from, QFile* to)
+{
+    constexpr qint64 block_size = 1024 * 1024;
+    while (!from->atEnd()) {
+        const QByteArray block = from->read(block_size);
+        if (block.isEmpty() || to->write(block) != block.size())
+            return false;
+    }
+    return to->flush();
+}
+
+/// Lets the file system copy, which shares the blocks where it can; false when it cannot copy all.
+bool Clone(const QFile& from, const QFile& to, qint64 size)
+{
+    while (size > 0) {
+        const ssize_t copied = copy_file_range(from.handle(), nullptr, to.handle(), nullptr,
+                                               static_cast<size_t>(size), 0);
+        if (copied <= 0)
+            return false;
+        size -= copied;
+    }
+    return true;
+}
+
+bool Copy_Content(const QString& from, const QString& to)
+{
+    QFile source(from);
+    QFile copy(to);
+    // Without a buffer, so that both ways of copying see the same place in the files.
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
+        !copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return false;
+    return Clone(source, copy, source.size()) ||
+           (source.seek(0) && copy.resize(0) && copy.seek(0) && Copy_Blocks(&source, &copy));
+}
+
+/// The file that a path leads to. The target of a link has to be replaced, not the link.
+QString Target_Of(const QString& path)
+{
+    const QFileInfo info(path);
+    QString target = info.canonicalFilePath();
+    if (!target.isEmpty())
+        return target;
+    // A link may lead to a file that is not there yet.
+    return info.isSymLink() ? info.symLinkTarget() : path;
+}
+
+} // namespace
+
+TSafeFile::TSafeFile(const QString& path, TKind kind)
+    : d_target(Target_Of(path))
+    , d_kind(kind)
+{
+    const QFileInfo target(d_target);
+    // A device or a write-protected file has to be refused or taken as the target itself would.
+    if (target.exists() && (!target.isFile() || !target.isWritable()))
+        return;
+    d_file = std::make_unique<QTemporaryFile>(target.path() + QLatin1Char('/') +
+                                              QLatin1String(unfinished_name));
+    // The user's mask may take away what the owner needs.
+    if (!d_file->open() || fchmod(d_file->handle(), S_IRUSR | S_IWUSR) != 0)
+        d_file.reset();
+    else
+        flock(d_file->handle(), LOCK_EX | LOCK_NB);
+}
+
+TSafeFile::~TSafeFile() = default;
+
+QString TSafeFile::Path_To_Write() const
+{
+    return d_file ? d_file->fileName() : d_target;
+}
+
+bool TSafeFile::Copy_From(const QString& source)
+{
+    return d_file && Copy_Content(source, Path_To_Write());
+}
+
+bool TSafeFile::Commit(const std::function<bool(const QString&)>& is_complete, TReach reach)
+{
+    const QString path = Path_To_Write();
+    if ((!d_file && d_kind == TKind::Private) || !is_complete(path))
+        return false;
+    if (!d_file)
+        return true;
+    if ((d_kind == TKind::Like_Target && !Copy_Mode(d_target, path)) ||
+        (reach == TReach::Disk && !Sync(path)) || !Take_Place_Of_Target())
+        return false;
+    d_file.reset();
+    // The rename is done; whether it has reached the disk as well changes nothing for the caller.
+    if (reach == TReach::Disk)
+        Sync(QFileInfo(d_target).path());
+    return true;
+}
+
+bool TSafeFile::Take_Place_Of_Target()
+{
+    const QString path = Path_To_Write();
+    if (d_kind == TKind::Like_Target && Has_To_Stay(d_target))
+        return Copy_Content(path, d_target);
+    if (std::rename(System_Path(path).constData(), System_Path(d_target).constData()) != 0)
+        return false;
+    d_file->setAutoRemove(false);
+    return true;
+}
+
+bool TSafeFile::Is_Complete(const QString& path, qint64 size, const QByteArray& end)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || (size >= 0 && file.size() != size) ||
+        file.size() < end.size())
+        return false;
+    return file.seek(file.size() - end.size()) && file.read(end.size()) == end;
+}
+
+bool TSafeFile::Replace(const QString& path, const QByteArray& content)
+{
+    TSafeFile target(path);
+    QFile file(target.Path_To_Write());
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
+        return false;
+    file.close();
+    constexpr int tail_length = 16;
+    return target.Commit([&content](const QString& written) {
+        return Is_Complete(written, content.size(), content.right(tail_length));
+    });
+}
+
+bool TSafeFile::Sync(const QString& path)
+{
+    const int descriptor = open(System_Path(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool synced = fsync(descriptor) == 0;
+    return close(descriptor) == 0 && synced;
+}
+
+QString TSafeFile::Unfinished_Pattern()
+{
+    return QString::fromLatin1(unfinished_name).replace(QLatin1Char('X'), QLatin1Char('?'));
+}

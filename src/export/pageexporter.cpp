@@ -1,0 +1,156 @@
+#include "src/export/pageexporter.h"
+
+#include "core/safefile.h"
+#include "core/workwatch.h"
+#include "src/displaywidget.h"
+#include "src/paint/reportpainter.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QPainter>
+#include <QPrinter>
+
+#include <utility>
+
+namespace {
+
+/// The page as the printer sees it, in device pixels.
+QRect Page_Rectangle(const QPrinter& printer)
+{
+    return printer.pageLayout().paintRectPixels(printer.resolution());
+}
+
+void Prepare_Printer(const QString& path, const TReportOptions& settings, QPrinter* printer)
+{
+    printer->setPageOrientation(settings.orientation == 0 ? QPageLayout::Portrait
+                                                          : QPageLayout::Landscape);
+    printer->setOutputFormat(QPrinter::PdfFormat);
+    printer->setOutputFileName(path);
+    printer->setPageMargins(QMarginsF(), QPageLayout::Millimeter);
+    printer->setResolution(TReportGeometry::Resolution(settings.resolution));
+}
+
+} // namespace
+
+TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TProgress progress)
+    : d_data(data)
+    , d_view(view)
+    , d_progress(std::move(progress))
+{
+}
+
+bool TPageExporter::Export_Images(const QList<int>& page_ids, const TPathOf& path_of) const
+{
+    int counter = 1;
+    return Draw_Pages(page_ids, [&](int page_id, const QPixmap& picture) {
+        return Save_Png(picture, path_of(page_id, counter++));
+    });
+}
+
+TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QList<int>& page_ids,
+                                                  const TReportOptions& settings) const
+{
+    if (page_ids.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
+        return TOutcome::Not_Begun;
+    // Without a file name the toolkit would print on paper.
+    if (file.isEmpty())
+        return TOutcome::Not_Begun;
+    TSafeFile target(file);
+    QPrinter printer(QPrinter::HighResolution);
+    Prepare_Printer(target.Path_To_Write(), settings, &printer);
+    QPainter painter;
+    if (!painter.begin(&printer))
+        return TOutcome::Not_Begun;
+    TReportPainter report(&painter, settings.resolution, settings.header_1, settings.header_2,
+                          Page_Rectangle(printer));
+    int number = 0;
+    Draw_Pages(page_ids, [&](int, const QPixmap& picture) {
+        if (number > 0) {
+            printer.newPage();
+            report.Set_Page(Page_Rectangle(printer));
+        }
+        report.Draw_Page(picture, ++number);
+        return true;
+    });
+    painter.end();
+    return target.Commit(Is_Complete_Pdf) ? TOutcome::Complete : TOutcome::Incomplete;
+}
+
+bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TUse& use) const
+{
+    if (page_ids.isEmpty())
+        return false;
+    const int active_page = d_data->Active_Page();
+    d_view->setUpdatesEnabled(false);
+    bool succeeded = true;
+    int number = 0;
+    for (const int page_id : page_ids) {
+        Tell_Progress(++number, page_ids.size());
+        d_data->Set_Active_Page(page_id);
+        Reload_View();
+        const QPixmap picture = d_view->Pixmap();
+        Tell_Progress(number, page_ids.size());
+        succeeded = use(page_id, picture);
+        if (!succeeded)
+            break;
+    }
+    d_data->Set_Active_Page(active_page);
+    Reload_View();
+    d_view->setUpdatesEnabled(true);
+    return succeeded;
+}
+
+void TPageExporter::Tell_Progress(int number, int total) const
+{
+    if (d_progress)
+        d_progress(number, total);
+}
+
+/// Rebuilds the view for the active page; without one it is left empty.
+void TPageExporter::Reload_View() const
+{
+    d_view->Clear();
+    if (d_data->Active_Page() >= 0)
+        Fill_View(*d_data, d_view);
+}
+
+void TPageExporter::Fill_View(const TData& data, TDisplayWidget* view, const TNote& note)
+{
+    view->Set_Background_Image(QPixmap::fromImage(data.Page_Image()));
+    for (int i = 0; i < data.Item_Count(); ++i) {
+        const TDataItem item = data.Item(i);
+        if (note)
+            note(item);
+        view->Add_Item(item.id, item.value, item.text, item.border_type);
+        view->Move_Item(item.id, item.position);
+    }
+}
+
+bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path)
+{
+    QByteArray bytes;
+    TWatchedDevice<QBuffer> buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    // Every PNG ends with an empty chunk of this type and its check sum. It is encoded and checked
+    // before a file of that name is replaced.
+    const QByteArray end("IEND\xAE\x42\x60\x82", 8);
+    return picture.save(&buffer, "png") && bytes.endsWith(end) && TSafeFile::Replace(path, bytes);
+}
+
+bool TPageExporter::Is_Complete_Pdf(const QString& path)
+{
+    // "startxref", the offset of the table, and the end mark, each on a line of its own.
+    constexpr qint64 tail_length = 64;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(qMax<qint64>(0, file.size() - tail_length)))
+        return false;
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    const int count = lines.size();
+    if (count < 4 || !lines.at(count - 1).isEmpty() || lines.at(count - 2) != "%%EOF" ||
+        lines.at(count - 4) != "startxref")
+        return false;
+    const QByteArray table = "xref\n";
+    bool is_number = false;
+    const qint64 offset = lines.at(count - 3).toLongLong(&is_number);
+    return is_number && file.seek(offset) && file.read(table.size()) == table;
+}

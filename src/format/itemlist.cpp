@@ -1,0 +1,106 @@
+#include "src/format/itemlist.h"
+
+#include "core/xmlfile.h"
+#include "core/xmlguard.h"
+#include "src/format/itemxml.h"
+
+#include <cassert>
+
+namespace {
+
+constexpr int position_decimals = 2;
+
+const QLatin1String text_name("Text");
+
+template <typename TContent>
+void Write_Child(TXmlFile* xml_file, QDomElement* parent, const QString& name,
+                 const TContent& content)
+{
+    QDomElement child = xml_file->Create_Node(parent, name);
+    xml_file->Write_Text_Node(&child, content);
+}
+
+QString Coordinate_Text(double coordinate)
+{
+    return QString::number(coordinate, 'f', position_decimals);
+}
+
+void Write_Item(TXmlFile* xml_file, const TDataItem& item)
+{
+    QDomElement node = xml_file->Create_Node(&xml_file->d_root_element, ItemXml::Item_Name);
+    Write_Child(xml_file, &node, ItemXml::Id_Name, item.id);
+    Write_Child(xml_file, &node, ItemXml::Value_Name, item.value);
+    Write_Child(xml_file, &node, text_name, item.text);
+    Write_Child(xml_file, &node, ItemXml::Border_Name, item.border_type);
+    const QString position =
+        Coordinate_Text(item.position.x()) + QLatin1Char(',') + Coordinate_Text(item.position.y());
+    Write_Child(xml_file, &node, ItemXml::Position_Name, position);
+}
+
+/// A text without the characters that XML does not know.
+QString Cleaned(const QString& text)
+{
+    QString cleaned;
+    for (int i = 0; i < text.size(); ++i) {
+        const int length = text.at(i).isHighSurrogate() ? 2 : 1;
+        const QString character = text.mid(i, length);
+        if (XmlGuard::Is_Text(character)) {
+            cleaned += character;
+            i += length - 1;
+        }
+    }
+    return cleaned;
+}
+
+TDataItem Writable(TDataItem item, ItemList::TBadText bad_text)
+{
+    if (bad_text == ItemList::TBadText::Leave_Out && !XmlGuard::Is_Text(item.text))
+        item.text = Cleaned(item.text);
+    return item;
+}
+
+} // namespace
+
+QByteArray ItemList::Write(const TData& data, TBadText bad_text)
+{
+    TXmlFile xml_file;
+    xml_file.Reset(ItemXml::Root_Name, Version);
+    const int count = data.Item_Count();
+    for (int index = 0; index < count; ++index)
+        Write_Item(&xml_file, Writable(data.Item(index), bad_text));
+    QByteArray document;
+    xml_file.Write_Data(&document, true);
+    return document;
+}
+
+TDataItem ItemList::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
+{
+    TDataItem item;
+    item.id = ItemXml::Read_Integer(xml_file, node, ItemXml::Id_Name);
+    item.value = ItemXml::Read_Integer(xml_file, node, ItemXml::Value_Name);
+    const QDomElement text = xml_file.Get_Node(&node, text_name, true);
+    if (!text.isNull())
+        item.text = xml_file.Read_Text_Node(&text, true);
+    item.border_type = ItemXml::Read_Integer(xml_file, node, ItemXml::Border_Name);
+    const QString position = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name, true);
+    if (!ItemXml::To_Position(position, &item.position))
+        throw TXmlFileException(QStringLiteral("XML Item position invalid"),
+                                TXmlFileException::Data_Error);
+    return item;
+}
+
+void ItemList::Read(const QByteArray& document, TData* data)
+{
+    assert(data);
+    TXmlFile xml_file;
+    int version = 0;
+    xml_file.Open_Data(document, ItemXml::Root_Name, &version, true);
+    if (version != Version)
+        throw TXmlFileException(QStringLiteral("XML Version not recognized"),
+                                TXmlFileException::Data_Error);
+    QDomElement node = xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, true);
+    while (!node.isNull()) {
+        data->Add_Item(Read_Item(xml_file, node));
+        node = xml_file.Get_Sibling_Node(&node, ItemXml::Item_Name, true);
+    }
+}

@@ -1,0 +1,257 @@
+#include "src/format/itemsurvey.h"
+
+#include "core/xmlfile.h"
+#include "src/format/itemlist.h"
+#include "src/format/itemxml.h"
+
+#include <QCoreApplication>
+#include <QSet>
+#include <QStringList>
+#include <QTextCodec>
+
+#include <algorithm>
+#include <cassert>
+#include <cctype>
+#include <cmath>
+#include <cstddef>
+
+namespace {
+
+constexpr char item_begin[] = "<Item";
+constexpr char item_end[] = "</Item>";
+constexpr int item_begin_size = sizeof(item_begin) - 1;
+constexpr int item_end_size = sizeof(item_end) - 1;
+/// What every label has, so that elements without it need not be parsed.
+constexpr char position_begin[] = "<Position";
+
+/// Where "Item" elements seem to begin.
+std::vector<int> Item_Places(const QByteArray& document)
+{
+    std::vector<int> places;
+    for (int place = document.indexOf(item_begin); place >= 0;
+         place = document.indexOf(item_begin, place + 1)) {
+        const int next = place + item_begin_size;
+        const char after = next < document.size() ? document.at(next) : '\0';
+        if (after == '>' || after == '/' || std::isspace(static_cast<unsigned char>(after)))
+            places.push_back(place);
+    }
+    return places;
+}
+
+/// A document with one label of another document.
+QByteArray Alone(const QByteArray& element)
+{
+    return R"(<?xml version="1.0" encoding="utf-8"?><Quillet_Data File_Version="1">)" + element +
+           "</Quillet_Data>";
+}
+
+bool Is_Utf8(const QByteArray& document)
+{
+    const QByteArray declaration = document.left(document.indexOf("?>") + 1).toLower();
+    const int encoding = declaration.indexOf("encoding");
+    if (encoding >= 0 && declaration.indexOf("utf-8", encoding) < 0)
+        return true; // Declared to be something else, of which nothing can be told.
+    QTextCodec::ConverterState state;
+    QTextCodec::codecForName("UTF-8")->toUnicode(document.constData(), document.size(), &state);
+    return state.invalidChars == 0 && state.remainingChars == 0;
+}
+
+/// Looks through one label document.
+class TItemSurveyor
+{
+    Q_DECLARE_TR_FUNCTIONS(ItemSurvey)
+
+public:
+    TItemSurveyor(const QByteArray& document, std::vector<TProjectDefect>* defects)
+        : d_document(document)
+        , d_defects(defects)
+    {
+    }
+
+    std::vector<TDataItem> Survey();
+
+private:
+    void Read_Document(const TXmlFile& xml_file);
+    void Read_Alone();
+    void Read_Fragment(const QByteArray& fragment);
+    void Read_Item(const TXmlFile& xml_file, const QDomElement& node);
+    TDataItem Checked(TDataItem item, const TXmlFile& xml_file, const QDomElement& node);
+    void Check_Integer(const TXmlFile& xml_file, const QDomElement& node, const QString& name);
+    void Check_Position(const TXmlFile& xml_file, const QDomElement& node);
+    void Give_Ids();
+
+    void Begin_Label(int place)
+    {
+        ++d_number;
+        d_place = place;
+    }
+    /// Notes a defect of the label that is being read.
+    void Complain(const QString& what)
+    {
+        d_defects->push_back({d_place, tr("label %1: %2").arg(d_number).arg(what)});
+    }
+
+    const QByteArray d_document;
+    std::vector<TProjectDefect>* d_defects;
+    std::vector<TDataItem> d_items;
+    std::vector<int> d_item_numbers; ///< for each of d_items
+    std::vector<int> d_item_places;  ///< for each of d_items
+    int d_number = 0;                ///< of the label that is being read, from 1
+    int d_place = 0;                 ///< offset of that label
+};
+
+std::vector<TDataItem> TItemSurveyor::Survey()
+{
+    try {
+        TXmlFile xml_file;
+        int version = 0;
+        xml_file.Open_Data(d_document, ItemXml::Root_Name, &version, true);
+        if (version != ItemList::Version)
+            d_defects->push_back({0, tr("XML Version not recognized")});
+        if (!Is_Utf8(d_document))
+            d_defects->push_back({0, tr("holds bytes that are no UTF-8")});
+        Read_Document(xml_file);
+    } catch (const TXmlFileException& exception) {
+        d_defects->push_back({0, exception.Message()});
+        Read_Alone();
+    }
+    Give_Ids();
+    return std::move(d_items);
+}
+
+/// Reads the labels of a well-formed document.
+void TItemSurveyor::Read_Document(const TXmlFile& xml_file)
+{
+    std::vector<QDomElement> nodes;
+    for (QDomElement node = xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, true);
+         !node.isNull(); node = xml_file.Get_Sibling_Node(&node, ItemXml::Item_Name, true))
+        nodes.push_back(node);
+    // The parser does not tell offsets. Comments and the like may hold what looks like a label.
+    std::vector<int> places = Item_Places(d_document);
+    if (places.size() != nodes.size())
+        places.assign(nodes.size(), 0);
+    auto place = places.cbegin();
+    for (const QDomElement& node : nodes) {
+        Begin_Label(*place++);
+        Read_Item(xml_file, node);
+    }
+}
+
+/// Reads the labels of a document that is damaged as a whole.
+void TItemSurveyor::Read_Alone()
+{
+    const std::vector<int> places = Item_Places(d_document);
+    int end = 0;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const int begin = places[i];
+        const int limit = i + 1 < places.size() ? places[i + 1] : d_document.size();
+        Begin_Label(begin);
+        if (end >= 0 && end < begin)
+            end = d_document.indexOf(item_end, begin);
+        if (end >= 0 && end < limit)
+            Read_Fragment(d_document.mid(begin, end + item_end_size - begin));
+        else
+            Complain(tr("its element is not closed"));
+    }
+}
+
+void TItemSurveyor::Read_Fragment(const QByteArray& fragment)
+{
+    if (!fragment.contains(position_begin)) {
+        Complain(tr("has no position"));
+        return;
+    }
+    try {
+        TXmlFile xml_file;
+        int version = 0;
+        xml_file.Open_Data(Alone(fragment), ItemXml::Root_Name, &version, true);
+        Read_Item(xml_file, xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, false));
+    } catch (const TXmlFileException&) {
+        // The parser's words tell a place that is none in this document.
+        Complain(tr("is no well-formed element"));
+    }
+}
+
+void TItemSurveyor::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
+{
+    try {
+        d_items.push_back(Checked(ItemList::Read_Item(xml_file, node), xml_file, node));
+        d_item_numbers.push_back(d_number);
+        d_item_places.push_back(d_place);
+    } catch (const TXmlFileException& exception) {
+        Complain(exception.Message());
+    }
+}
+
+/// A label that could be read; what does not become what it was written as is noted.
+TDataItem TItemSurveyor::Checked(TDataItem item, const TXmlFile& xml_file, const QDomElement& node)
+{
+    Check_Integer(xml_file, node, ItemXml::Id_Name);
+    Check_Integer(xml_file, node, ItemXml::Value_Name);
+    Check_Integer(xml_file, node, ItemXml::Border_Name);
+    if (!Is_Border_Type(item.border_type))
+        Complain(tr("there is no border with the code %1").arg(item.border_type));
+    Check_Position(xml_file, node);
+    // Such a label could not be drawn anywhere, nor moved.
+    if (!std::isfinite(item.position.x()))
+        item.position.setX(0);
+    if (!std::isfinite(item.position.y()))
+        item.position.setY(0);
+    return item;
+}
+
+void TItemSurveyor::Check_Integer(const TXmlFile& xml_file, const QDomElement& node,
+                                  const QString& name)
+{
+    const QString text = ItemXml::Read_Text(xml_file, node, name);
+    bool is_number = false;
+    text.toInt(&is_number);
+    if (!is_number)
+        Complain(tr("%1 \"%2\" is no number and reads as 0").arg(name, text));
+}
+
+void TItemSurveyor::Check_Position(const TXmlFile& xml_file, const QDomElement& node)
+{
+    const QString text = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name, true);
+    const QStringList parts = text.split(QLatin1Char(','));
+    const bool are_numbers = std::all_of(parts.cbegin(), parts.cend(), [](const QString& part) {
+        bool is_number = false;
+        return std::isfinite(part.toDouble(&is_number)) && is_number;
+    });
+    if (!are_numbers)
+        Complain(tr("Position \"%1\" does not consist of two numbers").arg(text));
+}
+
+/// Gives labels ids of their own whose ids others before them have.
+void TItemSurveyor::Give_Ids()
+{
+    QSet<int> ids;
+    for (const TDataItem& item : d_items)
+        ids.insert(item.id);
+    QSet<int> seen;
+    int free_id = 0;
+    for (std::size_t i = 0; i < d_items.size(); ++i) {
+        const int id = d_items[i].id;
+        if (!seen.contains(id)) {
+            seen.insert(id);
+            continue;
+        }
+        d_number = d_item_numbers[i];
+        d_place = d_item_places[i];
+        Complain(tr("another label before it has the same Id %1").arg(id));
+        while (ids.contains(free_id))
+            ++free_id;
+        d_items[i].id = free_id;
+        ids.insert(free_id);
+        seen.insert(free_id);
+    }
+}
+
+} // namespace
+
+std::vector<TDataItem> ItemSurvey::Survey(const QByteArray& document,
+                                          std::vector<TProjectDefect>* defects)
+{
+    assert(defects);
+    return TItemSurveyor(document, defects).Survey();
+}

@@ -1,0 +1,329 @@
+#include "src/format/projectsurvey.h"
+
+#include "src/format/projectfile.h"
+#include "src/format/recordfinder.h"
+
+#include <QColor>
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <optional>
+
+namespace {
+
+constexpr qint64 integer_size = sizeof(int);
+constexpr qint64 size_place = integer_size;      ///< of the label size
+constexpr qint64 color_place = 2 * integer_size; ///< of the colour's length
+constexpr qint64 color_begin = 3 * integer_size;
+constexpr qint64 color_length = 7; ///< of "#rrggbb"
+constexpr qint64 least_record = 3 * integer_size;
+
+bool Is_Color(const QByteArray& name)
+{
+    return QColor::isValidColor(QString::fromLatin1(name));
+}
+
+class TSurveyor
+{
+    Q_DECLARE_TR_FUNCTIONS(ProjectSurvey)
+
+public:
+    TSurveyor(const QByteArray& bytes, ProjectSurvey::TImages images,
+              const ProjectSurvey::TProgress& progress)
+        : d_bytes(bytes)
+        , d_images(images)
+        , d_progress(progress)
+        , d_finder(bytes)
+    {
+    }
+
+    TProjectSurvey Survey();
+
+private:
+    bool Read_Start();
+    bool Read_Header();
+    bool Read_Color(qint64* place);
+    bool Read_Header_Line(const QString& what, QString* line, qint64* place);
+    bool Read_Page_Count(qint64 place);
+    bool Is_Led_Astray() const;
+    void Read_Pages(bool begin_is_sure);
+    void Read_Record(const TPageRecord& record);
+    void Check_Page_Count();
+    bool Check_Length(const QString& what, qint64 place, const std::optional<TFileField>& field);
+    void Check_Record(const TPageRecord& record);
+    QString Text(const QString& what, const TFileField& field);
+    TPageImage Image(const TFileField& field);
+    std::vector<TDataItem> Items(const TFileField& field);
+
+    QByteArray Content(const TFileField& field) const
+    {
+        return d_bytes.mid(static_cast<int>(field.begin), static_cast<int>(field.length));
+    }
+    /// Notes a defect.
+    void Complain(qint64 offset, const QString& what)
+    {
+        d_survey.defects.push_back({offset, d_place + what});
+    }
+
+    const QByteArray d_bytes;
+    const ProjectSurvey::TImages d_images;
+    const ProjectSurvey::TProgress d_progress;
+    const TRecordFinder d_finder;
+    TProjectSurvey d_survey;
+    QString d_place; ///< what messages begin with: the page that is being read
+    std::optional<int> d_page_count;
+    qint64 d_count_place = 0;
+    int d_record_count = 0;
+    bool d_has_zero_bytes = false;   ///< whether a text of the header has any
+    qint64 d_position = color_begin; ///< of the next page record
+};
+
+TProjectSurvey TSurveyor::Survey()
+{
+    if (Read_Start()) {
+        const bool is_header_sound = Read_Header();
+        Read_Pages(is_header_sound);
+        Check_Page_Count();
+    }
+    std::stable_sort(d_survey.defects.begin(), d_survey.defects.end(),
+                     [](const TProjectDefect& left, const TProjectDefect& right) {
+                         return left.offset < right.offset;
+                     });
+    return std::move(d_survey);
+}
+
+/// Whether there is anything to look through.
+bool TSurveyor::Read_Start()
+{
+    if (d_bytes.size() < color_place) {
+        Complain(0, tr("the file is too short to be a project file: %1 bytes").arg(d_bytes.size()));
+        return false;
+    }
+    if (d_finder.Integer_At(0) == TProjectReader::Magic)
+        return true;
+    Complain(0, tr("the file does not begin with the magic number of a project file"));
+    // Something else entirely has no defects worth telling.
+    return d_finder.Has_Record_After(color_place);
+}
+
+/// Reads everything before the pages; false when it is not certain where they begin.
+bool TSurveyor::Read_Header()
+{
+    const int size = *d_finder.Integer_At(size_place);
+    d_survey.label_size = qBound(TAppearance::Smallest_Label, size, TAppearance::Largest_Label);
+    if (d_survey.label_size != size)
+        Complain(size_place, tr("the label size %1 is not between %2 and %3")
+                                 .arg(size)
+                                 .arg(TAppearance::Smallest_Label)
+                                 .arg(TAppearance::Largest_Label));
+    qint64 place = color_place;
+    return Read_Color(&place) &&
+           Read_Header_Line(tr("header line 1"), &d_survey.header_1, &place) &&
+           Read_Header_Line(tr("header line 2"), &d_survey.header_2, &place) &&
+           Read_Page_Count(place);
+}
+
+bool TSurveyor::Read_Color(qint64* place)
+{
+    std::optional<TFileField> field = d_finder.Field_At(*place);
+    const bool is_good = field && Is_Color(Content(*field));
+    // A length is damaged more easily than a name that is still a good one.
+    const TFileField usual{color_begin, color_length};
+    if (!is_good && d_bytes.size() >= usual.End() && Is_Color(Content(usual)))
+        field = usual;
+    Check_Length(tr("the colour name"), *place, field);
+    if (!field)
+        return false;
+    *place = field->End();
+    d_survey.color_name = Text(tr("the colour name"), *field);
+    if (!QColor::isValidColor(d_survey.color_name))
+        Complain(field->begin, tr("there is no colour \"%1\"").arg(d_survey.color_name));
+    return true;
+}
+
+bool TSurveyor::Read_Header_Line(const QString& what, QString* line, qint64* place)
+{
+    const std::optional<TFileField> field = d_finder.Field_At(*place);
+    if (!Check_Length(what, *place, field))
+        return false;
+    *line = Text(what, *field);
+    *place = field->End();
+    return true;
+}
+
+bool TSurveyor::Read_Page_Count(qint64 place)
+{
+    d_count_place = place;
+    d_position = place + integer_size;
+    d_page_count = d_finder.Integer_At(place);
+    if (!d_page_count) {
+        Complain(place, tr("the file ends where the page count should be"));
+        return true;
+    }
+    if (!Is_Led_Astray())
+        return true;
+    Complain(color_place, tr("the lengths at the beginning do not lead to the first page"));
+    d_page_count.reset();
+    return false;
+}
+
+/// Whether the lengths before the pages lie within the file and are wrong all the same.
+bool TSurveyor::Is_Led_Astray() const
+{
+    if (d_finder.Is_Boundary(d_position) || !d_finder.Has_Record_After(color_begin))
+        return false;
+    // A length that is too large swallows others, which have zero bytes. One that is wrong by a
+    // little leads a little past the first page.
+    const TPageRecord record = d_finder.Find_After(color_begin);
+    const qint64 distance = record.name ? qAbs(record.begin - d_position) : 0;
+    return d_has_zero_bytes || (distance > 0 && distance < least_record);
+}
+
+void TSurveyor::Read_Pages(bool begin_is_sure)
+{
+    bool is_sure = begin_is_sure;
+    if (!is_sure)
+        d_position = color_begin;
+    while (d_position < d_finder.Size() &&
+           ((is_sure && d_record_count < d_page_count.value_or(0)) ||
+            d_finder.Has_Record_After(d_position))) {
+        is_sure = is_sure || d_finder.Is_Boundary(d_position);
+        const TPageRecord record =
+            is_sure ? d_finder.Find(d_position) : d_finder.Find_After(d_position);
+        Read_Record(record);
+        d_position = record.end;
+        is_sure = record.is_end_sure;
+    }
+}
+
+void TSurveyor::Read_Record(const TPageRecord& record)
+{
+    d_place = tr("page %1: ").arg(++d_record_count);
+    if (d_progress)
+        d_progress(d_record_count, qMax(d_record_count, d_page_count.value_or(0)));
+    const auto defect_count = d_survey.defects.size();
+    Check_Record(record);
+    if (!record.name && !record.image && !record.items)
+        return;
+    TSurveyedPage page;
+    if (record.name)
+        page.name = Text(tr("the name"), *record.name);
+    if (record.image)
+        page.image = Image(*record.image);
+    if (record.items)
+        page.items = Items(*record.items);
+    page.is_whole = d_survey.defects.size() == defect_count;
+    d_survey.pages.push_back(page);
+}
+
+/// Notes where the lengths of a record are not those of its fields.
+void TSurveyor::Check_Record(const TPageRecord& record)
+{
+    const bool is_anything_known = record.name || record.image || record.items;
+    qint64 place = record.begin;
+    const auto check = [&](const QString& what, const std::optional<TFileField>& field,
+                           bool is_followed) {
+        if (!field && is_followed) {
+            Complain(place, tr("%1 is lost").arg(what));
+            return true;
+        }
+        Check_Length(what, field ? field->Length_Place() : place, field);
+        place = field ? field->End() : place;
+        return field.has_value();
+    };
+    const bool is_complete = check(tr("the name"), record.name, record.image || record.items) &&
+                             check(tr("the image"), record.image, record.items.has_value()) &&
+                             check(tr("the label document"), record.items, false);
+    if (!is_complete && !is_anything_known)
+        Complain(record.begin,
+                 tr("nothing can be read of %1 bytes").arg(record.end - record.begin));
+}
+
+/// Whether the length at a place is that of a field; notes why not.
+/// @param field  what was found there or in spite of it, if anything.
+bool TSurveyor::Check_Length(const QString& what, qint64 place,
+                             const std::optional<TFileField>& field)
+{
+    const std::optional<int> length = d_finder.Integer_At(place);
+    if (length && field && *length == field->length)
+        return true;
+    if (!length)
+        Complain(qMin(place, d_finder.Size()),
+                 tr("the file ends where the length of %1 should be").arg(what));
+    else if (*length < 0)
+        Complain(place, tr("the length of %1 is negative: %2").arg(what).arg(*length));
+    else if (*length > d_finder.Size() - place - integer_size)
+        Complain(place,
+                 tr("the length of %1 leads past the end of the file: %2").arg(what).arg(*length));
+    else if (field)
+        Complain(place, tr("the length of %1 is %2, but there are %3 bytes of it")
+                            .arg(what)
+                            .arg(*length)
+                            .arg(field->length));
+    else
+        Complain(place, tr("the length of %1 leads into another page: %2").arg(what).arg(*length));
+    return false;
+}
+
+void TSurveyor::Check_Page_Count()
+{
+    d_place.clear();
+    if (!d_page_count)
+        return;
+    const int count = *d_page_count;
+    const qint64 room = (d_finder.Size() - d_count_place - integer_size) / least_record;
+    if (count < 0)
+        Complain(d_count_place, tr("the page count is negative: %1").arg(count));
+    else if (count > room)
+        Complain(d_count_place,
+                 tr("the page count is more than the file has room for: %1").arg(count));
+    else if (count > d_record_count)
+        Complain(d_finder.Size(),
+                 tr("the file ends after %1 of %2 pages").arg(d_record_count).arg(count));
+    else if (count < d_record_count)
+        Complain(d_count_place,
+                 tr("the page count is %1, but there are %2 pages").arg(count).arg(d_record_count));
+    if (d_position < d_finder.Size())
+        Complain(
+            d_position,
+            tr("%1 bytes are left over after the last page").arg(d_finder.Size() - d_position));
+}
+
+/// A text as the window reads it, up to its first zero byte.
+QString TSurveyor::Text(const QString& what, const TFileField& field)
+{
+    const QByteArray content = Content(field);
+    const int zero = content.indexOf('\0');
+    if (zero < 0)
+        return QString::fromLatin1(content);
+    d_has_zero_bytes = true;
+    Complain(field.begin + zero, tr("%1 is cut at a zero byte").arg(what));
+    return QString::fromLatin1(content.left(zero));
+}
+
+TPageImage TSurveyor::Image(const TFileField& field)
+{
+    TPageImage image = TPageImage::From_Part(d_bytes, static_cast<int>(field.begin),
+                                             static_cast<int>(field.length));
+    // A page without an image is written with a length of 0.
+    if (field.length > 0 && d_images == ProjectSurvey::TImages::Decode && image.isNull())
+        Complain(field.begin, tr("the image cannot be decoded"));
+    return image;
+}
+
+std::vector<TDataItem> TSurveyor::Items(const TFileField& field)
+{
+    std::vector<TProjectDefect> defects;
+    std::vector<TDataItem> items = ItemSurvey::Survey(Content(field), &defects);
+    for (const TProjectDefect& defect : defects)
+        Complain(field.begin + defect.offset, defect.what);
+    return items;
+}
+
+} // namespace
+
+TProjectSurvey ProjectSurvey::Survey(const QByteArray& bytes, TImages images,
+                                     const TProgress& progress)
+{
+    return TSurveyor(bytes, images, progress).Survey();
+}

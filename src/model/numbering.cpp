@@ -1,0 +1,53 @@
+#include "src/model/numbering.h"
+
+#include <cstdint>
+
+namespace {
+
+/// The distance of the page starts for a method code; 0 for counting on.
+int Page_Step(int method)
+{
+    switch (method) {
+    case TNumbering::Next_10X:
+        return 10;
+    case TNumbering::Next_100X:
+        return 100;
+    case TNumbering::Next_1000X:
+        return 1000;
+    default:
+        return 0;
+    }
+}
+
+/// The low 32 bits of a value. Sums and products are made in 64 bits, where they cannot overflow.
+int Wrapped(std::int64_t value)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
+}
+
+} // namespace
+
+TNumbering::TNumbering(int first, int method)
+    : d_next(first)
+    , d_step(Page_Step(method))
+{
+}
+
+int TNumbering::After(int value)
+{
+    return Wrapped(std::int64_t{value} + 1);
+}
+
+int TNumbering::Take()
+{
+    const int value = d_next;
+    d_next = After(value);
+    return value;
+}
+
+void TNumbering::Break_Page()
+{
+    if (d_step == 0)
+        return;
+    d_next = Wrapped((std::int64_t{d_next} / d_step + 1) * d_step);
+}

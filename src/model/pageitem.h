@@ -1,0 +1,28 @@
+#pragma once
+
+#include "src/model/bordertype.h"
+#include "src/model/pageimage.h"
+
+#include <QPointF>
+#include <QString>
+
+#include <vector>
+
+/// One numbered label of a page. A plain value.
+struct TDataItem
+{
+    int id = 0;                  ///< key within its page, drawn at random, never shown
+    int value = 0;               ///< the number on the label; values may repeat
+    QString text;                ///< shown instead of the number when not empty
+    int border_type = No_Border; ///< one of TBorderType; any other code is kept and draws no border
+    QPointF position;            ///< centre of the label in page-image pixels
+    bool selected = false;
+};
+
+/// One page: its image and its labels in the order in which they were added.
+struct TPageItem
+{
+    int page_id = 0;  ///< unique within the document
+    TPageImage image; ///< null for a page that was added without one
+    std::vector<TDataItem> data_items;
+};

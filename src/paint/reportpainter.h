@@ -1,0 +1,44 @@
+#pragma once
+
+#include "src/paint/reportgeometry.h"
+
+#include <QFont>
+#include <QPixmap>
+#include <QString>
+
+class QPainter;
+
+/// Draws the pages of the report with a painter that somebody else has opened: headers, rules, the
+/// page's picture and the footer. It does not know what device it draws on, nor how a new page is
+/// begun there.
+class TReportPainter
+{
+public:
+    /// @param painter          open on the report's device and staying so; not owned.
+    /// @param resolution_code  1 to 4; the device has to have the resolution that belongs to it.
+    /// @param page             the device's page rectangle in device pixels.
+    TReportPainter(QPainter* painter, int resolution_code, const QString& header_1,
+                   const QString& header_2, const QRect& page);
+
+    /// Takes over the page rectangle of a further page, which the device has begun.
+    void Set_Page(const QRect& page) { d_geometry.Set_Page(page); }
+
+    /// Draws one page.
+    /// @param picture  the page with its labels; scaled to fit.
+    /// @param number   page number in the footer.
+    void Draw_Page(const QPixmap& picture, int number);
+
+private:
+    void Draw_Rules();
+    void Draw_Headers();
+    void Draw_Footer(int number);
+    void Draw_Picture(const QPixmap& picture);
+
+    QPainter* d_painter;
+    int d_resolution_code;
+    QString d_header_1;
+    QString d_header_2;
+    QFont d_heading_font;
+    QFont d_footer_font;
+    TReportGeometry d_geometry;
+};

@@ -1,0 +1,38 @@
+// What users are accustomed to from other programs: the wheel zooms, files can be dropped, arrow
+// keys move what is selected. None of it does anything that a command or the mouse does not do.
+
+#include "src/quillet.h"
+
+#include "src/displaywidget.h"
+#include "src/labelwidget.h"
+#include "src/undo/undohistory.h"
+#include "src/widgets/focusframe.h"
+#include "src/widgets/imagedrop.h"
+#include "src/widgets/nudgekeys.h"
+#include "src/widgets/rowlist.h"
+#include "src/widgets/wheelzoom.h"
+
+void TQuillet::Add_Habits()
+{
+    new TFocusFrame(d_display_widget);
+    const auto lists = findChildren<TRowList*>();
+    for (TRowList* const list : lists)
+        new TFocusFrame(list);
+    new TWheelZoom(d_display_widget, d_zoom_slider);
+    new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
+    new TImageDrop(this, [this](const QStringList& paths) {
+        Keep_Work();
+        Import_Files(paths);
+    });
+}
+
+/// Moves the selected labels.
+/// @param step  in page-image pixels.
+void TQuillet::Nudge_Labels(const QPointF& step)
+{
+    const std::vector<int> ids = d_label_widget->Selected_Items();
+    const TStep step_to_undo(this, TStepKind::Nudge_Labels, 0, static_cast<int>(ids.size()));
+    // The view reports where each label is now, as after a drag.
+    for (const int id : ids)
+        d_display_widget->Move_Item(id, d_display_widget->Item_Position(id) + step);
+}

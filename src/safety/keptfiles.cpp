@@ -1,0 +1,146 @@
+#include "src/safety/keptfiles.h"
+
+#include "core/safefile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+const char* const copy_suffix = ".quillet";
+const char* const note_suffix = ".note";
+
+constexpr mode_t folder_mode = S_IRWXU;
+constexpr mode_t file_mode = S_IRUSR | S_IWUSR;
+
+/// A file is made and locked in two steps. One that is younger than this, in seconds, and not
+/// locked may be between them.
+constexpr qint64 settled_age = 60;
+
+bool Is_Settled(const QFileInfo& file)
+{
+    return file.lastModified().secsTo(QDateTime::currentDateTime()) > settled_age;
+}
+
+} // namespace
+
+bool TKeptNote::Open(const QString& path, TExisting existing)
+{
+    Close();
+    const int exclusive = existing == TExisting::Refuse ? O_EXCL : 0;
+    d_descriptor = open(QFile::encodeName(path).constData(),
+                        O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | exclusive, file_mode);
+    // The user's mask may have taken permissions away, or the note may be an old one.
+    if (d_descriptor >= 0 && fchmod(d_descriptor, file_mode) == 0 &&
+        flock(d_descriptor, LOCK_EX | LOCK_NB) == 0)
+        return true;
+    Close();
+    return false;
+}
+
+bool TKeptNote::Write(const QString& document) const
+{
+    const QByteArray text = document.toUtf8();
+    return pwrite(d_descriptor, text.constData(), static_cast<size_t>(text.size()), 0) ==
+               text.size() &&
+           ftruncate(d_descriptor, text.size()) == 0;
+}
+
+void TKeptNote::Close()
+{
+    if (d_descriptor >= 0)
+        close(d_descriptor);
+    d_descriptor = -1;
+}
+
+TKeptFolder::TKeptFolder(const QString& path)
+    : d_path(path)
+{
+}
+
+bool TKeptFolder::Prepare() const
+{
+    const QFileInfo folder(d_path);
+    if (folder.isSymLink() || QFileInfo(folder.path()).isSymLink())
+        return false;
+    const QByteArray path = QFile::encodeName(d_path);
+    if (!folder.isDir() && mkdir(path.constData(), folder_mode) != 0)
+        return false;
+    struct stat state = {};
+    if (stat(path.constData(), &state) != 0)
+        return false;
+    // The user's mask does not count here, nor what somebody else made the folder with.
+    if ((state.st_mode & 07777) != folder_mode && chmod(path.constData(), folder_mode) != 0)
+        return false;
+    return QFileInfo(d_path).isWritable();
+}
+
+QString TKeptFolder::Copy_Path(const QString& name) const
+{
+    return d_path + QLatin1Char('/') + name + QLatin1String(copy_suffix);
+}
+
+QString TKeptFolder::Note_Path(const QString& name) const
+{
+    return d_path + QLatin1Char('/') + name + QLatin1String(note_suffix);
+}
+
+void TKeptFolder::Remove(const QString& name) const
+{
+    QFile::remove(Copy_Path(name));
+    QFile::remove(Note_Path(name));
+}
+
+void TKeptFolder::Clean_Up() const
+{
+    const QString notes = QLatin1Char('*') + QLatin1String(note_suffix);
+    const QFileInfoList files = QDir(d_path).entryInfoList({notes, TSafeFile::Unfinished_Pattern()},
+                                                           QDir::Files | QDir::Hidden);
+    for (const QFileInfo& file : files) {
+        const bool is_note = file.fileName().endsWith(QLatin1String(note_suffix));
+        const bool is_in_use = is_note && QFile::exists(Copy_Path(Name_Of(file.filePath())));
+        if (!is_in_use && Is_Settled(file) && Is_Free(file.filePath()))
+            QFile::remove(file.filePath());
+    }
+}
+
+std::vector<TKeptFile> TKeptFolder::List() const
+{
+    const QFileInfoList copies = QDir(d_path).entryInfoList(
+        {QLatin1Char('*') + QLatin1String(copy_suffix)}, QDir::Files, QDir::Time);
+    std::vector<TKeptFile> files;
+    for (const QFileInfo& copy : copies) {
+        QFile note(Note_Path(Name_Of(copy.filePath())));
+        const QString document =
+            note.open(QIODevice::ReadOnly) ? QString::fromUtf8(note.readAll()) : QString();
+        files.push_back({copy.filePath(), document, copy.lastModified(), copy.size()});
+    }
+    return files;
+}
+
+QString TKeptFolder::Name_Of(const QString& copy_path)
+{
+    return QFileInfo(copy_path).completeBaseName();
+}
+
+bool TKeptFolder::Contains(const QString& path) const
+{
+    const QString folder = QFileInfo(d_path).canonicalFilePath();
+    return !folder.isEmpty() && QFileInfo(QFileInfo(path).path()).canonicalFilePath() == folder;
+}
+
+bool TKeptFolder::Is_Free(const QString& path)
+{
+    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return true;
+    const bool is_free = flock(descriptor, LOCK_SH | LOCK_NB) == 0;
+    close(descriptor);
+    return is_free;
+}

@@ -1,0 +1,113 @@
+#include "src/safety/recovery.h"
+
+#include "core/safefile.h"
+#include "src/format/projectfile.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+bool TCopyPolicy::Is_Due(qint64 now) const
+{
+    return !d_has_copy || now - d_end >= Rest_Factor * d_duration;
+}
+
+void TCopyPolicy::Note_Copy(qint64 begin, qint64 end)
+{
+    d_has_copy = true;
+    d_end = end;
+    // A clock of milliseconds sees nothing of a small document's copy.
+    d_duration = qMax<qint64>(1, end - begin);
+}
+
+TRecovery::TRecovery(const QString& folder)
+    : d_folder(folder)
+{
+}
+
+TRecovery::~TRecovery()
+{
+    Release();
+}
+
+void TRecovery::Release()
+{
+    // A name without a copy is of no use to anybody.
+    if (!d_name.isEmpty() && !d_has_copy)
+        d_folder.Remove(d_name);
+    d_note.Close();
+    d_name.clear();
+    d_document.clear();
+    d_has_copy = false;
+}
+
+QString TRecovery::Path() const
+{
+    return Has_Copy() ? d_folder.Copy_Path(d_name) : QString();
+}
+
+bool TRecovery::Write(const TProjectWriter& project, const QString& document)
+{
+    if (!Is_Possible() || (d_name.isEmpty() && !Claim_Name()))
+        return false;
+    // The document may have got a name since the first copy.
+    if (document != d_document && d_note.Write(document))
+        d_document = document;
+
+    TSafeFile copy(d_folder.Copy_Path(d_name), TSafeFile::TKind::Private);
+    const bool written = copy.Is_Beside() && ProjectFile::Commit(project, &copy);
+    d_has_copy = d_has_copy || written;
+    return written;
+}
+
+/// Takes a name that nobody has and locks its note, before there is a copy of that name. It is the
+/// time alone, so that its path can be shown in a narrow window.
+bool TRecovery::Claim_Name()
+{
+    const QString base = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    // Several runs may begin within a second, and clocks are set back.
+    constexpr int attempts = 100;
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
+        const QString name =
+            attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
+        if (QFile::exists(d_folder.Copy_Path(name)) ||
+            !d_note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Refuse))
+            continue;
+        d_name = name;
+        return true;
+    }
+    return false;
+}
+
+void TRecovery::Discard()
+{
+    if (d_has_copy)
+        d_folder.Remove(d_name);
+    d_has_copy = false;
+    Release();
+}
+
+std::vector<TKeptFile> TRecovery::Abandoned() const
+{
+    std::vector<TKeptFile> abandoned;
+    for (const TKeptFile& file : d_folder.List()) {
+        if (Is_Abandoned(file))
+            abandoned.push_back(file);
+    }
+    return abandoned;
+}
+
+bool TRecovery::Is_Abandoned(const TKeptFile& file) const
+{
+    const QString name = TKeptFolder::Name_Of(file.path);
+    return name != d_name && TKeptFolder::Is_Free(d_folder.Note_Path(name));
+}
+
+void TRecovery::Remove_Abandoned(const QString& path) const
+{
+    if (!d_folder.Contains(path))
+        return;
+    for (const TKeptFile& file : Abandoned()) {
+        if (QFileInfo(file.path).fileName() == QFileInfo(path).fileName())
+            d_folder.Remove(TKeptFolder::Name_Of(file.path));
+    }
+}

@@ -1,0 +1,51 @@
+#include "src/widgets/nudgekeys.h"
+
+#include <QKeyEvent>
+#include <QWidget>
+
+namespace {
+
+constexpr double short_step = 1.0; // page-image pixels
+constexpr double long_step = 10.0; // page-image pixels
+
+/// Where an arrow key points to; null for any other key.
+QPointF Direction(int key)
+{
+    switch (key) {
+    case Qt::Key_Left:
+        return {-1.0, 0.0};
+    case Qt::Key_Right:
+        return {1.0, 0.0};
+    case Qt::Key_Up:
+        return {0.0, -1.0};
+    case Qt::Key_Down:
+        return {0.0, 1.0};
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+TNudgeKeys::TNudgeKeys(QWidget* widget, const TUse& use)
+    : QObject(widget)
+    , d_use(use)
+{
+    widget->installEventFilter(this);
+}
+
+bool TNudgeKeys::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QObject::eventFilter(object, event);
+    const auto* const press = static_cast<QKeyEvent*>(event);
+    const QPointF direction = Direction(press->key());
+    // Arrows of the number pad are arrows as well.
+    const Qt::KeyboardModifiers modifiers = press->modifiers() & ~Qt::KeypadModifier;
+    const bool is_long = modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
+    if (direction.isNull() || (!is_long && modifiers != Qt::ControlModifier))
+        return QObject::eventFilter(object, event);
+    d_use(direction * (is_long ? long_step : short_step));
+    event->accept();
+    return true;
+}

@@ -1,0 +1,74 @@
+#include "src/widgets/panelparts.h"
+
+#include "src/widgets/accessibility.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace PanelParts {
+
+namespace {
+
+const int Margin = 2;            // pixels
+const int column_gap = 4;        // pixels
+const QSize button_size(22, 22); // pixels
+
+/// A caption that breaks into lines where its column is narrow, and says how much room it needs
+/// then: docks ask for the minimum only, not for the height at their width.
+class TCaption : public QLabel
+{
+public:
+    TCaption(const QString& text, QWidget* parent)
+        : QLabel(text, parent)
+    {
+        setWordWrap(true);
+    }
+
+    QSize minimumSizeHint() const override
+    {
+        // The captions of a panel share a column, which is never narrower than the longest word.
+        int column_width = 0;
+        const auto captions =
+            parentWidget()->findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly);
+        for (const QLabel* const caption : captions)
+            column_width = std::max(column_width, caption->QLabel::minimumSizeHint().width());
+        return {column_width, heightForWidth(column_width)};
+    }
+};
+
+} // namespace
+
+QToolButton* New_Button(const QString& sign, const QString& tool_tip, const QString& description,
+                        QWidget* parent)
+{
+    auto* const button = new QToolButton(parent);
+    button->setFixedSize(button_size);
+    button->setText(sign);
+    button->setToolTip(tool_tip);
+    Accessibility::Describe(button, tool_tip, description);
+    return button;
+}
+
+void Add_Row(QGridLayout* grid, int row, const QString& caption, QWidget* editor,
+             const QString& description)
+{
+    auto* const label = new TCaption(caption, editor->parentWidget());
+    label->setBuddy(editor);
+    Accessibility::Describe(editor, Accessibility::Name_Of_Caption(caption), description);
+    grid->addWidget(label, row, 0);
+    grid->addWidget(editor, row, 1);
+    // The editors give way first: captions break into lines only when the editors are at their
+    // narrowest.
+    grid->setColumnStretch(1, 1);
+    grid->setHorizontalSpacing(column_gap);
+}
+
+void Set_Margins(QLayout* layout)
+{
+    layout->setContentsMargins(Margin, Margin, Margin, Margin);
+}
+
+} // namespace PanelParts

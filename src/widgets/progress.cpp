@@ -1,0 +1,74 @@
+#include "src/widgets/progress.h"
+
+#include <QApplication>
+#include <QBackingStore>
+#include <QProgressBar>
+#include <QStatusBar>
+
+#include <chrono>
+
+qint64 TProgress::Machine_Time()
+{
+    const auto time = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
+}
+
+TProgress::TProgress(QStatusBar* status_bar, const QRect& area, const QString& pattern,
+                     const TClock& clock)
+    : d_status_bar(status_bar)
+    , d_area(area)
+    , d_pattern(pattern)
+    , d_clock(clock)
+    , d_start_time(clock())
+    , d_watch([this] { Go_On(); })
+{
+}
+
+TProgress::~TProgress()
+{
+    if (!d_bar)
+        return;
+    delete d_bar;
+    QApplication::restoreOverrideCursor();
+}
+
+void TProgress::Step(int number, int total)
+{
+    d_number = number;
+    d_total = total;
+    Go_On();
+}
+
+void TProgress::Go_On()
+{
+    const qint64 time = d_clock();
+    if (d_number == 0 || !Is_Due(time))
+        return;
+    d_painted_time = time;
+    if (!d_bar)
+        Appear();
+    d_bar->setFormat(d_pattern.arg(d_number).arg(d_total));
+    d_bar->setRange(0, d_total);
+    // What is done, which the step that begins is not.
+    d_bar->setValue(d_number - 1);
+    d_bar->repaint();
+    // Nobody answers meanwhile when another window uncovers this one, as the dialog has done with
+    // which the work was begun. What the window showed is put on the screen again, unpainted.
+    const QWidget* const window = d_status_bar->window();
+    if (QBackingStore* const store = window->backingStore())
+        store->flush(window->rect());
+}
+
+bool TProgress::Is_Due(qint64 time) const
+{
+    return d_painted_time ? time - *d_painted_time >= Pause : time - d_start_time >= Delay;
+}
+
+void TProgress::Appear()
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    d_bar = new QProgressBar(d_status_bar);
+    d_bar->setAccessibleName(QApplication::translate("TProgress", "Progress"));
+    d_bar->setGeometry(d_area);
+    d_bar->show();
+}

@@ -1,0 +1,235 @@
+#include "support/project.h"
+#include "support/support.h"
+#include "support/tool.h"
+
+#include "src/export/pageexporter.h"
+#include "src/paint/labelpainter.h"
+
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using Support::Header;
+using Support::Item_Element;
+using Support::Item_List;
+using Support::Page_Record;
+using Support::TToolResult;
+
+namespace {
+
+const QByteArray color = "#0a141e";
+
+QImage Picture(int width, int height)
+{
+    return Support::Picture(width, height, 3);
+}
+
+QByteArray Page(const QByteArray& name, const QImage& picture,
+                const QByteArray& items = Item_List())
+{
+    return Page_Record(name, Support::Png(picture), items);
+}
+
+QString Time_Stamp()
+{
+    return QDateTime::currentDateTime().toString(QStringLiteral("ddMMyyyyhhmmss"));
+}
+
+} // namespace
+
+/// The commands that draw: export-images, export-pdf, thumbnail.
+class TestCliExports : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+
+    QString Path(const QString& name) const { return d_folder->filePath(name); }
+
+    TToolResult Run(const QStringList& arguments) const
+    {
+        return Support::Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
+    }
+
+    void Write_Project(const QByteArray& pages, int count) const
+    {
+        Support::Write_File(Path("a.quillet"),
+                            Header(32, color, "", "", static_cast<quint32>(count)) + pages);
+    }
+
+    QImage Thumbnail_Of(const QByteArray& page, const QStringList& options = {}) const
+    {
+        Write_Project(page, 1);
+        const TToolResult result =
+            Run(QStringList{"thumbnail", "a.quillet", "--output", "t.png"} + options);
+        return result.status == 0 ? QImage(Path("t.png"), "PNG") : QImage();
+    }
+
+private slots:
+    void init()
+    {
+        d_folder = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir(d_folder->path()).mkdir("out"));
+    }
+
+    void image_files_are_named_as_the_window_names_them()
+    {
+        Write_Project(Page("a/b:c", Picture(20, 10)) + Page("", Picture(30, 10)), 2);
+        const QString before = Time_Stamp();
+        QCOMPARE(Run({"export-images", "a.quillet", "--folder", "out"}).status, 0);
+        const QStringList names = Support::Entries(Path("out"));
+        QCOMPARE(names.size(), 2);
+        const QRegularExpression first("^Image_2-(\\d{14})2\\.png$");
+        const QRegularExpression second("^a_b_c-(\\d{14})1\\.png$");
+        const QString stamp = first.match(names.at(0)).captured(1);
+        QCOMPARE(second.match(names.at(1)).captured(1), stamp);
+        const auto time = [](const QString& text) {
+            return QDateTime::fromString(text, QStringLiteral("ddMMyyyyhhmmss"));
+        };
+        QVERIFY(time(before) <= time(stamp) && time(stamp) <= QDateTime::currentDateTime());
+        QCOMPARE(QImage(Path("out/" + names.at(0))).size(), QSize(30, 10));
+    }
+
+    void an_image_that_is_there_stays_unless_forced()
+    {
+        Write_Project(Page("a", Picture(20, 10)) + Page("b", Picture(30, 10)), 2);
+        // The export falls into one of the next seconds.
+        const QDateTime now = QDateTime::currentDateTime();
+        constexpr int seconds = 60;
+        for (int second = 0; second < seconds; ++second) {
+            const QString stamp = now.addSecs(second).toString(QStringLiteral("ddMMyyyyhhmmss"));
+            Support::Write_File(Path("out/b-" + stamp + "2.png"), "old");
+        }
+        const TToolResult refused = Run({"export-images", "a.quillet", "--folder", "out"});
+        QCOMPARE(refused.status, 1);
+        QVERIFY(QRegularExpression("^quillet-cli: out/b-\\d{14}2\\.png: exists already; ")
+                    .match(refused.errors)
+                    .hasMatch());
+        QCOMPARE(Support::Entries(Path("out")).size(), seconds);
+
+        QCOMPARE(Run({"export-images", "a.quillet", "--folder", "out", "--force"}).status, 0);
+        QCOMPARE(Support::Entries(Path("out")).size(), seconds + 1);
+    }
+
+    void a_page_that_cannot_be_written_leaves_no_images()
+    {
+        // No file system takes a name as long as that.
+        Write_Project(Page("a", Picture(20, 10)) + Page(QByteArray(300, 'x'), Picture(30, 10)), 2);
+        const TToolResult result = Run({"export-images", "a.quillet", "--folder", "out"});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(QRegularExpression("^quillet-cli: out/x+-\\d{14}2\\.png: cannot be written\n$")
+                     .match(result.errors)
+                     .hasMatch(),
+                 qPrintable(result.errors));
+        QCOMPARE(Support::Entries(Path("out")), QStringList());
+    }
+
+    void a_folder_for_images_has_to_be_there_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("missing") << "missing";
+        QTest::newRow("a file") << "a.quillet";
+    }
+    void a_folder_for_images_has_to_be_there()
+    {
+        QFETCH(const QString, folder);
+        Write_Project(Page("a", Picture(20, 10)), 1);
+        const TToolResult result = Run({"export-images", "a.quillet", "--folder", folder});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, "quillet-cli: " + folder + ": is no folder\n");
+    }
+
+    void without_pages_there_is_nothing_to_draw_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("images") << QStringList{"export-images", "a.quillet", "--folder", "out"};
+        QTest::newRow("report") << QStringList{"export-pdf", "a.quillet", "--output", "out/r.pdf"};
+        QTest::newRow("thumbnail")
+            << QStringList{"thumbnail", "a.quillet", "--output", "out/t.png"};
+    }
+    void without_pages_there_is_nothing_to_draw()
+    {
+        QFETCH(const QStringList, arguments);
+        Write_Project(QByteArray(), 0);
+        const TToolResult result = Run(arguments);
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: a.quillet: has no pages\n"));
+        QCOMPARE(Support::Entries(Path("out")), QStringList());
+    }
+
+    void a_report_is_a_whole_file()
+    {
+        Write_Project(Page("a", Picture(20, 10)), 1);
+        QCOMPARE(Run({"export-pdf", "a.quillet", "--output", "out/r.pdf"}).status, 0);
+        QVERIFY(TPageExporter::Is_Complete_Pdf(Path("out/r.pdf")));
+        QCOMPARE(Support::Entries(Path("out")), QStringList{"r.pdf"});
+    }
+
+    void every_text_of_the_settings_panel_is_a_resolution_data()
+    {
+        QTest::addColumn<QString>("text");
+        for (const char* const text : {"96", "180", "276", "372", "96 DPI", "180 dpi", "276 Dpi",
+                                       "372 DPI", "1", "2", "3", "4"})
+            QTest::newRow(text) << text;
+    }
+    void every_text_of_the_settings_panel_is_a_resolution()
+    {
+        QFETCH(const QString, text);
+        Write_Project(Page("a", Picture(20, 10)), 1);
+        QCOMPARE(Run({"export-pdf", "a.quillet", "--output", "r.pdf", "--resolution", text}).status,
+                 0);
+    }
+
+    void a_large_page_is_fitted_into_the_thumbnail_data()
+    {
+        QTest::addColumn<QSize>("page");
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QSize>("thumbnail");
+        QTest::newRow("wide") << QSize(512, 256) << QStringList() << QSize(128, 64);
+        QTest::newRow("high") << QSize(200, 400) << QStringList{"--size", "100"} << QSize(50, 100);
+        QTest::newRow("line") << QSize(1000, 2) << QStringList() << QSize(128, 1);
+        QTest::newRow("one pixel") << QSize(60, 40) << QStringList{"--size", "1"} << QSize(1, 1);
+        QTest::newRow("as large") << QSize(128, 128) << QStringList() << QSize(128, 128);
+    }
+    void a_large_page_is_fitted_into_the_thumbnail()
+    {
+        QFETCH(const QSize, page);
+        QFETCH(const QStringList, options);
+        QFETCH(const QSize, thumbnail);
+        QCOMPARE(Thumbnail_Of(Page("a", Picture(page.width(), page.height())), options).size(),
+                 thumbnail);
+    }
+
+    void a_small_page_is_not_blown_up()
+    {
+        const QImage picture = Picture(60, 40);
+        QCOMPARE(Support::Difference(Thumbnail_Of(Page("a", picture)), picture), QString());
+    }
+
+    void the_thumbnail_shows_the_first_page_with_its_labels()
+    {
+        const QImage picture = Picture(100, 80);
+        const QByteArray items = Item_List(Item_Element("5", "7", "", "1", "50.00,40.00"));
+        Write_Project(Page("a", picture, items) + Page("b", Picture(20, 10)), 2);
+        QCOMPARE(Run({"thumbnail", "a.quillet", "--output", "t.png"}).status, 0);
+        // Size 32 has a font of 13 points.
+        const TLabelStyle style{32 + LabelPainter::Margin, 32 + LabelPainter::Margin, 13,
+                                QColor(QString::fromLatin1(color))};
+        QImage expected = picture;
+        QPixmap label = LabelPainter::Template(style);
+        LabelPainter::Paint(&label, style, "7", Square_Border, false);
+        QPainter(&expected).drawPixmap(QPoint(50, 40) - LabelPainter::Centre(style), label);
+        QCOMPARE(Support::Difference(QImage(Path("t.png")), expected), QString());
+    }
+
+    void thumbnails_are_as_sharp_as_the_toolkit_makes_them()
+    {
+        const QImage picture = Picture(512, 256);
+        const QImage expected =
+            picture.scaled(128, 64, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        QCOMPARE(Support::Difference(Thumbnail_Of(Page("a", picture)), expected), QString());
+    }
+};
+
+QTEST_MAIN(TestCliExports)
+#include "test_cliexports.moc"

@@ -1,0 +1,311 @@
+// Files that take the place of others only when they are complete.
+
+#include "core/safefile.h"
+#include "support/support.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using Support::Entries;
+using Support::Mode;
+using Support::Read_File;
+using Support::Write_File;
+
+namespace {
+
+bool Accept(const QString&)
+{
+    return true;
+}
+
+bool Refuse(const QString&)
+{
+    return false;
+}
+
+/// Sets the mask for new files for as long as it lives.
+class TMask
+{
+public:
+    explicit TMask(mode_t mask)
+        : d_before(umask(mask))
+    {
+    }
+    ~TMask() { umask(d_before); }
+    Q_DISABLE_COPY(TMask)
+
+private:
+    mode_t d_before;
+};
+
+} // namespace
+
+class TestSafeFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void the_old_file_stays_until_the_new_one_is_complete();
+    void what_is_not_committed_leaves_nothing_behind();
+    void an_incomplete_file_does_not_replace_the_old_one();
+    void a_replaced_file_keeps_its_permissions();
+    void a_new_file_gets_the_permissions_that_the_mask_leaves();
+    void a_private_file_is_for_its_owner_whatever_the_mask_data();
+    void a_private_file_is_for_its_owner_whatever_the_mask();
+    void a_link_is_followed();
+    void a_link_to_a_missing_file_makes_that_file();
+    void a_file_with_two_names_keeps_both();
+    void without_room_for_a_new_file_the_target_is_written_directly();
+    void a_private_file_is_never_written_directly();
+    void a_write_protected_target_is_refused();
+    void a_missing_folder_is_not_made();
+    void a_file_that_comes_short_leaves_the_old_one();
+    void a_copy_has_the_content_of_its_source_data();
+    void a_copy_has_the_content_of_its_source();
+    void a_copy_of_a_missing_file_fails();
+    void completeness_is_length_and_end_data();
+    void completeness_is_length_and_end();
+    void only_what_exists_can_be_forced_to_the_disk();
+
+private:
+    QString In(const QString& name) const { return d_folder->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+};
+
+void TestSafeFile::init()
+{
+    d_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(d_folder->isValid());
+}
+
+void TestSafeFile::cleanup()
+{
+    d_folder.reset();
+}
+
+void TestSafeFile::the_old_file_stays_until_the_new_one_is_complete()
+{
+    Write_File(In("file"), "old");
+    TSafeFile file(In("file"));
+    QVERIFY(file.Is_Beside());
+    QCOMPARE(QFileInfo(file.Path_To_Write()).path(), d_folder->path());
+    QCOMPARE(QFileInfo(file.Path_To_Write()).size(), 0);
+    Write_File(file.Path_To_Write(), "new");
+    QCOMPARE(Read_File(In("file")), QByteArray("old"));
+    QVERIFY(file.Commit(Accept));
+    QCOMPARE(Read_File(In("file")), QByteArray("new"));
+    QCOMPARE(Entries(d_folder->path()), QStringList{"file"});
+}
+
+void TestSafeFile::what_is_not_committed_leaves_nothing_behind()
+{
+    Write_File(In("file"), "old");
+    {
+        TSafeFile file(In("file"));
+        Write_File(file.Path_To_Write(), "new");
+        QCOMPARE(Entries(d_folder->path()).size(), 2);
+    }
+    QCOMPARE(Entries(d_folder->path()), QStringList{"file"});
+    QCOMPARE(Read_File(In("file")), QByteArray("old"));
+}
+
+void TestSafeFile::an_incomplete_file_does_not_replace_the_old_one()
+{
+    Write_File(In("file"), "old");
+    TSafeFile file(In("file"));
+    Write_File(file.Path_To_Write(), "ne");
+    QVERIFY(!file.Commit(Refuse));
+    QCOMPARE(Read_File(In("file")), QByteArray("old"));
+}
+
+void TestSafeFile::a_replaced_file_keeps_its_permissions()
+{
+    Write_File(In("file"), "old");
+    QVERIFY(chmod(QFile::encodeName(In("file")).constData(), 0640) == 0);
+    QVERIFY(TSafeFile::Replace(In("file"), "new"));
+    QCOMPARE(Mode(In("file")), QString("640"));
+}
+
+void TestSafeFile::a_new_file_gets_the_permissions_that_the_mask_leaves()
+{
+    const TMask mask(027);
+    QVERIFY(TSafeFile::Replace(In("file"), "new"));
+    QCOMPARE(Mode(In("file")), QString("640"));
+    // Asking for the mask has not changed it.
+    const TMask again(027);
+    QVERIFY(TSafeFile::Replace(In("other"), "new"));
+    QCOMPARE(Mode(In("other")), QString("640"));
+}
+
+void TestSafeFile::a_private_file_is_for_its_owner_whatever_the_mask_data()
+{
+    QTest::addColumn<int>("mask");
+    QTest::newRow("none") << 0;
+    QTest::newRow("usual") << 022;
+    QTest::newRow("all") << 0777;
+}
+
+void TestSafeFile::a_private_file_is_for_its_owner_whatever_the_mask()
+{
+    QFETCH(int, mask);
+    Write_File(In("file"), "old");
+    QVERIFY(chmod(QFile::encodeName(In("file")).constData(), 0666) == 0);
+    const TMask set(static_cast<mode_t>(mask));
+    TSafeFile file(In("file"), TSafeFile::TKind::Private);
+    QCOMPARE(Mode(file.Path_To_Write()), QString("600"));
+    Write_File(file.Path_To_Write(), "new");
+    QVERIFY(file.Commit(Accept));
+    QCOMPARE(Mode(In("file")), QString("600"));
+}
+
+void TestSafeFile::a_link_is_followed()
+{
+    Write_File(In("file"), "old");
+    QVERIFY(QFile::link(In("file"), In("link")));
+    QVERIFY(TSafeFile::Replace(In("link"), "new"));
+    QVERIFY(QFileInfo(In("link")).isSymLink());
+    QCOMPARE(Read_File(In("file")), QByteArray("new"));
+}
+
+void TestSafeFile::a_link_to_a_missing_file_makes_that_file()
+{
+    QVERIFY(QFile::link(QStringLiteral("file"), In("link")));
+    QVERIFY(TSafeFile::Replace(In("link"), "new"));
+    QVERIFY(QFileInfo(In("link")).isSymLink());
+    QCOMPARE(Read_File(In("file")), QByteArray("new"));
+    QCOMPARE(Entries(d_folder->path()), QStringList({"file", "link"}));
+}
+
+void TestSafeFile::a_file_with_two_names_keeps_both()
+{
+    Write_File(In("one"), "old and long");
+    QVERIFY(link(QFile::encodeName(In("one")).constData(),
+                 QFile::encodeName(In("two")).constData()) == 0);
+    QVERIFY(TSafeFile::Replace(In("one"), "new"));
+    QCOMPARE(Read_File(In("two")), QByteArray("new"));
+    QCOMPARE(Entries(d_folder->path()), QStringList({"one", "two"}));
+}
+
+void TestSafeFile::without_room_for_a_new_file_the_target_is_written_directly()
+{
+    Write_File(In("file"), "old");
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        chmod(QFile::encodeName(d_folder->path()).constData(), 0500);
+        Support::Obey_File_Permissions();
+        const bool is_direct = !TSafeFile(In("file")).Is_Beside();
+        return is_direct && TSafeFile::Replace(In("file"), "new") ? 0 : 1;
+    });
+    chmod(QFile::encodeName(d_folder->path()).constData(), 0700);
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(In("file")), QByteArray("new"));
+}
+
+void TestSafeFile::a_private_file_is_never_written_directly()
+{
+    const QString folder_in_place = In("folder");
+    QVERIFY(QDir().mkdir(folder_in_place));
+    TSafeFile file(folder_in_place, TSafeFile::TKind::Private);
+    QVERIFY(!file.Is_Beside());
+    QVERIFY(!file.Commit(Accept));
+}
+
+void TestSafeFile::a_write_protected_target_is_refused()
+{
+    Write_File(In("file"), "old");
+    chmod(QFile::encodeName(In("file")).constData(), 0400);
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Obey_File_Permissions();
+        return TSafeFile::Replace(In("file"), "new") ? 1 : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(In("file")), QByteArray("old"));
+}
+
+void TestSafeFile::a_missing_folder_is_not_made()
+{
+    QVERIFY(!TSafeFile::Replace(In("missing/file"), "new"));
+    QVERIFY(Entries(d_folder->path()).isEmpty());
+}
+
+void TestSafeFile::a_file_that_comes_short_leaves_the_old_one()
+{
+    Write_File(In("file"), "old");
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(1000);
+        return TSafeFile::Replace(In("file"), QByteArray(1001, 'n')) ? 1 : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(In("file")), QByteArray("old"));
+    QCOMPARE(Entries(d_folder->path()), QStringList{"file"});
+}
+
+void TestSafeFile::a_copy_has_the_content_of_its_source_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("empty") << 0;
+    QTest::newRow("small") << 10;
+    QTest::newRow("several blocks") << 3 * 1024 * 1024 + 7;
+}
+
+void TestSafeFile::a_copy_has_the_content_of_its_source()
+{
+    QFETCH(int, size);
+    QByteArray content(size, 'c');
+    for (int i = 0; i < size; i += 1000)
+        content[i] = static_cast<char>(i / 1000);
+    Write_File(In("source"), content);
+    TSafeFile copy(In("copy"));
+    QVERIFY(copy.Copy_From(In("source")));
+    QVERIFY(copy.Commit(Accept));
+    QVERIFY(Read_File(In("copy")) == content);
+}
+
+void TestSafeFile::a_copy_of_a_missing_file_fails()
+{
+    TSafeFile copy(In("copy"));
+    QVERIFY(!copy.Copy_From(In("missing")));
+}
+
+void TestSafeFile::completeness_is_length_and_end_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<QByteArray>("end");
+    QTest::addColumn<bool>("complete");
+    QTest::newRow("all right") << 6 << QByteArray("END") << true;
+    QTest::newRow("any length") << -1 << QByteArray("END") << true;
+    QTest::newRow("any end") << 6 << QByteArray() << true;
+    QTest::newRow("too short") << 7 << QByteArray("END") << false;
+    QTest::newRow("too long") << 5 << QByteArray("END") << false;
+    QTest::newRow("other end") << 6 << QByteArray("EN") << false;
+    QTest::newRow("end longer than the file") << -1 << QByteArray("0abcEND") << false;
+}
+
+void TestSafeFile::completeness_is_length_and_end()
+{
+    QFETCH(int, size);
+    QFETCH(QByteArray, end);
+    Write_File(In("file"), "abcEND");
+    QTEST(TSafeFile::Is_Complete(In("file"), size, end), "complete");
+}
+
+void TestSafeFile::only_what_exists_can_be_forced_to_the_disk()
+{
+    Write_File(In("file"), "content");
+    QVERIFY(TSafeFile::Sync(In("file")));
+    QVERIFY(TSafeFile::Sync(d_folder->path()));
+    QVERIFY(!TSafeFile::Sync(In("missing")));
+}
+
+QTEST_MAIN(TestSafeFile)
+#include "test_safefile.moc"

@@ -1,0 +1,132 @@
+// Long work tells whoever watches that it has got on, block by block.
+
+#include "core/workwatch.h"
+
+#include "src/model/pageimage.h"
+
+#include "support/support.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QtTest>
+
+namespace {
+
+/// An image that no format makes small: each pixel is a number of its own.
+QImage Noise()
+{
+    QImage image(700, 500, QImage::Format_RGB32);
+    QRandomGenerator numbers(7);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, numbers.generate());
+    }
+    return image;
+}
+
+} // namespace
+
+class TestWorkWatch : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void nobody_has_to_watch();
+    void the_inner_watch_is_told_and_then_the_outer_one_again();
+    void each_block_is_told_and_passed_on();
+    void a_file_that_is_read_tells();
+    void images_tell_data();
+    void images_tell();
+};
+
+void TestWorkWatch::nobody_has_to_watch()
+{
+    TWorkWatch::Tell();
+    int told = 0;
+    {
+        const TWorkWatch watch([&told] { ++told; });
+        TWorkWatch::Tell();
+    }
+    TWorkWatch::Tell();
+    QCOMPARE(told, 1);
+}
+
+void TestWorkWatch::the_inner_watch_is_told_and_then_the_outer_one_again()
+{
+    QStringList told;
+    const TWorkWatch outer([&told] { told += "outer"; });
+    {
+        const TWorkWatch inner([&told] { told += "inner"; });
+        TWorkWatch::Tell();
+    }
+    TWorkWatch::Tell();
+    QCOMPARE(told, QStringList({"inner", "outer"}));
+}
+
+void TestWorkWatch::each_block_is_told_and_passed_on()
+{
+    int told = 0;
+    const TWorkWatch watch([&told] { ++told; });
+    QByteArray bytes;
+    TWatchedDevice<QBuffer> buffer(&bytes);
+    QVERIFY(buffer.open(QIODevice::ReadWrite));
+    QCOMPARE(buffer.write("abc"), qint64(3));
+    QCOMPARE(buffer.write("defg"), qint64(4));
+    QCOMPARE(bytes, QByteArray("abcdefg"));
+    QCOMPARE(told, 2);
+    QVERIFY(buffer.seek(2));
+    QCOMPARE(buffer.read(3), QByteArray("cde"));
+    QCOMPARE(told, 3);
+}
+
+void TestWorkWatch::a_file_that_is_read_tells()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.bin");
+    const QByteArray bytes(1'000'000, 'x');
+    Support::Write_File(path, bytes);
+    int told = 0;
+    const TWorkWatch watch([&told] { ++told; });
+    TWatchedDevice<QFile> file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    for (int place = 0; place < bytes.size(); place += 1000)
+        QCOMPARE(file.read(1000), QByteArray(1000, 'x'));
+    QVERIFY(told > 10);
+}
+
+void TestWorkWatch::images_tell_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::newRow("PNG") << QByteArray("PNG");
+    QTest::newRow("JPEG") << QByteArray("JPG");
+    QTest::newRow("BMP") << QByteArray("BMP");
+}
+
+void TestWorkWatch::images_tell()
+{
+    QFETCH(QByteArray, format);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a." + format.toLower());
+    QVERIFY(Noise().save(path, format));
+    int told = 0;
+    const TWorkWatch watch([&told] { ++told; });
+
+    // A single image is many blocks: whoever watches learns of it long before it is there.
+    const TPageImage image = TPageImage::From_File(path);
+    QCOMPARE(image, QImage(path));
+    QVERIFY2(told > 5, qPrintable(QString::number(told)));
+
+    if (format != "PNG") {
+        told = 0;
+        QVERIFY(!image.Png().isEmpty());
+        QVERIFY2(told > 5, qPrintable(QString::number(told)));
+    }
+    const TPageImage again = TPageImage::From_Bytes(image.Png());
+    told = 0;
+    QCOMPARE(again, QImage(path));
+    QVERIFY2(told > 5, qPrintable(QString::number(told)));
+}
+
+QTEST_MAIN(TestWorkWatch)
+#include "test_workwatch.moc"

@@ -1,0 +1,182 @@
+#include "support/project.h"
+#include "support/support.h"
+#include "support/view.h"
+
+#include "src/displaywidget.h"
+#include "src/export/pageexporter.h"
+#include "src/format/document.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+const QSize page_size(60, 40);
+
+QImage Page_Picture(int seed)
+{
+    return Support::Picture(page_size.width(), page_size.height(), seed);
+}
+
+} // namespace
+
+/// Pages drawn in turn, and what is made of them; without a window.
+class TestPageExporter : public QObject
+{
+    Q_OBJECT
+
+    TDocument d_document;
+    std::unique_ptr<TDisplayWidget> d_view;
+    std::unique_ptr<QTemporaryDir> d_folder;
+
+    TPageExporter Exporter() { return TPageExporter(&d_document.data, d_view.get()); }
+    QString Path(const QString& name) const { return d_folder->filePath(name); }
+
+private slots:
+    void init()
+    {
+        d_document = TDocument();
+        d_view = std::make_unique<TDisplayWidget>(nullptr);
+        d_folder = std::make_unique<QTemporaryDir>();
+        d_document.Add_Page("a", Page_Picture(0));
+        d_document.Add_Page("b", Page_Picture(1));
+    }
+
+    void pages_are_drawn_in_the_given_order()
+    {
+        QList<int> drawn;
+        QVERIFY(Exporter().Draw_Pages({2, 1}, [&](int page_id, const QPixmap& picture) {
+            drawn += page_id;
+            return Support::Difference(picture.toImage(), Page_Picture(page_id - 1)).isEmpty();
+        }));
+        QCOMPARE(drawn, QList<int>({2, 1}));
+    }
+
+    void a_page_that_is_not_used_is_the_last()
+    {
+        int count = 0;
+        QVERIFY(!Exporter().Draw_Pages({1, 2}, [&](int, const QPixmap&) {
+            ++count;
+            return false;
+        }));
+        QCOMPARE(count, 1);
+    }
+
+    void without_a_page_nothing_is_done()
+    {
+        QVERIFY(!Exporter().Draw_Pages({}, [](int, const QPixmap&) { return true; }));
+        QVERIFY(!Exporter().Export_Images({}, [](int, int) { return QString(); }));
+        QCOMPARE(Exporter().Export_Pdf(Path("r.pdf"), {}, {0, 1, "", ""}),
+                 TPageExporter::TOutcome::Not_Begun);
+        QCOMPARE(Support::Entries(d_folder->path()), QStringList());
+    }
+
+    void afterwards_the_active_page_is_shown()
+    {
+        d_document.data.Set_Active_Page(1);
+        d_document.data.Add_Item(Support::Label(5, 7, "", 1, QPointF(20, 20)));
+        Exporter().Draw_Pages({2}, [this](int, const QPixmap&) {
+            return Support::Labels(*d_view).isEmpty() && !d_view->updatesEnabled();
+        });
+        QCOMPARE(d_document.data.Active_Page(), 1);
+        QCOMPARE(Support::Labels(*d_view).size(), 1);
+        QCOMPARE(Support::Difference(d_view->Background_Pixmap().toImage(), Page_Picture(0)),
+                 QString());
+        QVERIFY(d_view->updatesEnabled());
+    }
+
+    void progress_is_told_before_a_page_is_drawn_and_before_it_is_used()
+    {
+        QStringList steps;
+        const TPageExporter exporter(&d_document.data, d_view.get(), [&](int number, int total) {
+            steps += QString("%1 of %2").arg(number).arg(total);
+        });
+        exporter.Draw_Pages({1, 2}, [&](int page_id, const QPixmap&) {
+            steps += QString("page %1").arg(page_id);
+            return true;
+        });
+        QCOMPARE(steps, QStringList({"1 of 2", "1 of 2", "page 1", "2 of 2", "2 of 2", "page 2"}));
+    }
+
+    void a_label_is_told_before_the_view_gets_it()
+    {
+        d_document.data.Set_Active_Page(1);
+        d_document.data.Add_Item(Support::Label(5, 7, "", 1, QPointF(20, 20)));
+        d_document.data.Add_Item(Support::Label(6, 8, "", 1, QPointF(30, 20)));
+        QList<int> told;
+        TPageExporter::Fill_View(d_document.data, d_view.get(), [&](const TDataItem& item) {
+            QVERIFY(!d_view->Item_Exists(item.id));
+            told += item.id;
+        });
+        QCOMPARE(told, QList<int>({5, 6}));
+        QCOMPARE(d_view->Item_Position(6), QPointF(30, 20));
+    }
+
+    void images_are_written_where_they_are_wanted()
+    {
+        QStringList asked;
+        QVERIFY(Exporter().Export_Images({2, 1}, [&](int page_id, int counter) {
+            asked += QString("%1 %2").arg(page_id).arg(counter);
+            return Path(QString::number(page_id));
+        }));
+        QCOMPARE(asked, QStringList({"2 1", "1 2"}));
+        QCOMPARE(Support::Difference(QImage(Path("1"), "png"), Page_Picture(0)), QString());
+        QCOMPARE(Support::Difference(QImage(Path("2"), "png"), Page_Picture(1)), QString());
+    }
+
+    void a_report_that_cannot_be_begun_is_told_from_one_that_is_complete()
+    {
+        using TOutcome = TPageExporter::TOutcome;
+        const TReportOptions settings{0, 1, "", ""};
+        QCOMPARE(Exporter().Export_Pdf(QString(), {1}, settings), TOutcome::Not_Begun);
+        QCOMPARE(Exporter().Export_Pdf(Path("r.pdf"), {1}, {0, 5, "", ""}), TOutcome::Not_Begun);
+        QCOMPARE(Exporter().Export_Pdf(Path("missing/r.pdf"), {1}, settings), TOutcome::Not_Begun);
+        QCOMPARE(Support::Entries(d_folder->path()), QStringList());
+        QCOMPARE(Exporter().Export_Pdf(Path("r.pdf"), {1}, settings), TOutcome::Complete);
+        QVERIFY(TPageExporter::Is_Complete_Pdf(Path("r.pdf")));
+    }
+
+    void an_incomplete_report_leaves_the_old_file()
+    {
+        Support::Write_File(Path("r.pdf"), "old");
+        const Support::TChildResult result = Support::Run_In_Child([this] {
+            constexpr qint64 too_small = 1000; // bytes
+            Support::Limit_File_Size(too_small);
+            return Exporter().Export_Pdf(Path("r.pdf"), {1}, {0, 1, "", ""}) ==
+                           TPageExporter::TOutcome::Incomplete
+                       ? 0
+                       : 1;
+        });
+        QVERIFY2(result.exited, result.error_output.constData());
+        QCOMPARE(result.exit_code, 0);
+        QCOMPARE(Support::Read_File(Path("r.pdf")), QByteArray("old"));
+    }
+
+    void a_pdf_is_complete_when_its_table_is_where_its_end_says_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("complete");
+        const QByteArray body = "%PDF-1.4\nbody\n";
+        const QByteArray table = "xref\n0 1\ntrailer\n";
+        const QByteArray end = "startxref\n14\n%%EOF\n";
+        QTest::newRow("whole") << body + table + end << true;
+        QTest::newRow("empty") << QByteArray() << false;
+        QTest::newRow("no end mark") << body + table + "startxref\n14\n" << false;
+        QTest::newRow("end mark cut") << body + table + "startxref\n14\n%%EO" << false;
+        QTest::newRow("a gap in the body") << body.mid(3) + table + end << false;
+        QTest::newRow("end mark alone") << QByteArray("%%EOF\n") << false;
+        QTest::newRow("offset past the end") << body + table + "startxref\n99999\n%%EOF\n" << false;
+        QTest::newRow("no number") << body + table + "startxref\nxx\n%%EOF\n" << false;
+        QTest::newRow("negative offset") << body + table + "startxref\n-14\n%%EOF\n" << false;
+    }
+
+    void a_pdf_is_complete_when_its_table_is_where_its_end_says()
+    {
+        QFETCH(QByteArray, content);
+        Support::Write_File(Path("file.pdf"), content);
+        QTEST(TPageExporter::Is_Complete_Pdf(Path("file.pdf")), "complete");
+    }
+};
+
+QTEST_MAIN(TestPageExporter)
+#include "test_pageexporter.moc"

@@ -1,0 +1,404 @@
+// The label document of a page, written and read.
+
+#include "core/xmlfile.h"
+#include "src/format/itemlist.h"
+#include "support/support.h"
+
+#include <QTest>
+
+namespace {
+
+const QByteArray declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
+
+QByteArray Document(const QByteArray& items, const QByteArray& version = "1")
+{
+    return declaration + "<Quillet_Data File_Version=\"" + version + "\">" + items +
+           "</Quillet_Data>";
+}
+
+QByteArray Element(const QByteArray& name, const QByteArray& content)
+{
+    return '<' + name + '>' + content + "</" + name + '>';
+}
+
+/// An item whose children are well formed, with one of them, or none, replaced.
+QByteArray Item_With(const QByteArray& name = QByteArray(),
+                     const QByteArray& replacement = QByteArray())
+{
+    const QVector<QPair<QByteArray, QByteArray>> children{
+        {"Id", "5"},          {"Value", "10"},           {"Text", "five"},
+        {"Border_Type", "4"}, {"Position", "1.50,2.25"},
+    };
+    QByteArray result;
+    for (const auto& child : children)
+        result += child.first == name ? replacement : Element(child.first, child.second);
+    return Element("Item", result);
+}
+
+/// A document with one page, active, without labels.
+TData Empty_Page()
+{
+    TData data;
+    data.Set_Active_Page(data.Add_Page());
+    return data;
+}
+
+/// The message of the exception with which reading ends, and its type; empty without one.
+QString Failure(const QByteArray& document, TData* data)
+{
+    try {
+        ItemList::Read(document, data);
+    } catch (const TXmlFileException& exception) {
+        return exception.Message() + (exception.Type() == TXmlFileException::Data_Error
+                                          ? QString()
+                                          : QStringLiteral(" (file)"));
+    }
+    return QString();
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(TDataItem)
+
+class TestItemList : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void labels_are_written_without_blanks_in_their_order()
+    {
+        TData data = Empty_Page();
+        data.Add_Item(
+            {77, 12, QStringLiteral("A <b> & \u00e9\u4e2d"), 8, QPointF(120.5, 33), true});
+        data.Add_Item({-5, -1, QString(), 0, QPointF(-0.127, 1e7), false});
+        QCOMPARE(ItemList::Write(data),
+                 Document(Element("Item", Element("Id", "77") + Element("Value", "12") +
+                                              "<Text>A &lt;b> &amp; \xc3\xa9\xe4\xb8\xad</Text>" +
+                                              Element("Border_Type", "8") +
+                                              Element("Position", "120.50,33.00")) +
+                          Element("Item", Element("Id", "-5") + Element("Value", "-1") +
+                                              Element("Text", "") + Element("Border_Type", "0") +
+                                              Element("Position", "-0.13,10000000.00"))));
+    }
+
+    void an_empty_page_is_an_empty_root()
+    {
+        QCOMPARE(ItemList::Write(Empty_Page()), declaration + "<Quillet_Data File_Version=\"1\"/>");
+    }
+
+    void the_active_page_only_is_written()
+    {
+        TData data = Empty_Page();
+        data.Add_Item({1, 1, QString(), 0, QPointF(), false});
+        data.Set_Active_Page(data.Add_Page());
+        QVERIFY(!ItemList::Write(data).contains("Item"));
+    }
+
+    void line_breaks_in_a_text_are_lost()
+    {
+        TData data = Empty_Page();
+        data.Add_Item({1, 1, QStringLiteral("one\ntwo\r\nthree"), 0, QPointF(), false});
+        const QByteArray document = ItemList::Write(data);
+        QVERIFY(!document.contains('\n'));
+        QVERIFY(!document.contains('\r'));
+        QVERIFY(document.contains("<Text>onetwo"));
+    }
+
+    void a_control_character_in_a_text_cannot_be_written()
+    {
+        TData data = Empty_Page();
+        const QString text = QStringLiteral("a\u0001b");
+        data.Add_Item({1, 1, text, 0, QPointF(), false});
+        QString message;
+        try {
+            ItemList::Write(data);
+        } catch (const TXmlFileException& exception) {
+            message = exception.Message();
+        }
+        QCOMPARE(message,
+                 QStringLiteral("ERR:  Cannot write node 'Text' with data '%1'").arg(text));
+    }
+
+    void writing_without_an_active_page_is_stopped()
+    {
+        const QString difference =
+            Support::Assertion_Failure([] { ItemList::Write(TData()); }, QStringLiteral("src/data"),
+                                       QStringLiteral("!(d_active_page_index < 0)"));
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
+    void a_label_is_read_unselected()
+    {
+        TData data = Empty_Page();
+        ItemList::Read(Document(Item_With()), &data);
+        QCOMPARE(data.Item_Count(), 1);
+        const TDataItem item = data.Item(0);
+        QCOMPARE(item.id, 5);
+        QCOMPARE(item.value, 10);
+        QCOMPARE(item.text, QStringLiteral("five"));
+        QCOMPARE(item.border_type, 4);
+        QCOMPARE(item.position, QPointF(1.5, 2.25));
+        QVERIFY(!item.selected);
+    }
+
+    void missing_pieces_are_named_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QByteArray>("replacement");
+        QTest::addColumn<QString>("message");
+        const QString missing_node =
+            QStringLiteral("ERR: Node '%1' is missing from node 'Item' and not optional.");
+        const QString missing_text = QStringLiteral("ERR: Node Text for '%1' is not optional.");
+        for (const char* const name : {"Id", "Value", "Border_Type"}) {
+            const QByteArray tag = name;
+            const QString tag_name = QString::fromLatin1(tag);
+            QTest::addRow("no %s", name) << tag << QByteArray() << missing_node.arg(tag_name);
+            QTest::addRow("empty %s", name)
+                << tag << Element(tag, "") << missing_text.arg(tag_name);
+            QTest::addRow("element in %s", name)
+                << tag << Element(tag, "<x/>") << missing_text.arg(tag_name);
+            QTest::addRow("blank %s", name)
+                << tag << Element(tag, "  ") << missing_text.arg(tag_name);
+        }
+        const QByteArray position = "Position";
+        const QString invalid = QStringLiteral("XML Item position invalid");
+        QTest::newRow("no Position")
+            << position << QByteArray() << missing_node.arg(QStringLiteral("Position"));
+        QTest::newRow("empty Position") << position << Element(position, "") << invalid;
+        QTest::newRow("blank Position") << position << Element(position, " ") << invalid;
+        QTest::newRow("element in Position") << position << Element(position, "<x/>") << invalid;
+        QTest::newRow("no comma") << position << Element(position, "12") << invalid;
+        QTest::newRow("three parts") << position << Element(position, "1,2,3") << invalid;
+        QTest::newRow("empty third part") << position << Element(position, "1,2,") << invalid;
+    }
+
+    void missing_pieces_are_named()
+    {
+        QFETCH(const QByteArray, name);
+        QFETCH(const QByteArray, replacement);
+        QFETCH(const QString, message);
+        TData data = Empty_Page();
+        QCOMPARE(Failure(Document(Item_With(name, replacement)), &data), message);
+        QCOMPARE(data.Item_Count(), 0);
+    }
+
+    void a_text_may_be_missing_data()
+    {
+        QTest::addColumn<QByteArray>("replacement");
+        QTest::newRow("no element") << QByteArray();
+        QTest::newRow("empty element") << QByteArray("<Text/>");
+        QTest::newRow("element instead of text") << QByteArray("<Text><b>x</b></Text>");
+        QTest::newRow("blank") << QByteArray("<Text>  </Text>");
+    }
+
+    void a_text_may_be_missing()
+    {
+        QFETCH(const QByteArray, replacement);
+        TData data = Empty_Page();
+        QCOMPARE(Failure(Document(Item_With("Text", replacement)), &data), QString());
+        QCOMPARE(data.Item_Count(), 1);
+        QVERIFY(data.Item(0).text.isEmpty());
+    }
+
+    void numbers_that_are_none_are_0_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<TDataItem>("expected");
+        const auto label = [](int id, int value, int border, double x, double y) {
+            return TDataItem{id, value, QStringLiteral("five"), border, QPointF(x, y), false};
+        };
+        QTest::newRow("id") << QByteArray("Id") << QByteArray("x") << label(0, 10, 4, 1.5, 2.25);
+        QTest::newRow("id with a fraction")
+            << QByteArray("Id") << QByteArray("5.0") << label(0, 10, 4, 1.5, 2.25);
+        QTest::newRow("value too large")
+            << QByteArray("Value") << QByteArray("2147483648") << label(5, 0, 4, 1.5, 2.25);
+        QTest::newRow("border") << QByteArray("Border_Type") << QByteArray("square")
+                                << label(5, 10, 0, 1.5, 2.25);
+        QTest::newRow("any border code")
+            << QByteArray("Border_Type") << QByteArray("-3") << label(5, 10, -3, 1.5, 2.25);
+        QTest::newRow("empty first part")
+            << QByteArray("Position") << QByteArray(",5") << label(5, 10, 4, 0, 5);
+        QTest::newRow("comma alone")
+            << QByteArray("Position") << QByteArray(",") << label(5, 10, 4, 0, 0);
+        QTest::newRow("x is no number")
+            << QByteArray("Position") << QByteArray("a,-7.5") << label(5, 10, 4, 0, -7.5);
+        QTest::newRow("blanks") << QByteArray("Position") << QByteArray(" 3 , 4 ")
+                                << label(5, 10, 4, 3, 4);
+    }
+
+    void numbers_that_are_none_are_0()
+    {
+        QFETCH(const QByteArray, name);
+        QFETCH(const QByteArray, content);
+        QFETCH(const TDataItem, expected);
+        TData data = Empty_Page();
+        ItemList::Read(Document(Item_With(name, Element(name, content))), &data);
+        const TDataItem item = data.Item(0);
+        QCOMPARE(item.id, expected.id);
+        QCOMPARE(item.value, expected.value);
+        QCOMPARE(item.text, expected.text);
+        QCOMPARE(item.border_type, expected.border_type);
+        QCOMPARE(item.position, expected.position);
+    }
+
+    void documents_of_another_kind_are_refused_data()
+    {
+        QTest::addColumn<QByteArray>("document");
+        QTest::addColumn<QString>("message");
+        const QString version = QStringLiteral("XML Version not recognized");
+        QTest::newRow("version 2") << Document(Item_With(), "2") << version;
+        QTest::newRow("version 0") << Document(Item_With(), "0") << version;
+        QTest::newRow("version that is no number") << Document(Item_With(), "one") << version;
+        QTest::newRow("no version")
+            << QByteArray("<Quillet_Data/>")
+            << QStringLiteral("ERR: The 'File_Version' attribute is missing.");
+        QTest::newRow("another root")
+            << QByteArray("<quillet_data File_Version=\"1\"/>")
+            << QStringLiteral("ERR:  Identification 'Quillet_Data' does not match 'quillet_data'");
+    }
+
+    void documents_of_another_kind_are_refused()
+    {
+        QFETCH(const QByteArray, document);
+        QFETCH(const QString, message);
+        TData data = Empty_Page();
+        QCOMPARE(Failure(document, &data), message);
+        QCOMPARE(data.Item_Count(), 0);
+    }
+
+    void what_is_no_xml_is_refused_data()
+    {
+        QTest::addColumn<QByteArray>("document");
+        QTest::newRow("nothing") << QByteArray();
+        QTest::newRow("text") << QByteArray("abc");
+        QTest::newRow("cut short") << Document(Item_With()).chopped(10);
+    }
+
+    void what_is_no_xml_is_refused()
+    {
+        QFETCH(const QByteArray, document);
+        TData data = Empty_Page();
+        const QString message = Failure(document, &data);
+        QVERIFY2(message.startsWith(QStringLiteral("ERR: Reference data XML parse error at line ")),
+                 qPrintable(message));
+        QCOMPARE(data.Item_Count(), 0);
+    }
+
+    void labels_before_a_fault_stay()
+    {
+        TData data = Empty_Page();
+        const QByteArray bad = Item_With("Position", Element("Position", "1"));
+        const QByteArray third = Item_With("Id", Element("Id", "6"));
+        QCOMPARE(Failure(Document(Item_With() + bad + third), &data),
+                 QStringLiteral("XML Item position invalid"));
+        QCOMPARE(data.Item_Count(), 1);
+        QCOMPARE(data.Item(0).id, 5);
+    }
+
+    void only_items_below_the_root_are_read()
+    {
+        TData data = Empty_Page();
+        ItemList::Read(Document("<Other>" + Item_With() + "</Other>text<!-- note -->" +
+                                Item_With("Id", Element("Id", "1")) + "<item/>" +
+                                Item_With("Id", Element("Id", "2")) + "<Other/>"),
+                       &data);
+        QCOMPARE(data.Item_Count(), 2);
+        QCOMPARE(data.Item(0).id, 1);
+        QCOMPARE(data.Item(1).id, 2);
+    }
+
+    void labels_join_those_of_the_page_and_ids_are_taken_once()
+    {
+        TData data = Empty_Page();
+        data.Add_Item({5, 1, QStringLiteral("first"), 0, QPointF(), true});
+        ItemList::Read(Document(Item_With() + Item_With("Id", Element("Id", "6")) +
+                                Item_With("Id", Element("Id", "6"))),
+                       &data);
+        QCOMPARE(data.Item_Count(), 2);
+        QCOMPARE(data.Item(0).text, QStringLiteral("first"));
+        QVERIFY(data.Item(0).selected);
+        QCOMPARE(data.Item(1).id, 6);
+    }
+
+    void a_page_is_the_same_after_writing_and_reading()
+    {
+        TData data = Empty_Page();
+        const QVector<TDataItem> items{
+            {2147483647, -2147483647 - 1, QStringLiteral("  <&>\"'  \u00df\u4e2d"), 8,
+             QPointF(1.004, 2.996), true},
+            {0, 0, QString(), 0, QPointF(-3.5, 123456.78), false},
+            {-9, 7, QStringLiteral("%1,%2"), 2, QPointF(0, 0), true},
+        };
+        for (const TDataItem& item : items)
+            data.Add_Item(item);
+        const QByteArray document = ItemList::Write(data);
+        TData copy = Empty_Page();
+        ItemList::Read(document, &copy);
+        QCOMPARE(copy.Item_Count(), items.size());
+        for (int index = 0; index < items.size(); ++index) {
+            const TDataItem item = copy.Item(index);
+            QCOMPARE(item.id, items[index].id);
+            QCOMPARE(item.value, items[index].value);
+            QCOMPARE(item.text, items[index].text);
+            QCOMPARE(item.border_type, items[index].border_type);
+            QVERIFY(!item.selected);
+        }
+        QCOMPARE(copy.Item(0).position, QPointF(1.0, 3.0));
+        QCOMPARE(copy.Item(1).position, QPointF(-3.5, 123456.78));
+        QCOMPARE(ItemList::Write(copy), document);
+    }
+
+    void thousands_of_labels_are_written_and_read()
+    {
+        constexpr int count = 20000;
+        TData data = Empty_Page();
+        for (int id = 0; id < count; ++id)
+            data.Add_Item({id, count - id, QString::number(id), 1, QPointF(id, 1), false});
+        TData copy = Empty_Page();
+        ItemList::Read(ItemList::Write(data), &copy);
+        QCOMPARE(copy.Item_Count(), count);
+        QCOMPARE(copy.Item(count - 1).text, QString::number(count - 1));
+    }
+
+    void characters_that_xml_does_not_know_can_be_left_out_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("left");
+        const QString face = QString::fromUtf8("\xf0\x9f\x98\x80");
+        QTest::newRow("control character") << "be" + QString(QChar(1)) + "fore"
+                                           << "before";
+        QTest::newRow("nothing but them") << QString(3, QChar(2)) << QString();
+        QTest::newRow("halves of characters")
+            << QChar(0xd800) + QString("a") + QChar(0xdc00) + QChar(0xd800) << "a";
+        QTest::newRow("a half before a whole one") << QChar(0xd800) + face << face;
+        QTest::newRow("not a character") << "a" + QString(QChar(0xffff)) << "a";
+        QTest::newRow("all fine") << face + " <&>\t" << face + " <&>\t";
+    }
+
+    void characters_that_xml_does_not_know_can_be_left_out()
+    {
+        QFETCH(const QString, text);
+        QFETCH(const QString, left);
+        TData data = Empty_Page();
+        data.Add_Item({1, 2, text, 4, QPointF(3, 4), false});
+        data.Add_Item({2, 3, QStringLiteral("next"), 4, QPointF(5, 6), false});
+        TData copy = Empty_Page();
+        ItemList::Read(ItemList::Write(data, ItemList::TBadText::Leave_Out), &copy);
+        QCOMPARE(copy.Item_Count(), 2);
+        QCOMPARE(copy.Item(0).text, left);
+        QCOMPARE(copy.Item(0).position, QPointF(3, 4));
+        QCOMPARE(copy.Item(1).text, QStringLiteral("next"));
+        // Who asks for nothing special is told.
+        bool refused = false;
+        try {
+            ItemList::Write(data);
+        } catch (const TXmlFileException&) {
+            refused = true;
+        }
+        QCOMPARE(refused, text != left);
+    }
+};
+
+QTEST_MAIN(TestItemList)
+#include "test_itemlist.moc"

@@ -1,0 +1,282 @@
+// Labels as a table in comma-separated values.
+
+#include "support/project.h"
+
+#include "src/format/itemtable.h"
+
+#include <QLocale>
+#include <QTest>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+
+using Support::Label;
+
+namespace {
+
+const QByteArray header = "page,value,text,border,x,y\r\n";
+const QString number_hint = ": it takes a number such as 12.5";
+
+/// Rows as lines of text.
+QStringList Describe(const std::vector<TItemRow>& rows)
+{
+    QStringList lines;
+    for (const TItemRow& row : rows)
+        lines += QStringLiteral("%1: %2 '%3' %4 %5,%6%7")
+                     .arg(row.page)
+                     .arg(row.item.value)
+                     .arg(row.item.text)
+                     .arg(row.item.border_type)
+                     .arg(row.item.position.x())
+                     .arg(row.item.position.y())
+                     .arg(row.item.selected ? QStringLiteral(" selected") : QString());
+    return lines;
+}
+
+/// Line and message of what reading throws; empty when it does not.
+QString Refusal(const QByteArray& table)
+{
+    try {
+        ItemTable::Read(table);
+    } catch (const TItemTableException& exception) {
+        return QStringLiteral("%1: %2").arg(exception.Line()).arg(exception.Message());
+    }
+    return QString();
+}
+
+} // namespace
+
+class TestItemTable : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void a_table_without_labels_is_the_header_line()
+    {
+        QCOMPARE(ItemTable::Write({}), header);
+        QVERIFY(ItemTable::Read(header).empty());
+    }
+
+    void labels_are_written_one_a_line_in_utf_8()
+    {
+        const std::vector<TItemRow> rows{
+            {1, Label(17, 5, QStringLiteral("Riß"), 2, {120.5, 33})},
+            {12, Label(18, -7, QString(), 0, {-1.25, 0})},
+        };
+        QCOMPARE(ItemTable::Write(rows),
+                 header + "1,5,Ri\xc3\x9f,ellipse,120.5,33\r\n12,-7,,none,-1.25,0\r\n");
+    }
+
+    void borders_are_words_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QByteArray>("word");
+        QTest::newRow("none") << 0 << QByteArray("none");
+        QTest::newRow("square") << 1 << QByteArray("square");
+        QTest::newRow("ellipse") << 2 << QByteArray("ellipse");
+        QTest::newRow("triangle") << 4 << QByteArray("triangle");
+        QTest::newRow("diamond") << 8 << QByteArray("diamond");
+    }
+
+    void borders_are_words()
+    {
+        QFETCH(const int, code);
+        QFETCH(const QByteArray, word);
+        QCOMPARE(ItemTable::Write({{1, Label(1, 1, QString(), code, {})}}),
+                 header + "1,1,," + word + ",0,0\r\n");
+        for (const QByteArray& written :
+             {word, word.toUpper(), ' ' + word + ' ', QByteArray::number(code)})
+            QCOMPARE(
+                ItemTable::Read(header + "1,1,," + written + ",0,0\r\n").at(0).item.border_type,
+                code);
+    }
+
+    void an_unknown_border_code_is_written_as_a_number()
+    {
+        QCOMPARE(ItemTable::Write({{1, Label(1, 1, QString(), 3, {})}}), header + "1,1,,3,0,0\r\n");
+    }
+
+    void texts_are_quoted_where_they_have_to_be_and_come_back_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QByteArray>("field");
+        QTest::newRow("plain") << "crack 3 mm" << QByteArray("crack 3 mm");
+        QTest::newRow("blanks") << "  a  " << QByteArray("  a  ");
+        QTest::newRow("comma") << "a,b" << QByteArray("\"a,b\"");
+        QTest::newRow("quote") << "2\" pipe" << QByteArray("\"2\"\" pipe\"");
+        QTest::newRow("quotes alone") << "\"\"" << QByteArray("\"\"\"\"\"\"");
+        QTest::newRow("line break") << "a\nb" << QByteArray("\"a\nb\"");
+        QTest::newRow("both line breaks") << "a\r\nb\r" << QByteArray("\"a\r\nb\r\"");
+        QTest::newRow("formula") << "=1+1" << QByteArray("=1+1");
+        QTest::newRow("plus") << "+A1" << QByteArray("+A1");
+        QTest::newRow("minus") << "-A1" << QByteArray("-A1");
+        QTest::newRow("at") << "@SUM(A1)" << QByteArray("@SUM(A1)");
+        QTest::newRow("semicolon") << "a;b" << QByteArray("a;b");
+        QTest::newRow("beyond 16 bits")
+            << QString::fromUtf8("\xf0\x9f\x94\xa5") << QByteArray("\xf0\x9f\x94\xa5");
+        QTest::newRow("mark within") << QString(QChar(0xfeff)) << QByteArray("\xef\xbb\xbf");
+    }
+
+    void texts_are_quoted_where_they_have_to_be_and_come_back()
+    {
+        QFETCH(const QString, text);
+        QFETCH(const QByteArray, field);
+        const QByteArray table = ItemTable::Write({{1, Label(1, 2, text, 1, {3, 4})}});
+        QCOMPARE(table, header + "1,2," + field + ",square,3,4\r\n");
+        const std::vector<TItemRow> rows = ItemTable::Read(table);
+        QCOMPARE(rows.size(), 1U);
+        QCOMPARE(rows.at(0).item.text, text);
+        QCOMPARE(rows.at(0).item.position, QPointF(3, 4));
+    }
+
+    void coordinates_come_back_to_the_last_bit()
+    {
+        for (const double number :
+             {0.1, 1.0 / 3, -2e-17, 123456789.987654321, 1e300, 5e-324,
+              std::numeric_limits<double>::max(), std::nextafter(1.0, 2.0), -0.0, 1048576.01}) {
+            const std::vector<TItemRow> rows = ItemTable::Read(
+                ItemTable::Write({{1, Label(1, 1, QString(), 0, {number, -number})}}));
+            // The exact number: a tolerance is what this is about.
+            QVERIFY(std::equal_to<>()(rows.at(0).item.position.x(), number));
+            QVERIFY(std::equal_to<>()(rows.at(0).item.position.y(), -number));
+        }
+    }
+
+    void the_users_locale_does_not_matter()
+    {
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::German));
+        const QByteArray table =
+            ItemTable::Write({{1000, Label(1, 12345, QString(), 0, {0.5, 1234.5})}});
+        const QStringList rows = Describe(ItemTable::Read(table));
+        QLocale::setDefault(before);
+        QCOMPARE(table, header + "1000,12345,,none,0.5,1234.5\r\n");
+        QCOMPARE(rows, QStringList{"1000: 12345 '' 0 0.5,1234.5"});
+    }
+
+    void other_forms_of_a_table_are_read_data()
+    {
+        QTest::addColumn<QByteArray>("table");
+        const QByteArray row = "2,7,t,2,1.5,2";
+        QTest::newRow("line feeds") << QByteArray(header + row + '\n').replace("\r\n", "\n");
+        QTest::newRow("carriage returns")
+            << QByteArray(header + row + "\r\n").replace("\r\n", "\r");
+        QTest::newRow("no line end at the end") << header + row;
+        QTest::newRow("byte order mark") << "\xef\xbb\xbf" + header + row;
+        QTest::newRow("empty rows") << ",,\r\n" + header + ",,,,,\r\n" + row + "\r\n,,\r\n";
+        QTest::newRow("empty lines") << "\r\n" + header + "\r\n\n" + row + "\r\n\r\n";
+        QTest::newRow("all quoted")
+            << QByteArray("\"page\",\"value\",\"text\",\"border\",\"x\",\"y\"\r\n"
+                          "\"2\",\"7\",\"t\",\"2\",\"1.5\",\"2\"\r\n");
+        QTest::newRow("mark and quotes")
+            << QByteArray("\xef\xbb\xbf\"page\",value,text,border,x,y\n") + row;
+        QTest::newRow("other order") << QByteArray("y,x,border,text,value,page\n2,1.5,2,t,7,2\n");
+        QTest::newRow("upper case") << QByteArray("PAGE,Value,TEXT,Border,X,Y\n") + row;
+        QTest::newRow("blanks") << QByteArray(
+            " page , value,text,border,x,y\n 2, 7 ,t, 2 , 1.5,2 \n");
+        QTest::newRow("other columns")
+            << QByteArray("who,page,value,text,border,x,y,who\nA,") + row + ",B\n";
+        QTest::newRow("exponent") << QByteArray(header + "2,7,t,2,15e-1,2\r\n");
+    }
+
+    void other_forms_of_a_table_are_read()
+    {
+        QFETCH(const QByteArray, table);
+        QCOMPARE(Describe(ItemTable::Read(table)), QStringList{"2: 7 't' 2 1.5,2"});
+    }
+
+    void text_and_border_may_be_missing_or_empty()
+    {
+        QCOMPARE(Describe(ItemTable::Read("page,value,x,y\n1,2,3,4\n")),
+                 QStringList{"1: 2 '' 0 3,4"});
+        QCOMPARE(Describe(ItemTable::Read(header + "1,2,,,3,4\n")), QStringList{"1: 2 '' 0 3,4"});
+    }
+
+    void a_defect_is_told_with_its_line_data()
+    {
+        QTest::addColumn<QByteArray>("table");
+        QTest::addColumn<QString>("refusal");
+        const QByteArray good = "1,2,t,none,3,4\r\n";
+        QTest::newRow("empty") << QByteArray() << "1: the table is empty";
+        QTest::newRow("mark alone") << QByteArray("\xef\xbb\xbf") << "1: the table is empty";
+        for (const char* name : {"page", "value", "x", "y"}) {
+            QByteArray without = "page,value,x,y";
+            without.replace(name, "other");
+            QTest::addRow("no %s", name)
+                << without + "\n1,2,3,4\n"
+                << QStringLiteral("1: there is no column \"%1\"").arg(QLatin1String(name));
+        }
+        for (const char* separator : {";", "\t"})
+            QTest::addRow("separated by '%s'", separator)
+                << QByteArray(header + good).replace(",", separator)
+                << QStringLiteral("1: there is one column only: it takes commas between them");
+        QTest::newRow("column twice")
+            << QByteArray("\npage,value,x,y,Value\n") << "2: there are two columns \"value\"";
+        QTest::newRow("too few fields") << header + good + "1,2,t,none,3\r\n"
+                                        << "3: 5 fields where there are 6 columns";
+        QTest::newRow("too many fields") << header + "1,2,a,b,none,3,4\r\n"
+                                         << "2: 7 fields where there are 6 columns";
+        QTest::newRow("page no number") << header + "one,2,t,none,3,4"
+                                        << "2: \"one\" is no page number";
+        QTest::newRow("page 0") << header + "0,2,t,none,3,4"
+                                << "2: \"0\" is no page number";
+        QTest::newRow("page empty") << header + ",2,t,none,3,4"
+                                    << "2: \"\" is no page number";
+        QTest::newRow("value with fraction") << header + "1,2.5,t,none,3,4"
+                                             << "2: \"2.5\" is no value: it takes a whole number";
+        QTest::newRow("value too large")
+            << header + "1,2147483648,t,none,3,4"
+            << "2: \"2147483648\" is no value: it takes a whole number";
+        for (const char* border : {"round", "3", "-1", "16"})
+            QTest::addRow("border %s", border)
+                << header + "1,2,t," + border + ",3,4"
+                << QStringLiteral("2: \"%1\" is no border: it takes none, square, ellipse, "
+                                  "triangle or diamond")
+                       .arg(QLatin1String(border));
+        QTest::newRow("x no number") << header + "1,2,t,none,left,4"
+                                     << "2: \"left\" is no x coordinate" + number_hint;
+        QTest::newRow("x infinite") << header + "1,2,t,none,inf,4"
+                                    << "2: \"inf\" is no x coordinate" + number_hint;
+        QTest::newRow("y nan") << header + "1,2,t,none,3,nan"
+                               << "2: \"nan\" is no y coordinate" + number_hint;
+        QTest::newRow("y in another locale") << header + "1,2,t,none,3,\"4,5\""
+                                             << "2: \"4,5\" is no y coordinate" + number_hint;
+        QTest::newRow("quote not closed") << header + "1,2,\"t,none,3,4\r\n\r\n"
+                                          << "2: a quoted field that does not end";
+        QTest::newRow("quote within") << header + good + "1,2,2\" pipe,none,3,4"
+                                      << "3: a quote within a field that does not begin with one";
+        QTest::newRow("after a quoted field") << header + "1,2,\"t\" ,none,3,4"
+                                              << "2: characters after the end of a quoted field";
+        QTest::newRow("not utf-8") << header + good + "1,2,Ri\xdf,none,3,4"
+                                   << "3: the table is not in UTF-8";
+        QTest::newRow("cut in a character") << header + "1,2,Ri\xc3"
+                                            << "2: the table is not in UTF-8";
+    }
+
+    void a_defect_is_told_with_its_line()
+    {
+        QFETCH(const QByteArray, table);
+        QTEST(Refusal(table), "refusal");
+    }
+
+    void the_line_is_that_in_which_the_record_begins()
+    {
+        QCOMPARE(
+            Refusal(header + "1,2,\"two\r\nlines\",none,3,4\r\n1,2,\"three\n\n\",none,3,bad\n"),
+            "4: \"bad\" is no y coordinate" + number_hint);
+    }
+
+    void a_large_table_is_read_in_a_straight_line()
+    {
+        constexpr int count = 20000;
+        std::vector<TItemRow> rows;
+        for (int i = 0; i < count; ++i)
+            rows.push_back(
+                {i + 1, Label(0, i, QStringLiteral("a \"quoted\"\ntext"), 8, {0.5 * i, 1})});
+        QCOMPARE(Describe(ItemTable::Read(ItemTable::Write(rows))), Describe(rows));
+    }
+};
+
+QTEST_MAIN(TestItemTable)
+#include "test_itemtable.moc"

@@ -1,0 +1,288 @@
+// Readers for the documents of the two earlier generations.
+
+#include "core/xmlfile.h"
+#include "src/format/legacyfile.h"
+#include "support/support.h"
+
+#include <QTest>
+
+#include <functional>
+
+namespace {
+
+using TReader = std::function<void(const TXmlFile&, std::vector<TDataItem>*)>;
+
+const QByteArray size_node = "<Item_Size><Width>48</Width></Item_Size>";
+const QByteArray color_node = "<Colors><Foreground>#0000ff</Foreground></Colors>";
+
+/// An opened document with this content below its root.
+TXmlFile Opened(const QByteArray& content)
+{
+    TXmlFile xml_file;
+    int version = 0;
+    xml_file.Open_Data("<Quillet_Data File_Version=\"1\">\n" + content + "\n</Quillet_Data>",
+                       QStringLiteral("Quillet_Data"), &version, true);
+    return xml_file;
+}
+
+QByteArray Element(const QByteArray& name, const QByteArray& content)
+{
+    return '<' + name + '>' + content + "</" + name + '>';
+}
+
+/// A well-formed item of version 2, which version 1 takes as well, with one child replaced.
+QByteArray Item_With(const QByteArray& name = QByteArray(),
+                     const QByteArray& replacement = QByteArray())
+{
+    const QVector<QPair<QByteArray, QByteArray>> children{
+        {"ID", "7"}, {"ID_Text", "A"}, {"Border_Type", "3"}, {"Position", "10.5,-20"}};
+    QByteArray result;
+    for (const auto& child : children)
+        result += child.first == name ? replacement : Element(child.first, child.second);
+    return Element("Item", result);
+}
+
+std::vector<TDataItem> Items_Of(const TReader& reader, const QByteArray& content)
+{
+    std::vector<TDataItem> items;
+    reader(Opened(content), &items);
+    return items;
+}
+
+QString Failure(const std::function<void()>& function)
+{
+    try {
+        function();
+    } catch (const TXmlFileException& exception) {
+        return exception.Message();
+    }
+    return QString();
+}
+
+QString Missing(const char* name, const char* parent)
+{
+    return QStringLiteral("ERR: Node '%1' is missing from node '%2' and not optional.")
+        .arg(QLatin1String(name), QLatin1String(parent));
+}
+
+QString Missing_Text(const char* name)
+{
+    return QStringLiteral("ERR: Node Text for '%1' is not optional.").arg(QLatin1String(name));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(TReader)
+
+class TestLegacyFile : public QObject
+{
+    Q_OBJECT
+
+private:
+    static void Add_Versions()
+    {
+        QTest::addColumn<TReader>("reader");
+        QTest::newRow("version 1") << TReader(&LegacyFile::Read_Items_V1);
+        QTest::newRow("version 2") << TReader(&LegacyFile::Read_Items_V2);
+    }
+
+private slots:
+    void border_numbers_become_border_types_data()
+    {
+        QTest::addColumn<int>("legacy_border");
+        QTest::addColumn<int>("border_type");
+        QTest::newRow("0") << 0 << 0;
+        QTest::newRow("1") << 1 << 1;
+        QTest::newRow("2") << 2 << 2;
+        QTest::newRow("3") << 3 << 4;
+        QTest::newRow("4") << 4 << 0;
+        QTest::newRow("8") << 8 << 0;
+        QTest::newRow("-1") << -1 << 0;
+    }
+
+    void border_numbers_become_border_types()
+    {
+        QFETCH(const int, legacy_border);
+        QFETCH(const int, border_type);
+        QCOMPARE(LegacyFile::Border_Type(legacy_border), border_type);
+        const QByteArray border = Element("Border_Type", QByteArray::number(legacy_border));
+        const std::vector<TDataItem> items =
+            Items_Of(&LegacyFile::Read_Items_V1, Item_With("Border_Type", border));
+        QCOMPARE(items.front().border_type, border_type);
+    }
+
+    void label_settings_are_read()
+    {
+        const TXmlFile xml_file = Opened(size_node + color_node);
+        QCOMPARE(LegacyFile::Read_Label_Size(xml_file), 48);
+        QCOMPARE(LegacyFile::Read_Color_Name(xml_file), QStringLiteral("#0000ff"));
+    }
+
+    void a_label_size_that_is_no_number_is_0()
+    {
+        QCOMPARE(LegacyFile::Read_Label_Size(Opened("<Item_Size><Width>big</Width></Item_Size>")),
+                 0);
+    }
+
+    void missing_settings_are_named_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("size_message");
+        QTest::addColumn<QString>("color_message");
+        QTest::newRow("nothing") << QByteArray() << Missing("Item_Size", "Quillet_Data")
+                                 << Missing("Colors", "Quillet_Data");
+        QTest::newRow("no children")
+            << QByteArray("<Item_Size/><Colors/>") << Missing("Width", "Item_Size")
+            << Missing("Foreground", "Colors");
+        QTest::newRow("no texts")
+            << QByteArray("<Item_Size><Width/></Item_Size><Colors><Foreground/></Colors>")
+            << Missing_Text("Width") << Missing_Text("Foreground");
+    }
+
+    void missing_settings_are_named()
+    {
+        QFETCH(const QByteArray, content);
+        QFETCH(const QString, size_message);
+        QFETCH(const QString, color_message);
+        const TXmlFile xml_file = Opened(content);
+        QCOMPARE(Failure([&xml_file] { LegacyFile::Read_Label_Size(xml_file); }), size_message);
+        QCOMPARE(Failure([&xml_file] { LegacyFile::Read_Color_Name(xml_file); }), color_message);
+    }
+
+    void labels_of_version_1_have_no_text()
+    {
+        const std::vector<TDataItem> items =
+            Items_Of(&LegacyFile::Read_Items_V1, Item_With() + Item_With("ID_Text"));
+        QCOMPARE(static_cast<int>(items.size()), 2);
+        for (const TDataItem& item : items) {
+            QCOMPARE(item.id, 7);
+            QCOMPARE(item.value, 7);
+            QVERIFY(item.text.isEmpty());
+            QCOMPARE(item.border_type, 4);
+            QCOMPARE(item.position, QPointF(10.5, -20));
+            QVERIFY(!item.selected);
+        }
+    }
+
+    void texts_of_version_2_that_are_numbers_are_dropped_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("letter") << QByteArray("A") << QStringLiteral("A");
+        QTest::newRow("number") << QByteArray("12") << QString();
+        QTest::newRow("negative number") << QByteArray("-3") << QString();
+        QTest::newRow("number and letter") << QByteArray("12a") << QStringLiteral("12a");
+        QTest::newRow("fraction") << QByteArray("1.5") << QStringLiteral("1.5");
+        QTest::newRow("beyond an integer")
+            << QByteArray("2147483648") << QStringLiteral("2147483648");
+    }
+
+    void texts_of_version_2_that_are_numbers_are_dropped()
+    {
+        QFETCH(const QByteArray, content);
+        QFETCH(const QString, text);
+        const std::vector<TDataItem> items =
+            Items_Of(&LegacyFile::Read_Items_V2, Item_With("ID_Text", Element("ID_Text", content)));
+        QCOMPARE(static_cast<int>(items.size()), 1);
+        QCOMPARE(items.front().id, 7);
+        QCOMPARE(items.front().value, 7);
+        QCOMPARE(items.front().text, text);
+        QCOMPARE(items.front().border_type, 4);
+        QCOMPARE(items.front().position, QPointF(10.5, -20));
+        QVERIFY(!items.front().selected);
+    }
+
+    void a_document_without_labels_has_none_data() { Add_Versions(); }
+
+    void a_document_without_labels_has_none()
+    {
+        QFETCH(const TReader, reader);
+        QVERIFY(Items_Of(reader, size_node + color_node).empty());
+    }
+
+    void labels_come_in_document_order_with_repeated_ids_data() { Add_Versions(); }
+
+    void labels_come_in_document_order_with_repeated_ids()
+    {
+        QFETCH(const TReader, reader);
+        const std::vector<TDataItem> items = Items_Of(
+            reader, Item_With("ID", "<ID>3</ID>") + "<Other/>\n" + Item_With("ID", "<ID>1</ID>") +
+                        "<!-- note -->" + Item_With("ID", "<ID>3</ID>"));
+        QVector<int> ids;
+        for (const TDataItem& item : items)
+            ids.append(item.id);
+        QCOMPARE(ids, (QVector<int>{3, 1, 3}));
+    }
+
+    void labels_join_those_collected_before()
+    {
+        std::vector<TDataItem> items(1);
+        LegacyFile::Read_Items_V1(Opened(Item_With()), &items);
+        QCOMPARE(static_cast<int>(items.size()), 2);
+    }
+
+    void numbers_that_are_none_are_0_data() { Add_Versions(); }
+
+    void numbers_that_are_none_are_0()
+    {
+        QFETCH(const TReader, reader);
+        const TDataItem no_id = Items_Of(reader, Item_With("ID", "<ID>x</ID>")).front();
+        QCOMPARE(no_id.id, 0);
+        QCOMPARE(no_id.value, 0);
+        const QByteArray border = "<Border_Type>square</Border_Type>";
+        QCOMPARE(Items_Of(reader, Item_With("Border_Type", border)).front().border_type, 0);
+        const QByteArray position = "<Position>a,</Position>";
+        QCOMPARE(Items_Of(reader, Item_With("Position", position)).front().position, QPointF());
+    }
+
+    void a_malformed_position_drops_its_label_alone_data()
+    {
+        QTest::addColumn<QByteArray>("position");
+        QTest::newRow("one part") << QByteArray("12");
+        QTest::newRow("three parts") << QByteArray("1,2,3");
+        QTest::newRow("empty third part") << QByteArray("1,2,");
+    }
+
+    void a_malformed_position_drops_its_label_alone()
+    {
+        QFETCH(const QByteArray, position);
+        const QByteArray content = Item_With("ID", "<ID>1</ID>") +
+                                   Item_With("Position", Element("Position", position)) +
+                                   Item_With("ID", "<ID>2</ID>");
+        for (const TReader& reader :
+             {TReader(&LegacyFile::Read_Items_V1), TReader(&LegacyFile::Read_Items_V2)}) {
+            const std::vector<TDataItem> items = Items_Of(reader, content);
+            QCOMPARE(static_cast<int>(items.size()), 2);
+            QCOMPARE(items.front().id, 1);
+            QCOMPARE(items.back().id, 2);
+        }
+    }
+
+    void missing_pieces_are_named_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<bool>("in_version_1");
+        for (const char* const name : {"ID", "Border_Type", "Position"})
+            QTest::newRow(name) << QByteArray(name) << true;
+        QTest::newRow("ID_Text") << QByteArray("ID_Text") << false;
+    }
+
+    void missing_pieces_are_named()
+    {
+        QFETCH(const QByteArray, name);
+        QFETCH(const bool, in_version_1);
+        const QByteArray empty = Element(name, "");
+        const auto failure = [&name](const TReader& reader, const QByteArray& replacement) {
+            return Failure([&] { Items_Of(reader, Item_With(name, replacement)); });
+        };
+        QCOMPARE(failure(&LegacyFile::Read_Items_V2, QByteArray()), Missing(name, "Item"));
+        QCOMPARE(failure(&LegacyFile::Read_Items_V2, empty), Missing_Text(name));
+        QCOMPARE(failure(&LegacyFile::Read_Items_V1, QByteArray()),
+                 in_version_1 ? Missing(name, "Item") : QString());
+        QCOMPARE(failure(&LegacyFile::Read_Items_V1, empty),
+                 in_version_1 ? Missing_Text(name) : QString());
+    }
+};
+
+QTEST_MAIN(TestLegacyFile)
+#include "test_legacyfile.moc"

@@ -1,0 +1,474 @@
+// The project container, field by field, written and read.
+
+#include "src/format/projectfile.h"
+#include "support/project.h"
+#include "support/support.h"
+
+#include <QBuffer>
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+using Support::Field;
+using Support::Number;
+
+QByteArray Bytes_Of(const TProjectWriter& writer)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    return writer.Write_To(&buffer) ? buffer.data() : QByteArray("not written");
+}
+
+/// A device that is full after some bytes.
+class TFullDevice : public QIODevice
+{
+public:
+    explicit TFullDevice(qint64 room)
+        : d_room(room)
+    {
+        open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    }
+
+    qint64 Calls() const { return d_calls; }
+
+protected:
+    qint64 readData(char*, qint64) override { return -1; }
+    qint64 writeData(const char*, qint64 size) override
+    {
+        ++d_calls;
+        const qint64 taken = qMin(size, d_room);
+        d_room -= taken;
+        return taken;
+    }
+
+private:
+    qint64 d_room;
+    qint64 d_calls = 0;
+};
+
+const QByteArray magic = Support::Magic();
+
+/// Which operation of the reader meets a length.
+enum TFieldKind { Text_Field, Bytes_Field, Image_Field };
+
+QByteArray Read_Field(TProjectReader* reader, TFieldKind kind)
+{
+    switch (kind) {
+    case Text_Field:
+        return reader->Read_Text().toLatin1();
+    case Bytes_Field:
+        return reader->Read_Bytes();
+    case Image_Field:
+        break;
+    }
+    return reader->Read_Image().Source_Bytes();
+}
+
+/// Reads a document of one page, field after field, and describes it.
+QByteArray Describe(const QByteArray& bytes)
+{
+    TProjectReader reader(bytes);
+    if (!reader.Read_Magic())
+        return "no project";
+    QByteArray result = QByteArray::number(reader.Read_Integer());
+    for (int text = 0; text < 3; ++text)
+        result += '|' + reader.Read_Text().toLatin1();
+    const int count = reader.Read_Integer();
+    for (int page = 0; page < count && page < 3 && reader.Is_Valid(); ++page) {
+        result += '|' + reader.Read_Text().toLatin1();
+        const TPageImage image = reader.Read_Image();
+        result += '|' + image.Png();
+        result += '|' + reader.Read_Bytes();
+    }
+    return reader.Is_Valid() ? result : "invalid";
+}
+
+QByteArray Small_Document()
+{
+    return magic + Number(32) + Field("#fa0832") + Field("one") + Field("") + Number(1) +
+           Field("page") + Field("picture") + Field("<items/>");
+}
+
+const QString integer_bound =
+    QStringLiteral("(index + sizeof(int) -1) < static_cast<unsigned int>(array.size())");
+
+} // namespace
+
+Q_DECLARE_METATYPE(TFieldKind)
+
+class TestProjectFile : public QObject
+{
+    Q_OBJECT
+
+private:
+    static void Add_Field_Kinds()
+    {
+        QTest::addColumn<TFieldKind>("kind");
+        QTest::newRow("text") << Text_Field;
+        QTest::newRow("bytes") << Bytes_Field;
+        QTest::newRow("image") << Image_Field;
+    }
+
+private slots:
+    void a_document_equals_one_assembled_by_hand()
+    {
+        const QImage picture = Support::Picture(30, 20);
+        TProjectWriter writer;
+        writer.Write_Integer(32);
+        writer.Write_Text(QStringLiteral("#fa0832"));
+        writer.Write_Text(QStringLiteral("Stra\u00dfe"));
+        writer.Write_Text(QString());
+        writer.Write_Integer(2);
+        writer.Write_Text(QStringLiteral("First"));
+        writer.Write_Image(picture);
+        writer.Write_Bytes("<a/>");
+        writer.Write_Text(QStringLiteral("Second"));
+        writer.Write_Image(TPageImage());
+        writer.Write_Bytes("<b/>");
+
+        const QByteArray expected = magic + Number(32) + Field("#fa0832") +
+                                    Field("Stra\xdf"
+                                          "e") +
+                                    Field("") + Number(2) + Field("First") +
+                                    Field(Support::Png(picture)) + Field("<a/>") + Field("Second") +
+                                    Field("") + Field("<b/>");
+        QCOMPARE(Bytes_Of(writer), expected);
+        QCOMPARE(writer.Size(), qint64(expected.size()));
+    }
+
+    void an_empty_writer_has_the_magic_number()
+    {
+        const TProjectWriter writer;
+        QCOMPARE(Bytes_Of(writer), magic);
+        QCOMPARE(writer.Size(), qint64(4));
+    }
+
+    void integers_are_written_lowest_byte_first_data()
+    {
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("0") << 0 << QByteArray::fromHex("00000000");
+        QTest::newRow("90210") << 90210 << QByteArray::fromHex("62600100");
+        QTest::newRow("-1") << -1 << QByteArray::fromHex("ffffffff");
+        QTest::newRow("largest") << 2147483647 << QByteArray::fromHex("ffffff7f");
+    }
+
+    void integers_are_written_lowest_byte_first()
+    {
+        QFETCH(const int, value);
+        QFETCH(const QByteArray, bytes);
+        TProjectWriter writer;
+        writer.Write_Integer(value);
+        QCOMPARE(Bytes_Of(writer), magic + bytes);
+        TProjectReader reader(bytes);
+        QCOMPARE(reader.Read_Integer(), value);
+        QVERIFY(reader.Is_Valid());
+    }
+
+    void a_text_is_written_in_latin_1_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("null") << QString() << QByteArray();
+        QTest::newRow("ascii") << QStringLiteral("Cover") << QByteArray("Cover");
+        QTest::newRow("latin 1") << QStringLiteral("\u00e9\u00ff") << QByteArray("\xe9\xff");
+        QTest::newRow("other scripts") << QStringLiteral("a\u0416\u4e2db")
+                                       << QByteArray("a?"
+                                                     "?b");
+        QTest::newRow("beyond the first plane") << QString::fromUtf8("\xf0\x9f\x98\x80")
+                                                << QByteArray("?"
+                                                              "?");
+        QTest::newRow("zero character")
+            << QString(QChar(0)) + QLatin1Char('x') << QByteArray("\0x", 2);
+    }
+
+    void a_text_is_written_in_latin_1()
+    {
+        QFETCH(const QString, text);
+        QFETCH(const QByteArray, bytes);
+        TProjectWriter writer;
+        writer.Write_Text(text);
+        QCOMPARE(Bytes_Of(writer), magic + Field(bytes));
+        QCOMPARE(bytes.size(), text.size());
+    }
+
+    void an_image_is_written_as_its_png_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("expected");
+        const QImage picture = Support::Picture(12, 9);
+        QByteArray bitmap;
+        QBuffer buffer(&bitmap);
+        buffer.open(QIODevice::WriteOnly);
+        picture.save(&buffer, "BMP");
+        const QByteArray png = Support::Png(picture);
+        QTest::newRow("png") << png << png;
+        QTest::newRow("another format") << bitmap << png;
+        QTest::newRow("no image") << QByteArray("junk") << QByteArray("junk");
+        QTest::newRow("nothing") << QByteArray() << QByteArray();
+    }
+
+    void an_image_is_written_as_its_png()
+    {
+        QFETCH(const QByteArray, bytes);
+        QFETCH(const QByteArray, expected);
+        TProjectWriter writer;
+        writer.Write_Image(TPageImage::From_Bytes(bytes));
+        QCOMPARE(Bytes_Of(writer), magic + Field(expected));
+    }
+
+    void the_writer_keeps_an_image_s_bytes_alive()
+    {
+        const QByteArray content = Field(Support::Png(Support::Picture(60, 40)));
+        TProjectWriter writer;
+        {
+            // A deep copy of its own, which nobody else refers to.
+            QByteArray file(content.constData(), content.size());
+            TProjectReader reader(file);
+            writer.Write_Image(reader.Read_Image());
+        }
+        QCOMPARE(Bytes_Of(writer), magic + content);
+    }
+
+    void a_large_field_is_not_copied()
+    {
+        const QByteArray bytes(1000000, 'x');
+        TProjectWriter writer;
+        writer.Write_Bytes(bytes);
+        QVERIFY(!bytes.isDetached());
+        QCOMPARE(writer.Size(), qint64(1000008));
+    }
+
+    void a_device_that_is_full_ends_the_writing_data()
+    {
+        QTest::addColumn<int>("room");
+        for (const int room : {0, 3, 4, 7, 8, 10, 16})
+            QTest::addRow("%d bytes", room) << room;
+    }
+
+    void a_device_that_is_full_ends_the_writing()
+    {
+        QFETCH(const int, room);
+        TProjectWriter writer;
+        writer.Write_Bytes("12345");
+        writer.Write_Integer(1);
+        QCOMPARE(writer.Size(), qint64(17));
+        TFullDevice device(room);
+        QVERIFY(!writer.Write_To(&device));
+        QVERIFY(device.Calls() <= 4);
+        TFullDevice large_enough(17);
+        QVERIFY(writer.Write_To(&large_enough));
+    }
+
+    void a_device_that_is_not_open_takes_nothing()
+    {
+        QBuffer buffer;
+        QTest::ignoreMessage(QtWarningMsg, "QIODevice::write (QBuffer): device not open");
+        QVERIFY(!TProjectWriter().Write_To(&buffer));
+    }
+
+    void the_beginning_of_the_file_is_checked_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("expected");
+        QTest::newRow("empty") << QByteArray() << false;
+        QTest::newRow("magic alone") << magic << false;
+        QTest::newRow("7 bytes") << magic + "abc" << false;
+        QTest::newRow("8 bytes") << magic + Number(32) << true;
+        QTest::newRow("longer") << magic + "123456789" << true;
+        QTest::newRow("other magic") << Number(90211) + Number(32) << false;
+        QTest::newRow("highest byte first") << QByteArray::fromHex("0001606200000020") << false;
+        QTest::newRow("highest bit") << QByteArray::fromHex("6260018020000000") << false;
+    }
+
+    void the_beginning_of_the_file_is_checked()
+    {
+        QFETCH(const QByteArray, bytes);
+        QFETCH(const bool, expected);
+        QCOMPARE(TProjectReader(bytes).Read_Magic(), expected);
+    }
+
+    void fields_are_read_one_after_the_other()
+    {
+        const QImage picture = Support::Picture(30, 20);
+        TProjectReader reader(magic + Number(48) + Field("#00ff00") + Field("") + Number(0) +
+                              Field(Support::Png(picture)) + Field("<b/>") + Number(7));
+        QVERIFY(reader.Read_Magic());
+        QCOMPARE(reader.Read_Integer(), 48);
+        QCOMPARE(reader.Read_Text(), QStringLiteral("#00ff00"));
+        QCOMPARE(reader.Read_Text(), QString());
+        QCOMPARE(reader.Read_Integer(), 0);
+        const TPageImage image = reader.Read_Image();
+        QCOMPARE(QImage(image), picture);
+        QCOMPARE(image.Png(), Support::Png(picture));
+        QCOMPARE(reader.Read_Bytes(), QByteArray("<b/>"));
+        QCOMPARE(reader.Read_Integer(), 7);
+        QVERIFY(reader.Is_Valid());
+    }
+
+    void an_image_s_bytes_are_shared_with_the_file_and_not_decoded()
+    {
+        const QByteArray png = Support::Png(Support::Picture(30, 20));
+        const QByteArray file = Field("x") + Field(png);
+        TProjectReader reader(file);
+        reader.Read_Bytes();
+        const TPageImage image = reader.Read_Image();
+        QCOMPARE(static_cast<const void*>(image.Png().constData()),
+                 static_cast<const void*>(file.constData() + 9));
+        QCOMPARE(image.Png(), png);
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    }
+
+    void a_text_is_cut_at_its_first_zero_byte_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("none") << QByteArray("ab\xe9") << QStringLiteral("ab\u00e9");
+        QTest::newRow("inside") << QByteArray("ab\0cd\0e", 7) << QStringLiteral("ab");
+        QTest::newRow("first") << QByteArray("\0ab", 3) << QString();
+        QTest::newRow("last") << QByteArray("ab\0", 3) << QStringLiteral("ab");
+    }
+
+    void a_text_is_cut_at_its_first_zero_byte()
+    {
+        QFETCH(const QByteArray, bytes);
+        QFETCH(const QString, text);
+        TProjectReader reader(Field(bytes) + Number(5));
+        QCOMPARE(reader.Read_Text(), text);
+        QCOMPARE(reader.Read_Integer(), 5);
+    }
+
+    void bytes_keep_their_zero_bytes()
+    {
+        const QByteArray bytes("\0a\0", 3);
+        TProjectReader reader(Field(bytes));
+        QCOMPARE(reader.Read_Bytes(), bytes);
+    }
+
+    void a_length_past_the_end_is_clipped_data() { Add_Field_Kinds(); }
+
+    void a_length_past_the_end_is_clipped()
+    {
+        QFETCH(const TFieldKind, kind);
+        for (const quint32 length : {4u, 100u, 0x7fffffffu}) {
+            TProjectReader reader(Number(length) + "abc");
+            QCOMPARE(Read_Field(&reader, kind), QByteArray("abc"));
+            QVERIFY(reader.Is_Valid());
+        }
+        TProjectReader at_the_end(Number(12));
+        QVERIFY(Read_Field(&at_the_end, kind).isEmpty());
+        QVERIFY(at_the_end.Is_Valid());
+    }
+
+    void reading_on_after_a_clipped_field_is_stopped_data() { Add_Field_Kinds(); }
+
+    void reading_on_after_a_clipped_field_is_stopped()
+    {
+        QFETCH(const TFieldKind, kind);
+        for (const quint32 length : {4u, 0x7fffffffu}) {
+            const QString difference = Support::Assertion_Failure(
+                [kind, length] {
+                    TProjectReader reader(Number(length) + "abc");
+                    Read_Field(&reader, kind);
+                    Read_Field(&reader, kind);
+                },
+                QStringLiteral("core/conversion"), integer_bound,
+                QStringLiteral("static int Conversion::Integer(unsigned int, const QByteArray&)"));
+            QVERIFY2(difference.isEmpty(), qPrintable(difference));
+        }
+    }
+
+    void a_negative_length_makes_the_reader_invalid_data() { Add_Field_Kinds(); }
+
+    void a_negative_length_makes_the_reader_invalid()
+    {
+        QFETCH(const TFieldKind, kind);
+        for (const quint32 length : {0xffffffffu, 0x80000000u, 0xfffffffcu}) {
+            TProjectReader reader(Number(length) + Field("abc") + Number(5));
+            QVERIFY(reader.Is_Valid());
+            QVERIFY(Read_Field(&reader, kind).isEmpty());
+            QVERIFY(!reader.Is_Valid());
+            // More often than there are fields: nothing is read, so nothing is past the end.
+            for (int count = 0; count < 10; ++count) {
+                QVERIFY(reader.Read_Text().isEmpty());
+                QVERIFY(reader.Read_Bytes().isEmpty());
+                QVERIFY(reader.Read_Image().isNull());
+                QCOMPARE(reader.Read_Integer(), 0);
+            }
+            QVERIFY(!reader.Is_Valid());
+        }
+    }
+
+    void a_negative_integer_that_is_no_length_is_read_as_it_is()
+    {
+        TProjectReader reader(Number(0xfffffffe));
+        QCOMPARE(reader.Read_Integer(), -2);
+        QVERIFY(reader.Is_Valid());
+    }
+
+    void a_file_of_8_bytes_is_stopped_at_the_colour()
+    {
+        const QString difference = Support::Assertion_Failure(
+            [] {
+                TProjectReader reader(magic + Number(32));
+                if (reader.Read_Magic() && reader.Read_Integer() == 32)
+                    reader.Read_Text();
+            },
+            QStringLiteral("core/conversion"), integer_bound,
+            QStringLiteral("static int Conversion::Integer(unsigned int, const QByteArray&)"));
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
+    void a_whole_document_is_described()
+    {
+        QCOMPARE(Describe(Small_Document()), QByteArray("32|#fa0832|one||page|picture|<items/>"));
+    }
+
+    // A file cut short ends in one of two ways: with a shorter last field, or, within or before an
+    // integer, with the assertion.
+    void every_truncation_is_read_clipped_or_stopped()
+    {
+        const QByteArray whole = Small_Document();
+        const int last_field = whole.size() - QByteArray("<items/>").size();
+        for (int size = 0; size < whole.size(); ++size) {
+            const QByteArray bytes = whole.left(size);
+            if (size < 8) {
+                QCOMPARE(Describe(bytes), QByteArray("no project"));
+            } else if (size >= last_field) {
+                QCOMPARE(Describe(bytes), "32|#fa0832|one||page|picture|" +
+                                              whole.mid(last_field, size - last_field));
+            } else {
+                const QString difference =
+                    Support::Assertion_Failure([&bytes] { Describe(bytes); },
+                                               QStringLiteral("core/conversion"), integer_bound);
+                QVERIFY2(difference.isEmpty(),
+                         qPrintable(QString::number(size) + QLatin1Char(' ') + difference));
+            }
+        }
+    }
+
+    void every_changed_byte_ends_in_an_allowed_way()
+    {
+        const QByteArray whole = Small_Document();
+        for (int place = 0; place < whole.size(); ++place) {
+            for (const char value : {'\0', '\x01', '\x7f', '\x80', '\xff'}) {
+                QByteArray bytes = whole;
+                bytes[place] = value;
+                const Support::TChildResult result = Support::Run_In_Child([&bytes] {
+                    Describe(bytes);
+                    return 0;
+                });
+                const bool is_allowed =
+                    (result.exited && result.exit_code == 0) ||
+                    (result.signal == SIGABRT && result.error_output.contains("core/conversion"));
+                QVERIFY2(is_allowed, qPrintable(QString::number(place) + QLatin1Char(' ') +
+                                                QString::fromUtf8(result.error_output)));
+            }
+        }
+    }
+};
+
+QTEST_MAIN(TestProjectFile)
+#include "test_projectfile.moc"

@@ -1,0 +1,949 @@
+// Habits that users bring along: the wheel zooms with Ctrl, Delete asks, Ctrl and arrows move
+// labels, files are dropped on the window, rows move by keyboard, and long work is shown.
+
+#include "support/modal.h"
+#include "support/project.h"
+#include "support/support.h"
+#include "support/widgets.h"
+#include "support/window.h"
+
+#include "src/displaywidget.h"
+#include "src/labelwidget.h"
+#include "src/messagebox.h"
+#include "src/model/imagefiles.h"
+#include "src/pagewidget.h"
+#include "src/safety/safetynet.h"
+#include "src/widgets/rowlist.h"
+#include "src/widgets/wheelzoom.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <tuple>
+
+using Support::Label;
+using Support::Run_Answering;
+
+namespace {
+
+constexpr int notch = 120; // eighths of a degree
+
+/// Writes down the texts that progress bars show, each as often as it is painted.
+class TBarReader : public QObject
+{
+public:
+    QStringList d_texts;
+    bool d_was_busy = true; ///< there was a busy cursor at each painting
+    QSet<QObject*> d_parents;
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        const auto* const bar = qobject_cast<QProgressBar*>(object);
+        if (event->type() == QEvent::Paint && bar) {
+            d_texts += bar->text();
+            d_was_busy = d_was_busy && QApplication::overrideCursor();
+            d_parents += bar->parent();
+        }
+        return false;
+    }
+};
+
+} // namespace
+
+class TestHabits : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void a_notch_moves_the_zoom_slider_data();
+    void a_notch_moves_the_zoom_slider();
+    void parts_of_a_notch_add_up();
+    void turning_back_starts_anew();
+    void the_wheel_stops_at_the_sliders_ends();
+    void what_is_under_the_pointer_stays_there_data();
+    void what_is_under_the_pointer_stays_there();
+    void many_zooms_do_not_drift();
+    void what_slipped_away_at_an_end_is_let_go();
+    void a_page_smaller_than_the_view_stays_in_the_middle();
+    void without_ctrl_alone_the_wheel_does_not_zoom_data();
+    void without_ctrl_alone_the_wheel_does_not_zoom();
+
+    void delete_in_the_item_list_asks();
+    void delete_in_the_page_list_asks();
+    void delete_without_a_selection_does_not_ask();
+    void delete_in_the_editors_edits();
+    void delete_with_modifiers_or_held_down_does_not_ask();
+
+    void ctrl_and_arrows_move_the_selected_labels_data();
+    void ctrl_and_arrows_move_the_selected_labels();
+    void a_key_that_is_held_down_moves_on();
+    void nothing_selected_moves_nothing();
+    void arrows_without_ctrl_scroll();
+    void ctrl_and_arrows_in_a_list_move_no_label();
+
+    void dropped_images_become_pages();
+    void a_drop_works_everywhere_data();
+    void a_drop_works_everywhere();
+    void a_drop_on_a_floating_dock_works();
+    void a_drop_fills_an_empty_page();
+    void image_names_data();
+    void image_names();
+    void what_is_no_image_file_is_refused_data();
+    void what_is_no_image_file_is_refused();
+    void images_among_other_files_are_taken();
+    void files_are_copied_and_never_moved();
+    void a_drop_waits_for_no_dialog();
+    void texts_are_still_dropped_on_editors();
+
+    void alt_and_arrows_move_rows_data();
+    void alt_and_arrows_move_rows();
+    void moved_pages_keep_their_selection_and_names();
+
+    void the_frame_tells_where_the_keyboard_is();
+
+    void an_import_is_shown();
+    void one_large_image_is_shown_while_it_is_read();
+    void saving_and_opening_are_shown();
+    void exports_are_shown();
+    void short_work_is_not_shown();
+    void the_bar_fits_beside_the_zoom_control();
+
+private:
+    void Show_Page(const QSize& size = QSize(1000, 1400));
+    QWidget* Page() const { return d_window->d_display_widget->viewport(); }
+    void Turn(const QPoint& angle, const QPointF& position,
+              Qt::KeyboardModifiers modifiers = Qt::ControlModifier) const;
+    void Turn(int angle) const { Turn(QPoint(0, angle), Page()->rect().center()); }
+    int Zoom() const { return d_window->d_zoom_slider->value(); }
+    QPointF Scene_Point(const QPointF& position) const;
+    TRowList* List(const QWidget* panel) const { return Support::Only<TRowList>(*panel); }
+    void Focus(QWidget* widget) const;
+    QStringList Positions() const;
+    QString Picture_File(const QString& name, int seed = 1) const;
+    bool Drag(QEvent::Type type, QWidget* over, const QMimeData& dragged,
+              Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction) const;
+    bool Drop_Files(QWidget* over, const QStringList& paths) const;
+    QStringList Shown_While(const std::function<void()>& work);
+
+    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<QTemporaryDir> d_folder;
+    qint64 d_time = 0; ///< milliseconds, by the window's clock
+};
+
+void TestHabits::init()
+{
+    d_folder = std::make_unique<QTemporaryDir>();
+    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window->show();
+    d_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(d_window.get()));
+}
+
+void TestHabits::cleanup()
+{
+    d_window->d_safety_net->Give_Up();
+    d_window.reset();
+    d_folder.reset();
+    QVERIFY(!QApplication::overrideCursor());
+}
+
+/// A page with three labels, shown.
+void TestHabits::Show_Page(const QSize& size)
+{
+    const QList<int> ids = Support::Add_Pages(
+        d_window.get(), {{"Plan",
+                          Support::Picture(size.width(), size.height()),
+                          {Label(11, 1, "", 1, {100, 120}), Label(12, 2, "", 2, {200.5, 120}),
+                           Label(13, 3, "", 4, {300, 120})}}});
+    d_window->d_page_widget->Set_Active_Page(ids.first());
+    d_window->d_data_changed = false;
+    QCoreApplication::processEvents();
+}
+
+void TestHabits::Turn(const QPoint& angle, const QPointF& position,
+                      Qt::KeyboardModifiers modifiers) const
+{
+    QWheelEvent event(position, Page()->mapToGlobal(position.toPoint()), QPoint(), angle,
+                      Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(Page(), &event);
+}
+
+/// What of the scene is at a point of the view, without rounding.
+QPointF TestHabits::Scene_Point(const QPointF& position) const
+{
+    return d_window->d_display_widget->viewportTransform().inverted().map(position);
+}
+
+void TestHabits::Focus(QWidget* widget) const
+{
+    widget->setFocus();
+    QVERIFY(widget->hasFocus());
+}
+
+/// Where the labels of the active page are: id, place in the model, place in the view.
+QStringList TestHabits::Positions() const
+{
+    QStringList lines;
+    for (int i = 0; i < d_window->d_data.Item_Count(); ++i) {
+        const TDataItem item = d_window->d_data.Item(i);
+        const QPointF shown = d_window->d_display_widget->Item_Position(item.id);
+        lines += QString("%1 %2,%3%4")
+                     .arg(item.id)
+                     .arg(item.position.x())
+                     .arg(item.position.y())
+                     .arg(shown == item.position ? "" : " elsewhere in the view");
+    }
+    return lines;
+}
+
+QString TestHabits::Picture_File(const QString& name, int seed) const
+{
+    const QString path = d_folder->filePath(name);
+    if (!Support::Picture(60 + seed, 40, seed).save(path, "PNG"))
+        qFatal("cannot write %s", qPrintable(path));
+    return path;
+}
+
+// --- zooming by wheel ----------------------------------------------------------------------------
+
+void TestHabits::a_notch_moves_the_zoom_slider_data()
+{
+    QTest::addColumn<int>("angle");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("away") << notch << 5 << "1.11 X";
+    QTest::newRow("towards") << -notch << -5 << "0.90 X";
+    QTest::newRow("two at once") << 2 * notch << 10 << "1.22 X";
+    QTest::newRow("a fifth") << notch / 5 << 1 << "1.02 X";
+    QTest::newRow("too little") << notch / 5 - 1 << 0 << "1.00 X";
+}
+
+void TestHabits::a_notch_moves_the_zoom_slider()
+{
+    QFETCH(int, angle);
+    QFETCH(int, value);
+    QFETCH(QString, text);
+    Show_Page();
+    Turn(angle);
+    QCOMPARE(Zoom(), value);
+    QCOMPARE(d_window->d_zoom_label->text(), text);
+    const double scale = std::exp(value / 50.0);
+    QVERIFY(std::abs(d_window->d_display_widget->transform().m11() - scale) < 1e-9);
+    QVERIFY(!d_window->d_data_changed);
+}
+
+void TestHabits::parts_of_a_notch_add_up()
+{
+    Show_Page();
+    for (int part = 0; part < 12; ++part)
+        Turn(10);
+    QCOMPARE(Zoom(), 5);
+    for (int part = 0; part < 24; ++part)
+        Turn(-15);
+    QCOMPARE(Zoom(), -10);
+}
+
+void TestHabits::turning_back_starts_anew()
+{
+    Show_Page();
+    Turn(23);
+    Turn(-24);
+    QCOMPARE(Zoom(), -1);
+}
+
+void TestHabits::the_wheel_stops_at_the_sliders_ends()
+{
+    Show_Page();
+    for (int turn = 0; turn < 30; ++turn)
+        Turn(notch);
+    QCOMPARE(Zoom(), 100);
+    QCOMPARE(d_window->d_zoom_label->text(), QString("7.39 X"));
+    Turn(-notch);
+    QCOMPARE(Zoom(), 95);
+    for (int turn = 0; turn < 50; ++turn)
+        Turn(-notch);
+    QCOMPARE(Zoom(), -100);
+}
+
+void TestHabits::what_is_under_the_pointer_stays_there_data()
+{
+    QTest::addColumn<QPoint>("position");
+    QTest::addColumn<int>("angle");
+    for (const int angle : {notch, -notch, 24, 3 * notch}) {
+        for (const QPoint position : {QPoint(40, 30), QPoint(200, 150), QPoint(7, 220)})
+            QTest::addRow("%d at (%d, %d)", angle, position.x(), position.y()) << position << angle;
+    }
+}
+
+void TestHabits::what_is_under_the_pointer_stays_there()
+{
+    QFETCH(QPoint, position);
+    QFETCH(int, angle);
+    Show_Page();
+    d_window->d_display_widget->centerOn(500, 700);
+    const QPointF point = Scene_Point(position);
+    Turn(QPoint(0, angle), position);
+    QVERIFY(Zoom() != 0);
+    const QPointF now = d_window->d_display_widget->viewportTransform().map(point);
+    QVERIFY2((now - position).manhattanLength() <= 1.0,
+             qPrintable(QString("%1, %2").arg(now.x()).arg(now.y())));
+}
+
+void TestHabits::many_zooms_do_not_drift()
+{
+    Show_Page();
+    d_window->d_display_widget->centerOn(500, 700);
+    const QPoint position(61, 47);
+    const QPointF point = Scene_Point(position);
+    for (int turn = 0; turn < 40; ++turn)
+        Turn(QPoint(0, turn % 8 < 4 ? 48 : -72), position);
+    const QPointF now = d_window->d_display_widget->viewportTransform().map(point);
+    QVERIFY((now - position).manhattanLength() <= 1.0);
+
+    // Once the view was scrolled, it is about what is under the pointer now.
+    d_window->d_display_widget->centerOn(450, 650);
+    const QPointF other = Scene_Point(position);
+    Turn(QPoint(0, notch), position);
+    const QPointF there = d_window->d_display_widget->viewportTransform().map(other);
+    QVERIFY((there - position).manhattanLength() <= 1.0);
+}
+
+void TestHabits::what_slipped_away_at_an_end_is_let_go()
+{
+    // From near until the whole page is in the middle of the view, and near again: each turn keeps
+    // what is under the pointer when it begins, wherever the view can still scroll.
+    Show_Page();
+    d_window->d_zoom_slider->setValue(30);
+    const QPoint position = Page()->rect().center() + QPoint(20, -30);
+    int kept = 0;
+    for (int turn = 0; turn < 60; ++turn) {
+        const QPointF point = Scene_Point(position);
+        Turn(QPoint(0, turn < 30 ? -notch : notch), position);
+        const QPointF now = d_window->d_display_widget->viewportTransform().map(point);
+        const std::tuple<const QScrollBar*, double> axes[] = {
+            {d_window->d_display_widget->horizontalScrollBar(), now.x() - position.x()},
+            {d_window->d_display_widget->verticalScrollBar(), now.y() - position.y()}};
+        for (const auto& [bar, distance] : axes) {
+            const bool is_at_end = bar->value() == bar->minimum() || bar->value() == bar->maximum();
+            QVERIFY2(is_at_end || std::abs(distance) <= 1.0,
+                     qPrintable(QString("turn %1: off by %2").arg(turn).arg(distance)));
+            kept += is_at_end ? 0 : 1;
+        }
+        QCoreApplication::processEvents();
+    }
+    QVERIFY2(kept > 30, qPrintable(QString::number(kept)));
+}
+
+void TestHabits::a_page_smaller_than_the_view_stays_in_the_middle()
+{
+    Show_Page(QSize(320, 160));
+    d_window->d_data.Set_Active_Page(-1);
+    Turn(QPoint(0, -5 * notch), QPointF(5, 5));
+    QCOMPARE(Zoom(), -25);
+    QVERIFY(!d_window->d_display_widget->horizontalScrollBar()->isVisible());
+    const QPointF middle = Scene_Point(Page()->rect().center());
+    const QPointF page = d_window->d_display_widget->sceneRect().center();
+    QVERIFY((middle - page).manhattanLength() <= 4.0);
+}
+
+void TestHabits::without_ctrl_alone_the_wheel_does_not_zoom_data()
+{
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::newRow("none") << Qt::KeyboardModifiers();
+    QTest::newRow("Shift") << Qt::KeyboardModifiers(Qt::ShiftModifier);
+    QTest::newRow("Ctrl and Shift")
+        << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier);
+}
+
+void TestHabits::without_ctrl_alone_the_wheel_does_not_zoom()
+{
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    Show_Page();
+    QScrollBar* const bar = d_window->d_display_widget->verticalScrollBar();
+    const int before = bar->value();
+    Turn(QPoint(0, -notch), QPointF(50, 50), modifiers);
+    QCOMPARE(Zoom(), 0);
+    QVERIFY(bar->value() > before);
+}
+
+// --- the Delete key ------------------------------------------------------------------------------
+
+void TestHabits::delete_in_the_item_list_asks()
+{
+    Show_Page();
+    TRowList* const list = List(d_window->d_label_widget);
+    Focus(list);
+    d_window->d_label_widget->Set_Selection(11);
+    d_window->d_label_widget->Add_Selection(13);
+    QString asked;
+    const auto look = [&asked](QMessageBox* box) { asked = box->text() + box->informativeText(); };
+    const auto press = [list] { QTest::keyClick(list, Qt::Key_Delete); };
+    QCOMPARE(Run_Answering(press, {Support::Look_And_Press(look, QMessageBox::No)}), QString());
+    QVERIFY(asked.contains("Remove Labels"));
+    QVERIFY(asked.contains("Labels will be deleted.  Are you sure?"));
+    QCOMPARE(list->count(), 3);
+    QVERIFY(!d_window->d_data_changed);
+
+    QCOMPARE(Run_Answering(press, {Support::Press(QMessageBox::Yes)}), QString());
+    QCOMPARE(Positions(), QStringList({"12 200.5,120"}));
+    QCOMPARE(list->count(), 1);
+    QVERIFY(d_window->d_data_changed);
+}
+
+void TestHabits::delete_in_the_page_list_asks()
+{
+    Show_Page();
+    TRowList* const list = List(d_window->d_page_widget);
+    Focus(list);
+    QString asked;
+    const auto look = [&asked](QMessageBox* box) { asked = box->text(); };
+    // The number pad's key is the same key.
+    const auto press = [list] { QTest::keyClick(list, Qt::Key_Delete, Qt::KeypadModifier); };
+    QCOMPARE(Run_Answering(press, {Support::Look_And_Press(look, QMessageBox::Yes)}), QString());
+    QVERIFY(asked.contains("Remove Pages"));
+    QCOMPARE(d_window->d_data.Page_Count(), 0);
+    QCOMPARE(list->count(), 0);
+}
+
+void TestHabits::delete_without_a_selection_does_not_ask()
+{
+    Show_Page();
+    for (const QWidget* panel : {static_cast<QWidget*>(d_window->d_label_widget),
+                                 static_cast<QWidget*>(d_window->d_page_widget)}) {
+        TRowList* const list = List(panel);
+        list->clearSelection();
+        list->setFocus();
+        QCOMPARE(Run_Answering([list] { QTest::keyClick(list, Qt::Key_Delete); }, {}), QString());
+    }
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
+}
+
+void TestHabits::delete_in_the_editors_edits()
+{
+    Show_Page();
+    d_window->d_label_widget->Set_Selection(11);
+    for (const QString& tool_tip : {QString("Item Value"), QString("Page Item Name")}) {
+        auto* const editor = Support::By_Tool_Tip<QLineEdit>(*d_window, tool_tip);
+        Focus(editor);
+        editor->setText("7");
+        editor->home(false);
+        QCOMPARE(Run_Answering([editor] { QTest::keyClick(editor, Qt::Key_Delete); }, {}),
+                 QString());
+        QCOMPARE(editor->text(), QString());
+    }
+    QCOMPARE(d_window->d_data.Item_Count(), 3);
+}
+
+void TestHabits::delete_with_modifiers_or_held_down_does_not_ask()
+{
+    Show_Page();
+    TRowList* const list = List(d_window->d_page_widget);
+    Focus(list);
+    const auto press = [list] {
+        for (const Qt::KeyboardModifier modifier :
+             {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier})
+            QTest::keyClick(list, Qt::Key_Delete, modifier);
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier, QString(), true);
+        QApplication::sendEvent(list, &held);
+    };
+    QCOMPARE(Run_Answering(press, {}), QString());
+}
+
+// --- moving labels by keys -----------------------------------------------------------------------
+
+void TestHabits::ctrl_and_arrows_move_the_selected_labels_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<QPointF>("step");
+    const struct
+    {
+        const char* name;
+        int key;
+        QPointF step;
+    } arrows[] = {{"left", Qt::Key_Left, {-1, 0}},
+                  {"right", Qt::Key_Right, {1, 0}},
+                  {"up", Qt::Key_Up, {0, -1}},
+                  {"down", Qt::Key_Down, {0, 1}}};
+    for (const auto& arrow : arrows) {
+        QTest::addRow("%s", arrow.name)
+            << arrow.key << Qt::KeyboardModifiers(Qt::ControlModifier) << arrow.step;
+        QTest::addRow("far %s", arrow.name)
+            << arrow.key << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier)
+            << 10 * arrow.step;
+    }
+    QTest::newRow("number pad") << int(Qt::Key_Left)
+                                << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::KeypadModifier)
+                                << QPointF(-1, 0);
+}
+
+void TestHabits::ctrl_and_arrows_move_the_selected_labels()
+{
+    QFETCH(int, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(QPointF, step);
+    Show_Page();
+    Focus(d_window->d_display_widget);
+    d_window->d_label_widget->Set_Selection(11);
+    d_window->d_label_widget->Add_Selection(12);
+    QVERIFY(!d_window->d_data_changed);
+    // However the page is zoomed, a step is one of the page image's pixels.
+    d_window->d_zoom_slider->setValue(37);
+    const int scrolled = d_window->d_display_widget->horizontalScrollBar()->value();
+    QTest::keyClick(d_window->d_display_widget, Qt::Key(key), modifiers);
+    QCOMPARE(
+        Positions(),
+        QStringList({QString("11 %1,%2").arg(100 + step.x()).arg(120 + step.y()),
+                     QString("12 %1,%2").arg(200.5 + step.x()).arg(120 + step.y()), "13 300,120"}));
+    QVERIFY(d_window->d_data_changed);
+    QCOMPARE(d_window->d_display_widget->horizontalScrollBar()->value(), scrolled);
+    QCOMPARE(d_window->d_label_widget->Selected_Items().size(), std::size_t(2));
+}
+
+void TestHabits::a_key_that_is_held_down_moves_on()
+{
+    Show_Page();
+    d_window->d_label_widget->Set_Selection(13);
+    for (int repeat = 0; repeat < 25; ++repeat) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Down, Qt::ControlModifier, QString(), repeat > 0);
+        QApplication::sendEvent(d_window->d_display_widget, &press);
+    }
+    QCOMPARE(Positions().last(), QString("13 300,145"));
+}
+
+void TestHabits::nothing_selected_moves_nothing()
+{
+    Show_Page();
+    Focus(d_window->d_display_widget);
+    const QStringList before = Positions();
+    const int scrolled = d_window->d_display_widget->verticalScrollBar()->value();
+    QTest::keyClick(d_window->d_display_widget, Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(Positions(), before);
+    QVERIFY(!d_window->d_data_changed);
+    QCOMPARE(d_window->d_display_widget->verticalScrollBar()->value(), scrolled);
+}
+
+void TestHabits::arrows_without_ctrl_scroll()
+{
+    Show_Page();
+    Focus(d_window->d_display_widget);
+    d_window->d_label_widget->Set_Selection(11);
+    const QStringList before = Positions();
+    const int scrolled = d_window->d_display_widget->verticalScrollBar()->value();
+    QTest::keyClick(d_window->d_display_widget, Qt::Key_Down);
+    QVERIFY(d_window->d_display_widget->verticalScrollBar()->value() > scrolled);
+    QCOMPARE(Positions(), before);
+    QVERIFY(!d_window->d_data_changed);
+}
+
+void TestHabits::ctrl_and_arrows_in_a_list_move_no_label()
+{
+    Show_Page();
+    TRowList* const list = List(d_window->d_label_widget);
+    Focus(list);
+    d_window->d_label_widget->Set_Selection(11);
+    const QStringList before = Positions();
+    QTest::keyClick(list, Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(Positions(), before);
+}
+
+// --- dropping files ------------------------------------------------------------------------------
+
+/// Drags something over a widget; whether it was accepted, by the widget or one behind it.
+bool TestHabits::Drag(QEvent::Type type, QWidget* over, const QMimeData& dragged,
+                      Qt::DropActions actions) const
+{
+    const QPoint position = over->rect().center();
+    std::unique_ptr<QDropEvent> event;
+    if (type == QEvent::DragEnter)
+        event = std::make_unique<QDragEnterEvent>(position, actions, &dragged, Qt::LeftButton,
+                                                  Qt::NoModifier);
+    else if (type == QEvent::DragMove)
+        event = std::make_unique<QDragMoveEvent>(position, actions, &dragged, Qt::LeftButton,
+                                                 Qt::NoModifier);
+    else
+        event = std::make_unique<QDropEvent>(position, actions, &dragged, Qt::LeftButton,
+                                             Qt::NoModifier);
+    // The drop itself goes to whoever accepted the drag.
+    QWidget* target = over;
+    while (type == QEvent::Drop && !target->acceptDrops())
+        target = target->parentWidget();
+    QApplication::sendEvent(target, event.get());
+    if (event->isAccepted() && event->dropAction() == Qt::MoveAction)
+        qFatal("the files would be moved");
+    return event->isAccepted();
+}
+
+/// Drags files over a widget and drops them there if it lets them; whether it did.
+bool TestHabits::Drop_Files(QWidget* over, const QStringList& paths) const
+{
+    QMimeData dragged;
+    QList<QUrl> urls;
+    for (const QString& path : paths)
+        urls += QUrl::fromLocalFile(path);
+    dragged.setUrls(urls);
+    // File managers give the names as a text as well.
+    dragged.setText(paths.join('\n'));
+    return Drag(QEvent::DragEnter, over, dragged) && Drag(QEvent::DragMove, over, dragged) &&
+           Drag(QEvent::Drop, over, dragged);
+}
+
+void TestHabits::dropped_images_become_pages()
+{
+    QDir(d_folder->path()).mkdir("scans");
+    const QStringList paths = {Picture_File("scans/c.png", 1), Picture_File("scans/a.PNG", 2),
+                               Picture_File("b.png", 3)};
+    QVERIFY(Drop_Files(Page(), paths));
+    QCOMPARE(Support::Describe(d_window.get()),
+             QStringList({"page 1 Page 1 61x40", "page 2 Page 2 62x40", "page 3 Page 3 63x40"}));
+    QVERIFY(d_window->d_data_changed);
+    QCOMPARE(d_window->d_working_dir.absolutePath(), d_folder->filePath("scans"));
+    for (const QAction* action : {d_window->d_action_export_images, d_window->d_action_export_pdf,
+                                  d_window->d_action_reindex, d_window->d_action_save})
+        QVERIFY(action->isEnabled());
+}
+
+void TestHabits::a_drop_works_everywhere_data()
+{
+    QTest::addColumn<QString>("place");
+    for (const char* place : {"window", "page", "view", "item list", "page list", "editor",
+                              "format", "menu bar", "status bar", "slider", "dock"})
+        QTest::newRow(place) << place;
+}
+
+void TestHabits::a_drop_works_everywhere()
+{
+    QFETCH(QString, place);
+    Show_Page();
+    const QMap<QString, QWidget*> widgets = {
+        {"window", d_window.get()},
+        {"page", Page()},
+        {"view", d_window->d_display_widget},
+        {"item list", List(d_window->d_label_widget)->viewport()},
+        {"page list", List(d_window->d_page_widget)->viewport()},
+        {"editor", Support::By_Tool_Tip<QLineEdit>(*d_window, "Page Item Name")},
+        {"format", Support::By_Caption<QLineEdit>(*d_window, "Item Display Format:")},
+        {"menu bar", d_window->menuBar()},
+        {"status bar", d_window->statusBar()},
+        {"slider", d_window->d_zoom_slider},
+        {"dock", d_window->d_settings_dock},
+    };
+    QVERIFY(widgets.value(place));
+    QVERIFY(Drop_Files(widgets.value(place), {Picture_File("a.png")}));
+    QCOMPARE(d_window->d_data.Page_Count(), 2);
+    QCOMPARE(d_window->d_page_widget->Page_Name(1), QString("Plan"));
+}
+
+void TestHabits::a_drop_on_a_floating_dock_works()
+{
+    d_window->d_page_dock->setFloating(true);
+    QVERIFY(Drop_Files(List(d_window->d_page_widget)->viewport(), {Picture_File("a.png")}));
+    QVERIFY(Drop_Files(d_window->d_page_dock, {Picture_File("b.png")}));
+    QCOMPARE(d_window->d_data.Page_Count(), 2);
+    d_window->d_page_dock->setFloating(false);
+}
+
+void TestHabits::a_drop_fills_an_empty_page()
+{
+    d_window->Add_Page();
+    d_window->d_page_widget->Set_Active_Page(1);
+    QVERIFY(Drop_Files(Page(), {Picture_File("a.png")}));
+    QCOMPARE(Support::Describe(d_window.get()), QStringList({"page 1 Page 1 61x40"}));
+    QVERIFY(d_window->d_label_widget->isEnabled());
+}
+
+void TestHabits::image_names_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("taken");
+    for (const char* suffix :
+         {"bmp", "gif", "jpg", "jpeg", "png", "pbm", "pgm", "ppm", "xbm", "xpm", "PNG", "Jpg"})
+        QTest::newRow(suffix) << QString("/a/b.%1").arg(suffix) << true;
+    for (const char* name : {"tiff", "png.txt", "pngx", "quillet", "svg", "pdf", ""})
+        QTest::newRow(name) << QString("/a.png/b.%1").arg(name) << false;
+    QTest::newRow("no suffix") << "/a/png" << false;
+    QTest::newRow("two suffixes") << "/a/b.txt.png" << true;
+}
+
+void TestHabits::image_names()
+{
+    QFETCH(QString, path);
+    QFETCH(bool, taken);
+    QCOMPARE(ImageFiles::Is_Image_Name(path), taken);
+}
+
+void TestHabits::what_is_no_image_file_is_refused_data()
+{
+    QTest::addColumn<QStringList>("urls");
+    QTest::newRow("nothing") << QStringList();
+    QTest::newRow("text") << QStringList({"file://%1/notes.txt"});
+    QTest::newRow("missing") << QStringList({"file://%1/missing.png"});
+    QTest::newRow("folder") << QStringList({"file://%1/folder.png"});
+    QTest::newRow("elsewhere") << QStringList({"https://quillet.example/a.png"});
+}
+
+void TestHabits::what_is_no_image_file_is_refused()
+{
+    QFETCH(QStringList, urls);
+    Support::Write_File(d_folder->filePath("notes.txt"), "some text");
+    QDir(d_folder->path()).mkdir("folder.png");
+    QMimeData dragged;
+    QList<QUrl> dragged_urls;
+    for (const QString& url : urls)
+        dragged_urls += QUrl(url.contains("%1") ? url.arg(d_folder->path()) : url);
+    if (!urls.isEmpty())
+        dragged.setUrls(dragged_urls);
+    for (QWidget* over : {static_cast<QWidget*>(d_window.get()), Page(),
+                          List(d_window->d_page_widget)->viewport()}) {
+        QVERIFY(!Drag(QEvent::DragEnter, over, dragged));
+        QVERIFY(!Drag(QEvent::DragMove, over, dragged));
+        Drag(QEvent::Drop, over, dragged);
+    }
+    QCOMPARE(d_window->d_data.Page_Count(), 0);
+    QVERIFY(!d_window->d_data_changed);
+}
+
+void TestHabits::images_among_other_files_are_taken()
+{
+    Support::Write_File(d_folder->filePath("notes.txt"), "some text");
+    QVERIFY(Drop_Files(Page(), {d_folder->filePath("notes.txt"), Picture_File("a.png")}));
+    QCOMPARE(Support::Describe(d_window.get()), QStringList({"page 1 Page 1 61x40"}));
+}
+
+void TestHabits::files_are_copied_and_never_moved()
+{
+    QMimeData dragged;
+    dragged.setUrls({QUrl::fromLocalFile(Picture_File("a.png"))});
+    for (const QEvent::Type type : {QEvent::DragEnter, QEvent::DragMove, QEvent::Drop})
+        QVERIFY(!Drag(type, Page(), dragged, Qt::MoveAction));
+    QCOMPARE(d_window->d_data.Page_Count(), 0);
+}
+
+void TestHabits::a_drop_waits_for_no_dialog()
+{
+    const QString path = Picture_File("a.png");
+    bool taken = true;
+    QCOMPARE(Run_Answering([this] { d_window->Help_About(); }, {[&](QWidget* box) {
+                               taken = Drop_Files(Page(), {path});
+                               Support::Press(QMessageBox::Ok)(box);
+                           }}),
+             QString());
+    QVERIFY(!taken);
+    QCOMPARE(d_window->d_data.Page_Count(), 0);
+}
+
+void TestHabits::texts_are_still_dropped_on_editors()
+{
+    auto* const editor = Support::By_Caption<QLineEdit>(*d_window, "Item Display Format:");
+    editor->clear();
+    QMimeData dragged;
+    dragged.setText("No. %1");
+    QVERIFY(Drag(QEvent::DragEnter, editor, dragged, Qt::CopyAction));
+    QVERIFY(Drag(QEvent::Drop, editor, dragged, Qt::CopyAction));
+    QCOMPARE(editor->text(), QString("No. %1"));
+}
+
+// --- rows by keyboard ----------------------------------------------------------------------------
+
+void TestHabits::alt_and_arrows_move_rows_data()
+{
+    QTest::addColumn<QList<int>>("selected");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QList<int>>("order");
+    QTest::newRow("up") << QList<int>({3}) << int(Qt::Key_Up) << QList<int>({1, 3, 2, 4});
+    QTest::newRow("down") << QList<int>({2}) << int(Qt::Key_Down) << QList<int>({1, 3, 2, 4});
+    QTest::newRow("up at the top")
+        << QList<int>({1}) << int(Qt::Key_Up) << QList<int>({1, 2, 3, 4});
+    QTest::newRow("down at the end")
+        << QList<int>({4}) << int(Qt::Key_Down) << QList<int>({1, 2, 3, 4});
+    QTest::newRow("two up") << QList<int>({2, 3}) << int(Qt::Key_Up) << QList<int>({2, 3, 1, 4});
+    QTest::newRow("two down") << QList<int>({2, 3}) << int(Qt::Key_Down)
+                              << QList<int>({1, 4, 2, 3});
+    QTest::newRow("apart, up") << QList<int>({2, 4}) << int(Qt::Key_Up) << QList<int>({2, 1, 4, 3});
+    QTest::newRow("one of two at the end")
+        << QList<int>({2, 4}) << int(Qt::Key_Down) << QList<int>({1, 2, 3, 4});
+    QTest::newRow("none") << QList<int>() << int(Qt::Key_Up) << QList<int>({1, 2, 3, 4});
+}
+
+void TestHabits::alt_and_arrows_move_rows()
+{
+    QFETCH(QList<int>, selected);
+    QFETCH(int, key);
+    QFETCH(QList<int>, order);
+    Support::Add_Pages(d_window.get(),
+                       {{"A", {}, {}}, {"B", {}, {}}, {"C", {}, {}}, {"D", {}, {}}});
+    TRowList* const list = List(d_window->d_page_widget);
+    Focus(list);
+    list->clearSelection();
+    for (const int id : selected)
+        list->Row(id)->setSelected(true);
+    QTest::keyClick(list, Qt::Key(key), Qt::AltModifier);
+    QCOMPARE(d_window->d_page_widget->Page_Ids(), order);
+    for (int id = 1; id <= 4; ++id)
+        QCOMPARE(list->Row(id)->isSelected(), selected.contains(id));
+}
+
+void TestHabits::moved_pages_keep_their_selection_and_names()
+{
+    const QImage picture = Support::Picture(30, 20);
+    Support::Add_Pages(d_window.get(), {{"A", picture, {}}, {"B", picture, {}}, {"C", {}, {}}});
+    TRowList* const list = List(d_window->d_page_widget);
+    Focus(list);
+    list->setCurrentRow(1);
+    QSignalSpy selections(d_window->d_page_widget, SIGNAL(Selection_Changed(int)));
+    QSignalSpy moves(list->model(), &QAbstractItemModel::rowsMoved);
+    QTest::keyClick(list, Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(list, Qt::Key_Up, Qt::AltModifier);
+    QTest::keyClick(list, Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(moves.size(), 3);
+    QCOMPARE(selections.size(), 0);
+    QCOMPARE(d_window->d_page_widget->Page_Ids(), QList<int>({2, 1, 3}));
+    QCOMPARE(d_window->d_page_widget->Page_Name(2), QString("B"));
+    QCOMPARE(list->currentRow(), 0);
+    QCOMPARE(d_window->d_data.Active_Page(), 2);
+}
+
+// --- where the keyboard is -----------------------------------------------------------------------
+
+void TestHabits::the_frame_tells_where_the_keyboard_is()
+{
+    Show_Page();
+    const QList<QAbstractScrollArea*> views = {
+        d_window->d_display_widget, List(d_window->d_label_widget), List(d_window->d_page_widget)};
+    const auto frames = [&views] {
+        QStringList words;
+        for (QAbstractScrollArea* view : views) {
+            const QImage picture = view->grab().toImage();
+            const QPoint last = picture.rect().bottomRight();
+            const bool has_frame = picture.pixelColor(0, last.y() / 2).saturation() > 100 &&
+                                   picture.pixelColor(last.x(), last.y() / 2).saturation() > 100 &&
+                                   picture.pixelColor(last.x() / 2, 0).saturation() > 100 &&
+                                   picture.pixelColor(last.x() / 2, last.y()).saturation() > 100;
+            words += has_frame ? "blue" : "grey";
+        }
+        return words.join(' ');
+    };
+    const QStringList expected = {"blue grey grey", "grey blue grey", "grey grey blue"};
+    for (int place = 0; place < views.size(); ++place) {
+        Focus(views[place]);
+        QCOMPARE(frames(), expected[place]);
+    }
+    Focus(Support::By_Caption<QLineEdit>(*d_window, "Item Display Format:"));
+    QCOMPARE(frames(), QString("grey grey grey"));
+}
+
+// --- long work -----------------------------------------------------------------------------------
+
+/// The texts of the progress bar while work is done in which each look at the clock finds it 300 ms
+/// later.
+QStringList TestHabits::Shown_While(const std::function<void()>& work)
+{
+    d_window->d_progress_clock = [this] { return d_time += 300; };
+    TBarReader reader;
+    QCoreApplication::instance()->installEventFilter(&reader);
+    work();
+    QCoreApplication::instance()->removeEventFilter(&reader);
+    if (!reader.d_was_busy || QApplication::overrideCursor())
+        reader.d_texts += "the cursor is wrong";
+    if (reader.d_parents.size() > 1 || d_window->findChild<QProgressBar*>())
+        reader.d_texts += "the bar stays";
+    reader.d_texts.removeDuplicates();
+    return reader.d_texts;
+}
+
+void TestHabits::an_import_is_shown()
+{
+    const QStringList paths = {Picture_File("a.png"), Picture_File("b.png"), Picture_File("c.png")};
+    const auto import = [&] {
+        QCOMPARE(Run_Answering([this] { d_window->File_Import(); }, {Support::Choose(paths)}),
+                 QString());
+    };
+    QCOMPARE(Shown_While(import), QStringList({"Importing image 1 of 3", "Importing image 2 of 3",
+                                               "Importing image 3 of 3"}));
+    QCOMPARE(d_window->d_data.Page_Count(), 3);
+}
+
+void TestHabits::one_large_image_is_shown_while_it_is_read()
+{
+    const QString path = d_folder->filePath("large.png");
+    QVERIFY(Support::Picture(900, 700).save(path));
+    QCOMPARE(Shown_While([&] { d_window->Import_Files({path}); }),
+             QStringList({"Importing image 1 of 1"}));
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Save_Data(d_folder->filePath("a.quillet"))); }),
+             QStringList({"Saving page 1 of 1"}));
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Load_Data(d_folder->filePath("a.quillet"))); }),
+             QStringList({"Opening page 1 of 1"}));
+}
+
+void TestHabits::saving_and_opening_are_shown()
+{
+    const QImage picture = Support::Picture(30, 20);
+    Support::Add_Pages(d_window.get(), {{"A", picture, {}}, {"B", picture, {}}, {"C", {}, {}}});
+    const QString path = d_folder->filePath("a.quillet");
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Save_Data(path)); }),
+             QStringList({"Saving page 1 of 3", "Saving page 2 of 3", "Saving page 3 of 3"}));
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Load_Data(path)); }),
+             QStringList({"Opening page 2 of 3", "Opening page 3 of 3"}));
+    QCOMPARE(d_window->d_data.Page_Count(), 3);
+
+    // A fault half way ends it too.
+    QByteArray bytes = Support::Read_File(path);
+    bytes.truncate(bytes.size() - 8);
+    Support::Write_File(path, bytes);
+    Shown_While([&] { QVERIFY(!d_window->Load_Data(path)); });
+    QVERIFY(!d_window->findChild<QProgressBar*>());
+}
+
+void TestHabits::exports_are_shown()
+{
+    const QImage picture = Support::Picture(30, 20);
+    const QList<int> ids =
+        Support::Add_Pages(d_window.get(), {{"A", picture, {}}, {"B", picture, {}}});
+    // Each page is looked at twice, before it is drawn and before it is written.
+    const QStringList expected = {"Exporting page 1 of 2", "Exporting page 2 of 2"};
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Export_Images(d_folder->path(), ids)); }),
+             expected);
+    const TQuillet::TReportSettings settings{0, 1, QString(), QString()};
+    const QString path = d_folder->filePath("a.pdf");
+    QCOMPARE(Shown_While([&] { QVERIFY(d_window->Export_PDF(path, ids, settings)); }), expected);
+}
+
+void TestHabits::short_work_is_not_shown()
+{
+    d_window->d_progress_clock = [this] { return ++d_time; };
+    TBarReader reader;
+    QCoreApplication::instance()->installEventFilter(&reader);
+    d_window->Import_Files({Picture_File("a.png"), Picture_File("b.png")});
+    QCoreApplication::instance()->removeEventFilter(&reader);
+    QCOMPARE(reader.d_texts, QStringList());
+}
+
+void TestHabits::the_bar_fits_beside_the_zoom_control()
+{
+    d_window->resize(d_window->minimumSizeHint());
+    QCoreApplication::processEvents();
+    const QSize size = d_window->size();
+    {
+        d_time = 0;
+        d_window->d_progress_clock = [this] { return d_time += 600; };
+        TProgress progress = d_window->New_Progress("%1 of %2");
+        progress.Step(1, 2);
+        const auto* const bar = d_window->findChild<QProgressBar*>();
+        QVERIFY(bar);
+        QVERIFY(d_window->statusBar()->rect().contains(bar->geometry()));
+        QVERIFY(bar->width() > 100);
+        const QWidget* const zoom = d_window->d_zoom_slider->parentWidget();
+        QVERIFY(!zoom->geometry().intersects(bar->geometry()));
+        QCoreApplication::processEvents();
+        QCOMPARE(d_window->size(), size);
+    }
+    QVERIFY(!d_window->findChild<QProgressBar*>());
+}
+
+QTEST_MAIN(TestHabits)
+#include "test_gestures.moc"

@@ -1,0 +1,519 @@
+// Page images: decoded when looked at, encoded at most once, and kept within bounds.
+
+#include "src/model/pageimage.h"
+#include "support/support.h"
+
+#include <QBuffer>
+#include <QImageReader>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QtEndian>
+
+namespace {
+
+QByteArray Encoded(const QImage& image, const char* format)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format);
+    return bytes;
+}
+
+quint32 Crc(const QByteArray& bytes)
+{
+    quint32 crc = 0xffffffff;
+    for (const char byte : bytes) {
+        crc ^= static_cast<quint8>(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1) ^ (crc & 1 ? 0xedb88320 : 0);
+    }
+    return ~crc;
+}
+
+template <typename TNumber>
+QByteArray Big(TNumber number)
+{
+    QByteArray bytes(sizeof(TNumber), '\0');
+    qToBigEndian(number, bytes.data());
+    return bytes;
+}
+
+template <typename TNumber>
+QByteArray Little(TNumber number)
+{
+    QByteArray bytes(sizeof(TNumber), '\0');
+    qToLittleEndian(number, bytes.data());
+    return bytes;
+}
+
+/// A PNG whose header promises this size.
+QByteArray Promising_Png(quint32 width, quint32 height)
+{
+    QByteArray bytes = Support::Png(Support::Picture(8, 8));
+    bytes.replace(16, 8, Big(width) + Big(height));
+    bytes.replace(29, 4, Big(Crc(bytes.mid(12, 17))));
+    return bytes;
+}
+
+/// A grey picture in a format that takes few bytes to promise much.
+QByteArray Promising_Pgm(int width, int height)
+{
+    return "P5\n" + QByteArray::number(width) + ' ' + QByteArray::number(height) + "\n255\n" +
+           "abc";
+}
+
+QByteArray Promising_Bmp(qint32 width, qint32 height)
+{
+    QByteArray bytes = Encoded(Support::Picture(8, 8), "BMP");
+    return bytes.replace(18, 8, Little(width) + Little(height));
+}
+
+/// An icon file with one entry that leaves the size open, and this picture in it.
+QByteArray Icon(const QByteArray& picture)
+{
+    return Little<quint16>(0) + Little<quint16>(1) + Little<quint16>(1) + QByteArray(4, '\0') +
+           Little<quint16>(1) + Little<quint16>(32) +
+           Little<quint32>(static_cast<quint32>(picture.size())) + Little<quint32>(22) + picture;
+}
+
+QByteArray Bitmap_Header(qint32 width, qint32 height)
+{
+    return Little<quint32>(40) + Little(width) + Little(height) + Little<quint16>(1) +
+           Little<quint16>(32) + QByteArray(24, '\0') + QByteArray(64, 'x');
+}
+
+QByteArray Text_Of_Xpm()
+{
+    return "/* XPM */\nstatic char *x[]={\n\"2 2 2 1\",\n\"a c #ff0000\",\n\"b c "
+           "#0000ff\",\n\"ab\",\n"
+           "\"ba\"};\n";
+}
+
+QImage Transparent_Picture()
+{
+    QImage image(30, 20, QImage::Format_ARGB32);
+    image.fill(QColor(10, 200, 30, 77));
+    image.setPixelColor(3, 4, QColor(255, 0, 0, 255));
+    image.setPixelColor(5, 4, Qt::transparent);
+    return image;
+}
+
+/// Encoded pictures of all sorts, broken ones among them.
+QVector<QPair<const char*, QByteArray>> Samples()
+{
+    const QImage picture = Support::Picture(40, 30, 3);
+    QByteArray bad_checksum = Support::Png(picture);
+    bad_checksum[40] = static_cast<char>(bad_checksum[40] ^ 0x55);
+    const QByteArray jpeg = Encoded(picture, "JPG");
+    return {
+        {"png", Support::Png(picture)},
+        {"png with transparency", Support::Png(Transparent_Picture())},
+        {"png with a palette", Support::Png(picture.convertToFormat(QImage::Format_Indexed8))},
+        {"png of two colours", Support::Png(picture.convertToFormat(QImage::Format_Mono))},
+        {"grey png", Support::Png(picture.convertToFormat(QImage::Format_Grayscale8))},
+        {"png of 16 bits", Support::Png(picture.convertToFormat(QImage::Format_RGBA64))},
+        {"jpeg", jpeg},
+        {"grey jpeg", Encoded(picture.convertToFormat(QImage::Format_Grayscale8), "JPG")},
+        {"bmp", Encoded(picture, "BMP")},
+        {"ppm", Encoded(picture, "PPM")},
+        {"xbm", Encoded(picture.convertToFormat(QImage::Format_Mono), "XBM")},
+        {"xpm", Text_Of_Xpm()},
+        {"ico", Encoded(picture, "ICO")},
+        {"ico of a png", Icon(Support::Png(picture))},
+        {"gif",
+         QByteArray::fromBase64("R0lGODlhAgACAIAAAP8AAAAA/yH5BAAAAAAALAAAAAACAAIAAAIDRAIFADs=")},
+        {"png cut short", Support::Png(picture).left(200)},
+        {"png with a wrong checksum", bad_checksum},
+        {"png signature alone", Support::Png(picture).left(8)},
+        {"png with rubbish behind it", Support::Png(picture) + "rubbish"},
+        {"jpeg cut short", jpeg.left(jpeg.size() * 2 / 3)},
+        {"icon without a picture", Icon(QByteArray())},
+        {"icon cut short", Icon(QByteArray()).left(20)},
+        {"text", QByteArray("this is no image")},
+        {"one byte", QByteArray("\0", 1)},
+    };
+}
+
+void Add_Samples()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    for (const auto& sample : Samples())
+        QTest::newRow(sample.first) << sample.second;
+}
+
+/// Compares all that a page image answers with a plain image; the order of the questions differs.
+void Compare(const TPageImage& image, const QImage& expected)
+{
+    QCOMPARE(image.isNull(), expected.isNull());
+    QCOMPARE(image.size(), expected.size());
+    const QImage pixels = image;
+    QCOMPARE(pixels.format(), expected.format());
+    QCOMPARE(pixels, expected);
+    QCOMPARE(image.isNull(), expected.isNull());
+    QCOMPARE(image.size(), expected.size());
+}
+
+/// A picture whose pixels take 64 MiB and whose bytes are few.
+QByteArray Large_Png(int seed)
+{
+    QImage image(4096, 4096, QImage::Format_RGB32);
+    image.fill(QColor(seed, 100, 50));
+    return Support::Png(image);
+}
+
+constexpr qint64 large_bytes = 64LL * 1024 * 1024;
+
+} // namespace
+
+class TestPageImage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup()
+    {
+        // Pixels of images that are gone take no room.
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    }
+
+    void a_null_image_answers_as_a_null_qimage()
+    {
+        for (const TPageImage& image :
+             {TPageImage(), TPageImage(QImage()), TPageImage::From_Bytes(QByteArray())}) {
+            Compare(image, QImage());
+            QVERIFY(image.Png().isEmpty());
+            QVERIFY(image.Source_Bytes().isEmpty());
+        }
+    }
+
+    void an_image_that_came_as_pixels_gives_back_that_very_image()
+    {
+        const QImage picture = Support::Picture(40, 30).convertToFormat(QImage::Format_RGB888);
+        const TPageImage image = picture;
+        Compare(image, picture);
+        QCOMPARE(QImage(image).cacheKey(), picture.cacheKey());
+        QCOMPARE(image.Png(), Support::Png(picture));
+        QCOMPARE(image.Source_Bytes(), Support::Png(picture));
+        QCOMPARE(QImage(image).cacheKey(), picture.cacheKey());
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    }
+
+    void bytes_are_decoded_as_the_toolkit_does_data() { Add_Samples(); }
+
+    void bytes_are_decoded_as_the_toolkit_does()
+    {
+        QFETCH(const QByteArray, bytes);
+        const QImage expected = QImage::fromData(bytes);
+        Compare(TPageImage::From_Bytes(bytes), expected);
+        QCOMPARE(TPageImage::From_Bytes(bytes).size(), expected.size());
+        QCOMPARE(QImage(TPageImage::From_Bytes(bytes)), expected);
+    }
+
+    void source_bytes_are_those_that_came_data() { Add_Samples(); }
+
+    void source_bytes_are_those_that_came()
+    {
+        QFETCH(const QByteArray, bytes);
+        const TPageImage image = TPageImage::From_Bytes(bytes);
+        QCOMPARE(image.Source_Bytes(), bytes);
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        image.isNull();
+        image.Png();
+        QCOMPARE(image.Source_Bytes(), bytes);
+    }
+
+    void png_bytes_and_undecodable_ones_are_kept_and_others_encoded_data() { Add_Samples(); }
+
+    void png_bytes_and_undecodable_ones_are_kept_and_others_encoded()
+    {
+        QFETCH(const QByteArray, bytes);
+        const QImage decoded = QImage::fromData(bytes);
+        const bool is_png = bytes.startsWith(QByteArray::fromHex("89504e470d0a1a0a"));
+        const QByteArray expected = is_png || decoded.isNull() ? bytes : Support::Png(decoded);
+        QCOMPARE(TPageImage::From_Bytes(bytes).Png(), expected);
+    }
+
+    void png_bytes_are_handed_out_without_decoding()
+    {
+        const TPageImage image = TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30)));
+        image.Png();
+        image.Source_Bytes();
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    }
+
+    void png_bytes_are_made_once_for_all_copies()
+    {
+        const TPageImage image = TPageImage::From_Bytes(Encoded(Support::Picture(40, 30), "BMP"));
+        const TPageImage copy = image;
+        const QByteArray bytes = image.Png();
+        QCOMPARE(copy.Png().constData(), bytes.constData());
+        QCOMPARE(image.Png().constData(), bytes.constData());
+        const TPageImage from_pixels = Support::Picture(20, 20);
+        QCOMPARE(from_pixels.Png().constData(), from_pixels.Png().constData());
+    }
+
+    void pixels_stay_in_the_store_between_questions()
+    {
+        const QImage picture = Support::Picture(40, 30);
+        const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
+        QVERIFY(!image.isNull());
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
+        const TPageImage copy = image;
+        QCOMPARE(QImage(copy).cacheKey(), QImage(image).cacheKey());
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
+    }
+
+    void encoding_takes_no_room_in_the_store()
+    {
+        const QImage picture = Support::Picture(40, 30);
+        const TPageImage image = TPageImage::From_Bytes(Encoded(picture, "BMP"));
+        QCOMPARE(QImage::fromData(image.Png()), picture);
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(image.size(), picture.size());
+    }
+
+    void painting_on_the_pixels_leaves_the_page_image_alone()
+    {
+        const QImage picture = Support::Picture(40, 30);
+        const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
+        QImage pixels = image;
+        pixels.fill(Qt::red);
+        QCOMPARE(QImage(image), picture);
+    }
+
+    void an_undecodable_image_takes_no_room()
+    {
+        const TPageImage image = TPageImage::From_Bytes("no image");
+        QVERIFY(image.isNull());
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    }
+
+    void a_part_of_an_array_is_shared_and_kept_alive()
+    {
+        const QImage picture = Support::Picture(40, 30);
+        const QByteArray png = Support::Png(picture);
+        const char* place = nullptr;
+        TPageImage image;
+        {
+            const QByteArray whole = "before" + png + "behind";
+            place = whole.constData() + 6;
+            image = TPageImage::From_Part(whole, 6, png.size());
+        }
+        QCOMPARE(static_cast<const void*>(image.Png().constData()),
+                 static_cast<const void*>(place));
+        QCOMPARE(image.Png(), png);
+        Compare(image, picture);
+    }
+
+    void a_part_is_clipped_to_the_array_data()
+    {
+        QTest::addColumn<int>("offset");
+        QTest::addColumn<int>("length");
+        QTest::addColumn<QByteArray>("part");
+        QTest::newRow("inside") << 2 << 3 << QByteArray("cde");
+        QTest::newRow("the whole") << 0 << 8 << QByteArray("abcdefgh");
+        QTest::newRow("past the end") << 5 << 100 << QByteArray("fgh");
+        QTest::newRow("far past the end") << 5 << 2147483647 << QByteArray("fgh");
+        QTest::newRow("from the end") << 8 << 4 << QByteArray();
+        QTest::newRow("from behind the end") << 2147483647 << 2147483647 << QByteArray();
+        QTest::newRow("no length") << 3 << 0 << QByteArray();
+        QTest::newRow("negative length") << 3 << -2 << QByteArray();
+        QTest::newRow("from before the start") << -2 << 4 << QByteArray("ab");
+    }
+
+    void a_part_is_clipped_to_the_array()
+    {
+        QFETCH(const int, offset);
+        QFETCH(const int, length);
+        QFETCH(const QByteArray, part);
+        const TPageImage image = TPageImage::From_Part("abcdefgh", offset, length);
+        QCOMPARE(image.Source_Bytes(), part);
+        QCOMPARE(image.Png(), part);
+        QVERIFY(image.isNull());
+    }
+
+    void more_than_500_megapixels_are_undecodable_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("png") << Promising_Png(25000, 20001);
+        QTest::newRow("wide png") << Promising_Png(500'000'001, 1);
+        QTest::newRow("pgm") << Promising_Pgm(25000, 20001);
+        QTest::newRow("bmp") << Promising_Bmp(25000, 20001);
+        QTest::newRow("bmp upside down") << Promising_Bmp(25000, -20001);
+        QTest::newRow("icon of a bitmap") << Icon(Bitmap_Header(50000, 50000));
+        QTest::newRow("icon of a png") << Icon(Promising_Png(50000, 50000));
+    }
+
+    void more_than_500_megapixels_are_undecodable()
+    {
+        QFETCH(const QByteArray, bytes);
+        const TPageImage image = TPageImage::From_Bytes(bytes);
+        Compare(image, QImage());
+        QCOMPARE(image.Png(), bytes);
+
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("picture"));
+        Support::Write_File(path, bytes);
+        QVERIFY(TPageImage::From_File(path).isNull());
+    }
+
+    // A picture of one bit a pixel shows the bound itself without taking much memory.
+    void exactly_500_megapixels_are_decoded()
+    {
+        const QByteArray header = "P4\n25000 20000\n";
+        const QByteArray bytes = header + QByteArray(3125 * 20000, '\x55');
+        const TPageImage image = TPageImage::From_Bytes(bytes);
+        QVERIFY(!image.isNull());
+        QCOMPARE(image.size(), QSize(25000, 20000));
+        QVERIFY(TPageImage::From_Bytes("P4\n25000 20001\n" + QByteArray(3125 * 20001, '\x55'))
+                    .isNull());
+    }
+
+    void a_file_is_read_as_the_toolkit_does_data() { Add_Samples(); }
+
+    void a_file_is_read_as_the_toolkit_does()
+    {
+        QFETCH(const QByteArray, bytes);
+        const QTemporaryDir folder;
+        for (const char* const name : {"plain", "picture.png", "picture.jpg", "picture.txt"}) {
+            const QString path = folder.filePath(QString::fromLatin1(name));
+            Support::Write_File(path, bytes);
+            const QImage expected(path);
+            const TPageImage image = TPageImage::From_File(path);
+            QVERIFY(QFile::remove(path));
+            Compare(image, expected);
+            QCOMPARE(image.Source_Bytes(), expected.isNull() ? QByteArray() : bytes);
+        }
+    }
+
+    void source_bytes_are_read_alike_whatever_the_file_was_called_data()
+    {
+        QTest::addColumn<QByteArray>("format");
+        QTest::addColumn<QString>("suffix");
+        const QByteArray formats[] = {"bmp", "ico", "jpg", "pbm", "pgm",
+                                      "png", "ppm", "xbm", "xpm"};
+        for (const QByteArray& format : formats) {
+            for (const char* const suffix :
+                 {"bmp", "cur", "ico", "jpg", "pbm", "png", "xbm", "txt"})
+                QTest::newRow(format + " named " + suffix) << format << QString::fromLatin1(suffix);
+        }
+    }
+
+    void source_bytes_are_read_alike_whatever_the_file_was_called()
+    {
+        QFETCH(const QByteArray, format);
+        QFETCH(const QString, suffix);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("picture.") + suffix);
+        QVERIFY(Support::Picture(40, 30).save(path, format.constData()));
+        const QImage expected(path);
+        const TPageImage image = TPageImage::From_Bytes(TPageImage::From_File(path).Source_Bytes());
+        QCOMPARE(Support::Difference(image, expected), QString());
+    }
+
+    void a_file_s_suffix_may_be_left_out_as_with_the_toolkit()
+    {
+        const QTemporaryDir folder;
+        const QByteArray bytes = Support::Png(Support::Picture(40, 30));
+        Support::Write_File(folder.filePath(QStringLiteral("picture.png")), bytes);
+        const QString path = folder.filePath(QStringLiteral("picture"));
+        QVERIFY(!QImage(path).isNull());
+        QCOMPARE(TPageImage::From_File(path).Source_Bytes(), bytes);
+    }
+
+    void a_file_that_cannot_be_read_gives_a_null_image()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(TPageImage::From_File(QString()).isNull());
+        QVERIFY(TPageImage::From_File(folder.path()).isNull());
+        QVERIFY(TPageImage::From_File(folder.filePath(QStringLiteral("missing.png"))).isNull());
+    }
+
+    void a_png_file_is_taken_over_byte_by_byte()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("picture.png"));
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        Support::Picture(40, 30).save(&buffer, "PNG", 100);
+        Support::Write_File(path, bytes);
+        QVERIFY(bytes != Support::Png(Support::Picture(40, 30)));
+        QCOMPARE(TPageImage::From_File(path).Png(), bytes);
+    }
+
+    void the_store_is_bounded_and_forgets_what_was_used_longest_ago()
+    {
+        QVector<TPageImage> images;
+        for (int seed = 0; seed < 5; ++seed)
+            images.append(TPageImage::From_Bytes(Large_Png(seed)));
+        QVector<qint64> keys;
+        for (int index = 0; index < 4; ++index)
+            keys.append(QImage(images[index]).cacheKey());
+        QCOMPARE(TPageImage::Stored_Bytes(), TPageImage::Store_Bytes);
+        // The first one is used again, so the second has to go when the fifth comes.
+        QCOMPARE(QImage(images[0]).cacheKey(), keys[0]);
+        QVERIFY(!images[4].isNull());
+        QCOMPARE(TPageImage::Stored_Bytes(), TPageImage::Store_Bytes);
+        QCOMPARE(QImage(images[0]).cacheKey(), keys[0]);
+        QCOMPARE(QImage(images[2]).cacheKey(), keys[2]);
+        QCOMPARE(QImage(images[3]).cacheKey(), keys[3]);
+        // What is known of an image does not go with its pixels.
+        QVERIFY(!images[1].isNull());
+        QCOMPARE(images[1].size(), QSize(4096, 4096));
+        QCOMPARE(QImage(images[3]).cacheKey(), keys[3]);
+        const QImage again = images[1];
+        QVERIFY(again.cacheKey() != keys[1]);
+        QCOMPARE(again.pixelColor(4000, 4000), QColor(1, 100, 50));
+        images.remove(1);
+        QCOMPARE(TPageImage::Stored_Bytes(), 3 * large_bytes);
+    }
+
+    void the_newest_image_stays_even_when_it_alone_is_too_large()
+    {
+        const TPageImage small = TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30)));
+        QVERIFY(!small.isNull());
+        QImage picture(10000, 8000, QImage::Format_RGB32);
+        picture.fill(Qt::blue);
+        const TPageImage large = TPageImage::From_Bytes(Support::Png(picture));
+        const qint64 key = QImage(large).cacheKey();
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
+        QCOMPARE(QImage(large).cacheKey(), key);
+        QVERIFY(!QImage(small).isNull());
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(40 * 30 * 4));
+    }
+
+    void images_are_compared_with_pictures_by_their_pixels()
+    {
+        const QImage picture = Support::Picture(40, 30);
+        const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
+        QVERIFY(image == picture);
+        QVERIFY(picture == image);
+        QVERIFY(image != Support::Picture(40, 30, 1));
+        QCOMPARE(image.width(), 40);
+        QCOMPARE(image.height(), 30);
+    }
+
+    void a_moved_from_image_is_a_null_image()
+    {
+        TPageImage image = Support::Picture(40, 30);
+        const TPageImage taken = std::move(image);
+        QCOMPARE(taken.size(), QSize(40, 30));
+        image = TPageImage();
+        QVERIFY(image.isNull());
+    }
+
+    void assigning_replaces_without_touching_copies()
+    {
+        TPageImage image = Support::Picture(40, 30);
+        const TPageImage copy = image;
+        image = Support::Picture(10, 10);
+        QCOMPARE(image.size(), QSize(10, 10));
+        QCOMPARE(copy.size(), QSize(40, 30));
+    }
+};
+
+QTEST_MAIN(TestPageImage)
+#include "test_pageimage.moc"

@@ -1,0 +1,271 @@
+// The version before a save: what is kept of it, under which name, and how much in all.
+
+#include "src/safety/backup.h"
+#include "support/support.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+using Support::Entries;
+using Support::Make_Old;
+using Support::Mode;
+using Support::Read_File;
+using Support::Write_File;
+
+class TestBackup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void a_backup_holds_what_the_document_held();
+    void there_is_one_backup_a_document();
+    void documents_do_not_share_a_backup();
+    void nothing_is_kept_of_nothing_data();
+    void nothing_is_kept_of_nothing();
+    void a_document_is_known_however_it_is_reached();
+    void a_deleted_document_still_has_its_backup();
+    void the_list_tells_document_time_and_size_newest_first();
+    void the_oldest_go_when_all_together_are_too_large();
+    void the_newest_stays_even_when_it_alone_is_too_large();
+    void folder_and_files_are_for_their_owner();
+    void a_folder_that_is_a_link_is_refused_data();
+    void a_folder_that_is_a_link_is_refused();
+    void a_copy_that_comes_short_leaves_the_one_before();
+    void two_runs_do_not_disturb_each_other();
+    void what_dead_runs_left_unfinished_is_removed();
+
+private:
+    QString In(const QString& name) const { return d_folder->filePath(name); }
+    QString Document(const QString& name, const QByteArray& content) const;
+    TBackup Backup(qint64 limit = TBackup::Default_Limit) const
+    {
+        return TBackup(In("settings/backup"), limit);
+    }
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+};
+
+void TestBackup::init()
+{
+    d_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(QDir(d_folder->path()).mkdir("settings"));
+    QVERIFY(QDir(d_folder->path()).mkdir("documents"));
+}
+
+void TestBackup::cleanup()
+{
+    d_folder.reset();
+}
+
+QString TestBackup::Document(const QString& name, const QByteArray& content) const
+{
+    const QString path = In("documents/" + name);
+    Write_File(path, content);
+    return path;
+}
+
+void TestBackup::a_backup_holds_what_the_document_held()
+{
+    const QString document = Document("a.quillet", "version one");
+    QVERIFY(Backup().Keep(document, true));
+    QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version one"));
+}
+
+void TestBackup::there_is_one_backup_a_document()
+{
+    const QString document = Document("a.quillet", "version one, the longer one");
+    QVERIFY(Backup().Keep(document, false));
+    Document("a.quillet", "version two");
+    QVERIFY(Backup().Keep(document, false));
+    QCOMPARE(Backup().List().size(), size_t(1));
+    QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version two"));
+    QCOMPARE(Entries(In("settings/backup")).size(), 2);
+}
+
+void TestBackup::documents_do_not_share_a_backup()
+{
+    const QString first = Document("a.quillet", "a");
+    const QString second = Document("b.quillet", "b");
+    QVERIFY(Backup().Keep(first, false) && Backup().Keep(second, false));
+    QCOMPARE(Read_File(Backup().Path_For(first)), QByteArray("a"));
+    QCOMPARE(Read_File(Backup().Path_For(second)), QByteArray("b"));
+}
+
+void TestBackup::nothing_is_kept_of_nothing_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("no such file") << "missing.quillet";
+    QTest::newRow("empty file") << "empty.quillet";
+    QTest::newRow("folder") << "folder";
+}
+
+void TestBackup::nothing_is_kept_of_nothing()
+{
+    QFETCH(QString, name);
+    Document("empty.quillet", QByteArray());
+    QVERIFY(QDir(In("documents")).mkdir("folder"));
+    QVERIFY(Backup().Keep(In("documents/" + name), true));
+    QVERIFY(Backup().List().empty());
+}
+
+void TestBackup::a_document_is_known_however_it_is_reached()
+{
+    const QString document = Document("a.quillet", "content");
+    QVERIFY(QFile::link(In("documents"), In("other")));
+    QVERIFY(Backup().Keep(In("other/../documents/./a.quillet"), false));
+    QCOMPARE(Backup().Path_For(In("other/a.quillet")), Backup().Path_For(document));
+    QCOMPARE(Backup().List().front().document, QFileInfo(document).canonicalFilePath());
+}
+
+void TestBackup::a_deleted_document_still_has_its_backup()
+{
+    const QString document = Document("a.quillet", "content");
+    QVERIFY(QFile::link(In("documents"), In("other")));
+    QVERIFY(Backup().Keep(document, false));
+    QVERIFY(QFile::remove(document));
+    QCOMPARE(Read_File(Backup().Path_For(In("other/a.quillet"))), QByteArray("content"));
+}
+
+void TestBackup::the_list_tells_document_time_and_size_newest_first()
+{
+    const QString names[] = {"a.quillet", "b.quillet", "c.quillet"};
+    const int ages[] = {300, 100, 200};
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(Backup().Keep(Document(names[i], QByteArray(i + 1, 'x')), false));
+        Make_Old(Backup().Path_For(In("documents/" + names[i])), ages[i]);
+    }
+    const std::vector<TKeptFile> list = Backup().List();
+    QCOMPARE(list.size(), size_t(3));
+    const int order[] = {1, 2, 0};
+    for (size_t place = 0; place < list.size(); ++place) {
+        const int i = order[place];
+        QCOMPARE(list[place].document, In("documents/" + names[i]));
+        QCOMPARE(list[place].size, qint64(i + 1));
+        QCOMPARE(list[place].path, Backup().Path_For(list[place].document));
+        const qint64 age = list[place].time.secsTo(QDateTime::currentDateTime());
+        QVERIFY2(age >= ages[i] && age < ages[i] + 60, qPrintable(QString::number(age)));
+    }
+}
+
+void TestBackup::the_oldest_go_when_all_together_are_too_large()
+{
+    const char* const names[] = {"a", "b", "c", "d"};
+    for (int i = 0; i < 4; ++i) {
+        const QString document = Document(names[i], QByteArray(100, 'x'));
+        QVERIFY(Backup(250).Keep(document, false));
+        Make_Old(Backup().Path_For(document), 1000 - i);
+    }
+    QStringList left;
+    for (const TKeptFile& file : Backup().List())
+        left += QFileInfo(file.document).fileName();
+    QCOMPARE(left, QStringList({"d", "c"}));
+    QCOMPARE(Entries(In("settings/backup")).size(), 4);
+}
+
+void TestBackup::the_newest_stays_even_when_it_alone_is_too_large()
+{
+    QVERIFY(Backup(250).Keep(Document("small", "x"), false));
+    const QString large = Document("large", QByteArray(1000, 'x'));
+    QVERIFY(Backup(250).Keep(large, false));
+    QCOMPARE(Backup().List().size(), size_t(1));
+    QCOMPARE(Backup().List().front().document, large);
+}
+
+void TestBackup::folder_and_files_are_for_their_owner()
+{
+    const QString document = Document("a.quillet", "content");
+    QVERIFY(QFile::setPermissions(document, QFile::ReadOwner | QFile::WriteOwner |
+                                                QFile::ReadGroup | QFile::ReadOther));
+    QVERIFY(QDir(In("settings")).mkdir("backup"));
+    QVERIFY(QFile::setPermissions(In("settings/backup"), QFile::ReadOwner | QFile::WriteOwner |
+                                                             QFile::ExeOwner | QFile::ReadOther |
+                                                             QFile::ExeOther));
+    QVERIFY(Backup().Keep(document, true));
+    QCOMPARE(Mode(In("settings/backup")), QString("700"));
+    const QStringList files = Entries(In("settings/backup"));
+    QCOMPARE(files.size(), 2);
+    for (const QString& file : files)
+        QCOMPARE(Mode(In("settings/backup/" + file)), QString("600"));
+}
+
+void TestBackup::a_folder_that_is_a_link_is_refused_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::newRow("the folder itself") << "settings/backup";
+    QTest::newRow("the settings folder") << "settings";
+}
+
+void TestBackup::a_folder_that_is_a_link_is_refused()
+{
+    QFETCH(QString, link);
+    QVERIFY(QDir(d_folder->path()).rmdir("settings"));
+    QVERIFY(QDir(d_folder->path()).mkpath("elsewhere/backup"));
+    if (link != "settings")
+        QVERIFY(QDir(d_folder->path()).mkdir("settings"));
+    QVERIFY(QFile::link(In("elsewhere"), In(link)));
+    QVERIFY(!Backup().Keep(Document("a.quillet", "content"), false));
+    QCOMPARE(Entries(In("elsewhere")), QStringList{"backup"});
+    QVERIFY(Entries(In("elsewhere/backup")).isEmpty());
+}
+
+void TestBackup::a_copy_that_comes_short_leaves_the_one_before()
+{
+    const QString document = Document("a.quillet", "version one");
+    QVERIFY(Backup().Keep(document, false));
+    Document("a.quillet", QByteArray(5000, 'x'));
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        Support::Limit_File_Size(4000);
+        return Backup().Keep(document, false) ? 1 : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version one"));
+    QCOMPARE(Entries(In("settings/backup")).size(), 2);
+}
+
+void TestBackup::two_runs_do_not_disturb_each_other()
+{
+    const QString document = Document("a.quillet", "version one");
+    QVERIFY(Backup().Keep(document, false));
+    Document("a.quillet", "version two");
+    const QString copy = Backup().Path_For(document);
+    TKeptNote note;
+    QVERIFY(note.Open(copy.left(copy.lastIndexOf('.')) + ".note", TKeptNote::TExisting::Take));
+    QVERIFY(!Backup().Keep(document, false));
+    QCOMPARE(Read_File(copy), QByteArray("version one"));
+    note.Close();
+    QVERIFY(Backup().Keep(document, false));
+    QCOMPARE(Read_File(copy), QByteArray("version two"));
+}
+
+void TestBackup::what_dead_runs_left_unfinished_is_removed()
+{
+    const QString folder = In("settings/backup/");
+    QVERIFY(Backup().Keep(Document("a.quillet", "content"), false));
+    const QStringList finished = Entries(folder);
+    for (const char* const name : {".quillet-old123", "note_alone.note", ".quillet-new123"})
+        Write_File(folder + name, "rest");
+    Write_File(folder + "something else", "not ours");
+    for (const char* const name : {".quillet-old123", "note_alone.note", "something else"})
+        Make_Old(folder + name, 3600);
+    TKeptNote held;
+    QVERIFY(held.Open(folder + "held.note", TKeptNote::TExisting::Refuse));
+    Make_Old(folder + "held.note", 3600);
+    Backup().Clean_Up();
+    QStringList expected = finished;
+    expected << ".quillet-new123"
+             << "something else"
+             << "held.note";
+    QStringList left = Entries(folder);
+    expected.sort();
+    left.sort();
+    QCOMPARE(left, expected);
+}
+
+QTEST_MAIN(TestBackup)
+#include "test_backup.moc"

@@ -1,0 +1,356 @@
+// Copies of unsaved work: when one is due, whose they are, and which have been left behind.
+
+#include "core/safefile.h"
+#include "src/format/projectfile.h"
+#include "src/safety/recovery.h"
+#include "support/support.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using Support::Entries;
+using Support::Mode;
+using Support::Read_File;
+
+namespace {
+
+/// A writer that is told apart from others by the label size.
+TProjectWriter Project(int label_size, int filling = 0)
+{
+    TProjectWriter writer;
+    writer.Write_Integer(label_size);
+    writer.Write_Text(QStringLiteral("#f79741"));
+    writer.Write_Text(QString(filling, QLatin1Char('f')));
+    writer.Write_Text(QString());
+    writer.Write_Integer(0);
+    return writer;
+}
+
+} // namespace
+
+class TestRecovery : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void a_copy_is_due_when_a_fiftieth_of_the_time_allows_it_data();
+    void a_copy_is_due_when_a_fiftieth_of_the_time_allows_it();
+    void the_first_change_is_copied_at_once();
+
+    void a_copy_is_a_whole_project_file();
+    void a_copy_replaces_the_one_before();
+    void the_note_follows_the_document();
+    void folder_and_files_are_for_their_owner_data();
+    void folder_and_files_are_for_their_owner();
+    void a_discarded_copy_leaves_nothing();
+    void a_released_copy_stays_and_the_next_has_another_name();
+    void a_copy_that_comes_short_leaves_the_one_before();
+    void a_first_copy_that_fails_leaves_nothing();
+    void a_folder_that_cannot_be_made_is_refused();
+    void the_copy_of_a_living_run_is_not_abandoned();
+    void the_copy_of_a_killed_run_is_abandoned();
+    void a_copy_without_a_note_is_abandoned();
+    void abandoned_copies_come_newest_first();
+    void later_runs_leave_abandoned_copies_as_they_are();
+    void only_abandoned_copies_of_the_folder_can_be_removed();
+    void a_living_run_keeps_its_unfinished_file();
+
+private:
+    QString Folder() const { return d_folder->filePath("recovery"); }
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+};
+
+void TestRecovery::init()
+{
+    d_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(d_folder->isValid());
+}
+
+void TestRecovery::cleanup()
+{
+    d_folder.reset();
+}
+
+void TestRecovery::a_copy_is_due_when_a_fiftieth_of_the_time_allows_it_data()
+{
+    QTest::addColumn<qint64>("begin");
+    QTest::addColumn<qint64>("end");
+    QTest::addColumn<qint64>("now");
+    QTest::addColumn<bool>("due");
+    QTest::newRow("at once") << qint64(1000) << qint64(1100) << qint64(1100) << false;
+    QTest::newRow("just before") << qint64(1000) << qint64(1100) << qint64(6099) << false;
+    QTest::newRow("fifty times as long") << qint64(1000) << qint64(1100) << qint64(6100) << true;
+    QTest::newRow("much later") << qint64(1000) << qint64(1100) << qint64(99999) << true;
+    QTest::newRow("nothing measured, early")
+        << qint64(1000) << qint64(1000) << qint64(1049) << false;
+    QTest::newRow("nothing measured, later")
+        << qint64(1000) << qint64(1000) << qint64(1050) << true;
+}
+
+void TestRecovery::a_copy_is_due_when_a_fiftieth_of_the_time_allows_it()
+{
+    QFETCH(qint64, begin);
+    QFETCH(qint64, end);
+    QFETCH(qint64, now);
+    TCopyPolicy policy;
+    policy.Note_Copy(begin, end);
+    QTEST(policy.Is_Due(now), "due");
+}
+
+void TestRecovery::the_first_change_is_copied_at_once()
+{
+    TCopyPolicy policy;
+    QVERIFY(policy.Is_Due(0));
+    policy.Note_Copy(0, 100);
+    QVERIFY(!policy.Is_Due(101));
+    policy.Reset();
+    QVERIFY(policy.Is_Due(101));
+}
+
+void TestRecovery::a_copy_is_a_whole_project_file()
+{
+    TRecovery recovery(Folder());
+    QVERIFY(!recovery.Has_Copy());
+    QVERIFY(recovery.Path().isEmpty());
+    QVERIFY(recovery.Write(Project(40), "/home/somebody/a.quillet"));
+    QVERIFY(recovery.Has_Copy());
+    QVERIFY(ProjectFile::Is_Whole(recovery.Path()));
+    QCOMPARE(Read_File(recovery.Path()), Support::Empty_Project(40));
+    QVERIFY(recovery.Path().endsWith(".quillet"));
+    QCOMPARE(QFileInfo(recovery.Path()).path(), Folder());
+}
+
+void TestRecovery::a_copy_replaces_the_one_before()
+{
+    TRecovery recovery(Folder());
+    QVERIFY(recovery.Write(Project(40, 100), QString()));
+    const QString path = recovery.Path();
+    QVERIFY(recovery.Write(Project(41), QString()));
+    QCOMPARE(recovery.Path(), path);
+    QCOMPARE(Read_File(path), Support::Empty_Project(41));
+    QCOMPARE(Entries(Folder()).size(), 2);
+}
+
+void TestRecovery::the_note_follows_the_document()
+{
+    for (const QString& document :
+         {QString(), QString("/a/long/path.quillet"), QString::fromUtf8("/\xc3\xa4.quillet")}) {
+        {
+            TRecovery recovery(Folder());
+            QVERIFY(recovery.Write(Project(40), "/before"));
+            QVERIFY(recovery.Write(Project(41), document));
+        }
+        TRecovery later(Folder());
+        const std::vector<TKeptFile> found = later.Abandoned();
+        QCOMPARE(found.size(), size_t(1));
+        QCOMPARE(found.front().document, document);
+        later.Remove_Abandoned(found.front().path);
+    }
+}
+
+void TestRecovery::folder_and_files_are_for_their_owner_data()
+{
+    QTest::addColumn<int>("mask");
+    QTest::newRow("none") << 0;
+    QTest::newRow("usual") << 022;
+    QTest::newRow("all") << 0777;
+}
+
+void TestRecovery::folder_and_files_are_for_their_owner()
+{
+    QFETCH(int, mask);
+    const mode_t before = umask(static_cast<mode_t>(mask));
+    TRecovery recovery(Folder());
+    const bool written = recovery.Write(Project(40), "/a");
+    umask(before);
+    QVERIFY(written);
+    QCOMPARE(Mode(Folder()), QString("700"));
+    const QStringList files = Entries(Folder());
+    QCOMPARE(files.size(), 2);
+    for (const QString& file : files)
+        QCOMPARE(Mode(Folder() + '/' + file), QString("600"));
+}
+
+void TestRecovery::a_discarded_copy_leaves_nothing()
+{
+    TRecovery recovery(Folder());
+    QVERIFY(recovery.Write(Project(40), "/a"));
+    recovery.Discard();
+    QVERIFY(!recovery.Has_Copy());
+    QVERIFY(Entries(Folder()).isEmpty());
+    recovery.Discard();
+    QVERIFY(recovery.Write(Project(41), "/a"));
+    QVERIFY(recovery.Has_Copy());
+}
+
+void TestRecovery::a_released_copy_stays_and_the_next_has_another_name()
+{
+    TRecovery recovery(Folder());
+    QStringList paths;
+    for (int i = 0; i < 5; ++i) {
+        QVERIFY(recovery.Write(Project(40 + i), "/a"));
+        QVERIFY(!paths.contains(recovery.Path()));
+        paths += recovery.Path();
+        recovery.Release();
+        QVERIFY(!recovery.Has_Copy());
+    }
+    for (int i = 0; i < 5; ++i)
+        QCOMPARE(Read_File(paths.at(i)), Support::Empty_Project(40 + i));
+    QCOMPARE(recovery.Abandoned().size(), size_t(5));
+}
+
+void TestRecovery::a_copy_that_comes_short_leaves_the_one_before()
+{
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        TRecovery recovery(Folder());
+        if (!recovery.Write(Project(40), "/a"))
+            return 1;
+        Support::Limit_File_Size(2000);
+        return recovery.Write(Project(41, 5000), "/a") ? 2 : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    const std::vector<TKeptFile> found = TRecovery(Folder()).Abandoned();
+    QCOMPARE(found.size(), size_t(1));
+    QCOMPARE(Read_File(found.front().path), Support::Empty_Project(40));
+    QCOMPARE(Entries(Folder()).size(), 2);
+}
+
+void TestRecovery::a_first_copy_that_fails_leaves_nothing()
+{
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(2000);
+        TRecovery recovery(Folder());
+        return recovery.Write(Project(41, 5000), "/a") || recovery.Has_Copy() ? 1 : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QVERIFY(Entries(Folder()).isEmpty());
+}
+
+void TestRecovery::a_folder_that_cannot_be_made_is_refused()
+{
+    Support::Write_File(Folder(), "a file is in the way");
+    TRecovery recovery(Folder());
+    QVERIFY(!recovery.Is_Possible());
+    QVERIFY(!recovery.Write(Project(40), "/a"));
+    QVERIFY(recovery.Abandoned().empty());
+    TRecovery deeper(Folder() + "/settings/recovery");
+    QVERIFY(!deeper.Write(Project(40), "/a"));
+}
+
+void TestRecovery::the_copy_of_a_living_run_is_not_abandoned()
+{
+    TRecovery living(Folder());
+    QVERIFY(living.Write(Project(40), "/a"));
+    TRecovery other(Folder());
+    QVERIFY(other.Write(Project(41), "/a"));
+    QVERIFY(living.Path() != other.Path());
+    QVERIFY(other.Abandoned().empty());
+    other.Remove_Abandoned(living.Path());
+    QCOMPARE(Read_File(living.Path()), Support::Empty_Project(40));
+    // Nor does looking at it take it away from the one who lives.
+    QVERIFY(living.Write(Project(42), "/a"));
+    QVERIFY(other.Abandoned().empty());
+}
+
+void TestRecovery::the_copy_of_a_killed_run_is_abandoned()
+{
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        TRecovery recovery(Folder());
+        if (recovery.Write(Project(40), "/a"))
+            kill(getpid(), SIGKILL);
+        return 1;
+    });
+    QCOMPARE(result.signal, SIGKILL);
+    const std::vector<TKeptFile> found = TRecovery(Folder()).Abandoned();
+    QCOMPARE(found.size(), size_t(1));
+    QCOMPARE(found.front().document, QString("/a"));
+    QCOMPARE(found.front().size, qint64(Support::Empty_Project(40).size()));
+    QCOMPARE(Read_File(found.front().path), Support::Empty_Project(40));
+}
+
+void TestRecovery::a_copy_without_a_note_is_abandoned()
+{
+    QVERIFY(QDir(d_folder->path()).mkdir("recovery"));
+    Support::Write_File(Folder() + "/some.quillet", Support::Empty_Project());
+    const std::vector<TKeptFile> found = TRecovery(Folder()).Abandoned();
+    QCOMPARE(found.size(), size_t(1));
+    QVERIFY(found.front().document.isEmpty());
+}
+
+void TestRecovery::abandoned_copies_come_newest_first()
+{
+    TRecovery recovery(Folder());
+    QStringList paths;
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(recovery.Write(Project(40 + i), "/a"));
+        paths += recovery.Path();
+        recovery.Release();
+    }
+    Support::Make_Old(paths.at(0), 10);
+    Support::Make_Old(paths.at(1), 30);
+    Support::Make_Old(paths.at(2), 20);
+    QStringList found;
+    for (const TKeptFile& file : recovery.Abandoned())
+        found += file.path;
+    QCOMPARE(found, QStringList({paths.at(0), paths.at(2), paths.at(1)}));
+}
+
+void TestRecovery::later_runs_leave_abandoned_copies_as_they_are()
+{
+    QString path;
+    {
+        TRecovery recovery(Folder());
+        QVERIFY(recovery.Write(Project(40), "/a"));
+        path = recovery.Path();
+    }
+    Support::Make_Old(path, 100000);
+    TRecovery later(Folder());
+    later.Clean_Up();
+    QVERIFY(later.Write(Project(41), "/a"));
+    later.Discard();
+    QCOMPARE(Read_File(path), Support::Empty_Project(40));
+    QCOMPARE(Entries(Folder()).size(), 2);
+}
+
+void TestRecovery::only_abandoned_copies_of_the_folder_can_be_removed()
+{
+    const QString elsewhere = d_folder->filePath("a.quillet");
+    Support::Write_File(elsewhere, Support::Empty_Project());
+    TRecovery recovery(Folder());
+    QVERIFY(recovery.Write(Project(40), "/a"));
+    const QString path = recovery.Path();
+    TRecovery later(Folder());
+    later.Remove_Abandoned(elsewhere);
+    later.Remove_Abandoned(QString());
+    later.Remove_Abandoned(path);
+    QVERIFY(QFile::exists(elsewhere) && QFile::exists(path));
+    recovery.Release();
+    later.Remove_Abandoned(Folder() + "/../recovery/" + QFileInfo(path).fileName());
+    QVERIFY(Entries(Folder()).isEmpty());
+}
+
+void TestRecovery::a_living_run_keeps_its_unfinished_file()
+{
+    TRecovery recovery(Folder());
+    QVERIFY(recovery.Write(Project(40), "/a"));
+    TSafeFile unfinished(Folder() + "/x.quillet", TSafeFile::TKind::Private);
+    const QString path = unfinished.Path_To_Write();
+    Support::Make_Old(path, 3600);
+    TRecovery(Folder()).Clean_Up();
+    QVERIFY(QFile::exists(path));
+    QVERIFY(QFile::exists(recovery.Path()));
+}
+
+QTEST_MAIN(TestRecovery)
+#include "test_recovery.moc"

@@ -1,0 +1,373 @@
+// The safety net as a whole: which copy is there after which event.
+
+#include "src/format/projectfile.h"
+#include "src/safety/safetynet.h"
+#include "support/support.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+using Support::Empty_Project;
+using Support::Entries;
+using Support::Read_File;
+using Support::Write_File;
+
+class TestSafetyNet : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void the_first_change_is_copied_at_once_and_the_second_when_it_is_due();
+    void a_pause_copies_only_what_is_not_in_the_copy();
+    void a_whole_save_removes_the_copy();
+    void the_first_change_after_a_save_is_copied_at_once();
+    void a_save_that_came_short_leaves_a_copy_data();
+    void a_save_that_came_short_leaves_a_copy();
+    void a_refused_save_leaves_a_copy();
+    void work_that_is_given_up_goes();
+    void work_that_is_set_aside_stays();
+    void the_version_before_a_save_is_kept();
+    void what_a_short_save_left_does_not_replace_the_version_before();
+    void kept_work_is_found_by_the_next_run_alone();
+    void kept_work_goes_when_it_has_been_opened_and_saved_elsewhere();
+    void kept_work_stays_otherwise_data();
+    void kept_work_stays_otherwise();
+    void a_useless_settings_folder_is_told_once_data();
+    void a_useless_settings_folder_is_told_once();
+    void a_full_settings_folder_is_told_once();
+    void without_a_place_for_copies_none_is_put_together();
+
+private:
+    QString In(const QString& name) const { return d_folder->filePath(name); }
+    QString Settings() const { return In("settings"); }
+    std::unique_ptr<TSafetyNet> Net();
+    QStringList Copies() const { return QDir(In("settings/recovery")).entryList({"*.quillet"}); }
+    QByteArray Only_Copy() const
+    {
+        return Copies().size() == 1 ? Read_File(In("settings/recovery/" + Copies().first()))
+                                    : QByteArray("not one copy");
+    }
+    QString Kept_Work();
+    void Save(TSafetyNet* net, const QString& path, const QByteArray& content) const;
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+    int d_label_size = 32;  ///< what a copy holds
+    int d_copies = 0;       ///< how many have been put together
+    int d_milliseconds = 0; ///< that putting one together takes
+};
+
+void TestSafetyNet::init()
+{
+    d_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(QDir(d_folder->path()).mkdir("settings"));
+    d_label_size = 32;
+    d_copies = 0;
+    d_milliseconds = 0;
+}
+
+void TestSafetyNet::cleanup()
+{
+    d_folder.reset();
+}
+
+std::unique_ptr<TSafetyNet> TestSafetyNet::Net()
+{
+    return std::make_unique<TSafetyNet>(Settings(), [this](TProjectWriter* writer) {
+        ++d_copies;
+        QThread::msleep(static_cast<unsigned long>(d_milliseconds));
+        writer->Write_Integer(d_label_size);
+        for (const char* const text : {"#f79741", "", ""})
+            writer->Write_Text(QString::fromLatin1(text));
+        writer->Write_Integer(0);
+    });
+}
+
+/// Lets a run end badly with a copy; returns its path.
+QString TestSafetyNet::Kept_Work()
+{
+    d_label_size = 77;
+    Net()->Note_Change("/original.quillet");
+    d_label_size = 32;
+    return Copies().size() == 1 ? In("settings/recovery/" + Copies().first()) : QString();
+}
+
+/// Writes a file as the window does; what is written may be less than it should be.
+void TestSafetyNet::Save(TSafetyNet* net, const QString& path, const QByteArray& content) const
+{
+    net->Before_Save(path);
+    Write_File(path, content);
+    net->After_Save(path, Empty_Project().size());
+}
+
+void TestSafetyNet::the_first_change_is_copied_at_once_and_the_second_when_it_is_due()
+{
+    const auto net = Net();
+    // Long enough that the second change comes within fifty times that.
+    d_milliseconds = 100;
+    net->Note_Change("/a");
+    QCOMPARE(d_copies, 1);
+    QCOMPARE(Only_Copy(), Empty_Project(32));
+    d_label_size = 40;
+    net->Note_Change("/a");
+    QCOMPARE(d_copies, 1);
+
+    // One that takes no time is due again soon.
+    d_milliseconds = 0;
+    d_copies = 0;
+    net->Give_Up();
+    net->Note_Change("/a");
+    QTRY_VERIFY((net->Note_Change("/a"), d_copies == 2));
+    QCOMPARE(Only_Copy(), Empty_Project(40));
+}
+
+void TestSafetyNet::a_pause_copies_only_what_is_not_in_the_copy()
+{
+    const auto net = Net();
+    net->Keep_Now("/a");
+    QCOMPARE(d_copies, 0);
+    d_milliseconds = 100;
+    net->Note_Change("/a");
+    net->Keep_Now("/a");
+    QCOMPARE(d_copies, 1);
+    d_label_size = 40;
+    net->Note_Change("/a");
+    QCOMPARE(d_copies, 1);
+    net->Keep_Now("/a");
+    QCOMPARE(d_copies, 2);
+    QCOMPARE(Only_Copy(), Empty_Project(40));
+    net->Keep_Now("/a");
+    QCOMPARE(d_copies, 2);
+}
+
+void TestSafetyNet::a_whole_save_removes_the_copy()
+{
+    const auto net = Net();
+    net->Note_Change("/a");
+    QCOMPARE(Copies().size(), 1);
+    Save(net.get(), In("a.quillet"), Empty_Project());
+    QVERIFY(Entries(In("settings/recovery")).isEmpty());
+    net->Keep_Now("/a");
+    QCOMPARE(d_copies, 1);
+}
+
+void TestSafetyNet::the_first_change_after_a_save_is_copied_at_once()
+{
+    const auto net = Net();
+    d_milliseconds = 100;
+    net->Note_Change("/a");
+    Save(net.get(), In("a.quillet"), Empty_Project());
+    net->Note_Change("/a");
+    QCOMPARE(d_copies, 2);
+    QCOMPARE(Copies().size(), 1);
+}
+
+void TestSafetyNet::a_save_that_came_short_leaves_a_copy_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("cut") << Empty_Project().chopped(1);
+    QTest::newRow("longer") << Empty_Project() + 'x';
+    QByteArray twisted = Empty_Project();
+    twisted[8] = 127;
+    QTest::newRow("right length, wrong structure") << twisted;
+}
+
+void TestSafetyNet::a_save_that_came_short_leaves_a_copy()
+{
+    QFETCH(QByteArray, content);
+    const auto net = Net();
+    // Also when nothing had been copied before.
+    Save(net.get(), In("a.quillet"), content);
+    QCOMPARE(Only_Copy(), Empty_Project(32));
+    d_label_size = 40;
+    net->Note_Change(In("a.quillet"));
+    Save(net.get(), In("a.quillet"), content);
+    QCOMPARE(Only_Copy(), Empty_Project(40));
+    QCOMPARE(Read_File(In("a.quillet")), content);
+}
+
+void TestSafetyNet::a_refused_save_leaves_a_copy()
+{
+    const auto net = Net();
+    net->Keep_Unsaved("/a");
+    QCOMPARE(Only_Copy(), Empty_Project(32));
+}
+
+void TestSafetyNet::work_that_is_given_up_goes()
+{
+    const auto net = Net();
+    net->Note_Change("/a");
+    net->Give_Up();
+    QVERIFY(Entries(In("settings/recovery")).isEmpty());
+    net->Keep_Now("/a");
+    QVERIFY(Copies().isEmpty());
+}
+
+void TestSafetyNet::work_that_is_set_aside_stays()
+{
+    const auto net = Net();
+    net->Note_Change("/a");
+    net->Set_Aside();
+    d_label_size = 40;
+    net->Note_Change("/b");
+    QCOMPARE(Copies().size(), 2);
+    net->Give_Up();
+    QCOMPARE(Only_Copy(), Empty_Project(32));
+}
+
+void TestSafetyNet::the_version_before_a_save_is_kept()
+{
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    const TBackup backup(In("settings/backup"));
+    for (int version = 41; version < 44; ++version) {
+        Save(net.get(), path, Empty_Project(version));
+        if (version > 41)
+            QCOMPARE(Read_File(backup.Path_For(path)), Empty_Project(version - 1));
+    }
+}
+
+void TestSafetyNet::what_a_short_save_left_does_not_replace_the_version_before()
+{
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    const TBackup backup(In("settings/backup"));
+    Write_File(path, Empty_Project(41));
+    Save(net.get(), path, "short");
+    Save(net.get(), path, "short again");
+    QCOMPARE(Read_File(backup.Path_For(path)), Empty_Project(41));
+    Save(net.get(), path, Empty_Project(42));
+    Save(net.get(), path, Empty_Project(43));
+    QCOMPARE(Read_File(backup.Path_For(path)), Empty_Project(42));
+}
+
+void TestSafetyNet::kept_work_is_found_by_the_next_run_alone()
+{
+    const auto living = Net();
+    QVERIFY(living->Found().empty());
+    living->Note_Change("/a");
+    QVERIFY(Net()->Found().empty());
+    const QString living_copy = Copies().first();
+    living->Set_Aside();
+    const auto next = Net();
+    QCOMPARE(next->Found().size(), size_t(1));
+    QCOMPARE(QFileInfo(next->Found().front().path).fileName(), living_copy);
+    QCOMPARE(next->Found().front().document, QString("/a"));
+}
+
+void TestSafetyNet::kept_work_goes_when_it_has_been_opened_and_saved_elsewhere()
+{
+    const QString kept = Kept_Work();
+    QVERIFY(!kept.isEmpty());
+    const auto net = Net();
+    net->Note_Opened(kept);
+    net->Note_Change(kept);
+    Save(net.get(), In("a.quillet"), "short");
+    QVERIFY(QFile::exists(kept));
+    Save(net.get(), In("a.quillet"), Empty_Project());
+    QVERIFY(Entries(In("settings/recovery")).isEmpty());
+}
+
+void TestSafetyNet::kept_work_stays_otherwise_data()
+{
+    QTest::addColumn<QString>("what");
+    for (const char* const what :
+         {"not opened", "another document taken", "work given up", "other opened since"})
+        QTest::newRow(what) << what;
+}
+
+void TestSafetyNet::kept_work_stays_otherwise()
+{
+    QFETCH(QString, what);
+    const QString kept = Kept_Work();
+    const auto net = Net();
+    if (what != "not opened")
+        net->Note_Opened(kept);
+    if (what == "another document taken")
+        net->Set_Aside();
+    if (what == "work given up")
+        net->Give_Up();
+    if (what == "other opened since")
+        net->Note_Opened(In("other.quillet"));
+    net->Note_Change("/a");
+    Save(net.get(), In("a.quillet"), Empty_Project());
+    QCOMPARE(Only_Copy(), Empty_Project(77));
+}
+
+void TestSafetyNet::a_useless_settings_folder_is_told_once_data()
+{
+    QTest::addColumn<QString>("defect");
+    for (const char* const defect : {"link", "not writable", "missing", "recovery is a link"})
+        QTest::newRow(defect) << defect;
+}
+
+void TestSafetyNet::a_useless_settings_folder_is_told_once()
+{
+    QFETCH(QString, defect);
+    const QDir folder(d_folder->path());
+    if (defect == "link" || defect == "missing")
+        QVERIFY(QDir(d_folder->path()).rmdir("settings"));
+    QVERIFY(folder.mkdir("elsewhere"));
+    if (defect == "link")
+        QVERIFY(QFile::link(In("elsewhere"), Settings()));
+    if (defect == "recovery is a link")
+        QVERIFY(QFile::link(In("elsewhere"), In("settings/recovery")));
+    if (defect == "not writable")
+        QVERIFY(QFile::setPermissions(Settings(), QFile::ReadOwner | QFile::ExeOwner));
+    Write_File(In("a.quillet"), Empty_Project(41));
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Obey_File_Permissions();
+        const auto net = Net();
+        for (int i = 0; i < 3; ++i) {
+            net->Note_Change(In("a.quillet"));
+            net->Keep_Now(In("a.quillet"));
+            Save(net.get(), In("a.quillet"), Empty_Project());
+        }
+        return 0;
+    });
+    QFile::setPermissions(Settings(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(result.error_output,
+             QByteArray("quillet: unsaved work cannot be kept in the settings folder\n"));
+    QVERIFY(Entries(In("elsewhere")).isEmpty());
+    QCOMPARE(Read_File(In("a.quillet")), Empty_Project());
+}
+
+void TestSafetyNet::a_full_settings_folder_is_told_once()
+{
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(4);
+        const auto net = Net();
+        for (int i = 0; i < 3; ++i) {
+            net->Note_Change("/a");
+            net->Keep_Now("/a");
+        }
+        return 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(result.error_output,
+             QByteArray("quillet: unsaved work cannot be kept in the settings folder\n"));
+    QVERIFY(Entries(In("settings/recovery")).isEmpty());
+}
+
+void TestSafetyNet::without_a_place_for_copies_none_is_put_together()
+{
+    Write_File(In("settings/recovery"), "in the way");
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        const auto net = Net();
+        net->Note_Change("/a");
+        net->Keep_Now("/a");
+        return d_copies;
+    });
+    QCOMPARE(result.exit_code, 0);
+}
+
+QTEST_MAIN(TestSafetyNet)
+#include "test_safetynet.moc"

@@ -1,0 +1,344 @@
+// The list of rows that are found by id and share one size.
+
+#include "src/widgets/rowlist.h"
+
+#include "support/widgets.h"
+
+#include <QMimeData>
+#include <QScopedPointer>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QStyleFactory>
+#include <QStyledItemDelegate>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+QListWidgetItem* New_Row(const QString& text, int id)
+{
+    auto* const row = new QListWidgetItem(text);
+    row->setData(TRowList::Id_Role, id);
+    return row;
+}
+
+/// The row that a walk from the top finds first.
+QListWidgetItem* First_By_Walk(const TRowList& list, int id)
+{
+    for (int place = 0; place < list.count(); ++place) {
+        if (list.item(place)->data(Qt::UserRole).toInt() == id)
+            return list.item(place);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class TestRowList : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void rows_are_found_by_id();
+    void of_equal_ids_the_first_row_counts();
+    void rows_are_found_after_moves();
+    void rows_are_found_after_a_drop_that_makes_them_anew();
+    void rows_are_found_after_ids_change();
+    void rows_that_are_gone_are_not_found();
+    void searches_agree_with_a_walk_through_the_list();
+    void thousands_of_rows_are_found();
+    void removing_takes_one_row();
+    void selected_ids_are_in_the_order_of_the_list();
+    void only_a_single_selected_row_counts();
+    void the_widest_row_can_be_scrolled_into_sight_data();
+    void the_widest_row_can_be_scrolled_into_sight();
+    void a_row_that_becomes_wider_can_be_scrolled_into_sight();
+    void every_row_has_room_for_its_text();
+    void another_font_makes_other_rows();
+    void a_cleared_list_forgets_how_wide_its_rows_were();
+
+private:
+    void Fill(const QList<int>& ids);
+
+    QScopedPointer<QWidget> d_window;
+    TRowList* d_list = nullptr;
+};
+
+void TestRowList::initTestCase()
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+}
+
+void TestRowList::init()
+{
+    d_window.reset(new QWidget);
+    d_window->resize(300, 200);
+    d_list = new TRowList(d_window.data());
+    d_list->resize(150, 200);
+    d_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(d_window.data()));
+}
+
+void TestRowList::cleanup()
+{
+    d_window.reset();
+}
+
+void TestRowList::Fill(const QList<int>& ids)
+{
+    for (const int id : ids)
+        d_list->addItem(New_Row(QStringLiteral("Row %1").arg(id), id));
+}
+
+void TestRowList::rows_are_found_by_id()
+{
+    QVERIFY(d_list->Row(0) == nullptr);
+    Fill({5, -1, 0});
+    QCOMPARE(d_list->Row(5), d_list->item(0));
+    QCOMPARE(d_list->Row(-1), d_list->item(1));
+    QCOMPARE(d_list->Row(0), d_list->item(2));
+    QVERIFY(d_list->Row(6) == nullptr);
+}
+
+void TestRowList::of_equal_ids_the_first_row_counts()
+{
+    Fill({1, 7, 2, 7, 7});
+    QCOMPARE(d_list->Row(7), d_list->item(1));
+    d_list->insertItem(0, d_list->takeItem(3));
+    QCOMPARE(d_list->Row(7), d_list->item(0));
+    d_list->Remove_Row(7);
+    QCOMPARE(d_list->count(), 4);
+    QCOMPARE(d_list->Row(7), d_list->item(1));
+    d_list->Remove_Row(7);
+    QCOMPARE(d_list->Row(7), d_list->item(2));
+    d_list->Remove_Row(7);
+    QVERIFY(d_list->Row(7) == nullptr);
+    QCOMPARE(d_list->count(), 2);
+}
+
+void TestRowList::rows_are_found_after_moves()
+{
+    Fill({1, 2, 3, 4, 2});
+    QVERIFY(d_list->model()->moveRow(QModelIndex(), 1, QModelIndex(), 5));
+    for (const int id : {1, 2, 3, 4})
+        QCOMPARE(d_list->Row(id), First_By_Walk(*d_list, id));
+    d_list->sortItems(Qt::DescendingOrder);
+    for (const int id : {1, 2, 3, 4})
+        QCOMPARE(d_list->Row(id), First_By_Walk(*d_list, id));
+}
+
+void TestRowList::rows_are_found_after_a_drop_that_makes_them_anew()
+{
+    Fill({1, 2, 3});
+    const std::unique_ptr<QMimeData> dragged(
+        d_list->model()->mimeData({d_list->model()->index(0, 0)}));
+    QVERIFY(d_list->model()->dropMimeData(dragged.get(), Qt::MoveAction, 3, 0, QModelIndex()));
+    QCOMPARE(d_list->count(), 4);
+    QCOMPARE(d_list->Row(1), d_list->item(0));
+    delete d_list->takeItem(0);
+    QCOMPARE(d_list->Row(1), d_list->item(2));
+    QCOMPARE(d_list->Row(1)->text(), QStringLiteral("Row 1"));
+}
+
+void TestRowList::rows_are_found_after_ids_change()
+{
+    Fill({1, 2, 3});
+    d_list->item(1)->setData(Qt::UserRole, 9);
+    QVERIFY(d_list->Row(2) == nullptr);
+    QCOMPARE(d_list->Row(9), d_list->item(1));
+    d_list->item(2)->setData(Qt::UserRole, 1);
+    delete d_list->takeItem(0);
+    QCOMPARE(d_list->Row(1), d_list->item(1));
+    QVERIFY(d_list->Row(3) == nullptr);
+}
+
+void TestRowList::rows_that_are_gone_are_not_found()
+{
+    Fill({1, 2, 3});
+    delete d_list->item(0);
+    QVERIFY(d_list->Row(1) == nullptr);
+    delete d_list->takeItem(0);
+    QVERIFY(d_list->Row(2) == nullptr);
+    QVERIFY(d_list->model()->removeRows(0, 1));
+    QVERIFY(d_list->Row(3) == nullptr);
+    Fill({4, 4});
+    d_list->clear();
+    QVERIFY(d_list->Row(4) == nullptr);
+    Fill({4});
+    QCOMPARE(d_list->Row(4), d_list->item(0));
+}
+
+void TestRowList::searches_agree_with_a_walk_through_the_list()
+{
+    const int ids = 12;
+    unsigned state = 1;
+    const auto draw = [&state](int below) {
+        state = state * 1103515245u + 12345u;
+        return static_cast<int>((state >> 16) % static_cast<unsigned>(below));
+    };
+    for (int step = 0; step < 2000; ++step) {
+        const int count = d_list->count();
+        switch (draw(6)) {
+        case 0:
+        case 1:
+            d_list->insertItem(draw(count + 1), New_Row(QStringLiteral("new"), draw(ids)));
+            break;
+        case 2:
+            d_list->Remove_Row(draw(ids));
+            break;
+        case 3:
+            if (count > 1)
+                d_list->insertItem(draw(count), d_list->takeItem(draw(count)));
+            break;
+        case 4:
+            if (count > 1)
+                d_list->model()->moveRow(QModelIndex(), draw(count), QModelIndex(),
+                                         draw(count + 1));
+            break;
+        default:
+            if (count > 0)
+                d_list->item(draw(count))->setData(Qt::UserRole, draw(ids));
+        }
+        for (int id = 0; id < ids; ++id)
+            QCOMPARE(d_list->Row(id), First_By_Walk(*d_list, id));
+    }
+}
+
+void TestRowList::thousands_of_rows_are_found()
+{
+    const int count = 20000;
+    for (int id = 0; id < count; ++id)
+        d_list->addItem(New_Row(QStringLiteral("Row"), id));
+    for (int id = 0; id < count; ++id)
+        QCOMPARE(d_list->row(d_list->Row(id)), id);
+    for (int id = 0; id < count; id += 2)
+        d_list->Remove_Row(id);
+    QCOMPARE(d_list->count(), count / 2);
+    QCOMPARE(d_list->Row(count - 1), d_list->item(count / 2 - 1));
+}
+
+void TestRowList::removing_takes_one_row()
+{
+    d_list->Remove_Row(1);
+    Fill({1, 2});
+    d_list->Remove_Row(3);
+    QCOMPARE(d_list->count(), 2);
+    d_list->Remove_Row(1);
+    QCOMPARE(d_list->count(), 1);
+    QCOMPARE(d_list->item(0)->text(), QStringLiteral("Row 2"));
+}
+
+void TestRowList::selected_ids_are_in_the_order_of_the_list()
+{
+    Fill({4, 5, 6, 7});
+    QVERIFY(d_list->Selected_Ids().empty());
+    Support::Click_Row(d_list, 3);
+    Support::Click_Row(d_list, 0, Qt::ControlModifier);
+    std::vector<int> reported;
+    for (const QListWidgetItem* const row : d_list->selectedItems())
+        reported.push_back(row->data(Qt::UserRole).toInt());
+    QCOMPARE(reported.size(), std::size_t(2));
+    QCOMPARE(d_list->Selected_Ids(), reported);
+}
+
+void TestRowList::only_a_single_selected_row_counts()
+{
+    Fill({4, 5});
+    QVERIFY(d_list->Only_Selected_Row() == nullptr);
+    Support::Click_Row(d_list, 1);
+    QCOMPARE(d_list->Only_Selected_Row(), d_list->item(1));
+    Support::Click_Row(d_list, 0, Qt::ControlModifier);
+    QVERIFY(d_list->Only_Selected_Row() == nullptr);
+}
+
+void TestRowList::the_widest_row_can_be_scrolled_into_sight_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("Latin") << QStringLiteral("Item [4] a text that needs a lot of room");
+    QTest::newRow("kerned") << QStringLiteral("AVAVAVAVAVAVAVAVAVAV ToToToToTo fififi");
+    QTest::newRow("Cyrillic") << QString::fromUtf8("Насос, который нагнетает очень много воды");
+}
+
+void TestRowList::the_widest_row_can_be_scrolled_into_sight()
+{
+    QFETCH(QString, text);
+    d_list->addItem(QStringLiteral("short"));
+    d_list->addItem(text);
+    d_list->addItem(QStringLiteral("short"));
+    QCoreApplication::processEvents();
+    const QRect rect = d_list->visualItemRect(d_list->item(1));
+    QVERIFY(rect.width() > d_list->viewport()->width());
+    QCOMPARE(d_list->horizontalScrollBar()->maximum(), rect.width() - d_list->viewport()->width());
+
+    // A plain list measures each row and knows best what this one needs.
+    QListWidget plain;
+    plain.addItem(text);
+    const int needed = plain.sizeHintForColumn(0);
+    QVERIFY(rect.width() >= needed);
+    QVERIFY(rect.width() < needed + needed / 8);
+}
+
+void TestRowList::a_row_that_becomes_wider_can_be_scrolled_into_sight()
+{
+    Fill({1, 2, 3});
+    QCoreApplication::processEvents();
+    QCOMPARE(d_list->horizontalScrollBar()->maximum(), 0);
+    d_list->item(0)->setText(QStringLiteral("Item [4] a text that needs a lot of room"));
+    QCoreApplication::processEvents();
+    QVERIFY(d_list->horizontalScrollBar()->maximum() > 0);
+}
+
+void TestRowList::every_row_has_room_for_its_text()
+{
+    const QStringList texts = {QStringLiteral("one line"), QStringLiteral("two\nlines"),
+                               QString::fromUtf8("漢字 กำ"), QStringLiteral("last")};
+    for (const QString& text : texts) {
+        auto* const row = new QListWidgetItem(text);
+        row->setIcon(QIcon(QPixmap(16, 16)));
+        d_list->addItem(row);
+    }
+    QListWidget plain;
+    plain.addItems(texts);
+    QCoreApplication::processEvents();
+    for (int place = 0; place < texts.size(); ++place) {
+        const int height = d_list->visualItemRect(d_list->item(place)).height();
+        QVERIFY(height >= plain.sizeHintForRow(place));
+        QCOMPARE(height, d_list->visualItemRect(d_list->item(0)).height());
+    }
+}
+
+void TestRowList::another_font_makes_other_rows()
+{
+    d_list->addItem(QStringLiteral("Item [4] a text"));
+    d_list->addItem(QStringLiteral("short"));
+    QCoreApplication::processEvents();
+    const QRect before = d_list->visualItemRect(d_list->item(0));
+    QFont larger = d_list->font();
+    larger.setPointSize(40);
+    d_list->setFont(larger);
+    QCoreApplication::processEvents();
+    const QRect after = d_list->visualItemRect(d_list->item(0));
+    QVERIFY(after.height() > before.height());
+    QVERIFY(after.width() >= QFontMetrics(larger).horizontalAdvance(d_list->item(0)->text()));
+}
+
+void TestRowList::a_cleared_list_forgets_how_wide_its_rows_were()
+{
+    d_list->addItem(QStringLiteral("Item [4] a text that needs a lot of room"));
+    d_list->addItem(QString::fromUtf8("Насос, который нагнетает\nочень много воды"));
+    QCoreApplication::processEvents();
+    const int height = d_list->visualItemRect(d_list->item(0)).height();
+    d_list->clear();
+    Fill({1});
+    QCoreApplication::processEvents();
+    QCOMPARE(d_list->horizontalScrollBar()->maximum(), 0);
+    QVERIFY(d_list->visualItemRect(d_list->item(0)).height() < height);
+}
+
+QTEST_MAIN(TestRowList)
+#include "test_rowlist.moc"
