@@ -2,6 +2,7 @@
 
 #include "src/format/projectfile.h"
 #include "src/format/recordfinder.h"
+#include "src/model/appearance.h"
 
 #include <QColor>
 #include <QCoreApplication>

@@ -293,10 +293,12 @@ private slots:
     {
         const QString condition = QStringLiteral("Is_Resolution_Code(resolution_code)");
         QCOMPARE(Support::Assertion_Failure([] { TReportGeometry::Rule_Width(0); },
-                                            "src/reportgeometry.cpp", condition, "Rule_Width"),
+                                            "src/paint/reportgeometry.cpp", condition,
+                                            "Rule_Width"),
                  QString());
         QCOMPARE(Support::Assertion_Failure([] { TReportGeometry::Rule_Width(5); },
-                                            "src/reportgeometry.cpp", condition, "Rule_Width"),
+                                            "src/paint/reportgeometry.cpp", condition,
+                                            "Rule_Width"),
                  QString());
     }
 };
