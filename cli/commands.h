@@ -2,26 +2,26 @@
 
 class TCommandLine;
 
-/// The subcommands, one function each. They throw TUsageError or TJobError; where they do, nothing
-/// has been written.
+/// The subcommands, one function each. A command that throws TUsageError or TJobError has not
+/// written anything; only a failed Export_Images may already have overwritten existing images.
 namespace Commands {
 
-// Documents from something else.
+// Create and change projects.
 void Create(TCommandLine* line);
 void Recover(TCommandLine* line);
 void Reindex(TCommandLine* line);
 
-// What there is.
+// Inspect documents and safety copies.
 void Info(TCommandLine* line);
 void Check(TCommandLine* line);
 void Kept(TCommandLine* line);
 
-// What a document is made into. These draw pages.
+// Draw pages.
 void Export_Images(TCommandLine* line);
 void Export_Pdf(TCommandLine* line);
 void Thumbnail(TCommandLine* line);
 
-// Labels as a table.
+// Exchange labels as CSV tables.
 void Export_Items(TCommandLine* line);
 void Import_Items(TCommandLine* line);
 

@@ -1,11 +1,11 @@
-// Projects made from page images, and projects numbered anew.
+// Commands that create projects from images and renumber labels.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/terminal.h"
-#include "cli/words.h"
+#include "cli/translate.h"
 #include "src/model/imagefiles.h"
 #include "src/model/numbering.h"
 
@@ -24,20 +24,20 @@ const char* const names_option = "names-from-files";
 const char* const first_option = "first";
 const char* const step_option = "over-page";
 
-constexpr std::array<TOptionText, 4> steps = {{
+constexpr std::array<TOptionValue, 4> steps = {{
     {"1", TNumbering::Next_1X},
     {"10", TNumbering::Next_10X},
     {"100", TNumbering::Next_100X},
     {"1000", TNumbering::Next_1000X},
 }};
 
-/// The images of a folder, in the order in which people count: page 2 before page 10.
+/// Returns the images of a folder in natural order: "page 2" before "page 10".
 QStringList Images_In(const QString& folder)
 {
     QStringList names;
     if (!QFileInfo(folder).isReadable())
-        throw TJobError{folder, Translated("cannot be read")};
-    // Links that lead nowhere are taken for images: better an error than a page less.
+        throw TJobError{folder, Tr("cannot be read")};
+    // A dangling link counts as an image: an error is better than a missing page.
     const auto is_image = [&folder](const QString& name) {
         const QFileInfo file(QDir(folder).filePath(name));
         return ImageFiles::Is_Image_Name(name) && (file.isFile() || !file.exists());
@@ -45,9 +45,9 @@ QStringList Images_In(const QString& folder)
     const QStringList entries = QDir(folder).entryList(QDir::Files | QDir::System, QDir::Name);
     std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names), is_image);
     if (names.isEmpty())
-        throw TJobError{folder, Translated("holds no images")};
-    // A locale of its own: in the C locale numbers do not count, and the order of pages should not
-    // depend on who runs this.
+        throw TJobError{folder, Tr("contains no images")};
+    // A fixed locale: the C locale has no natural order, and the order of the pages must not depend
+    // on the user's locale.
     QCollator collator{QLocale(QLocale::English)};
     collator.setNumericMode(true);
     std::stable_sort(names.begin(), names.end(), collator);
@@ -57,8 +57,8 @@ QStringList Images_In(const QString& folder)
     return paths;
 }
 
-/// Images as they were given, with folders replaced by what is in them.
-QStringList Images_Of(const QStringList& arguments)
+/// Replaces each folder by the images in it.
+QStringList Expand_Folders(const QStringList& arguments)
 {
     QStringList paths;
     for (const QString& path : arguments) {
@@ -76,7 +76,7 @@ TPageImage Read_Image(const QString& path)
     if (!image.isNull())
         return image;
     if (QFileInfo(path).isReadable())
-        throw TJobError{path, Translated("cannot be read as an image")};
+        throw TJobError{path, Tr("is not a readable image")};
     QFile file(path);
     file.open(QIODevice::ReadOnly);
     throw TJobError{path, file.errorString()};
@@ -86,22 +86,22 @@ TPageImage Read_Image(const QString& path)
 
 void Commands::Create(TCommandLine* line)
 {
-    line->Take_Arguments(QStringLiteral("IMAGE"),
-                         Translated("Images, a page each, and folders of images."),
-                         TCommandLine::TCount::One_Or_More);
-    line->Take_Output(Options::Output, QStringLiteral("FILE"),
-                      Translated("The project to make (required)."));
-    line->Take_Flag(names_option, Translated("Name the pages after the files."));
+    line->Add_Argument(QStringLiteral("IMAGE"),
+                       Tr("Images and folders of images; each image becomes a page."),
+                       TCommandLine::TCount::One_Or_More);
+    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
+                            Tr("The project to write (required)."));
+    line->Add_Flag(names_option, Tr("Name the pages after the images."));
     if (!line->Parse())
         return;
 
-    const QString output = line->Text(Options::Output);
-    Files::Check_Output(output, line->Is_Set(Options::Force));
-    const QStringList paths = Images_Of(line->Arguments());
-    Files::Check_Is_Other(output, paths);
+    const QString output = line->Text(CommonOptions::Output);
+    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    const QStringList paths = Expand_Folders(line->Arguments());
+    Files::Check_Is_No_Input(output, paths);
     TDocument document;
     {
-        TTerminalProgress progress(Translated("Reading image %1 of %2"));
+        TTerminalProgress progress(Tr("Reading image %1 of %2"));
         int number = 0;
         for (const QString& path : paths) {
             progress.Step(++number, paths.size());
@@ -117,23 +117,23 @@ void Commands::Create(TCommandLine* line)
 
 void Commands::Reindex(TCommandLine* line)
 {
-    line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
-    line->Take_Option(first_option, QStringLiteral("N"), Translated("The first value (required)."),
-                      TCommandLine::TNeed::Required);
-    line->Take_Option(step_option, QStringLiteral("STEP"),
-                      Translated("Each page begins with a multiple of STEP: 1 (counts on), 10, 100 "
-                                 "or 1000 (required)."),
-                      TCommandLine::TNeed::Required);
-    line->Take_Output(Options::Output, QStringLiteral("FILE"),
-                      Translated("The project to write (required)."));
+    line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
+    line->Add_Option(first_option, QStringLiteral("N"), Tr("Value of the first label (required)."),
+                     TCommandLine::TNeed::Required);
+    line->Add_Option(step_option, QStringLiteral("STEP"),
+                     Tr("Start each following page at the next multiple of STEP: 1, 10, 100 or "
+                        "1000 (required)."),
+                     TCommandLine::TNeed::Required);
+    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
+                            Tr("The project to write (required)."));
     if (!line->Parse())
         return;
 
     const int first_value = line->Number(first_option, std::numeric_limits<int>::min(),
                                          std::numeric_limits<int>::max());
     const int method = line->Code(step_option, steps);
-    const QString output = line->Text(Options::Output);
-    Files::Check_Output(output, line->Is_Set(Options::Force));
+    const QString output = line->Text(CommonOptions::Output);
+    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
     TDocument document = Files::Load(line->Argument());
     WholeDocument::Number_Pages(document.Page_Ids(), first_value, method, &document.data);
     Files::Save(output, &document);

@@ -1,4 +1,4 @@
-// What a document is made into: page images, a report, a thumbnail.
+// Commands that draw pages: images, reports and thumbnails.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
@@ -6,7 +6,7 @@
 #include "cli/files.h"
 #include "cli/pageview.h"
 #include "cli/terminal.h"
-#include "cli/words.h"
+#include "cli/translate.h"
 #include "src/export/exportnames.h"
 
 #include <QDir>
@@ -24,15 +24,15 @@ const char* const header_1_option = "header-1";
 const char* const header_2_option = "header-2";
 const char* const size_option = "size";
 
-constexpr std::array<TOptionText, 4> orientations = {{
+constexpr std::array<TOptionValue, 4> orientations = {{
     {"portrait", 0},
     {"landscape", 1},
     {"0", 0},
     {"1", 1},
 }};
 
-/// The texts are those of the settings panel.
-constexpr std::array<TOptionText, 12> resolutions = {{
+/// The values with "DPI" are the texts of the settings panel.
+constexpr std::array<TOptionValue, 12> resolutions = {{
     {"96", 1},
     {"180", 2},
     {"276", 3},
@@ -50,24 +50,24 @@ constexpr std::array<TOptionText, 12> resolutions = {{
 constexpr int default_orientation = 0;
 constexpr int default_resolution = 2;
 
-constexpr int default_thumbnail = 128; // pixels
-constexpr int largest_thumbnail = 8192;
+constexpr int default_thumbnail_size = 128; // pixels
+constexpr int maximum_thumbnail_size = 8192;
 
-void Take_Document(TCommandLine* line)
+void Add_Document_Argument(TCommandLine* line)
 {
-    line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
+    line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
 }
 
-/// A document with something to draw.
+/// Loads a document. Throws if it has no pages to draw.
 TDocument Load_Pages(const QString& path)
 {
     TDocument document = Files::Load(path);
     if (document.pages.empty())
-        throw TJobError{path, Translated("has no pages")};
+        throw TJobError{path, Tr("has no pages")};
     return document;
 }
 
-/// A path for each page, as the window names the files.
+/// Returns the path of each page's image. The window uses the same names.
 QStringList Image_Paths(const TDocument& document, const QString& folder)
 {
     const QDateTime time = QDateTime::currentDateTime();
@@ -77,28 +77,27 @@ QStringList Image_Paths(const TDocument& document, const QString& folder)
     return paths;
 }
 
-/// Undoes an export that did not come to its end. What was replaced cannot be brought back.
+/// Removes the new files of a failed export. Files that it has overwritten cannot be restored.
 void Remove_Files(const QStringList& paths)
 {
     for (const QString& path : paths)
         QFile::remove(path);
 }
 
-void Take_Report_Options(TCommandLine* line)
+void Add_Report_Options(TCommandLine* line)
 {
-    line->Take_Option(orientation_option, QStringLiteral("ORIENTATION"),
-                      Translated("portrait or landscape; portrait by default."));
-    line->Take_Option(
-        resolution_option, QStringLiteral("DPI"),
-        Translated("96, 180, 276 or 372, or the number of one of them from 1 to 4; 180 "
-                   "by default."));
-    line->Take_Option(header_1_option, QStringLiteral("TEXT"),
-                      Translated("First header line; that of the document by default."));
-    line->Take_Option(header_2_option, QStringLiteral("TEXT"),
-                      Translated("Second header line; that of the document by default."));
+    line->Add_Option(orientation_option, QStringLiteral("ORIENTATION"),
+                     Tr("Page orientation: portrait (default) or landscape."));
+    line->Add_Option(resolution_option, QStringLiteral("DPI"),
+                     Tr("Resolution in dots per inch: 96, 180 (default), 276 or 372, or its number "
+                        "from 1 to 4."));
+    line->Add_Option(header_1_option, QStringLiteral("TEXT"),
+                     Tr("First header line; by default the document's own."));
+    line->Add_Option(header_2_option, QStringLiteral("TEXT"),
+                     Tr("Second header line; by default the document's own."));
 }
 
-/// The report's settings that do not depend on the document.
+/// Returns the report's settings without the header lines, which may come from the document.
 TReportOptions Report_Settings(const TCommandLine& line)
 {
     TReportOptions settings{default_orientation, default_resolution, QString(), QString()};
@@ -109,9 +108,9 @@ TReportOptions Report_Settings(const TCommandLine& line)
     return settings;
 }
 
+/// Scales a picture down to fit into a square; a smaller picture keeps its size.
 QPixmap Fitted(const QPixmap& picture, int edge)
 {
-    // Small pictures are not blown up.
     if (picture.width() <= edge && picture.height() <= edge)
         return picture;
     const QSize size = picture.size().scaled(edge, edge, Qt::KeepAspectRatio);
@@ -123,25 +122,25 @@ QPixmap Fitted(const QPixmap& picture, int edge)
 
 void Commands::Export_Images(TCommandLine* line)
 {
-    Take_Document(line);
-    line->Take_Output(folder_option, QStringLiteral("DIR"),
-                      Translated("The folder for the images (required)."));
+    Add_Document_Argument(line);
+    line->Add_Output_Option(folder_option, QStringLiteral("DIR"),
+                            Tr("The folder for the images (required)."));
     if (!line->Parse())
         return;
 
     const QString folder = line->Text(folder_option);
     if (!QFileInfo(folder).isDir())
-        throw TJobError{folder, Translated("is no folder")};
+        throw TJobError{folder, Tr("is not a folder")};
     TDocument document = Load_Pages(line->Argument());
     const QStringList paths = Image_Paths(document, folder);
     QStringList new_paths;
     for (const QString& path : paths) {
-        Files::Check_Output(path, line->Is_Set(Options::Force));
+        Files::Check_Output(path, line->Is_Set(CommonOptions::Force));
         if (!QFileInfo::exists(path))
             new_paths += path;
     }
 
-    TTerminalProgress progress(Translated("Exporting page %1 of %2"));
+    TTerminalProgress progress(Tr("Exporting page %1 of %2"));
     const TPageView view(&document, progress.Steps());
     QString last_path;
     const bool is_done = view.Exporter().Export_Images(
@@ -149,50 +148,51 @@ void Commands::Export_Images(TCommandLine* line)
     if (is_done)
         return;
     Remove_Files(new_paths);
-    Files::Fail_To_Write(last_path);
+    Files::Throw_Write_Error(last_path);
 }
 
 void Commands::Export_Pdf(TCommandLine* line)
 {
-    Take_Document(line);
-    line->Take_Output(Options::Output, QStringLiteral("FILE"),
-                      Translated("The report to write (required)."));
-    Take_Report_Options(line);
+    Add_Document_Argument(line);
+    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
+                            Tr("The report to write (required)."));
+    Add_Report_Options(line);
     if (!line->Parse())
         return;
 
     TReportOptions settings = Report_Settings(*line);
-    const QString output = line->Text(Options::Output);
-    Files::Check_Output(output, line->Is_Set(Options::Force));
-    Files::Check_Is_Other(output, {line->Argument()});
+    const QString output = line->Text(CommonOptions::Output);
+    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Input(output, {line->Argument()});
     TDocument document = Load_Pages(line->Argument());
     settings.header_1 =
         line->Is_Set(header_1_option) ? line->Text(header_1_option) : document.appearance.header_1;
     settings.header_2 =
         line->Is_Set(header_2_option) ? line->Text(header_2_option) : document.appearance.header_2;
 
-    TTerminalProgress progress(Translated("Exporting page %1 of %2"));
+    TTerminalProgress progress(Tr("Exporting page %1 of %2"));
     const TPageView view(&document, progress.Steps());
     if (view.Exporter().Export_Pdf(output, document.Page_Ids(), settings) !=
         TPageExporter::TOutcome::Complete)
-        Files::Fail_To_Write(output);
+        Files::Throw_Write_Error(output);
 }
 
 void Commands::Thumbnail(TCommandLine* line)
 {
-    Take_Document(line);
-    line->Take_Output(Options::Output, QStringLiteral("PNG"),
-                      Translated("The picture to write (required)."));
-    line->Take_Option(size_option, QStringLiteral("N"),
-                      Translated("Largest width and height in pixels; 128 by default."));
+    Add_Document_Argument(line);
+    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("PNG"),
+                            Tr("The PNG image to write (required)."));
+    line->Add_Option(size_option, QStringLiteral("N"),
+                     Tr("Maximum width and height in pixels; 128 by default."));
     if (!line->Parse())
         return;
 
-    const int edge = line->Is_Set(size_option) ? line->Number(size_option, 1, largest_thumbnail)
-                                               : default_thumbnail;
-    const QString output = line->Text(Options::Output);
-    Files::Check_Output(output, line->Is_Set(Options::Force));
-    Files::Check_Is_Other(output, {line->Argument()});
+    const int edge = line->Is_Set(size_option)
+                         ? line->Number(size_option, 1, maximum_thumbnail_size)
+                         : default_thumbnail_size;
+    const QString output = line->Text(CommonOptions::Output);
+    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Input(output, {line->Argument()});
     TDocument document = Load_Pages(line->Argument());
     const TPageView view(&document, nullptr);
     const bool is_written = view.Exporter().Draw_Pages(
@@ -200,5 +200,5 @@ void Commands::Thumbnail(TCommandLine* line)
             return TPageExporter::Save_Png(Fitted(picture, edge), output);
         });
     if (!is_written)
-        Files::Fail_To_Write(output);
+        Files::Throw_Write_Error(output);
 }

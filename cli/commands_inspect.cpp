@@ -1,11 +1,11 @@
-// What documents hold, and what is wrong with them.
+// Commands that show a document's content and its defects.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/terminal.h"
-#include "cli/words.h"
+#include "cli/translate.h"
 #include "core/xmlfile.h"
 #include "src/format/documentreader.h"
 #include "src/format/legacyfile.h"
@@ -18,7 +18,7 @@ namespace {
 
 const char* const json_option = "json";
 
-/// What is told of a page.
+/// What `info` prints about a page.
 struct TPageSummary
 {
     QString name;
@@ -28,7 +28,7 @@ struct TPageSummary
 
 std::vector<TPageSummary> Summaries(TDocument* document)
 {
-    TTerminalProgress progress(Translated("Looking at page %1 of %2"));
+    TTerminalProgress progress(Tr("Reading page %1 of %2"));
     std::vector<TPageSummary> summaries;
     int number = 0;
     for (const TNamedPage& page : document->pages) {
@@ -43,22 +43,21 @@ std::vector<TPageSummary> Summaries(TDocument* document)
 void Print_Text(const QString& path, const TAppearance& appearance,
                 const std::vector<TPageSummary>& pages)
 {
-    Terminal::Print(Translated("File: %1").arg(path));
-    Terminal::Print(Translated("Label size: %1").arg(appearance.label_size));
-    Terminal::Print(Translated("Label color: %1").arg(appearance.color_name));
-    Terminal::Print(Translated("Header 1: ") + appearance.header_1);
-    Terminal::Print(Translated("Header 2: ") + appearance.header_2);
-    Terminal::Print(Translated("Pages: %1").arg(pages.size()));
+    Terminal::Print(Tr("File: %1").arg(path));
+    Terminal::Print(Tr("Label size: %1").arg(appearance.label_size));
+    Terminal::Print(Tr("Label color: %1").arg(appearance.color_name));
+    Terminal::Print(Tr("Header 1: ") + appearance.header_1);
+    Terminal::Print(Tr("Header 2: ") + appearance.header_2);
+    Terminal::Print(Tr("Pages: %1").arg(pages.size()));
     int number = 0;
     for (const TPageSummary& page : pages) {
         const QString size =
             page.size.isEmpty()
-                ? Translated("no image")
+                ? Tr("no image")
                 : QStringLiteral("%1 x %2").arg(page.size.width()).arg(page.size.height());
-        // The name last, as it may be anything.
-        Terminal::Print(
-            Translated("%1: %2, labels: %3, ").arg(++number).arg(size).arg(page.labels) +
-            page.name);
+        // The name comes last and is appended, not substituted: it may contain "%1" or commas.
+        Terminal::Print(Tr("%1: %2, labels: %3, ").arg(++number).arg(size).arg(page.labels) +
+                        page.name);
     }
 }
 
@@ -86,7 +85,7 @@ void Print_Json(const QString& path, const TAppearance& appearance,
     Terminal::Print_Raw(QJsonDocument(object).toJson());
 }
 
-/// What is wrong with a document, in words; empty when it is sound.
+/// Describes all defects of a document.
 QStringList Defects(const QString& path)
 {
     QStringList defects;
@@ -100,7 +99,7 @@ QStringList Defects(const QString& path)
     }
     const TProjectSurvey survey = Files::Survey(path);
     for (const TProjectDefect& defect : survey.defects)
-        defects += Files::Text(defect);
+        defects += Files::Describe(defect);
     return defects;
 }
 
@@ -108,8 +107,8 @@ QStringList Defects(const QString& path)
 
 void Commands::Info(TCommandLine* line)
 {
-    line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
-    line->Take_Flag(json_option, Translated("Print JSON."));
+    line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
+    line->Add_Flag(json_option, Tr("Print as JSON."));
     if (!line->Parse())
         return;
 
@@ -121,8 +120,8 @@ void Commands::Info(TCommandLine* line)
 
 void Commands::Check(TCommandLine* line)
 {
-    line->Take_Arguments(QStringLiteral("FILE"), Translated("The documents."),
-                         TCommandLine::TCount::One_Or_More);
+    line->Add_Argument(QStringLiteral("FILE"), Tr("The documents."),
+                       TCommandLine::TCount::One_Or_More);
     if (!line->Parse())
         return;
 
@@ -133,13 +132,13 @@ void Commands::Check(TCommandLine* line)
         try {
             defects = Defects(path);
         } catch (const TJobError& error) {
-            // The other files are to be looked at all the same.
+            // Continue with the other files.
             defects += error.defect;
         }
         for (const QString& defect : std::as_const(defects))
-            Terminal::Complain(path, defect);
+            Terminal::Print_Error(path, defect);
         if (defects.isEmpty())
-            Terminal::Print(Translated("%1: no defects").arg(path));
+            Terminal::Print(Tr("%1: no defects").arg(path));
         is_sound = is_sound && defects.isEmpty();
     }
     if (!is_sound)

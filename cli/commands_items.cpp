@@ -1,10 +1,10 @@
-// Labels as a table, for spreadsheets.
+// Commands that exchange labels with spreadsheets as CSV tables.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
-#include "cli/words.h"
+#include "cli/translate.h"
 #include "src/format/itemtable.h"
 
 #include <QRegularExpression>
@@ -16,33 +16,31 @@ std::vector<TItemRow> Read_Table(const QString& path)
     try {
         return ItemTable::Read(Files::Read(path));
     } catch (const TItemTableException& exception) {
-        throw TJobError{path,
-                        Translated("line %1: %2").arg(exception.Line()).arg(exception.Message())};
+        throw TJobError{path, Tr("line %1: %2").arg(exception.Line()).arg(exception.Message())};
     }
 }
 
-/// The labels of a table by the page that it tells by its number.
+/// Sorts the labels of a table by page.
 std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& rows,
                                                    const QString& table, std::size_t page_count)
 {
     std::vector<std::vector<TDataItem>> labels(page_count);
     for (const TItemRow& row : rows) {
         if (row.page < 1 || static_cast<std::size_t>(row.page) > page_count)
-            throw TJobError{table,
-                            Translated("line %1: there is no page %2").arg(row.line).arg(row.page)};
+            throw TJobError{table, Tr("line %1: there is no page %2").arg(row.line).arg(row.page)};
         labels[static_cast<std::size_t>(row.page) - 1].push_back(row.item);
     }
     return labels;
 }
 
-/// A text as a project file can have it, where line breaks go away: words are to stay apart.
+/// Replaces line breaks by blanks. A project file drops line breaks, which would join words.
 QString In_One_Line(QString text)
 {
     static const QRegularExpression line_break(QStringLiteral("\\r\\n|\\r|\\n"));
     return text.replace(line_break, QStringLiteral(" "));
 }
 
-/// Adds labels to the active page under ids that no other label there has.
+/// Adds labels to the active page under unused ids.
 void Add_Labels(const std::vector<TDataItem>& labels, TData* data)
 {
     int next_id = 1;
@@ -58,15 +56,15 @@ void Add_Labels(const std::vector<TDataItem>& labels, TData* data)
 
 void Commands::Export_Items(TCommandLine* line)
 {
-    line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
-    line->Take_Output(Options::Csv, QStringLiteral("ITEMS.csv"),
-                      Translated("The table to write (required)."));
+    line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
+    line->Add_Output_Option(CommonOptions::Csv, QStringLiteral("ITEMS.csv"),
+                            Tr("The table to write (required)."));
     if (!line->Parse())
         return;
 
-    const QString output = line->Text(Options::Csv);
-    Files::Check_Output(output, line->Is_Set(Options::Force));
-    Files::Check_Is_Other(output, {line->Argument()});
+    const QString output = line->Text(CommonOptions::Csv);
+    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Input(output, {line->Argument()});
     TDocument document = Files::Load(line->Argument());
     std::vector<TItemRow> rows;
     int number = 0;
@@ -81,18 +79,18 @@ void Commands::Export_Items(TCommandLine* line)
 
 void Commands::Import_Items(TCommandLine* line)
 {
-    line->Take_Arguments(QStringLiteral("FILE"), Translated("The document."));
-    line->Take_Option(Options::Csv, QStringLiteral("ITEMS.csv"),
-                      Translated("The table to read (required)."), TCommandLine::TNeed::Required);
-    line->Take_Output(Options::Output, QStringLiteral("FILE"),
-                      Translated("The project to write (required)."));
+    line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
+    line->Add_Option(CommonOptions::Csv, QStringLiteral("ITEMS.csv"),
+                     Tr("The table to read (required)."), TCommandLine::TNeed::Required);
+    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
+                            Tr("The project to write (required)."));
     if (!line->Parse())
         return;
 
-    const QString output = line->Text(Options::Output);
-    const QString table = line->Text(Options::Csv);
-    Files::Check_Output(output, line->Is_Set(Options::Force));
-    Files::Check_Is_Other(output, {table});
+    const QString output = line->Text(CommonOptions::Output);
+    const QString table = line->Text(CommonOptions::Csv);
+    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Input(output, {table});
     TDocument document = Files::Load(line->Argument());
     const auto labels = Labels_By_Page(Read_Table(table), table, document.pages.size());
     for (std::size_t place = 0; place < labels.size(); ++place) {

@@ -1,11 +1,11 @@
-// The safety copies that the window keeps.
+// Command that lists and copies the backups and recovery copies made by the window.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/terminal.h"
-#include "cli/words.h"
+#include "cli/translate.h"
 #include "core/safefile.h"
 #include "src/safety/keptfiles.h"
 #include "src/safety/safetynet.h"
@@ -25,7 +25,7 @@ struct TListedFile
     TKeptFile file;
 };
 
-/// All copies, newest first.
+/// Returns all copies, newest first.
 std::vector<TListedFile> Listed_Files()
 {
     const QString settings_folder = QDir::home().filePath(QStringLiteral(".quillet"));
@@ -34,8 +34,8 @@ std::vector<TListedFile> Listed_Files()
         for (const TKeptFile& file : TKeptFolder(folder).List())
             files.push_back({kind, file});
     };
-    add(Translated("recovery"), TSafetyNet::Recovery_Folder(settings_folder));
-    add(Translated("backup"), TSafetyNet::Backup_Folder(settings_folder));
+    add(Tr("recovery"), TSafetyNet::Recovery_Folder(settings_folder));
+    add(Tr("backup"), TSafetyNet::Backup_Folder(settings_folder));
     std::stable_sort(files.begin(), files.end(),
                      [](const TListedFile& first, const TListedFile& second) {
                          return first.file.time > second.file.time;
@@ -46,53 +46,53 @@ std::vector<TListedFile> Listed_Files()
 void Print_List(const std::vector<TListedFile>& files)
 {
     if (files.empty())
-        Terminal::Print(Translated("No copies are kept."));
+        Terminal::Print(Tr("There are no copies."));
     int number = 0;
     for (const TListedFile& listed : files) {
         const TKeptFile& file = listed.file;
-        // The document last, as its path may be anything.
+        // The path comes last and is appended, not substituted: it may contain "%1" or commas.
         Terminal::Print(
-            Translated("%1: %2, %3, %4 bytes, ")
+            Tr("%1: %2, %3, %4 bytes, ")
                 .arg(++number)
                 .arg(listed.kind, file.time.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")))
                 .arg(file.size) +
-            (file.document.isEmpty() ? Translated("never saved") : file.document));
+            (file.document.isEmpty() ? Tr("never saved") : file.document));
     }
 }
 
-void Copy_Out(const TKeptFile& file, const QString& output)
+void Copy_Kept_File(const TKeptFile& file, const QString& output)
 {
     TSafeFile target(output);
     const bool is_written = target.Copy_From(file.path) && target.Commit([&](const QString& path) {
         return TSafeFile::Is_Complete(path, QFileInfo(file.path).size(), QByteArray());
     });
     if (!is_written)
-        Files::Fail_To_Write(output);
+        Files::Throw_Write_Error(output);
 }
 
 } // namespace
 
 void Commands::Kept(TCommandLine* line)
 {
-    line->Take_Option(copy_option, QStringLiteral("N"),
-                      Translated("Copy number N of the list to the file named by --output."));
-    line->Take_Option(Options::Output, QStringLiteral("FILE"), Translated("The file to write."));
-    line->Take_Force();
+    line->Add_Option(copy_option, QStringLiteral("N"),
+                     Tr("Copy number N of the list to the file given by --output."));
+    line->Add_Option(CommonOptions::Output, QStringLiteral("FILE"), Tr("The file to write."));
+    line->Add_Force_Flag();
     if (!line->Parse())
         return;
 
     const bool is_copy = line->Is_Set(copy_option);
-    if (is_copy != line->Is_Set(Options::Output))
-        throw TUsageError{Translated("Options 'copy' and 'output' belong together.")};
+    if (is_copy != line->Is_Set(CommonOptions::Output))
+        throw TUsageError{Tr("Options 'copy' and 'output' must be used together.")};
     const std::vector<TListedFile> files = Listed_Files();
     if (!is_copy) {
         Print_List(files);
         return;
     }
     const int number = line->Number(copy_option, 1, std::numeric_limits<int>::max());
-    const QString output = line->Text(Options::Output);
+    const QString output = line->Text(CommonOptions::Output);
     if (static_cast<std::size_t>(number) > files.size())
-        throw TJobError{QString::number(number), Translated("no kept copy has this number")};
-    Files::Check_Output(output, line->Is_Set(Options::Force));
-    Copy_Out(files[static_cast<std::size_t>(number) - 1].file, output);
+        throw TJobError{QString::number(number), Tr("there is no copy with this number")};
+    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Copy_Kept_File(files[static_cast<std::size_t>(number) - 1].file, output);
 }

@@ -2,20 +2,20 @@
 
 #include <QString>
 
-/// The tool was called in a way that it does not understand.
+/// Thrown when the command line is invalid.
 struct TUsageError
 {
     QString message;
 };
 
-/// Something could not be done, and the user knows already why.
-struct TReportedError
-{
-};
-
-/// What was asked for could not be done.
+/// Thrown when a command fails because of a file.
 struct TJobError
 {
-    QString file;   ///< that has the defect
-    QString defect; ///< what is wrong with it
+    QString file;
+    QString defect; ///< what is wrong with the file
+};
+
+/// Thrown when a command fails after it has printed its errors itself.
+struct TReportedError
+{
 };

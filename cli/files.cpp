@@ -2,7 +2,7 @@
 
 #include "cli/errors.h"
 #include "cli/terminal.h"
-#include "cli/words.h"
+#include "cli/translate.h"
 #include "core/safefile.h"
 #include "core/xmlfile.h"
 #include "src/format/documentreader.h"
@@ -20,7 +20,7 @@ TDocument Load_Project(const QString& path)
 {
     const TProjectSurvey survey = ProjectSurvey::Survey(Files::Read(path));
     if (!survey.defects.empty())
-        throw TJobError{path, Files::Text(survey.defects.front())};
+        throw TJobError{path, Files::Describe(survey.defects.front())};
     return DocumentReader::From_Survey(survey);
 }
 
@@ -32,9 +32,9 @@ QByteArray Files::Read(const QString& path)
     if (!file.open(QIODevice::ReadOnly))
         throw TJobError{path, file.errorString()};
     if (file.size() > TProjectWriter::Maximum_Size)
-        throw TJobError{path, Translated("is larger than 2 GiB")};
+        throw TJobError{path, Tr("is larger than 2 GiB")};
     QByteArray content = file.readAll();
-    // Opening a folder succeeds; reading it does not.
+    // Opening a folder succeeds, reading it fails.
     if (file.error() != QFileDevice::NoError)
         throw TJobError{path, file.errorString()};
     return content;
@@ -42,7 +42,7 @@ QByteArray Files::Read(const QString& path)
 
 TProjectSurvey Files::Survey(const QString& path)
 {
-    TTerminalProgress progress(Translated("Looking at page %1 of %2"));
+    TTerminalProgress progress(Tr("Checking page %1 of %2"));
     return ProjectSurvey::Survey(Read(path), ProjectSurvey::TImages::Decode, progress.Steps());
 }
 
@@ -62,38 +62,38 @@ void Files::Check_Output(const QString& path, bool force)
     const QFileInfo file(path);
     const QFileInfo folder(file.path());
     if (path.isEmpty() || file.isDir())
-        throw TJobError{path, Translated("is no name for a file")};
+        throw TJobError{path, Tr("is not a valid file name")};
     if (file.exists() && !file.isFile())
-        throw TJobError{path, Translated("is no file that can be replaced")};
+        throw TJobError{path, Tr("is not a regular file")};
     if (file.exists() && !force)
-        throw TJobError{path, Translated("exists already; --force replaces it")};
+        throw TJobError{path, Tr("already exists; use --force to overwrite it")};
     if (!folder.isDir())
-        throw TJobError{path, Translated("its folder does not exist")};
-    // What cannot be replaced as a whole is not written at all.
+        throw TJobError{path, Tr("the folder does not exist")};
+    // The file is replaced by a new one, so its folder has to be writable, too.
     if (!folder.isWritable() || (file.exists() && !file.isWritable()))
-        throw TJobError{path, Translated("is write-protected")};
+        throw TJobError{path, Tr("is write-protected")};
 }
 
-void Files::Check_Is_Other(const QString& path, const QStringList& inputs)
+void Files::Check_Is_No_Input(const QString& output, const QStringList& inputs)
 {
-    const QString file = QFileInfo(path).canonicalFilePath();
+    const QString file = QFileInfo(output).canonicalFilePath();
     const bool is_input =
         std::any_of(inputs.cbegin(), inputs.cend(), [&file](const QString& input) {
             return QFileInfo(input).canonicalFilePath() == file;
         });
     if (!file.isEmpty() && is_input)
-        throw TJobError{path, Translated("is read here and would be lost")};
+        throw TJobError{output, Tr("is an input and cannot be overwritten")};
 }
 
 void Files::Write(const QString& path, const QByteArray& content)
 {
     if (!TSafeFile::Replace(path, content))
-        Fail_To_Write(path);
+        Throw_Write_Error(path);
 }
 
 void Files::Save(const QString& path, TDocument* document)
 {
-    TTerminalProgress progress(Translated("Saving page %1 of %2"));
+    TTerminalProgress progress(Tr("Saving page %1 of %2"));
     TProjectWriter project;
     const QString fault =
         WholeDocument::Write(document->appearance, document->pages, WholeDocument::TPurpose::Save,
@@ -101,18 +101,18 @@ void Files::Save(const QString& path, TDocument* document)
     if (!fault.isEmpty())
         throw TJobError{path, fault};
     if (project.Size() > TProjectWriter::Maximum_Size)
-        throw TJobError{path, Translated("would be larger than 2 GiB")};
+        throw TJobError{path, Tr("would be larger than 2 GiB")};
     TSafeFile target(path);
     if (!target.Is_Beside() || !ProjectFile::Commit(project, &target))
-        Fail_To_Write(path);
+        Throw_Write_Error(path);
 }
 
-QString Files::Text(const TProjectDefect& defect)
+QString Files::Describe(const TProjectDefect& defect)
 {
-    return Translated("byte %1: %2").arg(defect.offset).arg(defect.what);
+    return Tr("byte %1: %2").arg(defect.offset).arg(defect.what);
 }
 
-void Files::Fail_To_Write(const QString& path)
+void Files::Throw_Write_Error(const QString& path)
 {
-    throw TJobError{path, Translated("cannot be written")};
+    throw TJobError{path, Tr("cannot be written")};
 }

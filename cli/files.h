@@ -7,36 +7,36 @@
 #include <QString>
 #include <QStringList>
 
-/// Reading and writing for the commands. Whatever goes wrong ends in a TJobError with the file.
+/// File access for the commands. Every failure throws a TJobError that names the file.
 namespace Files {
 
-/// The content of a file.
+/// Reads a whole file.
 QByteArray Read(const QString& path);
 
-/// A project file with whatever is wrong with it, its images included.
+/// Reads a project file with all its defects, and decodes its images.
 TProjectSurvey Survey(const QString& path);
 
-/// A document, of the present generation or an earlier one. A damaged one is refused.
+/// Loads a project or a file of an earlier generation. Rejects damaged files.
 TDocument Load(const QString& path);
 
-/// Makes sure that a file can be written, before any work is done for it.
-/// @param force  whether it may be there already.
+/// Checks that a file can be written. Commands call it before they start to work.
+/// @param force  accepts an existing file.
 void Check_Output(const QString& path, bool force);
 
-/// Makes sure that none of the files that are read is replaced by what is written, which is of
-/// another kind: that takes more than a slip and the flag that lets files be replaced.
-void Check_Is_Other(const QString& path, const QStringList& inputs);
+/// Checks that an output does not overwrite an input. Even --force does not allow that, because
+/// inputs and outputs of the calling commands are of different types.
+void Check_Is_No_Input(const QString& output, const QStringList& inputs);
 
-/// Replaces a file by bytes, or leaves it as it was.
+/// Writes a file completely, or leaves it unchanged.
 void Write(const QString& path, const QByteArray& content);
 
-/// Writes a project file, or leaves the one that is there as it was.
+/// Writes a project file completely, or leaves an existing one unchanged.
 void Save(const QString& path, TDocument* document);
 
-/// A defect in words, with its place.
-QString Text(const TProjectDefect& defect);
+/// Describes a defect and its byte offset.
+QString Describe(const TProjectDefect& defect);
 
-/// The error of a file that could not be written as a whole.
-[[noreturn]] void Fail_To_Write(const QString& path);
+/// Throws the error of a file that could not be written.
+[[noreturn]] void Throw_Write_Error(const QString& path);
 
 } // namespace Files

@@ -1,11 +1,11 @@
-// Entry point of the command-line tool: finds the subcommand, makes the application object that it
-// needs, and turns what comes of it into an exit status.
+// Entry point of the command-line tool: finds the subcommand, creates the application object it
+// needs, runs it, and returns the exit status.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/terminal.h"
-#include "cli/words.h"
+#include "cli/translate.h"
 
 #include <QApplication>
 #include <QFile>
@@ -17,144 +17,148 @@
 
 namespace {
 
-enum TExitStatus { Done = 0, Job_Failed = 1, Wrong_Usage = 2 };
+enum TExitStatus { Success = 0, Job_Failed = 1, Usage_Error = 2 };
 
-enum class TNeeds { Files, Drawing };
+enum class TApplicationType {
+    Core, ///< QCoreApplication
+    Gui   ///< QApplication, for commands that draw pages
+};
 
 struct TCommand
 {
     const char* name;
     const char* summary;
-    TNeeds needs;
+    TApplicationType application_type;
     void (*run)(TCommandLine* line);
 };
 
 const std::array<TCommand, 11> commands = {{
-    {"create", QT_TRANSLATE_NOOP("QuilletCli", "Make a project from page images."), TNeeds::Files,
-     Commands::Create},
-    {"info", QT_TRANSLATE_NOOP("QuilletCli", "Tell what is in a document."), TNeeds::Files,
-     Commands::Info},
-    {"check", QT_TRANSLATE_NOOP("QuilletCli", "Look for defects in documents."), TNeeds::Files,
-     Commands::Check},
-    {"recover", QT_TRANSLATE_NOOP("QuilletCli", "Save what can be saved of a damaged project."),
-     TNeeds::Files, Commands::Recover},
-    {"reindex", QT_TRANSLATE_NOOP("QuilletCli", "Number the labels of all pages anew."),
-     TNeeds::Files, Commands::Reindex},
+    {"create", QT_TRANSLATE_NOOP("QuilletCli", "Create a project from page images."),
+     TApplicationType::Core, Commands::Create},
+    {"info", QT_TRANSLATE_NOOP("QuilletCli", "Show the content of a document."),
+     TApplicationType::Core, Commands::Info},
+    {"check", QT_TRANSLATE_NOOP("QuilletCli", "Check documents for defects."),
+     TApplicationType::Core, Commands::Check},
+    {"recover", QT_TRANSLATE_NOOP("QuilletCli", "Save the readable parts of a damaged project."),
+     TApplicationType::Core, Commands::Recover},
+    {"reindex", QT_TRANSLATE_NOOP("QuilletCli", "Renumber the labels of all pages."),
+     TApplicationType::Core, Commands::Reindex},
     {"export-images",
-     QT_TRANSLATE_NOOP("QuilletCli", "Draw each page with its labels into a PNG file."),
-     TNeeds::Drawing, Commands::Export_Images},
-    {"export-pdf", QT_TRANSLATE_NOOP("QuilletCli", "Make a PDF report of all pages."),
-     TNeeds::Drawing, Commands::Export_Pdf},
-    {"import-items", QT_TRANSLATE_NOOP("QuilletCli", "Add labels from a table to a project."),
-     TNeeds::Files, Commands::Import_Items},
-    {"export-items", QT_TRANSLATE_NOOP("QuilletCli", "Write all labels as a table."), TNeeds::Files,
-     Commands::Export_Items},
+     QT_TRANSLATE_NOOP("QuilletCli", "Export each page with its labels as a PNG image."),
+     TApplicationType::Gui, Commands::Export_Images},
+    {"export-pdf", QT_TRANSLATE_NOOP("QuilletCli", "Export all pages as a PDF report."),
+     TApplicationType::Gui, Commands::Export_Pdf},
+    {"import-items", QT_TRANSLATE_NOOP("QuilletCli", "Add labels from a CSV table to a project."),
+     TApplicationType::Core, Commands::Import_Items},
+    {"export-items", QT_TRANSLATE_NOOP("QuilletCli", "Export all labels as a CSV table."),
+     TApplicationType::Core, Commands::Export_Items},
     {"kept",
-     QT_TRANSLATE_NOOP("QuilletCli", "List the safety copies of the window, or get one out."),
-     TNeeds::Files, Commands::Kept},
-    {"thumbnail", QT_TRANSLATE_NOOP("QuilletCli", "Draw a small picture of the first page."),
-     TNeeds::Drawing, Commands::Thumbnail},
+     QT_TRANSLATE_NOOP("QuilletCli", "List or copy the backups and recovery copies of the window."),
+     TApplicationType::Core, Commands::Kept},
+    {"thumbnail", QT_TRANSLATE_NOOP("QuilletCli", "Draw a thumbnail of the first page."),
+     TApplicationType::Gui, Commands::Thumbnail},
 }};
 
 void Print_Help()
 {
-    Terminal::Print(Translated("Usage: quillet-cli COMMAND [OPTIONS] ...\n"
-                               "Works on Quillet documents without a window.\n\n"
-                               "Commands:"));
+    Terminal::Print(Tr("Usage: quillet-cli COMMAND [OPTIONS] ...\n"
+                       "Processes Quillet documents without a window.\n\n"
+                       "Commands:"));
     constexpr int name_width = 15;
     for (const TCommand& command : commands)
         Terminal::Print(QStringLiteral("  ") +
                         QString::fromLatin1(command.name).leftJustified(name_width) +
-                        Translated(command.summary));
-    Terminal::Print(Translated("\nOptions:\n"
-                               "  -h, --help     Tell how to use this.\n"
-                               "  -v, --version  Tell the version.\n\n"
-                               "'quillet-cli COMMAND --help' tells more of a command.\n"
-                               "The exit status is 0 when all went well, 1 when a job failed and 2 "
-                               "for wrong usage."));
+                        Tr(command.summary));
+    Terminal::Print(Tr("\nOptions:\n"
+                       "  -h, --help     Show this help.\n"
+                       "  -v, --version  Show the version.\n\n"
+                       "Run 'quillet-cli COMMAND --help' for help on a command.\n"
+                       "The exit status is 0 for success, 1 if the command failed and 2 for "
+                       "invalid usage."));
 }
 
-TExitStatus Refuse(const QString& message, const QString& command)
+/// @param command  whose help the user should read; empty for the tool's own help.
+TExitStatus Report_Usage_Error(const QString& message, const QString& command)
 {
-    Terminal::Complain(message);
-    Terminal::Complain(
-        Translated("Try '%1 --help'.").arg((QStringLiteral("quillet-cli ") + command).trimmed()));
-    return Wrong_Usage;
+    Terminal::Print_Error(message);
+    Terminal::Print_Error(
+        Tr("Try '%1 --help'.").arg((QStringLiteral("quillet-cli ") + command).trimmed()));
+    return Usage_Error;
 }
 
-/// What stands in place of a command.
+/// Handles --help, --version and everything that is not a known command.
 TExitStatus Run_Without_Command(const QStringList& arguments)
 {
     if (arguments.isEmpty())
-        return Refuse(Translated("A command is missing."), QString());
+        return Report_Usage_Error(Tr("Missing command."), QString());
     const QString& option = arguments.first();
     const bool is_help = option == QLatin1String("-h") || option == QLatin1String("--help");
     const bool is_version = option == QLatin1String("-v") || option == QLatin1String("--version");
     if (!is_help && !is_version)
-        return Refuse(Translated("There is no command '%1'.").arg(option), QString());
+        return Report_Usage_Error(Tr("Unknown command '%1'.").arg(option), QString());
     if (arguments.size() > 1)
-        return Refuse(Translated("Unexpected argument '%1'.").arg(arguments.at(1)), QString());
+        return Report_Usage_Error(Tr("Unexpected argument '%1'.").arg(arguments.at(1)), QString());
     if (is_help)
         Print_Help();
     else
         Terminal::Print(QStringLiteral("quillet-cli ") + QCoreApplication::applicationVersion());
-    return Done;
+    return Success;
 }
 
 TExitStatus Run(const TCommand& command, const QStringList& arguments)
 {
     try {
-        TCommandLine line(Translated(command.summary), arguments);
+        TCommandLine line(Tr(command.summary), arguments);
         command.run(&line);
     } catch (const TUsageError& error) {
-        return Refuse(error.message, QString::fromLatin1(command.name));
+        return Report_Usage_Error(error.message, QString::fromLatin1(command.name));
     } catch (const TJobError& error) {
-        Terminal::Complain(error.file, error.defect);
+        Terminal::Print_Error(error.file, error.defect);
         return Job_Failed;
     } catch (const TReportedError&) {
         return Job_Failed;
     }
-    return Done;
+    return Success;
 }
 
-/// The tool's arguments as texts.
-/// @throws TUsageError for one that is not in UTF-8: the toolkit would read or, worse, write a file
-/// of another name.
-QStringList Words(int count, char** arguments)
+/// Decodes the tool's arguments.
+/// @throws TUsageError for an argument that is not valid UTF-8: Qt would read or, worse, write a
+/// file of another name.
+QStringList Decode_Arguments(int count, char** raw_arguments)
 {
-    QStringList words;
-    for (int place = 1; place < count; ++place) {
-        const QString word = QFile::decodeName(arguments[place]);
-        if (QFile::encodeName(word) != arguments[place])
-            throw TUsageError{Translated("Argument '%1' is not in UTF-8.").arg(word)};
-        words += word;
+    QStringList arguments;
+    for (int index = 1; index < count; ++index) {
+        const QString argument = QFile::decodeName(raw_arguments[index]);
+        if (QFile::encodeName(argument) != raw_arguments[index])
+            throw TUsageError{Tr("Argument '%1' is not valid UTF-8.").arg(argument)};
+        arguments += argument;
     }
-    return words;
+    return arguments;
 }
 
-/// Drawing takes the toolkit's platform part, and that is to be the one without a display, whatever
-/// the user's desktop wants of its programs.
+/// Selects Qt's platform plugin without a display, and removes the user's desktop settings: pages
+/// must look the same everywhere.
 void Choose_Platform()
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qunsetenv("QT_QPA_PLATFORMTHEME");
 }
 
-/// What the toolkit thinks of the session that it runs in is of no use to somebody who only wants a
-/// file made; what keeps it from working is.
-void Pass_On_Errors(QtMsgType type, const QMessageLogContext&, const QString& message)
+/// Message handler that prints Qt's errors and hides its warnings, which concern the session.
+void Print_Qt_Errors(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
-        Terminal::Complain(message);
+        Terminal::Print_Error(message);
 }
 
-/// The application object takes no arguments of ours, since it would take its own out of them. Its
-/// name is what the help of a command begins with.
-std::unique_ptr<QCoreApplication> New_Application(TNeeds needs, QByteArray* name)
+/// Creates the application object. It does not get the tool's arguments, because Qt would remove
+/// the ones that it recognizes.
+/// @param name  appears in the usage line of a command's help; must outlive the application.
+std::unique_ptr<QCoreApplication> New_Application(TApplicationType type, QByteArray* name)
 {
     static int count = 1;
     static char* arguments[] = {name->data(), nullptr};
-    if (needs == TNeeds::Files)
+    if (type == TApplicationType::Core)
         return std::make_unique<QCoreApplication>(count, arguments);
     Choose_Platform();
     return std::make_unique<QApplication>(count, arguments);
@@ -162,35 +166,36 @@ std::unique_ptr<QCoreApplication> New_Application(TNeeds needs, QByteArray* name
 
 } // namespace
 
-int main(int argument_count, char** arguments)
+int main(int argument_count, char** raw_arguments)
 {
-    // File names are UTF-8, also where a script runs in a locale that knows of ASCII only.
+    // File names are UTF-8 even if a script runs in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-    qInstallMessageHandler(Pass_On_Errors);
-    // The resolution that desktops have, and the window with them: fonts get their sizes by it, and
-    // it is noted in images. Without a display the toolkit would assume others.
+    qInstallMessageHandler(Print_Qt_Errors);
+    // The resolution of a desktop, and so of the window. It determines font sizes and is stored in
+    // images. Without a display Qt would assume another one.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
-    QStringList words;
+    QStringList arguments;
     try {
-        words = Words(argument_count, arguments);
+        arguments = Decode_Arguments(argument_count, raw_arguments);
     } catch (const TUsageError& error) {
-        return Refuse(error.message, QString());
+        return Report_Usage_Error(error.message, QString());
     }
     const TCommand* const command =
-        std::find_if(commands.cbegin(), commands.cend(), [&words](const TCommand& candidate) {
-            return words.value(0) == QLatin1String(candidate.name);
+        std::find_if(commands.cbegin(), commands.cend(), [&arguments](const TCommand& candidate) {
+            return arguments.value(0) == QLatin1String(candidate.name);
         });
     const bool is_known = command != commands.cend();
     QByteArray name("quillet-cli");
     if (is_known)
         name += QByteArray(" ") + command->name;
     const std::unique_ptr<QCoreApplication> application =
-        New_Application(is_known ? command->needs : TNeeds::Files, &name);
+        New_Application(is_known ? command->application_type : TApplicationType::Core, &name);
     QCoreApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
 
-    const TExitStatus status = is_known ? Run(*command, words.mid(1)) : Run_Without_Command(words);
+    const TExitStatus status =
+        is_known ? Run(*command, arguments.mid(1)) : Run_Without_Command(arguments);
     if (Terminal::Flush())
         return status;
-    Terminal::Complain(Translated("standard output"), Translated("cannot be written"));
+    Terminal::Print_Error(Tr("standard output"), Tr("cannot be written"));
     return Job_Failed;
 }

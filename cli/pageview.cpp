@@ -7,8 +7,8 @@ TPageView::TPageView(TDocument* document, const TPageExporter::TProgress& progre
     const int size = document->appearance.label_size;
     d_view.Set_Label_Size(QSize(size, size), TAppearance::Font_Size(size));
     d_view.Set_Label_Color(TAppearance::Color(document->appearance.color_name));
-    // The last page is the one that is shown when a document has been opened. What the view has
-    // shown decides how large it draws a page without a picture.
+    // The window shows the last page after opening a document. The size at
+    // which the view draws a page without an image depends on what it has shown before.
     if (document->pages.empty())
         return;
     d_view.Clear();

@@ -4,13 +4,15 @@
 #include "src/export/pageexporter.h"
 #include "src/format/document.h"
 
-/// A view of a document's pages that nobody sees, set up as the window's is after it has opened the
-/// document, so that what it draws is what the window draws.
+/// Draws a document's pages in a hidden page view.
+///
+/// The view is set up like that of a window that has just opened the document, so both draw the
+/// same pixels.
 class TPageView
 {
 public:
-    /// @param document  not owned; a page of it becomes the active one.
-    /// @param progress  of the exporter; may be empty.
+    /// @param document  not owned; one of its pages becomes active.
+    /// @param progress  passed to the exporter; may be empty.
     TPageView(TDocument* document, const TPageExporter::TProgress& progress);
 
     const TPageExporter& Exporter() const { return d_exporter; }

@@ -6,8 +6,8 @@
 namespace {
 
 const char* const program = "quillet-cli: ";
-/// Back to the beginning of the line, and everything behind it erased.
-const char* const new_line = "\r\033[K";
+/// Moves the cursor to the beginning of the line and erases the line.
+const char* const erase_line = "\r\033[K";
 
 } // namespace
 
@@ -21,14 +21,14 @@ void Terminal::Print_Raw(const QByteArray& text)
     std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
 }
 
-void Terminal::Complain(const QString& line)
+void Terminal::Print_Error(const QString& line)
 {
     std::fprintf(stderr, "%s%s\n", program, line.toUtf8().constData());
 }
 
-void Terminal::Complain(const QString& file, const QString& defect)
+void Terminal::Print_Error(const QString& file, const QString& defect)
 {
-    Complain(file + QStringLiteral(": ") + defect);
+    Print_Error(file + QStringLiteral(": ") + defect);
 }
 
 bool Terminal::Flush()
@@ -45,7 +45,7 @@ TTerminalProgress::TTerminalProgress(const QString& pattern)
 TTerminalProgress::~TTerminalProgress()
 {
     if (d_has_line)
-        std::fputs(new_line, stderr);
+        std::fputs(erase_line, stderr);
 }
 
 void TTerminalProgress::Step(int number, int total)
@@ -54,7 +54,7 @@ void TTerminalProgress::Step(int number, int total)
         return;
     d_has_line = true;
     const QByteArray text = d_pattern.arg(number).arg(total).toUtf8();
-    std::fprintf(stderr, "%s%s", new_line, text.constData());
+    std::fprintf(stderr, "%s%s", erase_line, text.constData());
     std::fflush(stderr);
 }
 

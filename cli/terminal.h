@@ -4,37 +4,37 @@
 
 #include <functional>
 
-/// What the tool tells its user: results on the standard output, everything else on the standard
-/// error output.
+/// Output of the tool: results on standard output, errors and progress on standard error.
 namespace Terminal {
 
-/// A line of the result.
+/// Prints a line of the result.
 void Print(const QString& line);
-/// Something as it is, for what brings its own line breaks.
+/// Prints a result as it is, without adding a line break.
 void Print_Raw(const QByteArray& text);
-/// A line that tells of an error.
-void Complain(const QString& line);
-/// The same for an error in a file.
-void Complain(const QString& file, const QString& defect);
-/// Whether all that was printed has gone out; not so on a full disk.
+/// Prints an error.
+void Print_Error(const QString& line);
+/// Prints an error about a file.
+void Print_Error(const QString& file, const QString& defect);
+/// Flushes standard output. Returns false if anything printed was lost, for example on a full disk.
 bool Flush();
 
 } // namespace Terminal
 
-/// Tells how far a long work is, in one line of the terminal that goes away with this object. Says
-/// nothing where the standard error output is no terminal.
+/// Shows the progress of a long operation in one line of the terminal, which the destructor erases.
+/// Does nothing if standard error is not a terminal.
 class TTerminalProgress
 {
 public:
-    /// @param pattern  in which "%1" stands for the step and "%2" for their number.
+    /// @param pattern  the line; "%1" stands for the current step and "%2" for the number of steps.
     explicit TTerminalProgress(const QString& pattern);
     ~TTerminalProgress();
     TTerminalProgress(const TTerminalProgress&) = delete;
     TTerminalProgress& operator=(const TTerminalProgress&) = delete;
 
-    /// A step, counted from 1, is about to begin.
+    /// Shows that a step begins.
+    /// @param number  of the step, from 1.
     void Step(int number, int total);
-    /// The same for whoever wants to be given a function. Only valid while this object lives.
+    /// Returns a function that calls Step. It must not outlive this object.
     std::function<void(int number, int total)> Steps();
 
 private:

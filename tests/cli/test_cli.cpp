@@ -130,50 +130,52 @@ private slots:
             QTest::newRow(arguments)
                 << QString(arguments).split(' ', Qt::SkipEmptyParts) << QString(complaint);
         };
-        row("", "A command is missing.");
-        row("paint", "There is no command 'paint'.");
-        row("--paint", "There is no command '--paint'.");
+        row("", "Missing command.");
+        row("paint", "Unknown command 'paint'.");
+        row("--paint", "Unknown command '--paint'.");
         row("--help create", "Unexpected argument 'create'.");
         row("-v info", "Unexpected argument 'info'.");
-        row("info", "FILE is missing.");
+        row("info", "Missing argument 'FILE'.");
         row("info a b", "Unexpected argument 'b'.");
         row("info sound.quillet --paint", "Unknown option 'paint'.");
         row("info sound.quillet --json=1", "Unexpected value after '--json'.");
-        row("check", "FILE is missing.");
-        row("create --output out", "IMAGE is missing.");
-        row("create image.png", "Option 'output' is missing.");
+        row("check", "Missing argument 'FILE'.");
+        row("create --output out", "Missing argument 'IMAGE'.");
+        row("create image.png", "Missing option 'output'.");
         row("create image.png --output", "Missing value after '--output'.");
-        row("create image.png --output=", "Option 'output' cannot be ''.");
-        row("recover damaged.quillet", "Option 'output' is missing.");
-        row("reindex sound.quillet --first 1 --output out", "Option 'over-page' is missing.");
-        row("reindex sound.quillet --over-page 1 --output out", "Option 'first' is missing.");
-        row("reindex sound.quillet --first 1 --over-page 1", "Option 'output' is missing.");
+        row("create image.png --output=", "Invalid value '' for option 'output'.");
+        row("recover damaged.quillet", "Missing option 'output'.");
+        row("reindex sound.quillet --first 1 --output out", "Missing option 'over-page'.");
+        row("reindex sound.quillet --over-page 1 --output out", "Missing option 'first'.");
+        row("reindex sound.quillet --first 1 --over-page 1", "Missing option 'output'.");
         row("reindex sound.quillet --first x --over-page 1 --output out",
-            "Option 'first' cannot be 'x'.");
+            "Invalid value 'x' for option 'first'.");
         row("reindex sound.quillet --first 2147483648 --over-page 1 --output out",
-            "Option 'first' cannot be '2147483648'.");
+            "Invalid value '2147483648' for option 'first'.");
         row("reindex sound.quillet --first 1 --over-page 5 --output out",
-            "Option 'over-page' cannot be '5'.");
-        row("export-images sound.quillet", "Option 'folder' is missing.");
-        row("export-images sound.quillet --folder=", "Option 'folder' cannot be ''.");
-        row("export-pdf sound.quillet", "Option 'output' is missing.");
+            "Invalid value '5' for option 'over-page'.");
+        row("export-images sound.quillet", "Missing option 'folder'.");
+        row("export-images sound.quillet --folder=", "Invalid value '' for option 'folder'.");
+        row("export-pdf sound.quillet", "Missing option 'output'.");
         row("export-pdf sound.quillet --output out --orientation upright",
-            "Option 'orientation' cannot be 'upright'.");
+            "Invalid value 'upright' for option 'orientation'.");
         row("export-pdf sound.quillet --output out --resolution 100",
-            "Option 'resolution' cannot be '100'.");
+            "Invalid value '100' for option 'resolution'.");
         row("export-pdf sound.quillet --output out --resolution 5",
-            "Option 'resolution' cannot be '5'.");
-        row("import-items sound.quillet --output out", "Option 'csv' is missing.");
-        row("import-items sound.quillet --csv items.csv", "Option 'output' is missing.");
-        row("export-items sound.quillet", "Option 'csv' is missing.");
-        row("thumbnail sound.quillet", "Option 'output' is missing.");
-        row("thumbnail sound.quillet --output out --size 0", "Option 'size' cannot be '0'.");
-        row("thumbnail sound.quillet --output out --size big", "Option 'size' cannot be 'big'.");
+            "Invalid value '5' for option 'resolution'.");
+        row("import-items sound.quillet --output out", "Missing option 'csv'.");
+        row("import-items sound.quillet --csv items.csv", "Missing option 'output'.");
+        row("export-items sound.quillet", "Missing option 'csv'.");
+        row("thumbnail sound.quillet", "Missing option 'output'.");
+        row("thumbnail sound.quillet --output out --size 0",
+            "Invalid value '0' for option 'size'.");
+        row("thumbnail sound.quillet --output out --size big",
+            "Invalid value 'big' for option 'size'.");
         row("kept 1", "Unexpected argument '1'.");
-        row("kept --copy 1", "Options 'copy' and 'output' belong together.");
-        row("kept --output out", "Options 'copy' and 'output' belong together.");
-        row("kept --copy x --output out", "Option 'copy' cannot be 'x'.");
-        row("kept --copy 0 --output out", "Option 'copy' cannot be '0'.");
+        row("kept --copy 1", "Options 'copy' and 'output' must be used together.");
+        row("kept --output out", "Options 'copy' and 'output' must be used together.");
+        row("kept --copy x --output out", "Invalid value 'x' for option 'copy'.");
+        row("kept --copy 0 --output out", "Invalid value '0' for option 'copy'.");
     }
     void wrong_usage_is_told_from_failed_jobs()
     {
@@ -205,7 +207,7 @@ private slots:
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.exitCode(), 2);
         QCOMPARE(process.readAllStandardError().split('\n').first(),
-                 QByteArray("quillet-cli: Argument 'b\xef\xbf\xbd' is not in UTF-8."));
+                 QByteArray("quillet-cli: Argument 'b\xef\xbf\xbd' is not valid UTF-8."));
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
 
@@ -233,7 +235,8 @@ private slots:
         const QByteArray before = Content(name);
         const TToolResult result = Run(arguments.split(' ') + QStringList{"--force"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, "quillet-cli: " + name + ": is read here and would be lost\n");
+        QCOMPARE(result.errors,
+                 "quillet-cli: " + name + ": is an input and cannot be overwritten\n");
         QCOMPARE(Content(name), before);
     }
 
@@ -246,7 +249,7 @@ private slots:
         const TToolResult result = Run(arguments);
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,
-                 QStringLiteral("quillet-cli: out: exists already; --force replaces it\n"));
+                 QStringLiteral("quillet-cli: out: already exists; use --force to overwrite it\n"));
         QCOMPARE(Content("out"), QByteArray("old"));
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
@@ -286,7 +289,7 @@ private slots:
         const TToolResult result = Run(arguments);
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,
-                 QStringLiteral("quillet-cli: missing/out: its folder does not exist\n"));
+                 QStringLiteral("quillet-cli: missing/out: the folder does not exist\n"));
     }
 
     void a_folder_is_no_file_data() { Add_Writing_Commands(); }
@@ -296,7 +299,7 @@ private slots:
         QVERIFY(QDir(d_folder->path()).mkdir("out"));
         const TToolResult result = Run(arguments + QStringList{"--force"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, QStringLiteral("quillet-cli: out: is no name for a file\n"));
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: out: is not a valid file name\n"));
         QCOMPARE(Support::Entries(d_folder->filePath("out")), QStringList());
     }
 
@@ -307,8 +310,7 @@ private slots:
         arguments.replaceInStrings(QRegularExpression("^out$"), "/dev/null");
         const TToolResult result = Run(arguments + QStringList{"--force"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors,
-                 QStringLiteral("quillet-cli: /dev/null: is no file that can be replaced\n"));
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: /dev/null: is not a regular file\n"));
     }
 
     void a_damaged_document_is_refused_with_its_first_defect_data()
@@ -408,15 +410,15 @@ private slots:
         QTest::addColumn<QString>("arguments");
         QTest::addColumn<QByteArray>("output");
         const QByteArray erase = "\r\033[K";
-        const QByteArray looking = erase + "Looking at page 1 of 1" + erase;
+        const QByteArray looking = erase + "Checking page 1 of 1" + erase;
         const QByteArray saving = erase + "Saving page 1 of 1" + erase;
         QTest::newRow("reindex") << "reindex sound.quillet --first 1 --over-page 1 --output b"
                                  << saving;
         QTest::newRow("check") << "check sound.quillet"
                                << looking + "sound.quillet: no defects\r\n";
-        QTest::newRow("recover") << "recover sound.quillet --output b"
-                                 << looking + saving +
-                                        "b: pages: 1, of these whole: 1, labels: 1, defects: 0\r\n";
+        QTest::newRow("recover")
+            << "recover sound.quillet --output b"
+            << looking + saving + "b: pages: 1, undamaged pages: 1, labels: 1, defects: 0\r\n";
     }
     void progress_is_for_terminals_alone()
     {

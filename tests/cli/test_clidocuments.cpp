@@ -138,13 +138,13 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("defect");
         QTest::newRow("text") << "notes.txt"
-                              << "cannot be read as an image";
+                              << "is not a readable image";
         QTest::newRow("missing") << "missing.png"
                                  << "No such file or directory";
         QTest::newRow("folder without images") << "empty"
-                                               << "holds no images";
+                                               << "contains no images";
         QTest::newRow("damaged, in a folder") << "damaged"
-                                              << "damaged/a.png: cannot be read as an image";
+                                              << "damaged/a.png: is not a readable image";
         QTest::newRow("missing, in a folder") << "linked"
                                               << "linked/b.png: No such file or directory";
     }
@@ -297,8 +297,9 @@ private slots:
                      .match(result.output)
                      .hasMatch(),
                  qPrintable(result.output));
-        QVERIFY2(result.output.contains("\nout: pages: 2, of these whole: 1, labels: 1, defects: "),
-                 qPrintable(result.output));
+        QVERIFY2(
+            result.output.contains("\nout: pages: 2, undamaged pages: 1, labels: 1, defects: "),
+            qPrintable(result.output));
         QCOMPARE(Run({"check", "out"}).status, 0);
         const QJsonObject information = Information("out");
         QCOMPARE(information.value("label_size").toInt(), 48);
@@ -313,8 +314,9 @@ private slots:
         Write("a.qld", "<Quillet_Data File_Version=\"2\"><Item><ID>1</ID></Item></Quillet_Data>");
         const TToolResult result = Run({"recover", "a.qld", "--output", "out"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, QStringLiteral("quillet-cli: a.qld: is of an earlier generation, "
-                                               "and no project\n"));
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: a.qld: is a file of an earlier generation; "
+                                "only projects can be recovered\n"));
         QVERIFY(!QFile::exists(Path("out")));
     }
 

@@ -102,7 +102,7 @@ private slots:
         }
         const TToolResult refused = Run({"export-images", "a.quillet", "--folder", "out"});
         QCOMPARE(refused.status, 1);
-        QVERIFY(QRegularExpression("^quillet-cli: out/b-\\d{14}2\\.png: exists already; ")
+        QVERIFY(QRegularExpression("^quillet-cli: out/b-\\d{14}2\\.png: already exists; ")
                     .match(refused.errors)
                     .hasMatch());
         QCOMPARE(Support::Entries(Path("out")).size(), seconds);
@@ -136,7 +136,7 @@ private slots:
         Write_Project(Page("a", Picture(20, 10)), 1);
         const TToolResult result = Run({"export-images", "a.quillet", "--folder", folder});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, "quillet-cli: " + folder + ": is no folder\n");
+        QCOMPARE(result.errors, "quillet-cli: " + folder + ": is not a folder\n");
     }
 
     void without_pages_there_is_nothing_to_draw_data()

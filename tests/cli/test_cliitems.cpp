@@ -192,7 +192,7 @@ private slots:
     {
         const TToolResult result = Run({"kept"});
         QCOMPARE(result.status, 0);
-        QCOMPARE(result.output, QStringLiteral("No copies are kept.\n"));
+        QCOMPARE(result.output, QStringLiteral("There are no copies.\n"));
         QCOMPARE(result.home, QStringList());
     }
 
@@ -237,7 +237,7 @@ private slots:
         const TToolResult refused = Run({"kept", "--copy", "1", "--output", "out"});
         QCOMPARE(refused.status, 1);
         QCOMPARE(refused.errors,
-                 QStringLiteral("quillet-cli: out: exists already; --force replaces it\n"));
+                 QStringLiteral("quillet-cli: out: already exists; use --force to overwrite it\n"));
         QCOMPARE(Content("out"), QByteArray("old"));
         QCOMPARE(Run({"kept", "--copy", "1", "--output", "out", "--force"}).status, 0);
         QCOMPARE(Content("out"), Support::Empty_Project(40));
@@ -248,7 +248,8 @@ private slots:
         Keep("backup/one", Support::Empty_Project(), "/tmp/one.quillet", 100);
         const TToolResult result = Run({"kept", "--copy", "2", "--output", "out"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, QStringLiteral("quillet-cli: 2: no kept copy has this number\n"));
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: 2: there is no copy with this number\n"));
         QVERIFY(!QFile::exists(Path("out")));
     }
 };
