@@ -1,4 +1,4 @@
-# The Debian package: what cmake --install installs, under /usr. script/package makes it.
+# The Debian package, with the files of cmake --install below /usr. Use script/package to build it.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quillet)
 set(CPACK_PACKAGE_VENDOR "The Quillet Project")
@@ -12,20 +12,20 @@ set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://www.quillet.example)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Quillet marks what matters on the pages of a report. Page images are imported,
-and numbered labels are placed on them with the mouse; labels are edited,
-dragged and renumbered, pages named and put into order. The result is one image
-for each page, or a PDF report with header lines and page numbers.
+"Quillet puts numbered labels on the pages of a report. Import page images, add
+labels with a right click, edit, move and renumber them, and put the pages into
+order. Quillet exports one image for each page, or a PDF report with header
+lines and page numbers.
 .
-The package also holds quillet-cli, a tool for the command line that makes
-projects from images, exports, checks, mends and renumbers them, and exchanges
-labels with spreadsheets.")
-# The libraries are found by looking at the programs. The fonts are not a matter of taste: labels and
-# reports are drawn with them, and are to look the same on each machine.
+The package also contains the command-line tool quillet-cli. It creates, checks,
+recovers, renumbers and exports projects, and exchanges labels with
+spreadsheets.")
+# CPack finds the libraries that the programs need. The fonts are a dependency because labels and
+# reports must look the same on every machine.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-liberation")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# No maintainer scripts: the desktop's caches are brought up to date by the triggers of those who own
-# them (desktop-file-utils, hicolor-icon-theme, shared-mime-info, man-db).
+# No maintainer scripts: the triggers of desktop-file-utils, hicolor-icon-theme, shared-mime-info and
+# man-db update the caches.
 
 include(CPack)
