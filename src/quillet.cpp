@@ -42,7 +42,7 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     d_label_widget->setEnabled(false);
     Connect_Signals();
     Add_Habits();
-    Spread_Safety_Net();
+    Set_Up_Safety_Net();
     Start_History();
 }
 
@@ -71,7 +71,7 @@ TQuillet::Show_Message(const QString& text, const QString& informative_text,
                        const QString& detailed_text, QMessageBox::StandardButtons buttons,
                        QMessageBox::StandardButton default_button, QMessageBox::Icon icon)
 {
-    Keep_Work();
+    Copy_Pending_Work();
     d_message_box->setText(text);
     d_message_box->setInformativeText(informative_text);
     d_message_box->setDetailedText(detailed_text);

@@ -151,11 +151,11 @@ private:
     void Write_Settings();
 
     // The safety net.
-    void Spread_Safety_Net();
-    void Announce_Kept_Work();
-    void Note_Work();
-    void Keep_Work();
-    void Leave_Work(bool gave_up);
+    void Set_Up_Safety_Net();
+    void Show_Recovery_Notice();
+    void Record_Change();
+    void Copy_Pending_Work();
+    void End_Recovery(bool loss_confirmed);
 
     // Steps that can be taken back.
     /// Lasts as long as a step of the work. Steps within it belong to it.
@@ -266,9 +266,9 @@ private:
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
     TProgress::TClock d_progress_clock = TProgress::Machine_Time; ///< by which long work is shown
-    bool d_filling_view = false;     ///< the view is being rebuilt from the document or a file
-    bool d_has_new_document = false; ///< the last file operation replaced the document
-    QLabel* d_kept_notice = nullptr; ///< tells of kept work; null when there was none
+    bool d_filling_view = false;         ///< the view is being rebuilt from the document or a file
+    bool d_has_new_document = false;     ///< the last file operation replaced the document
+    QLabel* d_recovery_notice = nullptr; ///< null until one is shown
 
     std::unique_ptr<TUndoHistory> d_history; ///< null while the window is being built
     std::unique_ptr<TUndoKeys> d_undo_keys;

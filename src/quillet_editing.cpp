@@ -139,7 +139,7 @@ void TQuillet::Edit_Reindex()
 {
     if (!d_reindex_dialog)
         d_reindex_dialog = new TReindexDialog(this, Qt::WindowFlags());
-    Keep_Work();
+    Copy_Pending_Work();
     if (d_reindex_dialog->exec() != QDialog::Accepted)
         return;
 
@@ -155,7 +155,7 @@ void TQuillet::Edit_Reindex()
             ? WholeDocument::Number_Pages(d_page_widget->Page_Ids(), first_value,
                                           d_reindex_dialog->Increment_Over_Page_Method(), &d_data)
             : Renumber_Active_Page(first_value, option == TReindexDialog::Current_Page_Selected);
-    Note_Work();
+    Record_Change();
     if (!has_page)
         return;
     Refresh_Active_Page();

@@ -15,7 +15,7 @@
 
 void TQuillet::File_Export_Images()
 {
-    Keep_Work();
+    Copy_Pending_Work();
     const QString folder = QFileDialog::getExistingDirectory(
         this, tr("Export image files"), d_working_dir.absolutePath(), QFileDialog::ShowDirsOnly);
     if (folder.isEmpty())
@@ -40,7 +40,7 @@ bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
 
 void TQuillet::File_Export_Pdf()
 {
-    Keep_Work();
+    Copy_Pending_Work();
     if (Header_Dialog()->exec() != QDialog::Accepted)
         return;
     const QString file = QFileDialog::getSaveFileName(

@@ -23,7 +23,7 @@ void TQuillet::File_Open()
 {
     if (!Confirm_Loss())
         return;
-    Keep_Work();
+    Copy_Pending_Work();
     const QString name = QFileDialog::getOpenFileName(this, tr("Select a Quillet file to open"),
                                                       d_working_dir.absolutePath(),
                                                       tr("Quillet files (*.quillet *.qld)"));
@@ -34,7 +34,7 @@ void TQuillet::File_Open()
 
 void TQuillet::Open_File(const QString& name)
 {
-    const bool gave_up = d_data_changed;
+    const bool loss_confirmed = d_data_changed;
     d_has_new_document = false;
     const bool is_legacy = LegacyFile::Is_Legacy(name);
     const QString path = is_legacy ? LegacyFile::Base_Name(name) : name;
@@ -43,9 +43,9 @@ void TQuillet::Open_File(const QString& name)
     // Only now: a file that stops the program does not take the old work with it. One that is
     // refused at once leaves the old document where it was.
     if (d_has_new_document)
-        Leave_Work(gave_up);
+        End_Recovery(loss_confirmed);
     if (loaded)
-        d_safety_net->Note_Opened(name);
+        d_safety_net->After_Open(name);
     else
         Show_File_Error(tr("Error Loading Data"),
                         is_legacy ? tr("The legacy Quillet file cannot be loaded")
@@ -73,7 +73,7 @@ void TQuillet::File_Save()
 
 void TQuillet::File_SaveAs()
 {
-    Keep_Work();
+    Copy_Pending_Work();
     const QString name =
         QFileDialog::getSaveFileName(this, tr("Save quillet file"), d_working_dir.absolutePath(),
                                      tr("Quillet Files (*.quillet)"));
@@ -112,9 +112,9 @@ bool TQuillet::Save_Data(const QString& file_name)
 {
     const bool saved = Write_Data(file_name);
     if (!saved)
-        d_safety_net->Keep_Unsaved(file_name);
+        d_safety_net->After_Failed_Save(file_name);
     // It may have been the kept work that was saved.
-    Announce_Kept_Work();
+    Show_Recovery_Notice();
     return saved;
 }
 

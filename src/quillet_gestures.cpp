@@ -21,7 +21,7 @@ void TQuillet::Add_Habits()
     new TWheelZoom(d_display_widget, d_zoom_slider);
     new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
     new TImageDrop(this, [this](const QStringList& paths) {
-        Keep_Work();
+        Copy_Pending_Work();
         Import_Files(paths);
     });
 }

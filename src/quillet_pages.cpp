@@ -16,7 +16,7 @@ void TQuillet::File_New()
 {
     if (!Confirm_Loss())
         return;
-    Leave_Work(d_data_changed);
+    End_Recovery(d_data_changed);
     d_data.Clear();
     d_page_widget->Clear();
     d_label_widget->Clear();
@@ -30,7 +30,7 @@ void TQuillet::File_New()
 
 void TQuillet::File_Import()
 {
-    Keep_Work();
+    Copy_Pending_Work();
     const QStringList paths = QFileDialog::getOpenFileNames(
         this, tr("Import one or more supported image files"), d_working_dir.absolutePath(),
         tr("Image Files (%1)").arg(ImageFiles::Patterns()));

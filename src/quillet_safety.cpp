@@ -1,4 +1,4 @@
-// The safety net's place in the window: when it is told of changes, and how kept work is announced.
+// When the window calls the safety net, and the notice about abandoned recovery copies.
 
 #include "src/quillet.h"
 
@@ -13,80 +13,81 @@
 #include <QSettings>
 #include <QStatusBar>
 
-void TQuillet::Spread_Safety_Net()
+void TQuillet::Set_Up_Safety_Net()
 {
     const QString settings_folder = QFileInfo(d_settings->fileName()).absolutePath();
     d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this](TProjectWriter* writer) {
         Write_Project(writer, WholeDocument::TPurpose::Recovery_Copy);
     });
-    Announce_Kept_Work();
+    Show_Recovery_Notice();
 }
 
-/// Tells of copies that a run which ended badly has left: in the status bar, where nobody is
-/// interrupted, for as long as they are there.
-void TQuillet::Announce_Kept_Work()
+/// Shows in the status bar which abandoned recovery copies exist; hides the notice if none is left.
+void TQuillet::Show_Recovery_Notice()
 {
     QStringList paths;
-    for (const TKeptFile& file : d_safety_net->Found()) {
+    for (const TKeptFile& file : d_safety_net->Abandoned()) {
         if (QFile::exists(file.path))
             paths += file.path;
     }
     if (paths.isEmpty()) {
-        if (d_kept_notice)
-            d_kept_notice->hide();
+        if (d_recovery_notice)
+            d_recovery_notice->hide();
         return;
     }
-    if (!d_kept_notice) {
-        d_kept_notice = new QLabel(this);
-        d_kept_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        // A path is shown as it is written, whatever characters it has.
-        d_kept_notice->setTextFormat(Qt::PlainText);
-        // A long one is cut off rather than making the window wider; the tool tip has all of it.
-        d_kept_notice->setMinimumWidth(1);
-        statusBar()->addWidget(d_kept_notice, 1);
+    if (!d_recovery_notice) {
+        d_recovery_notice = new QLabel(this);
+        d_recovery_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        // A path may look like rich text.
+        d_recovery_notice->setTextFormat(Qt::PlainText);
+        // A long path is clipped rather than widening the window; the tool tip has all of it.
+        d_recovery_notice->setMinimumWidth(1);
+        statusBar()->addWidget(d_recovery_notice, 1);
     }
-    d_kept_notice->setText(tr("Unsaved work was kept in %1").arg(paths.first()));
-    d_kept_notice->setToolTip(tr("The program ended before this work was saved. Open this file to "
-                                 "get it back:\n%1")
-                                  .arg(paths.join(QLatin1Char('\n'))));
+    d_recovery_notice->setText(tr("Unsaved work can be recovered from %1").arg(paths.first()));
+    d_recovery_notice->setToolTip(tr("The program ended before this work was saved. To recover it, "
+                                     "open this file:\n%1")
+                                      .arg(paths.join(QLatin1Char('\n'))));
 }
 
 void TQuillet::Mark_Changed()
 {
     d_data_changed = true;
-    Note_Work();
+    Record_Change();
 }
 
-void TQuillet::Note_Work()
+/// Reports a change by the user to the safety net.
+void TQuillet::Record_Change()
 {
-    // While the view is being filled it reports positions that the document already has.
+    // A view that is being filled reports positions that the document already has.
     if (d_safety_net && !d_filling_view)
-        d_safety_net->Note_Change(d_file_name);
+        d_safety_net->Record_Change(d_file_name);
 }
 
-/// The user turns away, or a modal command begins.
-void TQuillet::Keep_Work()
+/// Copies pending changes. Called when the window loses focus and before a modal dialog opens.
+void TQuillet::Copy_Pending_Work()
 {
     if (!d_safety_net)
         return;
     Note_Page_List();
-    d_safety_net->Keep_Now(d_file_name);
+    d_safety_net->Copy_Pending(d_file_name);
 }
 
-/// Another document takes this one's place.
-/// @param gave_up  whether the user was asked about unsaved work and let it go; otherwise what is
-///                 kept of it stays where it is.
-void TQuillet::Leave_Work(bool gave_up)
+/// Ends the recovery copy of a document that another one replaces.
+/// @param loss_confirmed  the user agreed to lose unsaved changes, so the copy is deleted;
+/// otherwise
+///                        it stays for the next start.
+void TQuillet::End_Recovery(bool loss_confirmed)
 {
-    if (gave_up)
-        d_safety_net->Give_Up();
+    if (loss_confirmed)
+        d_safety_net->Discard();
     else
-        d_safety_net->Set_Aside();
+        d_safety_net->Release();
 }
 
 void TQuillet::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && !isActiveWindow())
-        Keep_Work();
+        Copy_Pending_Work();
 }

@@ -182,7 +182,7 @@ void TQuillet::Write_Settings()
 void TQuillet::closeEvent(QCloseEvent* event)
 {
     Write_Settings();
-    Keep_Work();
+    Copy_Pending_Work();
     if (!d_data_changed) {
         event->accept();
         return;
@@ -194,7 +194,7 @@ void TQuillet::closeEvent(QCloseEvent* event)
     if (answer == QMessageBox::Yes)
         File_Save();
     if (answer == QMessageBox::No)
-        d_safety_net->Give_Up();
+        d_safety_net->Discard();
     event->setAccepted(answer != QMessageBox::Cancel);
 }
 
@@ -217,7 +217,7 @@ void TQuillet::Color_Changed(QColor color)
     d_display_widget->Set_Label_Color(color);
     // The colour does not make a document count as changed, yet it is part of one.
     if (d_data.Page_Count() > 0)
-        Note_Work();
+        Record_Change();
 }
 
 void TQuillet::Item_Display_Format_Changed(const QString& format)

@@ -159,7 +159,7 @@ void TQuillet::Note_Page_List()
     d_history->Note_Rows(before, rows);
     if (d_history->End(Label_Look()))
         d_undo_keys->Note_Step();
-    Note_Work();
+    Record_Change();
 }
 
 /// Another document takes the place of this one.

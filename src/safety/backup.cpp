@@ -7,18 +7,17 @@
 
 namespace {
 
-/// The path under which a document is known, however it was reached.
+/// The canonical path of a document, also of one that no longer exists.
 QString Document_Path(const QString& document)
 {
     const QFileInfo info(document);
     if (info.exists())
         return info.canonicalFilePath();
-    // A document that has been deleted is still known by the folder in which it was.
     const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
     return (folder.isEmpty() ? info.absolutePath() : folder) + QLatin1Char('/') + info.fileName();
 }
 
-/// Paths are longer than file names may be and hold slashes, so copies are named by a digest.
+/// Name of a document's backup: a digest, since a path may be too long for a file name.
 QString Name_For(const QString& document)
 {
     return QString::fromLatin1(
@@ -41,32 +40,32 @@ QString TBackup::Path_For(const QString& document) const
 
 bool TBackup::Keep(const QString& document, bool force_to_disk) const
 {
-    const QFileInfo present(document);
-    if (!present.isFile() || present.size() == 0 || !present.isWritable())
+    const QFileInfo current(document);
+    if (!current.isFile() || current.size() == 0 || !current.isWritable())
         return true;
     if (!d_folder.Prepare())
         return false;
 
     const QString name = Name_For(document);
     TKeptNote note;
-    // Another run that keeps the same document at this moment holds the note.
-    if (!note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Take) ||
+    // The note is locked while another process backs up the same document.
+    if (!note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Reuse) ||
         !note.Write(Document_Path(document)))
         return false;
     TSafeFile copy(d_folder.Copy_Path(name), TSafeFile::TKind::Private);
-    const auto is_complete = [&present](const QString& path) {
-        return TSafeFile::Is_Complete(path, present.size(), QByteArray());
+    const auto is_complete = [&current](const QString& path) {
+        return TSafeFile::Is_Complete(path, current.size(), QByteArray());
     };
     if (!copy.Copy_From(document) ||
         !copy.Commit(is_complete,
                      force_to_disk ? TSafeFile::TReach::Disk : TSafeFile::TReach::System))
         return false;
-    Bound(name);
+    Enforce_Limit(name);
     return true;
 }
 
-/// Removes the oldest backups until the rest fits the limit. The newest one always stays.
-void TBackup::Bound(const QString& newest) const
+/// Deletes the oldest backups until the rest fits the limit. The newest one always stays.
+void TBackup::Enforce_Limit(const QString& newest) const
 {
     qint64 total = QFileInfo(d_folder.Copy_Path(newest)).size();
     for (const TKeptFile& file : List()) {

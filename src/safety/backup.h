@@ -4,34 +4,34 @@
 
 #include <QString>
 
-/// The version before: what a project file held before a save replaced it, one copy a document.
+/// Backups of saved documents: the content that the last save replaced, one backup per document.
 class TBackup
 {
 public:
-    /// How much all backups together may take.
+    /// Maximum size of all backups together, in bytes.
     static constexpr qint64 Default_Limit = 2LL * 1024 * 1024 * 1024;
 
-    /// @param folder  where the backups are kept; made when first needed.
-    /// @param limit   in bytes; beyond it the oldest backups go.
+    /// @param folder  folder of the backups; created on first use.
+    /// @param limit   maximum size of all backups in bytes; the oldest are deleted beyond it.
     explicit TBackup(const QString& folder, qint64 limit = Default_Limit);
 
-    /// Copies a document's present content into the folder, in the place of the copy before; cloned
-    /// where the file system can. True also when there is nothing to keep: no such file, an empty
-    /// one, or one that must not be written.
-    /// @param force_to_disk  waits until the copy is on the disk.
+    /// Replaces the document's backup by a copy of its current content, cloned where the file
+    /// system supports it. True also if there is nothing to back up: a missing, empty or read-only
+    /// document, or no regular file.
+    /// @param force_to_disk  waits until the backup is on the disk.
     bool Keep(const QString& document, bool force_to_disk) const;
 
-    /// Path of a document's backup, whether or not there is one.
+    /// Path of a document's backup, whether or not it exists.
     QString Path_For(const QString& document) const;
 
     /// All backups, newest first.
     std::vector<TKeptFile> List() const { return d_folder.List(); }
 
-    /// Removes what processes that are no more have left unfinished.
+    /// Deletes stale files of ended processes.
     void Clean_Up() const { d_folder.Clean_Up(); }
 
 private:
-    void Bound(const QString& newest) const;
+    void Enforce_Limit(const QString& newest) const;
 
     TKeptFolder d_folder;
     qint64 d_limit;

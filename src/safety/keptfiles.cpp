@@ -19,13 +19,13 @@ const char* const note_suffix = ".note";
 constexpr mode_t folder_mode = S_IRWXU;
 constexpr mode_t file_mode = S_IRUSR | S_IWUSR;
 
-/// A file is made and locked in two steps. One that is younger than this, in seconds, and not
-/// locked may be between them.
-constexpr qint64 settled_age = 60;
+/// In seconds. Files are created first and locked after that, so a recent file without a lock may
+/// still be in use.
+constexpr qint64 recent_age = 60;
 
-bool Is_Settled(const QFileInfo& file)
+bool Is_Recent(const QFileInfo& file)
 {
-    return file.lastModified().secsTo(QDateTime::currentDateTime()) > settled_age;
+    return file.lastModified().secsTo(QDateTime::currentDateTime()) <= recent_age;
 }
 
 } // namespace
@@ -36,7 +36,7 @@ bool TKeptNote::Open(const QString& path, TExisting existing)
     const int exclusive = existing == TExisting::Refuse ? O_EXCL : 0;
     d_descriptor = open(QFile::encodeName(path).constData(),
                         O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | exclusive, file_mode);
-    // The user's mask may have taken permissions away, or the note may be an old one.
+    // The umask or an older note may have other permissions.
     if (d_descriptor >= 0 && fchmod(d_descriptor, file_mode) == 0 &&
         flock(d_descriptor, LOCK_EX | LOCK_NB) == 0)
         return true;
@@ -75,7 +75,7 @@ bool TKeptFolder::Prepare() const
     struct stat state = {};
     if (stat(path.constData(), &state) != 0)
         return false;
-    // The user's mask does not count here, nor what somebody else made the folder with.
+    // Neither the umask nor the mode of an existing folder may widen or narrow the access.
     if ((state.st_mode & 07777) != folder_mode && chmod(path.constData(), folder_mode) != 0)
         return false;
     return QFileInfo(d_path).isWritable();
@@ -105,7 +105,7 @@ void TKeptFolder::Clean_Up() const
     for (const QFileInfo& file : files) {
         const bool is_note = file.fileName().endsWith(QLatin1String(note_suffix));
         const bool is_in_use = is_note && QFile::exists(Copy_Path(Name_Of(file.filePath())));
-        if (!is_in_use && Is_Settled(file) && Is_Free(file.filePath()))
+        if (!is_in_use && !Is_Recent(file) && Is_Free(file.filePath()))
             QFile::remove(file.filePath());
     }
 }

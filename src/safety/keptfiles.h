@@ -6,19 +6,19 @@
 
 #include <vector>
 
-/// One safety copy: a project file that the program keeps for the user beside the settings.
+/// A safety copy: a project file in a folder beside the settings.
 struct TKeptFile
 {
-    QString path;     ///< of the copy, which Open takes like any project file
-    QString document; ///< path of the document it belongs to; empty for one never saved
-    QDateTime time;   ///< when it was written
+    QString path;     ///< of the copy; File > Open accepts it
+    QString document; ///< path of the document it belongs to; empty if it was never saved
+    QDateTime time;   ///< of the last write
     qint64 size = 0;  ///< in bytes
 };
 
-/// A note beside a safety copy, open for writing and locked by whoever holds it.
+/// The open and locked note of a safety copy. The note holds the path of the copy's document.
 ///
-/// The system lets go of the lock when the process ends, however it ends, so that a lock tells
-/// better than a process number whether somebody is still at work.
+/// The kernel releases the lock when the process ends, even after SIGKILL. Unlike a process id, a
+/// lock is never stale.
 class TKeptNote
 {
 public:
@@ -27,52 +27,54 @@ public:
     TKeptNote(const TKeptNote&) = delete;
     TKeptNote& operator=(const TKeptNote&) = delete;
 
-    /// What Open does about a note that is there already.
-    enum class TExisting { Take, Refuse };
+    /// What Open() does with an existing note.
+    enum class TExisting { Reuse, Refuse };
 
-    /// Opens or makes a note and locks it; false when that is refused or somebody else holds it.
+    /// Opens or creates a note and locks it; false on failure and while another process holds the
+    /// lock. Symbolic links are refused.
     bool Open(const QString& path, TExisting existing);
-    /// Replaces what the note holds: the path of the copy's document.
+    /// Replaces the document path in the note.
     bool Write(const QString& document) const;
+    /// Releases the lock.
     void Close();
 
 private:
     int d_descriptor = -1;
 };
 
-/// A folder of safety copies. Beside each copy NAME.quillet stands a note NAME.note that holds the
-/// path of its document. Folder and files are for their owner alone (modes 0700 and 0600).
+/// A folder of safety copies. Each copy NAME.quillet has a note NAME.note. Folder and files are
+/// accessible to their owner only (modes 0700 and 0600).
 class TKeptFolder
 {
 public:
-    /// @param path  the folder; made when it is first needed.
+    /// @param path  the folder; created on first use.
     explicit TKeptFolder(const QString& path);
 
-    /// Makes the folder if it is missing; false when nothing can be written there, and also when
-    /// the folder or the one around it is a link: nobody knows who can read what is kept behind it.
+    /// Creates the folder if it is missing. False if it is not writable, or if it or its parent
+    /// is a symbolic link: the target may be readable by others.
     bool Prepare() const;
 
-    /// Path of a copy of the given name, and of its note.
+    /// Paths of the copy with the given name and of its note.
     QString Copy_Path(const QString& name) const;
     QString Note_Path(const QString& name) const;
 
-    /// Removes a copy and its note.
+    /// Deletes a copy and its note.
     void Remove(const QString& name) const;
 
-    /// Removes what processes that are no more have left unfinished: files that were being written,
-    /// and notes without a copy. What somebody may still be working on stays.
+    /// Deletes stale files of ended processes: unfinished files, and notes without a copy. Locked
+    /// and recent files stay.
     void Clean_Up() const;
 
     /// All copies, newest first.
     std::vector<TKeptFile> List() const;
 
-    /// Name of a copy by its path: the file name without its suffix.
+    /// Name of a copy: its file name without the suffix.
     static QString Name_Of(const QString& copy_path);
 
-    /// Whether a path lies in this folder.
+    /// Whether a path is directly in this folder.
     bool Contains(const QString& path) const;
 
-    /// Whether nobody holds a lock on a file; also when there is no such file.
+    /// Whether no process holds a lock on a file; true if the file does not exist.
     static bool Is_Free(const QString& path);
 
 private:

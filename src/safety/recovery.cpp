@@ -11,11 +11,11 @@ bool TCopyPolicy::Is_Due(qint64 now) const
     return !d_has_copy || now - d_end >= Rest_Factor * d_duration;
 }
 
-void TCopyPolicy::Note_Copy(qint64 begin, qint64 end)
+void TCopyPolicy::Record_Copy(qint64 begin, qint64 end)
 {
     d_has_copy = true;
     d_end = end;
-    // A clock of milliseconds sees nothing of a small document's copy.
+    // Copying a small document may take less than a millisecond.
     d_duration = qMax<qint64>(1, end - begin);
 }
 
@@ -31,7 +31,7 @@ TRecovery::~TRecovery()
 
 void TRecovery::Release()
 {
-    // A name without a copy is of no use to anybody.
+    // Without a copy the note is useless.
     if (!d_name.isEmpty() && !d_has_copy)
         d_folder.Remove(d_name);
     d_note.Close();
@@ -49,7 +49,7 @@ bool TRecovery::Write(const TProjectWriter& project, const QString& document)
 {
     if (!Is_Possible() || (d_name.isEmpty() && !Claim_Name()))
         return false;
-    // The document may have got a name since the first copy.
+    // Save As may have changed the document's path since the last copy.
     if (document != d_document && d_note.Write(document))
         d_document = document;
 
@@ -59,12 +59,12 @@ bool TRecovery::Write(const TProjectWriter& project, const QString& document)
     return written;
 }
 
-/// Takes a name that nobody has and locks its note, before there is a copy of that name. It is the
-/// time alone, so that its path can be shown in a narrow window.
+/// Creates and locks the note of a new copy. Its name is just the time, so that the path fits into
+/// a narrow window.
 bool TRecovery::Claim_Name()
 {
     const QString base = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    // Several runs may begin within a second, and clocks are set back.
+    // Several processes may start within a second, and clocks are set back.
     constexpr int attempts = 100;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
         const QString name =

@@ -6,22 +6,20 @@
 
 class TProjectWriter;
 
-/// Says when a further copy of the unsaved work is worth its time.
+/// Decides when a recovery copy of the unsaved work is due.
 ///
-/// The first change after a save is copied at once. After that a copy may begin when so much time
-/// has passed since the last one ended that copying takes at most a fiftieth of the user's time.
+/// The first change after a save is copied at once. Later copies wait until Rest_Factor times the
+/// duration of the last copy has passed, so that copying takes at most 2 % of the time.
 class TCopyPolicy
 {
 public:
-    /// Time between two copies, as a multiple of what the last one took: 2 % of the time is
-    /// copying.
     static constexpr qint64 Rest_Factor = 50;
 
-    /// @param now  in milliseconds on a clock that never goes back.
+    /// @param now  in milliseconds, on a monotonic clock.
     bool Is_Due(qint64 now) const;
-    /// Tells when a copy, successful or not, began and ended.
-    void Note_Copy(qint64 begin, qint64 end);
-    /// The work has been saved or given up: the next change is the first one again.
+    /// Records begin and end of a copy, successful or not.
+    void Record_Copy(qint64 begin, qint64 end);
+    /// Makes the next copy due at once.
     void Reset() { d_has_copy = false; }
 
 private:
@@ -30,46 +28,49 @@ private:
     qint64 d_duration = 0; ///< of the last copy
 };
 
-/// The work since the last save: one recovery copy a run of the program, an ordinary project file.
+/// The recovery copy of this process: the unsaved work as an ordinary project file.
 ///
-/// The run holds a lock on the copy's note for as long as it lives. A copy whose note nobody holds
-/// belongs to a run that ended badly; it is found by later runs and never changed by them.
+/// The process holds a lock on the copy's note while it runs. A copy whose note is not locked is
+/// abandoned: its process crashed or was killed. Later processes list abandoned copies and never
+/// change them.
 class TRecovery
 {
 public:
-    /// @param folder  where the copies are kept; made when first needed.
+    /// @param folder  folder of the copies; created on first use.
     explicit TRecovery(const QString& folder);
-    /// Lets go of the note; a copy that is still there stays for the next run to find.
+    /// Releases the lock. An existing copy stays for the next start.
     ~TRecovery();
     TRecovery(const TRecovery&) = delete;
     TRecovery& operator=(const TRecovery&) = delete;
 
-    /// Whether the folder can be written to; makes it if it is missing.
+    /// Whether the folder is writable; creates it if it is missing.
     bool Is_Possible() const { return d_folder.Prepare(); }
 
-    /// Replaces this run's copy; false leaves the copy before.
-    /// @param document  path of the document; empty for one that was never saved.
+    /// Replaces this process's copy; on failure returns false and the previous copy stays.
+    /// @param document  path of the document; empty if it was never saved.
     bool Write(const TProjectWriter& project, const QString& document);
 
-    /// Removes this run's copy: the work has been saved or given up.
+    /// Deletes this process's copy.
     void Discard();
 
-    /// Lets go of this run's copy, which stays; the next one gets a new name.
+    /// Releases the lock and leaves the copy for the next start. The next copy gets a new name.
     void Release();
 
-    /// Whether this run has a copy.
+    /// Whether this process has a copy.
     bool Has_Copy() const { return d_has_copy; }
-    /// Path of this run's copy; empty when it has none.
+    /// Path of this process's copy; empty if there is none.
     QString Path() const;
 
-    /// Copies of runs that are no more, newest first.
+    /// Copies of ended processes, newest first.
     std::vector<TKeptFile> Abandoned() const;
 
-    /// Removes what processes that are no more have left unfinished.
+    /// Whether a path is directly in the folder of the copies.
+    bool Contains(const QString& path) const { return d_folder.Contains(path); }
+
+    /// Deletes stale files of ended processes; copies stay.
     void Clean_Up() const { d_folder.Clean_Up(); }
 
-    /// Removes the copy of a run that is no more, whose work the user has opened and saved.
-    /// Paths elsewhere are left alone.
+    /// Deletes an abandoned copy and its note. A no-op for every other path.
     void Remove_Abandoned(const QString& path) const;
 
 private:
@@ -77,8 +78,8 @@ private:
     bool Is_Abandoned(const TKeptFile& file) const;
 
     TKeptFolder d_folder;
-    QString d_name;     ///< of this run's copy; empty while it has none
-    TKeptNote d_note;   ///< of this run's copy, locked while it has a name
-    QString d_document; ///< what the note holds
+    QString d_name;     ///< of this process's copy; empty before the first one
+    TKeptNote d_note;   ///< of this process's copy; open while d_name is set
+    QString d_document; ///< path in the note
     bool d_has_copy = false;
 };

@@ -7,11 +7,22 @@
 
 #include <cstdio>
 
+namespace {
+
+/// Syncs a file and, since it may be a new one, its folder entry.
+bool Sync_To_Disk(const QString& path)
+{
+    return TSafeFile::Sync(path) &&
+           TSafeFile::Sync(QFileInfo(QFileInfo(path).canonicalFilePath()).path());
+}
+
+} // namespace
+
 TSafetyNet::TSafetyNet(const QString& settings_folder, TWriteProject write_project)
     : d_backup(Backup_Folder(settings_folder))
     , d_recovery(Recovery_Folder(settings_folder))
     , d_write_project(std::move(write_project))
-    , d_found(d_recovery.Abandoned())
+    , d_abandoned(d_recovery.Abandoned())
 {
     d_recovery.Clean_Up();
     d_backup.Clean_Up();
@@ -28,85 +39,85 @@ QString TSafetyNet::Recovery_Folder(const QString& settings_folder)
     return settings_folder + QStringLiteral("/recovery");
 }
 
-void TSafetyNet::Note_Change(const QString& document)
+void TSafetyNet::Record_Change(const QString& document)
 {
-    d_is_dirty = true;
+    d_is_pending = true;
     if (d_policy.Is_Due(d_clock.elapsed()))
         Copy(document);
 }
 
-void TSafetyNet::Keep_Now(const QString& document)
+void TSafetyNet::Copy_Pending(const QString& document)
 {
-    if (d_is_dirty)
+    if (d_is_pending)
         Copy(document);
 }
 
 void TSafetyNet::Copy(const QString& document)
 {
     const qint64 begin = d_clock.elapsed();
-    // Where nothing can be kept, the document is not put together in vain either.
+    // Building the document takes long; skip it if the copy cannot be written anyway.
     const bool is_possible = d_recovery.Is_Possible();
     TProjectWriter project;
     if (is_possible)
         d_write_project(&project);
     if (is_possible && d_recovery.Write(project, document))
-        d_is_dirty = false;
+        d_is_pending = false;
     else
-        Complain(QStringLiteral("unsaved work cannot be kept"));
-    d_policy.Note_Copy(begin, d_clock.elapsed());
+        Report_Once(QStringLiteral("cannot write recovery copies to"));
+    d_policy.Record_Copy(begin, d_clock.elapsed());
 }
 
 void TSafetyNet::Before_Save(const QString& document)
 {
-    // What a save that came short has left is no version that anybody wants back, and would take
-    // the place of one.
-    if (document == d_short_path && !ProjectFile::Is_Whole(document))
+    // An incomplete file must not replace the backup of a complete one.
+    if (document == d_incomplete_path && !ProjectFile::Is_Whole(document))
         return;
-    // While the work is in a recovery copy on the disk, the backup need not be waited for.
+    // With a recovery copy on the disk there is no need to wait for the backup.
     if (!d_backup.Keep(document, !d_recovery.Has_Copy()))
-        Complain(QStringLiteral("the version before a save cannot be kept"));
+        Report_Once(QStringLiteral("cannot write backups to"));
 }
 
 void TSafetyNet::After_Save(const QString& document, qint64 size)
 {
     const bool is_whole = QFileInfo(document).size() == size && ProjectFile::Is_Whole(document);
-    // The copy may go only when the saved file is on the disk as firmly as the copy is.
-    if (!is_whole || (d_recovery.Has_Copy() && !TSafeFile::Sync(document))) {
-        d_short_path = document;
+    // The saved file must be on the disk before a recovery copy is deleted.
+    const bool replaces_copy = d_recovery.Has_Copy() || d_recovery.Contains(d_opened_path);
+    if (!is_whole || (replaces_copy && !Sync_To_Disk(document))) {
+        d_incomplete_path = document;
         Copy(document);
         return;
     }
-    d_short_path.clear();
+    d_incomplete_path.clear();
     d_recovery.Discard();
-    Forget_Work();
+    Reset();
     if (QFileInfo(d_opened_path) != QFileInfo(document))
         d_recovery.Remove_Abandoned(d_opened_path);
     d_opened_path = document;
 }
 
-void TSafetyNet::Give_Up()
+void TSafetyNet::Discard()
 {
     d_recovery.Discard();
-    Set_Aside();
+    Release();
 }
 
-void TSafetyNet::Set_Aside()
+void TSafetyNet::Release()
 {
     d_recovery.Release();
     d_opened_path.clear();
-    Forget_Work();
+    Reset();
 }
 
-void TSafetyNet::Forget_Work()
+void TSafetyNet::Reset()
 {
     d_policy.Reset();
-    d_is_dirty = false;
+    d_is_pending = false;
 }
 
-void TSafetyNet::Complain(const QString& what)
+void TSafetyNet::Report_Once(const QString& problem)
 {
-    // Not as a warning of the toolkit: those can be switched off or sent elsewhere.
-    if (!d_has_complained)
-        std::fprintf(stderr, "quillet: %s in the settings folder\n", qPrintable(what));
-    d_has_complained = true;
+    // Not qWarning(): the user's environment may filter or redirect it.
+    if (!d_has_reported)
+        std::fprintf(stderr, "quillet: %s the settings folder\n", qPrintable(problem));
+    d_has_reported = true;
 }

@@ -10,70 +10,71 @@
 
 class TProjectWriter;
 
-/// Keeps the user's work whatever happens: the version before a save, and the work since.
+/// Protects the user's work: backs up the previous version of a saved document and writes recovery
+/// copies of unsaved changes.
 ///
-/// It stands beside the file commands and changes nothing of what they do. It has no timer: it acts
-/// when it is told of a change, of a pause in the work, or of a save. When the settings folder
-/// takes no files the program works on without it, and says so once on the standard error output.
+/// The window calls it on every change, before and after each save, and when the user pauses. There
+/// is no timer. If the settings folder is not writable, the program works without protection and
+/// reports that once on standard error.
 class TSafetyNet
 {
 public:
-    /// Puts the whole document into a writer, with the images as the bytes in which they came.
+    /// Writes the whole document, with images in their original encoding.
     using TWriteProject = std::function<void(TProjectWriter*)>;
 
-    /// Where the copies are kept, by the folder of the settings.
+    /// Folders of the copies below the settings folder.
     static QString Backup_Folder(const QString& settings_folder);
     static QString Recovery_Folder(const QString& settings_folder);
 
-    /// @param settings_folder  holds both folders.
-    /// @param write_project    is called when a copy is due.
+    /// @param settings_folder  contains both folders.
+    /// @param write_project    called for each recovery copy.
     TSafetyNet(const QString& settings_folder, TWriteProject write_project);
 
-    /// Copies of runs that ended badly, as they were found when the program started.
-    const std::vector<TKeptFile>& Found() const { return d_found; }
+    /// Recovery copies that crashed or killed processes left before this one started.
+    const std::vector<TKeptFile>& Abandoned() const { return d_abandoned; }
 
-    /// A command has changed the document: copies it when that is due.
-    /// @param document  path of the document; empty for one that was never saved.
-    void Note_Change(const QString& document);
+    /// Records a change of the document and writes a recovery copy if one is due.
+    /// @param document  path of the document; empty if it was never saved.
+    void Record_Change(const QString& document);
 
-    /// The user turns away, or a modal command begins: copies what is not in the copy yet.
-    void Keep_Now(const QString& document);
+    /// Writes pending changes to the recovery copy. Called when the window loses focus or a modal
+    /// dialog opens.
+    void Copy_Pending(const QString& document);
 
-    /// A project file is about to be replaced: keeps its present content.
+    /// Backs up a document that a save is about to replace.
     void Before_Save(const QString& document);
 
-    /// A project file has been written. When it is whole the copy of the work is no longer needed;
-    /// otherwise one is written, since the program counts the document as saved.
-    /// @param size  number of bytes that the file should have.
+    /// Discards the recovery copy if the saved file is complete. Otherwise writes one, since the
+    /// program counts the document as saved.
+    /// @param size  expected size of the file in bytes.
     void After_Save(const QString& document, qint64 size);
 
-    /// A save was refused although the document counts as saved afterwards: copies the work.
-    void Keep_Unsaved(const QString& document) { Copy(document); }
+    /// Writes a recovery copy, since the program counts the document as saved after a failed save.
+    void After_Failed_Save(const QString& document) { Copy(document); }
 
-    /// The user has given the unsaved work up.
-    void Give_Up();
+    /// Discards the unsaved work, which the user agreed to lose.
+    void Discard();
 
-    /// Another document takes the place of this one without the user having been asked: a copy of
-    /// the work stays, for a later run to find.
-    void Set_Aside();
+    /// Ends the work on this document and leaves its recovery copy for the next start.
+    void Release();
 
-    /// A whole project file has been opened. If it is a copy of a run that ended badly, that copy
-    /// goes away once the document has been saved elsewhere.
-    void Note_Opened(const QString& path) { d_opened_path = path; }
+    /// Records the file that the document was read from. If it is an abandoned recovery copy, that
+    /// copy is deleted once the document has been saved elsewhere.
+    void After_Open(const QString& path) { d_opened_path = path; }
 
 private:
     void Copy(const QString& document);
-    void Forget_Work();
-    void Complain(const QString& what);
+    void Reset();
+    void Report_Once(const QString& problem);
 
     TBackup d_backup;
     TRecovery d_recovery;
     TWriteProject d_write_project;
-    std::vector<TKeptFile> d_found;
+    std::vector<TKeptFile> d_abandoned;
     TCopyPolicy d_policy;
     QElapsedTimer d_clock;
-    QString d_opened_path;   ///< file that the present document came from
-    QString d_short_path;    ///< file that the last save left incomplete
-    bool d_is_dirty = false; ///< there are changes that are not in the copy
-    bool d_has_complained = false;
+    QString d_opened_path;     ///< file that the document was read from or saved to
+    QString d_incomplete_path; ///< target of the last save, if it was left incomplete
+    bool d_is_pending = false; ///< there are changes that the recovery copy does not have
+    bool d_has_reported = false;
 };

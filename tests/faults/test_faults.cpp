@@ -157,9 +157,9 @@ void TestFaults::Run(const QString& operation)
         d_window->File_Save();
     } else if (operation == "copy of the work") {
         d_window->Add_Item(QPointF(60, 100));
-        d_window->Keep_Work();
+        d_window->Copy_Pending_Work();
     } else if (operation == "first copy of the work") {
-        d_window->d_safety_net->Give_Up();
+        d_window->d_safety_net->Discard();
         d_window->Add_Item(QPointF(60, 100));
     } else if (operation == "PDF export") {
         d_window->Export_PDF(In("out/report.pdf"), d_window->d_page_widget->Page_Ids(),

@@ -55,7 +55,7 @@ void TestAccessibility::init()
 
 void TestAccessibility::cleanup()
 {
-    d_window->d_safety_net->Give_Up();
+    d_window->d_safety_net->Discard();
     d_window.reset();
 }
 

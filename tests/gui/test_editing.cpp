@@ -90,7 +90,7 @@ void TestEditing::init()
 
 void TestEditing::cleanup()
 {
-    d_window->d_safety_net->Give_Up();
+    d_window->d_safety_net->Discard();
     d_window.reset();
 }
 

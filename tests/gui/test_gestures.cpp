@@ -145,7 +145,7 @@ void TestHabits::init()
 
 void TestHabits::cleanup()
 {
-    d_window->d_safety_net->Give_Up();
+    d_window->d_safety_net->Discard();
     d_window.reset();
     d_folder.reset();
     QVERIFY(!QApplication::overrideCursor());

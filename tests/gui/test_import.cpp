@@ -50,7 +50,7 @@ void TestImport::init()
 
 void TestImport::cleanup()
 {
-    d_window->d_safety_net->Give_Up();
+    d_window->d_safety_net->Discard();
     d_window.reset();
     d_folder.reset();
 }

@@ -137,7 +137,7 @@ void TestSafety::Make_Document()
 /// Makes what there is count as known.
 void TestSafety::Quiet()
 {
-    d_window->Leave_Work(true);
+    d_window->End_Recovery(true);
     d_window->d_data_changed = false;
 }
 
@@ -241,7 +241,7 @@ void TestSafety::what_is_no_change_makes_no_copy()
     d_window->Track_Item_Option_Changed(false);
     d_window->Image_Zoom_Changed(10);
     d_window->Item_Selection_Changed();
-    d_window->Keep_Work();
+    d_window->Copy_Pending_Work();
     QCOMPARE(Copies(), QStringList());
 }
 
@@ -252,7 +252,7 @@ void TestSafety::a_copy_is_a_project_that_opens()
     d_window->Add_Item(QPointF(50, 60));
     const int id = d_window->d_data.Item(0).id;
     d_window->Change_Item_Text(id, "text");
-    d_window->Keep_Work();
+    d_window->Copy_Pending_Work();
     const QString copy = Only_Copy();
     TQuillet reader(nullptr, Qt::WindowFlags());
     QVERIFY(reader.Load_Data(copy));
@@ -268,7 +268,7 @@ void TestSafety::a_copy_leaves_out_pages_that_the_list_alone_has()
     Make_Document();
     const QList<int> known_pages = d_window->d_page_widget->Page_Ids();
     d_window->d_page_widget->Add_Page(99);
-    d_window->Note_Work();
+    d_window->Record_Change();
     TQuillet reader(nullptr, Qt::WindowFlags());
     QVERIFY(ProjectFile::Is_Whole(Only_Copy()));
     QVERIFY(reader.Load_Data(Only_Copy()));
@@ -289,7 +289,7 @@ void TestSafety::losing_the_activation_copies_what_is_new()
     QVERIFY(QTest::qWaitForWindowActive(&other));
     QCOMPARE(Labels_In(Only_Copy()), 4);
     const QDateTime written = QFileInfo(Only_Copy()).lastModified();
-    d_window->Keep_Work();
+    d_window->Copy_Pending_Work();
     QCOMPARE(QFileInfo(Only_Copy()).lastModified(), written);
 }
 
@@ -297,7 +297,7 @@ void TestSafety::losing_the_activation_copies_a_new_page_name()
 {
     Make_Document();
     d_window->d_page_widget->Set_Page_Name(1, "Another name");
-    d_window->Keep_Work();
+    d_window->Copy_Pending_Work();
     QVERIFY(Read_File(Only_Copy()).contains("Another name"));
 }
 
@@ -433,7 +433,7 @@ void TestSafety::images_are_copied_as_they_came()
         d_window->Load_Image(path);
     }
     d_window->Mark_Changed();
-    d_window->Keep_Work();
+    d_window->Copy_Pending_Work();
     const QByteArray copy = Read_File(Only_Copy());
     for (const char* const format : {"jpg", "bmp", "ppm", "png"})
         QVERIFY2(copy.contains(Read_File(In(QString("page.") + format))), format);
@@ -503,7 +503,7 @@ void TestSafety::confirming_the_loss_removes_the_copy()
              : Run_Answering([this] { d_window->File_New(); }, {Support::Press(QMessageBox::Yes)});
     QCOMPARE(fault, QString());
     QVERIFY(Entries(Settings() + "/recovery").isEmpty());
-    d_window->Keep_Work();
+    d_window->Copy_Pending_Work();
     QVERIFY(Copies().isEmpty());
 }
 
@@ -541,7 +541,7 @@ void TestSafety::opening_is_no_change()
     Open_Window();
     Open(In("a.quillet"));
     QVERIFY(!d_window->d_data_changed);
-    d_window->Keep_Work();
+    d_window->Copy_Pending_Work();
     QCOMPARE(Copies(), QStringList());
 }
 
@@ -557,7 +557,7 @@ void TestSafety::a_killed_run_is_announced_in_the_status_bar()
     });
     QCOMPARE(result.signal, SIGKILL);
     Open_Window();
-    QCOMPARE(Notice(), "Unsaved work was kept in " + Only_Copy());
+    QCOMPARE(Notice(), "Unsaved work can be recovered from " + Only_Copy());
     QCOMPARE(Labels_In(Only_Copy()), 1);
     // In the left part, and no dialog.
     for (const QLabel* label : d_window->statusBar()->findChildren<QLabel*>()) {
@@ -630,10 +630,10 @@ void TestSafety::two_windows_keep_their_own_copies()
     const QString first = Only_Copy();
     {
         TQuillet other(nullptr, Qt::WindowFlags());
-        QVERIFY(other.d_safety_net->Found().empty());
+        QVERIFY(other.d_safety_net->Abandoned().empty());
         other.Add_Page();
         QCOMPARE(Copies().size(), 2);
-        other.d_safety_net->Give_Up();
+        other.d_safety_net->Discard();
     }
     QCOMPARE(Only_Copy(), first);
     QCOMPARE(Labels_In(first), 1);
@@ -646,7 +646,7 @@ void TestSafety::renumbering_is_copied()
     QCOMPARE(Run_Answering([this] { d_window->Edit_Reindex(); },
                            {[](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->accept(); }}),
              QString());
-    d_window->Keep_Work();
+    d_window->Copy_Pending_Work();
     // The dialog offers 100 to begin with.
     QVERIFY(Read_File(Only_Copy()).contains("<Value>100</Value>"));
 }
@@ -679,7 +679,7 @@ void TestSafety::a_useless_settings_folder_does_not_stop_the_work()
             Support::Limit_File_Size(QFileInfo(In("a.quillet")).size() / 2);
         for (int i = 0; i < 3; ++i) {
             d_window->Add_Item(QPointF(10 * i, 60));
-            d_window->Keep_Work();
+            d_window->Copy_Pending_Work();
         }
         if (defect != "full")
             d_window->Save_Data(In("a.quillet"));
@@ -688,7 +688,7 @@ void TestSafety::a_useless_settings_folder_does_not_stop_the_work()
     chmod(QFile::encodeName(Settings()).constData(), 0700);
     QCOMPARE(result.exit_code, 3);
     QCOMPARE(result.error_output,
-             QByteArray("quillet: unsaved work cannot be kept in the settings folder\n"));
+             QByteArray("quillet: cannot write recovery copies to the settings folder\n"));
     QCOMPARE(Labels_In(In("a.quillet")), defect == "full" ? 0 : 3);
     QCOMPARE(Copies(), QStringList());
     QVERIFY(!Entries(In("elsewhere")).contains("recovery"));

@@ -173,7 +173,7 @@ void TestUndo::cleanup()
 {
     if (!d_window)
         return;
-    d_window->d_safety_net->Give_Up();
+    d_window->d_safety_net->Discard();
     d_window.reset();
 }
 
@@ -1137,14 +1137,14 @@ void TestUndo::a_killed_run_leaves_the_document_as_it_stood_after_undo()
         Undo();
         Undo();
         Redo();
-        Window().Keep_Work();
+        Window().Copy_Pending_Work();
         return std::raise(SIGKILL);
     });
     QCOMPARE(child.signal, SIGKILL);
     Window().Add_Item(QPointF(10, 10));
     Window().Change_Item_Value(11, 77);
     QStringList expected = Support::Describe(&Window()).filter("label");
-    Window().d_safety_net->Give_Up();
+    Window().d_safety_net->Discard();
 
     const QStringList copies = QDir(Recovery()).entryList({"*.quillet"});
     QCOMPARE(copies.size(), 1);
@@ -1167,7 +1167,7 @@ void TestUndo::undo_never_changes_a_saved_file()
     Undo();
     Redo();
     Undo();
-    Window().Keep_Work();
+    Window().Copy_Pending_Work();
     QCOMPARE(Support::Byte_Difference(Support::Read_File(path), saved), QString());
     Window().File_Save();
     QVERIFY(Support::Read_File(path) != saved);

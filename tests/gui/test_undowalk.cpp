@@ -182,7 +182,7 @@ void TestUndoWalk::initTestCase()
 
 void TestUndoWalk::cleanupTestCase()
 {
-    d_window->d_safety_net->Give_Up();
+    d_window->d_safety_net->Discard();
     d_window.reset();
 }
 

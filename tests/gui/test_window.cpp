@@ -65,7 +65,7 @@ void TestWindow::init()
 void TestWindow::cleanup()
 {
     // Otherwise the next window finds the work of this one and says so.
-    d_window->d_safety_net->Give_Up();
+    d_window->d_safety_net->Discard();
     d_window.reset();
 }
 

@@ -235,7 +235,7 @@ void TestBackup::two_runs_do_not_disturb_each_other()
     Document("a.quillet", "version two");
     const QString copy = Backup().Path_For(document);
     TKeptNote note;
-    QVERIFY(note.Open(copy.left(copy.lastIndexOf('.')) + ".note", TKeptNote::TExisting::Take));
+    QVERIFY(note.Open(copy.left(copy.lastIndexOf('.')) + ".note", TKeptNote::TExisting::Reuse));
     QVERIFY(!Backup().Keep(document, false));
     QCOMPARE(Read_File(copy), QByteArray("version one"));
     note.Close();

@@ -104,7 +104,7 @@ void TestRecovery::a_copy_is_due_when_a_fiftieth_of_the_time_allows_it()
     QFETCH(qint64, end);
     QFETCH(qint64, now);
     TCopyPolicy policy;
-    policy.Note_Copy(begin, end);
+    policy.Record_Copy(begin, end);
     QTEST(policy.Is_Due(now), "due");
 }
 
@@ -112,7 +112,7 @@ void TestRecovery::the_first_change_is_copied_at_once()
 {
     TCopyPolicy policy;
     QVERIFY(policy.Is_Due(0));
-    policy.Note_Copy(0, 100);
+    policy.Record_Copy(0, 100);
     QVERIFY(!policy.Is_Due(101));
     policy.Reset();
     QVERIFY(policy.Is_Due(101));

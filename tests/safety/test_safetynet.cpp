@@ -93,7 +93,7 @@ std::unique_ptr<TSafetyNet> TestSafetyNet::Net()
 QString TestSafetyNet::Kept_Work()
 {
     d_label_size = 77;
-    Net()->Note_Change("/original.quillet");
+    Net()->Record_Change("/original.quillet");
     d_label_size = 32;
     return Copies().size() == 1 ? In("settings/recovery/" + Copies().first()) : QString();
 }
@@ -111,49 +111,49 @@ void TestSafetyNet::the_first_change_is_copied_at_once_and_the_second_when_it_is
     const auto net = Net();
     // Long enough that the second change comes within fifty times that.
     d_milliseconds = 100;
-    net->Note_Change("/a");
+    net->Record_Change("/a");
     QCOMPARE(d_copies, 1);
     QCOMPARE(Only_Copy(), Empty_Project(32));
     d_label_size = 40;
-    net->Note_Change("/a");
+    net->Record_Change("/a");
     QCOMPARE(d_copies, 1);
 
     // One that takes no time is due again soon.
     d_milliseconds = 0;
     d_copies = 0;
-    net->Give_Up();
-    net->Note_Change("/a");
-    QTRY_VERIFY((net->Note_Change("/a"), d_copies == 2));
+    net->Discard();
+    net->Record_Change("/a");
+    QTRY_VERIFY((net->Record_Change("/a"), d_copies == 2));
     QCOMPARE(Only_Copy(), Empty_Project(40));
 }
 
 void TestSafetyNet::a_pause_copies_only_what_is_not_in_the_copy()
 {
     const auto net = Net();
-    net->Keep_Now("/a");
+    net->Copy_Pending("/a");
     QCOMPARE(d_copies, 0);
     d_milliseconds = 100;
-    net->Note_Change("/a");
-    net->Keep_Now("/a");
+    net->Record_Change("/a");
+    net->Copy_Pending("/a");
     QCOMPARE(d_copies, 1);
     d_label_size = 40;
-    net->Note_Change("/a");
+    net->Record_Change("/a");
     QCOMPARE(d_copies, 1);
-    net->Keep_Now("/a");
+    net->Copy_Pending("/a");
     QCOMPARE(d_copies, 2);
     QCOMPARE(Only_Copy(), Empty_Project(40));
-    net->Keep_Now("/a");
+    net->Copy_Pending("/a");
     QCOMPARE(d_copies, 2);
 }
 
 void TestSafetyNet::a_whole_save_removes_the_copy()
 {
     const auto net = Net();
-    net->Note_Change("/a");
+    net->Record_Change("/a");
     QCOMPARE(Copies().size(), 1);
     Save(net.get(), In("a.quillet"), Empty_Project());
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
-    net->Keep_Now("/a");
+    net->Copy_Pending("/a");
     QCOMPARE(d_copies, 1);
 }
 
@@ -161,9 +161,9 @@ void TestSafetyNet::the_first_change_after_a_save_is_copied_at_once()
 {
     const auto net = Net();
     d_milliseconds = 100;
-    net->Note_Change("/a");
+    net->Record_Change("/a");
     Save(net.get(), In("a.quillet"), Empty_Project());
-    net->Note_Change("/a");
+    net->Record_Change("/a");
     QCOMPARE(d_copies, 2);
     QCOMPARE(Copies().size(), 1);
 }
@@ -187,7 +187,7 @@ void TestSafetyNet::a_save_that_came_short_leaves_a_copy()
     Save(net.get(), In("a.quillet"), content);
     QCOMPARE(Only_Copy(), Empty_Project(32));
     d_label_size = 40;
-    net->Note_Change(In("a.quillet"));
+    net->Record_Change(In("a.quillet"));
     Save(net.get(), In("a.quillet"), content);
     QCOMPARE(Only_Copy(), Empty_Project(40));
     QCOMPARE(Read_File(In("a.quillet")), content);
@@ -196,29 +196,29 @@ void TestSafetyNet::a_save_that_came_short_leaves_a_copy()
 void TestSafetyNet::a_refused_save_leaves_a_copy()
 {
     const auto net = Net();
-    net->Keep_Unsaved("/a");
+    net->After_Failed_Save("/a");
     QCOMPARE(Only_Copy(), Empty_Project(32));
 }
 
 void TestSafetyNet::work_that_is_given_up_goes()
 {
     const auto net = Net();
-    net->Note_Change("/a");
-    net->Give_Up();
+    net->Record_Change("/a");
+    net->Discard();
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
-    net->Keep_Now("/a");
+    net->Copy_Pending("/a");
     QVERIFY(Copies().isEmpty());
 }
 
 void TestSafetyNet::work_that_is_set_aside_stays()
 {
     const auto net = Net();
-    net->Note_Change("/a");
-    net->Set_Aside();
+    net->Record_Change("/a");
+    net->Release();
     d_label_size = 40;
-    net->Note_Change("/b");
+    net->Record_Change("/b");
     QCOMPARE(Copies().size(), 2);
-    net->Give_Up();
+    net->Discard();
     QCOMPARE(Only_Copy(), Empty_Project(32));
 }
 
@@ -251,15 +251,15 @@ void TestSafetyNet::what_a_short_save_left_does_not_replace_the_version_before()
 void TestSafetyNet::kept_work_is_found_by_the_next_run_alone()
 {
     const auto living = Net();
-    QVERIFY(living->Found().empty());
-    living->Note_Change("/a");
-    QVERIFY(Net()->Found().empty());
+    QVERIFY(living->Abandoned().empty());
+    living->Record_Change("/a");
+    QVERIFY(Net()->Abandoned().empty());
     const QString living_copy = Copies().first();
-    living->Set_Aside();
+    living->Release();
     const auto next = Net();
-    QCOMPARE(next->Found().size(), size_t(1));
-    QCOMPARE(QFileInfo(next->Found().front().path).fileName(), living_copy);
-    QCOMPARE(next->Found().front().document, QString("/a"));
+    QCOMPARE(next->Abandoned().size(), size_t(1));
+    QCOMPARE(QFileInfo(next->Abandoned().front().path).fileName(), living_copy);
+    QCOMPARE(next->Abandoned().front().document, QString("/a"));
 }
 
 void TestSafetyNet::kept_work_goes_when_it_has_been_opened_and_saved_elsewhere()
@@ -267,8 +267,8 @@ void TestSafetyNet::kept_work_goes_when_it_has_been_opened_and_saved_elsewhere()
     const QString kept = Kept_Work();
     QVERIFY(!kept.isEmpty());
     const auto net = Net();
-    net->Note_Opened(kept);
-    net->Note_Change(kept);
+    net->After_Open(kept);
+    net->Record_Change(kept);
     Save(net.get(), In("a.quillet"), "short");
     QVERIFY(QFile::exists(kept));
     Save(net.get(), In("a.quillet"), Empty_Project());
@@ -289,14 +289,14 @@ void TestSafetyNet::kept_work_stays_otherwise()
     const QString kept = Kept_Work();
     const auto net = Net();
     if (what != "not opened")
-        net->Note_Opened(kept);
+        net->After_Open(kept);
     if (what == "another document taken")
-        net->Set_Aside();
+        net->Release();
     if (what == "work given up")
-        net->Give_Up();
+        net->Discard();
     if (what == "other opened since")
-        net->Note_Opened(In("other.quillet"));
-    net->Note_Change("/a");
+        net->After_Open(In("other.quillet"));
+    net->Record_Change("/a");
     Save(net.get(), In("a.quillet"), Empty_Project());
     QCOMPARE(Only_Copy(), Empty_Project(77));
 }
@@ -326,8 +326,8 @@ void TestSafetyNet::a_useless_settings_folder_is_told_once()
         Support::Obey_File_Permissions();
         const auto net = Net();
         for (int i = 0; i < 3; ++i) {
-            net->Note_Change(In("a.quillet"));
-            net->Keep_Now(In("a.quillet"));
+            net->Record_Change(In("a.quillet"));
+            net->Copy_Pending(In("a.quillet"));
             Save(net.get(), In("a.quillet"), Empty_Project());
         }
         return 0;
@@ -335,7 +335,7 @@ void TestSafetyNet::a_useless_settings_folder_is_told_once()
     QFile::setPermissions(Settings(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QCOMPARE(result.exit_code, 0);
     QCOMPARE(result.error_output,
-             QByteArray("quillet: unsaved work cannot be kept in the settings folder\n"));
+             QByteArray("quillet: cannot write recovery copies to the settings folder\n"));
     QVERIFY(Entries(In("elsewhere")).isEmpty());
     QCOMPARE(Read_File(In("a.quillet")), Empty_Project());
 }
@@ -346,14 +346,14 @@ void TestSafetyNet::a_full_settings_folder_is_told_once()
         Support::Limit_File_Size(4);
         const auto net = Net();
         for (int i = 0; i < 3; ++i) {
-            net->Note_Change("/a");
-            net->Keep_Now("/a");
+            net->Record_Change("/a");
+            net->Copy_Pending("/a");
         }
         return 0;
     });
     QCOMPARE(result.exit_code, 0);
     QCOMPARE(result.error_output,
-             QByteArray("quillet: unsaved work cannot be kept in the settings folder\n"));
+             QByteArray("quillet: cannot write recovery copies to the settings folder\n"));
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
 }
 
@@ -362,8 +362,8 @@ void TestSafetyNet::without_a_place_for_copies_none_is_put_together()
     Write_File(In("settings/recovery"), "in the way");
     const Support::TChildResult result = Support::Run_In_Child([this] {
         const auto net = Net();
-        net->Note_Change("/a");
-        net->Keep_Now("/a");
+        net->Record_Change("/a");
+        net->Copy_Pending("/a");
         return d_copies;
     });
     QCOMPARE(result.exit_code, 0);
