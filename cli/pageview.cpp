@@ -1,8 +1,8 @@
 #include "cli/pageview.h"
 
-TPageView::TPageView(TDocument* document, const TPageExporter::TProgress& progress)
+TPageView::TPageView(TDocument* document, const TStepReport& report)
     : d_view(nullptr)
-    , d_exporter(&document->data, &d_view, progress)
+    , d_exporter(&document->data, &d_view, report)
 {
     const int size = document->appearance.label_size;
     d_view.Set_Label_Size(QSize(size, size), TAppearance::Font_Size(size));

@@ -12,8 +12,8 @@ class TPageView
 {
 public:
     /// @param document  not owned; one of its pages becomes active.
-    /// @param progress  passed to the exporter; may be empty.
-    TPageView(TDocument* document, const TPageExporter::TProgress& progress);
+    /// @param report    passed to the exporter; may be empty.
+    TPageView(TDocument* document, const TStepReport& report);
 
     const TPageExporter& Exporter() const { return d_exporter; }
 

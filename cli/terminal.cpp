@@ -58,7 +58,7 @@ void TTerminalProgress::Step(int number, int total)
     std::fflush(stderr);
 }
 
-std::function<void(int number, int total)> TTerminalProgress::Steps()
+TStepReport TTerminalProgress::Steps()
 {
     return [this](int number, int total) { Step(number, total); };
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "core/stepreport.h"
 
-#include <functional>
+#include <QString>
 
 /// Output of the tool: results on standard output, errors and progress on standard error.
 namespace Terminal {
@@ -35,7 +35,7 @@ public:
     /// @param number  of the step, from 1.
     void Step(int number, int total);
     /// Returns a function that calls Step. It must not outlive this object.
-    std::function<void(int number, int total)> Steps();
+    TStepReport Steps();
 
 private:
     QString d_pattern;

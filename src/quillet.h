@@ -222,7 +222,7 @@ private:
     void Open_File(const QString& name);
     bool Load_Quietly(const std::function<bool()>& load);
     QString Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose,
-                          const WholeDocument::TProgress& progress = nullptr);
+                          const TStepReport& report = nullptr);
     TAppearance Appearance() const;
     std::vector<TNamedPage> Named_Pages() const;
     bool Read_Appearance(TProjectReader* reader);

@@ -29,9 +29,7 @@ bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
     const QScopedValueRollback<bool> filling(d_filling_view, true);
     const QDateTime time = QDateTime::currentDateTime();
     TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
-    const TPageExporter exporter(&d_data, d_display_widget, [&progress](int number, int total) {
-        progress.Step(number, total);
-    });
+    const TPageExporter exporter(&d_data, d_display_widget, progress.Steps());
     return exporter.Export_Images(page_ids, [&](int page_id, int counter) {
         return ExportNames::Image_Path(folder, d_page_widget->Page_Name(page_id), page_id, time,
                                        counter);
@@ -61,9 +59,7 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
     TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
-    const TPageExporter exporter(&d_data, d_display_widget, [&progress](int number, int total) {
-        progress.Step(number, total);
-    });
+    const TPageExporter exporter(&d_data, d_display_widget, progress.Steps());
     const TPageExporter::TOutcome outcome = exporter.Export_Pdf(file, pages, settings);
     // A report that did not reach the disk whole is left out in silence.
     return outcome != TPageExporter::TOutcome::Not_Begun;

@@ -124,9 +124,7 @@ bool TQuillet::Write_Data(const QString& file_name)
     // the old file as it is.
     TProgress progress = New_Progress(tr("Saving page %1 of %2"));
     TProjectWriter writer;
-    const QString fault =
-        Write_Project(&writer, WholeDocument::TPurpose::Save,
-                      [&progress](int number, int total) { progress.Step(number, total); });
+    const QString fault = Write_Project(&writer, WholeDocument::TPurpose::Save, progress.Steps());
     if (writer.Size() > TProjectWriter::Maximum_Size)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
@@ -146,11 +144,11 @@ bool TQuillet::Write_Data(const QString& file_name)
 
 /// Puts the document into a writer. Returns why a page's labels could not be written; empty when
 /// all went well.
-/// @param progress  is told of each page; may be empty.
+/// @param report  is called before each page.
 QString TQuillet::Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose,
-                                const WholeDocument::TProgress& progress)
+                                const TStepReport& report)
 {
-    return WholeDocument::Write(Appearance(), Named_Pages(), purpose, &d_data, progress, writer);
+    return WholeDocument::Write(Appearance(), Named_Pages(), purpose, &d_data, report, writer);
 }
 
 /// What the panels and the header dialog have of the document.

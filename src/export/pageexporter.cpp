@@ -32,10 +32,10 @@ void Prepare_Printer(const QString& path, const TReportOptions& settings, QPrint
 
 } // namespace
 
-TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TProgress progress)
+TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TStepReport report)
     : d_data(data)
     , d_view(view)
-    , d_progress(std::move(progress))
+    , d_report(std::move(report))
 {
 }
 
@@ -85,11 +85,11 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TUse& use) cons
     bool succeeded = true;
     int number = 0;
     for (const int page_id : page_ids) {
-        Tell_Progress(++number, page_ids.size());
+        Report_Step(++number, page_ids.size());
         d_data->Set_Active_Page(page_id);
         Reload_View();
         const QPixmap picture = d_view->Pixmap();
-        Tell_Progress(number, page_ids.size());
+        Report_Step(number, page_ids.size());
         succeeded = use(page_id, picture);
         if (!succeeded)
             break;
@@ -100,10 +100,10 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TUse& use) cons
     return succeeded;
 }
 
-void TPageExporter::Tell_Progress(int number, int total) const
+void TPageExporter::Report_Step(int number, int total) const
 {
-    if (d_progress)
-        d_progress(number, total);
+    if (d_report)
+        d_report(number, total);
 }
 
 /// Rebuilds the view for the active page; without one it is left empty.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/stepreport.h"
 #include "src/data.h"
 #include "src/model/reportoptions.h"
 
@@ -19,9 +20,6 @@ class TDisplayWidget;
 class TPageExporter
 {
 public:
-    /// Is told of the number of the page that is worked on, from 1, and of how many there are:
-    /// before a page is drawn, and again before its picture is used.
-    using TProgress = std::function<void(int number, int total)>;
     /// Path of the file for a page.
     /// @param counter  running number of the page in this export, from 1.
     using TPathOf = std::function<QString(int page_id, int counter)>;
@@ -38,8 +36,8 @@ public:
     };
 
     /// @param data, view  not owned.
-    /// @param progress    may be empty.
-    TPageExporter(TData* data, TDisplayWidget* view, TProgress progress = nullptr);
+    /// @param report      is called before a page is drawn, and again before its picture is used.
+    TPageExporter(TData* data, TDisplayWidget* view, TStepReport report = nullptr);
 
     /// Writes each page with its labels as a PNG file, replacing files of the same name; false when
     /// there is no page or a file could not be written, which ends the export.
@@ -66,10 +64,10 @@ public:
     static bool Is_Complete_Pdf(const QString& path);
 
 private:
-    void Tell_Progress(int number, int total) const;
+    void Report_Step(int number, int total) const;
     void Reload_View() const;
 
     TData* d_data;
     TDisplayWidget* d_view;
-    TProgress d_progress;
+    TStepReport d_report;
 };

@@ -66,7 +66,7 @@ QString WholeDocument::Page_Name(int page_id)
 }
 
 QString WholeDocument::Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
-                             TPurpose purpose, TData* data, const TProgress& progress,
+                             TPurpose purpose, TData* data, const TStepReport& report,
                              TProjectWriter* writer)
 {
     assert(data);
@@ -83,8 +83,8 @@ QString WholeDocument::Write(const TAppearance& appearance, const std::vector<TN
     try {
         for (const TNamedPage& page : written) {
             ++number;
-            if (progress)
-                progress(number, total);
+            if (report)
+                report(number, total);
             data->Set_Active_Page(page.page_id);
             Write_Active_Page(page.name, purpose, *data, writer);
         }

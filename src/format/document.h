@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/stepreport.h"
 #include "src/data.h"
 #include "src/model/appearance.h"
 #include "src/model/namedpage.h"
@@ -7,7 +8,6 @@
 #include <QList>
 #include <QString>
 
-#include <functional>
 #include <vector>
 
 class TProjectWriter;
@@ -40,14 +40,11 @@ enum class TPurpose {
                   ///< the list knows are left out: better a copy with less in it than none
 };
 
-/// Is told of the number of the page that is worked on, from 1, and of how many there are.
-using TProgress = std::function<void(int number, int total)>;
-
 /// Puts a document into a writer, page after page in the order of the list. The active page stays.
-/// @param progress  may be empty.
+/// @param report  is called before each page.
 /// @return why the labels of a page could not be written; empty when all went well.
 QString Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages, TPurpose purpose,
-              TData* data, const TProgress& progress, TProjectWriter* writer);
+              TData* data, const TStepReport& report, TProjectWriter* writer);
 
 /// Gives the labels of pages new values, page after page in the given order; the active page stays.
 /// @param method  one of TNumbering::TMethod.

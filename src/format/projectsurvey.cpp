@@ -29,11 +29,10 @@ class TSurveyor
     Q_DECLARE_TR_FUNCTIONS(ProjectSurvey)
 
 public:
-    TSurveyor(const QByteArray& bytes, ProjectSurvey::TImages images,
-              const ProjectSurvey::TProgress& progress)
+    TSurveyor(const QByteArray& bytes, ProjectSurvey::TImages images, const TStepReport& report)
         : d_bytes(bytes)
         , d_images(images)
-        , d_progress(progress)
+        , d_report(report)
         , d_finder(bytes)
     {
     }
@@ -68,7 +67,7 @@ private:
 
     const QByteArray d_bytes;
     const ProjectSurvey::TImages d_images;
-    const ProjectSurvey::TProgress d_progress;
+    const TStepReport d_report;
     const TRecordFinder d_finder;
     TProjectSurvey d_survey;
     QString d_place; ///< what messages begin with: the page that is being read
@@ -200,8 +199,8 @@ void TSurveyor::Read_Pages(bool begin_is_sure)
 void TSurveyor::Read_Record(const TPageRecord& record)
 {
     d_place = tr("page %1: ").arg(++d_record_count);
-    if (d_progress)
-        d_progress(d_record_count, qMax(d_record_count, d_page_count.value_or(0)));
+    if (d_report)
+        d_report(d_record_count, qMax(d_record_count, d_page_count.value_or(0)));
     const auto defect_count = d_survey.defects.size();
     Check_Record(record);
     if (!record.name && !record.image && !record.items)
@@ -324,7 +323,7 @@ std::vector<TDataItem> TSurveyor::Items(const TFileField& field)
 } // namespace
 
 TProjectSurvey ProjectSurvey::Survey(const QByteArray& bytes, TImages images,
-                                     const TProgress& progress)
+                                     const TStepReport& report)
 {
-    return TSurveyor(bytes, images, progress).Survey();
+    return TSurveyor(bytes, images, report).Survey();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/stepreport.h"
 #include "src/format/itemsurvey.h"
 #include "src/model/pageimage.h"
 #include "src/model/pageitem.h"
@@ -7,7 +8,6 @@
 #include <QByteArray>
 #include <QString>
 
-#include <functional>
 #include <vector>
 
 /// A page of a project file, as far as it can be read.
@@ -46,12 +46,10 @@ enum class TImages {
     Leave_Alone ///< images are taken for good; costs next to nothing
 };
 
-/// Is told of the number of the page that is about to be looked at, from 1, and of how many there
-/// are at least: the count in the file may be damaged.
-using TProgress = std::function<void(int number, int total)>;
-
-/// @param progress  may be empty.
+/// @param report  is called before each page. Its total is a lower bound: the page count in the
+/// file
+///                may be damaged.
 TProjectSurvey Survey(const QByteArray& bytes, TImages images = TImages::Leave_Alone,
-                      const TProgress& progress = nullptr);
+                      const TStepReport& report = nullptr);
 
 } // namespace ProjectSurvey

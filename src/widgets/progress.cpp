@@ -39,6 +39,11 @@ void TProgress::Step(int number, int total)
     Go_On();
 }
 
+TStepReport TProgress::Steps()
+{
+    return [this](int number, int total) { Step(number, total); };
+}
+
 void TProgress::Go_On()
 {
     const qint64 time = d_clock();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/stepreport.h"
 #include "core/workwatch.h"
 
 #include <QRect>
@@ -46,6 +47,8 @@ public:
     /// @param number  of the step, counted from 1.
     /// @param total   number of all steps, at least 1.
     void Step(int number, int total);
+    /// Returns a function that calls Step. It must not outlive this object.
+    TStepReport Steps();
 
     /// Another piece of the step is about to begin.
     void Go_On();
