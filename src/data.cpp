@@ -2,6 +2,8 @@
 
 #include "src/model/datachange.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <cassert>
 #include <cmath>
@@ -15,10 +17,6 @@
     assert(static_cast<unsigned int>(d_active_page_index) < d_page_items.size())
 
 namespace {
-
-// On a page with this many labels at the most, a removed label's gap is closed at once: that takes
-// no longer than what the program does for a removal anyway.
-constexpr std::size_t small_page = 256;
 
 /// Whether two coordinates are the same, also when they are no numbers. The toolkit's points count
 /// as equal when they nearly are.
@@ -113,7 +111,6 @@ int TData::Page_Count() const
 
 const std::vector<TPageItem>& TData::Pages() const
 {
-    Settle();
     return d_page_items;
 }
 
@@ -153,7 +150,7 @@ bool TData::Page_Image_Valid() const
 bool TData::Page_Has_Data() const
 {
     const TPageItem* const page = Active_Page_Item();
-    return page && page->data_items.size() > d_erased_count;
+    return page && !page->data_items.empty();
 }
 
 void TData::Clear()
@@ -166,13 +163,12 @@ void TData::Clear()
 int TData::Item_Count() const
 {
     ASSERT_ACTIVE_PAGE();
-    return static_cast<int>(d_page_items[d_active_page_index].data_items.size() - d_erased_count);
+    return static_cast<int>(d_page_items[d_active_page_index].data_items.size());
 }
 
 int TData::Item_Max_Value() const
 {
     ASSERT_ACTIVE_PAGE();
-    Settle();
     int max_value = 0;
     for (const TDataItem& item : d_page_items[d_active_page_index].data_items)
         max_value = std::max(max_value, item.value);
@@ -188,7 +184,6 @@ bool TData::Item_Exists(int id) const
 TDataItem TData::Item(int index) const
 {
     ASSERT_ACTIVE_PAGE();
-    Settle();
     assert(static_cast<unsigned int>(index) < d_page_items[d_active_page_index].data_items.size());
     return d_page_items[d_active_page_index].data_items[index];
 }
@@ -209,23 +204,30 @@ bool TData::Add_Item(const TDataItem& item)
 bool TData::Remove_Item(int id)
 {
     ASSERT_ACTIVE_PAGE();
-    // The places that are noted have to be those on a page without gaps.
-    if (d_record && !d_record->Is_Removing(Active_Page()))
-        Settle();
-    const int position = Find(id);
-    if (position < 0)
-        return false;
-    if (d_record)
-        d_record->Note_Removed_Label(Active_Page(), position,
-                                     d_page_items[d_active_page_index].data_items[position]);
-    d_positions.remove(id);
-    ++d_erased_count;
-    // Closing a gap moves all labels behind it. On a large page it waits until half of the labels
-    // are gaps, so that removing thousands one by one moves each of them a few times only.
-    const std::size_t size = d_page_items[d_active_page_index].data_items.size();
-    if (size <= small_page || d_erased_count * 2 > size)
-        Settle();
-    return true;
+    return Remove_Items({id}) > 0;
+}
+
+int TData::Remove_Items(const std::vector<int>& ids)
+{
+    ASSERT_ACTIVE_PAGE();
+    std::vector<TDataItem>& items = d_page_items[d_active_page_index].data_items;
+    const QSet<int> unwanted(ids.cbegin(), ids.cend());
+    const auto is_unwanted = [&unwanted](const TDataItem& item) {
+        return unwanted.contains(item.id);
+    };
+    if (d_record) {
+        for (std::size_t place = 0; place < items.size(); ++place) {
+            if (is_unwanted(items[place]))
+                d_record->Note_Removed_Label(Active_Page(), static_cast<int>(place), items[place]);
+        }
+        d_record->End_Removing();
+    }
+    const auto end = std::remove_if(items.begin(), items.end(), is_unwanted);
+    const auto count = static_cast<int>(std::distance(end, items.end()));
+    if (count > 0)
+        d_positions.clear();
+    items.erase(end, items.end());
+    return count;
 }
 
 bool TData::Change_Item_Value(int id, int value)
@@ -234,13 +236,14 @@ bool TData::Change_Item_Value(int id, int value)
     return Change_Item(id, [value](TDataItem* item) { item->value = value; });
 }
 
-void TData::Number_Items(bool selected_only, const std::function<int()>& next)
+void TData::Number_Items(int page_id, bool selected_only, const std::function<int()>& next)
 {
-    ASSERT_ACTIVE_PAGE();
-    Settle();
-    TDataChange::TValues before{Active_Page(), {}};
+    const int index = Page_Index(page_id);
+    if (index < 0)
+        return;
+    TDataChange::TValues before{page_id, {}};
     int place = 0;
-    for (TDataItem& item : d_page_items[d_active_page_index].data_items) {
+    for (TDataItem& item : d_page_items[index].data_items) {
         if (item.selected || !selected_only) {
             const int value = std::exchange(item.value, next());
             if (d_record && value != item.value)
@@ -327,7 +330,6 @@ void TData::Make_Active(int page_index)
 {
     if (page_index == d_active_page_index)
         return;
-    Settle();
     d_positions.clear();
     d_active_page_index = page_index;
 }
@@ -345,28 +347,9 @@ void TData::Build_Index() const
 /// Place of a label in the active page's data_items, -1 for an unknown id.
 int TData::Find(int id) const
 {
-    const std::size_t known_count = static_cast<std::size_t>(d_positions.size()) + d_erased_count;
-    if (known_count != d_page_items[d_active_page_index].data_items.size())
+    if (d_positions.size() != Item_Count())
         Build_Index();
     return d_positions.value(id, -1);
-}
-
-/// Takes erased labels out of the active page's data_items. Everything that depends on the order of
-/// the labels calls this first.
-void TData::Settle() const
-{
-    if (d_erased_count == 0)
-        return;
-    std::vector<TDataItem>& items = d_page_items[d_active_page_index].data_items;
-    const TDataItem* const first = items.data();
-    const auto is_erased = [this, first](const TDataItem& item) {
-        return d_positions.value(item.id, -1) != static_cast<int>(&item - first);
-    };
-    items.erase(std::remove_if(items.begin(), items.end(), is_erased), items.end());
-    d_erased_count = 0;
-    d_positions.clear();
-    if (d_record)
-        d_record->End_Removing();
 }
 
 template <typename TChange>

@@ -6,7 +6,6 @@
 #include <QImage>
 #include <QPointF>
 
-#include <cstddef>
 #include <functional>
 #include <vector>
 
@@ -20,8 +19,7 @@ class TDataChange;
 /// Page_Has_Data are the questions to ask first. An unknown id is no error: the operation returns
 /// -1 or false and changes nothing. GUI thread only.
 ///
-/// Finding a label by its id takes the same time however many there are, also while thousands are
-/// removed one by one.
+/// Finding a label by its id takes constant time, except the first time after a removal.
 class TData
 {
 public:
@@ -46,8 +44,7 @@ public:
     int Page_Id(int index) const;
     /// Number of pages.
     int Page_Count() const;
-    /// All pages with their labels, for reading; no page needs to be active. Valid until the next
-    /// change of the document.
+    /// All pages with their labels. Valid until the next change of the document.
     const std::vector<TPageItem>& Pages() const;
     /// Pixels of the active page's image.
     QImage Page_Image() const;
@@ -75,10 +72,14 @@ public:
     bool Add_Item(const TDataItem& item);
     /// Erases a label, keeping the order of the others; false when there is none with that id.
     bool Remove_Item(int id);
+    /// Erases labels in time linear in the size of the page. Skips unknown ids; returns how many
+    /// labels it erased.
+    int Remove_Items(const std::vector<int>& ids);
     bool Change_Item_Value(int id, int value);
-    /// Gives the labels other values, in their order: each gets what next returns for it.
-    /// @param selected_only  leaves labels alone that are not selected.
-    void Number_Items(bool selected_only, const std::function<int()>& next);
+    /// Gives the labels of a page new values, in their order: each gets what `next` returns. The
+    /// page need not be active.
+    /// @param selected_only  skip labels that are not selected.
+    void Number_Items(int page_id, bool selected_only, const std::function<int()>& next);
     bool Change_Item_Text(int id, const QString& text);
     /// The code is stored as it is given.
     bool Change_Item_Border(int id, int border_type);
@@ -103,20 +104,16 @@ private:
     void Make_Active(int page_index);
     void Build_Index() const;
     int Find(int id) const;
-    void Settle() const;
     template <typename TChange>
     bool Change_Item(int id, const TChange& change);
 
-    /// Mutable only for Settle, which changes nothing that anybody can see.
-    mutable std::vector<TPageItem> d_page_items;
+    std::vector<TPageItem> d_page_items;
     int d_active_page_index = -1;
     static int d_next_page_id;
 
-    /// Where the labels of the active page are in its data_items; empty until it is needed.
+    /// Positions of the active page's labels in its data_items, by id. Out of date when it has
+    /// another number of entries.
     mutable QHash<int, int> d_positions;
-    /// How many entries of the active page's data_items are erased but still take up room: those
-    /// whose place is not the one that d_positions has for their id.
-    mutable std::size_t d_erased_count = 0;
 
     TDataChange* d_record = nullptr; ///< where changes are noted; null when nobody wants to know
 };

@@ -64,13 +64,13 @@ void TQuillet::Remove_Item()
     if (ids.empty() || !Confirm(tr("Remove Labels"), tr("Labels will be deleted.  Are you sure?")))
         return;
     const TStep step(this, TStepKind::Remove_Labels, 0, static_cast<int>(ids.size()));
+    d_data.Remove_Items(ids);
     // Each removal of a selected label is a change of the selection, which everybody looks at as a
     // whole. With the last one alone selected all end up as they would have, without the walks.
     if (ids.size() > 1)
         d_label_widget->Set_Selection(ids.back());
     for (const int id : ids) {
         d_display_widget->Remove_Item(id);
-        d_data.Remove_Item(id);
         d_label_widget->Remove_Item(id);
     }
     Mark_Changed();
@@ -166,6 +166,7 @@ void TQuillet::Edit_Reindex()
 int TQuillet::Renumber_Active_Page(int first_value, bool selected_only)
 {
     TNumbering numbering(first_value, TNumbering::Next_1X);
-    d_data.Number_Items(selected_only, [&numbering] { return numbering.Take(); });
+    d_data.Number_Items(d_data.Active_Page(), selected_only,
+                        [&numbering] { return numbering.Take(); });
     return numbering.Next();
 }

@@ -99,13 +99,10 @@ int WholeDocument::Number_Pages(const QList<int>& page_ids, int first_value, int
                                 TData* data)
 {
     assert(data);
-    const int active_page = data->Active_Page();
     TNumbering numbering(first_value, method);
     for (const int page_id : page_ids) {
-        data->Set_Active_Page(page_id);
-        data->Number_Items(false, [&numbering] { return numbering.Take(); });
+        data->Number_Items(page_id, false, [&numbering] { return numbering.Take(); });
         numbering.Break_Page();
     }
-    data->Set_Active_Page(active_page);
     return numbering.Next();
 }

@@ -46,7 +46,7 @@ enum class TPurpose {
 QString Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages, TPurpose purpose,
               TData* data, const TStepReport& report, TProjectWriter* writer);
 
-/// Gives the labels of pages new values, page after page in the given order; the active page stays.
+/// Gives the labels of pages new values, page after page in the given order.
 /// @param method  one of TNumbering::TMethod.
 /// @return the value that comes next.
 int Number_Pages(const QList<int>& page_ids, int first_value, int method, TData* data);

@@ -69,7 +69,7 @@ const QVector<TNamedOperation>& Guarded_Operations()
         {"Remove_Item", [](TData* data) { data->Remove_Item(1); }},
         {"Clear_Selection", [](TData* data) { data->Clear_Selection(); }},
         {"Change_Item_Value", [](TData* data) { data->Change_Item_Value(1, 2); }},
-        {"Number_Items", [](TData* data) { data->Number_Items(false, [] { return 1; }); }},
+        {"Remove_Items", [](TData* data) { data->Remove_Items({1}); }},
         {"Change_Item_Text", [](TData* data) { data->Change_Item_Text(1, QString()); }},
         {"Change_Item_Border", [](TData* data) { data->Change_Item_Border(1, 2); }},
         {"Change_Item_Position", [](TData* data) { data->Change_Item_Position(1, QPointF()); }},
@@ -387,13 +387,13 @@ private slots:
         Fill(&data, {5, 3, 9, 1});
         QVERIFY(data.Remove_Item(3));
         int value = 10;
-        data.Number_Items(false, [&value] { return value++; });
+        data.Number_Items(1, false, [&value] { return value++; });
         QCOMPARE(data.Item_Count(), 3);
         for (int place = 0; place < 3; ++place)
             QCOMPARE(data.Item(place).value, 10 + place);
 
         QVERIFY(data.Change_Item_Selection(1, true));
-        data.Number_Items(true, [] { return -4; });
+        data.Number_Items(1, true, [] { return -4; });
         QCOMPARE(data.Item(0).value, 10);
         QCOMPARE(data.Item(1).value, 11);
         QCOMPARE(data.Item(2).value, -4);
@@ -542,7 +542,39 @@ private slots:
             QCOMPARE(data.Item(index).id, expected[index].id);
     }
 
-    void thousands_of_labels_are_found_and_removed_one_by_one()
+    void labels_of_any_page_are_numbered()
+    {
+        TData data;
+        Fill(&data, {5, 3});
+        Fill(&data, {8});
+        int value = 10;
+        data.Number_Items(1, false, [&value] { return value++; });
+        QCOMPARE(data.Active_Page(), 2);
+        QCOMPARE(data.Item(0).value, 0);
+        QCOMPARE(data.Pages()[0].data_items[0].value, 10);
+        QCOMPARE(data.Pages()[0].data_items[1].value, 11);
+        data.Set_Active_Page(-1);
+        data.Number_Items(2, false, [] { return -4; });
+        QCOMPARE(data.Pages()[1].data_items[0].value, -4);
+        data.Number_Items(99, false, [&value] { return value++; });
+        QCOMPARE(value, 12);
+    }
+
+    void several_labels_are_removed_at_once()
+    {
+        TData data;
+        Fill(&data, {5, 3, 9, 1});
+        QCOMPARE(data.Remove_Items({1, 7, 3, 1}), 2);
+        QCOMPARE(Item_Ids(data), (QVector<int>{5, 9}));
+        QVERIFY(!data.Item_Exists(3));
+        QVERIFY(data.Change_Item_Value(9, 90));
+        QCOMPARE(data.Item(1).value, 90);
+        QCOMPARE(data.Remove_Items({}), 0);
+        QCOMPARE(data.Remove_Items({3}), 0);
+        QCOMPARE(Item_Ids(data), (QVector<int>{5, 9}));
+    }
+
+    void thousands_of_labels_are_found_and_removed()
     {
         constexpr int Count = 20000;
         TData data;
@@ -551,8 +583,10 @@ private slots:
             QVERIFY(data.Add_Item(Make_Item(id * 7, id)));
         for (int id = 0; id < Count; ++id)
             QVERIFY(data.Change_Item_Position(id * 7, QPointF(id, 1)));
+        std::vector<int> even;
         for (int id = 0; id < Count; id += 2)
-            QVERIFY(data.Remove_Item(id * 7));
+            even.push_back(id * 7);
+        QCOMPARE(data.Remove_Items(even), Count / 2);
         QCOMPARE(data.Item_Count(), Count / 2);
         for (int index = 0; index < Count / 2; ++index)
             QCOMPARE(data.Item(index).value, index * 2 + 1);

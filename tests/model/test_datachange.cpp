@@ -104,11 +104,11 @@ void TestDataChange::every_change_goes_back_and_forth_data()
     });
     add("all values", [](TData* data) {
         int next = 50;
-        data->Number_Items(false, [&next] { return next++; });
+        data->Number_Items(data->Active_Page(), false, [&next] { return next++; });
     });
     add("values of selected labels", [](TData* data) {
         data->Change_Item_Selection(13, true);
-        data->Number_Items(true, [] { return 7; });
+        data->Number_Items(data->Active_Page(), true, [] { return 7; });
     });
     add("a new label", [](TData* data) { data->Add_Item({14, 4, "", 1, QPointF(), false}); });
     add("a new label that moves", [](TData* data) {
@@ -167,7 +167,7 @@ void TestDataChange::what_changes_nothing_is_not_noted_data()
     add("the same position", [](TData* data) { data->Change_Item_Position(12, QPointF(12, 5)); });
     add("the same numbers", [](TData* data) {
         int next = 1;
-        data->Number_Items(false, [&next] { return next++; });
+        data->Number_Items(data->Active_Page(), false, [&next] { return next++; });
     });
     add("the same image", [](TData* data) { data->Set_Page_Image(data->Page_Content()); });
     add("an unknown label", [](TData* data) { data->Remove_Item(99); });
@@ -342,7 +342,7 @@ void TestDataChange::notes_about_what_is_not_there_are_passed_over()
             data->Change_Item_Value(11, 8);
             data->Remove_Item(12);
             int next = 70;
-            data->Number_Items(false, [&next] { return next++; });
+            data->Number_Items(data->Active_Page(), false, [&next] { return next++; });
             data->Set_Page_Image(Support::Picture(3, 3));
             data->Add_Page();
             data->Remove_Page(2);
@@ -377,7 +377,7 @@ void TestDataChange::a_random_walk_goes_back_to_where_it_began()
         else if (choice == 5)
             data->Change_Item_Value(id, below(100));
         else if (choice == 6)
-            data->Number_Items(below(2) == 0, [&next] { return next++; });
+            data->Number_Items(data->Active_Page(), below(2) == 0, [&next] { return next++; });
         else if (choice == 7)
             data->Set_Active_Page(data->Page_Id(below(data->Page_Count())));
         else if (choice == 8)
