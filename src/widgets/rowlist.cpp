@@ -6,125 +6,91 @@
 #include <QtMath>
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace {
 
-// Texts of letters in this range stand in one line as high as the font.
+// A text of letters in this range is one line, exactly as high as the font.
 const ushort first_letter = 0x20;
 const ushort last_letter = 0xff;
 
-/// Whether a change of these roles can make a row larger or smaller, its text apart; no roles at
-/// all stand for any of them.
-bool May_Change_Size(const QVector<int>& roles)
-{
-    return roles.isEmpty() || std::any_of(roles.cbegin(), roles.cend(), [](int role) {
-               return role < TRowList::Id_Role && role != Qt::DisplayRole && role != Qt::EditRole;
-           });
-}
-
 } // namespace
 
-/// Gives all rows the size that the largest needs.
+/// Gives every row the size of the largest.
 ///
-/// A list with uniform rows asks for the size of one row and cuts the others to it. This delegate
-/// keeps in mind what the rows need as they come, and answers for all of them.
+/// A list with uniform rows asks for the size of one row only. This delegate keeps the largest size
+/// that any row has needed.
 class TRowDelegate : public QStyledItemDelegate
 {
 public:
-    explicit TRowDelegate(const QFont& font, QObject* parent)
-        : QStyledItemDelegate(parent)
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    /// Discards all measurements, for example because the font changes.
+    void Reset()
     {
-        Set_Font(font);
+        d_letter_widths.clear();
+        d_widest_text = 0.0;
+        d_size = QSize();
     }
 
-    /// Starts anew with another font.
-    void Set_Font(const QFont& font)
+    /// Measures a row. Returns whether the size of the rows has changed.
+    bool Measure(const QStyleOptionViewItem& option, const QModelIndex& row)
     {
-        Forget();
-        d_font = font;
-        d_knows_letters = false;
-    }
-
-    /// Starts anew.
-    void Forget()
-    {
-        d_widest_text.clear();
-        d_widest_text_width = 0.0;
-        d_unusual_size = QSize();
-    }
-
-    /// Takes a text into account by the widths of its letters, which is a hundred times quicker
-    /// than to lay it out; kerning and ligatures only make it narrower.
-    /// @return false when that is no measure for the text.
-    bool Measure_Letters(const QString& text)
-    {
-        if (!d_knows_letters)
-            Learn_Letters();
-        qreal width = 0.0;
-        for (const QChar letter : text) {
-            if (letter.unicode() < first_letter || letter.unicode() > last_letter)
-                return false;
-            width += d_letter_widths[letter.unicode() - first_letter];
+        const QString text = row.data().toString();
+        const std::optional<qreal> text_width = Sum_Of_Letters(text, option.font);
+        if (text_width && *text_width <= d_widest_text)
+            return false;
+        QSize size = QStyledItemDelegate::sizeHint(option, row);
+        if (text_width) {
+            d_widest_text = *text_width;
+            // Kerning makes this text narrower, but perhaps not the next one.
+            const qreal kerning = *text_width - option.fontMetrics.horizontalAdvance(text);
+            size.rwidth() += qCeil(std::max(kerning, 0.0));
         }
-        if (width > d_widest_text_width) {
-            d_widest_text_width = width;
-            d_widest_text = text;
-            ++d_growths;
-        }
-        return true;
+        size = size.expandedTo(d_size);
+        return std::exchange(d_size, size) != size;
     }
 
-    /// Takes a row into account by laying it out.
-    void Measure_Row(const QStyleOptionViewItem& option, const QModelIndex& row)
+    QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override
     {
-        const QSize size = d_unusual_size.expandedTo(QStyledItemDelegate::sizeHint(option, row));
-        if (size != d_unusual_size)
-            ++d_growths;
-        d_unusual_size = size;
-    }
-
-    /// How often a text or a row has turned out to be the largest so far.
-    int Growths() const { return d_growths; }
-
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& row) const override
-    {
-        QStyleOptionViewItem widest = option;
-        initStyleOption(&widest, row);
-        widest.text = d_widest_text;
-        widest.features |= QStyleOptionViewItem::HasDisplay;
-        const QSize size = option.widget->style()->sizeFromContents(
-            QStyle::CT_ItemViewItem, &widest, QSize(), option.widget);
-        const qreal kerning =
-            d_widest_text_width - widest.fontMetrics.horizontalAdvance(d_widest_text);
-        return (size + QSize(qCeil(std::max(kerning, 0.0)), 0)).expandedTo(d_unusual_size);
+        return d_size;
     }
 
 private:
-    /// Not done before there is a row: it would take a tenth of the time in which the program
-    /// starts.
-    void Learn_Letters()
+    /// The width of a text without kerning, a hundred times faster than a layout. Null for a text
+    /// with letters out of range.
+    std::optional<qreal> Sum_Of_Letters(const QString& text, const QFont& font)
     {
-        const QFontMetricsF metrics(d_font);
-        for (ushort letter = first_letter; letter <= last_letter; ++letter)
-            d_letter_widths[letter - first_letter] = metrics.horizontalAdvance(QChar(letter));
-        d_knows_letters = true;
+        // Not done before there is a row, since it would slow down the start of the program.
+        if (d_letter_widths.empty())
+            Measure_Letters(font);
+        qreal width = 0.0;
+        for (const QChar letter : text) {
+            if (letter.unicode() < first_letter || letter.unicode() > last_letter)
+                return std::nullopt;
+            width += d_letter_widths[letter.unicode() - first_letter];
+        }
+        return width;
     }
 
-    QFont d_font;
-    bool d_knows_letters = false;
-    std::array<qreal, last_letter - first_letter + 1> d_letter_widths; ///< pixels
-    QString d_widest_text;
-    qreal d_widest_text_width = 0.0; ///< pixels, without kerning
-    int d_growths = 0;
-    QSize d_unusual_size; ///< what the rows need that were laid out
+    void Measure_Letters(const QFont& font)
+    {
+        const QFontMetricsF metrics(font);
+        for (ushort letter = first_letter; letter <= last_letter; ++letter)
+            d_letter_widths.push_back(metrics.horizontalAdvance(QChar(letter)));
+    }
+
+    std::vector<qreal> d_letter_widths; ///< pixels; empty before the first row
+    qreal d_widest_text = 0.0;          ///< pixels, without kerning
+    QSize d_size;                       ///< of all rows
 };
 
 TRowList::TRowList(QWidget* parent)
     : QListWidget(parent)
-    , d_delegate(new TRowDelegate(font(), this))
+    , d_delegate(new TRowDelegate(this))
 {
     setItemDelegate(d_delegate);
     setUniformItemSizes(true);
@@ -138,7 +104,7 @@ QListWidgetItem* TRowList::Row(int id) const
         Index_Rows();
     if (d_rows.count(id) < 2)
         return d_rows.value(id);
-    // Which of several rows comes first depends on how the user dragged them.
+    // The order of rows with the same id depends on how the user moved them.
     int place = 0;
     while (item(place)->data(Id_Role).toInt() != id)
         ++place;
@@ -177,8 +143,8 @@ void TRowList::Select_Rows(const std::vector<int>& ids)
     const QModelIndex current = places.empty() ? QModelIndex() : model()->index(places.back(), 0);
     std::sort(places.begin(), places.end());
 
-    // One selection for all, so that the list reports one change; rows that follow each other are
-    // one range in it, since the toolkit compares ranges one by one.
+    // One selection, so that the list reports one change. Adjacent rows form one range, since Qt
+    // compares each range with each other.
     QItemSelection selection;
     for (auto first = places.cbegin(); first != places.cend();) {
         auto end = std::next(first);
@@ -196,17 +162,17 @@ void TRowList::reset()
 {
     QListWidget::reset();
     d_rows_outdated = true;
-    d_delegate->Forget();
+    d_delegate->Reset();
     Measure_Rows(0, count() - 1);
 }
 
 void TRowList::keyPressEvent(QKeyEvent* event)
 {
-    // Keys of the number pad are the same keys.
+    // The keys of the number pad do the same.
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const int key = event->key();
     if (key == Qt::Key_Delete && modifiers == Qt::NoModifier) {
-        // A key that is held down longer than needed does not ask a second time.
+        // Holding the key down must not emit the signal again.
         if (!event->isAutoRepeat())
             Q_EMIT Delete_Pressed();
     } else if ((key == Qt::Key_Up || key == Qt::Key_Down) && modifiers == Qt::AltModifier) {
@@ -216,20 +182,20 @@ void TRowList::keyPressEvent(QKeyEvent* event)
     }
 }
 
-/// Moves each selected row by one place, as far as all of them can.
-/// @param step  -1 towards the top, 1 towards the end.
+/// Moves each selected row by one place. Does nothing when one of them cannot move.
+/// @param step  -1 to move up, 1 to move down.
 void TRowList::Move_Selected_Rows(int step)
 {
     std::vector<int> places;
     const QModelIndexList selected = selectionModel()->selectedRows();
     for (const QModelIndex& row : selected)
         places.push_back(row.row());
-    // The row that goes ahead first, so that each finds its goal free.
+    // The foremost row moves first, so that no selected row passes another.
     std::sort(places.begin(), places.end(),
               [step](int left, int right) { return step < 0 ? left < right : left > right; });
     if (places.empty() || places.front() + step < 0 || places.front() + step >= count())
         return;
-    // The same operation by which the list moves rows that are dragged.
+    // The list moves dragged rows with the same operation.
     for (const int place : places)
         model()->moveRow(QModelIndex(), place, QModelIndex(), step < 0 ? place - 1 : place + 2);
     scrollTo(currentIndex());
@@ -253,17 +219,14 @@ void TRowList::rowsAboutToBeRemoved(const QModelIndex& parent, int first, int la
 void TRowList::dataChanged(const QModelIndex& top_left, const QModelIndex& bottom_right,
                            const QVector<int>& roles)
 {
-    // No roles at all means that any of them may have changed.
+    // An empty list of roles means that any may have changed.
     if (roles.isEmpty() || roles.contains(Id_Role))
         d_rows_outdated = true;
-    const bool have_grown = (roles.isEmpty() || roles.contains(Qt::DisplayRole)) &&
-                            Measure_Rows(top_left.row(), bottom_right.row());
-    // A list view lays all rows out anew whenever one changes. Rows of one size need that only when
-    // the size changes; otherwise what any view does is enough.
-    if (have_grown || May_Change_Size(roles))
+    // A list view lays out all rows again whenever one changes. That is needed only when their size
+    // changes.
+    if (Measure_Rows(top_left.row(), bottom_right.row()))
         QListWidget::dataChanged(top_left, bottom_right, roles);
-    else // The list view's own step is what is left out.
-         // NOLINTNEXTLINE(bugprone-parent-virtual-call)
+    else // NOLINTNEXTLINE(bugprone-parent-virtual-call): skips the layout by the list view.
         QAbstractItemView::dataChanged(top_left, bottom_right, roles);
 }
 
@@ -271,7 +234,7 @@ void TRowList::changeEvent(QEvent* event)
 {
     QListWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
-        d_delegate->Set_Font(font());
+        d_delegate->Reset();
         Measure_Rows(0, count() - 1);
     }
 }
@@ -284,14 +247,12 @@ void TRowList::Index_Rows() const
     d_rows_outdated = false;
 }
 
-/// Takes rows into account; true when the size of all rows has become another.
+/// Measures rows. Returns whether the size of all rows has changed.
 bool TRowList::Measure_Rows(int first, int last)
 {
-    const int growths = d_delegate->Growths();
-    for (int place = first; place <= last; ++place) {
-        const QListWidgetItem* const row = item(place);
-        if (!d_delegate->Measure_Letters(row->text()))
-            d_delegate->Measure_Row(viewOptions(), indexFromItem(row));
-    }
-    return d_delegate->Growths() != growths;
+    const QStyleOptionViewItem option = viewOptions();
+    bool has_changed = false;
+    for (int place = first; place <= last; ++place)
+        has_changed |= d_delegate->Measure(option, model()->index(place, 0));
+    return has_changed;
 }

@@ -7,37 +7,36 @@
 
 class TRowDelegate;
 
-/// A list whose rows are known by a number kept in them: pages by page id, labels by item id.
+/// A list whose rows have an id: pages the page id, labels the item id.
 ///
-/// Several rows can be selected at once, and the user puts rows in another order by dragging them,
-/// or by Alt with the arrow keys up and down.
-/// A row is found by its id without a walk through the list, however rows come and go. All rows
-/// have the size that the largest of them needs, so that a change never measures all of them anew.
+/// Several rows can be selected at once. Users reorder rows by dragging them, or with Alt and the
+/// up and down arrow keys. Finding a row by its id takes constant time. All rows have the size of
+/// the largest one, so that a change measures only the rows that change.
 class TRowList : public QListWidget
 {
     Q_OBJECT
 
 public:
-    /// Where a row keeps its id.
+    /// Role of the id in the data of a row.
     static constexpr int Id_Role = Qt::UserRole;
 
     explicit TRowList(QWidget* parent);
 
-    /// The first row, counted from the top, with this id; null when there is none.
+    /// The topmost row with this id; null when there is none.
     QListWidgetItem* Row(int id) const;
-    /// Takes the first row with this id away; does nothing when there is none.
+    /// Removes the topmost row with this id, if there is one.
     void Remove_Row(int id);
     /// The selected row when it is the only one; null when none or several are selected.
     QListWidgetItem* Only_Selected_Row() const;
-    /// Ids of the selected rows in the order in which the list reports them.
+    /// Ids of the selected rows, in the order of selectedItems().
     std::vector<int> Selected_Ids() const;
-    /// Selects the first row of each id and no other; the last of them becomes current.
+    /// Selects the topmost row of each id and no other. The row of the last id becomes current.
     void Select_Rows(const std::vector<int>& ids);
 
     void reset() override;
 
 Q_SIGNALS:
-    /// The Delete key was pressed: what is selected is to be removed, by whoever knows how.
+    /// The user pressed the Delete key. The receiver removes the selected rows.
     void Delete_Pressed();
 
 protected:
@@ -53,7 +52,7 @@ private:
     void Index_Rows() const;
     bool Measure_Rows(int first, int last);
 
-    /// Every row under its id; filled anew by the next search when the ids of rows were changed.
+    /// The rows by id. The next search rebuilds it when it is outdated.
     mutable QMultiHash<int, QListWidgetItem*> d_rows;
     mutable bool d_rows_outdated = false;
     TRowDelegate* d_delegate;

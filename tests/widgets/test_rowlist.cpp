@@ -1,4 +1,4 @@
-// The list of rows that are found by id and share one size.
+// TRowList: rows that are found by id and have one size.
 
 #include "src/widgets/rowlist.h"
 
@@ -23,8 +23,8 @@ QListWidgetItem* New_Row(const QString& text, int id)
     return row;
 }
 
-/// The row that a walk from the top finds first.
-QListWidgetItem* First_By_Walk(const TRowList& list, int id)
+/// The topmost row with an id, by a linear search.
+QListWidgetItem* Linear_Search(const TRowList& list, int id)
 {
     for (int place = 0; place < list.count(); ++place) {
         if (list.item(place)->data(Qt::UserRole).toInt() == id)
@@ -45,22 +45,24 @@ private Q_SLOTS:
     void cleanup();
 
     void rows_are_found_by_id();
-    void of_equal_ids_the_first_row_counts();
+    void a_search_finds_the_topmost_of_rows_with_the_same_id();
     void rows_are_found_after_moves();
-    void rows_are_found_after_a_drop_that_makes_them_anew();
+    void rows_are_found_after_a_drop_that_recreates_them();
     void rows_are_found_after_ids_change();
-    void rows_that_are_gone_are_not_found();
-    void searches_agree_with_a_walk_through_the_list();
+    void removed_rows_are_not_found();
+    void the_index_agrees_with_a_linear_search();
     void thousands_of_rows_are_found();
-    void removing_takes_one_row();
-    void selected_ids_are_in_the_order_of_the_list();
-    void only_a_single_selected_row_counts();
-    void the_widest_row_can_be_scrolled_into_sight_data();
-    void the_widest_row_can_be_scrolled_into_sight();
-    void a_row_that_becomes_wider_can_be_scrolled_into_sight();
+    void remove_row_removes_one_row();
+    void selected_ids_are_in_the_order_of_selection();
+    void only_selected_row_is_null_unless_one_row_is_selected();
+    void the_widest_row_can_be_scrolled_into_view_data();
+    void the_widest_row_can_be_scrolled_into_view();
+    void a_row_that_becomes_wider_can_be_scrolled_into_view();
     void every_row_has_room_for_its_text();
-    void another_font_makes_other_rows();
-    void a_cleared_list_forgets_how_wide_its_rows_were();
+    void another_font_changes_the_row_size();
+    void the_widest_row_decides_the_size_in_another_font();
+    void the_highest_row_decides_the_size();
+    void clearing_the_list_resets_the_row_size();
 
 private:
     void Fill(const QList<int>& ids);
@@ -105,7 +107,7 @@ void TestRowList::rows_are_found_by_id()
     QVERIFY(d_list->Row(6) == nullptr);
 }
 
-void TestRowList::of_equal_ids_the_first_row_counts()
+void TestRowList::a_search_finds_the_topmost_of_rows_with_the_same_id()
 {
     Fill({1, 7, 2, 7, 7});
     QCOMPARE(d_list->Row(7), d_list->item(1));
@@ -126,13 +128,13 @@ void TestRowList::rows_are_found_after_moves()
     Fill({1, 2, 3, 4, 2});
     QVERIFY(d_list->model()->moveRow(QModelIndex(), 1, QModelIndex(), 5));
     for (const int id : {1, 2, 3, 4})
-        QCOMPARE(d_list->Row(id), First_By_Walk(*d_list, id));
+        QCOMPARE(d_list->Row(id), Linear_Search(*d_list, id));
     d_list->sortItems(Qt::DescendingOrder);
     for (const int id : {1, 2, 3, 4})
-        QCOMPARE(d_list->Row(id), First_By_Walk(*d_list, id));
+        QCOMPARE(d_list->Row(id), Linear_Search(*d_list, id));
 }
 
-void TestRowList::rows_are_found_after_a_drop_that_makes_them_anew()
+void TestRowList::rows_are_found_after_a_drop_that_recreates_them()
 {
     Fill({1, 2, 3});
     const std::unique_ptr<QMimeData> dragged(
@@ -157,7 +159,7 @@ void TestRowList::rows_are_found_after_ids_change()
     QVERIFY(d_list->Row(3) == nullptr);
 }
 
-void TestRowList::rows_that_are_gone_are_not_found()
+void TestRowList::removed_rows_are_not_found()
 {
     Fill({1, 2, 3});
     delete d_list->item(0);
@@ -173,7 +175,7 @@ void TestRowList::rows_that_are_gone_are_not_found()
     QCOMPARE(d_list->Row(4), d_list->item(0));
 }
 
-void TestRowList::searches_agree_with_a_walk_through_the_list()
+void TestRowList::the_index_agrees_with_a_linear_search()
 {
     const int ids = 12;
     unsigned state = 1;
@@ -205,7 +207,7 @@ void TestRowList::searches_agree_with_a_walk_through_the_list()
                 d_list->item(draw(count))->setData(Qt::UserRole, draw(ids));
         }
         for (int id = 0; id < ids; ++id)
-            QCOMPARE(d_list->Row(id), First_By_Walk(*d_list, id));
+            QCOMPARE(d_list->Row(id), Linear_Search(*d_list, id));
     }
 }
 
@@ -222,7 +224,7 @@ void TestRowList::thousands_of_rows_are_found()
     QCOMPARE(d_list->Row(count - 1), d_list->item(count / 2 - 1));
 }
 
-void TestRowList::removing_takes_one_row()
+void TestRowList::remove_row_removes_one_row()
 {
     d_list->Remove_Row(1);
     Fill({1, 2});
@@ -233,20 +235,16 @@ void TestRowList::removing_takes_one_row()
     QCOMPARE(d_list->item(0)->text(), QStringLiteral("Row 2"));
 }
 
-void TestRowList::selected_ids_are_in_the_order_of_the_list()
+void TestRowList::selected_ids_are_in_the_order_of_selection()
 {
     Fill({4, 5, 6, 7});
     QVERIFY(d_list->Selected_Ids().empty());
     Support::Click_Row(d_list, 3);
     Support::Click_Row(d_list, 0, Qt::ControlModifier);
-    std::vector<int> reported;
-    for (const QListWidgetItem* const row : d_list->selectedItems())
-        reported.push_back(row->data(Qt::UserRole).toInt());
-    QCOMPARE(reported.size(), std::size_t(2));
-    QCOMPARE(d_list->Selected_Ids(), reported);
+    QCOMPARE(d_list->Selected_Ids(), std::vector<int>({7, 4}));
 }
 
-void TestRowList::only_a_single_selected_row_counts()
+void TestRowList::only_selected_row_is_null_unless_one_row_is_selected()
 {
     Fill({4, 5});
     QVERIFY(d_list->Only_Selected_Row() == nullptr);
@@ -256,7 +254,7 @@ void TestRowList::only_a_single_selected_row_counts()
     QVERIFY(d_list->Only_Selected_Row() == nullptr);
 }
 
-void TestRowList::the_widest_row_can_be_scrolled_into_sight_data()
+void TestRowList::the_widest_row_can_be_scrolled_into_view_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("Latin") << QStringLiteral("Item [4] a text that needs a lot of room");
@@ -264,7 +262,7 @@ void TestRowList::the_widest_row_can_be_scrolled_into_sight_data()
     QTest::newRow("Cyrillic") << QString::fromUtf8("Насос, который нагнетает очень много воды");
 }
 
-void TestRowList::the_widest_row_can_be_scrolled_into_sight()
+void TestRowList::the_widest_row_can_be_scrolled_into_view()
 {
     QFETCH(QString, text);
     d_list->addItem(QStringLiteral("short"));
@@ -275,7 +273,7 @@ void TestRowList::the_widest_row_can_be_scrolled_into_sight()
     QVERIFY(rect.width() > d_list->viewport()->width());
     QCOMPARE(d_list->horizontalScrollBar()->maximum(), rect.width() - d_list->viewport()->width());
 
-    // A plain list measures each row and knows best what this one needs.
+    // A plain list measures each row.
     QListWidget plain;
     plain.addItem(text);
     const int needed = plain.sizeHintForColumn(0);
@@ -283,7 +281,7 @@ void TestRowList::the_widest_row_can_be_scrolled_into_sight()
     QVERIFY(rect.width() < needed + needed / 8);
 }
 
-void TestRowList::a_row_that_becomes_wider_can_be_scrolled_into_sight()
+void TestRowList::a_row_that_becomes_wider_can_be_scrolled_into_view()
 {
     Fill({1, 2, 3});
     QCoreApplication::processEvents();
@@ -312,7 +310,7 @@ void TestRowList::every_row_has_room_for_its_text()
     }
 }
 
-void TestRowList::another_font_makes_other_rows()
+void TestRowList::another_font_changes_the_row_size()
 {
     d_list->addItem(QStringLiteral("Item [4] a text"));
     d_list->addItem(QStringLiteral("short"));
@@ -327,7 +325,31 @@ void TestRowList::another_font_makes_other_rows()
     QVERIFY(after.width() >= QFontMetrics(larger).horizontalAdvance(d_list->item(0)->text()));
 }
 
-void TestRowList::a_cleared_list_forgets_how_wide_its_rows_were()
+void TestRowList::the_widest_row_decides_the_size_in_another_font()
+{
+    const QString widest = QStringLiteral("Item [4] a text that needs a lot of room");
+    d_list->addItems({QStringLiteral("short"), widest, QStringLiteral("short")});
+    QFont larger = d_list->font();
+    larger.setPointSize(40);
+    d_list->setFont(larger);
+    QCoreApplication::processEvents();
+    const int needed = QFontMetrics(larger).horizontalAdvance(widest);
+    for (int place = 0; place < d_list->count(); ++place)
+        QVERIFY(d_list->visualItemRect(d_list->item(place)).width() >= needed);
+}
+
+/// A wide row after the highest one must not make the rows lower.
+void TestRowList::the_highest_row_decides_the_size()
+{
+    const QString two_lines = QStringLiteral("a\nb");
+    d_list->addItems({two_lines, QStringLiteral("Item [4] a text that needs a lot of room")});
+    QListWidget plain;
+    plain.addItem(two_lines);
+    QCoreApplication::processEvents();
+    QVERIFY(d_list->visualItemRect(d_list->item(1)).height() >= plain.sizeHintForRow(0));
+}
+
+void TestRowList::clearing_the_list_resets_the_row_size()
 {
     d_list->addItem(QStringLiteral("Item [4] a text that needs a lot of room"));
     d_list->addItem(QString::fromUtf8("Насос, который нагнетает\nочень много воды"));
