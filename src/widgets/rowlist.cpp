@@ -26,28 +26,37 @@ const ushort last_letter = 0xff;
 class TRowDelegate : public QStyledItemDelegate
 {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    /// Discards all measurements, for example because the font changes.
-    void Reset()
+    TRowDelegate(const QFont& font, QObject* parent)
+        : QStyledItemDelegate(parent)
+        , d_font(font)
     {
+    }
+
+    /// Discards all measurements.
+    void Reset(const QFont& font)
+    {
+        d_font = font;
         d_letter_widths.clear();
         d_widest_text = 0.0;
         d_size = QSize();
     }
 
+    /// Whether a row with this text certainly has room. A quick test before Measure.
+    bool Fits(const QString& text)
+    {
+        const std::optional<qreal> width = Sum_Of_Letters(text);
+        return width && *width <= d_widest_text;
+    }
+
     /// Measures a row. Returns whether the size of the rows has changed.
     bool Measure(const QStyleOptionViewItem& option, const QModelIndex& row)
     {
-        const QString text = row.data().toString();
-        const std::optional<qreal> text_width = Sum_Of_Letters(text, option.font);
-        if (text_width && *text_width <= d_widest_text)
-            return false;
         QSize size = QStyledItemDelegate::sizeHint(option, row);
-        if (text_width) {
-            d_widest_text = *text_width;
+        const QString text = row.data().toString();
+        if (const std::optional<qreal> width = Sum_Of_Letters(text)) {
+            d_widest_text = std::max(d_widest_text, *width);
             // Kerning makes this text narrower, but perhaps not the next one.
-            const qreal kerning = *text_width - option.fontMetrics.horizontalAdvance(text);
+            const qreal kerning = *width - option.fontMetrics.horizontalAdvance(text);
             size.rwidth() += qCeil(std::max(kerning, 0.0));
         }
         size = size.expandedTo(d_size);
@@ -62,11 +71,11 @@ public:
 private:
     /// The width of a text without kerning, a hundred times faster than a layout. Null for a text
     /// with letters out of range.
-    std::optional<qreal> Sum_Of_Letters(const QString& text, const QFont& font)
+    std::optional<qreal> Sum_Of_Letters(const QString& text)
     {
         // Not done before there is a row, since it would slow down the start of the program.
         if (d_letter_widths.empty())
-            Measure_Letters(font);
+            Measure_Letters();
         qreal width = 0.0;
         for (const QChar letter : text) {
             if (letter.unicode() < first_letter || letter.unicode() > last_letter)
@@ -76,13 +85,14 @@ private:
         return width;
     }
 
-    void Measure_Letters(const QFont& font)
+    void Measure_Letters()
     {
-        const QFontMetricsF metrics(font);
+        const QFontMetricsF metrics(d_font);
         for (ushort letter = first_letter; letter <= last_letter; ++letter)
             d_letter_widths.push_back(metrics.horizontalAdvance(QChar(letter)));
     }
 
+    QFont d_font;
     std::vector<qreal> d_letter_widths; ///< pixels; empty before the first row
     qreal d_widest_text = 0.0;          ///< pixels, without kerning
     QSize d_size;                       ///< of all rows
@@ -90,7 +100,7 @@ private:
 
 TRowList::TRowList(QWidget* parent)
     : QListWidget(parent)
-    , d_delegate(new TRowDelegate(this))
+    , d_delegate(new TRowDelegate(font(), this))
 {
     setItemDelegate(d_delegate);
     setUniformItemSizes(true);
@@ -162,7 +172,7 @@ void TRowList::reset()
 {
     QListWidget::reset();
     d_rows_outdated = true;
-    d_delegate->Reset();
+    d_delegate->Reset(font());
     Measure_Rows(0, count() - 1);
 }
 
@@ -234,7 +244,7 @@ void TRowList::changeEvent(QEvent* event)
 {
     QListWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
-        d_delegate->Reset();
+        d_delegate->Reset(font());
         Measure_Rows(0, count() - 1);
     }
 }
@@ -250,9 +260,10 @@ void TRowList::Index_Rows() const
 /// Measures rows. Returns whether the size of all rows has changed.
 bool TRowList::Measure_Rows(int first, int last)
 {
-    const QStyleOptionViewItem option = viewOptions();
     bool has_changed = false;
-    for (int place = first; place <= last; ++place)
-        has_changed |= d_delegate->Measure(option, model()->index(place, 0));
+    for (int place = first; place <= last; ++place) {
+        if (!d_delegate->Fits(item(place)->text()))
+            has_changed |= d_delegate->Measure(viewOptions(), model()->index(place, 0));
+    }
     return has_changed;
 }
