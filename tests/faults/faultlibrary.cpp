@@ -1,9 +1,10 @@
-// A library to be preloaded by tests: makes the n-th call of a kind, on files below given folders,
-// fail, come short, or end the process.
+// A library that tests preload. It makes the n-th system call of a kind on files below given
+// folders fail, fall short or kill the process, and logs the calls.
 //
-// A test arms it by name (dlsym of "Quillet_Arm_Fault"), runs what is to be disturbed, and may ask
-// how many calls there were. Files are known by what their descriptors refer to, so it does not
+// Tests find its functions with dlsym(). Files are identified through /proc/self/fd, so it does not
 // matter how they were opened.
+
+#include "faultlibrary.h"
 
 #include <cerrno>
 #include <climits>
@@ -19,10 +20,10 @@
 
 namespace {
 
-enum TCall { Open = 0, Write = 1, Rename = 2, Sync = 3 };
-enum TKind { Fail = 0, Short = 1, Kill = 2, Kill_After = 3 };
+using namespace Faults;
 
 constexpr int maximum_folders = 4;
+constexpr size_t log_size = 256 * 1024;
 
 struct TFault
 {
@@ -36,6 +37,10 @@ struct TFault
 };
 
 TFault fault;
+
+// A static buffer: the intercepted calls may come from within malloc().
+char call_log[log_size];
+size_t log_end = 0;
 
 template <typename TFunction>
 TFunction Next(const char* name)
@@ -52,15 +57,36 @@ bool Is_Watched(const char* path)
     return false;
 }
 
-bool Is_Watched(int descriptor)
+struct TPath
+{
+    char text[PATH_MAX] = {}; // empty if unknown
+};
+
+TPath Path_Of(int descriptor)
 {
     char link[64];
-    char path[PATH_MAX] = {};
+    TPath path;
     std::snprintf(link, sizeof(link), "/proc/self/fd/%d", descriptor);
-    return readlink(link, path, sizeof(path) - 1) > 0 && Is_Watched(path);
+    if (readlink(link, path.text, sizeof(path.text) - 1) < 0)
+        path.text[0] = '\0';
+    return path;
 }
 
-// What to do with a call that is watched.
+void Log(const char* call, const char* path, const char* second_path = nullptr)
+{
+    static char line[2 * PATH_MAX + 32];
+    static size_t last_start = 0;
+    const int length = std::snprintf(line, sizeof(line), "%s %s%s%s\n", call, path,
+                                     second_path ? " " : "", second_path ? second_path : "");
+    const bool is_repeated_write = std::strcmp(call, "write") == 0 && log_end > 0 &&
+                                   std::strcmp(call_log + last_start, line) == 0;
+    if (is_repeated_write || log_end + static_cast<size_t>(length) >= log_size)
+        return;
+    last_start = log_end;
+    std::memcpy(call_log + log_end, line, static_cast<size_t>(length) + 1);
+    log_end += static_cast<size_t>(length);
+}
+
 enum TVerdict { Pass, Refuse, Halve };
 
 void Die()
@@ -79,9 +105,10 @@ TVerdict Judge(TCall call)
         return Pass;
     if (fault.kind == Fail)
         return Refuse;
-    if (fault.kind == Kill && call != Write)
+    const bool is_write = call == Write || call == Clone;
+    if (fault.kind == Kill && !is_write)
         Die();
-    return call == Write ? Halve : Pass;
+    return is_write ? Halve : Pass;
 }
 
 void After(TCall call)
@@ -96,13 +123,17 @@ int Refused(int reason)
     return -1;
 }
 
-// Half of what was asked for is written; then the disk is full, or the process dies.
+// Writes half of the bytes; then the disk is full, or the process dies.
 template <typename TWrite>
-ssize_t Disturbed_Write(int descriptor, size_t size, const TWrite& write_part)
+ssize_t Disturbed_Write(TCall call, int descriptor, size_t size, const TWrite& write_part)
 {
-    if (!fault.armed || !Is_Watched(descriptor))
+    if (!fault.armed)
         return write_part(size);
-    const TVerdict verdict = Judge(Write);
+    const TPath path = Path_Of(descriptor);
+    if (!Is_Watched(path.text))
+        return write_part(size);
+    Log("write", path.text);
+    const TVerdict verdict = Judge(call);
     if (verdict == Refuse)
         return Refused(ENOSPC);
     if (verdict == Pass)
@@ -119,10 +150,11 @@ ssize_t Disturbed_Write(int descriptor, size_t size, const TWrite& write_part)
 }
 
 template <typename TRename>
-int Disturbed_Rename(const char* to, const TRename& rename_it)
+int Disturbed_Rename(const char* call, const char* from, const char* to, const TRename& rename_it)
 {
     if (!fault.armed || !Is_Watched(to))
         return rename_it();
+    Log(call, from, to);
     if (Judge(Rename) == Refuse)
         return Refused(EIO);
     const int result = rename_it();
@@ -133,8 +165,12 @@ int Disturbed_Rename(const char* to, const TRename& rename_it)
 template <typename TSync>
 int Disturbed_Sync(int descriptor, const TSync& sync_it)
 {
-    if (!fault.armed || !Is_Watched(descriptor))
+    if (!fault.armed)
         return sync_it();
+    const TPath path = Path_Of(descriptor);
+    if (!Is_Watched(path.text))
+        return sync_it();
+    Log("sync", path.text);
     if (Judge(Sync) == Refuse)
         return Refused(EIO);
     const int result = sync_it();
@@ -143,10 +179,12 @@ int Disturbed_Sync(int descriptor, const TSync& sync_it)
 }
 
 template <typename TOpen>
-int Disturbed_Open(const char* path, const TOpen& open_it)
+int Disturbed_Open(const char* path, int flags, const TOpen& open_it)
 {
     if (!fault.armed || !path || !Is_Watched(path))
         return open_it();
+    if (flags & O_TRUNC)
+        Log("truncate", path);
     if (Judge(Open) == Refuse)
         return Refused(EACCES);
     const int result = open_it();
@@ -163,7 +201,6 @@ mode_t Mode_Of(int flags, va_list arguments)
 
 extern "C" {
 
-// folders: up to four paths, separated by colons.
 void Quillet_Arm_Fault(const char* folders, int call, int kind, int at)
 {
     fault = TFault();
@@ -179,13 +216,19 @@ void Quillet_Arm_Fault(const char* folders, int call, int kind, int at)
     fault.kind = kind;
     fault.at = at;
     fault.armed = true;
+    log_end = 0;
+    call_log[0] = '\0';
 }
 
-// Lets everything pass again; returns how many calls there were.
 int Quillet_Disarm_Fault()
 {
     fault.armed = false;
     return fault.count;
+}
+
+const char* Quillet_Logged_Calls()
+{
+    return call_log;
 }
 
 int open(const char* path, int flags, ...)
@@ -195,7 +238,7 @@ int open(const char* path, int flags, ...)
     const mode_t mode = Mode_Of(flags, arguments);
     va_end(arguments);
     static const auto next = Next<int (*)(const char*, int, mode_t)>("open");
-    return Disturbed_Open(path, [&] { return next(path, flags, mode); });
+    return Disturbed_Open(path, flags, [&] { return next(path, flags, mode); });
 }
 
 int open64(const char* path, int flags, ...)
@@ -205,20 +248,20 @@ int open64(const char* path, int flags, ...)
     const mode_t mode = Mode_Of(flags, arguments);
     va_end(arguments);
     static const auto next = Next<int (*)(const char*, int, mode_t)>("open64");
-    return Disturbed_Open(path, [&] { return next(path, flags, mode); });
+    return Disturbed_Open(path, flags, [&] { return next(path, flags, mode); });
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t size)
 {
     static const auto next = Next<ssize_t (*)(int, const void*, size_t)>("write");
-    return Disturbed_Write(descriptor, size,
+    return Disturbed_Write(Write, descriptor, size,
                            [&](size_t part) { return next(descriptor, bytes, part); });
 }
 
 ssize_t pwrite(int descriptor, const void* bytes, size_t size, off_t place)
 {
     static const auto next = Next<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite");
-    return Disturbed_Write(descriptor, size,
+    return Disturbed_Write(Write, descriptor, size,
                            [&](size_t part) { return next(descriptor, bytes, part, place); });
 }
 
@@ -227,20 +270,30 @@ ssize_t copy_file_range(int from, off64_t* from_place, int to, off64_t* to_place
 {
     static const auto next =
         Next<ssize_t (*)(int, off64_t*, int, off64_t*, size_t, unsigned int)>("copy_file_range");
-    return Disturbed_Write(
-        to, size, [&](size_t part) { return next(from, from_place, to, to_place, part, flags); });
+    return Disturbed_Write(fault.call == Clone ? Clone : Write, to, size, [&](size_t part) {
+        return next(from, from_place, to, to_place, part, flags);
+    });
 }
 
 int rename(const char* from, const char* to)
 {
     static const auto next = Next<int (*)(const char*, const char*)>("rename");
-    return Disturbed_Rename(to, [&] { return next(from, to); });
+    return Disturbed_Rename("rename", from, to, [&] { return next(from, to); });
 }
 
 int linkat(int from_folder, const char* from, int to_folder, const char* to, int flags)
 {
     static const auto next = Next<int (*)(int, const char*, int, const char*, int)>("linkat");
-    return Disturbed_Rename(to, [&] { return next(from_folder, from, to_folder, to, flags); });
+    return Disturbed_Rename("link", from, to,
+                            [&] { return next(from_folder, from, to_folder, to, flags); });
+}
+
+int unlink(const char* path)
+{
+    static const auto next = Next<int (*)(const char*)>("unlink");
+    if (fault.armed && Is_Watched(path))
+        Log("unlink", path);
+    return next(path);
 }
 
 int fsync(int descriptor)

@@ -6,6 +6,8 @@
 // names a folder on a file system that may be filled up; without it a limit on the size of files
 // stands for a full disk.
 
+#include "faultlibrary.h"
+
 #include "support/support.h"
 #include "support/window.h"
 
@@ -20,8 +22,7 @@
 
 namespace {
 
-enum TCall { Open, Write, Rename, Sync };
-enum TKind { Fail, Short, Kill, Kill_After };
+using namespace Faults;
 
 struct TFaultKind
 {

@@ -1,0 +1,305 @@
+// Which files are synced in which order before something else is deleted.
+//
+// Needs tests/faults/faultlibrary.cpp preloaded.
+
+#include "faultlibrary.h"
+
+#include "core/safefile.h"
+#include "src/format/projectfile.h"
+#include "src/safety/safetynet.h"
+#include "support/support.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <dlfcn.h>
+
+using Support::Empty_Project;
+using Support::Read_File;
+using Support::Write_File;
+
+class TestDurability : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void a_new_file_is_synced_then_renamed_then_its_folder_is_synced_data() { Add_Operations(); }
+    void a_new_file_is_synced_then_renamed_then_its_folder_is_synced();
+    void a_failing_sync_leaves_the_old_file_data() { Add_Operations(); }
+    void a_failing_sync_leaves_the_old_file();
+    void the_backup_is_on_the_disk_before_the_document_is_truncated();
+    void the_backup_is_not_synced_while_there_is_a_recovery_copy();
+    void the_saved_file_is_on_the_disk_before_the_recovery_copy_is_deleted();
+    void the_saved_file_is_on_the_disk_before_the_opened_recovery_copy_is_deleted();
+    void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy_data();
+    void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy();
+    void a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy();
+    void a_copy_that_the_file_system_does_not_finish_is_complete();
+
+private:
+    QString In(const QString& name) const { return d_folder->filePath(name); }
+    static void Add_Operations();
+    bool Write_New_File(const QString& operation, int label_size);
+    QString Target(const QString& operation) const;
+    std::unique_ptr<TSafetyNet> Net() const;
+    void Save(TSafetyNet* net) const;
+    void Arm(Faults::TCall call, Faults::TKind kind, int at) const;
+    QStringList Logged(const QString& calls) const;
+    QString Only_Recovery_Copy() const;
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+    std::unique_ptr<TRecovery> d_recovery;
+};
+
+namespace {
+
+template <typename TFunction>
+TFunction* From_Library(const char* name)
+{
+    return reinterpret_cast<TFunction*>(dlsym(RTLD_DEFAULT, name));
+}
+
+int Disarm()
+{
+    return From_Library<decltype(Quillet_Disarm_Fault)>("Quillet_Disarm_Fault")();
+}
+
+TProjectWriter Project(int label_size)
+{
+    TProjectWriter writer;
+    writer.Write_Integer(label_size);
+    for (const char* const text : {"#f79741", "", ""})
+        writer.Write_Text(QString::fromLatin1(text));
+    writer.Write_Integer(0);
+    return writer;
+}
+
+} // namespace
+
+void TestDurability::initTestCase()
+{
+    QVERIFY2(dlsym(RTLD_DEFAULT, "Quillet_Arm_Fault"), "the fault library is not preloaded");
+}
+
+void TestDurability::init()
+{
+    d_folder = std::make_unique<QTemporaryDir>();
+    for (const char* const name : {"documents", "settings"})
+        QVERIFY(QDir(d_folder->path()).mkdir(name));
+    d_recovery = std::make_unique<TRecovery>(In("settings/recovery"));
+    Write_File(In("documents/a.quillet"), Empty_Project(32));
+}
+
+void TestDurability::cleanup()
+{
+    d_recovery.reset();
+    d_folder.reset();
+}
+
+/// Operations that replace a file by a new one.
+void TestDurability::Add_Operations()
+{
+    QTest::addColumn<QString>("operation");
+    for (const char* const operation : {"backup", "recovery copy", "file"})
+        QTest::newRow(operation) << operation;
+}
+
+bool TestDurability::Write_New_File(const QString& operation, int label_size)
+{
+    if (operation == "file")
+        return TSafeFile::Replace(In("documents/a.quillet"), Empty_Project(label_size));
+    if (operation == "recovery copy")
+        return d_recovery->Write(Project(label_size), In("documents/a.quillet"));
+    Write_File(In("documents/a.quillet"), Empty_Project(label_size));
+    return TBackup(In("settings/backup")).Keep(In("documents/a.quillet"), true);
+}
+
+QString TestDurability::Target(const QString& operation) const
+{
+    if (operation == "file")
+        return In("documents/a.quillet");
+    if (operation == "recovery copy")
+        return d_recovery->Path();
+    return TBackup(In("settings/backup")).Path_For(In("documents/a.quillet"));
+}
+
+std::unique_ptr<TSafetyNet> TestDurability::Net() const
+{
+    return std::make_unique<TSafetyNet>(In("settings"),
+                                        [](TProjectWriter* writer) { *writer = Project(32); });
+}
+
+/// Saves the document as the window does.
+void TestDurability::Save(TSafetyNet* net) const
+{
+    const QString document = In("documents/a.quillet");
+    net->Before_Save(document);
+    Write_File(document, Empty_Project(40));
+    net->After_Save(document, Empty_Project(40).size());
+}
+
+void TestDurability::Arm(Faults::TCall call, Faults::TKind kind, int at) const
+{
+    From_Library<decltype(Quillet_Arm_Fault)>("Quillet_Arm_Fault")(
+        QFile::encodeName(d_folder->path()).constData(), call, kind, at);
+}
+
+/// The logged calls whose names match a pattern. Paths are relative to the test's folder, names of
+/// unfinished files become NEW.
+QStringList TestDurability::Logged(const QString& calls) const
+{
+    const auto log = From_Library<decltype(Quillet_Logged_Calls)>("Quillet_Logged_Calls");
+    QString text = QFile::decodeName(log());
+    text.remove(d_folder->path() + '/');
+    text.replace(QRegularExpression("\\.quillet-\\w{6}"), "NEW");
+    return text.split('\n', Qt::SkipEmptyParts).filter(QRegularExpression("^(" + calls + ") "));
+}
+
+QString TestDurability::Only_Recovery_Copy() const
+{
+    const QStringList copies = QDir(In("settings/recovery")).entryList({"*.quillet"});
+    return copies.size() == 1 ? "settings/recovery/" + copies.first() : QString();
+}
+
+void TestDurability::a_new_file_is_synced_then_renamed_then_its_folder_is_synced()
+{
+    QFETCH(QString, operation);
+    QVERIFY(Write_New_File(operation, 40));
+    Arm(Faults::Sync, Faults::Fail, 0);
+    const bool written = Write_New_File(operation, 41);
+    QCOMPARE(Disarm(), 2);
+    QVERIFY(written);
+    const QString target = QDir(d_folder->path()).relativeFilePath(Target(operation));
+    const QString folder = target.section('/', 0, -2);
+    const QStringList calls = Logged("write|truncate|sync|rename|unlink");
+    QCOMPARE(calls.mid(calls.lastIndexOf("write " + folder + "/NEW")),
+             QStringList({"write " + folder + "/NEW", "sync " + folder + "/NEW",
+                          "rename " + folder + "/NEW " + target, "sync " + folder}));
+}
+
+void TestDurability::a_failing_sync_leaves_the_old_file()
+{
+    QFETCH(QString, operation);
+    QVERIFY(Write_New_File(operation, 40));
+    Arm(Faults::Sync, Faults::Fail, 1);
+    const bool written = Write_New_File(operation, 41);
+    QCOMPARE(Disarm(), 1);
+    QVERIFY(!written);
+    QCOMPARE(Read_File(Target(operation)), Empty_Project(40));
+    QCOMPARE(Logged("rename"), QStringList());
+}
+
+void TestDurability::the_backup_is_on_the_disk_before_the_document_is_truncated()
+{
+    const auto net = Net();
+    Arm(Faults::Sync, Faults::Fail, 0);
+    Save(net.get());
+    Disarm();
+    const QStringList calls = Logged("truncate|sync");
+    const int truncated = calls.indexOf("truncate documents/a.quillet");
+    QVERIFY(truncated > 0);
+    QCOMPARE(calls.mid(truncated - 2, 2),
+             QStringList({"sync settings/backup/NEW", "sync settings/backup"}));
+}
+
+void TestDurability::the_backup_is_not_synced_while_there_is_a_recovery_copy()
+{
+    const auto net = Net();
+    net->Record_Change(In("documents/a.quillet"));
+    Arm(Faults::Sync, Faults::Fail, 0);
+    net->Before_Save(In("documents/a.quillet"));
+    QCOMPARE(Disarm(), 0);
+    QCOMPARE(Logged("rename").size(), 1);
+}
+
+void TestDurability::the_saved_file_is_on_the_disk_before_the_recovery_copy_is_deleted()
+{
+    const auto net = Net();
+    net->Record_Change(In("documents/a.quillet"));
+    const QString copy = Only_Recovery_Copy();
+    QVERIFY(!copy.isEmpty());
+    Arm(Faults::Sync, Faults::Fail, 0);
+    Save(net.get());
+    Disarm();
+    const QStringList calls = Logged("write|sync|unlink");
+    QCOMPARE(calls.mid(calls.indexOf("write documents/a.quillet"), 4),
+             QStringList({"write documents/a.quillet", "sync documents/a.quillet", "sync documents",
+                          "unlink " + copy}));
+}
+
+void TestDurability::the_saved_file_is_on_the_disk_before_the_opened_recovery_copy_is_deleted()
+{
+    Net()->Record_Change(QString());
+    const QString copy = Only_Recovery_Copy();
+    QVERIFY(!copy.isEmpty());
+    const auto net = Net();
+    net->After_Open(In(copy));
+    Arm(Faults::Sync, Faults::Fail, 0);
+    Save(net.get());
+    Disarm();
+    const QStringList calls = Logged("write|sync|unlink");
+    QCOMPARE(calls.mid(calls.indexOf("write documents/a.quillet"), 4),
+             QStringList({"write documents/a.quillet", "sync documents/a.quillet", "sync documents",
+                          "unlink " + copy}));
+}
+
+void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_recovery_copy_data()
+{
+    QTest::addColumn<int>("at");
+    QTest::newRow("file") << 1;
+    QTest::newRow("folder") << 2;
+}
+
+void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_recovery_copy()
+{
+    QFETCH(int, at);
+    const auto net = Net();
+    net->Record_Change(In("documents/a.quillet"));
+    const QString copy = Only_Recovery_Copy();
+    Arm(Faults::Sync, Faults::Fail, at);
+    Save(net.get());
+    QVERIFY(Disarm() >= at);
+    QCOMPARE(Only_Recovery_Copy(), copy);
+    QVERIFY(!Logged("unlink").contains("unlink " + copy));
+    // The next save succeeds.
+    Save(net.get());
+    QVERIFY(!QFile::exists(In(copy)));
+}
+
+void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy()
+{
+    Net()->Record_Change(QString());
+    const QString copy = Only_Recovery_Copy();
+    const auto net = Net();
+    net->After_Open(In(copy));
+    net->Before_Save(In("documents/a.quillet"));
+    Arm(Faults::Sync, Faults::Fail, 1);
+    net->After_Save(In("documents/a.quillet"), Empty_Project().size());
+    Disarm();
+    QVERIFY(QFile::exists(In(copy)));
+}
+
+void TestDurability::a_copy_that_the_file_system_does_not_finish_is_complete()
+{
+    const TBackup backup(In("settings/backup"));
+    const QString document = In("documents/a.quillet");
+    QByteArray content;
+    for (int i = 0; i < 300000; ++i)
+        content += QByteArray::number(i);
+    Write_File(document, content);
+    Arm(Faults::Clone, Faults::Short, 1);
+    const bool kept = backup.Keep(document, true);
+    QVERIFY(Disarm() > 0);
+    QVERIFY(kept);
+    QVERIFY(Read_File(backup.Path_For(document)) == content);
+}
+
+QTEST_MAIN(TestDurability)
+#include "test_durability.moc"
