@@ -57,6 +57,9 @@ private slots:
     void confirming_the_loss_removes_the_copy();
     void declining_the_loss_keeps_the_copy();
     void a_refused_file_leaves_the_copy_and_the_document();
+    void a_refused_file_leaves_the_opened_recovery_copy_to_be_deleted_by_a_save();
+    void a_recovery_copy_that_opens_in_part_is_not_deleted_by_a_save();
+    void new_after_a_failed_save_leaves_the_copy();
     void opening_is_no_change();
     void a_killed_run_is_announced_in_the_status_bar();
     void kept_work_opens_like_any_project_and_goes_when_saved_elsewhere();
@@ -530,6 +533,56 @@ void TestSafety::a_refused_file_leaves_the_copy_and_the_document()
     QVERIFY(!d_window->d_data_changed);
     QCOMPARE(d_window->d_data.Item_Count(), 1);
     QCOMPARE(Labels_In(Only_Copy()), 1);
+}
+
+void TestSafety::a_refused_file_leaves_the_opened_recovery_copy_to_be_deleted_by_a_save()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    Open_Window();
+    Open(Only_Copy());
+    Support::Write_File(In("bad.quillet"), "no project");
+    QCOMPARE(Run_Answering([this] { d_window->File_Open(); },
+                           {Support::Choose({In("bad.quillet")}), Support::Press(QMessageBox::Ok)}),
+             QString());
+    // The document is still the one from the recovery copy.
+    Save_As(In("a.quillet"));
+    QCOMPARE(Labels_In(In("a.quillet")), 1);
+    QCOMPARE(Copies(), QStringList());
+}
+
+void TestSafety::a_recovery_copy_that_opens_in_part_is_not_deleted_by_a_save()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    Open_Window();
+    const QString copy = Only_Copy();
+    // The page is read, its labels are not.
+    const QByteArray damaged = Read_File(copy).replace("</Item>", "</Itme>");
+    Support::Write_File(copy, damaged);
+    QCOMPARE(Run_Answering([this] { d_window->File_Open(); },
+                           {Support::Choose({copy}), Support::Press(QMessageBox::Ok)}),
+             QString());
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
+    Save_As(In("a.quillet"));
+    QCOMPARE(Only_Copy(), copy);
+    QVERIFY(Read_File(copy) == damaged);
+}
+
+void TestSafety::new_after_a_failed_save_leaves_the_copy()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->d_file_name = In("no such folder/a.quillet");
+    QCOMPARE(Run_Answering([this] { d_window->File_Save(); }, {Support::Press(QMessageBox::Ok)}),
+             QString());
+    const QString copy = Only_Copy();
+    // The document counts as saved, so there is no question.
+    QCOMPARE(Run_Answering([this] { d_window->File_New(); }, {}), QString());
+    QCOMPARE(d_window->d_data.Page_Count(), 0);
+    d_window->Add_Page();
+    QCOMPARE(Copies().size(), 2);
+    QCOMPARE(Labels_In(copy), 1);
 }
 
 void TestSafety::opening_is_no_change()

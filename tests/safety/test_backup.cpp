@@ -32,11 +32,13 @@ private slots:
     void a_deleted_document_still_has_its_backup();
     void the_list_tells_document_time_and_size_newest_first();
     void the_oldest_go_when_all_together_are_too_large();
+    void backups_that_add_up_to_the_limit_stay();
     void the_newest_stays_even_when_it_alone_is_too_large();
     void folder_and_files_are_for_their_owner();
     void a_folder_that_is_a_link_is_refused_data();
     void a_folder_that_is_a_link_is_refused();
     void a_copy_that_comes_short_leaves_the_one_before();
+    void a_link_in_place_of_the_note_is_refused();
     void two_runs_do_not_disturb_each_other();
     void what_dead_runs_left_unfinished_is_removed();
 
@@ -168,6 +170,16 @@ void TestBackup::the_oldest_go_when_all_together_are_too_large()
     QCOMPARE(Entries(In("settings/backup")).size(), 4);
 }
 
+void TestBackup::backups_that_add_up_to_the_limit_stay()
+{
+    for (const char* const name : {"a", "b", "c"})
+        QVERIFY(Backup(300).Keep(Document(name, QByteArray(100, 'x')), false));
+    QCOMPARE(Backup().List().size(), size_t(3));
+    // One byte more is too much.
+    QVERIFY(Backup(300).Keep(Document("c", QByteArray(101, 'x')), false));
+    QCOMPARE(Backup().List().size(), size_t(2));
+}
+
 void TestBackup::the_newest_stays_even_when_it_alone_is_too_large()
 {
     QVERIFY(Backup(250).Keep(Document("small", "x"), false));
@@ -226,6 +238,21 @@ void TestBackup::a_copy_that_comes_short_leaves_the_one_before()
     QCOMPARE(result.exit_code, 0);
     QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version one"));
     QCOMPARE(Entries(In("settings/backup")).size(), 2);
+}
+
+void TestBackup::a_link_in_place_of_the_note_is_refused()
+{
+    const QString document = Document("a.quillet", "version one");
+    QVERIFY(Backup().Keep(document, false));
+    const QString copy = Backup().Path_For(document);
+    const QString note = copy.left(copy.lastIndexOf('.')) + ".note";
+    Write_File(In("other"), "not ours");
+    QVERIFY(QFile::remove(note));
+    QVERIFY(QFile::link(In("other"), note));
+    Document("a.quillet", "version two");
+    QVERIFY(!Backup().Keep(document, false));
+    QCOMPARE(Read_File(copy), QByteArray("version one"));
+    QCOMPARE(Read_File(In("other")), QByteArray("not ours"));
 }
 
 void TestBackup::two_runs_do_not_disturb_each_other()

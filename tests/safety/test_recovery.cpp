@@ -50,6 +50,8 @@ private slots:
     void a_copy_is_a_whole_project_file();
     void a_copy_replaces_the_one_before();
     void the_note_follows_the_document();
+    void the_note_of_the_copy_after_a_discarded_one_names_the_document();
+    void an_existing_copy_without_a_note_is_not_replaced();
     void folder_and_files_are_for_their_owner_data();
     void folder_and_files_are_for_their_owner();
     void a_discarded_copy_leaves_nothing();
@@ -157,6 +159,34 @@ void TestRecovery::the_note_follows_the_document()
         QCOMPARE(found.front().document, document);
         later.Remove_Abandoned(found.front().path);
     }
+}
+
+void TestRecovery::the_note_of_the_copy_after_a_discarded_one_names_the_document()
+{
+    TRecovery recovery(Folder());
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(recovery.Write(Project(40), "/a"));
+        QCOMPARE(TKeptFolder(Folder()).List().front().document, QString("/a"));
+        recovery.Discard();
+    }
+}
+
+void TestRecovery::an_existing_copy_without_a_note_is_not_replaced()
+{
+    QVERIFY(QDir(d_folder->path()).mkdir("recovery"));
+    // Names are times: one of these is the name that the copy would get.
+    const QDateTime now = QDateTime::currentDateTime();
+    constexpr int seconds = 30;
+    for (int i = 0; i < seconds; ++i)
+        Support::Write_File(Folder() + now.addSecs(i).toString("/yyyyMMdd-hhmmss") + ".quillet",
+                            "other");
+    TRecovery recovery(Folder());
+    QVERIFY(recovery.Write(Project(40), "/a"));
+    QCOMPARE(Read_File(recovery.Path()), Support::Empty_Project(40));
+    int untouched = 0;
+    for (const QString& name : QDir(Folder()).entryList({"*.quillet"}))
+        untouched += Read_File(Folder() + '/' + name) == "other" ? 1 : 0;
+    QCOMPARE(untouched, seconds);
 }
 
 void TestRecovery::folder_and_files_are_for_their_owner_data()

@@ -28,6 +28,7 @@ private slots:
     void a_pause_copies_only_what_is_not_in_the_copy();
     void a_whole_save_removes_the_copy();
     void the_first_change_after_a_save_is_copied_at_once();
+    void the_note_after_a_save_names_the_saved_file();
     void a_save_that_came_short_leaves_a_copy_data();
     void a_save_that_came_short_leaves_a_copy();
     void a_refused_save_leaves_a_copy();
@@ -166,6 +167,21 @@ void TestSafetyNet::the_first_change_after_a_save_is_copied_at_once()
     net->Record_Change("/a");
     QCOMPARE(d_copies, 2);
     QCOMPARE(Copies().size(), 1);
+}
+
+void TestSafetyNet::the_note_after_a_save_names_the_saved_file()
+{
+    const auto net = Net();
+    const TKeptFolder folder(In("settings/recovery"));
+    net->Record_Change(QString());
+    QCOMPARE(folder.List().front().document, QString());
+    for (const QString& path : {In("a.quillet"), In("a.quillet"), In("b.quillet")}) {
+        Save(net.get(), path, Empty_Project());
+        QVERIFY(folder.List().empty());
+        net->Record_Change(path);
+        QCOMPARE(folder.List().size(), size_t(1));
+        QCOMPARE(folder.List().front().document, path);
+    }
 }
 
 void TestSafetyNet::a_save_that_came_short_leaves_a_copy_data()
