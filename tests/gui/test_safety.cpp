@@ -1,4 +1,4 @@
-// Whatever happens to the program, the work is there: the window and its safety net.
+// The window and its safety net: when recovery copies and backups are written and deleted.
 
 #include "support/modal.h"
 #include "support/support.h"
@@ -32,46 +32,46 @@ private slots:
     void init();
     void cleanup();
 
-    void a_new_window_keeps_nothing_and_says_nothing();
+    void a_new_window_writes_no_copy_and_shows_no_notice();
     void the_first_change_makes_a_copy_data();
     void the_first_change_makes_a_copy();
-    void what_is_no_change_makes_no_copy();
+    void there_is_no_copy_without_a_change();
     void a_copy_is_a_project_that_opens();
-    void a_copy_leaves_out_pages_that_the_list_alone_has();
-    void losing_the_activation_copies_what_is_new();
-    void losing_the_activation_copies_a_new_page_name();
-    void a_modal_command_copies_what_is_new();
-    void a_save_removes_the_copy();
-    void a_save_keeps_the_version_before();
+    void a_copy_skips_pages_that_only_the_list_has();
+    void losing_focus_copies_pending_changes();
+    void losing_focus_copies_a_new_page_name();
+    void a_modal_dialog_copies_pending_changes();
+    void a_save_deletes_the_copy();
+    void a_save_backs_up_the_previous_version();
     void a_failed_save_leaves_a_copy();
-    void a_save_that_comes_short_leaves_a_copy_and_counts_as_saved();
-    void a_text_that_xml_refuses_is_copied_without_its_bad_characters();
-    void every_image_can_be_read_from_the_copy_data();
-    void every_image_can_be_read_from_the_copy();
-    void images_are_copied_as_they_came();
-    void closing_with_no_removes_the_copy();
+    void an_incomplete_save_leaves_a_copy_and_counts_as_saved();
+    void a_copy_leaves_out_characters_that_xml_does_not_allow();
+    void every_image_format_can_be_read_from_the_copy_data();
+    void every_image_format_can_be_read_from_the_copy();
+    void images_are_copied_in_their_original_encoding();
+    void closing_with_no_deletes_the_copy();
     void closing_with_cancel_keeps_the_copy();
-    void closing_with_yes_saves_and_removes_the_copy();
+    void closing_with_yes_saves_and_deletes_the_copy();
     void closing_with_yes_and_no_name_leaves_the_copy();
-    void confirming_the_loss_removes_the_copy_data();
-    void confirming_the_loss_removes_the_copy();
+    void confirming_the_loss_deletes_the_copy_data();
+    void confirming_the_loss_deletes_the_copy();
     void declining_the_loss_keeps_the_copy();
     void a_refused_file_leaves_the_copy_and_the_document();
     void a_refused_file_leaves_the_opened_recovery_copy_to_be_deleted_by_a_save();
     void a_recovery_copy_that_opens_in_part_is_not_deleted_by_a_save();
     void new_after_a_failed_save_leaves_the_copy();
     void opening_is_no_change();
-    void a_killed_run_is_announced_in_the_status_bar();
-    void kept_work_opens_like_any_project_and_goes_when_saved_elsewhere();
-    void kept_work_stays_when_only_the_original_is_opened();
-    void kept_work_that_is_saved_in_place_stays();
-    void two_windows_keep_their_own_copies();
+    void the_status_bar_shows_the_copy_of_a_killed_process();
+    void a_recovery_copy_opens_like_any_project_and_is_deleted_after_a_save_elsewhere();
+    void a_recovery_copy_stays_when_only_the_original_is_opened();
+    void a_recovery_copy_that_is_saved_in_place_stays();
+    void two_windows_have_separate_copies();
     void renumbering_is_copied();
-    void a_useless_settings_folder_does_not_stop_the_work_data();
-    void a_useless_settings_folder_does_not_stop_the_work();
+    void an_unusable_settings_folder_does_not_stop_the_program_data();
+    void an_unusable_settings_folder_does_not_stop_the_program();
     void a_full_disk_leaves_the_old_report();
-    void a_full_disk_leaves_no_half_picture();
-    void an_export_leaves_nothing_unfinished();
+    void a_full_disk_leaves_no_partial_image();
+    void an_export_leaves_no_unfinished_files();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -84,7 +84,7 @@ private:
     void Open(const QString& path);
     int Labels_In(const QString& path);
     QString Notice() const;
-    void Quiet();
+    void Mark_Saved();
 
     std::unique_ptr<QTemporaryDir> d_folder;
     std::unique_ptr<TQuillet> d_window;
@@ -127,18 +127,18 @@ QString TestSafety::Only_Copy() const
     return copies.size() == 1 ? copies.first() : QString();
 }
 
-/// A document of one page with a picture, no labels, that counts as unchanged and is kept nowhere.
+/// A document of one page without labels that counts as saved and has no recovery copy.
 void TestSafety::Make_Document()
 {
     Support::Write_File(In("page.png"), Support::Png(Support::Picture(300, 200)));
     d_window->Load_Image(In("page.png"));
     d_window->d_page_widget->Set_Active_Page(d_window->d_page_widget->Page_Ids().first());
     d_window->Update_Document_Actions();
-    Quiet();
+    Mark_Saved();
 }
 
-/// Makes what there is count as known.
-void TestSafety::Quiet()
+/// Makes the document count as saved, without a recovery copy.
+void TestSafety::Mark_Saved()
 {
     d_window->End_Recovery(true);
     d_window->d_data_changed = false;
@@ -172,7 +172,7 @@ int TestSafety::Labels_In(const QString& path)
     return count;
 }
 
-/// What the left part of the status bar says; empty when it is silent.
+/// The recovery notice in the status bar; empty if there is none.
 QString TestSafety::Notice() const
 {
     for (const QLabel* label : d_window->statusBar()->findChildren<QLabel*>()) {
@@ -182,7 +182,7 @@ QString TestSafety::Notice() const
     return QString();
 }
 
-void TestSafety::a_new_window_keeps_nothing_and_says_nothing()
+void TestSafety::a_new_window_writes_no_copy_and_shows_no_notice()
 {
     QVERIFY(!d_window->d_data_changed);
     QCOMPARE(Notice(), QString());
@@ -207,7 +207,7 @@ void TestSafety::the_first_change_makes_a_copy()
     Make_Document();
     d_window->d_data.Add_Item({5, 1, "", 1, {10, 10}, false});
     d_window->d_display_widget->Add_Item(5, 1, "", 1);
-    Quiet();
+    Mark_Saved();
     QVERIFY(Copies().isEmpty());
     const auto remove_pages = [this](QMessageBox::StandardButton button) {
         QCOMPARE(Run_Answering([this] { d_window->Remove_Pages({}); }, {Support::Press(button)}),
@@ -236,7 +236,7 @@ void TestSafety::the_first_change_makes_a_copy()
     QVERIFY(ProjectFile::Is_Whole(Only_Copy()));
 }
 
-void TestSafety::what_is_no_change_makes_no_copy()
+void TestSafety::there_is_no_copy_without_a_change()
 {
     Make_Document();
     d_window->Page_Selection_Changed(d_window->d_data.Active_Page());
@@ -266,7 +266,7 @@ void TestSafety::a_copy_is_a_project_that_opens()
              QString());
 }
 
-void TestSafety::a_copy_leaves_out_pages_that_the_list_alone_has()
+void TestSafety::a_copy_skips_pages_that_only_the_list_has()
 {
     Make_Document();
     const QList<int> known_pages = d_window->d_page_widget->Page_Ids();
@@ -278,7 +278,7 @@ void TestSafety::a_copy_leaves_out_pages_that_the_list_alone_has()
     QCOMPARE(reader.d_data.Page_Count(), known_pages.size());
 }
 
-void TestSafety::losing_the_activation_copies_what_is_new()
+void TestSafety::losing_focus_copies_pending_changes()
 {
     Make_Document();
     d_window->activateWindow();
@@ -296,7 +296,7 @@ void TestSafety::losing_the_activation_copies_what_is_new()
     QCOMPARE(QFileInfo(Only_Copy()).lastModified(), written);
 }
 
-void TestSafety::losing_the_activation_copies_a_new_page_name()
+void TestSafety::losing_focus_copies_a_new_page_name()
 {
     Make_Document();
     d_window->d_page_widget->Set_Page_Name(1, "Another name");
@@ -304,7 +304,7 @@ void TestSafety::losing_the_activation_copies_a_new_page_name()
     QVERIFY(Read_File(Only_Copy()).contains("Another name"));
 }
 
-void TestSafety::a_modal_command_copies_what_is_new()
+void TestSafety::a_modal_dialog_copies_pending_changes()
 {
     const std::vector<std::function<void()>> commands = {
         [this] { d_window->File_Import(); },     [this] { d_window->File_SaveAs(); },
@@ -324,7 +324,7 @@ void TestSafety::a_modal_command_copies_what_is_new()
     }
 }
 
-void TestSafety::a_save_removes_the_copy()
+void TestSafety::a_save_deletes_the_copy()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -338,7 +338,7 @@ void TestSafety::a_save_removes_the_copy()
     QCOMPARE(Labels_In(In("a.quillet")), 2);
 }
 
-void TestSafety::a_save_keeps_the_version_before()
+void TestSafety::a_save_backs_up_the_previous_version()
 {
     Make_Document();
     const TBackup backup(Settings() + "/backup");
@@ -362,9 +362,9 @@ void TestSafety::a_failed_save_leaves_a_copy()
     QCOMPARE(Labels_In(Only_Copy()), 1);
 }
 
-void TestSafety::a_save_that_comes_short_leaves_a_copy_and_counts_as_saved()
+void TestSafety::an_incomplete_save_leaves_a_copy_and_counts_as_saved()
 {
-    // A device that is always full.
+    // /dev/full takes no bytes.
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
     d_window->Add_Item(QPointF(80, 60));
@@ -373,13 +373,13 @@ void TestSafety::a_save_that_comes_short_leaves_a_copy_and_counts_as_saved()
     d_window->File_Save();
     QVERIFY(!d_window->d_data_changed);
     QCOMPARE(Labels_In(Only_Copy()), 2);
-    // It is there for the next run although nobody is asked at the end of this one.
+    // Closing does not ask, and the next start shows the copy.
     d_window->close();
     Open_Window();
     QVERIFY(Notice().contains(Only_Copy()));
 }
 
-void TestSafety::a_text_that_xml_refuses_is_copied_without_its_bad_characters()
+void TestSafety::a_copy_leaves_out_characters_that_xml_does_not_allow()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -396,11 +396,11 @@ void TestSafety::a_text_that_xml_refuses_is_copied_without_its_bad_characters()
     QVERIFY(reader.Load_Data(Only_Copy()));
     QCOMPARE(reader.d_data.Item(0).text, "before " + face);
     QCOMPARE(reader.d_data.Item(0).position, QPointF(50, 60));
-    // The version before the save that left the file empty.
+    // The backup has the version from before the failed save.
     QCOMPARE(Labels_In(TBackup(Settings() + "/backup").Path_For(In("a.quillet"))), 1);
 }
 
-void TestSafety::every_image_can_be_read_from_the_copy_data()
+void TestSafety::every_image_format_can_be_read_from_the_copy_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<QString>("suffix");
@@ -413,7 +413,7 @@ void TestSafety::every_image_can_be_read_from_the_copy_data()
         QTest::newRow(suffix) << "ico" << suffix;
 }
 
-void TestSafety::every_image_can_be_read_from_the_copy()
+void TestSafety::every_image_format_can_be_read_from_the_copy()
 {
     QFETCH(QString, format);
     QFETCH(QString, suffix);
@@ -428,7 +428,7 @@ void TestSafety::every_image_can_be_read_from_the_copy()
     QCOMPARE(Support::Difference(reader.d_data.Page_Image(), expected), QString());
 }
 
-void TestSafety::images_are_copied_as_they_came()
+void TestSafety::images_are_copied_in_their_original_encoding()
 {
     for (const char* const format : {"jpg", "bmp", "ppm", "png"}) {
         const QString path = In(QString("page.") + format);
@@ -442,7 +442,7 @@ void TestSafety::images_are_copied_as_they_came()
         QVERIFY2(copy.contains(Read_File(In(QString("page.") + format))), format);
 }
 
-void TestSafety::closing_with_no_removes_the_copy()
+void TestSafety::closing_with_no_deletes_the_copy()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -463,7 +463,7 @@ void TestSafety::closing_with_cancel_keeps_the_copy()
     QCOMPARE(Labels_In(Only_Copy()), 2);
 }
 
-void TestSafety::closing_with_yes_saves_and_removes_the_copy()
+void TestSafety::closing_with_yes_saves_and_deletes_the_copy()
 {
     Make_Document();
     Save_As(In("a.quillet"));
@@ -487,14 +487,14 @@ void TestSafety::closing_with_yes_and_no_name_leaves_the_copy()
     QVERIFY(Notice().contains(Only_Copy()));
 }
 
-void TestSafety::confirming_the_loss_removes_the_copy_data()
+void TestSafety::confirming_the_loss_deletes_the_copy_data()
 {
     QTest::addColumn<bool>("open");
     QTest::newRow("new") << false;
     QTest::newRow("open") << true;
 }
 
-void TestSafety::confirming_the_loss_removes_the_copy()
+void TestSafety::confirming_the_loss_deletes_the_copy()
 {
     QFETCH(bool, open);
     Make_Document();
@@ -598,7 +598,7 @@ void TestSafety::opening_is_no_change()
     QCOMPARE(Copies(), QStringList());
 }
 
-void TestSafety::a_killed_run_is_announced_in_the_status_bar()
+void TestSafety::the_status_bar_shows_the_copy_of_a_killed_process()
 {
     d_window.reset();
     const Support::TChildResult result = Support::Run_In_Child([this] {
@@ -612,7 +612,7 @@ void TestSafety::a_killed_run_is_announced_in_the_status_bar()
     Open_Window();
     QCOMPARE(Notice(), "Unsaved work can be recovered from " + Only_Copy());
     QCOMPARE(Labels_In(Only_Copy()), 1);
-    // In the left part, and no dialog.
+    // The notice is on the left, and there is no dialog.
     for (const QLabel* label : d_window->statusBar()->findChildren<QLabel*>()) {
         if (label->text() == Notice())
             QVERIFY(label->mapTo(d_window.get(), QPoint()).x() < d_window->width() / 2);
@@ -620,7 +620,7 @@ void TestSafety::a_killed_run_is_announced_in_the_status_bar()
     QVERIFY(!QApplication::activeModalWidget());
 }
 
-void TestSafety::kept_work_opens_like_any_project_and_goes_when_saved_elsewhere()
+void TestSafety::a_recovery_copy_opens_like_any_project_and_is_deleted_after_a_save_elsewhere()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -641,7 +641,7 @@ void TestSafety::kept_work_opens_like_any_project_and_goes_when_saved_elsewhere(
     QCOMPARE(Labels_In(In("a.quillet")), 2);
 }
 
-void TestSafety::kept_work_stays_when_only_the_original_is_opened()
+void TestSafety::a_recovery_copy_stays_when_only_the_original_is_opened()
 {
     Make_Document();
     Save_As(In("a.quillet"));
@@ -662,7 +662,7 @@ void TestSafety::kept_work_stays_when_only_the_original_is_opened()
     QVERIFY(Notice().contains(kept));
 }
 
-void TestSafety::kept_work_that_is_saved_in_place_stays()
+void TestSafety::a_recovery_copy_that_is_saved_in_place_stays()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -676,7 +676,7 @@ void TestSafety::kept_work_that_is_saved_in_place_stays()
     QCOMPARE(Support::Mode(kept), QString("600"));
 }
 
-void TestSafety::two_windows_keep_their_own_copies()
+void TestSafety::two_windows_have_separate_copies()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -700,18 +700,18 @@ void TestSafety::renumbering_is_copied()
                            {[](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->accept(); }}),
              QString());
     d_window->Copy_Pending_Work();
-    // The dialog offers 100 to begin with.
+    // The dialog starts with 100.
     QVERIFY(Read_File(Only_Copy()).contains("<Value>100</Value>"));
 }
 
-void TestSafety::a_useless_settings_folder_does_not_stop_the_work_data()
+void TestSafety::an_unusable_settings_folder_does_not_stop_the_program_data()
 {
     QTest::addColumn<QString>("defect");
     for (const char* const defect : {"link", "not writable", "full"})
         QTest::newRow(defect) << defect;
 }
 
-void TestSafety::a_useless_settings_folder_does_not_stop_the_work()
+void TestSafety::an_unusable_settings_folder_does_not_stop_the_program()
 {
     QFETCH(QString, defect);
     d_window.reset();
@@ -764,7 +764,7 @@ void TestSafety::a_full_disk_leaves_the_old_report()
     QCOMPARE(Entries(d_folder->path()), QStringList({"page.png", "report.pdf"}));
 }
 
-void TestSafety::a_full_disk_leaves_no_half_picture()
+void TestSafety::a_full_disk_leaves_no_partial_image()
 {
     Make_Document();
     QVERIFY(QDir(d_folder->path()).mkdir("out"));
@@ -776,7 +776,7 @@ void TestSafety::a_full_disk_leaves_no_half_picture()
     QCOMPARE(Entries(In("out")), QStringList());
 }
 
-void TestSafety::an_export_leaves_nothing_unfinished()
+void TestSafety::an_export_leaves_no_unfinished_files()
 {
     Make_Document();
     QVERIFY(QDir(d_folder->path()).mkdir("out"));

@@ -1,4 +1,4 @@
-// The version before a save: what is kept of it, under which name, and how much in all.
+// Backups of saved documents: content, name, list and total size.
 
 #include "src/safety/backup.h"
 #include "support/support.h"
@@ -23,24 +23,24 @@ private slots:
     void init();
     void cleanup();
 
-    void a_backup_holds_what_the_document_held();
-    void there_is_one_backup_a_document();
+    void a_backup_has_the_documents_content();
+    void each_document_has_one_backup();
     void documents_do_not_share_a_backup();
-    void nothing_is_kept_of_nothing_data();
-    void nothing_is_kept_of_nothing();
-    void a_document_is_known_however_it_is_reached();
+    void there_is_no_backup_of_a_missing_or_empty_file_data();
+    void there_is_no_backup_of_a_missing_or_empty_file();
+    void every_path_of_a_document_has_the_same_backup();
     void a_deleted_document_still_has_its_backup();
-    void the_list_tells_document_time_and_size_newest_first();
-    void the_oldest_go_when_all_together_are_too_large();
+    void the_list_has_document_time_and_size_newest_first();
+    void the_oldest_backups_are_deleted_beyond_the_limit();
     void backups_that_add_up_to_the_limit_stay();
-    void the_newest_stays_even_when_it_alone_is_too_large();
-    void folder_and_files_are_for_their_owner();
+    void the_newest_backup_stays_even_beyond_the_limit();
+    void folder_and_files_are_accessible_to_their_owner_only();
     void a_folder_that_is_a_link_is_refused_data();
     void a_folder_that_is_a_link_is_refused();
-    void a_copy_that_comes_short_leaves_the_one_before();
+    void a_failed_backup_leaves_the_previous_one();
     void a_link_in_place_of_the_note_is_refused();
-    void two_runs_do_not_disturb_each_other();
-    void what_dead_runs_left_unfinished_is_removed();
+    void a_backup_that_another_process_is_writing_stays();
+    void stale_files_of_ended_processes_are_deleted();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -72,14 +72,14 @@ QString TestBackup::Document(const QString& name, const QByteArray& content) con
     return path;
 }
 
-void TestBackup::a_backup_holds_what_the_document_held()
+void TestBackup::a_backup_has_the_documents_content()
 {
     const QString document = Document("a.quillet", "version one");
     QVERIFY(Backup().Keep(document, true));
     QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version one"));
 }
 
-void TestBackup::there_is_one_backup_a_document()
+void TestBackup::each_document_has_one_backup()
 {
     const QString document = Document("a.quillet", "version one, the longer one");
     QVERIFY(Backup().Keep(document, false));
@@ -99,7 +99,7 @@ void TestBackup::documents_do_not_share_a_backup()
     QCOMPARE(Read_File(Backup().Path_For(second)), QByteArray("b"));
 }
 
-void TestBackup::nothing_is_kept_of_nothing_data()
+void TestBackup::there_is_no_backup_of_a_missing_or_empty_file_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("no such file") << "missing.quillet";
@@ -107,7 +107,7 @@ void TestBackup::nothing_is_kept_of_nothing_data()
     QTest::newRow("folder") << "folder";
 }
 
-void TestBackup::nothing_is_kept_of_nothing()
+void TestBackup::there_is_no_backup_of_a_missing_or_empty_file()
 {
     QFETCH(QString, name);
     Document("empty.quillet", QByteArray());
@@ -116,7 +116,7 @@ void TestBackup::nothing_is_kept_of_nothing()
     QVERIFY(Backup().List().empty());
 }
 
-void TestBackup::a_document_is_known_however_it_is_reached()
+void TestBackup::every_path_of_a_document_has_the_same_backup()
 {
     const QString document = Document("a.quillet", "content");
     QVERIFY(QFile::link(In("documents"), In("other")));
@@ -134,7 +134,7 @@ void TestBackup::a_deleted_document_still_has_its_backup()
     QCOMPARE(Read_File(Backup().Path_For(In("other/a.quillet"))), QByteArray("content"));
 }
 
-void TestBackup::the_list_tells_document_time_and_size_newest_first()
+void TestBackup::the_list_has_document_time_and_size_newest_first()
 {
     const QString names[] = {"a.quillet", "b.quillet", "c.quillet"};
     const int ages[] = {300, 100, 200};
@@ -155,7 +155,7 @@ void TestBackup::the_list_tells_document_time_and_size_newest_first()
     }
 }
 
-void TestBackup::the_oldest_go_when_all_together_are_too_large()
+void TestBackup::the_oldest_backups_are_deleted_beyond_the_limit()
 {
     const char* const names[] = {"a", "b", "c", "d"};
     for (int i = 0; i < 4; ++i) {
@@ -180,7 +180,7 @@ void TestBackup::backups_that_add_up_to_the_limit_stay()
     QCOMPARE(Backup().List().size(), size_t(2));
 }
 
-void TestBackup::the_newest_stays_even_when_it_alone_is_too_large()
+void TestBackup::the_newest_backup_stays_even_beyond_the_limit()
 {
     QVERIFY(Backup(250).Keep(Document("small", "x"), false));
     const QString large = Document("large", QByteArray(1000, 'x'));
@@ -189,7 +189,7 @@ void TestBackup::the_newest_stays_even_when_it_alone_is_too_large()
     QCOMPARE(Backup().List().front().document, large);
 }
 
-void TestBackup::folder_and_files_are_for_their_owner()
+void TestBackup::folder_and_files_are_accessible_to_their_owner_only()
 {
     const QString document = Document("a.quillet", "content");
     QVERIFY(QFile::setPermissions(document, QFile::ReadOwner | QFile::WriteOwner |
@@ -226,7 +226,7 @@ void TestBackup::a_folder_that_is_a_link_is_refused()
     QVERIFY(Entries(In("elsewhere/backup")).isEmpty());
 }
 
-void TestBackup::a_copy_that_comes_short_leaves_the_one_before()
+void TestBackup::a_failed_backup_leaves_the_previous_one()
 {
     const QString document = Document("a.quillet", "version one");
     QVERIFY(Backup().Keep(document, false));
@@ -255,7 +255,7 @@ void TestBackup::a_link_in_place_of_the_note_is_refused()
     QCOMPARE(Read_File(In("other")), QByteArray("not ours"));
 }
 
-void TestBackup::two_runs_do_not_disturb_each_other()
+void TestBackup::a_backup_that_another_process_is_writing_stays()
 {
     const QString document = Document("a.quillet", "version one");
     QVERIFY(Backup().Keep(document, false));
@@ -270,7 +270,7 @@ void TestBackup::two_runs_do_not_disturb_each_other()
     QCOMPARE(Read_File(copy), QByteArray("version two"));
 }
 
-void TestBackup::what_dead_runs_left_unfinished_is_removed()
+void TestBackup::stale_files_of_ended_processes_are_deleted()
 {
     const QString folder = In("settings/backup/");
     QVERIFY(Backup().Keep(Document("a.quillet", "content"), false));

@@ -37,6 +37,7 @@ private slots:
     void a_link_in_place_of_a_note_is_refused();
     void a_locked_note_cannot_be_opened();
     void a_note_is_unlocked_by_close_destructor_and_the_next_open();
+    void closing_a_closed_note_is_a_no_op();
     void a_note_is_unlocked_when_its_process_is_killed();
     void a_started_program_does_not_inherit_the_lock();
 
@@ -184,6 +185,18 @@ void TestKeptFiles::a_note_is_unlocked_by_close_destructor_and_the_next_open()
     QVERIFY(note.Open(In("a.note"), TKeptNote::TExisting::Reuse));
     QVERIFY(note.Open(In("b.note"), TKeptNote::TExisting::Reuse));
     QVERIFY(TKeptFolder::Is_Free(In("a.note")));
+}
+
+void TestKeptFiles::closing_a_closed_note_is_a_no_op()
+{
+    TKeptNote note;
+    QVERIFY(note.Open(In("a.note"), TKeptNote::TExisting::Refuse));
+    note.Close();
+    // The kernel gives this file the descriptor that the note had.
+    QFile file(In("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    note.Close();
+    QCOMPARE(file.write("content"), qint64(7));
 }
 
 void TestKeptFiles::a_note_is_unlocked_when_its_process_is_killed()

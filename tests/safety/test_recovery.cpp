@@ -1,4 +1,4 @@
-// Copies of unsaved work: when one is due, whose they are, and which have been left behind.
+// Recovery copies: when one is due, how it is written, and which ones are abandoned.
 
 #include "core/safefile.h"
 #include "src/format/projectfile.h"
@@ -21,7 +21,7 @@ using Support::Read_File;
 
 namespace {
 
-/// A writer that is told apart from others by the label size.
+/// A project without pages, recognizable by its label size.
 TProjectWriter Project(int label_size, int filling = 0)
 {
     TProjectWriter writer;
@@ -43,29 +43,29 @@ private slots:
     void init();
     void cleanup();
 
-    void a_copy_is_due_when_a_fiftieth_of_the_time_allows_it_data();
-    void a_copy_is_due_when_a_fiftieth_of_the_time_allows_it();
+    void copying_takes_at_most_a_fiftieth_of_the_time_data();
+    void copying_takes_at_most_a_fiftieth_of_the_time();
     void the_first_change_is_copied_at_once();
 
-    void a_copy_is_a_whole_project_file();
-    void a_copy_replaces_the_one_before();
-    void the_note_follows_the_document();
+    void a_copy_is_a_complete_project_file();
+    void a_copy_replaces_the_previous_one();
+    void the_note_has_the_last_path_of_the_document();
     void the_note_of_the_copy_after_a_discarded_one_names_the_document();
     void an_existing_copy_without_a_note_is_not_replaced();
-    void folder_and_files_are_for_their_owner_data();
-    void folder_and_files_are_for_their_owner();
-    void a_discarded_copy_leaves_nothing();
+    void folder_and_files_are_accessible_to_their_owner_only_data();
+    void folder_and_files_are_accessible_to_their_owner_only();
+    void a_discarded_copy_leaves_no_files();
     void a_released_copy_stays_and_the_next_has_another_name();
-    void a_copy_that_comes_short_leaves_the_one_before();
-    void a_first_copy_that_fails_leaves_nothing();
-    void a_folder_that_cannot_be_made_is_refused();
-    void the_copy_of_a_living_run_is_not_abandoned();
-    void the_copy_of_a_killed_run_is_abandoned();
+    void a_failed_copy_leaves_the_previous_one();
+    void a_failed_first_copy_leaves_no_files();
+    void a_folder_that_cannot_be_created_is_refused();
+    void the_copy_of_a_running_process_is_not_abandoned();
+    void the_copy_of_a_killed_process_is_abandoned();
     void a_copy_without_a_note_is_abandoned();
     void abandoned_copies_come_newest_first();
-    void later_runs_leave_abandoned_copies_as_they_are();
+    void later_processes_do_not_change_abandoned_copies();
     void only_abandoned_copies_of_the_folder_can_be_removed();
-    void a_living_run_keeps_its_unfinished_file();
+    void the_unfinished_file_of_a_running_process_stays();
 
 private:
     QString Folder() const { return d_folder->filePath("recovery"); }
@@ -84,7 +84,7 @@ void TestRecovery::cleanup()
     d_folder.reset();
 }
 
-void TestRecovery::a_copy_is_due_when_a_fiftieth_of_the_time_allows_it_data()
+void TestRecovery::copying_takes_at_most_a_fiftieth_of_the_time_data()
 {
     QTest::addColumn<qint64>("begin");
     QTest::addColumn<qint64>("end");
@@ -100,7 +100,7 @@ void TestRecovery::a_copy_is_due_when_a_fiftieth_of_the_time_allows_it_data()
         << qint64(1000) << qint64(1000) << qint64(1050) << true;
 }
 
-void TestRecovery::a_copy_is_due_when_a_fiftieth_of_the_time_allows_it()
+void TestRecovery::copying_takes_at_most_a_fiftieth_of_the_time()
 {
     QFETCH(qint64, begin);
     QFETCH(qint64, end);
@@ -120,7 +120,7 @@ void TestRecovery::the_first_change_is_copied_at_once()
     QVERIFY(policy.Is_Due(101));
 }
 
-void TestRecovery::a_copy_is_a_whole_project_file()
+void TestRecovery::a_copy_is_a_complete_project_file()
 {
     TRecovery recovery(Folder());
     QVERIFY(!recovery.Has_Copy());
@@ -133,7 +133,7 @@ void TestRecovery::a_copy_is_a_whole_project_file()
     QCOMPARE(QFileInfo(recovery.Path()).path(), Folder());
 }
 
-void TestRecovery::a_copy_replaces_the_one_before()
+void TestRecovery::a_copy_replaces_the_previous_one()
 {
     TRecovery recovery(Folder());
     QVERIFY(recovery.Write(Project(40, 100), QString()));
@@ -144,7 +144,7 @@ void TestRecovery::a_copy_replaces_the_one_before()
     QCOMPARE(Entries(Folder()).size(), 2);
 }
 
-void TestRecovery::the_note_follows_the_document()
+void TestRecovery::the_note_has_the_last_path_of_the_document()
 {
     for (const QString& document :
          {QString(), QString("/a/long/path.quillet"), QString::fromUtf8("/\xc3\xa4.quillet")}) {
@@ -189,7 +189,7 @@ void TestRecovery::an_existing_copy_without_a_note_is_not_replaced()
     QCOMPARE(untouched, seconds);
 }
 
-void TestRecovery::folder_and_files_are_for_their_owner_data()
+void TestRecovery::folder_and_files_are_accessible_to_their_owner_only_data()
 {
     QTest::addColumn<int>("mask");
     QTest::newRow("none") << 0;
@@ -197,7 +197,7 @@ void TestRecovery::folder_and_files_are_for_their_owner_data()
     QTest::newRow("all") << 0777;
 }
 
-void TestRecovery::folder_and_files_are_for_their_owner()
+void TestRecovery::folder_and_files_are_accessible_to_their_owner_only()
 {
     QFETCH(int, mask);
     const mode_t before = umask(static_cast<mode_t>(mask));
@@ -212,7 +212,7 @@ void TestRecovery::folder_and_files_are_for_their_owner()
         QCOMPARE(Mode(Folder() + '/' + file), QString("600"));
 }
 
-void TestRecovery::a_discarded_copy_leaves_nothing()
+void TestRecovery::a_discarded_copy_leaves_no_files()
 {
     TRecovery recovery(Folder());
     QVERIFY(recovery.Write(Project(40), "/a"));
@@ -240,7 +240,7 @@ void TestRecovery::a_released_copy_stays_and_the_next_has_another_name()
     QCOMPARE(recovery.Abandoned().size(), size_t(5));
 }
 
-void TestRecovery::a_copy_that_comes_short_leaves_the_one_before()
+void TestRecovery::a_failed_copy_leaves_the_previous_one()
 {
     const Support::TChildResult result = Support::Run_In_Child([this] {
         TRecovery recovery(Folder());
@@ -256,7 +256,7 @@ void TestRecovery::a_copy_that_comes_short_leaves_the_one_before()
     QCOMPARE(Entries(Folder()).size(), 2);
 }
 
-void TestRecovery::a_first_copy_that_fails_leaves_nothing()
+void TestRecovery::a_failed_first_copy_leaves_no_files()
 {
     const Support::TChildResult result = Support::Run_In_Child([this] {
         Support::Limit_File_Size(2000);
@@ -267,7 +267,7 @@ void TestRecovery::a_first_copy_that_fails_leaves_nothing()
     QVERIFY(Entries(Folder()).isEmpty());
 }
 
-void TestRecovery::a_folder_that_cannot_be_made_is_refused()
+void TestRecovery::a_folder_that_cannot_be_created_is_refused()
 {
     Support::Write_File(Folder(), "a file is in the way");
     TRecovery recovery(Folder());
@@ -278,22 +278,22 @@ void TestRecovery::a_folder_that_cannot_be_made_is_refused()
     QVERIFY(!deeper.Write(Project(40), "/a"));
 }
 
-void TestRecovery::the_copy_of_a_living_run_is_not_abandoned()
+void TestRecovery::the_copy_of_a_running_process_is_not_abandoned()
 {
-    TRecovery living(Folder());
-    QVERIFY(living.Write(Project(40), "/a"));
+    TRecovery running(Folder());
+    QVERIFY(running.Write(Project(40), "/a"));
     TRecovery other(Folder());
     QVERIFY(other.Write(Project(41), "/a"));
-    QVERIFY(living.Path() != other.Path());
+    QVERIFY(running.Path() != other.Path());
     QVERIFY(other.Abandoned().empty());
-    other.Remove_Abandoned(living.Path());
-    QCOMPARE(Read_File(living.Path()), Support::Empty_Project(40));
-    // Nor does looking at it take it away from the one who lives.
-    QVERIFY(living.Write(Project(42), "/a"));
+    other.Remove_Abandoned(running.Path());
+    QCOMPARE(Read_File(running.Path()), Support::Empty_Project(40));
+    // Checking the lock does not release it.
+    QVERIFY(running.Write(Project(42), "/a"));
     QVERIFY(other.Abandoned().empty());
 }
 
-void TestRecovery::the_copy_of_a_killed_run_is_abandoned()
+void TestRecovery::the_copy_of_a_killed_process_is_abandoned()
 {
     const Support::TChildResult result = Support::Run_In_Child([this] {
         TRecovery recovery(Folder());
@@ -336,7 +336,7 @@ void TestRecovery::abandoned_copies_come_newest_first()
     QCOMPARE(found, QStringList({paths.at(0), paths.at(2), paths.at(1)}));
 }
 
-void TestRecovery::later_runs_leave_abandoned_copies_as_they_are()
+void TestRecovery::later_processes_do_not_change_abandoned_copies()
 {
     QString path;
     {
@@ -370,7 +370,7 @@ void TestRecovery::only_abandoned_copies_of_the_folder_can_be_removed()
     QVERIFY(Entries(Folder()).isEmpty());
 }
 
-void TestRecovery::a_living_run_keeps_its_unfinished_file()
+void TestRecovery::the_unfinished_file_of_a_running_process_stays()
 {
     TRecovery recovery(Folder());
     QVERIFY(recovery.Write(Project(40), "/a"));

@@ -1,4 +1,4 @@
-// The safety net as a whole: which copy is there after which event.
+// Which backups and recovery copies exist after which event.
 
 #include "src/format/projectfile.h"
 #include "src/safety/safetynet.h"
@@ -25,25 +25,25 @@ private slots:
     void cleanup();
 
     void the_first_change_is_copied_at_once_and_the_second_when_it_is_due();
-    void a_pause_copies_only_what_is_not_in_the_copy();
-    void a_whole_save_removes_the_copy();
+    void a_pause_copies_only_pending_changes();
+    void a_complete_save_deletes_the_copy();
     void the_first_change_after_a_save_is_copied_at_once();
     void the_note_after_a_save_names_the_saved_file();
-    void a_save_that_came_short_leaves_a_copy_data();
-    void a_save_that_came_short_leaves_a_copy();
-    void a_refused_save_leaves_a_copy();
-    void work_that_is_given_up_goes();
-    void work_that_is_set_aside_stays();
-    void the_version_before_a_save_is_kept();
-    void what_a_short_save_left_does_not_replace_the_version_before();
-    void kept_work_is_found_by_the_next_run_alone();
-    void kept_work_goes_when_it_has_been_opened_and_saved_elsewhere();
-    void kept_work_stays_otherwise_data();
-    void kept_work_stays_otherwise();
-    void a_useless_settings_folder_is_told_once_data();
-    void a_useless_settings_folder_is_told_once();
-    void a_full_settings_folder_is_told_once();
-    void without_a_place_for_copies_none_is_put_together();
+    void an_incomplete_save_leaves_a_copy_data();
+    void an_incomplete_save_leaves_a_copy();
+    void a_failed_save_leaves_a_copy();
+    void discarding_deletes_the_copy();
+    void releasing_leaves_the_copy();
+    void a_save_backs_up_the_previous_version();
+    void an_incomplete_file_does_not_replace_the_backup();
+    void a_copy_is_abandoned_once_its_process_has_released_it();
+    void an_opened_copy_is_deleted_after_a_save_elsewhere();
+    void an_abandoned_copy_stays_otherwise_data();
+    void an_abandoned_copy_stays_otherwise();
+    void an_unusable_settings_folder_is_reported_once_data();
+    void an_unusable_settings_folder_is_reported_once();
+    void a_full_disk_is_reported_once();
+    void the_document_is_not_built_if_no_copy_can_be_written();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -55,13 +55,13 @@ private:
         return Copies().size() == 1 ? Read_File(In("settings/recovery/" + Copies().first()))
                                     : QByteArray("not one copy");
     }
-    QString Kept_Work();
+    QString Abandon_Copy();
     void Save(TSafetyNet* net, const QString& path, const QByteArray& content) const;
 
     std::unique_ptr<QTemporaryDir> d_folder;
-    int d_label_size = 32;  ///< what a copy holds
-    int d_copies = 0;       ///< how many have been put together
-    int d_milliseconds = 0; ///< that putting one together takes
+    int d_label_size = 32;  ///< in the next copy
+    int d_copies = 0;       ///< number of documents built
+    int d_milliseconds = 0; ///< duration of building one
 };
 
 void TestSafetyNet::init()
@@ -90,8 +90,8 @@ std::unique_ptr<TSafetyNet> TestSafetyNet::Net()
     });
 }
 
-/// Lets a run end badly with a copy; returns its path.
-QString TestSafetyNet::Kept_Work()
+/// Leaves an abandoned copy; returns its path, or an empty one on failure.
+QString TestSafetyNet::Abandon_Copy()
 {
     d_label_size = 77;
     Net()->Record_Change("/original.quillet");
@@ -99,7 +99,7 @@ QString TestSafetyNet::Kept_Work()
     return Copies().size() == 1 ? In("settings/recovery/" + Copies().first()) : QString();
 }
 
-/// Writes a file as the window does; what is written may be less than it should be.
+/// Saves as the window does. The content may be incomplete.
 void TestSafetyNet::Save(TSafetyNet* net, const QString& path, const QByteArray& content) const
 {
     net->Before_Save(path);
@@ -110,7 +110,7 @@ void TestSafetyNet::Save(TSafetyNet* net, const QString& path, const QByteArray&
 void TestSafetyNet::the_first_change_is_copied_at_once_and_the_second_when_it_is_due()
 {
     const auto net = Net();
-    // Long enough that the second change comes within fifty times that.
+    // The second change comes within fifty times this duration.
     d_milliseconds = 100;
     net->Record_Change("/a");
     QCOMPARE(d_copies, 1);
@@ -119,7 +119,7 @@ void TestSafetyNet::the_first_change_is_copied_at_once_and_the_second_when_it_is
     net->Record_Change("/a");
     QCOMPARE(d_copies, 1);
 
-    // One that takes no time is due again soon.
+    // After a fast copy the next one is due soon.
     d_milliseconds = 0;
     d_copies = 0;
     net->Discard();
@@ -128,7 +128,7 @@ void TestSafetyNet::the_first_change_is_copied_at_once_and_the_second_when_it_is
     QCOMPARE(Only_Copy(), Empty_Project(40));
 }
 
-void TestSafetyNet::a_pause_copies_only_what_is_not_in_the_copy()
+void TestSafetyNet::a_pause_copies_only_pending_changes()
 {
     const auto net = Net();
     net->Copy_Pending("/a");
@@ -147,7 +147,7 @@ void TestSafetyNet::a_pause_copies_only_what_is_not_in_the_copy()
     QCOMPARE(d_copies, 2);
 }
 
-void TestSafetyNet::a_whole_save_removes_the_copy()
+void TestSafetyNet::a_complete_save_deletes_the_copy()
 {
     const auto net = Net();
     net->Record_Change("/a");
@@ -184,7 +184,7 @@ void TestSafetyNet::the_note_after_a_save_names_the_saved_file()
     }
 }
 
-void TestSafetyNet::a_save_that_came_short_leaves_a_copy_data()
+void TestSafetyNet::an_incomplete_save_leaves_a_copy_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("nothing") << QByteArray();
@@ -195,11 +195,11 @@ void TestSafetyNet::a_save_that_came_short_leaves_a_copy_data()
     QTest::newRow("right length, wrong structure") << twisted;
 }
 
-void TestSafetyNet::a_save_that_came_short_leaves_a_copy()
+void TestSafetyNet::an_incomplete_save_leaves_a_copy()
 {
     QFETCH(QByteArray, content);
     const auto net = Net();
-    // Also when nothing had been copied before.
+    // Even without an earlier copy.
     Save(net.get(), In("a.quillet"), content);
     QCOMPARE(Only_Copy(), Empty_Project(32));
     d_label_size = 40;
@@ -209,14 +209,14 @@ void TestSafetyNet::a_save_that_came_short_leaves_a_copy()
     QCOMPARE(Read_File(In("a.quillet")), content);
 }
 
-void TestSafetyNet::a_refused_save_leaves_a_copy()
+void TestSafetyNet::a_failed_save_leaves_a_copy()
 {
     const auto net = Net();
     net->After_Failed_Save("/a");
     QCOMPARE(Only_Copy(), Empty_Project(32));
 }
 
-void TestSafetyNet::work_that_is_given_up_goes()
+void TestSafetyNet::discarding_deletes_the_copy()
 {
     const auto net = Net();
     net->Record_Change("/a");
@@ -226,7 +226,7 @@ void TestSafetyNet::work_that_is_given_up_goes()
     QVERIFY(Copies().isEmpty());
 }
 
-void TestSafetyNet::work_that_is_set_aside_stays()
+void TestSafetyNet::releasing_leaves_the_copy()
 {
     const auto net = Net();
     net->Record_Change("/a");
@@ -238,7 +238,7 @@ void TestSafetyNet::work_that_is_set_aside_stays()
     QCOMPARE(Only_Copy(), Empty_Project(32));
 }
 
-void TestSafetyNet::the_version_before_a_save_is_kept()
+void TestSafetyNet::a_save_backs_up_the_previous_version()
 {
     const auto net = Net();
     const QString path = In("a.quillet");
@@ -250,7 +250,7 @@ void TestSafetyNet::the_version_before_a_save_is_kept()
     }
 }
 
-void TestSafetyNet::what_a_short_save_left_does_not_replace_the_version_before()
+void TestSafetyNet::an_incomplete_file_does_not_replace_the_backup()
 {
     const auto net = Net();
     const QString path = In("a.quillet");
@@ -264,23 +264,23 @@ void TestSafetyNet::what_a_short_save_left_does_not_replace_the_version_before()
     QCOMPARE(Read_File(backup.Path_For(path)), Empty_Project(42));
 }
 
-void TestSafetyNet::kept_work_is_found_by_the_next_run_alone()
+void TestSafetyNet::a_copy_is_abandoned_once_its_process_has_released_it()
 {
-    const auto living = Net();
-    QVERIFY(living->Abandoned().empty());
-    living->Record_Change("/a");
+    const auto running = Net();
+    QVERIFY(running->Abandoned().empty());
+    running->Record_Change("/a");
     QVERIFY(Net()->Abandoned().empty());
-    const QString living_copy = Copies().first();
-    living->Release();
-    const auto next = Net();
-    QCOMPARE(next->Abandoned().size(), size_t(1));
-    QCOMPARE(QFileInfo(next->Abandoned().front().path).fileName(), living_copy);
-    QCOMPARE(next->Abandoned().front().document, QString("/a"));
+    const QString abandoned_copy = Copies().first();
+    running->Release();
+    const auto later = Net();
+    QCOMPARE(later->Abandoned().size(), size_t(1));
+    QCOMPARE(QFileInfo(later->Abandoned().front().path).fileName(), abandoned_copy);
+    QCOMPARE(later->Abandoned().front().document, QString("/a"));
 }
 
-void TestSafetyNet::kept_work_goes_when_it_has_been_opened_and_saved_elsewhere()
+void TestSafetyNet::an_opened_copy_is_deleted_after_a_save_elsewhere()
 {
-    const QString kept = Kept_Work();
+    const QString kept = Abandon_Copy();
     QVERIFY(!kept.isEmpty());
     const auto net = Net();
     net->After_Open(kept);
@@ -291,40 +291,40 @@ void TestSafetyNet::kept_work_goes_when_it_has_been_opened_and_saved_elsewhere()
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
 }
 
-void TestSafetyNet::kept_work_stays_otherwise_data()
+void TestSafetyNet::an_abandoned_copy_stays_otherwise_data()
 {
     QTest::addColumn<QString>("what");
     for (const char* const what :
-         {"not opened", "another document taken", "work given up", "other opened since"})
+         {"not opened", "released", "discarded", "another file opened since"})
         QTest::newRow(what) << what;
 }
 
-void TestSafetyNet::kept_work_stays_otherwise()
+void TestSafetyNet::an_abandoned_copy_stays_otherwise()
 {
     QFETCH(QString, what);
-    const QString kept = Kept_Work();
+    const QString kept = Abandon_Copy();
     const auto net = Net();
     if (what != "not opened")
         net->After_Open(kept);
-    if (what == "another document taken")
+    if (what == "released")
         net->Release();
-    if (what == "work given up")
+    if (what == "discarded")
         net->Discard();
-    if (what == "other opened since")
+    if (what == "another file opened since")
         net->After_Open(In("other.quillet"));
     net->Record_Change("/a");
     Save(net.get(), In("a.quillet"), Empty_Project());
     QCOMPARE(Only_Copy(), Empty_Project(77));
 }
 
-void TestSafetyNet::a_useless_settings_folder_is_told_once_data()
+void TestSafetyNet::an_unusable_settings_folder_is_reported_once_data()
 {
     QTest::addColumn<QString>("defect");
     for (const char* const defect : {"link", "not writable", "missing", "recovery is a link"})
         QTest::newRow(defect) << defect;
 }
 
-void TestSafetyNet::a_useless_settings_folder_is_told_once()
+void TestSafetyNet::an_unusable_settings_folder_is_reported_once()
 {
     QFETCH(QString, defect);
     const QDir folder(d_folder->path());
@@ -356,7 +356,7 @@ void TestSafetyNet::a_useless_settings_folder_is_told_once()
     QCOMPARE(Read_File(In("a.quillet")), Empty_Project());
 }
 
-void TestSafetyNet::a_full_settings_folder_is_told_once()
+void TestSafetyNet::a_full_disk_is_reported_once()
 {
     const Support::TChildResult result = Support::Run_In_Child([this] {
         Support::Limit_File_Size(4);
@@ -373,7 +373,7 @@ void TestSafetyNet::a_full_settings_folder_is_told_once()
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
 }
 
-void TestSafetyNet::without_a_place_for_copies_none_is_put_together()
+void TestSafetyNet::the_document_is_not_built_if_no_copy_can_be_written()
 {
     Write_File(In("settings/recovery"), "in the way");
     const Support::TChildResult result = Support::Run_In_Child([this] {
