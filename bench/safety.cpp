@@ -43,11 +43,11 @@ void Allow_Net(bool allowed)
     }
 }
 
-std::unique_ptr<TQuillet> New_Window(bool with_net)
+std::unique_ptr<TOpenWindow> New_Window(bool with_net)
 {
     QDir::home().mkdir(QStringLiteral(".quillet"));
     Allow_Net(with_net);
-    auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    auto window = std::make_unique<TOpenWindow>();
     window->show();
     Require(window->Load_Data(document()));
     Bench::Let_Paint();
@@ -58,7 +58,7 @@ std::unique_ptr<TQuillet> New_Window(bool with_net)
 void Measure_Save(benchmark::State* state, bool with_net)
 {
     const QString path = Bench::Output_Path(QStringLiteral("saved.quillet"));
-    const std::unique_ptr<TQuillet> window = New_Window(with_net);
+    const std::unique_ptr<TOpenWindow> window = New_Window(with_net);
     Require(window->Save_Data(path));
     Bench::Measure(
         state, [] {}, [&] { Require(window->Save_Data(path)); });
@@ -81,7 +81,7 @@ BENCH_QUICK(save_without_backup, 3);
 void Measure_Session(benchmark::State* state, bool with_net)
 {
     constexpr int edits = 300'000;
-    const std::unique_ptr<TQuillet> window = New_Window(true);
+    const std::unique_ptr<TOpenWindow> window = New_Window(true);
     if (!with_net)
         window->d_safety_net.reset();
     Bench::Measure(

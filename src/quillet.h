@@ -129,6 +129,8 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    friend class TOpenWindow; ///< makes members visible to tests
+
     // Construction, in the order in which it happens.
     void Prepare_Settings();
     void Restore_Geometry();

@@ -100,7 +100,7 @@ private:
     static void Add_To_Table(const QString& operation, const QString& fault, int tries, int losses);
 
     std::unique_ptr<QTemporaryDir> d_folder;
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
     QByteArray d_first_version;
     QByteArray d_old_report;
 };
@@ -116,7 +116,7 @@ void TestFaults::init()
                    ? std::make_unique<QTemporaryDir>()
                    : std::make_unique<QTemporaryDir>(Small_Disk() + "/faults-XXXXXX");
     QVERIFY(QDir(d_folder->path()).mkpath("documents"));
-    TQuillet window(nullptr, Qt::WindowFlags());
+    TOpenWindow window;
     Support::Write_File(In("page.png"), Support::Png(Support::Picture(200, 150)));
     window.Load_Image(In("page.png"));
     window.d_page_widget->Set_Active_Page(window.d_page_widget->Page_Ids().first());
@@ -147,7 +147,7 @@ void TestFaults::Lay_Out()
 /// Opens the document and adds one label, which is copied at once.
 void TestFaults::Edit()
 {
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
     d_window->Open_File(Document());
     d_window->Add_Item(QPointF(30, 100));
 }

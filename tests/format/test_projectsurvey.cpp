@@ -125,7 +125,7 @@ QString Window_Difference(const QByteArray& bytes, const TProjectSurvey& survey)
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("file.quillet"));
     Support::Write_File(path, bytes);
-    TQuillet window(nullptr, Qt::WindowFlags());
+    TOpenWindow window;
     if (!window.Load_Data(path))
         return QStringLiteral("the window refuses it: ") + window.d_error_text;
     const QString headers =

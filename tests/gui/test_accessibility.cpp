@@ -37,12 +37,12 @@ private:
     static void Add_Windows();
     QWidget* Named_Window(const QString& name);
 
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
 };
 
 void TestAccessibility::init()
 {
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
     d_window->show();
     d_window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(d_window.get()));

@@ -42,9 +42,9 @@ QStringList Before()
     return {"page 1 before 9x9", "label 5 3 '' 1 0,0"};
 }
 
-std::unique_ptr<TQuillet> Prepared_Window()
+std::unique_ptr<TOpenWindow> Prepared_Window()
 {
-    auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    auto window = std::make_unique<TOpenWindow>();
     Support::Add_Pages(
         window.get(),
         {{QStringLiteral("before"), Support::Picture(9, 9), {Support::Label(5, 3, {}, 1, {})}}});
@@ -402,7 +402,7 @@ private:
 
     /// Loads variants of a file by a function, each in a process that may end of it.
     QString Try_Variants(const QList<QByteArray>& variants, const char* name,
-                         const std::function<void(TQuillet*)>& load, bool may_stop) const
+                         const std::function<void(TOpenWindow*)>& load, bool may_stop) const
     {
         const auto window = Prepared_Window();
         return Try_All(
@@ -418,7 +418,7 @@ private:
     {
         return Try_Variants(
             variants, "file.quillet",
-            [this](TQuillet* window) { window->Load_Data(Path("file.quillet")); }, true);
+            [this](TOpenWindow* window) { window->Load_Data(Path("file.quillet")); }, true);
     }
 
     QString Try_Legacy(const QList<QByteArray>& variants, const char* name) const
@@ -426,7 +426,7 @@ private:
         Support::Write_File(Path("old.qld"), legacy_document);
         Support::Write_File(Path("old.qli"), Support::Png(Support::Picture(3, 2)));
         return Try_Variants(
-            variants, name, [this](TQuillet* window) { window->Load_Legacy_Data(Path("old")); },
+            variants, name, [this](TOpenWindow* window) { window->Load_Legacy_Data(Path("old")); },
             false);
     }
 

@@ -63,17 +63,17 @@ class TestCliEquality : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
     std::unique_ptr<QTemporaryDir> d_folder;
 
     QString Path(const QString& name) const { return d_folder->filePath(name); }
     QByteArray Content(const QString& name) const { return Support::Read_File(Path(name)); }
 
     /// A window at its first start.
-    static std::unique_ptr<TQuillet> New_Window()
+    static std::unique_ptr<TOpenWindow> New_Window()
     {
         QDir(QDir::home().filePath(".quillet")).removeRecursively();
-        auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+        auto window = std::make_unique<TOpenWindow>();
         window->show();
         return window;
     }

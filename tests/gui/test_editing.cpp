@@ -78,12 +78,12 @@ private:
     QListWidget* List() const { return d_window->d_label_widget->findChild<QListWidget*>(); }
     QList<bool> Enabled_Actions() const;
 
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
 };
 
 void TestEditing::init()
 {
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
     d_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
 }

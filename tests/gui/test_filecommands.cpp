@@ -98,7 +98,7 @@ private:
 
     QString Path(const QString& name) const { return d_folder.filePath(name); }
 
-    static void Add_Document(TQuillet* window)
+    static void Add_Document(TOpenWindow* window)
     {
         const QList<int> ids =
             Support::Add_Pages(window, {{QStringLiteral("mine"), Support::Picture(9, 9), {}}});
@@ -107,7 +107,7 @@ private:
     }
 
     /// The actions that need a page, as "enabled" or "disabled"; "mixed" must not be.
-    static QString Page_Actions(const TQuillet& window)
+    static QString Page_Actions(const TOpenWindow& window)
     {
         const QList<QAction*> actions{window.d_action_save, window.d_action_export_images,
                                       window.d_action_export_pdf, window.d_action_reindex};
@@ -146,7 +146,7 @@ private slots:
 
     void open_asks_for_a_file_in_the_working_folder()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         window.d_working_dir.setPath(d_folder.path());
         QString note;
         QCOMPARE(Run_Answering([&] { window.File_Open(); }, {Note_And(&note, Cancel())}),
@@ -159,7 +159,7 @@ private slots:
     void open_takes_a_project_over()
     {
         Support::Write_File(Path("sub/a.quillet"), Project());
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QCOMPARE(Run_Answering([&] { window.File_Open(); }, {Choose({Path("sub/a.quillet")})}),
                  QString());
         QCOMPARE(Describe(&window), QStringList{"page 1 read 0x0"});
@@ -172,7 +172,7 @@ private slots:
     void open_of_a_document_without_pages_disables_the_actions_of_pages()
     {
         Support::Write_File(Path("a.quillet"), Support::Header(40, "#0a141e", "", "", 0));
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.Update_Document_Actions();
         QCOMPARE(Page_Actions(window), QStringLiteral("enabled"));
@@ -191,7 +191,7 @@ private slots:
     void cancelling_open_changes_only_the_actions()
     {
         QFETCH(const bool, changed);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_file_name = QStringLiteral("/some/name");
         window.d_working_dir.setPath(d_folder.path());
@@ -218,7 +218,7 @@ private slots:
     void answering_no_to_the_loss_changes_nothing()
     {
         QFETCH(const bool, escape);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_file_name = QStringLiteral("/some/name");
         window.d_data_changed = true;
@@ -239,7 +239,7 @@ private slots:
     void answering_yes_to_the_loss_opens()
     {
         Support::Write_File(Path("a.quillet"), Project());
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_data_changed = true;
         QCOMPARE(Run_Answering([&] { window.File_Open(); },
@@ -252,7 +252,7 @@ private slots:
     void a_project_that_cannot_be_loaded_is_reported()
     {
         Support::Write_File(Path("sub/a.quillet"), "no project at all");
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         QString note;
         QCOMPARE(
@@ -273,7 +273,7 @@ private slots:
         Support::Write_File(Path("a.quillet"),
                             Support::Header(41, "#0a141e", "", "", 1) +
                                 Support::Page_Record("read", "", "<Other File_Version=\"1\"/>"));
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         QString note;
         QCOMPARE(
@@ -299,7 +299,7 @@ private slots:
         QFETCH(QString, file);
         QFETCH(QString, name);
         Support::Write_File(Path(file), "neither of them");
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         window.d_file_name = QStringLiteral("/some/name");
         window.d_working_dir.setPath(d_folder.path());
         window.d_data_changed = true;
@@ -333,7 +333,7 @@ private slots:
         QFETCH(const QString, list);
         QFETCH(const QString, image);
         Write_Legacy_Pair(list, image);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         window.d_file_name = QStringLiteral("/some/name");
         QCOMPARE(Run_Answering([&] { window.File_Open(); }, {Choose({Path(list)})}), QString());
         QCOMPARE(Describe(&window), QStringList{"page 1 Page 1 5x5"});
@@ -353,7 +353,7 @@ private slots:
         // The names of the pair are made of the base name and small letters, so the file itself is
         // found only where both spellings are there.
         Write_Legacy_Pair(QStringLiteral("old.QLD"), QStringLiteral("old.qli"));
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         window.d_file_name = QStringLiteral("/some/name");
         QString note;
         window.d_working_dir.setPath(d_folder.path());
@@ -376,7 +376,7 @@ private slots:
     {
         Support::Write_File(Path("sub/old.qld"), "<Quillet_Data File_Version=\"3\"/>");
         QFile::remove(Path("sub/old.qli"));
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_file_name = QStringLiteral("/some/name");
         window.d_data_changed = true;
@@ -396,7 +396,7 @@ private slots:
 
     void a_name_without_a_folder_is_the_working_folder_as_a_whole()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QCOMPARE(Run_Answering([&] { window.Open_File(QStringLiteral("nowhere.quillet")); },
                                {Press(QMessageBox::Ok)}),
                  QString());
@@ -409,7 +409,7 @@ private slots:
 
     void save_writes_the_known_file_without_a_question()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_file_name = Path("a.quillet");
         window.d_working_dir.setPath(QStringLiteral("/"));
@@ -428,7 +428,7 @@ private slots:
 
     void a_failed_save_is_reported_and_counts_as_saved()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_file_name = Path("missing/a.quillet");
         window.d_data_changed = true;
@@ -444,7 +444,7 @@ private slots:
 
     void save_without_a_name_asks_for_one()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_working_dir.setPath(d_folder.path());
         window.d_data_changed = true;
@@ -462,7 +462,7 @@ private slots:
 
     void save_as_appends_no_extension()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_file_name = Path("before.quillet");
         QCOMPARE(Run_Answering([&] { window.File_SaveAs(); }, {Choose({Path("plain")})}),
@@ -476,7 +476,7 @@ private slots:
 
     void cancelling_save_as_changes_nothing()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Document(&window);
         window.d_file_name = QStringLiteral("/some/name");
         window.d_working_dir.setPath(d_folder.path());
@@ -489,7 +489,7 @@ private slots:
 
     void a_failed_save_as_takes_the_name_all_the_same()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Support::Add_Pages(&window, {{QStringLiteral("a"),
                                       QImage(),
                                       {Support::Label(1, 1, QStringLiteral("\u0001"), 0, {})}}});
@@ -516,14 +516,14 @@ private slots:
             {QStringLiteral("second"), QMessageBox::No},
             {QStringLiteral("third"), QMessageBox::Yes}};
         {
-            TQuillet window(nullptr, Qt::WindowFlags());
+            TOpenWindow window;
             Add_Document(&window);
             QCOMPARE(Run_Answering([&] { window.File_SaveAs(); }, {Choose({Path("a.quillet")})}),
                      QString());
             window.d_settings_widget->Set_Label_Size(50);
         }
         for (const auto& [name, answer] : answers) {
-            TQuillet window(nullptr, Qt::WindowFlags());
+            TOpenWindow window;
             window.show();
             QCOMPARE(Run_Answering([&] { window.File_Open(); }, {Choose({Path("a.quillet")})}),
                      QString());
@@ -536,7 +536,7 @@ private slots:
             QCOMPARE(window.isVisible(), answer == QMessageBox::Cancel);
             window.d_data_changed = false;
         }
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(window.Load_Data(Path("a.quillet")));
         QCOMPARE(Describe(&window), QStringList{"page 1 third 9x9"});
     }

@@ -129,7 +129,7 @@ private:
     bool Drop_Files(QWidget* over, const QStringList& paths) const;
     QStringList Shown_While(const std::function<void()>& work);
 
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
     std::unique_ptr<QTemporaryDir> d_folder;
     qint64 d_time = 0; ///< milliseconds, by the window's clock
 };
@@ -137,7 +137,7 @@ private:
 void TestHabits::init()
 {
     d_folder = std::make_unique<QTemporaryDir>();
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
     d_window->show();
     d_window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(d_window.get()));

@@ -37,14 +37,14 @@ private:
     QString Picture_File(const QString& name, int seed) const;
     QImage Page_Image(int page_id) const;
 
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
     std::unique_ptr<QTemporaryDir> d_folder;
 };
 
 void TestImport::init()
 {
     d_folder = std::make_unique<QTemporaryDir>();
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
     d_window->d_working_dir.setPath(d_folder->path());
 }
 

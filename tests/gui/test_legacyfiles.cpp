@@ -58,14 +58,14 @@ private:
     }
 
     /// Writes a pair and loads it.
-    bool Load(TQuillet* window, const QByteArray& document,
+    bool Load(TOpenWindow* window, const QByteArray& document,
               const QByteArray& image = Support::Png(Support::Picture(12, 10))) const
     {
         Write_Pair(document, image);
         return window->Load_Legacy_Data(Base());
     }
 
-    static void Prepare(TQuillet* window)
+    static void Prepare(TOpenWindow* window)
     {
         Support::Add_Pages(
             window,
@@ -102,7 +102,7 @@ private slots:
     {
         QFETCH(const QByteArray, document);
         QFETCH(const QStringList, labels);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         QVERIFY(Load(&window, document));
         QCOMPARE(Describe(&window), QStringList{"page 1 Page 1 12x10"} + labels);
@@ -128,7 +128,7 @@ private slots:
     void another_version_gives_the_picture_alone()
     {
         QFETCH(const int, version);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         const QString appearance = Describe_Appearance(window);
         QVERIFY(Load(&window, Document(version, look + Item("3", "A", "1", "1,2"))));
@@ -153,7 +153,7 @@ private slots:
     {
         QFETCH(const QByteArray, first);
         QFETCH(const QByteArray, second);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, Document(1, look + Item(first, "", "1", "1,1") +
                                               Item(second, "", "1", "2,2"))));
         QTEST(window.d_label_widget->Take_Label_Index(), "next");
@@ -161,7 +161,7 @@ private slots:
 
     void of_labels_with_the_same_id_only_the_first_counts()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window,
                      Document(1, look + Item("4", "", "1", "1,1") + Item("4", "", "2", "2,2"))));
         QCOMPARE(Describe(&window), (QStringList{"page 1 Page 1 12x10", "label 4 4 '' 1 1,1"}));
@@ -169,7 +169,7 @@ private slots:
 
     void a_colour_that_is_none_is_invalid()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, Document(1, QByteArray(look).replace("blue", "no colour"))));
         QCOMPARE(Describe_Appearance(window), QStringLiteral("48 invalid no headers"));
         QCOMPARE(Support::View_Difference(window, 48, QColor()), QString());
@@ -190,7 +190,7 @@ private slots:
     {
         QFETCH(const QByteArray, image);
         QFETCH(const bool, is_there);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         const QString appearance = Describe_Appearance(window);
         Write_Pair(Document(1, look), image);
@@ -204,7 +204,7 @@ private slots:
 
     void a_missing_list_is_named_by_its_path()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         Write_Pair(QByteArray(), Support::Png(Support::Picture(12, 10)));
         QVERIFY(QFile::remove(Base() + QStringLiteral(".qld")));
@@ -254,7 +254,7 @@ private slots:
     void a_fault_leaves_the_document_but_not_the_look_read_before_it()
     {
         QFETCH(const QByteArray, document);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         QVERIFY(!Load(&window, document));
         QTEST(window.d_error_text, "reason");
@@ -266,7 +266,7 @@ private slots:
 
     void a_malformed_position_drops_its_label_alone()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(
             Load(&window, Document(2, look + Item("1", "A", "1", "1,1,1") +
                                           Item("2", "B", "1", "5") + Item("3", "C", "1", ",7"))));
@@ -284,7 +284,7 @@ private slots:
     void a_missing_document_is_a_programming_error()
     {
         QFETCH(const int, version);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         std::vector<TDataItem> items;
         const QString difference = Support::Assertion_Failure(
             [&] {
@@ -303,7 +303,7 @@ private slots:
         TXmlFile xml_file;
         xml_file.d_file_path = Base() + QStringLiteral(".qld");
         xml_file.Open(QStringLiteral("Quillet_Data"), nullptr, true);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         std::vector<TDataItem> items;
         window.Load_Legacy_V1(&xml_file, &items);
         window.Load_Legacy_V2(&xml_file, &items);
@@ -319,7 +319,7 @@ private slots:
     {
         const QByteArray document = Document(1, look + Item("4", "", "1", "1,1"));
         const QByteArray image = Support::Png(Support::Picture(12, 10));
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, document));
         QCOMPARE(Support::Read_File(Base() + QStringLiteral(".qld")), document);
         QCOMPARE(Support::Read_File(Base() + QStringLiteral(".qli")), image);

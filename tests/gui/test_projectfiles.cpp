@@ -69,14 +69,14 @@ private:
     }
 
     /// Writes bytes to a file and loads it.
-    bool Load(TQuillet* window, const QByteArray& bytes) const
+    bool Load(TOpenWindow* window, const QByteArray& bytes) const
     {
         Support::Write_File(Path(), bytes);
         return window->Load_Data(Path());
     }
 
     /// A window with a document of its own, to be replaced or to stay.
-    static void Prepare(TQuillet* window)
+    static void Prepare(TOpenWindow* window)
     {
         const QList<int> ids = Add_Pages(
             window, {{QStringLiteral("before"), Support::Picture(9, 9), {Label(5, 3, {}, 1, {})}}});
@@ -100,7 +100,7 @@ private:
     }
 
     /// A document with everything in which files differ.
-    static QList<int> Fill_Special(TQuillet* window, const QImage& first, const QImage& second)
+    static QList<int> Fill_Special(TOpenWindow* window, const QImage& first, const QImage& second)
     {
         window->d_settings_widget->Set_Label_Size(48);
         window->d_settings_widget->Set_Label_Color(QColor(10, 20, 30));
@@ -125,7 +125,7 @@ private slots:
     {
         const QImage first = Support::Picture(31, 17, 1);
         const QImage second = Support::Picture(8, 5, 2).convertToFormat(QImage::Format_Grayscale8);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Fill_Special(&window, first, second);
         QVERIFY(window.Save_Data(Path()));
         QCOMPARE(Support::Byte_Difference(Support::Read_File(Path()), Special_Bytes(first, second)),
@@ -135,7 +135,7 @@ private slots:
 
     void pages_are_written_in_the_order_of_the_page_list()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         const QImage image = Support::Picture(4, 4);
         Add_Pages(&window, {{QStringLiteral("a"), image, {}},
                             {QStringLiteral("b"), image, {}},
@@ -152,14 +152,14 @@ private slots:
         const QImage first = Support::Picture(31, 17, 1);
         const QImage second = Support::Picture(8, 5, 2);
         {
-            TQuillet window(nullptr, Qt::WindowFlags());
+            TOpenWindow window;
             const QList<int> ids = Fill_Special(&window, first, second);
             window.d_data.Set_Active_Page(ids.first());
             window.d_data.Change_Item_Selection(-3, true);
             window.d_data.Change_Item_Position(-3, {0.126, -99.994});
             QVERIFY(window.Save_Data(Path()));
         }
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         QVERIFY(window.Load_Data(Path()));
         QCOMPARE(Describe(&window),
@@ -177,7 +177,7 @@ private slots:
     {
         const QByteArray bytes =
             Special_Bytes(Support::Picture(31, 17, 1), Support::Picture(8, 5, 2));
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, bytes));
         QVERIFY(window.Save_Data(Path()));
         QCOMPARE(Support::Byte_Difference(Support::Read_File(Path()), bytes), QString());
@@ -190,7 +190,7 @@ private slots:
         QBuffer buffer(&bitmap);
         buffer.open(QIODevice::WriteOnly);
         QVERIFY(image.save(&buffer, "BMP"));
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(
             Load(&window, Header(40, color, "", "", 1) + Page_Record("p", bitmap, Item_List())));
         QVERIFY(window.d_data.Page_Image_Valid());
@@ -204,7 +204,7 @@ private slots:
 
     void a_picture_that_cannot_be_decoded_is_none()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window,
                      Header(40, color, "", "", 1) + Page_Record("p", "no picture", One_Label(3))));
         QVERIFY(!window.d_data.Page_Image_Valid());
@@ -215,7 +215,7 @@ private slots:
 
     void a_document_without_pages_is_its_header()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(window.Save_Data(Path()));
         QCOMPARE(Support::Read_File(Path()), Header(32, "#f79741", "", "", 0));
         QCOMPARE(window.d_data.Active_Page(), -1);
@@ -239,7 +239,7 @@ private slots:
     void a_page_count_below_1_loads_no_pages()
     {
         QFETCH(const quint32, count);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         QVERIFY(Load(&window, Header(40, color, "", "", count) + "rest"));
         QCOMPARE(Describe(&window), QStringList());
@@ -248,7 +248,7 @@ private slots:
 
     void bytes_after_the_last_page_are_passed_over()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, One_Page() + "rest"));
         QCOMPARE(Describe(&window), (QStringList{"page 1 only 6x4", "label 1 7 '' 2 1,2"}));
     }
@@ -263,7 +263,7 @@ private slots:
     void saving_keeps_the_active_page()
     {
         QFETCH(const int, page_id);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Pages(&window, {{QStringLiteral("a"), Support::Picture(4, 4), {}},
                             {QStringLiteral("b"), Support::Picture(4, 4), {}},
                             {QStringLiteral("c"), Support::Picture(4, 4), {}}});
@@ -274,7 +274,7 @@ private slots:
 
     void the_last_page_is_shown_after_loading()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window,
                      Header(40, color, "", "", 2) +
                          Page_Record("a", Support::Png(Support::Picture(6, 4)), One_Label(1)) +
@@ -289,7 +289,7 @@ private slots:
 
     void label_size_and_colour_reach_panel_and_view()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, One_Page()));
         QCOMPARE(Describe_Appearance(window), QStringLiteral("40 #0a141e no headers"));
         QCOMPARE(window.d_display_widget->Label_Size(), QSize(40, 40));
@@ -307,7 +307,7 @@ private slots:
     void a_name_that_is_no_colour_gives_an_invalid_one()
     {
         QFETCH(const QByteArray, name);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, Header(40, name, "", "", 0)));
         QCOMPARE(Describe_Appearance(window), QStringLiteral("40 invalid no headers"));
         QCOMPARE(Support::View_Difference(window, 40, QColor()), QString());
@@ -315,7 +315,7 @@ private slots:
 
     void a_colour_may_have_a_name()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, Header(40, "red", "", "", 0)));
         QCOMPARE(window.d_settings_widget->Label_Color(), QColor(255, 0, 0));
     }
@@ -345,7 +345,7 @@ private slots:
         QFETCH(const QString, without_dialog);
         QFETCH(const QString, with_dialog);
         const QByteArray bytes = Header(40, color, header_1, header_2, 0);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, bytes));
         QCOMPARE(Describe_Appearance(window), without_dialog);
         window.Header_Dialog()->Set_Header1_Text(QStringLiteral("old 1"));
@@ -356,7 +356,7 @@ private slots:
 
     void a_name_is_cut_at_its_first_zero_byte()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, One_Page(QByteArray("on\0ly", 5))));
         QCOMPARE(Describe(&window), (QStringList{"page 1 on 6x4", "label 1 7 '' 2 1,2"}));
     }
@@ -377,7 +377,7 @@ private slots:
     {
         QFETCH(const int, first);
         QFETCH(const int, second);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(Load(&window, Header(40, color, "", "", 2) +
                                   Page_Record("a", "", One_Label(first)) +
                                   Page_Record("b", "", One_Label(second))));
@@ -386,7 +386,7 @@ private slots:
 
     void a_length_past_the_end_is_clipped()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         const QByteArray items = One_Label(7);
         QVERIFY(Load(&window, Header(40, color, "", "", 1) +
                                   Page_Record("p", "", QByteArray()).chopped(4) +
@@ -409,7 +409,7 @@ private slots:
     void a_file_that_ends_within_an_integer_stops_the_program()
     {
         QFETCH(const QByteArray, bytes);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         const QString difference = Support::Assertion_Failure(
             [this, &window, &bytes] { Load(&window, bytes); }, QStringLiteral("core/conversion"),
             Integer_Bound(),
@@ -429,7 +429,7 @@ private slots:
     void a_file_that_is_no_project_changes_nothing()
     {
         QFETCH(const QByteArray, bytes);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         const QString appearance = Describe_Appearance(window);
         QVERIFY(!Load(&window, bytes));
@@ -453,7 +453,7 @@ private slots:
         QFETCH(const QString, path);
         QVERIFY(QDir(d_folder.path()).mkpath(QStringLiteral("folder")));
         Support::Write_File(Path("plain"), "plain");
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         const QString appearance = Describe_Appearance(window);
         QVERIFY(!window.Load_Data(d_folder.filePath(path)));
@@ -475,7 +475,7 @@ private slots:
         QFETCH(const QString, path);
         QVERIFY(QDir(d_folder.path()).mkpath(QStringLiteral("folder")));
         Support::Write_File(Path("plain"), "plain");
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         QVERIFY(!window.Save_Data(d_folder.filePath(path)));
         QCOMPARE(window.d_error_text, QStringLiteral("Cannot open file for writing"));
@@ -486,7 +486,7 @@ private slots:
 
     void the_result_of_the_writing_is_not_looked_at()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         QVERIFY(window.Save_Data(QStringLiteral("/dev/full")));
     }
@@ -494,7 +494,7 @@ private slots:
     void a_label_that_cannot_be_written_leaves_the_file_empty()
     {
         Support::Write_File(Path(), "the version before");
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         const QList<int> ids =
             Add_Pages(&window, {{QStringLiteral("a"), Support::Picture(4, 4), {}},
                                 {QStringLiteral("b"),
@@ -514,7 +514,7 @@ private slots:
 
     void not_opening_comes_before_not_being_able_to_write()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Add_Pages(&window, {{QStringLiteral("a"),
                              Support::Picture(4, 4),
                              {Label(1, 1, QStringLiteral("\u0001"), 0, {})}}});
@@ -553,7 +553,7 @@ private slots:
     {
         QFETCH(const QByteArray, items);
         QFETCH(const QStringList, labels);
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         window.d_label_widget->Set_Label_Index(55);
         QVERIFY(!Load(&window,
@@ -601,7 +601,7 @@ private slots:
                 bytes += Number(2);
             bytes += i == field ? Number(0xffffffff) + fields.at(i) : Field(fields.at(i));
         }
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         QVERIFY(!Load(&window, bytes));
         QCOMPARE(window.d_error_text, QStringLiteral("Invalid file."));
@@ -621,7 +621,7 @@ private slots:
         QVERIFY(QDir(settings_folder).removeRecursively());
         Support::Write_File(settings_folder, "in the way");
         {
-            TQuillet window(nullptr, Qt::WindowFlags());
+            TOpenWindow window;
             for (int i = 0; i < pages; ++i)
                 window.d_page_widget->Add_Page(window.d_data.Add_Page(image));
             Support::Write_File(Path(), "the version before");
@@ -642,7 +642,7 @@ private slots:
         file.write(One_Page());
         QVERIFY(file.resize(0x80000000LL));
         file.close();
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Prepare(&window);
         QVERIFY(!window.Load_Data(Path()));
         QCOMPARE(window.d_error_text,

@@ -67,7 +67,7 @@ class TestReindex : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
 
     /// Adds a page with labels whose ids count from 1 and whose values tell that nobody has
     /// renumbered them.
@@ -155,7 +155,7 @@ class TestReindex : public QObject
 private slots:
     void init()
     {
-        d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+        d_window = std::make_unique<TOpenWindow>();
         d_window->show();
     }
 

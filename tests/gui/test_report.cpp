@@ -240,7 +240,7 @@ class TestReport : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
     std::unique_ptr<QTemporaryDir> d_folder;
 
     int Add_Page(const std::vector<TDataItem>& items = {}, const QColor& colour = page_grey)
@@ -344,7 +344,7 @@ private slots:
     {
         d_folder = std::make_unique<QTemporaryDir>();
         QVERIFY(d_folder->isValid());
-        d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+        d_window = std::make_unique<TOpenWindow>();
         d_window->Label_Size_Changed(label_size);
         d_window->Color_Changed(Qt::black);
         d_window->show();

@@ -87,7 +87,7 @@ private:
     void Mark_Saved();
 
     std::unique_ptr<QTemporaryDir> d_folder;
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
 };
 
 void TestSafety::init()
@@ -107,7 +107,7 @@ void TestSafety::cleanup()
 void TestSafety::Open_Window()
 {
     d_window.reset();
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
     d_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
 }
@@ -161,7 +161,7 @@ int TestSafety::Labels_In(const QString& path)
 {
     if (!ProjectFile::Is_Whole(path))
         return -1;
-    TQuillet reader(nullptr, Qt::WindowFlags());
+    TOpenWindow reader;
     if (!reader.Load_Data(path))
         return -1;
     int count = 0;
@@ -257,7 +257,7 @@ void TestSafety::a_copy_is_a_project_that_opens()
     d_window->Change_Item_Text(id, "text");
     d_window->Copy_Pending_Work();
     const QString copy = Only_Copy();
-    TQuillet reader(nullptr, Qt::WindowFlags());
+    TOpenWindow reader;
     QVERIFY(reader.Load_Data(copy));
     QCOMPARE(reader.d_page_widget->Page_Name(1), QString("Front"));
     QCOMPARE(reader.d_data.Item(0).text, QString("text"));
@@ -272,7 +272,7 @@ void TestSafety::a_copy_skips_pages_that_only_the_list_has()
     const QList<int> known_pages = d_window->d_page_widget->Page_Ids();
     d_window->d_page_widget->Add_Page(99);
     d_window->Record_Change();
-    TQuillet reader(nullptr, Qt::WindowFlags());
+    TOpenWindow reader;
     QVERIFY(ProjectFile::Is_Whole(Only_Copy()));
     QVERIFY(reader.Load_Data(Only_Copy()));
     QCOMPARE(reader.d_data.Page_Count(), known_pages.size());
@@ -392,7 +392,7 @@ void TestSafety::a_copy_leaves_out_characters_that_xml_does_not_allow()
              QString());
     QVERIFY(!d_window->d_data_changed);
     QCOMPARE(QFileInfo(In("a.quillet")).size(), 0);
-    TQuillet reader(nullptr, Qt::WindowFlags());
+    TOpenWindow reader;
     QVERIFY(reader.Load_Data(Only_Copy()));
     QCOMPARE(reader.d_data.Item(0).text, "before " + face);
     QCOMPARE(reader.d_data.Item(0).position, QPointF(50, 60));
@@ -422,7 +422,7 @@ void TestSafety::every_image_format_can_be_read_from_the_copy()
     const QImage expected(path);
     d_window->Load_Image(path);
     d_window->Add_Page();
-    TQuillet reader(nullptr, Qt::WindowFlags());
+    TOpenWindow reader;
     QVERIFY(reader.Load_Data(Only_Copy()));
     reader.d_data.Set_Active_Page(reader.d_data.Page_Id(0));
     QCOMPARE(Support::Difference(reader.d_data.Page_Image(), expected), QString());
@@ -602,7 +602,7 @@ void TestSafety::the_status_bar_shows_the_copy_of_a_killed_process()
 {
     d_window.reset();
     const Support::TChildResult result = Support::Run_In_Child([this] {
-        d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+        d_window = std::make_unique<TOpenWindow>();
         Make_Document();
         d_window->Add_Item(QPointF(50, 60));
         kill(getpid(), SIGKILL);
@@ -682,7 +682,7 @@ void TestSafety::two_windows_have_separate_copies()
     d_window->Add_Item(QPointF(50, 60));
     const QString first = Only_Copy();
     {
-        TQuillet other(nullptr, Qt::WindowFlags());
+        TOpenWindow other;
         QVERIFY(other.d_safety_net->Abandoned().empty());
         other.Add_Page();
         QCOMPARE(Copies().size(), 2);
@@ -725,7 +725,7 @@ void TestSafety::an_unusable_settings_folder_does_not_stop_the_program()
         if (defect == "not writable")
             chmod(QFile::encodeName(Settings()).constData(), 0500);
         Support::Obey_File_Permissions();
-        d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+        d_window = std::make_unique<TOpenWindow>();
         Make_Document();
         d_window->Save_Data(In("a.quillet"));
         if (defect == "full")

@@ -57,13 +57,13 @@ const QVector<QPair<QString, QVariant>>& First_Values()
     return values;
 }
 
-std::unique_ptr<TQuillet> New_Window()
+std::unique_ptr<TOpenWindow> New_Window()
 {
-    return std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    return std::make_unique<TOpenWindow>();
 }
 
 /// Everything that the settings file remembers of a window, but for its docks, as one line.
-QString Describe_State(const TQuillet& window)
+QString Describe_State(const TOpenWindow& window)
 {
     const QColor color = window.d_settings_widget->Label_Color();
     const auto number = [](int value) { return QString::number(value); };
@@ -89,7 +89,7 @@ QString Describe_State(const TQuillet& window)
 }
 
 /// The docks in the order of the settings: hidden or shown, floating or docked.
-QStringList Describe_Docks(const TQuillet& window)
+QStringList Describe_Docks(const TOpenWindow& window)
 {
     QStringList states;
     for (const QDockWidget* dock :
@@ -129,7 +129,7 @@ private:
         Support::Write_File(Settings_Path(), "[General]\n" + lines + "\n");
     }
 
-    static bool Close(TQuillet* window)
+    static bool Close(TOpenWindow* window)
     {
         QCloseEvent event;
         QCoreApplication::sendEvent(window, &event);

@@ -113,7 +113,7 @@ private slots:
 private:
     QString In(const QString& name) const { return d_folder.filePath(name); }
     static QString Recovery() { return QDir::homePath() + "/.quillet/recovery"; }
-    TQuillet& Window() const { return *d_window; }
+    TOpenWindow& Window() const { return *d_window; }
     QLineEdit* Value_Editor() const { return Editor(*Window().d_label_widget, "Item Value"); }
     QLineEdit* Text_Editor() const { return Editor(*Window().d_label_widget, "Item Text"); }
     QLineEdit* Name_Editor() const { return Editor(*Window().d_page_widget, "Page Item Name"); }
@@ -135,7 +135,7 @@ private:
     int Value_Of(int place) const { return Window().d_data.Item(place).value; }
 
     QTemporaryDir d_folder;
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
 };
 
 Q_DECLARE_METATYPE(std::function<void(TestUndo*)>)
@@ -149,7 +149,7 @@ QLineEdit* TestUndo::Editor(const QWidget& panel, const QString& tool_tip)
 void TestUndo::init()
 {
     QDir(Recovery()).removeRecursively();
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
     d_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
     for (int number = 1; number <= 3; ++number) {
@@ -1148,7 +1148,7 @@ void TestUndo::a_killed_run_leaves_the_document_as_it_stood_after_undo()
 
     const QStringList copies = QDir(Recovery()).entryList({"*.quillet"});
     QCOMPARE(copies.size(), 1);
-    TQuillet reader(nullptr, Qt::WindowFlags());
+    TOpenWindow reader;
     QVERIFY(reader.Load_Data(Recovery() + '/' + copies.first()));
     QStringList found = Support::Describe(&reader).filter("label");
     for (QStringList* lines : {&expected, &found})

@@ -135,7 +135,7 @@ private:
     QTemporaryDir d_folder;
     QVector<QImage> d_pictures;
     QStringList d_picture_paths;
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
     TPlainDocument d_plain;
     std::vector<TPlainDocument> d_states;
     std::size_t d_state = 0; ///< index of the present one
@@ -172,7 +172,7 @@ void TestUndoWalk::initTestCase()
         d_picture_paths += d_folder.filePath(QString("%1.png").arg(picture));
         QVERIFY(d_pictures.last().save(d_picture_paths.last()));
     }
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
     d_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
     d_plain.label_size = d_window->d_settings_widget->Label_Size();

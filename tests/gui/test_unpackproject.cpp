@@ -68,7 +68,7 @@ private slots:
         const QImage first = Support::Picture(31, 17, 1);
         const QImage third = Support::Picture(8, 5, 3);
         const QString text = QString::fromUtf8("Pumpe <&> \" ä€");
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         Support::Add_Pages(&window, {{QString::fromUtf8("café"),
                                       first,
                                       {Support::Label(1804289383, 7, text, 2, {120.5, 33}),
@@ -105,7 +105,7 @@ private slots:
 
     void a_document_without_pages_is_its_header()
     {
-        TQuillet window(nullptr, Qt::WindowFlags());
+        TOpenWindow window;
         QVERIFY(window.Save_Data(Path("file.quillet")));
         QCOMPARE(Unpack(0), QByteArray());
         QCOMPARE(Unpacked_Files(), QStringList{"header.json"});

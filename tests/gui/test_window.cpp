@@ -54,12 +54,12 @@ private:
     QAction* Action(const QString& text) const;
     QStringList Entries(const QList<QAction*>& actions) const;
 
-    std::unique_ptr<TQuillet> d_window;
+    std::unique_ptr<TOpenWindow> d_window;
 };
 
 void TestWindow::init()
 {
-    d_window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+    d_window = std::make_unique<TOpenWindow>();
 }
 
 void TestWindow::cleanup()

@@ -6,7 +6,7 @@
 
 namespace Support {
 
-int Add_Page(TQuillet* window, const QImage& image, const std::vector<TDataItem>& items)
+int Add_Page(TOpenWindow* window, const QImage& image, const std::vector<TDataItem>& items)
 {
     TData& data = window->d_data;
     const int page_id = image.isNull() ? data.Add_Page() : data.Add_Page(image);
@@ -20,7 +20,7 @@ int Add_Page(TQuillet* window, const QImage& image, const std::vector<TDataItem>
     return page_id;
 }
 
-QStringList View_In_Words(const TQuillet& window)
+QStringList View_In_Words(const TOpenWindow& window)
 {
     const TDisplayWidget& view = *window.d_display_widget;
     const QImage image = view.Background_Pixmap().toImage();

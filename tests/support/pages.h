@@ -12,9 +12,9 @@ namespace Support {
 
 /// Adds a page to the document and to the page list, which does not show it, and returns its id.
 /// @param image  may be null.
-int Add_Page(TQuillet* window, const QImage& image, const std::vector<TDataItem>& items = {});
+int Add_Page(TOpenWindow* window, const QImage& image, const std::vector<TDataItem>& items = {});
 
 /// What the view shows, a line for the page image and one for each label in order.
-QStringList View_In_Words(const TQuillet& window);
+QStringList View_In_Words(const TOpenWindow& window);
 
 } // namespace Support

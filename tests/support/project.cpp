@@ -65,7 +65,7 @@ TDataItem Label(int id, int value, const QString& text, int border, const QPoint
     return item;
 }
 
-QList<int> Add_Pages(TQuillet* window, const std::vector<TPage>& pages)
+QList<int> Add_Pages(TOpenWindow* window, const std::vector<TPage>& pages)
 {
     QList<int> ids;
     for (const TPage& page : pages) {
@@ -93,7 +93,7 @@ QString Describe_Label(const TDataItem& item)
         .arg(item.selected ? QStringLiteral(" selected") : QString());
 }
 
-QStringList Describe(TQuillet* window)
+QStringList Describe(TOpenWindow* window)
 {
     TData& data = window->d_data;
     const QList<int> listed = window->d_page_widget->Page_Ids();
@@ -116,7 +116,7 @@ QStringList Describe(TQuillet* window)
     return lines;
 }
 
-QString Describe_Appearance(const TQuillet& window)
+QString Describe_Appearance(const TOpenWindow& window)
 {
     const QColor color = window.d_settings_widget->Label_Color();
     const QString headers = window.d_header_dialog
@@ -129,7 +129,7 @@ QString Describe_Appearance(const TQuillet& window)
         .arg(color.isValid() ? color.name() : QStringLiteral("invalid"), headers);
 }
 
-QString View_Difference(const TQuillet& window, int label_size, const QColor& color)
+QString View_Difference(const TOpenWindow& window, int label_size, const QColor& color)
 {
     constexpr int square = 1;
     TDisplayWidget view(nullptr);

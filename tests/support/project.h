@@ -47,20 +47,20 @@ TDataItem Label(int id, int value, const QString& text, int border, const QPoint
 
 /// Adds pages to the window's document and page list; none of them becomes active.
 /// @return their ids.
-QList<int> Add_Pages(TQuillet* window, const std::vector<TPage>& pages);
+QList<int> Add_Pages(TOpenWindow* window, const std::vector<TPage>& pages);
 
 /// A label in one line.
 QString Describe_Label(const TDataItem& item);
 
 /// The window's document as lines of text: for each page its place, name and picture size, below it
 /// its labels; pages that are missing in the page list are told as well. The active page stays.
-QStringList Describe(TQuillet* window);
+QStringList Describe(TOpenWindow* window);
 
 /// Label size and colour in the settings panel, and the header lines or "no headers".
-QString Describe_Appearance(const TQuillet& window);
+QString Describe_Appearance(const TOpenWindow& window);
 
 /// Empty when the window's view draws labels as a view does that has this label size, its font size
 /// and this colour; otherwise the first pixel that differs.
-QString View_Difference(const TQuillet& window, int label_size, const QColor& color);
+QString View_Difference(const TOpenWindow& window, int label_size, const QColor& color);
 
 } // namespace Support

@@ -1,18 +1,62 @@
 #pragma once
 
-// The main window, opened up for tests: they look at its document and flags, which users of the
-// class never touch. Everything that the header includes comes first, so that nothing else is
-// opened.
-#include "src/data.h"
-#include "src/format/projectfile.h"
+#include "src/quillet.h"
 
 #include <QtWidgets>
 
-#include <functional>
-#include <memory>
-#include <optional>
-#include <vector>
+/// The main window with those of its private members that tests use.
+class TOpenWindow : public TQuillet
+{
+public:
+    TOpenWindow()
+        : TQuillet(nullptr, Qt::WindowFlags())
+    {
+    }
 
-#define private public
-#include "src/quillet.h"
-#undef private
+    using TQuillet::Copy_Pending_Work;
+    using TQuillet::d_action_about;
+    using TQuillet::d_action_export_images;
+    using TQuillet::d_action_export_pdf;
+    using TQuillet::d_action_import;
+    using TQuillet::d_action_new;
+    using TQuillet::d_action_open;
+    using TQuillet::d_action_quit;
+    using TQuillet::d_action_reindex;
+    using TQuillet::d_action_save;
+    using TQuillet::d_action_save_as;
+    using TQuillet::d_data;
+    using TQuillet::d_data_changed;
+    using TQuillet::d_display_click;
+    using TQuillet::d_display_widget;
+    using TQuillet::d_error_text;
+    using TQuillet::d_file_name;
+    using TQuillet::d_header_dialog;
+    using TQuillet::d_history;
+    using TQuillet::d_label_dock;
+    using TQuillet::d_label_widget;
+    using TQuillet::d_message_box;
+    using TQuillet::d_page_dock;
+    using TQuillet::d_page_widget;
+    using TQuillet::d_progress_clock;
+    using TQuillet::d_reindex_dialog;
+    using TQuillet::d_safety_net;
+    using TQuillet::d_settings;
+    using TQuillet::d_settings_dock;
+    using TQuillet::d_settings_widget;
+    using TQuillet::d_working_dir;
+    using TQuillet::d_zoom_label;
+    using TQuillet::d_zoom_slider;
+    using TQuillet::End_Recovery;
+    using TQuillet::Finish_Step;
+    using TQuillet::Forget_Steps;
+    using TQuillet::Header_Dialog;
+    using TQuillet::Import_Files;
+    using TQuillet::Mark_Changed;
+    using TQuillet::New_Progress;
+    using TQuillet::Note_Page_List;
+    using TQuillet::Open_File;
+    using TQuillet::Record_Change;
+    using TQuillet::Set_Label_Color;
+    using TQuillet::Update_Document_Actions;
+    using TQuillet::Write_Settings;
+};

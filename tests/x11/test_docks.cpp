@@ -20,9 +20,9 @@ class TestDocks : public QObject
 private:
     std::unique_ptr<QTemporaryDir> d_home;
 
-    static std::unique_ptr<TQuillet> Shown_Window()
+    static std::unique_ptr<TOpenWindow> Shown_Window()
     {
-        auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+        auto window = std::make_unique<TOpenWindow>();
         window->show();
         return QTest::qWaitForWindowExposed(window.get()) ? std::move(window) : nullptr;
     }
