@@ -141,7 +141,10 @@ QStringList Decode_Arguments(int count, char** raw_arguments)
 void Choose_Platform()
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qunsetenv("QT_QPA_PLATFORMTHEME");
+    for (const char* const setting :
+         {"QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE", "QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS",
+          "QT_DEVICE_PIXEL_RATIO"})
+        qunsetenv(setting);
 }
 
 /// Message handler that prints Qt's errors and hides its warnings, which concern the session.

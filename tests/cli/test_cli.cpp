@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <unistd.h>
+
 using Support::Run_Tool;
 using Support::TToolResult;
 
@@ -36,6 +38,22 @@ class TestCli : public QObject
     TToolResult Run(const QStringList& arguments) const
     {
         return Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
+    }
+
+    /// Runs the tool as an ordinary user: root's right to ignore permissions is dropped.
+    TToolResult Run_Without_Privileges(const QStringList& arguments) const
+    {
+        QStringList command{Support::Tool_Path()};
+        if (geteuid() == 0)
+            command = QStringList{"setpriv", "--inh-caps=-all", "--bounding-set=-all"} + command;
+        QProcess process;
+        process.setWorkingDirectory(d_folder->path());
+        process.start(command.first(), command.mid(1) + arguments);
+        TToolResult result;
+        if (process.waitForFinished() && process.exitStatus() == QProcess::NormalExit)
+            result.status = process.exitCode();
+        result.errors = QString::fromUtf8(process.readAllStandardError());
+        return result;
     }
 
     QByteArray Content(const QString& name) const
@@ -311,6 +329,34 @@ private slots:
         const TToolResult result = Run(arguments + QStringList{"--force"});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, QStringLiteral("quillet-cli: /dev/null: is not a regular file\n"));
+    }
+
+    void write_protection_is_respected_data()
+    {
+        QTest::addColumn<bool>("has_file");
+        QTest::addColumn<bool>("is_folder_writable");
+        QTest::newRow("folder") << false << false;
+        QTest::newRow("file") << true << true;
+        QTest::newRow("folder of a writable file") << true << false;
+    }
+    void write_protection_is_respected()
+    {
+        QFETCH(const bool, has_file);
+        QFETCH(const bool, is_folder_writable);
+        QVERIFY(QDir(d_folder->path()).mkdir("locked"));
+        if (has_file)
+            Support::Write_File(d_folder->filePath("locked/out"), "old");
+        const QFile::Permissions read_only = QFile::ReadOwner | QFile::ExeOwner;
+        const QString locked = is_folder_writable ? "locked/out" : "locked";
+        QVERIFY(QFile::setPermissions(d_folder->filePath(locked), read_only));
+        const QStringList before = Support::Entries(d_folder->filePath("locked"));
+        const TToolResult result = Run_Without_Privileges(
+            {"thumbnail", "sound.quillet", "--output", "locked/out", "--force"});
+        QVERIFY(QFile::setPermissions(d_folder->filePath(locked), read_only | QFile::WriteOwner));
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: locked/out: is write-protected\n"));
+        QCOMPARE(result.status, 1);
+        QCOMPARE(Support::Entries(d_folder->filePath("locked")), before);
+        QCOMPARE(Content("locked/out"), QByteArray(has_file ? "old" : ""));
     }
 
     void a_damaged_document_is_refused_with_its_first_defect_data()

@@ -246,6 +246,16 @@ private slots:
         QCOMPARE(lines.last(), QStringLiteral("quillet-cli: missing: No such file or directory"));
     }
 
+    void a_sound_file_does_not_hide_the_defects_of_the_one_before()
+    {
+        Write("a.quillet", Two_Pages());
+        Write("b.quillet", Two_Pages().left(10));
+        const TToolResult result = Run({"check", "b.quillet", "a.quillet"});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.startsWith("quillet-cli: b.quillet: "), qPrintable(result.errors));
+        QCOMPARE(result.output, QStringLiteral("a.quillet: no defects\n"));
+    }
+
     void an_image_that_cannot_be_decoded_is_a_defect_of_a_check_alone()
     {
         Write("a.quillet",

@@ -57,6 +57,20 @@ class TestCliExports : public QObject
                             Header(32, color, "", "", static_cast<quint32>(count)) + pages);
     }
 
+    /// Writes a file for every name that a page's image can get within the next minute, and returns
+    /// the names in order.
+    QStringList Write_Images_Of_Next_Minute(const QString& page_name, int number) const
+    {
+        const QDateTime now = QDateTime::currentDateTime();
+        constexpr int seconds = 60;
+        for (int second = 0; second < seconds; ++second) {
+            const QString stamp = now.addSecs(second).toString(QStringLiteral("ddMMyyyyhhmmss"));
+            Support::Write_File(
+                Path(QStringLiteral("out/%1-%2%3.png").arg(page_name, stamp).arg(number)), "old");
+        }
+        return Support::Entries(Path("out"));
+    }
+
     QImage Thumbnail_Of(const QByteArray& page, const QStringList& options = {}) const
     {
         Write_Project(page, 1);
@@ -93,22 +107,16 @@ private slots:
     void an_image_that_is_there_stays_unless_forced()
     {
         Write_Project(Page("a", Picture(20, 10)) + Page("b", Picture(30, 10)), 2);
-        // The export falls into one of the next seconds.
-        const QDateTime now = QDateTime::currentDateTime();
-        constexpr int seconds = 60;
-        for (int second = 0; second < seconds; ++second) {
-            const QString stamp = now.addSecs(second).toString(QStringLiteral("ddMMyyyyhhmmss"));
-            Support::Write_File(Path("out/b-" + stamp + "2.png"), "old");
-        }
+        const QStringList old_names = Write_Images_Of_Next_Minute("b", 2);
         const TToolResult refused = Run({"export-images", "a.quillet", "--folder", "out"});
         QCOMPARE(refused.status, 1);
         QVERIFY(QRegularExpression("^quillet-cli: out/b-\\d{14}2\\.png: already exists; ")
                     .match(refused.errors)
                     .hasMatch());
-        QCOMPARE(Support::Entries(Path("out")).size(), seconds);
+        QCOMPARE(Support::Entries(Path("out")), old_names);
 
         QCOMPARE(Run({"export-images", "a.quillet", "--folder", "out", "--force"}).status, 0);
-        QCOMPARE(Support::Entries(Path("out")).size(), seconds + 1);
+        QCOMPARE(Support::Entries(Path("out")).size(), old_names.size() + 1);
     }
 
     void a_page_that_cannot_be_written_leaves_no_images()
@@ -122,6 +130,17 @@ private slots:
                      .hasMatch(),
                  qPrintable(result.errors));
         QCOMPARE(Support::Entries(Path("out")), QStringList());
+    }
+
+    void a_page_that_cannot_be_written_keeps_the_images_that_were_there()
+    {
+        // No file system takes a name as long as that.
+        Write_Project(Page("a", Picture(20, 10)) + Page(QByteArray(300, 'x'), Picture(30, 10)), 2);
+        const QStringList old_names = Write_Images_Of_Next_Minute("a", 1);
+        const TToolResult result =
+            Run({"export-images", "a.quillet", "--folder", "out", "--force"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(Support::Entries(Path("out")), old_names);
     }
 
     void a_folder_for_images_has_to_be_there_data()
@@ -187,6 +206,9 @@ private slots:
         QTest::addColumn<QSize>("thumbnail");
         QTest::newRow("wide") << QSize(512, 256) << QStringList() << QSize(128, 64);
         QTest::newRow("high") << QSize(200, 400) << QStringList{"--size", "100"} << QSize(50, 100);
+        QTest::newRow("too high only") << QSize(100, 400) << QStringList() << QSize(32, 128);
+        QTest::newRow("too wide only") << QSize(400, 100) << QStringList() << QSize(128, 32);
+        QTest::newRow("upright line") << QSize(2, 1000) << QStringList() << QSize(1, 128);
         QTest::newRow("line") << QSize(1000, 2) << QStringList() << QSize(128, 1);
         QTest::newRow("one pixel") << QSize(60, 40) << QStringList{"--size", "1"} << QSize(1, 1);
         QTest::newRow("as large") << QSize(128, 128) << QStringList() << QSize(128, 128);
@@ -220,6 +242,41 @@ private slots:
         LabelPainter::Paint(&label, style, "7", Square_Border, false);
         QPainter(&expected).drawPixmap(QPoint(50, 40) - LabelPainter::Centre(style), label);
         QCOMPARE(Support::Difference(QImage(Path("t.png")), expected), QString());
+    }
+
+    void the_desktop_does_not_change_what_is_drawn_data()
+    {
+        QTest::addColumn<QByteArray>("variable");
+        QTest::addColumn<QByteArray>("value");
+        const auto row = [](const char* variable, const char* value) {
+            QTest::newRow(variable) << QByteArray(variable) << QByteArray(value);
+        };
+        row("QT_QPA_PLATFORMTHEME", "desktop");
+        row("QT_STYLE_OVERRIDE", "desktop");
+        row("QT_SCALE_FACTOR", "2");
+        row("QT_SCREEN_SCALE_FACTORS", "2");
+        row("QT_DEVICE_PIXEL_RATIO", "2");
+        row("QT_FONT_DPI", "192");
+    }
+    void the_desktop_does_not_change_what_is_drawn()
+    {
+        QFETCH(const QByteArray, variable);
+        QFETCH(const QByteArray, value);
+        Write_Project(Page("a", Picture(100, 80),
+                           Item_List(Item_Element("5", "7", "A long text", "1", "50.00,40.00"))),
+                      1);
+        QCOMPARE(Run({"thumbnail", "a.quillet", "--output", "expected.png"}).status, 0);
+
+        qputenv("QT_PLUGIN_PATH", QUILLET_DESKTOP_PLUGINS);
+        qputenv(variable.constData(), value);
+        const TToolResult result = Run({"thumbnail", "a.quillet", "--output", "t.png"});
+        qunsetenv(variable.constData());
+        qunsetenv("QT_PLUGIN_PATH");
+        // A plugin of the desktop would print that it was loaded.
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QCOMPARE(Support::Difference(QImage(Path("t.png")), QImage(Path("expected.png"))),
+                 QString());
     }
 
     void thumbnails_are_as_sharp_as_the_toolkit_makes_them()
