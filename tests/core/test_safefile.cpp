@@ -10,6 +10,7 @@
 #include <QTest>
 
 #include <memory>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -59,12 +60,18 @@ private slots:
     void what_is_not_committed_leaves_nothing_behind();
     void an_incomplete_file_does_not_replace_the_old_one();
     void a_replaced_file_keeps_its_permissions();
+    void a_new_file_gets_the_permissions_that_the_mask_leaves_data();
     void a_new_file_gets_the_permissions_that_the_mask_leaves();
+    void the_mask_stays_as_it_was();
     void a_private_file_is_for_its_owner_whatever_the_mask_data();
     void a_private_file_is_for_its_owner_whatever_the_mask();
     void a_link_is_followed();
     void a_link_to_a_missing_file_makes_that_file();
     void a_file_with_two_names_keeps_both();
+    void a_private_file_replaces_one_name_only();
+    void an_unfinished_file_is_locked();
+    void a_target_that_became_a_folder_fails_the_commit_data();
+    void a_target_that_became_a_folder_fails_the_commit();
     void without_room_for_a_new_file_the_target_is_written_directly();
     void a_private_file_is_never_written_directly();
     void a_write_protected_target_is_refused();
@@ -73,9 +80,11 @@ private slots:
     void a_copy_has_the_content_of_its_source_data();
     void a_copy_has_the_content_of_its_source();
     void a_copy_of_a_missing_file_fails();
+    void a_copy_that_comes_short_fails();
     void completeness_is_length_and_end_data();
     void completeness_is_length_and_end();
     void only_what_exists_can_be_forced_to_the_disk();
+    void a_file_is_synced_also_without_standard_input();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -137,15 +146,29 @@ void TestSafeFile::a_replaced_file_keeps_its_permissions()
     QCOMPARE(Mode(In("file")), QString("640"));
 }
 
+void TestSafeFile::a_new_file_gets_the_permissions_that_the_mask_leaves_data()
+{
+    QTest::addColumn<int>("mask");
+    QTest::addColumn<QString>("mode");
+    QTest::newRow("none") << 0 << "666";
+    QTest::newRow("usual") << 022 << "644";
+    QTest::newRow("for the group") << 027 << "640";
+}
+
 void TestSafeFile::a_new_file_gets_the_permissions_that_the_mask_leaves()
+{
+    QFETCH(int, mask);
+    const TMask set(static_cast<mode_t>(mask));
+    QVERIFY(TSafeFile::Replace(In("file"), "new"));
+    QTEST(Mode(In("file")), "mode");
+}
+
+void TestSafeFile::the_mask_stays_as_it_was()
 {
     const TMask mask(027);
     QVERIFY(TSafeFile::Replace(In("file"), "new"));
-    QCOMPARE(Mode(In("file")), QString("640"));
-    // Asking for the mask has not changed it.
-    const TMask again(027);
-    QVERIFY(TSafeFile::Replace(In("other"), "new"));
-    QCOMPARE(Mode(In("other")), QString("640"));
+    const mode_t after = umask(027);
+    QCOMPARE(after, mode_t{027});
 }
 
 void TestSafeFile::a_private_file_is_for_its_owner_whatever_the_mask_data()
@@ -195,6 +218,44 @@ void TestSafeFile::a_file_with_two_names_keeps_both()
     QVERIFY(TSafeFile::Replace(In("one"), "new"));
     QCOMPARE(Read_File(In("two")), QByteArray("new"));
     QCOMPARE(Entries(d_folder->path()), QStringList({"one", "two"}));
+}
+
+void TestSafeFile::a_private_file_replaces_one_name_only()
+{
+    Write_File(In("one"), "old");
+    QVERIFY(link(QFile::encodeName(In("one")).constData(),
+                 QFile::encodeName(In("two")).constData()) == 0);
+    TSafeFile file(In("one"), TSafeFile::TKind::Private);
+    Write_File(file.Path_To_Write(), "new");
+    QVERIFY(file.Commit(Accept));
+    QCOMPARE(Read_File(In("one")), QByteArray("new"));
+    QCOMPARE(Read_File(In("two")), QByteArray("old"));
+}
+
+void TestSafeFile::an_unfinished_file_is_locked()
+{
+    const TSafeFile file(In("file"));
+    QFile unfinished(file.Path_To_Write());
+    QVERIFY(unfinished.open(QIODevice::ReadOnly));
+    QVERIFY(flock(unfinished.handle(), LOCK_SH | LOCK_NB) != 0);
+}
+
+void TestSafeFile::a_target_that_became_a_folder_fails_the_commit_data()
+{
+    QTest::addColumn<bool>("is_private");
+    QTest::newRow("like the target") << false;
+    QTest::newRow("private") << true;
+}
+
+void TestSafeFile::a_target_that_became_a_folder_fails_the_commit()
+{
+    QFETCH(bool, is_private);
+    TSafeFile file(In("file"),
+                   is_private ? TSafeFile::TKind::Private : TSafeFile::TKind::Like_Target);
+    Write_File(file.Path_To_Write(), "new");
+    QVERIFY(QDir().mkdir(In("file")));
+    QVERIFY(!file.Commit(Accept));
+    QVERIFY(QFileInfo(In("file")).isDir());
 }
 
 void TestSafeFile::without_room_for_a_new_file_the_target_is_written_directly()
@@ -277,6 +338,17 @@ void TestSafeFile::a_copy_of_a_missing_file_fails()
     QVERIFY(!copy.Copy_From(In("missing")));
 }
 
+void TestSafeFile::a_copy_that_comes_short_fails()
+{
+    Write_File(In("source"), QByteArray(2000, 'c'));
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(1000);
+        TSafeFile copy(In("copy"));
+        return copy.Copy_From(In("source")) ? 1 : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+}
+
 void TestSafeFile::completeness_is_length_and_end_data()
 {
     QTest::addColumn<int>("size");
@@ -287,6 +359,7 @@ void TestSafeFile::completeness_is_length_and_end_data()
     QTest::newRow("any end") << 6 << QByteArray() << true;
     QTest::newRow("too short") << 7 << QByteArray("END") << false;
     QTest::newRow("too long") << 5 << QByteArray("END") << false;
+    QTest::newRow("not empty") << 0 << QByteArray() << false;
     QTest::newRow("other end") << 6 << QByteArray("EN") << false;
     QTest::newRow("end longer than the file") << -1 << QByteArray("0abcEND") << false;
 }
@@ -305,6 +378,16 @@ void TestSafeFile::only_what_exists_can_be_forced_to_the_disk()
     QVERIFY(TSafeFile::Sync(In("file")));
     QVERIFY(TSafeFile::Sync(d_folder->path()));
     QVERIFY(!TSafeFile::Sync(In("missing")));
+}
+
+void TestSafeFile::a_file_is_synced_also_without_standard_input()
+{
+    Write_File(In("file"), "content");
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        close(STDIN_FILENO);
+        return TSafeFile::Sync(In("file")) ? 0 : 1;
+    });
+    QCOMPARE(result.exit_code, 0);
 }
 
 QTEST_MAIN(TestSafeFile)

@@ -41,6 +41,8 @@ private slots:
     void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy_data();
     void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy();
     void a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy();
+    void the_file_system_copies_where_it_can_data();
+    void the_file_system_copies_where_it_can();
     void a_copy_that_the_file_system_does_not_finish_is_complete();
 
 private:
@@ -284,6 +286,28 @@ void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_
     net->After_Save(In("documents/a.quillet"), Empty_Project().size());
     Disarm();
     QVERIFY(QFile::exists(In(copy)));
+}
+
+void TestDurability::the_file_system_copies_where_it_can_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("one byte") << 1;
+    QTest::newRow("several blocks") << 3'000'000;
+}
+
+void TestDurability::the_file_system_copies_where_it_can()
+{
+    QFETCH(int, size);
+    Write_File(In("documents/source"), QByteArray(size, 'c'));
+    const auto calls = [this](Faults::TCall call) {
+        TSafeFile copy(In("documents/copy"));
+        Arm(call, Faults::Fail, 0);
+        return copy.Copy_From(In("documents/source")) ? Disarm() : -1;
+    };
+    const int clones = calls(Faults::Clone);
+    QVERIFY(clones > 0);
+    // Nothing is written besides.
+    QCOMPARE(calls(Faults::Write), clones);
 }
 
 void TestDurability::a_copy_that_the_file_system_does_not_finish_is_complete()
