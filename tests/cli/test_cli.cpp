@@ -27,8 +27,8 @@ QByteArray Sound_Project()
 
 } // namespace
 
-/// What all commands of the tool have in common. Each test has a folder with a sound document, a
-/// damaged one, a table and an image.
+/// Tests what all commands have in common. Each test has a folder with a sound document, a damaged
+/// one, a table and an image.
 class TestCli : public QObject
 {
     Q_OBJECT
@@ -61,7 +61,7 @@ class TestCli : public QObject
         return Support::Read_File(d_folder->filePath(name));
     }
 
-    /// A complete line for each command that writes a file named "out".
+    /// Adds the arguments of each command that writes a file, here "out".
     static void Add_Writing_Commands()
     {
         QTest::addColumn<QStringList>("arguments");
@@ -107,13 +107,13 @@ private slots:
             QVERIFY2(result.output.contains("\n  " + name + ' '), qPrintable(name));
     }
 
-    void the_version_is_that_of_the_program_data()
+    void version_prints_the_project_version_data()
     {
         QTest::addColumn<QString>("option");
         QTest::newRow("long") << "--version";
         QTest::newRow("short") << "-v";
     }
-    void the_version_is_that_of_the_program()
+    void version_prints_the_project_version()
     {
         QFETCH(const QString, option);
         const TToolResult result = Run({option});
@@ -122,13 +122,13 @@ private slots:
         QCOMPARE(result.errors, QString());
     }
 
-    void each_command_tells_how_to_use_it_data()
+    void each_command_prints_its_help_data()
     {
         QTest::addColumn<QString>("name");
         for (const QString& name : command_names)
             QTest::newRow(qPrintable(name)) << name;
     }
-    void each_command_tells_how_to_use_it()
+    void each_command_prints_its_help()
     {
         QFETCH(const QString, name);
         const TToolResult result = Run({name, "--help"});
@@ -136,11 +136,11 @@ private slots:
         QCOMPARE(result.errors, QString());
         QVERIFY2(result.output.startsWith("Usage: quillet-cli " + name + " [options]"),
                  qPrintable(result.output));
-        // What the toolkit's own options are is of no use here.
+        // Qt's own options are not listed.
         QVERIFY(!result.output.contains("--help-all"));
     }
 
-    void wrong_usage_is_told_from_failed_jobs_data()
+    void invalid_usage_exits_with_status_2_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("complaint");
@@ -195,7 +195,7 @@ private slots:
         row("kept --copy x --output out", "Invalid value 'x' for option 'copy'.");
         row("kept --copy 0 --output out", "Invalid value '0' for option 'copy'.");
     }
-    void wrong_usage_is_told_from_failed_jobs()
+    void invalid_usage_exits_with_status_2()
     {
         QFETCH(const QStringList, arguments);
         QFETCH(const QString, complaint);
@@ -209,13 +209,13 @@ private slots:
         QCOMPARE(result.home, QStringList());
     }
 
-    void a_name_that_is_not_in_utf_8_is_refused_data()
+    void an_argument_that_is_not_utf_8_is_refused_data()
     {
         QTest::addColumn<QString>("arguments");
         QTest::newRow("read") << "check $'b\\xff'";
         QTest::newRow("written") << "create image.png --output $'b\\xff'";
     }
-    void a_name_that_is_not_in_utf_8_is_refused()
+    void an_argument_that_is_not_utf_8_is_refused()
     {
         QFETCH(const QString, arguments);
         const QStringList before = Support::Entries(d_folder->path());
@@ -229,7 +229,7 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
 
-    void what_is_read_is_not_replaced_by_something_else_data()
+    void an_input_is_never_overwritten_data()
     {
         QTest::addColumn<QString>("arguments");
         QTest::addColumn<QString>("name");
@@ -245,7 +245,7 @@ private slots:
             << "import-items sound.quillet --csv items.csv --output items.csv"
             << "items.csv";
     }
-    void what_is_read_is_not_replaced_by_something_else()
+    void an_input_is_never_overwritten()
     {
         QFETCH(const QString, arguments);
         QFETCH(const QString, name);
@@ -258,8 +258,8 @@ private slots:
         QCOMPARE(Content(name), before);
     }
 
-    void a_file_that_is_there_stays_data() { Add_Writing_Commands(); }
-    void a_file_that_is_there_stays()
+    void an_existing_file_is_kept_without_force_data() { Add_Writing_Commands(); }
+    void an_existing_file_is_kept_without_force()
     {
         QFETCH(const QStringList, arguments);
         Support::Write_File(d_folder->filePath("out"), "old");
@@ -272,8 +272,8 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
 
-    void force_replaces_a_file_data() { Add_Writing_Commands(); }
-    void force_replaces_a_file()
+    void force_overwrites_an_existing_file_data() { Add_Writing_Commands(); }
+    void force_overwrites_an_existing_file()
     {
         QFETCH(const QStringList, arguments);
         Support::Write_File(d_folder->filePath("out"), "old");
@@ -285,8 +285,8 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
 
-    void a_full_disk_leaves_what_was_there_data() { Add_Writing_Commands(); }
-    void a_full_disk_leaves_what_was_there()
+    void a_full_disk_keeps_the_existing_file_data() { Add_Writing_Commands(); }
+    void a_full_disk_keeps_the_existing_file()
     {
         QFETCH(const QStringList, arguments);
         Support::Write_File(d_folder->filePath("out"), "old");
@@ -299,8 +299,8 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
 
-    void a_missing_folder_is_named_before_any_work_data() { Add_Writing_Commands(); }
-    void a_missing_folder_is_named_before_any_work()
+    void a_missing_output_folder_is_refused_data() { Add_Writing_Commands(); }
+    void a_missing_output_folder_is_refused()
     {
         QFETCH(QStringList, arguments);
         arguments.replaceInStrings(QRegularExpression("^out$"), "missing/out");
@@ -310,8 +310,8 @@ private slots:
                  QStringLiteral("quillet-cli: missing/out: the folder does not exist\n"));
     }
 
-    void a_folder_is_no_file_data() { Add_Writing_Commands(); }
-    void a_folder_is_no_file()
+    void a_folder_is_not_a_valid_output_data() { Add_Writing_Commands(); }
+    void a_folder_is_not_a_valid_output()
     {
         QFETCH(const QStringList, arguments);
         QVERIFY(QDir(d_folder->path()).mkdir("out"));
@@ -321,8 +321,8 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->filePath("out")), QStringList());
     }
 
-    void devices_are_not_replaced_data() { Add_Writing_Commands(); }
-    void devices_are_not_replaced()
+    void a_device_is_not_a_valid_output_data() { Add_Writing_Commands(); }
+    void a_device_is_not_a_valid_output()
     {
         QFETCH(QStringList, arguments);
         arguments.replaceInStrings(QRegularExpression("^out$"), "/dev/null");
@@ -383,7 +383,7 @@ private slots:
         const TToolResult result = Run(arguments);
         QCOMPARE(result.status, 1);
         QCOMPARE(result.output, QString());
-        // The length of the labels is the first that promises too much.
+        // The file ends within the labels, so the length field of the labels is the first defect.
         const int place = Sound_Project().indexOf("<?xml") - 4;
         QVERIFY2(
             result.errors.startsWith(QString("quillet-cli: damaged.quillet: byte %1: ").arg(place)),
@@ -392,7 +392,7 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
 
-    void a_missing_document_is_named_data()
+    void a_missing_document_is_reported_data()
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("defect");
@@ -405,7 +405,7 @@ private slots:
         QTest::newRow("legacy") << "nothing.qld"
                                 << "Background image not found";
     }
-    void a_missing_document_is_named()
+    void a_missing_document_is_reported()
     {
         QFETCH(const QString, path);
         QFETCH(const QString, defect);
@@ -414,13 +414,13 @@ private slots:
         QCOMPARE(result.errors, "quillet-cli: " + path + ": " + defect + '\n');
     }
 
-    void any_display_will_do_data()
+    void no_display_is_needed_data()
     {
         Add_Writing_Commands();
         QTest::newRow("export-images")
             << QStringList{"export-images", "sound.quillet", "--folder", "."};
     }
-    void any_display_will_do()
+    void no_display_is_needed()
     {
         QFETCH(const QStringList, arguments);
         for (const char* const display : {"", ":7654", "nonsense"}) {
@@ -428,19 +428,19 @@ private slots:
                                                 {QString(), d_folder->path(), display, QString()});
             QCOMPARE(result.errors, QString());
             QCOMPARE(result.status, 0);
-            // Nothing of the window's, and nothing else.
+            // The home folder stays empty.
             QCOMPARE(result.home, QStringList());
         }
     }
 
-    void options_of_the_toolkit_are_not_taken()
+    void options_of_qt_are_refused()
     {
         QCOMPARE(Run({"thumbnail", "sound.quillet", "--output", "out", "-platform", "xcb"}).status,
                  2);
         QCOMPARE(Run({"-platform", "xcb"}).status, 2);
     }
 
-    void a_full_standard_output_is_a_failure()
+    void a_full_standard_output_is_an_error()
     {
         QProcess process;
         process.setStandardOutputFile("/dev/full");
@@ -451,7 +451,7 @@ private slots:
                  QByteArray("quillet-cli: standard output: cannot be written\n"));
     }
 
-    void progress_is_for_terminals_alone_data()
+    void progress_is_only_shown_on_terminals_data()
     {
         QTest::addColumn<QString>("arguments");
         QTest::addColumn<QByteArray>("output");
@@ -466,13 +466,13 @@ private slots:
             << "recover sound.quillet --output b"
             << looking + saving + "b: pages: 1, undamaged pages: 1, labels: 1, defects: 0\r\n";
     }
-    void progress_is_for_terminals_alone()
+    void progress_is_only_shown_on_terminals()
     {
         QFETCH(const QString, arguments);
         QFETCH(const QByteArray, output);
         QCOMPARE(Run(arguments.split(' ')).errors, QString());
         QFile::remove(d_folder->filePath("b"));
-        // A terminal of its own, whose output is that of the process that made it.
+        // `script` runs the tool in a new terminal and prints that terminal's output.
         QProcess process;
         process.setWorkingDirectory(d_folder->path());
         process.start("script", {"-qec", Support::Tool_Path() + ' ' + arguments, "/dev/null"});
@@ -481,7 +481,7 @@ private slots:
         QCOMPARE(process.readAllStandardOutput(), output);
     }
 
-    void names_outside_of_ascii_are_found_in_any_locale()
+    void file_names_are_utf_8_in_any_locale()
     {
         const QString name = QString::fromUtf8("Prüfung Ω.quillet");
         Support::Write_File(d_folder->filePath(name), Sound_Project());

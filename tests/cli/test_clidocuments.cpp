@@ -36,7 +36,7 @@ QByteArray Two_Pages()
 
 } // namespace
 
-/// The commands that make documents and look at them: create, info, check, recover, reindex.
+/// Tests create, info, check, recover and reindex.
 class TestCliDocuments : public QObject
 {
     Q_OBJECT
@@ -55,7 +55,7 @@ class TestCliDocuments : public QObject
         Support::Write_File(Path(name), content);
     }
 
-    /// Makes a project of a folder "images" with files of these names; the names of its pages.
+    /// Creates a project from a folder with images of these names, and returns its page names.
     QStringList Page_Names_Of(const QStringList& file_names) const
     {
         QDir(d_folder->path()).mkdir("images");
@@ -107,13 +107,13 @@ private slots:
                  QString());
     }
 
-    void images_of_a_folder_are_counted_as_people_do()
+    void images_of_a_folder_are_in_natural_order()
     {
         QCOMPARE(Page_Names_Of({"page 10.png", "page 2.png", "Page 1.png", "page 9.PNG"}),
                  QStringList({"Page 1", "page 2", "page 9", "page 10"}));
     }
 
-    void only_images_of_a_folder_are_taken_and_no_hidden_ones()
+    void other_and_hidden_files_of_a_folder_are_ignored()
     {
         Write_Others();
         QCOMPARE(Page_Names_Of({"b.jpeg.png"}), QStringList({"b.jpeg"}));
@@ -133,7 +133,7 @@ private slots:
         QCOMPARE(Page_Names("out"), QStringList({"z", "1", "2", "a"}));
     }
 
-    void what_is_no_image_is_named_and_nothing_is_written_data()
+    void an_unreadable_image_is_reported_and_nothing_is_written_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("defect");
@@ -148,7 +148,7 @@ private slots:
         QTest::newRow("missing, in a folder") << "linked"
                                               << "linked/b.png: No such file or directory";
     }
-    void what_is_no_image_is_named_and_nothing_is_written()
+    void an_unreadable_image_is_reported_and_nothing_is_written()
     {
         QFETCH(const QString, name);
         QFETCH(const QString, defect);
@@ -163,12 +163,12 @@ private slots:
         QCOMPARE(result.status, 1);
         const QString complaint =
             "quillet-cli: " + (defect.contains(": ") ? QString() : name + ": ") + defect + '\n';
-        // The PNG library may have had its say before.
+        // libpng may print its own message before.
         QVERIFY2(result.errors.endsWith(complaint), qPrintable(result.errors));
         QVERIFY(!QFile::exists(Path("out")));
     }
 
-    void information_is_for_people()
+    void info_prints_text()
     {
         Write("a.quillet", Two_Pages());
         const TToolResult result = Run({"info", "a.quillet"});
@@ -184,7 +184,7 @@ private slots:
                                                "2: no image, labels: 0, b\n"));
     }
 
-    void information_is_for_programs()
+    void info_prints_json()
     {
         Write("a.quillet", Two_Pages());
         const QJsonObject expected{
@@ -204,7 +204,7 @@ private slots:
         QCOMPARE(Information("a.quillet"), expected);
     }
 
-    void texts_with_place_holders_are_told_as_they_are()
+    void info_prints_texts_with_placeholders_unchanged()
     {
         Write("%1.quillet",
               Header(48, "#0a141e", "%2", "", 1) + Page_Record("%1 %3", QByteArray(), Item_List()));
@@ -214,14 +214,14 @@ private slots:
         QVERIFY(output.endsWith("1: no image, labels: 0, %1 %3\n"));
     }
 
-    void a_document_without_pages_is_a_document()
+    void a_document_without_pages_is_valid()
     {
         Write("a.quillet", Support::Empty_Project());
         QVERIFY(Run({"info", "a.quillet"}).output.endsWith("Pages: 0\n"));
         QCOMPARE(Run({"check", "a.quillet"}).status, 0);
     }
 
-    void sound_files_are_found_sound()
+    void check_accepts_sound_files()
     {
         Write("a.quillet", Two_Pages());
         Write("b.quillet", Support::Empty_Project());
@@ -231,7 +231,7 @@ private slots:
         QCOMPARE(result.output, QStringLiteral("a.quillet: no defects\nb.quillet: no defects\n"));
     }
 
-    void each_defect_is_named_with_its_place()
+    void check_reports_each_defect_with_its_offset()
     {
         Write("a.quillet", Two_Pages());
         Write("b.quillet", Two_Pages().left(10));
@@ -246,7 +246,7 @@ private slots:
         QCOMPARE(lines.last(), QStringLiteral("quillet-cli: missing: No such file or directory"));
     }
 
-    void a_sound_file_does_not_hide_the_defects_of_the_one_before()
+    void check_fails_if_only_the_first_file_is_damaged()
     {
         Write("a.quillet", Two_Pages());
         Write("b.quillet", Two_Pages().left(10));
@@ -256,12 +256,12 @@ private slots:
         QCOMPARE(result.output, QStringLiteral("a.quillet: no defects\n"));
     }
 
-    void an_image_that_cannot_be_decoded_is_a_defect_of_a_check_alone()
+    void only_check_reports_an_image_that_cannot_be_decoded()
     {
         Write("a.quillet",
               Header(48, "#0a141e", "", "", 1) + Page_Record("a", Picture().left(30), Item_List()));
         QCOMPARE(Run({"check", "a.quillet"}).status, 1);
-        // The window opens such a file.
+        // The window opens such a file, so other commands do, too.
         QCOMPARE(Run({"info", "a.quillet"}).status, 0);
     }
 
@@ -283,7 +283,7 @@ private slots:
         QVERIFY(check.status == 1 || info.status == 0);
     }
 
-    void a_legacy_document_is_checked_too()
+    void check_accepts_legacy_documents()
     {
         Write("a.qli", Picture());
         Write("a.qld", "<Quillet_Data");
@@ -294,7 +294,7 @@ private slots:
         QCOMPARE(Run({"check", "a.qld"}).status, 0);
     }
 
-    void what_is_whole_is_recovered_and_what_was_lost_is_told()
+    void recover_saves_whole_pages_and_reports_the_rest()
     {
         const QByteArray sound = Header(48, "#0a141e", "one", "two", 2) +
                                  Page_Record("a", Picture(), One_Label("7")) +
@@ -318,7 +318,7 @@ private slots:
         QCOMPARE(Page_Names("out").first(), QStringLiteral("a"));
     }
 
-    void a_legacy_document_is_not_taken_for_a_damaged_project()
+    void recover_refuses_a_legacy_document()
     {
         Write("a.qli", Picture());
         Write("a.qld", "<Quillet_Data File_Version=\"2\"><Item><ID>1</ID></Item></Quillet_Data>");
@@ -330,14 +330,14 @@ private slots:
         QVERIFY(!QFile::exists(Path("out")));
     }
 
-    void what_holds_no_page_is_not_recovered_data()
+    void recover_refuses_a_file_without_pages_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("text") << QByteArray("This is a letter.");
         QTest::newRow("header alone") << Two_Pages().left(20);
     }
-    void what_holds_no_page_is_not_recovered()
+    void recover_refuses_a_file_without_pages()
     {
         QFETCH(const QByteArray, content);
         Write("a.quillet", content);
@@ -348,7 +348,7 @@ private slots:
         QVERIFY(!QFile::exists(Path("out")));
     }
 
-    void a_document_can_be_numbered_in_place()
+    void a_document_can_be_renumbered_in_place()
     {
         Write("a.quillet", Two_Pages());
         QCOMPARE(Run({"reindex", "a.quillet", "--first", "-4", "--over-page", "1", "--output",

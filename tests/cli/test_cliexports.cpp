@@ -37,7 +37,7 @@ QString Time_Stamp()
 
 } // namespace
 
-/// The commands that draw: export-images, export-pdf, thumbnail.
+/// Tests the commands that draw: export-images, export-pdf and thumbnail.
 class TestCliExports : public QObject
 {
     Q_OBJECT
@@ -104,7 +104,7 @@ private slots:
         QCOMPARE(QImage(Path("out/" + names.at(0))).size(), QSize(30, 10));
     }
 
-    void an_image_that_is_there_stays_unless_forced()
+    void an_existing_image_is_kept_without_force()
     {
         Write_Project(Page("a", Picture(20, 10)) + Page("b", Picture(30, 10)), 2);
         const QStringList old_names = Write_Images_Of_Next_Minute("b", 2);
@@ -119,9 +119,9 @@ private slots:
         QCOMPARE(Support::Entries(Path("out")).size(), old_names.size() + 1);
     }
 
-    void a_page_that_cannot_be_written_leaves_no_images()
+    void a_failed_image_export_removes_its_images()
     {
-        // No file system takes a name as long as that.
+        // The name is too long for any file system.
         Write_Project(Page("a", Picture(20, 10)) + Page(QByteArray(300, 'x'), Picture(30, 10)), 2);
         const TToolResult result = Run({"export-images", "a.quillet", "--folder", "out"});
         QCOMPARE(result.status, 1);
@@ -132,9 +132,9 @@ private slots:
         QCOMPARE(Support::Entries(Path("out")), QStringList());
     }
 
-    void a_page_that_cannot_be_written_keeps_the_images_that_were_there()
+    void a_failed_image_export_keeps_existing_images()
     {
-        // No file system takes a name as long as that.
+        // The name is too long for any file system.
         Write_Project(Page("a", Picture(20, 10)) + Page(QByteArray(300, 'x'), Picture(30, 10)), 2);
         const QStringList old_names = Write_Images_Of_Next_Minute("a", 1);
         const TToolResult result =
@@ -143,13 +143,13 @@ private slots:
         QCOMPARE(Support::Entries(Path("out")), old_names);
     }
 
-    void a_folder_for_images_has_to_be_there_data()
+    void the_image_folder_must_exist_data()
     {
         QTest::addColumn<QString>("folder");
         QTest::newRow("missing") << "missing";
         QTest::newRow("a file") << "a.quillet";
     }
-    void a_folder_for_images_has_to_be_there()
+    void the_image_folder_must_exist()
     {
         QFETCH(const QString, folder);
         Write_Project(Page("a", Picture(20, 10)), 1);
@@ -158,7 +158,7 @@ private slots:
         QCOMPARE(result.errors, "quillet-cli: " + folder + ": is not a folder\n");
     }
 
-    void without_pages_there_is_nothing_to_draw_data()
+    void a_document_without_pages_cannot_be_drawn_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::newRow("images") << QStringList{"export-images", "a.quillet", "--folder", "out"};
@@ -166,7 +166,7 @@ private slots:
         QTest::newRow("thumbnail")
             << QStringList{"thumbnail", "a.quillet", "--output", "out/t.png"};
     }
-    void without_pages_there_is_nothing_to_draw()
+    void a_document_without_pages_cannot_be_drawn()
     {
         QFETCH(const QStringList, arguments);
         Write_Project(QByteArray(), 0);
@@ -176,7 +176,7 @@ private slots:
         QCOMPARE(Support::Entries(Path("out")), QStringList());
     }
 
-    void a_report_is_a_whole_file()
+    void a_report_is_complete()
     {
         Write_Project(Page("a", Picture(20, 10)), 1);
         QCOMPARE(Run({"export-pdf", "a.quillet", "--output", "out/r.pdf"}).status, 0);
@@ -184,14 +184,14 @@ private slots:
         QCOMPARE(Support::Entries(Path("out")), QStringList{"r.pdf"});
     }
 
-    void every_text_of_the_settings_panel_is_a_resolution_data()
+    void texts_of_the_settings_panel_are_valid_resolutions_data()
     {
         QTest::addColumn<QString>("text");
         for (const char* const text : {"96", "180", "276", "372", "96 DPI", "180 dpi", "276 Dpi",
                                        "372 DPI", "1", "2", "3", "4"})
             QTest::newRow(text) << text;
     }
-    void every_text_of_the_settings_panel_is_a_resolution()
+    void texts_of_the_settings_panel_are_valid_resolutions()
     {
         QFETCH(const QString, text);
         Write_Project(Page("a", Picture(20, 10)), 1);
@@ -199,7 +199,7 @@ private slots:
                  0);
     }
 
-    void a_large_page_is_fitted_into_the_thumbnail_data()
+    void a_large_page_is_scaled_down_for_the_thumbnail_data()
     {
         QTest::addColumn<QSize>("page");
         QTest::addColumn<QStringList>("options");
@@ -213,7 +213,7 @@ private slots:
         QTest::newRow("one pixel") << QSize(60, 40) << QStringList{"--size", "1"} << QSize(1, 1);
         QTest::newRow("as large") << QSize(128, 128) << QStringList() << QSize(128, 128);
     }
-    void a_large_page_is_fitted_into_the_thumbnail()
+    void a_large_page_is_scaled_down_for_the_thumbnail()
     {
         QFETCH(const QSize, page);
         QFETCH(const QStringList, options);
@@ -222,7 +222,7 @@ private slots:
                  thumbnail);
     }
 
-    void a_small_page_is_not_blown_up()
+    void a_small_page_is_not_enlarged()
     {
         const QImage picture = Picture(60, 40);
         QCOMPARE(Support::Difference(Thumbnail_Of(Page("a", picture)), picture), QString());
@@ -234,7 +234,7 @@ private slots:
         const QByteArray items = Item_List(Item_Element("5", "7", "", "1", "50.00,40.00"));
         Write_Project(Page("a", picture, items) + Page("b", Picture(20, 10)), 2);
         QCOMPARE(Run({"thumbnail", "a.quillet", "--output", "t.png"}).status, 0);
-        // Size 32 has a font of 13 points.
+        // Labels of size 32 have a font of 13 points.
         const TLabelStyle style{32 + LabelPainter::Margin, 32 + LabelPainter::Margin, 13,
                                 QColor(QString::fromLatin1(color))};
         QImage expected = picture;
@@ -272,14 +272,14 @@ private slots:
         const TToolResult result = Run({"thumbnail", "a.quillet", "--output", "t.png"});
         qunsetenv(variable.constData());
         qunsetenv("QT_PLUGIN_PATH");
-        // A plugin of the desktop would print that it was loaded.
+        // The desktop plugins print a line when they are loaded.
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
         QCOMPARE(Support::Difference(QImage(Path("t.png")), QImage(Path("expected.png"))),
                  QString());
     }
 
-    void thumbnails_are_as_sharp_as_the_toolkit_makes_them()
+    void thumbnails_are_scaled_smoothly()
     {
         const QImage picture = Picture(512, 256);
         const QImage expected =

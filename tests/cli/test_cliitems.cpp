@@ -24,7 +24,7 @@ QByteArray Project(const QByteArray& first_items, const QByteArray& second_items
 
 } // namespace
 
-/// Labels as a table, and the copies that the window keeps.
+/// Tests export-items, import-items and kept.
 class TestCliItems : public QObject
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ class TestCliItems : public QObject
         return Support::Run_Tool(arguments, {Path("home"), d_folder->path(), QString(), QString()});
     }
 
-    /// Puts a copy where the window keeps such ones, some seconds old.
+    /// Writes a backup or recovery copy with an age in seconds.
     void Keep(const QString& name, const QByteArray& content, const QString& document,
               int age) const
     {
@@ -50,7 +50,7 @@ class TestCliItems : public QObject
         Support::Make_Old(path + ".quillet", age);
     }
 
-    /// Names, sizes and times of all that is in the home folder.
+    /// Returns names, sizes and times of all files in the home folder.
     QStringList Home() const
     {
         QStringList lines;
@@ -75,7 +75,7 @@ private slots:
         QVERIFY(QDir(d_folder->path()).mkdir("home"));
     }
 
-    void labels_go_out_page_by_page()
+    void labels_are_exported_page_by_page()
     {
         Support::Write_File(Path("a.quillet"),
                             Project(Item_Element("9", "-3", "a, \"b\"", "8", "1.50,2.00"),
@@ -93,7 +93,7 @@ private slots:
                                               "2,8,,ellipse,0,0\r\n");
     }
 
-    void labels_come_in_behind_those_that_are_there_under_new_ids()
+    void imported_labels_are_appended_under_new_ids()
     {
         Support::Write_File(Path("a.quillet"),
                             Project(Item_Element("2", "5", "", "0", "1.00,2.00"), QByteArray()));
@@ -111,7 +111,7 @@ private slots:
         QCOMPARE(Support::Byte_Difference(Content("out"), expected), QString());
     }
 
-    void a_text_of_several_lines_becomes_one_of_one_line()
+    void line_breaks_in_texts_become_blanks()
     {
         Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
         Support::Write_File(Path("items.csv"), head + "1,7,\"Pump\r\nleaks\n\",,3,4\r\n");
@@ -124,7 +124,7 @@ private slots:
             QString());
     }
 
-    void what_went_out_comes_in_again()
+    void exported_labels_can_be_imported()
     {
         Support::Write_File(Path("a.quillet"),
                             Project(Item_Element("1", "5", "x", "4", "1.25,2.00"),
@@ -137,7 +137,7 @@ private slots:
         QCOMPARE(Support::Byte_Difference(Content("out"), Content("a.quillet")), QString());
     }
 
-    void a_bad_row_is_named_and_nothing_is_written_data()
+    void an_invalid_row_is_reported_and_nothing_is_written_data()
     {
         QTest::addColumn<QByteArray>("table");
         QTest::addColumn<QString>("complaint");
@@ -152,7 +152,7 @@ private slots:
         QTest::newRow("no header") << QByteArray("1,1,,,1,1\r\n") << "line 1: ";
         QTest::newRow("empty") << QByteArray() << "line 1: ";
     }
-    void a_bad_row_is_named_and_nothing_is_written()
+    void an_invalid_row_is_reported_and_nothing_is_written()
     {
         QFETCH(const QByteArray, table);
         QFETCH(const QString, complaint);
@@ -167,7 +167,7 @@ private slots:
         QVERIFY(!QFile::exists(Path("out")));
     }
 
-    void a_missing_table_is_named()
+    void a_missing_table_is_reported()
     {
         Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
         const TToolResult result =
@@ -177,7 +177,7 @@ private slots:
                  QStringLiteral("quillet-cli: items.csv: No such file or directory\n"));
     }
 
-    void a_text_that_cannot_be_saved_is_a_failure()
+    void a_text_that_cannot_be_saved_is_an_error()
     {
         Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
         Support::Write_File(Path("items.csv"), head + "1,1,\x01,,1,1\r\n");
@@ -188,7 +188,7 @@ private slots:
         QVERIFY(!QFile::exists(Path("out")));
     }
 
-    void without_copies_the_list_says_so()
+    void kept_without_copies_prints_a_message()
     {
         const TToolResult result = Run({"kept"});
         QCOMPARE(result.status, 0);
@@ -196,7 +196,7 @@ private slots:
         QCOMPARE(result.home, QStringList());
     }
 
-    void copies_are_listed_newest_first()
+    void kept_lists_copies_newest_first()
     {
         Keep("backup/one", Support::Empty_Project(), "/tmp/one.quillet", 100);
         Keep("recovery/20260501-010203", Support::Empty_Project() + "longer", "", 200);
@@ -218,7 +218,7 @@ private slots:
         QCOMPARE(Home(), before);
     }
 
-    void a_copy_is_copied_out_and_stays()
+    void kept_copies_a_copy_and_keeps_it()
     {
         Keep("backup/one", Support::Empty_Project(40), "/tmp/one.quillet", 100);
         Keep("recovery/two", Support::Empty_Project(50), "", 200);
@@ -230,7 +230,7 @@ private slots:
         QCOMPARE(Home(), before);
     }
 
-    void a_copy_does_not_replace_a_file_unless_forced()
+    void kept_overwrites_only_with_force()
     {
         Keep("backup/one", Support::Empty_Project(40), "/tmp/one.quillet", 100);
         Support::Write_File(Path("out"), "old");
@@ -243,7 +243,7 @@ private slots:
         QCOMPARE(Content("out"), Support::Empty_Project(40));
     }
 
-    void a_number_beyond_the_list_is_a_failure()
+    void kept_refuses_a_number_beyond_the_list()
     {
         Keep("backup/one", Support::Empty_Project(), "/tmp/one.quillet", 100);
         const TToolResult result = Run({"kept", "--copy", "2", "--output", "out"});

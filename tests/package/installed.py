@@ -1,4 +1,4 @@
-"""What the tests of the installed files share: where the files are, and tools to look at them."""
+"""Shared by the tests of the installed files: their paths, and tools to inspect them."""
 import os
 import re
 import subprocess
@@ -10,12 +10,12 @@ ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
 
 
 def setting(name):
-    """What CMake tells a test about the build."""
+    """Returns a setting of the build, which CMake passes in the environment."""
     return os.environ["QUILLET_" + name]
 
 
 def prefix():
-    """The folder below which the build is installed."""
+    """Returns the folder in which the build is installed."""
     return os.path.join(setting("STAGE"), setting("PREFIX").lstrip("/"))
 
 
@@ -38,7 +38,7 @@ def files_below(folder):
 
 
 def run(*command, **options):
-    """Runs a command that has to succeed, and returns what it printed."""
+    """Runs a command, which must succeed, and returns its output."""
     result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                             stdin=subprocess.DEVNULL, encoding="utf-8", check=False, **options)
     if result.returncode != 0:
@@ -51,7 +51,7 @@ def run_with(environment, *command, **options):
 
 
 def png_size(path):
-    """Width and height from a PNG's header."""
+    """Returns width and height from a PNG's header."""
     with open(path, "rb") as file:
         header = file.read(24)
     assert header[:8] == b"\x89PNG\r\n\x1a\n", path
@@ -59,7 +59,7 @@ def png_size(path):
 
 
 def expected_files():
-    """Every file that is installed, below the prefix."""
+    """Returns all installed files, relative to the prefix."""
     icons = [f"share/icons/hicolor/{size}x{size}/{name}.png" for size in ICON_SIZES
              for name in (f"apps/{ID}", "mimetypes/application-x-quillet")]
     pictures = [f"share/doc/quillet/pictures/{name}" for name in os.listdir(source("docs/pictures"))]
@@ -83,7 +83,7 @@ def expected_files():
 
 
 def man_page(name):
-    """A manual page as plain text, and what man has to say against it."""
+    """Returns a manual page as plain text, and man's warnings about it."""
     result = subprocess.run(
         ["man", "--warnings", "-Tutf8", "-l", installed("share/man/man1", name + ".gz")],
         capture_output=True, encoding="utf-8", check=True,

@@ -1,4 +1,4 @@
-"""The Debian package: what is in it, what it says of itself, and what Debian's checker says of it."""
+"""Tests the Debian package: its content, its fields and lintian's opinion."""
 import glob
 import os
 import re
@@ -27,10 +27,10 @@ class TestPackage(unittest.TestCase):
         self.assertEqual(run("lintian", "--no-cfg", "--allow-root", "--fail-on", "error,warning",
                              self.path), "")
 
-    def test_it_holds_what_is_installed(self):
-        held = [path for path in installed.files_below(self.folder)
-                if not path.startswith("DEBIAN/")]
-        self.assertEqual(held, [f"usr/{path}" for path in installed.expected_files()])
+    def test_it_contains_the_installed_files(self):
+        files = [path for path in installed.files_below(self.folder)
+                 if not path.startswith("DEBIAN/")]
+        self.assertEqual(files, [f"usr/{path}" for path in installed.expected_files()])
 
     def test_owners_and_modes(self):
         for line in run("dpkg-deb", "--contents", self.path).splitlines():
@@ -39,13 +39,13 @@ class TestPackage(unittest.TestCase):
             runs = name.startswith("./usr/bin/") or name.endswith("/")
             self.assertEqual(mode[1:], "rwxr-xr-x" if runs else "rw-r--r--", line)
 
-    def test_check_sums_hold_for_every_file(self):
+    def test_every_file_has_a_valid_checksum(self):
         sums = os.path.join(self.folder, "DEBIAN/md5sums")
         self.assertEqual(stat.S_IMODE(os.stat(sums).st_mode), 0o644)
         self.assertEqual(len(installed.read(sums).splitlines()), len(installed.expected_files()))
         run("md5sum", "--check", "--quiet", "DEBIAN/md5sums", cwd=self.folder)
 
-    def test_it_runs_no_scripts_when_it_comes_and_goes(self):
+    def test_it_has_no_maintainer_scripts(self):
         self.assertEqual(sorted(os.listdir(os.path.join(self.folder, "DEBIAN"))),
                          ["control", "md5sums"])
 

@@ -1,4 +1,4 @@
-"""What a desktop reads: by its own validators, and by what its tools make of it."""
+"""Tests the files for the desktop with its validators and tools."""
 import configparser
 import os
 import re
@@ -22,7 +22,7 @@ def write(path, content):
 
 
 def write_png(path, width, height):
-    """A picture in one colour."""
+    """Writes a picture in one colour."""
     def chunk(kind, content):
         return (struct.pack(">I", len(content)) + kind + content
                 + struct.pack(">I", zlib.crc32(kind + content)))
@@ -91,7 +91,7 @@ class TestMetainfo(unittest.TestCase):
 
 
 class TestFileType(unittest.TestCase):
-    """With a copy of the installed files, to which the desktop's own tool adds what it generates."""
+    """Uses a copy of the installed files, to which update-mime-database adds its output."""
 
     @classmethod
     def setUpClass(cls):
@@ -103,7 +103,7 @@ class TestFileType(unittest.TestCase):
                                   os.path.join(cls.share, "mime"))
 
     def look(self, name, content):
-        """What gio takes a file for, and the icons it would show, best first."""
+        """Returns the content type and the icons, best first, that gio finds for a file."""
         path = os.path.join(self.folder, name)
         write(path, content)
         text = run_with({"XDG_DATA_DIRS": self.share, "GIO_USE_VFS": "local"}, "gio", "info",

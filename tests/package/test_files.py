@@ -1,4 +1,4 @@
-"""What an installation puts where, and that every part of it tells the same version and licence."""
+"""Tests which files are installed where, and that all of them state the same version and licence."""
 import gzip
 import os
 import re
@@ -15,14 +15,14 @@ class TestFiles(unittest.TestCase):
     def test_every_file_is_installed_and_no_other(self):
         self.assertEqual(installed.files_below(installed.prefix()), installed.expected_files())
 
-    def test_nothing_is_installed_beside_the_prefix(self):
+    def test_nothing_is_installed_outside_the_prefix(self):
         stage = installed.setting("STAGE")
         below = installed.setting("PREFIX").lstrip("/")
         self.assertEqual([path for path in installed.files_below(stage)
                           if not path.startswith(below + "/")], [])
 
     def test_everybody_may_read_each_file_that_is_installed(self):
-        # Folders that are new are open to those to whom whoever installs opens them.
+        # Modes of folders depend on the umask during the installation.
         for path in installed.files_below(installed.prefix()):
             mode = 0o755 if path.startswith("bin/") else 0o644
             self.assertEqual(stat.S_IMODE(os.stat(installed.installed(path)).st_mode), mode, path)
@@ -44,7 +44,7 @@ class TestFiles(unittest.TestCase):
 
 
 class TestVersion(unittest.TestCase):
-    """The version stands in CMakeLists.txt; where it has to be repeated, it is the same."""
+    """The version is defined in CMakeLists.txt; every other place must repeat it."""
 
     version = installed.setting("VERSION")
 

@@ -1,4 +1,4 @@
-"""Manual pages and completion: sound, and in line with what the tool itself tells."""
+"""Tests the manual pages and the completion, and that they agree with the tool's help."""
 import os
 import re
 import tempfile
@@ -12,29 +12,29 @@ IMAGES = ("bmp", "gif", "jpeg", "jpg", "pbm", "pgm", "png", "ppm", "xbm", "xpm")
 
 
 def subcommands():
-    """The subcommands that the tool's help lists."""
+    """Returns the subcommands in the tool's help."""
     return re.findall(r"^  ([a-z][a-z-]*)  ", run(TOOL, "--help"), re.MULTILINE)
 
 
 def options_in_help(subcommand):
-    """The options of a subcommand, without those that ask for the help itself."""
+    """Returns the options in a subcommand's help, without --help."""
     names = re.findall(r"^\s+(?:-\w, )*(--[a-z0-9-]+)", run(TOOL, subcommand, "--help"), re.MULTILINE)
     return set(names) - {"--help", "--help-all"}
 
 
 class TestManualPages(unittest.TestCase):
 
-    def test_man_finds_nothing_to_warn_of(self):
+    def test_man_prints_no_warnings(self):
         for name in ("quillet.1", "quillet-cli.1"):
             self.assertEqual(installed.man_page(name)[1], "", name)
 
-    def test_they_are_found_by_what_they_are_about(self):
+    def test_whatis_can_index_them(self):
         for name in ("quillet", "quillet-cli"):
             text = run("lexgrog", installed.installed("share/man/man1", name + ".1.gz"))
             self.assertIn(f'"{name} - ', text)
 
     def sections(self):
-        """The part of each subcommand in the tool's page."""
+        """Returns the section of each subcommand in the tool's page."""
         text = installed.man_page("quillet-cli.1")[0]
         parts = re.split(r"^ {3}(\S.*)\n", re.search(
             r"^SUBCOMMANDS\n(.*?)^EXIT STATUS\n", text, re.DOTALL | re.MULTILINE)[1],
@@ -44,7 +44,7 @@ class TestManualPages(unittest.TestCase):
     def test_each_subcommand_has_a_section(self):
         self.assertEqual(list(self.sections()), subcommands())
 
-    def test_each_section_tells_the_options_that_the_tool_tells(self):
+    def test_each_section_lists_the_options_in_the_help(self):
         for subcommand, text in self.sections().items():
             with self.subTest(subcommand):
                 synopsis, rest = text.split("\n\n", 1)
@@ -55,7 +55,7 @@ class TestManualPages(unittest.TestCase):
 
 
 class TestCompletion(unittest.TestCase):
-    """Asks bash, which finds the completion where it looks for those of all programs."""
+    """Lets bash load the completion from its usual folder."""
 
     script = r"""
         . /usr/share/bash-completion/bash_completion
@@ -90,7 +90,7 @@ class TestCompletion(unittest.TestCase):
         self.assertEqual(self.complete(""), sorted(subcommands()))
         self.assertEqual(self.complete("export-p"), ["export-pdf"])
 
-    def test_options_are_those_that_the_tool_tells(self):
+    def test_options_are_those_in_the_help(self):
         for subcommand in subcommands():
             with self.subTest(subcommand):
                 offered = set(self.complete(subcommand, "--")) - {"--help", "--help-all"}
@@ -104,7 +104,7 @@ class TestCompletion(unittest.TestCase):
             if subcommand not in ("create", "kept", "recover"):
                 self.assertEqual(self.complete(subcommand, ""),
                                  ["a.quillet", "folder", "old.qld"])
-        # Mending is for projects alone.
+        # Only projects can be recovered.
         self.assertEqual(self.complete("recover", ""), ["a.quillet", "folder"])
         self.assertEqual(self.complete("kept", ""), [])
 
@@ -112,7 +112,7 @@ class TestCompletion(unittest.TestCase):
         self.assertEqual(self.complete("create", ""),
                          ["folder"] + [f"page.{kind}" for kind in IMAGES])
 
-    def test_offered_values_are_those_that_the_tool_tells(self):
+    def test_values_are_those_in_the_help(self):
         for subcommand, option in (("reindex", "over-page"), ("export-pdf", "orientation"),
                                    ("export-pdf", "resolution")):
             description = re.search(rf"--{option} .*?(?=\n +--|\Z)", run(TOOL, subcommand, "--help"),

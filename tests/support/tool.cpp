@@ -9,8 +9,8 @@ namespace Support {
 
 namespace {
 
-/// The test's environment without anything that leads to the user's folders or to a display. What
-/// the font library keeps is not the tool's doing and lies elsewhere.
+/// Returns the test's environment without variables that lead to the user's folders or to a
+/// display. XDG_CACHE_HOME stays: fontconfig's cache must not appear in the home folder.
 QProcessEnvironment Environment(const TToolSurroundings& surroundings, const QString& home)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

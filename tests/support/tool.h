@@ -4,31 +4,31 @@
 #include <QString>
 #include <QStringList>
 
-/// Runs of the command-line tool, in processes of their own.
+/// Runs the command-line tool in a process of its own.
 namespace Support {
 
-/// What came of a run.
+/// Result of a run.
 struct TToolResult
 {
-    int status = -1; ///< exit status; -1 when it did not end by itself
+    int status = -1; ///< exit status; -1 after a crash or timeout
     QString output;
     QString errors;
-    QStringList home; ///< what was in its home folder afterwards
+    QStringList home; ///< entries of its home folder after the run
 };
 
-/// A run's surroundings.
+/// Environment of a run.
 struct TToolSurroundings
 {
-    QString home;      ///< its home folder; a new empty one when this is empty
-    QString folder;    ///< in which it runs; the test's own when this is empty
-    QString display;   ///< DISPLAY; unset when this is empty
-    QString file_size; ///< in blocks of 1024 bytes, beyond which no file grows; empty for no limit
+    QString home;      ///< home folder; empty for a new empty folder
+    QString folder;    ///< working directory; empty for the test's own
+    QString display;   ///< DISPLAY; empty to unset it
+    QString file_size; ///< maximum size of a file in blocks of 1024 bytes; empty for no limit
 };
 
-/// Path of the tool, for runs of another kind.
+/// Path of the tool, for tests that start it themselves.
 QString Tool_Path();
 
-/// Runs the tool to its end.
+/// Runs the tool and waits for it.
 TToolResult Run_Tool(const QStringList& arguments, const TToolSurroundings& surroundings = {});
 
 } // namespace Support
