@@ -28,6 +28,7 @@ private slots:
     void documents_do_not_share_a_backup();
     void there_is_no_backup_of_a_missing_or_empty_file_data();
     void there_is_no_backup_of_a_missing_or_empty_file();
+    void there_is_no_backup_of_a_read_only_document();
     void every_path_of_a_document_has_the_same_backup();
     void a_deleted_document_still_has_its_backup();
     void the_list_has_document_time_and_size_newest_first();
@@ -114,6 +115,17 @@ void TestBackup::there_is_no_backup_of_a_missing_or_empty_file()
     QVERIFY(QDir(In("documents")).mkdir("folder"));
     QVERIFY(Backup().Keep(In("documents/" + name), true));
     QVERIFY(Backup().List().empty());
+}
+
+void TestBackup::there_is_no_backup_of_a_read_only_document()
+{
+    const QString document = Document("a.quillet", "content");
+    QVERIFY(QFile::setPermissions(document, QFile::ReadOwner));
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        Support::Obey_File_Permissions();
+        return Backup().Keep(document, false) && Backup().List().empty() ? 0 : 1;
+    });
+    QCOMPARE(result.exit_code, 0);
 }
 
 void TestBackup::every_path_of_a_document_has_the_same_backup()
