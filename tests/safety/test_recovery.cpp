@@ -366,6 +366,11 @@ void TestRecovery::only_abandoned_copies_of_the_folder_can_be_removed()
     later.Remove_Abandoned(path);
     QVERIFY(QFile::exists(elsewhere) && QFile::exists(path));
     recovery.Release();
+    // A user's copy of the file has the same name.
+    const QString same_name = d_folder->filePath(QFileInfo(path).fileName());
+    QVERIFY(QFile::copy(path, same_name));
+    later.Remove_Abandoned(same_name);
+    QVERIFY(QFile::exists(same_name) && QFile::exists(path));
     later.Remove_Abandoned(Folder() + "/../recovery/" + QFileInfo(path).fileName());
     QVERIFY(Entries(Folder()).isEmpty());
 }

@@ -36,6 +36,7 @@ private slots:
     void releasing_leaves_the_copy();
     void a_save_backs_up_the_previous_version();
     void an_incomplete_file_does_not_replace_the_backup();
+    void a_damaged_document_is_backed_up();
     void a_copy_is_abandoned_once_its_process_has_released_it();
     void an_opened_copy_is_deleted_after_a_save_elsewhere();
     void an_abandoned_copy_stays_otherwise_data();
@@ -262,6 +263,20 @@ void TestSafetyNet::an_incomplete_file_does_not_replace_the_backup()
     Save(net.get(), path, Empty_Project(42));
     Save(net.get(), path, Empty_Project(43));
     QCOMPARE(Read_File(backup.Path_For(path)), Empty_Project(42));
+}
+
+void TestSafetyNet::a_damaged_document_is_backed_up()
+{
+    // Only a file that this program's own save left incomplete is not.
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    for (const char* const content : {"damaged", "damaged after an incomplete save"}) {
+        Write_File(path, content);
+        Save(net.get(), path, Empty_Project());
+        QCOMPARE(Read_File(TBackup(In("settings/backup")).Path_For(path)), QByteArray(content));
+        Save(net.get(), path, "short");
+        Save(net.get(), path, Empty_Project());
+    }
 }
 
 void TestSafetyNet::a_copy_is_abandoned_once_its_process_has_released_it()
