@@ -44,6 +44,7 @@ private slots:
     void an_unusable_settings_folder_is_reported_once_data();
     void an_unusable_settings_folder_is_reported_once();
     void a_full_disk_is_reported_once();
+    void stale_files_are_deleted_at_the_start();
     void the_document_is_not_built_if_no_copy_can_be_written();
 
 private:
@@ -220,6 +221,9 @@ void TestSafetyNet::a_failed_save_leaves_a_copy()
 void TestSafetyNet::discarding_deletes_the_copy()
 {
     const auto net = Net();
+    d_milliseconds = 100;
+    net->Record_Change("/a");
+    // Not due yet, hence pending.
     net->Record_Change("/a");
     net->Discard();
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
@@ -386,6 +390,18 @@ void TestSafetyNet::a_full_disk_is_reported_once()
     QCOMPARE(result.error_output,
              QByteArray("quillet: cannot write recovery copies to the settings folder\n"));
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
+}
+
+void TestSafetyNet::stale_files_are_deleted_at_the_start()
+{
+    for (const char* const name : {"settings/recovery", "settings/backup"}) {
+        QVERIFY(QDir(d_folder->path()).mkdir(name));
+        Write_File(In(name) + "/.quillet-abc123", "unfinished");
+        Support::Make_Old(In(name) + "/.quillet-abc123", 3600);
+    }
+    Net();
+    for (const char* const name : {"settings/recovery", "settings/backup"})
+        QCOMPARE(Entries(In(name)), QStringList());
 }
 
 void TestSafetyNet::the_document_is_not_built_if_no_copy_can_be_written()
