@@ -98,8 +98,7 @@ std::vector<TKeptFile> TRecovery::Abandoned() const
 
 bool TRecovery::Is_Abandoned(const TKeptFile& file) const
 {
-    const QString name = TKeptFolder::Name_Of(file.path);
-    return name != d_name && TKeptFolder::Is_Free(d_folder.Note_Path(name));
+    return TKeptFolder::Is_Free(d_folder.Note_Path(TKeptFolder::Name_Of(file.path)));
 }
 
 void TRecovery::Remove_Abandoned(const QString& path) const
