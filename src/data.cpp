@@ -1,40 +1,17 @@
 #include "src/data.h"
 
-#include "src/model/datachange.h"
-
 #include <QSet>
 
 #include <algorithm>
 #include <cassert>
-#include <cmath>
 #include <iterator>
 #include <utility>
 
-// A macro, because an assertion prints the function in which it stands, and that has to be the
-// operation which was misused.
+// A macro, because an assertion prints the function that contains it, which must be the operation
+// that was misused.
 #define ASSERT_ACTIVE_PAGE()                                                                       \
     assert(!(d_active_page_index < 0));                                                            \
     assert(static_cast<unsigned int>(d_active_page_index) < d_page_items.size())
-
-namespace {
-
-/// Whether two coordinates are the same, also when they are no numbers. The toolkit's points count
-/// as equal when they nearly are.
-bool Is_Same(double left, double right)
-{
-    return left == right ? std::signbit(left) == std::signbit(right)
-                         : std::isnan(left) && std::isnan(right);
-}
-
-/// Whether two labels are the same in all but their selection.
-bool Have_Same_Content(const TDataItem& left, const TDataItem& right)
-{
-    return left.value == right.value && left.border_type == right.border_type &&
-           Is_Same(left.position.x(), right.position.x()) &&
-           Is_Same(left.position.y(), right.position.y()) && left.text == right.text;
-}
-
-} // namespace
 
 int TData::d_next_page_id = 1;
 
@@ -55,8 +32,6 @@ int TData::Add_Page(const QImage& image)
 
 int TData::Add_Page(const TPageImage& image)
 {
-    if (d_record)
-        d_record->Note_Added_Page(Page_Count(), d_next_page_id);
     d_page_items.push_back({d_next_page_id, image, {}});
     return d_next_page_id++;
 }
@@ -69,8 +44,7 @@ void TData::Remove_Page(int page_id)
     const int active_index = d_active_page_index;
     if (index == active_index)
         Make_Active(-1);
-    if (d_record)
-        d_record->Note_Removed_Page(index, std::move(d_page_items[index]));
+    Record(index);
     d_page_items.erase(d_page_items.begin() + index);
     if (index < active_index)
         --d_active_page_index;
@@ -135,10 +109,8 @@ void TData::Set_Page_Image(const QImage& image)
 void TData::Set_Page_Image(const TPageImage& image)
 {
     ASSERT_ACTIVE_PAGE();
-    TPageImage& present = d_page_items[d_active_page_index].image;
-    if (d_record && present.Source_Bytes() != image.Source_Bytes())
-        d_record->Note_Image(Active_Page(), present);
-    present = image;
+    Record(d_active_page_index);
+    d_page_items[d_active_page_index].image = image;
 }
 
 bool TData::Page_Image_Valid() const
@@ -193,9 +165,8 @@ bool TData::Add_Item(const TDataItem& item)
     ASSERT_ACTIVE_PAGE();
     if (Find(item.id) >= 0)
         return false;
+    Record(d_active_page_index);
     std::vector<TDataItem>& items = d_page_items[d_active_page_index].data_items;
-    if (d_record)
-        d_record->Note_Added_Label(Active_Page(), Item_Count(), item.id);
     d_positions.insert(item.id, static_cast<int>(items.size()));
     items.push_back(item);
     return true;
@@ -215,18 +186,12 @@ int TData::Remove_Items(const std::vector<int>& ids)
     const auto is_unwanted = [&unwanted](const TDataItem& item) {
         return unwanted.contains(item.id);
     };
-    if (d_record) {
-        for (std::size_t place = 0; place < items.size(); ++place) {
-            if (is_unwanted(items[place]))
-                d_record->Note_Removed_Label(Active_Page(), static_cast<int>(place), items[place]);
-        }
-        d_record->End_Removing();
-    }
-    const auto end = std::remove_if(items.begin(), items.end(), is_unwanted);
-    const auto count = static_cast<int>(std::distance(end, items.end()));
-    if (count > 0)
-        d_positions.clear();
-    items.erase(end, items.end());
+    const auto count = static_cast<int>(std::count_if(items.cbegin(), items.cend(), is_unwanted));
+    if (count == 0)
+        return 0;
+    Record(d_active_page_index);
+    items.erase(std::remove_if(items.begin(), items.end(), is_unwanted), items.end());
+    d_positions.clear();
     return count;
 }
 
@@ -241,18 +206,15 @@ void TData::Number_Items(int page_id, bool selected_only, const std::function<in
     const int index = Page_Index(page_id);
     if (index < 0)
         return;
-    TDataChange::TValues before{page_id, {}};
-    int place = 0;
+    bool is_recorded = false;
     for (TDataItem& item : d_page_items[index].data_items) {
-        if (item.selected || !selected_only) {
-            const int value = std::exchange(item.value, next());
-            if (d_record && value != item.value)
-                before.others.emplace_back(place, value);
-        }
-        ++place;
+        if (selected_only && !item.selected)
+            continue;
+        const int value = next();
+        if (value != item.value && !std::exchange(is_recorded, true))
+            Record(index);
+        item.value = value;
     }
-    if (d_record)
-        d_record->Note_Values(std::move(before));
 }
 
 bool TData::Change_Item_Text(int id, const QString& text)
@@ -286,35 +248,39 @@ void TData::Clear_Selection()
         item.selected = false;
 }
 
-void TData::Set_Record(TDataChange* record)
+void TData::Set_Recorder(TRecorder recorder)
 {
-    d_record = record;
-    if (d_record)
-        d_record->End_Removing();
+    d_recorder = std::move(recorder);
 }
 
-void TData::Swap(TDataChange* change)
+void TData::Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages)
 {
     const int active_page = Active_Page();
     Make_Active(-1);
-    change->Swap(&d_page_items);
-    Set_Active_Page(active_page);
-}
+    std::vector<TPageItem> present = std::move(d_page_items);
+    std::vector<int> present_order;
+    present_order.reserve(present.size());
+    QHash<int, TPageItem*> sources;
+    for (TPageItem& page : present) {
+        present_order.push_back(page.page_id);
+        sources.insert(page.page_id, &page);
+    }
+    for (TPageItem& page : *pages)
+        sources.insert(page.page_id, &page);
 
-bool TData::Has_Content(int page_id, const TDataItem& item) const
-{
-    const bool is_active = page_id == Active_Page();
-    const int page_index = is_active ? d_active_page_index : Page_Index(page_id);
-    if (page_index < 0)
-        return false;
-    const std::vector<TDataItem>& items = d_page_items[page_index].data_items;
-    const auto has_id = [&item](const TDataItem& one) { return one.id == item.id; };
-    const int place =
-        is_active ? Find(item.id)
-                  : static_cast<int>(std::distance(
-                        items.cbegin(), std::find_if(items.cbegin(), items.cend(), has_id)));
-    return place >= 0 && place < static_cast<int>(items.size()) &&
-           Have_Same_Content(items[place], item);
+    d_page_items.clear();
+    d_page_items.reserve(order->size());
+    for (const int page_id : *order) {
+        if (TPageItem* const page = sources.take(page_id))
+            d_page_items.push_back(std::exchange(*page, TPageItem()));
+    }
+    pages->clear();
+    for (TPageItem& page : present) {
+        if (page.page_id != TPageItem().page_id)
+            pages->push_back(std::move(page));
+    }
+    order->swap(present_order);
+    Set_Active_Page(active_page);
 }
 
 /// The active page, or null when there is none.
@@ -324,14 +290,20 @@ const TPageItem* TData::Active_Page_Item() const
     return is_active ? &d_page_items[d_active_page_index] : nullptr;
 }
 
-/// Makes the page at a place the active one, none for -1. What is known of the places of labels is
-/// about the active page only and is forgotten with it.
+/// Makes the page at an index active, none for -1. The index of labels belongs to the active page.
 void TData::Make_Active(int page_index)
 {
     if (page_index == d_active_page_index)
         return;
     d_positions.clear();
     d_active_page_index = page_index;
+}
+
+/// Passes a page to the recorder. Every operation calls this before it changes the page.
+void TData::Record(int page_index) const
+{
+    if (d_recorder)
+        d_recorder(d_page_items[page_index]);
 }
 
 void TData::Build_Index() const
@@ -344,7 +316,7 @@ void TData::Build_Index() const
         d_positions.insert(item.id, position++);
 }
 
-/// Place of a label in the active page's data_items, -1 for an unknown id.
+/// Position of a label in the active page's data_items; -1 for an unknown id.
 int TData::Find(int id) const
 {
     if (d_positions.size() != Item_Count())
@@ -359,13 +331,10 @@ bool TData::Change_Item(int id, const TChange& change)
     if (position < 0)
         return false;
     TDataItem& item = d_page_items[d_active_page_index].data_items[position];
-    if (!d_record) {
-        change(&item);
-        return true;
-    }
-    const TDataItem before = item;
-    change(&item);
-    if (!Have_Same_Content(before, item))
-        d_record->Note_Content(Active_Page(), before);
+    TDataItem changed = item;
+    change(&changed);
+    if (!Has_Same_Content(changed, item))
+        Record(d_active_page_index);
+    item = std::move(changed);
     return true;
 }

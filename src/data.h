@@ -9,38 +9,36 @@
 #include <functional>
 #include <vector>
 
-class TDataChange;
-
 /// The open document: an ordered list of pages, one of which may be active.
 ///
-/// Pages are found by page id and labels by item id; all item operations act on the active page.
-/// The model tells nobody of its changes. Asking for items or for the image while no page is active
-/// is a programming error and stops the program by an assertion; Active_Page, Page_Image_Valid and
-/// Page_Has_Data are the questions to ask first. An unknown id is no error: the operation returns
-/// -1 or false and changes nothing. GUI thread only.
+/// Pages are found by page id and labels by item id; all item operations work on the active page
+/// unless they take a page id. The model emits no signals. Asking for items or for the image while
+/// no page is active is a programming error and fails an assertion; call Active_Page,
+/// Page_Image_Valid or Page_Has_Data first. An unknown id is no error: the operation returns -1 or
+/// false and changes nothing. GUI thread only.
 ///
 /// Finding a label by its id takes constant time, except the first time after a removal.
 class TData
 {
 public:
-    /// An empty document. Restarts the page ids at 1 for all documents, since they share one count.
+    /// An empty document. Restarts the page ids of all documents at 1, since they share one count.
     TData();
 
     /// Appends a page without an image and returns its new id. The active page stays.
     int Add_Page();
     /// Appends a page with an image and returns its new id.
     int Add_Page(const QImage& image);
-    /// The same, for an image that is known by its bytes.
+    /// The same for an encoded image.
     int Add_Page(const TPageImage& image);
-    /// Erases a page. No page is active afterwards if it was the active one.
+    /// Erases a page. If it was active, no page is active afterwards.
     void Remove_Page(int page_id);
     /// Makes a page active; an unknown id leaves no page active and returns false.
     bool Set_Active_Page(int page_id);
     /// Id of the active page, -1 when there is none.
     int Active_Page() const;
-    /// Place of a page in the document, from 0; -1 for an unknown id.
+    /// Index of a page in the document; -1 for an unknown id.
     int Page_Index(int page_id) const;
-    /// Id of the page at a place, which has to exist.
+    /// Id of the page at an index, which must be in range.
     int Page_Id(int index) const;
     /// Number of pages.
     int Page_Count() const;
@@ -48,13 +46,13 @@ public:
     const std::vector<TPageItem>& Pages() const;
     /// Pixels of the active page's image.
     QImage Page_Image() const;
-    /// The active page's image with whatever is known of it.
+    /// The active page's image, encoded or decoded.
     const TPageImage& Page_Content() const;
     /// Replaces the active page's image.
     void Set_Page_Image(const QImage& image);
-    /// The same, for an image that is known by its bytes.
+    /// The same for an encoded image.
     void Set_Page_Image(const TPageImage& image);
-    /// Whether a page is active and has an image that can be shown.
+    /// Whether a page is active and has an image that is not null.
     bool Page_Image_Valid() const;
     /// Whether a page is active and has at least one label.
     bool Page_Has_Data() const;
@@ -66,7 +64,7 @@ public:
     /// Largest value among the labels, at least 0.
     int Item_Max_Value() const;
     bool Item_Exists(int id) const;
-    /// Copy of the label at a place, from 0, which has to exist.
+    /// Copy of the label at an index, which must be in range.
     TDataItem Item(int index) const;
     /// Appends a label; false when its id is taken.
     bool Add_Item(const TDataItem& item);
@@ -81,27 +79,28 @@ public:
     /// @param selected_only  skip labels that are not selected.
     void Number_Items(int page_id, bool selected_only, const std::function<int()>& next);
     bool Change_Item_Text(int id, const QString& text);
-    /// The code is stored as it is given.
+    /// Stores the code unchecked.
     bool Change_Item_Border(int id, int border_type);
-    /// @param position  centre of the label in page-image pixels; may lie outside of the image.
+    /// @param position  centre of the label in page-image pixels; may lie outside the image.
     bool Change_Item_Position(int id, const QPointF& position);
     bool Change_Item_Selection(int id, bool selected);
     /// Unselects every label.
     void Clear_Selection();
 
-    /// From now on notes in a record what changes: pages, images, labels and what they are. Null
-    /// ends that. The record is not owned. Clear is not noted: it begins another document.
-    void Set_Record(TDataChange* record);
-    /// Exchanges what is noted in a change with what the document has. The first time takes the
-    /// change back, the second makes it again, and so on. Notes about pages or labels that are not
-    /// there are passed over. The active page stays active unless it goes.
-    void Swap(TDataChange* change);
-    /// Whether a page has a label with this id that is the same in all but its selection.
-    bool Has_Content(int page_id, const TDataItem& item) const;
+    /// Receives a page whose labels or image are about to change, or that is about to be removed.
+    using TRecorder = std::function<void(const TPageItem&)>;
+    /// Sets the recorder; an empty one stops recording. Selections and Clear are not recorded.
+    void Set_Recorder(TRecorder recorder);
+    /// Exchanges pages of the document. It gets the pages with the ids in `order`, in this order:
+    /// those in `pages`, and its own for the other ids. Unknown ids are skipped. Afterwards `order`
+    /// and `pages` have what the document had before: calling this again restores it. The active
+    /// page stays active unless it is removed.
+    void Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages);
 
 private:
     const TPageItem* Active_Page_Item() const;
     void Make_Active(int page_index);
+    void Record(int page_index) const;
     void Build_Index() const;
     int Find(int id) const;
     template <typename TChange>
@@ -115,5 +114,5 @@ private:
     /// another number of entries.
     mutable QHash<int, int> d_positions;
 
-    TDataChange* d_record = nullptr; ///< where changes are noted; null when nobody wants to know
+    TRecorder d_recorder; ///< may be empty
 };

@@ -198,9 +198,9 @@ int TLabelWidget::Take_Label_Index()
     return taken;
 }
 
-void TLabelWidget::Set_Values(int next_value, int idle_value)
+void TLabelWidget::Set_Values(int next_value, int value_without_selection)
 {
-    d_label_index = idle_value;
+    d_label_index = value_without_selection;
     d_next_value = next_value;
 }
 

@@ -49,9 +49,9 @@ public:
     /// The value that the next new label gets.
     int Next_Value() const { return d_next_value; }
     /// What the value editor shows when nothing is selected.
-    int Idle_Value() const { return d_label_index; }
+    int Value_Without_Selection() const { return d_label_index; }
     /// Sets both of them. What the editor shows stays.
-    void Set_Values(int next_value, int idle_value);
+    void Set_Values(int next_value, int value_without_selection);
     /// Selects the rows with these ids and no other, and reports that once, be it a change or not.
     void Select_Items(const std::vector<int>& ids);
     /// Takes all rows away.

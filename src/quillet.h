@@ -36,6 +36,7 @@ class TReindexDialog;
 class TReportHeaderDialog;
 class TSafetyNet;
 class TSettingsWidget;
+class TStepScope;
 class TUndoHistory;
 class TUndoKeys;
 class TXmlFile;
@@ -159,31 +160,13 @@ private:
     void Copy_Pending_Work();
     void End_Recovery(bool loss_confirmed);
 
-    // Steps that can be taken back.
-    /// Lasts as long as a step of the work. Steps within it belong to it.
-    class TStep
-    {
-    public:
-        /// @param subject, count  see TUndoHistory::Begin.
-        TStep(TQuillet* window, TStepKind kind, int subject = 0, int count = 1);
-        ~TStep();
-        Q_DISABLE_COPY(TStep)
-
-    private:
-        TQuillet* d_window; ///< null while nothing is recorded
-    };
+    // Undo and redo.
     void Start_History();
-    void Watch_Page_List();
-    void Begin_Step(TStepKind kind, int subject, int count);
-    void End_Step();
+    TStepScope Record_Step(TStepKind kind, int subject = 0, int count = 1);
     void Finish_Step();
-    void Note_Page_List();
-    void Forget_Steps();
     TLabelLook Label_Look() const;
     TShownState Shown_State() const;
-    void Undo();
-    void Redo();
-    void Show_Outcome(const TStepOutcome& outcome);
+    void Display_Outcome(const std::optional<TStepOutcome>& outcome);
     void Show_Page_Rows(const std::vector<TNamedPage>& rows);
     void Show_Look(const TLabelLook& look);
     std::vector<int> Pages_To_Show(const TStepOutcome& outcome) const;
@@ -274,7 +257,4 @@ private:
 
     std::unique_ptr<TUndoHistory> d_history; ///< null while the window is being built
     std::unique_ptr<TUndoKeys> d_undo_keys;
-    int d_step_depth = 0;                ///< how many steps are going on, each within the other
-    std::vector<TNamedPage> d_page_rows; ///< the page list as the history knows it
-    bool d_has_new_rows = false;         ///< the page list may have changed since
 };

@@ -23,16 +23,17 @@ void TQuillet::Add_Item(const QPointF& position)
     Add_Label(&position);
 }
 
-/// @param point  centre of the label in page-image pixels; null for the corner that the view picks.
+/// @param point  centre of the label in page-image pixels; null to leave the label where the view
+///               puts it.
 void TQuillet::Add_Label(const QPointF* point)
 {
     if (d_data.Active_Page() < 0 || !d_data.Page_Image_Valid())
         return;
-    const TStep step(this, TStepKind::Add_Label);
+    const TStepScope step = Record_Step(TStepKind::Add_Label);
     const int border = d_label_widget->Border_Type();
     const int value = d_label_widget->Take_Label_Index();
     if (const std::optional<int> id = Add_Label_To_View(value, border)) {
-        // A label at a point starts at the origin: the view reports where it was moved to.
+        // A label at a point starts at the origin; the view reports its position when it is moved.
         const QPointF position = point ? QPointF() : d_display_widget->Item_Position(*id);
         const TDataItem item{*id, value, QString(), border, position, false};
         d_label_widget->Set_Label_Index(TNumbering::After(value));
@@ -44,8 +45,8 @@ void TQuillet::Add_Label(const QPointF* point)
     Mark_Changed();
 }
 
-/// Draws ids until the view takes one. The view may be left with a label that nobody else knows
-/// when only the last attempt succeeds.
+/// Draws ids until the view accepts one. If only the last attempt succeeds, the label exists in the
+/// view alone.
 std::optional<int> TQuillet::Add_Label_To_View(int value, int border)
 {
     constexpr int maximum_attempts = 100;
@@ -63,10 +64,10 @@ void TQuillet::Remove_Item()
     const std::vector<int> ids = d_label_widget->Selected_Items();
     if (ids.empty() || !Confirm(tr("Remove Labels"), tr("Labels will be deleted.  Are you sure?")))
         return;
-    const TStep step(this, TStepKind::Remove_Labels, 0, static_cast<int>(ids.size()));
+    const TStepScope step = Record_Step(TStepKind::Remove_Labels, 0, static_cast<int>(ids.size()));
     d_data.Remove_Items(ids);
-    // Each removal of a selected label is a change of the selection, which everybody looks at as a
-    // whole. With the last one alone selected all end up as they would have, without the walks.
+    // Removing a selected row changes the selection, and each change costs a pass over all selected
+    // labels. Selecting only the last one first leads to the same end without that cost.
     if (ids.size() > 1)
         d_label_widget->Set_Selection(ids.back());
     for (const int id : ids) {
@@ -78,7 +79,7 @@ void TQuillet::Remove_Item()
 
 void TQuillet::Change_Item_Value(int id, int value)
 {
-    const TStep step(this, TStepKind::Change_Value, id);
+    const TStepScope step = Record_Step(TStepKind::Change_Value, id);
     d_data.Change_Item_Value(id, value);
     d_display_widget->Change_Item_Value(id, value);
     Mark_Changed();
@@ -86,7 +87,7 @@ void TQuillet::Change_Item_Value(int id, int value)
 
 void TQuillet::Change_Item_Text(int id, const QString& text)
 {
-    const TStep step(this, TStepKind::Change_Text, id);
+    const TStepScope step = Record_Step(TStepKind::Change_Text, id);
     d_data.Change_Item_Text(id, text);
     d_display_widget->Change_Item_Text(id, text);
     Mark_Changed();
@@ -94,7 +95,7 @@ void TQuillet::Change_Item_Text(int id, const QString& text)
 
 void TQuillet::Change_Item_Border(int id, int border)
 {
-    const TStep step(this, TStepKind::Change_Border, border);
+    const TStepScope step = Record_Step(TStepKind::Change_Border, border);
     d_data.Change_Item_Border(id, border);
     d_display_widget->Change_Item_Border(id, border);
     Mark_Changed();
@@ -103,9 +104,12 @@ void TQuillet::Change_Item_Border(int id, int border)
 void TQuillet::Item_Selection_Changed()
 {
     Finish_Step();
+    // The list clears its selection before it selects the clicked label, and reports both.
+    // Display_Item_Clicked updates view and model once, after that.
+    if (d_display_click)
+        return;
     const std::vector<int> ids = d_label_widget->Selected_Items();
-    // What was clicked in the view is in sight already.
-    d_display_widget->Set_Selected_Items(ids, !d_display_click);
+    d_display_widget->Set_Selected_Items(ids, true);
     Select_In_Data(ids);
 }
 
@@ -114,6 +118,8 @@ void TQuillet::Display_Item_Clicked(int id)
     d_display_click = true;
     d_label_widget->Set_Selection(id);
     d_display_click = false;
+    // The view does not scroll: what was clicked in it is visible.
+    d_display_widget->Set_Selected_Items(d_label_widget->Selected_Items(), false);
     Select_In_Data({id});
 }
 
@@ -130,8 +136,11 @@ void TQuillet::Update_Item_Position(int id, const QPointF& position)
 {
     if (d_data.Active_Page() < 0)
         return;
-    const TStep step(this, TStepKind::Move_Label, id);
-    d_data.Change_Item_Position(id, position);
+    // While it is filled, the view reports positions that the model already has.
+    if (!d_filling_view) {
+        const TStepScope step = Record_Step(TStepKind::Move_Label, id);
+        d_data.Change_Item_Position(id, position);
+    }
     Mark_Changed();
 }
 
@@ -149,7 +158,7 @@ void TQuillet::Edit_Reindex()
     const bool has_page = d_data.Active_Page() >= 0;
     if (!all_pages && !has_page)
         return;
-    const TStep step(this, TStepKind::Renumber);
+    const TStepScope step = Record_Step(TStepKind::Renumber);
     const int next_value =
         all_pages
             ? WholeDocument::Number_Pages(d_page_widget->Page_Ids(), first_value,

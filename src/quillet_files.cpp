@@ -12,6 +12,7 @@
 #include "src/reportheaderdialog.h"
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
+#include "src/undo/undohistory.h"
 
 #include "core/xmlfile.h"
 
@@ -183,7 +184,7 @@ bool TQuillet::Load_Data(const QString& file_name)
         return Fail(tr("Invalid file."));
 
     d_has_new_document = true;
-    Forget_Steps();
+    d_history->Clear();
     d_data.Clear();
     d_page_widget->Clear();
     try {

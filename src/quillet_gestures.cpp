@@ -1,5 +1,5 @@
-// What users are accustomed to from other programs: the wheel zooms, files can be dropped, arrow
-// keys move what is selected. None of it does anything that a command or the mouse does not do.
+// Gestures familiar from other programs: the wheel zooms, image files can be dropped, arrow keys
+// move the selected labels.
 
 #include "src/quillet.h"
 
@@ -31,8 +31,8 @@ void TQuillet::Add_Habits()
 void TQuillet::Nudge_Labels(const QPointF& step)
 {
     const std::vector<int> ids = d_label_widget->Selected_Items();
-    const TStep step_to_undo(this, TStepKind::Nudge_Labels, 0, static_cast<int>(ids.size()));
-    // The view reports where each label is now, as after a drag.
+    const TStepScope scope = Record_Step(TStepKind::Nudge_Labels, 0, static_cast<int>(ids.size()));
+    // The view reports the new positions, as after a drag.
     for (const int id : ids)
         d_display_widget->Move_Item(id, d_display_widget->Item_Position(id) + step);
 }

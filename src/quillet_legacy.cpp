@@ -8,6 +8,7 @@
 #include "src/model/numbering.h"
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
+#include "src/undo/undohistory.h"
 
 #include "core/xmlfile.h"
 
@@ -62,7 +63,7 @@ void TQuillet::Read_Legacy_Appearance(const TXmlFile& xml_file)
 void TQuillet::Set_Legacy_Page(const TPageImage& image, const std::vector<TDataItem>& items)
 {
     d_has_new_document = true;
-    Forget_Steps();
+    d_history->Clear();
     d_data.Clear();
     d_page_widget->Clear();
     const int page_id = d_data.Add_Page(image);

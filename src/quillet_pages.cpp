@@ -25,7 +25,7 @@ void TQuillet::File_New()
     Enable_Document_Actions(false);
     d_file_name.clear();
     d_data_changed = false;
-    Forget_Steps();
+    d_history->Clear();
 }
 
 void TQuillet::File_Import()
@@ -42,7 +42,7 @@ void TQuillet::Import_Files(const QStringList& paths)
 {
     TProgress progress = New_Progress(tr("Importing image %1 of %2"));
     int number = 0;
-    const TStep step(this, TStepKind::Import, 0, paths.size());
+    const TStepScope step = Record_Step(TStepKind::Import, 0, paths.size());
     for (const QString& path : paths) {
         progress.Step(++number, paths.size());
         Load_Image(path);
@@ -59,7 +59,7 @@ void TQuillet::Load_Image(const QString& path)
     const TPageImage image = TPageImage::From_File(path);
     if (image.isNull())
         return;
-    const TStep step(this, TStepKind::Import);
+    const TStepScope step = Record_Step(TStepKind::Import);
     if (d_data.Active_Page() < 0 || d_data.Page_Has_Data()) {
         d_page_widget->Add_Page(d_data.Add_Page(image));
         return;
@@ -71,7 +71,7 @@ void TQuillet::Load_Image(const QString& path)
 
 void TQuillet::Add_Page()
 {
-    const TStep step(this, TStepKind::Add_Page);
+    const TStepScope step = Record_Step(TStepKind::Add_Page);
     d_page_widget->Add_Page(d_data.Add_Page());
     Mark_Changed();
 }
@@ -80,7 +80,7 @@ void TQuillet::Remove_Pages(const QList<int>& pages)
 {
     if (Confirm(tr("Remove Pages"),
                 tr("All page associated labels will be deleted.  Are you sure?"))) {
-        const TStep step(this, TStepKind::Remove_Pages, 0, pages.size());
+        const TStepScope step = Record_Step(TStepKind::Remove_Pages, 0, pages.size());
         Enable_Document_Actions(false);
         d_label_widget->Clear();
         d_display_widget->Clear();

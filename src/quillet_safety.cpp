@@ -5,6 +5,7 @@
 #include "src/format/projectfile.h"
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
+#include "src/undo/undohistory.h"
 
 #include <QEvent>
 #include <QFile>
@@ -69,7 +70,8 @@ void TQuillet::Copy_Pending_Work()
 {
     if (!d_safety_net)
         return;
-    Note_Page_List();
+    if (d_history)
+        d_history->Record_Page_List();
     d_safety_net->Copy_Pending(d_file_name);
 }
 

@@ -200,7 +200,7 @@ void TQuillet::closeEvent(QCloseEvent* event)
 
 void TQuillet::Label_Size_Changed(int size)
 {
-    const TStep step(this, TStepKind::Change_Size);
+    const TStepScope step = Record_Step(TStepKind::Change_Size);
     Show_Label_Size(size);
     Mark_Changed();
 }
@@ -213,7 +213,7 @@ void TQuillet::Show_Label_Size(int size)
 
 void TQuillet::Color_Changed(QColor color)
 {
-    const TStep step(this, TStepKind::Change_Color);
+    const TStepScope step = Record_Step(TStepKind::Change_Color);
     d_display_widget->Set_Label_Color(color);
     // The colour does not make a document count as changed, yet it is part of one.
     if (d_data.Page_Count() > 0)

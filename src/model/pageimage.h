@@ -61,6 +61,15 @@ public:
     /// and for one whose format nobody could tell from its bytes alone.
     QByteArray Source_Bytes() const;
 
+    /// Whether two images share their content: one is a copy of the other.
+    bool Is_Copy_Of(const TPageImage& other) const { return d_content == other.d_content; }
+
+    /// Whether two images have the same source bytes.
+    bool Is_Same(const TPageImage& other) const
+    {
+        return Is_Copy_Of(other) || Source_Bytes() == other.Source_Bytes();
+    }
+
     /// The same image, known by its bytes alone, for keeping: it holds no pixels, nor are any of it
     /// in the store. One that came as pixels is encoded for it.
     TPageImage Encoded() const;

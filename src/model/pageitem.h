@@ -26,3 +26,8 @@ struct TPageItem
     TPageImage image; ///< null for a page that was added without one
     std::vector<TDataItem> data_items;
 };
+
+/// Whether two labels are equal except for their selection.
+bool Has_Same_Content(const TDataItem& left, const TDataItem& right);
+/// Whether two pages are equal except for the selection of their labels.
+bool Has_Same_Content(const TPageItem& left, const TPageItem& right);

@@ -1,131 +1,108 @@
 #include "src/undo/documentstep.h"
 
 #include <QHash>
-#include <QSet>
 
 #include <algorithm>
-#include <iterator>
+#include <utility>
 
 namespace {
 
-/// For each number whether it is part of the longest ascending run that is left when other numbers
-/// are taken out; negative numbers never are. Found by patience sorting: each pile's top is the
-/// least number that ends a run of the pile's length.
-std::vector<bool> Longest_Ascent(const std::vector<int>& numbers)
+std::vector<int> Page_Order(const TData& data)
 {
-    std::vector<int> tops;                         // places of the piles' tops
-    std::vector<int> previous(numbers.size(), -1); // place of the number before it in a run
-    for (int place = 0; place < static_cast<int>(numbers.size()); ++place) {
-        if (numbers[place] < 0)
-            continue;
-        const auto pile =
-            std::lower_bound(tops.begin(), tops.end(), numbers[place],
-                             [&numbers](int top, int number) { return numbers[top] < number; });
-        if (pile != tops.begin())
-            previous[place] = *std::prev(pile);
-        if (pile == tops.end())
-            tops.push_back(place);
-        else
-            *pile = place;
+    std::vector<int> order;
+    order.reserve(data.Pages().size());
+    for (const TPageItem& page : data.Pages())
+        order.push_back(page.page_id);
+    return order;
+}
+
+/// The document's page with an id; null if there is none.
+const TPageItem* Find_Page(const TData& data, int page_id)
+{
+    const int index = data.Page_Index(page_id);
+    return index < 0 ? nullptr : &data.Pages()[static_cast<std::size_t>(index)];
+}
+
+/// Ids of the rows that are not in the other list or have another name there.
+std::vector<int> Changed_Rows(const TPageRows& rows, const TPageRows& other)
+{
+    QHash<int, QString> names;
+    for (const TNamedPage& row : other)
+        names.insert(row.page_id, row.name);
+    std::vector<int> page_ids;
+    for (const TNamedPage& row : rows) {
+        const auto name = names.constFind(row.page_id);
+        if (name == names.constEnd() || *name != row.name)
+            page_ids.push_back(row.page_id);
     }
-    std::vector<bool> belongs(numbers.size(), false);
-    for (int place = tops.empty() ? -1 : tops.back(); place >= 0; place = previous[place])
-        belongs[place] = true;
-    return belongs;
+    return page_ids;
 }
 
 } // namespace
 
-TRowsChange::TRowsChange(const TPageRows& before, const TPageRows& after)
+TDocumentStep::TDocumentStep(const TData& data, TDocumentFacts facts)
+    : d_page_order(Page_Order(data))
+    , d_facts(std::move(facts))
 {
-    QHash<int, int> places; // in the list before, by page id
-    for (int place = 0; place < static_cast<int>(before.size()); ++place)
-        places.insert(before[place].page_id, place);
-    std::vector<int> origins; // places in the list before; -1 for a row that is not the same there
-    for (const TNamedPage& row : after) {
-        const int place = places.value(row.page_id, -1);
-        origins.push_back(place >= 0 && before[place] == row ? place : -1);
-    }
-
-    const std::vector<bool> stays = Longest_Ascent(origins);
-    std::vector<bool> stayed(before.size(), false);
-    for (int place = 0; place < static_cast<int>(after.size()); ++place) {
-        if (stays[place])
-            stayed[origins[place]] = true;
-        else
-            d_here.emplace_back(place, after[place]);
-    }
-    for (int place = 0; place < static_cast<int>(before.size()); ++place) {
-        if (!stayed[place])
-            d_there.emplace_back(place, before[place]);
-    }
 }
 
-std::vector<int> TRowsChange::Touched_Pages() const
+void TDocumentStep::Store_Page(const TPageItem& page)
 {
-    std::vector<int> page_ids; // each once
-    QSet<int> known;
-    for (const TPlacedRows* rows : {&d_here, &d_there}) {
-        for (const auto& row : *rows) {
-            if (!known.contains(row.second.page_id))
-                page_ids.push_back(row.second.page_id);
-            known.insert(row.second.page_id);
-        }
-    }
+    const auto is_page = [&page](const TPageItem& stored) {
+        return stored.page_id == page.page_id;
+    };
+    const bool is_new =
+        std::find(d_page_order.cbegin(), d_page_order.cend(), page.page_id) == d_page_order.cend();
+    if (!is_new && std::none_of(d_pages.cbegin(), d_pages.cend(), is_page))
+        d_pages.push_back(page);
+}
+
+void TDocumentStep::Close(const TData& data)
+{
+    const auto is_unchanged = [&data](const TPageItem& stored) {
+        const TPageItem* const page = Find_Page(data, stored.page_id);
+        return page && Has_Same_Content(*page, stored);
+    };
+    d_pages.erase(std::remove_if(d_pages.begin(), d_pages.end(), is_unchanged), d_pages.end());
+    Release_Images(data);
+}
+
+bool TDocumentStep::Is_Void(const TData& data, const TDocumentFacts& facts) const
+{
+    return d_pages.empty() && d_facts.rows == facts.rows && d_facts.look == facts.look &&
+           d_page_order == Page_Order(data);
+}
+
+std::vector<int> TDocumentStep::Touched_Pages(const TPageRows& rows) const
+{
+    std::vector<int> page_ids = Changed_Rows(rows, d_facts.rows);
+    const std::vector<int> others = Changed_Rows(d_facts.rows, rows);
+    page_ids.insert(page_ids.end(), others.cbegin(), others.cend());
+    for (const TPageItem& page : d_pages)
+        page_ids.push_back(page.page_id);
+    std::sort(page_ids.begin(), page_ids.end());
+    page_ids.erase(std::unique(page_ids.begin(), page_ids.end()), page_ids.end());
     return page_ids;
 }
 
-void TRowsChange::Swap(TPageRows* rows)
+void TDocumentStep::Swap(TData* data, TDocumentFacts* facts)
 {
-    QSet<int> leaving;
-    for (const auto& row : d_here)
-        leaving.insert(row.second.page_id);
-    const auto leaves = [&leaving](const TNamedPage& row) { return leaving.contains(row.page_id); };
-    rows->erase(std::remove_if(rows->begin(), rows->end(), leaves), rows->end());
+    data->Swap_Pages(&d_page_order, &d_pages);
+    std::swap(d_facts, *facts);
+    Release_Images(*data);
+}
 
-    TPageRows all;
-    all.reserve(rows->size() + d_there.size());
-    auto other = rows->cbegin();
-    for (const auto& [place, row] : d_there) {
-        while (other != rows->cend() && static_cast<int>(all.size()) < place)
-            all.push_back(*other++);
-        all.push_back(row);
+/// Keeps images that the document no longer has in encoded form only.
+void TDocumentStep::Release_Images(const TData& data)
+{
+    d_bytes = static_cast<qint64>(sizeof(*this) + d_page_order.size() * sizeof(int));
+    for (TPageItem& stored : d_pages) {
+        d_bytes +=
+            static_cast<qint64>(sizeof(stored) + stored.data_items.size() * sizeof(TDataItem));
+        const TPageItem* const page = Find_Page(data, stored.page_id);
+        if (page && page->image.Is_Copy_Of(stored.image))
+            continue;
+        stored.image = stored.image.Encoded();
+        d_bytes += stored.image.Source_Bytes().size();
     }
-    std::copy(other, rows->cend(), std::back_inserter(all));
-    rows->swap(all);
-    d_here.swap(d_there);
-}
-
-void TDocumentStep::Note_Rows(const TPageRows& before, const TPageRows& after)
-{
-    TPageRows first = before;
-    d_rows.Swap(&first);
-    d_rows = TRowsChange(first, after);
-}
-
-void TDocumentStep::Note_Look(const TLabelLook& before, const TLabelLook& after)
-{
-    if (!d_look && before != after)
-        d_look = before;
-}
-
-bool TDocumentStep::Is_Void(const TData& model, const TLabelLook& look) const
-{
-    return d_rows.Is_Empty() && (!d_look || *d_look == look) && data.Is_Void(model);
-}
-
-std::vector<int> TDocumentStep::Touched_Pages() const
-{
-    std::vector<int> page_ids = data.Touched_Pages();
-    const std::vector<int> listed = d_rows.Touched_Pages();
-    page_ids.insert(page_ids.end(), listed.cbegin(), listed.cend());
-    return page_ids;
-}
-
-void TDocumentStep::Swap(TData* model, TDocumentFacts* facts)
-{
-    model->Swap(&data);
-    d_rows.Swap(&facts->page_rows);
-    if (d_look)
-        std::swap(*d_look, facts->look);
 }

@@ -1,19 +1,18 @@
 #pragma once
 
-#include "src/model/datachange.h"
+#include "src/data.h"
 #include "src/model/namedpage.h"
 
 #include <QColor>
+#include <QVector>
 
-#include <optional>
-#include <utility>
 #include <vector>
 
-/// The page list: the order and the names of pages belong to the document, but the model does not
-/// know them.
-using TPageRows = std::vector<TNamedPage>;
+/// The rows of the page list: the order and the names of the pages. They belong to the document,
+/// but not to the model. A QVector, so that steps share rows that they do not change.
+using TPageRows = QVector<TNamedPage>;
 
-/// How all labels of the document look.
+/// Size and colour of all labels of the document.
 struct TLabelLook
 {
     int size = 0; ///< edge of a label in page-image pixels
@@ -30,55 +29,48 @@ inline bool operator!=(const TLabelLook& left, const TLabelLook& right)
     return !(left == right);
 }
 
-/// What belongs to the document besides the pages and labels of the model.
+/// The part of the document that is outside the model.
 struct TDocumentFacts
 {
-    TPageRows page_rows;
+    TPageRows rows;
     TLabelLook look;
 };
 
-/// A difference between two page lists, no larger than it has to be: rows that keep their order
-/// stay, all others are taken out here and put in there.
-class TRowsChange
-{
-public:
-    TRowsChange() = default;
-    TRowsChange(const TPageRows& before, const TPageRows& after);
-
-    bool Is_Empty() const { return d_here.empty() && d_there.empty(); }
-    /// Ids of the pages whose rows come, go, move or change.
-    std::vector<int> Touched_Pages() const;
-    /// Turns the one list into the other: after into before the first time, and back the second.
-    /// Rows that are not there are passed over.
-    void Swap(TPageRows* rows);
-
-private:
-    /// Rows with their places in a list that has them, from the top.
-    using TPlacedRows = std::vector<std::pair<int, TNamedPage>>;
-
-    TPlacedRows d_here;  ///< only in the list as it is now
-    TPlacedRows d_there; ///< only in the other one
-};
-
-/// One step of the work, as a value: how two states of the document differ.
+/// One step of the user's work: holds what the document was before the step or, after undo, what it
+/// was after the step.
+///
+/// It stores whole pages, but only those that the step changed or removed. Copies of a page share
+/// its image.
 class TDocumentStep
 {
 public:
-    /// Pages and labels; the model notes here what is changed.
-    TDataChange data;
+    /// Begins a step: stores the order of the pages and the facts.
+    TDocumentStep(const TData& data, TDocumentFacts facts);
 
-    /// Note how the rest has changed since the step began, or since it was noted last.
-    void Note_Rows(const TPageRows& before, const TPageRows& after);
-    void Note_Look(const TLabelLook& before, const TLabelLook& after);
+    /// Stores a page before the step changes it. Ignores pages that are stored already or that the
+    /// step itself added.
+    void Store_Page(const TPageItem& page);
+    /// Ends the step: drops stored pages that the step did not change in the end, and decoded
+    /// images that only the step still needs.
+    void Close(const TData& data);
 
-    /// Whether the document is as it was before the step, and looks like that.
-    bool Is_Void(const TData& model, const TLabelLook& look) const;
-    /// Ids of the pages that the step changed; none when it only changed how all of them look.
-    std::vector<int> Touched_Pages() const;
-    /// Exchanges the two states: the document's and the other one.
-    void Swap(TData* model, TDocumentFacts* facts);
+    /// Whether a closed step changed nothing.
+    bool Is_Void(const TData& data, const TDocumentFacts& facts) const;
+    /// Ids of the pages that the step changed, added or removed. Pages that only moved, and changes
+    /// of the look, do not count.
+    std::vector<int> Touched_Pages(const TPageRows& rows) const;
+    /// Exchanges the stored state and the document's: undoes the step or redoes it.
+    void Swap(TData* data, TDocumentFacts* facts);
+
+    /// Estimate of the memory that the step uses, in bytes: its pages, their labels, and the
+    /// encoded images that the document does not share. Label texts are left out; most are shared.
+    qint64 Bytes() const { return d_bytes; }
 
 private:
-    TRowsChange d_rows;
-    std::optional<TLabelLook> d_look; ///< the other one; empty when both are the same
+    void Release_Images(const TData& data);
+
+    std::vector<TPageItem> d_pages; ///< those that differ from the document's
+    std::vector<int> d_page_order;  ///< ids of all pages, in the model's order
+    TDocumentFacts d_facts;
+    qint64 d_bytes = 0;
 };

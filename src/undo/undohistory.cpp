@@ -1,218 +1,231 @@
 #include "src/undo/undohistory.h"
 
-#include <QUndoCommand>
+#include <QAbstractItemModel>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
-/// How the program speaks of a step, about one thing and about several.
-struct TStepName
+/// Ids of pages in ascending order.
+template <typename TPages>
+std::vector<int> Sorted_Ids(const TPages& pages)
 {
-    TStepKind kind;
-    const char* one;
-    const char* several;
-    bool may_continue; ///< whether a further step of the same kind and subject is part of it
-};
+    std::vector<int> ids;
+    for (const auto& page : pages)
+        ids.push_back(page.page_id);
+    std::sort(ids.begin(), ids.end());
+    return ids;
+}
 
-const TStepName step_names[] = {
-    {TStepKind::Add_Label, QT_TRANSLATE_NOOP("TUndoHistory", "add label"), nullptr, false},
-    {TStepKind::Remove_Labels, QT_TRANSLATE_NOOP("TUndoHistory", "remove 1 label"),
-     QT_TRANSLATE_NOOP("TUndoHistory", "remove %1 labels"), false},
-    {TStepKind::Change_Value, QT_TRANSLATE_NOOP("TUndoHistory", "change value"), nullptr, true},
-    {TStepKind::Change_Text, QT_TRANSLATE_NOOP("TUndoHistory", "change text"), nullptr, false},
-    {TStepKind::Change_Border, QT_TRANSLATE_NOOP("TUndoHistory", "change border"), nullptr, true},
-    {TStepKind::Move_Label, QT_TRANSLATE_NOOP("TUndoHistory", "move label"), nullptr, false},
-    {TStepKind::Nudge_Labels, QT_TRANSLATE_NOOP("TUndoHistory", "move 1 label"),
-     QT_TRANSLATE_NOOP("TUndoHistory", "move %1 labels"), true},
-    {TStepKind::Renumber, QT_TRANSLATE_NOOP("TUndoHistory", "renumber labels"), nullptr, false},
-    {TStepKind::Add_Page, QT_TRANSLATE_NOOP("TUndoHistory", "add page"), nullptr, false},
-    {TStepKind::Remove_Pages, QT_TRANSLATE_NOOP("TUndoHistory", "remove 1 page"),
-     QT_TRANSLATE_NOOP("TUndoHistory", "remove %1 pages"), false},
-    {TStepKind::Rename_Page, QT_TRANSLATE_NOOP("TUndoHistory", "rename page"), nullptr, true},
-    {TStepKind::Move_Pages, QT_TRANSLATE_NOOP("TUndoHistory", "move 1 page"),
-     QT_TRANSLATE_NOOP("TUndoHistory", "move %1 pages"), false},
-    {TStepKind::Import, QT_TRANSLATE_NOOP("TUndoHistory", "import 1 image"),
-     QT_TRANSLATE_NOOP("TUndoHistory", "import %1 images"), false},
-    {TStepKind::Change_Size, QT_TRANSLATE_NOOP("TUndoHistory", "change label size"), nullptr, true},
-    {TStepKind::Change_Color, QT_TRANSLATE_NOOP("TUndoHistory", "change label color"), nullptr,
-     false},
-};
-
-const TStepName& Name_Of(TStepKind kind)
+bool Is_Same_Page(const TNamedPage& left, const TNamedPage& right)
 {
-    return step_names[static_cast<std::size_t>(kind)];
+    return left.page_id == right.page_id;
 }
 
 } // namespace
 
-/// One step on the stack. What it does when its way is gone is to exchange two states.
-class TUndoHistory::TCommand : public QUndoCommand
+TStepScope::TStepScope(TUndoHistory* history, TStepKind kind, int subject, int count)
+    : d_history(history)
 {
-public:
-    TCommand(TUndoHistory* history, TStepKind step_kind, int step_subject, int count)
-        : kind(step_kind)
-        , subject(step_subject)
-        , d_history(history)
-    {
-        const TStepName& name = Name_Of(kind);
-        setText(count > 1 && name.several ? tr(name.several).arg(count) : tr(name.one));
-    }
+    if (d_history)
+        d_history->Begin(kind, subject, count);
+}
 
-    void undo() override { step.Swap(d_history->d_data, d_history->d_facts); }
+TStepScope::~TStepScope()
+{
+    if (d_history)
+        d_history->End();
+}
 
-    void redo() override
-    {
-        // The stack wants a step done that is put on it, but what is recorded has been done.
-        if (std::exchange(d_was_done, true))
-            step.Swap(d_history->d_data, d_history->d_facts);
-    }
-
-    const TStepKind kind;
-    const int subject;
-    TDocumentStep step;
-    TShownState before;
-    TShownState after;
-
-private:
-    TUndoHistory* d_history;
-    bool d_was_done = false;
-};
-
-TUndoHistory::TUndoHistory(TData* data, TShown shown)
+TUndoHistory::TUndoHistory(TData* data, TSource source, qint64 budget)
     : d_data(data)
-    , d_shown(std::move(shown))
+    , d_source(std::move(source))
+    , d_budget(budget)
 {
 }
 
-TUndoHistory::~TUndoHistory() = default;
-
-void TUndoHistory::Begin(TStepKind kind, int subject, int count, const TLabelLook& look)
+void TUndoHistory::Watch_Page_List(const QAbstractItemModel& rows)
 {
-    const TCommand* const present = Present();
-    const bool continues = present && present->kind == kind && present->subject == subject &&
-                           Name_Of(kind).may_continue;
+    const auto note = [this] {
+        if (std::exchange(d_has_stale_rows, true))
+            return;
+        // Not now: a row that is being dragged is missing from the list for a moment.
+        QMetaObject::invokeMethod(this, &TUndoHistory::Record_Page_List, Qt::QueuedConnection);
+    };
+    connect(&rows, &QAbstractItemModel::dataChanged, this, note);
+    connect(&rows, &QAbstractItemModel::rowsInserted, this, note);
+    connect(&rows, &QAbstractItemModel::rowsRemoved, this, note);
+    connect(&rows, &QAbstractItemModel::rowsMoved, this, note);
+    connect(&rows, &QAbstractItemModel::modelReset, this, note);
+}
+
+void TUndoHistory::Record_Page_List()
+{
+    if (d_depth > 0 || !d_has_stale_rows)
+        return;
+    const TPageRows rows = d_source.rows();
+    const std::vector<int> ids = Sorted_Ids(rows);
+    // A row is missing in the middle of a drag; the end of the drag reports another change.
+    if (ids != Sorted_Ids(d_data->Pages()))
+        return;
+    d_has_stale_rows = false;
+    if (rows == d_rows || ids != Sorted_Ids(d_rows)) {
+        d_rows = rows;
+        return;
+    }
+
+    if (std::equal(rows.cbegin(), rows.cend(), d_rows.cbegin(), Is_Same_Page)) {
+        const auto renamed = std::mismatch(rows.cbegin(), rows.cend(), d_rows.cbegin()).first;
+        Begin(TStepKind::Rename_Page, renamed->page_id, 1);
+    } else {
+        Begin(TStepKind::Move_Pages, 0, d_source.shown().pages.size());
+    }
+    d_rows = rows;
+    End();
+    emit Page_List_Changed();
+}
+
+void TUndoHistory::Begin(TStepKind kind, int subject, int count)
+{
+    Record_Page_List();
+    if (++d_depth > 1)
+        return;
+    const bool has_last = d_new || d_may_continue;
+    const bool continues = has_last && StepKind::May_Continue(kind) &&
+                           Current_Step().kind == kind && Current_Step().subject == subject;
     if (!continues) {
-        Break();
-        d_new = std::make_unique<TCommand>(this, kind, subject, count);
-        d_new->before = Shown_Now();
+        d_may_continue = false;
+        d_new = TStep{kind, subject, count, TDocumentStep(*d_data, Facts()), Shown(), {}};
     }
-    d_look = look;
-    d_data->Set_Record(&Present()->step.data);
+    d_data->Set_Recorder(
+        [this](const TPageItem& page) { Current_Step().document.Store_Page(page); });
 }
 
-void TUndoHistory::Note_Rows(const TPageRows& before, const TPageRows& after)
+void TUndoHistory::End()
 {
-    Present()->step.Note_Rows(before, after);
-}
-
-bool TUndoHistory::End(const TLabelLook& look)
-{
-    d_data->Set_Record(nullptr);
-    TDocumentStep& step = Present()->step;
-    step.Note_Look(d_look, look);
-    const bool is_void = step.Is_Void(*d_data, look);
-    if (!d_new) {
-        if (is_void)
-            Drop_Last();
-        return true;
+    if (--d_depth > 0)
+        return;
+    d_data->Set_Recorder(nullptr);
+    if (std::exchange(d_has_stale_rows, false))
+        d_rows = d_source.rows();
+    TDocumentStep& document = Current_Step().document;
+    document.Close(*d_data);
+    const bool is_void = document.Is_Void(*d_data, Facts());
+    // A new step that has changed nothing yet can still be continued. Giving the chosen border to
+    // thousands of labels that have it already would otherwise read the selection for each.
+    if (d_new && is_void)
+        return;
+    if (d_new) {
+        Push_New_Step();
+    } else if (is_void) {
+        d_steps.pop_back();
+        --d_done_count;
+        d_may_continue = false;
     }
-    // A step that has changed nothing so far may be gone on with all the same. Without that, each
-    // of thousands of labels that have the chosen border already would ask what is selected.
-    if (is_void)
-        return false;
-    std::unique_ptr<TCommand> ended = std::move(d_new);
-    ended->after = Shown_Now();
-    d_last = ended.get();
-    d_stack.push(ended.release());
-    return true;
+    emit Step_Recorded();
 }
 
-void TUndoHistory::Break()
+void TUndoHistory::Push_New_Step()
 {
-    // A step that nothing will be added to needs less room.
-    if (d_last)
-        d_last->step.data.Close();
-    d_last = nullptr;
+    d_new->after = Shown();
+    d_steps.erase(d_steps.begin() + static_cast<int>(d_done_count), d_steps.end());
+    d_steps.push_back(std::move(*d_new));
+    ++d_done_count;
     d_new.reset();
+    d_may_continue = true;
+    Drop_Oldest_Steps();
+}
+
+void TUndoHistory::Drop_Oldest_Steps()
+{
+    qint64 bytes = 0;
+    for (const TStep& step : d_steps)
+        bytes += step.document.Bytes();
+    while (bytes > d_budget && d_steps.size() > Minimum_Steps) {
+        bytes -= d_steps.front().document.Bytes();
+        d_steps.pop_front();
+        --d_done_count;
+    }
+}
+
+void TUndoHistory::Finish_Step()
+{
+    Record_Page_List();
+    if (d_depth > 0)
+        return;
+    d_new.reset();
+    d_may_continue = false;
 }
 
 void TUndoHistory::Clear()
 {
-    Break();
-    d_seen = {};
-    d_stack.clear();
+    d_new.reset();
+    d_may_continue = false;
+    d_steps.clear();
+    d_done_count = 0;
+    d_shown = {};
+    d_rows.clear();
+    d_has_stale_rows = true;
+}
+
+std::optional<TStepOutcome> TUndoHistory::Undo()
+{
+    Finish_Step();
+    if (!Can_Undo())
+        return std::nullopt;
+    TStep& step = d_steps[--d_done_count];
+    TStepOutcome outcome = Swap(&step, step.before);
+    outcome.message = tr("Undone: %1").arg(StepKind::Name(step.kind, step.count));
+    return outcome;
+}
+
+std::optional<TStepOutcome> TUndoHistory::Redo()
+{
+    Finish_Step();
+    if (!Can_Redo())
+        return std::nullopt;
+    TStep& step = d_steps[d_done_count++];
+    TStepOutcome outcome = Swap(&step, step.after);
+    outcome.message = tr("Redone: %1").arg(StepKind::Name(step.kind, step.count));
+    return outcome;
+}
+
+TStepOutcome TUndoHistory::Swap(TStep* step, const TShownState& shown)
+{
+    TStepOutcome outcome;
+    outcome.shown = shown;
+    outcome.sets_values =
+        step->before.next_value != step->after.next_value ||
+        step->before.value_without_selection != step->after.value_without_selection;
+    if (step->kind != TStepKind::Move_Pages)
+        outcome.pages = step->document.Touched_Pages(d_rows);
+    outcome.facts = Facts();
+    step->document.Swap(d_data, &outcome.facts);
+    d_rows = outcome.facts.rows;
+    return outcome;
+}
+
+/// The step that goes on, or that may be continued.
+TUndoHistory::TStep& TUndoHistory::Current_Step()
+{
+    return d_new ? *d_new : d_steps[d_done_count - 1];
+}
+
+TDocumentFacts TUndoHistory::Facts() const
+{
+    return {d_rows, d_source.look()};
 }
 
 /// What is shown. Steps share lists that did not change in between: ten thousand selected labels
-/// cost a step nothing that has nothing to do with them.
-TShownState TUndoHistory::Shown_Now()
+/// cost nothing in a step that does not change the selection.
+TShownState TUndoHistory::Shown()
 {
-    TShownState shown = d_shown();
-    if (shown.pages == d_seen.pages)
-        shown.pages = d_seen.pages;
-    if (shown.labels == d_seen.labels)
-        shown.labels = d_seen.labels;
-    d_seen = shown;
+    TShownState shown = d_source.shown();
+    if (shown.pages == d_shown.pages)
+        shown.pages = d_shown.pages;
+    if (shown.labels == d_shown.labels)
+        shown.labels = d_shown.labels;
+    d_shown = shown;
     return shown;
-}
-
-/// The step that is going on, or may be gone on with; null when there is none.
-TUndoHistory::TCommand* TUndoHistory::Present() const
-{
-    return d_new ? d_new.get() : d_last;
-}
-
-/// The last step has been continued to where it began.
-void TUndoHistory::Drop_Last()
-{
-    d_last->setObsolete(true);
-    d_last = nullptr;
-    // The stack lets go of an obsolete step instead of undoing it.
-    d_stack.undo();
-}
-
-std::optional<TStepOutcome> TUndoHistory::Undo(const TDocumentFacts& facts)
-{
-    if (!d_stack.canUndo())
-        return std::nullopt;
-    const auto* const command = static_cast<const TCommand*>(d_stack.command(d_stack.index() - 1));
-    TStepOutcome outcome = Outcome_Of(*command, command->before, facts);
-    outcome.message = tr("Taken back: %1").arg(command->text());
-    Go(&QUndoStack::undo, &outcome.facts);
-    return outcome;
-}
-
-std::optional<TStepOutcome> TUndoHistory::Redo(const TDocumentFacts& facts)
-{
-    if (!d_stack.canRedo())
-        return std::nullopt;
-    const auto* const command = static_cast<const TCommand*>(d_stack.command(d_stack.index()));
-    TStepOutcome outcome = Outcome_Of(*command, command->after, facts);
-    outcome.message = tr("Done again: %1").arg(command->text());
-    Go(&QUndoStack::redo, &outcome.facts);
-    return outcome;
-}
-
-TStepOutcome TUndoHistory::Outcome_Of(const TCommand& command, const TShownState& shown,
-                                      const TDocumentFacts& facts)
-{
-    TStepOutcome outcome;
-    outcome.facts = facts;
-    outcome.shown = shown;
-    outcome.sets_values = command.before.next_value != command.after.next_value ||
-                          command.before.idle_value != command.after.idle_value;
-    // What moves in the list is what is selected there. That it moved, and not those that it
-    // passed, cannot be told from the two orders.
-    if (command.kind != TStepKind::Move_Pages)
-        outcome.pages = command.step.Touched_Pages();
-    return outcome;
-}
-
-void TUndoHistory::Go(void (QUndoStack::*way)(), TDocumentFacts* facts)
-{
-    Break();
-    d_facts = facts;
-    (d_stack.*way)();
-    d_facts = nullptr;
 }

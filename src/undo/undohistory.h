@@ -1,122 +1,140 @@
 #pragma once
 
 #include "src/undo/documentstep.h"
+#include "src/undo/stepkind.h"
 
-#include <QCoreApplication>
+#include <QObject>
 #include <QString>
-#include <QUndoStack>
 #include <QVector>
 
+#include <deque>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <vector>
 
-/// What a step of the work does, as the program tells when it is taken back.
-enum class TStepKind {
-    Add_Label,
-    Remove_Labels,
-    Change_Value,
-    Change_Text,
-    Change_Border,
-    Move_Label,
-    Nudge_Labels,
-    Renumber,
-    Add_Page,
-    Remove_Pages,
-    Rename_Page,
-    Move_Pages,
-    Import,
-    Change_Size,
-    Change_Color
-};
+class QAbstractItemModel;
 
-/// What is shown and selected. It is no part of the document, but people look there for what they
-/// did.
+/// What the panels show and select. It does not belong to the document, but undo and redo restore
+/// it, so that users find what they worked on.
 struct TShownState
 {
-    QVector<int> pages;  ///< ids of the selected pages; a page that is selected alone is shown
-    QVector<int> labels; ///< ids of the selected labels
-    int next_value = 0;  ///< of the next new label
-    int idle_value = 0;  ///< what the value editor shows when nothing is selected
+    QVector<int> pages;              ///< ids of the selected pages; a single one is shown
+    QVector<int> labels;             ///< ids of the selected labels
+    int next_value = 0;              ///< value of the next new label
+    int value_without_selection = 0; ///< what the value editor shows when no label is selected
 };
 
-/// What is to be shown after a step was taken back or done again.
+/// What the window has to show after undo or redo.
 struct TStepOutcome
 {
     TDocumentFacts facts;
-    TShownState shown;        ///< as it was before the step, or after it
-    bool sets_values = false; ///< whether the step had changed the values of shown
-    std::vector<int> pages; ///< that the step touched, be they there now or not; none when it only
-                            ///< put them in another order
-    QString message;        ///< tells what happened
+    TShownState shown;        ///< as it was before the step (undo) or after it (redo)
+    bool sets_values = false; ///< whether the step changed the values in `shown`
+    std::vector<int> pages;   ///< pages that the step touched; empty if it only moved pages
+    QString message;
 };
 
-/// The steps of the work on one document: each can be taken back, and done again.
+/// Records the steps of the work on one document, and undoes and redoes them.
 ///
-/// This is the one place that records. A step begins before anything is changed and ends when all
-/// of it is; in between the model notes what changes, and what the model does not know of is
-/// compared. The history knows the model and plain values, never the widgets: whoever asks for a
-/// step to be taken back shows the document afterwards.
+/// A step lasts as long as a TStepScope. The model reports pages before they change; everything
+/// else is read when the step begins and when it ends. The history uses the model and plain values,
+/// never the widgets: after undo and redo the window displays the outcome.
 ///
-/// Keystrokes in one editor on one label become one step, as do the changes of several labels to
-/// one border; what changes nothing is no step. There may be as many steps as memory holds, and
-/// each takes memory for what it changed.
-class TUndoHistory
+/// Changes of the same kind to the same subject, such as keystrokes in one editor, become one step.
+/// A step that changes nothing is not recorded. The oldest steps are dropped when all steps
+/// together use more memory than the budget, but Minimum_Steps are always kept.
+class TUndoHistory : public QObject
 {
-    Q_DECLARE_TR_FUNCTIONS(TUndoHistory)
+    Q_OBJECT
 
 public:
-    /// Tells what is shown and selected now.
-    using TShown = std::function<TShownState()>;
+    static constexpr qint64 Memory_Budget = 256LL * 1024 * 1024; ///< in bytes
+    static constexpr std::size_t Minimum_Steps = 200;
 
-    /// @param data   the model; not owned.
-    /// @param shown  is called when a step begins and when it has ended.
-    TUndoHistory(TData* data, TShown shown);
-    ~TUndoHistory();
+    /// Reads the parts of the document that are outside the model, and what is shown.
+    struct TSource
+    {
+        std::function<TPageRows()> rows;
+        std::function<TLabelLook()> look;
+        std::function<TShownState()> shown;
+    };
 
-    /// A step begins.
-    /// @param subject     what it is about: the id of a label or a page, a border; 0 when the kind
-    ///                    says it all. A step goes on with the last one when kind and subject are
-    ///                    the same.
-    /// @param count       how many labels, pages or images it is about.
-    /// @param look  how labels look before it.
-    void Begin(TStepKind kind, int subject, int count, const TLabelLook& look);
-    /// The page list has changed since the step began.
-    void Note_Rows(const TPageRows& before, const TPageRows& after);
-    /// The step has ended; returns whether it changed anything.
-    bool End(const TLabelLook& look);
+    /// @param data    not owned.
+    /// @param budget  in bytes.
+    TUndoHistory(TData* data, TSource source, qint64 budget = Memory_Budget);
 
-    /// The next step does not go on with the last one, whatever it is.
-    void Break();
-    /// Another document takes the place of this one: forgets all steps.
+    /// Records what the user does in the page list itself: renaming and moving pages. The list
+    /// reports neither, so its rows are compared.
+    /// @param rows  the model behind the list.
+    void Watch_Page_List(const QAbstractItemModel& rows);
+    /// Records changes of the page list now instead of on return to the event loop.
+    void Record_Page_List();
+    /// Ends the last step: the next change begins another step, even one of the same kind.
+    void Finish_Step();
+    /// Forgets all steps: another document was opened.
     void Clear();
 
-    bool Can_Undo() const { return d_stack.canUndo(); }
-    bool Can_Redo() const { return d_stack.canRedo(); }
-    /// Takes the last step back in the model; empty when there is none.
-    /// @param facts  what belongs to the document besides the model.
-    std::optional<TStepOutcome> Undo(const TDocumentFacts& facts);
-    /// Does the step again that was taken back last; empty when there is none.
-    std::optional<TStepOutcome> Redo(const TDocumentFacts& facts);
+    bool Can_Undo() const { return d_done_count > 0; }
+    bool Can_Redo() const { return d_done_count < d_steps.size(); }
+    /// Undoes the last step in the model; empty if there is none.
+    std::optional<TStepOutcome> Undo();
+    /// Redoes the step that was undone last; empty if there is none.
+    std::optional<TStepOutcome> Redo();
+
+signals:
+    /// A step was recorded, or continued.
+    void Step_Recorded();
+    /// The user renamed or moved pages.
+    void Page_List_Changed();
 
 private:
-    class TCommand;
+    friend class TStepScope;
 
-    static TStepOutcome Outcome_Of(const TCommand& command, const TShownState& shown,
-                                   const TDocumentFacts& facts);
-    TShownState Shown_Now();
-    void Go(void (QUndoStack::*way)(), TDocumentFacts* facts);
-    TCommand* Present() const;
-    void Drop_Last();
+    struct TStep
+    {
+        TStepKind kind;
+        int subject;
+        int count;
+        TDocumentStep document;
+        TShownState before;
+        TShownState after;
+    };
+
+    void Begin(TStepKind kind, int subject, int count);
+    void End();
+    void Push_New_Step();
+    void Drop_Oldest_Steps();
+    TStep& Current_Step();
+    TDocumentFacts Facts() const;
+    TShownState Shown();
+    TStepOutcome Swap(TStep* step, const TShownState& shown);
 
     TData* d_data;
-    TShown d_shown;
-    TShownState d_seen; ///< what was shown when that was last asked
-    QUndoStack d_stack;
-    /// A step that has begun and changed nothing yet; null while d_last is continued.
-    std::unique_ptr<TCommand> d_new;
-    TCommand* d_last = nullptr;        ///< on the stack; what may be continued, null if nothing may
-    TLabelLook d_look;                 ///< when the step began
-    TDocumentFacts* d_facts = nullptr; ///< what the stack works on while it goes to another state
+    TSource d_source;
+    qint64 d_budget;
+
+    std::deque<TStep> d_steps;     ///< oldest first
+    std::size_t d_done_count = 0;  ///< how many of them are done; the others were undone
+    std::optional<TStep> d_new;    ///< a step that began and has changed nothing so far
+    bool d_may_continue = false;   ///< whether further changes may belong to the last step
+    int d_depth = 0;               ///< of nested scopes
+    TShownState d_shown;           ///< as last read
+    TPageRows d_rows;              ///< as last recorded
+    bool d_has_stale_rows = false; ///< the page list may have changed since
+};
+
+/// Records a step for as long as it lives. Scopes within it belong to the same step.
+class TStepScope
+{
+public:
+    /// @param history  may be null: nothing is recorded then.
+    /// @param subject  what the step changes: the id of a label or page, or a border; 0 if the kind
+    ///                 says it all.
+    /// @param count    how many labels, pages or images the step affects.
+    TStepScope(TUndoHistory* history, TStepKind kind, int subject, int count);
+    ~TStepScope();
+    Q_DISABLE_COPY(TStepScope)
+
+private:
+    TUndoHistory* d_history;
 };

@@ -164,8 +164,8 @@ void TestUndo::init()
     Window().d_page_widget->Set_Active_Page(2);
     Window().d_label_widget->Set_Label_Index(4);
     Window().Update_Document_Actions();
-    Window().Forget_Steps();
-    Window().Note_Page_List();
+    Window().d_history->Clear();
+    Window().d_history->Record_Page_List();
     Window().d_data_changed = false;
 }
 
@@ -226,12 +226,12 @@ void TestUndo::Check(const std::function<void()>& command, const QString& name)
         Undo();
         QCOMPARE(Document(), before);
         QCOMPARE(Shown(), shown_before);
-        QCOMPARE(Window().statusBar()->currentMessage(), "Taken back: " + name);
+        QCOMPARE(Window().statusBar()->currentMessage(), "Undone: " + name);
         QVERIFY(Window().d_data_changed);
         QVERIFY(!Window().d_history->Can_Undo());
         Redo();
         QCOMPARE(Document(), after);
-        QCOMPARE(Window().statusBar()->currentMessage(), "Done again: " + name);
+        QCOMPARE(Window().statusBar()->currentMessage(), "Redone: " + name);
         QVERIFY(!Window().d_history->Can_Redo());
     }
 }
@@ -392,7 +392,7 @@ void TestUndo::importing_into_an_empty_page()
 {
     Window().Add_Page();
     Support::Click_Row(Pages(), 3);
-    Window().Forget_Steps();
+    Window().d_history->Clear();
     Check([this] { Import({In("1.png")}); }, "import 1 image");
 }
 
@@ -905,7 +905,7 @@ void TestUndo::a_page_without_a_picture_comes_back_as_one()
 void TestUndo::a_label_size_that_the_slider_does_not_reach_comes_back()
 {
     Window().Label_Size_Changed(300);
-    Window().Finish_Step();
+    Window().d_history->Finish_Step();
     Size_Slider()->setValue(50);
     Undo();
     QCOMPARE(Window().d_display_widget->Label_Size(), QSize(300, 300));
@@ -948,9 +948,9 @@ void TestUndo::the_status_bar_names_the_step()
     Labels()->selectAll();
     Answer([this] { Window().Remove_Item(); }, QMessageBox::Yes);
     Undo();
-    QCOMPARE(Window().statusBar()->currentMessage(), QString("Taken back: remove 3 labels"));
+    QCOMPARE(Window().statusBar()->currentMessage(), QString("Undone: remove 3 labels"));
     Redo();
-    QCOMPARE(Window().statusBar()->currentMessage(), QString("Done again: remove 3 labels"));
+    QCOMPARE(Window().statusBar()->currentMessage(), QString("Redone: remove 3 labels"));
 }
 
 void TestUndo::ids_come_back_as_they_were()

@@ -203,7 +203,7 @@ void TestUndoWalk::ten_thousand_commands_with_undo_and_redo_agree_with_a_plain_c
     QMap<QString, int> done;
     for (int step = 0; step < steps;) {
         const TChoice& choice = choices[distribution(d_random)];
-        d_window->Finish_Step();
+        d_window->d_history->Finish_Step();
         if (!(this->*choice.run)())
             continue;
         ++step;
@@ -536,7 +536,7 @@ bool TestUndoWalk::Rename_Page()
     Support::Type_Over(d_window->d_page_widget->findChild<QLineEdit*>(), name);
     Page(ids.front())->name = name;
     Remember();
-    d_window->Note_Page_List();
+    d_window->d_history->Record_Page_List();
     return true;
 }
 

@@ -47,13 +47,10 @@ public:
     using TQuillet::d_zoom_label;
     using TQuillet::d_zoom_slider;
     using TQuillet::End_Recovery;
-    using TQuillet::Finish_Step;
-    using TQuillet::Forget_Steps;
     using TQuillet::Header_Dialog;
     using TQuillet::Import_Files;
     using TQuillet::Mark_Changed;
     using TQuillet::New_Progress;
-    using TQuillet::Note_Page_List;
     using TQuillet::Open_File;
     using TQuillet::Record_Change;
     using TQuillet::Set_Label_Color;

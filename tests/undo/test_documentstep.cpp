@@ -1,190 +1,374 @@
-// Differences between page lists, and whole steps as values.
+#include "support/support.h"
 
 #include "src/undo/documentstep.h"
 
 #include <QtTest>
 
-#include <algorithm>
 #include <random>
 
-namespace {
-
-/// Rows named after their ids.
-TPageRows Rows(const std::vector<int>& page_ids)
-{
-    TPageRows rows;
-    for (const int page_id : page_ids)
-        rows.push_back({page_id, QString("Page %1").arg(page_id)});
-    return rows;
-}
-
-QString In_Words(const TPageRows& rows)
-{
-    QStringList words;
-    for (const TNamedPage& row : rows)
-        words += QString("%1=%2").arg(row.page_id).arg(row.name);
-    return words.join(", ");
-}
-
-} // namespace
-
-Q_DECLARE_METATYPE(std::vector<int>)
+using TCommand = std::function<void(TData*)>;
 
 class TestDocumentStep : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void equal_lists_do_not_differ();
-    void a_list_differs_in_no_more_than_has_moved_data();
-    void a_list_differs_in_no_more_than_has_moved();
-    void a_name_is_a_difference_of_one_row();
-    void any_two_lists_go_back_and_forth();
-    void rows_that_are_not_there_are_passed_over();
-    void a_step_that_goes_on_ends_where_the_first_began();
-    void a_size_that_comes_back_is_no_step();
-    void a_step_goes_back_and_forth();
+    void init();
+
+    void every_change_is_undone_and_redone_data();
+    void every_change_is_undone_and_redone();
+    void what_changes_nothing_is_void_data();
+    void what_changes_nothing_is_void();
+    void facts_are_exchanged();
+    void changed_facts_are_a_step();
+    void the_active_page_stays_unless_it_is_removed();
+    void touched_pages_are_listed_once();
+    void a_page_that_moves_is_not_touched();
+    void a_removed_page_keeps_no_pixels();
+    void a_changed_page_shares_its_image();
+    void bytes_count_labels_and_images_of_the_step_alone();
+    void a_random_walk_returns_to_its_beginning();
+
+private:
+    TDocumentStep Run(const TCommand& command, const TDocumentFacts& facts = {});
+
+    std::unique_ptr<TData> d_data;
 };
 
-void TestDocumentStep::equal_lists_do_not_differ()
+Q_DECLARE_METATYPE(TCommand)
+
+namespace {
+
+/// Everything in the model but the selection.
+QStringList In_Words(const TData& data)
 {
-    QVERIFY(TRowsChange().Is_Empty());
-    QVERIFY(TRowsChange(Rows({}), Rows({})).Is_Empty());
-    QVERIFY(TRowsChange(Rows({3, 1, 2}), Rows({3, 1, 2})).Is_Empty());
+    QStringList lines;
+    for (const TPageItem& page : data.Pages()) {
+        lines += QString("page %1 %2").arg(page.page_id).arg(page.image.width());
+        for (const TDataItem& item : page.data_items) {
+            lines += QString("%1 %2 %3 %4 ")
+                         .arg(item.id)
+                         .arg(item.value)
+                         .arg(item.text)
+                         .arg(item.border_type) +
+                     QString::number(item.position.x(), 'g', 17) + ' ' +
+                     QString::number(item.position.y(), 'g', 17);
+        }
+    }
+    return lines;
 }
 
-void TestDocumentStep::a_list_differs_in_no_more_than_has_moved_data()
+TPageRows Rows(const std::vector<int>& page_ids)
 {
-    QTest::addColumn<std::vector<int>>("before");
-    QTest::addColumn<std::vector<int>>("after");
-    QTest::addColumn<std::vector<int>>("touched");
-    const auto add = [](const char* name, const std::vector<int>& before,
-                        const std::vector<int>& after, const std::vector<int>& touched) {
-        QTest::newRow(name) << before << after << touched;
+    TPageRows rows;
+    for (const int page_id : page_ids)
+        rows.append({page_id, QString("Page %1").arg(page_id)});
+    return rows;
+}
+
+} // namespace
+
+/// Two pages: page 1 with the labels 11 to 13 is active, page 2 has none.
+void TestDocumentStep::init()
+{
+    d_data = std::make_unique<TData>();
+    d_data->Add_Page(Support::Picture(30, 20));
+    d_data->Add_Page(Support::Picture(40, 20));
+    d_data->Set_Active_Page(1);
+    for (int id = 11; id <= 13; ++id)
+        d_data->Add_Item({id, id - 10, "text", 2, QPointF(id, 5), false});
+}
+
+/// Records a command as a step.
+/// @param facts  those before the command.
+TDocumentStep TestDocumentStep::Run(const TCommand& command, const TDocumentFacts& facts)
+{
+    TDocumentStep step(*d_data, facts);
+    d_data->Set_Recorder([&step](const TPageItem& page) { step.Store_Page(page); });
+    command(d_data.get());
+    d_data->Set_Recorder(nullptr);
+    step.Close(*d_data);
+    return step;
+}
+
+void TestDocumentStep::every_change_is_undone_and_redone_data()
+{
+    QTest::addColumn<TCommand>("command");
+    const auto add = [](const char* name, const TCommand& command) {
+        QTest::newRow(name) << command;
     };
-    add("moved to the front", {1, 2, 3, 4, 5}, {4, 1, 2, 3, 5}, {4});
-    add("moved to the end", {1, 2, 3, 4, 5}, {2, 3, 4, 5, 1}, {1});
-    add("two moved together", {1, 2, 3, 4, 5, 6}, {1, 4, 5, 2, 3, 6}, {4, 5});
-    add("added", {1, 2}, {1, 2, 7}, {7});
-    add("two removed", {1, 2, 3, 4}, {2, 4}, {1, 3});
-    add("all removed", {1, 2}, {}, {1, 2});
+    add("value", [](TData* data) { data->Change_Item_Value(12, 9); });
+    add("text", [](TData* data) { data->Change_Item_Text(12, "other"); });
+    add("border", [](TData* data) { data->Change_Item_Border(12, 8); });
+    add("position", [](TData* data) { data->Change_Item_Position(12, QPointF(1.5, -2)); });
+    add("only the other coordinate",
+        [](TData* data) { data->Change_Item_Position(12, QPointF(12, 6)); });
+    add("a position that differs in the last digits",
+        [](TData* data) { data->Change_Item_Position(12, QPointF(12.0000000000001, 5)); });
+    add("no number", [](TData* data) { data->Change_Item_Position(12, QPointF(qQNaN(), 5)); });
+    add("all values", [](TData* data) {
+        int next = 50;
+        data->Number_Items(1, false, [&next] { return next++; });
+    });
+    add("values of selected labels", [](TData* data) {
+        data->Change_Item_Selection(13, true);
+        data->Number_Items(1, true, [] { return 7; });
+    });
+    add("a new label", [](TData* data) { data->Add_Item({14, 4, "", 1, QPointF(), false}); });
+    add("a label removed", [](TData* data) { data->Remove_Item(11); });
+    add("all labels removed", [](TData* data) { data->Remove_Items({12, 11, 13}); });
+    add("a label replaced", [](TData* data) {
+        data->Remove_Item(12);
+        data->Add_Item({12, 2, "text", 2, QPointF(12, 5), false});
+    });
+    add("a new page", [](TData* data) { data->Add_Page(); });
+    add("a new page with a label", [](TData* data) {
+        data->Set_Active_Page(data->Add_Page(Support::Picture(9, 9)));
+        data->Add_Item({11, 1, "", 2, QPointF(), false});
+    });
+    add("a page removed", [](TData* data) { data->Remove_Page(2); });
+    add("the active page removed", [](TData* data) { data->Remove_Page(1); });
+    add("a changed page removed", [](TData* data) {
+        data->Change_Item_Value(12, 9);
+        data->Remove_Page(1);
+    });
+    add("a new page removed, another added", [](TData* data) {
+        data->Remove_Page(data->Add_Page());
+        data->Add_Page();
+    });
+    add("all pages removed", [](TData* data) {
+        data->Remove_Page(1);
+        data->Remove_Page(2);
+    });
+    add("an image", [](TData* data) { data->Set_Page_Image(Support::Picture(50, 20)); });
+    add("two pages", [](TData* data) {
+        data->Change_Item_Value(12, 9);
+        data->Set_Active_Page(2);
+        data->Add_Item({11, 1, "", 2, QPointF(), false});
+    });
 }
 
-void TestDocumentStep::a_list_differs_in_no_more_than_has_moved()
+void TestDocumentStep::every_change_is_undone_and_redone()
 {
-    QFETCH(std::vector<int>, before);
-    QFETCH(std::vector<int>, after);
-    QFETCH(std::vector<int>, touched);
-    TRowsChange change(Rows(before), Rows(after));
-    std::vector<int> found = change.Touched_Pages();
-    std::sort(found.begin(), found.end());
-    // Either of two runs of the same length may be the one that moved.
-    QCOMPARE(found.size(), touched.size());
-    if (touched.size() == 1)
-        QCOMPARE(found, touched);
-    TPageRows rows = Rows(after);
-    change.Swap(&rows);
-    QCOMPARE(In_Words(rows), In_Words(Rows(before)));
-}
-
-void TestDocumentStep::a_name_is_a_difference_of_one_row()
-{
-    TPageRows renamed = Rows({1, 2, 3});
-    renamed[1].name = "Roof";
-    TRowsChange change(Rows({1, 2, 3}), renamed);
-    QCOMPARE(change.Touched_Pages(), std::vector<int>{2});
-    TPageRows rows = renamed;
-    change.Swap(&rows);
-    QCOMPARE(In_Words(rows), QString("1=Page 1, 2=Page 2, 3=Page 3"));
-    change.Swap(&rows);
-    QCOMPARE(In_Words(rows), QString("1=Page 1, 2=Roof, 3=Page 3"));
-}
-
-void TestDocumentStep::any_two_lists_go_back_and_forth()
-{
-    std::mt19937 random(5);
-    for (int round = 0; round < 500; ++round) {
-        TPageRows lists[2];
-        for (TPageRows& list : lists) {
-            list = Rows({1, 2, 3, 4, 5, 6, 7, 8, 9});
-            std::shuffle(list.begin(), list.end(), random);
-            list.resize(random() % 10);
-            if (!list.empty() && random() % 2 == 0)
-                list.front().name = QString::number(random() % 3);
-        }
-        TRowsChange change(lists[0], lists[1]);
-        TPageRows rows = lists[1];
-        for (int way = 0; way < 4; ++way) {
-            change.Swap(&rows);
-            QCOMPARE(In_Words(rows), In_Words(lists[way % 2]));
-        }
+    QFETCH(const TCommand, command);
+    const QStringList before = In_Words(*d_data);
+    TDocumentStep step = Run(command);
+    const QStringList after = In_Words(*d_data);
+    QVERIFY(before != after);
+    QVERIFY(!step.Is_Void(*d_data, {}));
+    TDocumentFacts facts;
+    for (int round = 0; round < 2; ++round) {
+        step.Swap(d_data.get(), &facts);
+        QCOMPARE(In_Words(*d_data), before);
+        step.Swap(d_data.get(), &facts);
+        QCOMPARE(In_Words(*d_data), after);
     }
 }
 
-void TestDocumentStep::rows_that_are_not_there_are_passed_over()
+void TestDocumentStep::what_changes_nothing_is_void_data()
 {
-    TRowsChange change(Rows({1, 2, 3}), Rows({3, 1, 2, 4}));
-    TPageRows rows = Rows({2});
-    change.Swap(&rows);
-    QVERIFY(std::count(rows.cbegin(), rows.cend(), Rows({3}).front()) == 1);
-    QVERIFY(std::count(rows.cbegin(), rows.cend(), Rows({2}).front()) == 1);
+    QTest::addColumn<TCommand>("command");
+    const auto add = [](const char* name, const TCommand& command) {
+        QTest::newRow(name) << command;
+    };
+    add("nothing", [](TData*) {});
+    add("the same value", [](TData* data) { data->Change_Item_Value(12, 2); });
+    add("there and back", [](TData* data) {
+        data->Change_Item_Text(12, "other");
+        data->Change_Item_Text(12, "text");
+    });
+    add("a selection", [](TData* data) {
+        data->Change_Item_Selection(12, true);
+        data->Change_Item_Value(12, 9);
+        data->Change_Item_Value(12, 2);
+        data->Change_Item_Selection(13, true);
+    });
+    add("the same numbers", [](TData* data) {
+        int next = 1;
+        data->Number_Items(1, false, [&next] { return next++; });
+    });
+    add("a label added and removed", [](TData* data) {
+        data->Add_Item({14, 4, "", 1, QPointF(), false});
+        data->Remove_Item(14);
+    });
+    add("a page added and removed", [](TData* data) { data->Remove_Page(data->Add_Page()); });
+    add("the same image",
+        [](TData* data) { data->Set_Page_Image(TPageImage(data->Pages()[0].image)); });
+    add("an equal image", [](TData* data) { data->Set_Page_Image(Support::Picture(30, 20)); });
+    add("an unknown label", [](TData* data) { data->Remove_Item(99); });
+    add("another active page", [](TData* data) { data->Set_Active_Page(2); });
 }
 
-void TestDocumentStep::a_step_that_goes_on_ends_where_the_first_began()
+void TestDocumentStep::what_changes_nothing_is_void()
 {
-    TData model;
-    TDocumentStep step;
-    step.Note_Rows(Rows({1, 2, 3}), Rows({2, 1, 3}));
-    step.Note_Rows(Rows({2, 1, 3}), Rows({2, 3, 1}));
-    TDocumentFacts facts{Rows({2, 3, 1}), {}};
-    step.Swap(&model, &facts);
-    QCOMPARE(In_Words(facts.page_rows), In_Words(Rows({1, 2, 3})));
-    step.Swap(&model, &facts);
-    QCOMPARE(In_Words(facts.page_rows), In_Words(Rows({2, 3, 1})));
-
-    TDocumentStep undone;
-    undone.Note_Rows(Rows({1, 2}), Rows({2, 1}));
-    QVERIFY(!undone.Is_Void(model, {}));
-    undone.Note_Rows(Rows({2, 1}), Rows({1, 2}));
-    QVERIFY(undone.Is_Void(model, {}));
+    QFETCH(const TCommand, command);
+    const QStringList before = In_Words(*d_data);
+    const TDocumentStep step = Run(command);
+    QCOMPARE(In_Words(*d_data), before);
+    QVERIFY(step.Is_Void(*d_data, {}));
+    QCOMPARE(step.Touched_Pages({}), std::vector<int>());
 }
 
-void TestDocumentStep::a_size_that_comes_back_is_no_step()
+void TestDocumentStep::facts_are_exchanged()
 {
-    TData model;
-    TDocumentStep step;
-    QVERIFY(step.Is_Void(model, {32, Qt::red}));
-    step.Note_Look({32, Qt::red}, {33, Qt::red});
-    step.Note_Look({33, Qt::red}, {34, Qt::red});
-    QVERIFY(!step.Is_Void(model, {34, Qt::red}));
-    QVERIFY(step.Is_Void(model, {32, Qt::red}));
-    QVERIFY(!step.Is_Void(model, {32, Qt::blue}));
-    QCOMPARE(step.Touched_Pages(), std::vector<int>());
-}
-
-void TestDocumentStep::a_step_goes_back_and_forth()
-{
-    TData model;
-    TDocumentStep step;
-    model.Set_Record(&step.data);
-    const int page_id = model.Add_Page();
-    model.Set_Record(nullptr);
-    step.Note_Rows({}, Rows({page_id}));
-    step.Note_Look({32, Qt::red}, {40, Qt::blue});
-    QCOMPARE(step.Touched_Pages(), (std::vector<int>{page_id, page_id}));
-
-    TDocumentFacts facts{Rows({page_id}), {40, Qt::blue}};
-    step.Swap(&model, &facts);
-    QCOMPARE(model.Page_Count(), 0);
-    QCOMPARE(facts.page_rows.size(), std::size_t(0));
+    const TDocumentFacts before{Rows({1, 2}), {32, Qt::red}};
+    TDocumentStep step = Run([](TData* data) { data->Add_Page(); }, before);
+    TDocumentFacts facts{Rows({2, 1, 3}), {40, Qt::blue}};
+    step.Swap(d_data.get(), &facts);
+    QCOMPARE(facts.rows, Rows({1, 2}));
     QCOMPARE(facts.look.size, 32);
     QCOMPARE(facts.look.color, QColor(Qt::red));
-    step.Swap(&model, &facts);
-    QCOMPARE(model.Page_Index(page_id), 0);
-    QCOMPARE(facts.page_rows.size(), std::size_t(1));
+    step.Swap(d_data.get(), &facts);
+    QCOMPARE(facts.rows, Rows({2, 1, 3}));
     QCOMPARE(facts.look.size, 40);
     QCOMPARE(facts.look.color, QColor(Qt::blue));
 }
 
-QTEST_GUILESS_MAIN(TestDocumentStep)
+void TestDocumentStep::changed_facts_are_a_step()
+{
+    const TDocumentStep step(*d_data, {Rows({1, 2}), {32, Qt::red}});
+    QVERIFY(step.Is_Void(*d_data, {Rows({1, 2}), {32, Qt::red}}));
+    QVERIFY(!step.Is_Void(*d_data, {Rows({2, 1}), {32, Qt::red}}));
+    QVERIFY(!step.Is_Void(*d_data, {Rows({1, 2}), {33, Qt::red}}));
+    QVERIFY(!step.Is_Void(*d_data, {Rows({1, 2}), {32, Qt::blue}}));
+}
+
+void TestDocumentStep::the_active_page_stays_unless_it_is_removed()
+{
+    TDocumentFacts facts;
+    TDocumentStep removed = Run([](TData* data) { data->Remove_Page(1); });
+    d_data->Set_Active_Page(2);
+    removed.Swap(d_data.get(), &facts);
+    QCOMPARE(d_data->Active_Page(), 2);
+    d_data->Set_Active_Page(1);
+    QCOMPARE(d_data->Item_Count(), 3);
+    QVERIFY(d_data->Item_Exists(12));
+    removed.Swap(d_data.get(), &facts);
+    QCOMPARE(d_data->Active_Page(), -1);
+
+    removed.Swap(d_data.get(), &facts);
+    d_data->Set_Active_Page(1);
+    TDocumentStep changed = Run([](TData* data) { data->Remove_Item(11); });
+    QVERIFY(d_data->Item_Exists(12));
+    changed.Swap(d_data.get(), &facts);
+    QCOMPARE(d_data->Active_Page(), 1);
+    QVERIFY(d_data->Change_Item_Value(12, 22));
+    QCOMPARE(d_data->Item(1).value, 22);
+}
+
+void TestDocumentStep::touched_pages_are_listed_once()
+{
+    TPageRows renamed = Rows({1, 2});
+    renamed[1].name = "Roof";
+    TDocumentStep step =
+        Run([](TData* data) { data->Change_Item_Value(12, 9); }, {Rows({1, 2}), {}});
+    QCOMPARE(step.Touched_Pages(Rows({1, 2})), std::vector<int>{1});
+    QCOMPARE(step.Touched_Pages(renamed), (std::vector<int>{1, 2}));
+    QCOMPARE(step.Touched_Pages(Rows({1, 2, 3})), (std::vector<int>{1, 3}));
+    QCOMPARE(step.Touched_Pages(Rows({1})), (std::vector<int>{1, 2}));
+}
+
+void TestDocumentStep::a_page_that_moves_is_not_touched()
+{
+    const TDocumentStep step(*d_data, {Rows({1, 2, 3}), {}});
+    QCOMPARE(step.Touched_Pages(Rows({3, 1, 2})), std::vector<int>());
+}
+
+void TestDocumentStep::a_removed_page_keeps_no_pixels()
+{
+    d_data->Add_Page(TPageImage::From_Bytes(d_data->Pages()[1].image.Png()));
+    QCOMPARE(d_data->Pages()[2].image.width(), 40);
+    QVERIFY(TPageImage::Stored_Bytes() > 0);
+    TDocumentStep step = Run([](TData* data) { data->Remove_Page(3); });
+    QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    TDocumentFacts facts;
+    step.Swap(d_data.get(), &facts);
+    QCOMPARE(Support::Difference(d_data->Pages()[2].image, Support::Picture(40, 20)), QString());
+    step.Swap(d_data.get(), &facts);
+    QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+}
+
+void TestDocumentStep::a_changed_page_shares_its_image()
+{
+    const TPageImage image = d_data->Pages()[0].image;
+    TDocumentStep step = Run([](TData* data) { data->Change_Item_Value(12, 9); });
+    TDocumentFacts facts;
+    step.Swap(d_data.get(), &facts);
+    QVERIFY(d_data->Pages()[0].image.Is_Copy_Of(image));
+    step.Swap(d_data.get(), &facts);
+    QVERIFY(d_data->Pages()[0].image.Is_Copy_Of(image));
+}
+
+void TestDocumentStep::bytes_count_labels_and_images_of_the_step_alone()
+{
+    const qint64 nothing = Run([](TData*) {}).Bytes();
+    const auto labels = static_cast<qint64>(3 * sizeof(TDataItem));
+    const auto page = static_cast<qint64>(sizeof(TPageItem));
+    QCOMPARE(Run([](TData* data) { data->Change_Item_Value(12, 9); }).Bytes(),
+             nothing + page + labels);
+    const qint64 image = d_data->Pages()[0].image.Png().size();
+    TDocumentStep removed = Run([](TData* data) { data->Remove_Page(1); });
+    QCOMPARE(removed.Bytes(), nothing + page + labels + image);
+    TDocumentFacts facts;
+    removed.Swap(d_data.get(), &facts);
+    QVERIFY(removed.Bytes() < nothing);
+}
+
+void TestDocumentStep::a_random_walk_returns_to_its_beginning()
+{
+    std::mt19937 random(7);
+    const auto below = [&random](int limit) {
+        return static_cast<int>(random() % unsigned(limit));
+    };
+    int next_id = 100;
+    const auto change = [&](TData* data) {
+        for (int part = below(3); part >= 0; --part) {
+            data->Set_Active_Page(data->Page_Count() > 0 ? data->Page_Id(below(data->Page_Count()))
+                                                         : data->Add_Page());
+            const int count = data->Item_Count();
+            const int id = count > 0 ? data->Item(below(count)).id : 0;
+            switch (below(7)) {
+            case 0:
+            case 1:
+                data->Add_Item({++next_id, below(9), "", 1, QPointF(below(9), 1), false});
+                break;
+            case 2:
+                data->Change_Item_Value(id, below(9));
+                break;
+            case 3:
+                data->Remove_Items({id, id + 1});
+                break;
+            case 4:
+                data->Set_Page_Image(Support::Picture(10 + below(3), 4));
+                break;
+            case 5:
+                data->Add_Page();
+                break;
+            default:
+                if (below(3) == 0)
+                    data->Remove_Page(data->Active_Page());
+            }
+        }
+    };
+    std::vector<TDocumentStep> steps;
+    std::vector<QStringList> states = {In_Words(*d_data)};
+    TDocumentFacts facts;
+    for (int round = 0; round < 300; ++round) {
+        steps.push_back(Run(change));
+        states.push_back(In_Words(*d_data));
+        QCOMPARE(steps.back().Is_Void(*d_data, {}), states[states.size() - 2] == states.back());
+    }
+    for (int way = 0; way < 2; ++way) {
+        for (std::size_t place = steps.size(); place > 0; --place) {
+            steps[place - 1].Swap(d_data.get(), &facts);
+            QCOMPARE(In_Words(*d_data), states[place - 1]);
+        }
+        for (std::size_t place = 0; place < steps.size(); ++place) {
+            steps[place].Swap(d_data.get(), &facts);
+            QCOMPARE(In_Words(*d_data), states[place + 1]);
+        }
+    }
+}
+
+QTEST_MAIN(TestDocumentStep)
 #include "test_documentstep.moc"

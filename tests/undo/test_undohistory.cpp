@@ -1,5 +1,6 @@
 #include "src/undo/undohistory.h"
 
+#include <QStandardItemModel>
 #include <QtTest>
 
 class TestUndoHistory : public QObject
@@ -9,93 +10,408 @@ class TestUndoHistory : public QObject
 private slots:
     void init();
 
-    void what_is_shown_is_asked_once_for_a_run_that_changes_nothing();
+    void what_is_shown_is_read_once_for_a_run_that_changes_nothing();
     void a_run_that_begins_with_nothing_is_one_step();
-    void a_break_ends_a_run_that_has_changed_nothing();
+    void a_finished_run_that_changed_nothing_is_not_continued();
+    void changes_of_one_kind_to_one_subject_are_one_step();
+    void changes_of_another_kind_or_subject_are_another_step();
+    void some_kinds_are_never_continued();
+    void a_run_that_returns_to_its_beginning_is_no_step();
+    void nested_scopes_are_one_step();
+    void a_scope_without_a_history_records_nothing();
+    void a_selection_is_no_step();
     void steps_share_a_selection_that_stays();
-    void a_cleared_history_goes_on_with_nothing();
+    void a_cleared_history_starts_again();
+    void a_new_step_removes_undone_steps();
+    void the_outcome_has_what_was_shown_before_and_after();
+    void the_message_counts();
+    void the_look_is_undone_and_redone();
+    void a_renamed_page_is_a_step();
+    void moved_pages_are_a_step_that_touches_none();
+    void rows_are_recorded_on_return_to_the_event_loop();
+    void a_row_that_is_missing_for_a_moment_is_no_step();
+    void rows_that_change_within_a_step_belong_to_it();
+    void the_oldest_steps_are_dropped_beyond_the_budget();
+    void two_hundred_steps_are_kept_whatever_they_need();
 
 private:
-    bool Change_Border(int id, int border);
+    void Start(qint64 budget);
+    void Record(TStepKind kind, int subject, const std::function<void()>& change, int count = 1);
+    void Change_Border(int id, int border);
+    void Change_Value(int id, int value);
+    int Value(int place) const { return d_model.Item(place).value; }
 
     TData d_model;
-    int d_questions = 0;
-    int d_selected = 0; ///< which label; 0 for another one each time
+    int d_reads = 0;    ///< how often what is shown was read
+    int d_selected = 0; ///< selected label; 0 for another one each time
+    TPageRows d_rows;
+    TLabelLook d_look;
+    QStandardItemModel d_list{1, 1}; ///< stands in for the model behind the page list
     std::unique_ptr<TUndoHistory> d_history;
 };
 
-/// Three labels: two ellipses and a square.
+/// One page with three labels: two ellipses and a square.
 void TestUndoHistory::init()
 {
     d_model.Clear();
     d_model.Set_Active_Page(d_model.Add_Page());
     for (const int id : {1, 2, 3})
         d_model.Add_Item({id, id, QString(), id == 3 ? 1 : 2, QPointF(id, id), false});
-    d_questions = 0;
+    d_reads = 0;
     d_selected = 0;
-    d_history = std::make_unique<TUndoHistory>(&d_model, [this] {
-        ++d_questions;
-        return TShownState{{1}, {d_selected ? d_selected : d_questions}, d_questions, 0};
-    });
+    d_rows = {{1, "Page 1"}};
+    d_look = {32, Qt::red};
+    Start(TUndoHistory::Memory_Budget);
 }
 
-bool TestUndoHistory::Change_Border(int id, int border)
+void TestUndoHistory::Start(qint64 budget)
 {
-    d_history->Begin(TStepKind::Change_Border, border, 1, {});
-    d_model.Change_Item_Border(id, border);
-    return d_history->End({});
+    const auto shown = [this] {
+        ++d_reads;
+        return TShownState{{1}, {d_selected ? d_selected : d_reads}, d_reads, 0};
+    };
+    d_history = std::make_unique<TUndoHistory>(
+        &d_model,
+        TUndoHistory::TSource{[this] { return d_rows; }, [this] { return d_look; }, shown}, budget);
+    d_history->Watch_Page_List(d_list);
+    d_history->Clear();
+    d_history->Record_Page_List();
 }
 
-void TestUndoHistory::what_is_shown_is_asked_once_for_a_run_that_changes_nothing()
+void TestUndoHistory::Record(TStepKind kind, int subject, const std::function<void()>& change,
+                             int count)
 {
-    QVERIFY(!Change_Border(1, 2));
-    QVERIFY(!Change_Border(2, 2));
+    const TStepScope scope(d_history.get(), kind, subject, count);
+    change();
+}
+
+void TestUndoHistory::Change_Border(int id, int border)
+{
+    Record(TStepKind::Change_Border, border, [&] { d_model.Change_Item_Border(id, border); });
+}
+
+void TestUndoHistory::Change_Value(int id, int value)
+{
+    Record(TStepKind::Change_Value, id, [&] { d_model.Change_Item_Value(id, value); });
+}
+
+void TestUndoHistory::what_is_shown_is_read_once_for_a_run_that_changes_nothing()
+{
+    QSignalSpy recorded(d_history.get(), &TUndoHistory::Step_Recorded);
+    Change_Border(1, 2);
+    Change_Border(2, 2);
     QVERIFY(!d_history->Can_Undo());
-    QCOMPARE(d_questions, 1);
+    QCOMPARE(d_reads, 1);
+    QCOMPARE(recorded.count(), 0);
 }
 
 void TestUndoHistory::a_run_that_begins_with_nothing_is_one_step()
 {
-    QVERIFY(!Change_Border(1, 2));
-    QVERIFY(Change_Border(3, 2));
-    const auto outcome = d_history->Undo({});
+    QSignalSpy recorded(d_history.get(), &TUndoHistory::Step_Recorded);
+    Change_Border(1, 2);
+    Change_Border(3, 2);
+    QCOMPARE(recorded.count(), 1);
+    const auto outcome = d_history->Undo();
     QVERIFY(outcome.has_value());
     QCOMPARE(outcome->shown.labels, QVector<int>{1});
     QCOMPARE(d_model.Item(2).border_type, 1);
     QVERIFY(!d_history->Can_Undo());
-    QCOMPARE(d_history->Redo({})->shown.labels, QVector<int>{2});
+    QCOMPARE(d_history->Redo()->shown.labels, QVector<int>{2});
     QCOMPARE(d_model.Item(2).border_type, 2);
 }
 
-void TestUndoHistory::a_break_ends_a_run_that_has_changed_nothing()
+void TestUndoHistory::a_finished_run_that_changed_nothing_is_not_continued()
 {
-    QVERIFY(!Change_Border(1, 2));
-    d_history->Break();
-    QVERIFY(Change_Border(3, 2));
-    QCOMPARE(d_history->Undo({})->shown.labels, QVector<int>{2});
+    Change_Border(1, 2);
+    d_history->Finish_Step();
+    Change_Border(3, 2);
+    QCOMPARE(d_history->Undo()->shown.labels, QVector<int>{2});
+}
+
+void TestUndoHistory::changes_of_one_kind_to_one_subject_are_one_step()
+{
+    QSignalSpy recorded(d_history.get(), &TUndoHistory::Step_Recorded);
+    Change_Value(1, 10);
+    Change_Value(1, 100);
+    QCOMPARE(recorded.count(), 2);
+    d_history->Undo();
+    QCOMPARE(Value(0), 1);
+    QVERIFY(!d_history->Can_Undo());
+    d_history->Redo();
+    QCOMPARE(Value(0), 100);
+    // What was redone is not continued.
+    Change_Value(1, 1000);
+    d_history->Undo();
+    QCOMPARE(Value(0), 100);
+}
+
+void TestUndoHistory::changes_of_another_kind_or_subject_are_another_step()
+{
+    Change_Value(1, 10);
+    Change_Value(2, 20);
+    Change_Border(1, 2);
+    Change_Border(1, 4);
+    d_history->Undo();
+    QCOMPARE(d_model.Item(0).border_type, 2);
+    QCOMPARE(Value(1), 20);
+    d_history->Undo();
+    QCOMPARE(Value(1), 2);
+    QCOMPARE(Value(0), 10);
+    d_history->Undo();
+    QCOMPARE(Value(0), 1);
+    QVERIFY(!d_history->Can_Undo());
+}
+
+void TestUndoHistory::some_kinds_are_never_continued()
+{
+    for (const int value : {5, 6})
+        Record(TStepKind::Renumber, 0, [&] { d_model.Change_Item_Value(1, value); });
+    d_history->Undo();
+    QCOMPARE(Value(0), 5);
+    QVERIFY(d_history->Can_Undo());
+}
+
+void TestUndoHistory::a_run_that_returns_to_its_beginning_is_no_step()
+{
+    Change_Value(2, 20);
+    Change_Value(1, 10);
+    Change_Value(1, 1);
+    d_history->Undo();
+    QCOMPARE(Value(1), 2);
+    QVERIFY(!d_history->Can_Undo());
+    d_history->Redo();
+    Change_Value(1, 10);
+    Change_Value(1, 1);
+    Change_Value(1, 30);
+    d_history->Undo();
+    QCOMPARE(Value(0), 1);
+    QCOMPARE(Value(1), 20);
+}
+
+void TestUndoHistory::nested_scopes_are_one_step()
+{
+    QSignalSpy recorded(d_history.get(), &TUndoHistory::Step_Recorded);
+    Record(TStepKind::Nudge_Labels, 0, [&] {
+        Change_Value(1, 10);
+        QCOMPARE(recorded.count(), 0);
+        d_history->Finish_Step();
+        Change_Value(2, 20);
+    });
+    QCOMPARE(recorded.count(), 1);
+    d_history->Undo();
+    QCOMPARE(Value(0), 1);
+    QCOMPARE(Value(1), 2);
+}
+
+void TestUndoHistory::a_scope_without_a_history_records_nothing()
+{
+    {
+        const TStepScope scope(nullptr, TStepKind::Change_Value, 1, 1);
+        d_model.Change_Item_Value(1, 10);
+    }
+    QVERIFY(!d_history->Can_Undo());
+    QCOMPARE(d_reads, 0);
+}
+
+void TestUndoHistory::a_selection_is_no_step()
+{
+    Record(TStepKind::Change_Value, 1, [&] { d_model.Change_Item_Selection(1, true); });
+    QVERIFY(!d_history->Can_Undo());
 }
 
 void TestUndoHistory::steps_share_a_selection_that_stays()
 {
     d_selected = 2;
-    QVERIFY(Change_Border(1, 4));
-    QVERIFY(Change_Border(1, 8));
-    const auto second = d_history->Undo({});
-    const auto first = d_history->Undo({});
+    Change_Border(1, 4);
+    Change_Border(1, 8);
+    const auto second = d_history->Undo();
+    const auto first = d_history->Undo();
     QVERIFY(first->shown.next_value != second->shown.next_value);
     QCOMPARE(first->shown.labels, QVector<int>{2});
     QCOMPARE(first->shown.labels.constData(), second->shown.labels.constData());
     QCOMPARE(first->shown.pages.constData(), second->shown.pages.constData());
 }
 
-void TestUndoHistory::a_cleared_history_goes_on_with_nothing()
+void TestUndoHistory::a_cleared_history_starts_again()
 {
-    QVERIFY(Change_Border(3, 4));
+    Change_Border(3, 4);
     d_history->Clear();
-    QVERIFY(Change_Border(1, 4));
-    QCOMPARE(d_history->Undo({})->pages, std::vector<int>{1});
+    QVERIFY(!d_history->Can_Undo());
+    Change_Border(1, 4);
+    QCOMPARE(d_history->Undo()->pages, std::vector<int>{1});
     QCOMPARE(d_model.Item(2).border_type, 4);
     QCOMPARE(d_model.Item(0).border_type, 2);
+    d_history->Clear();
+    QVERIFY(!d_history->Can_Redo());
+}
+
+void TestUndoHistory::a_new_step_removes_undone_steps()
+{
+    Change_Value(1, 10);
+    Change_Value(2, 20);
+    d_history->Undo();
+    d_history->Undo();
+    Change_Value(1, 1);
+    QVERIFY(d_history->Can_Redo());
+    Change_Value(3, 30);
+    QVERIFY(!d_history->Can_Redo());
+    QVERIFY(!d_history->Redo().has_value());
+    d_history->Undo();
+    QCOMPARE(Value(2), 3);
+    QVERIFY(!d_history->Undo().has_value());
+}
+
+void TestUndoHistory::the_outcome_has_what_was_shown_before_and_after()
+{
+    Change_Value(1, 10);
+    const auto undone = d_history->Undo();
+    QCOMPARE(undone->shown.next_value, 1);
+    QVERIFY(undone->sets_values);
+    QCOMPARE(undone->facts.rows, d_rows);
+    QCOMPARE(d_history->Redo()->shown.next_value, 2);
+}
+
+void TestUndoHistory::the_message_counts()
+{
+    Record(
+        TStepKind::Remove_Labels, 0,
+        [&] {
+            d_model.Remove_Items({1, 2});
+        },
+        2);
+    Record(TStepKind::Remove_Labels, 0, [&] { d_model.Remove_Items({3}); });
+    QCOMPARE(d_history->Undo()->message, QString("Undone: remove 1 label"));
+    QCOMPARE(d_history->Undo()->message, QString("Undone: remove 2 labels"));
+    QCOMPARE(d_history->Redo()->message, QString("Redone: remove 2 labels"));
+    Record(
+        TStepKind::Renumber, 0, [&] { d_model.Change_Item_Value(3, 9); }, 7);
+    QCOMPARE(d_history->Undo()->message, QString("Undone: renumber labels"));
+}
+
+void TestUndoHistory::the_look_is_undone_and_redone()
+{
+    Record(TStepKind::Change_Size, 0, [&] { d_look.size = 40; });
+    Record(TStepKind::Change_Size, 0, [&] { d_look.size = 50; });
+    const auto undone = d_history->Undo();
+    QCOMPARE(undone->facts.look.size, 32);
+    QCOMPARE(undone->facts.look.color, QColor(Qt::red));
+    QCOMPARE(undone->pages, std::vector<int>());
+    d_look = undone->facts.look;
+    const auto redone = d_history->Redo();
+    QCOMPARE(redone->facts.look.size, 50);
+    d_look = redone->facts.look;
+    Record(TStepKind::Change_Color, 0, [&] { d_look.color = Qt::blue; });
+    QCOMPARE(d_history->Undo()->facts.look.color, QColor(Qt::red));
+}
+
+void TestUndoHistory::a_renamed_page_is_a_step()
+{
+    QSignalSpy changed(d_history.get(), &TUndoHistory::Page_List_Changed);
+    for (const char* name : {"R", "Ro", "Roof"}) {
+        d_rows[0].name = name;
+        d_list.setItem(0, new QStandardItem(name));
+        d_history->Record_Page_List();
+    }
+    QCOMPARE(changed.count(), 3);
+    const auto undone = d_history->Undo();
+    QCOMPARE(undone->message, QString("Undone: rename page"));
+    QCOMPARE(undone->facts.rows.first().name, QString("Page 1"));
+    QCOMPARE(undone->pages, std::vector<int>{1});
+    QVERIFY(!d_history->Can_Undo());
+    QCOMPARE(d_history->Redo()->facts.rows.first().name, QString("Roof"));
+}
+
+void TestUndoHistory::moved_pages_are_a_step_that_touches_none()
+{
+    d_rows.append({d_model.Add_Page(), "Page 2"});
+    d_list.setItem(0, new QStandardItem("added"));
+    d_history->Record_Page_List();
+    QVERIFY(!d_history->Can_Undo());
+    std::swap(d_rows[0], d_rows[1]);
+    d_list.setItem(0, new QStandardItem("moved"));
+    d_history->Record_Page_List();
+    const auto undone = d_history->Undo();
+    QCOMPARE(undone->message, QString("Undone: move 1 page"));
+    QCOMPARE(undone->facts.rows.first().page_id, 1);
+    QCOMPARE(undone->pages, std::vector<int>());
+}
+
+void TestUndoHistory::rows_are_recorded_on_return_to_the_event_loop()
+{
+    d_rows[0].name = "Roof";
+    d_list.setItem(0, new QStandardItem("renamed"));
+    QVERIFY(!d_history->Can_Undo());
+    QCoreApplication::processEvents();
+    QVERIFY(d_history->Can_Undo());
+    // Or before, when another step begins.
+    d_rows[0].name = "Cellar";
+    d_list.setItem(0, new QStandardItem("renamed again"));
+    Change_Value(1, 10);
+    QCOMPARE(d_history->Undo()->message, QString("Undone: change value"));
+    QCOMPARE(d_history->Undo()->message, QString("Undone: rename page"));
+}
+
+void TestUndoHistory::a_row_that_is_missing_for_a_moment_is_no_step()
+{
+    const TPageRows rows = std::exchange(d_rows, {});
+    d_list.setItem(0, new QStandardItem("taken out"));
+    d_history->Record_Page_List();
+    QVERIFY(!d_history->Can_Undo());
+    d_rows = rows;
+    d_rows[0].name = "Roof";
+    d_history->Record_Page_List();
+    QCOMPARE(d_history->Undo()->facts.rows, rows);
+}
+
+void TestUndoHistory::rows_that_change_within_a_step_belong_to_it()
+{
+    Record(TStepKind::Add_Page, 0, [&] {
+        d_rows.append({d_model.Add_Page(), "Page 2"});
+        d_list.setItem(0, new QStandardItem("added"));
+        d_history->Record_Page_List();
+    });
+    const auto undone = d_history->Undo();
+    QCOMPARE(undone->message, QString("Undone: add page"));
+    QCOMPARE(undone->pages, std::vector<int>{2});
+    QCOMPARE(undone->facts.rows.size(), 1);
+    QCOMPARE(d_model.Page_Count(), 1);
+    QVERIFY(!d_history->Can_Undo());
+    QCOMPARE(d_history->Redo()->facts.rows.size(), 2);
+    QCOMPARE(d_model.Page_Id(1), 2);
+}
+
+void TestUndoHistory::the_oldest_steps_are_dropped_beyond_the_budget()
+{
+    // A step stores the page with its three labels.
+    const auto labels_bytes = static_cast<qint64>(3 * sizeof(TDataItem));
+    const auto kept = static_cast<qint64>(TUndoHistory::Minimum_Steps) + 50;
+    Start(kept * (labels_bytes + 300));
+    for (int value = 100; value < 1000; ++value) {
+        Change_Value(1, value);
+        d_history->Finish_Step();
+    }
+    qint64 steps = 0;
+    for (; d_history->Can_Undo(); ++steps)
+        d_history->Undo();
+    QVERIFY2(steps >= kept && steps < 4 * kept, qPrintable(QString::number(steps)));
+    QCOMPARE(Value(0), static_cast<int>(999 - steps));
+}
+
+void TestUndoHistory::two_hundred_steps_are_kept_whatever_they_need()
+{
+    Start(0);
+    for (int value = 100; value < 350; ++value) {
+        Change_Value(1, value);
+        d_history->Finish_Step();
+    }
+    int steps = 0;
+    for (; d_history->Can_Undo(); ++steps)
+        d_history->Undo();
+    QCOMPARE(steps, 200);
+    QCOMPARE(Value(0), 149);
+    while (d_history->Can_Redo())
+        d_history->Redo();
+    QCOMPARE(Value(0), 349);
 }
 
 QTEST_MAIN(TestUndoHistory)

@@ -1,0 +1,60 @@
+#include "src/undo/stepkind.h"
+
+#include <QCoreApplication>
+
+#include <cstddef>
+
+namespace {
+
+struct TEntry
+{
+    TStepKind kind;
+    bool may_continue;
+    const char* one;
+    const char* several; ///< null if there is only ever one
+};
+
+/// In the order of TStepKind.
+const TEntry entries[] = {
+    {TStepKind::Add_Label, false, QT_TRANSLATE_NOOP("TUndoHistory", "add label"), nullptr},
+    {TStepKind::Remove_Labels, false, QT_TRANSLATE_NOOP("TUndoHistory", "remove 1 label"),
+     QT_TRANSLATE_NOOP("TUndoHistory", "remove %1 labels")},
+    {TStepKind::Change_Value, true, QT_TRANSLATE_NOOP("TUndoHistory", "change value"), nullptr},
+    {TStepKind::Change_Text, false, QT_TRANSLATE_NOOP("TUndoHistory", "change text"), nullptr},
+    {TStepKind::Change_Border, true, QT_TRANSLATE_NOOP("TUndoHistory", "change border"), nullptr},
+    {TStepKind::Move_Label, false, QT_TRANSLATE_NOOP("TUndoHistory", "move label"), nullptr},
+    {TStepKind::Nudge_Labels, true, QT_TRANSLATE_NOOP("TUndoHistory", "move 1 label"),
+     QT_TRANSLATE_NOOP("TUndoHistory", "move %1 labels")},
+    {TStepKind::Renumber, false, QT_TRANSLATE_NOOP("TUndoHistory", "renumber labels"), nullptr},
+    {TStepKind::Add_Page, false, QT_TRANSLATE_NOOP("TUndoHistory", "add page"), nullptr},
+    {TStepKind::Remove_Pages, false, QT_TRANSLATE_NOOP("TUndoHistory", "remove 1 page"),
+     QT_TRANSLATE_NOOP("TUndoHistory", "remove %1 pages")},
+    {TStepKind::Rename_Page, true, QT_TRANSLATE_NOOP("TUndoHistory", "rename page"), nullptr},
+    {TStepKind::Move_Pages, false, QT_TRANSLATE_NOOP("TUndoHistory", "move 1 page"),
+     QT_TRANSLATE_NOOP("TUndoHistory", "move %1 pages")},
+    {TStepKind::Import, false, QT_TRANSLATE_NOOP("TUndoHistory", "import 1 image"),
+     QT_TRANSLATE_NOOP("TUndoHistory", "import %1 images")},
+    {TStepKind::Change_Size, true, QT_TRANSLATE_NOOP("TUndoHistory", "change label size"), nullptr},
+    {TStepKind::Change_Color, false, QT_TRANSLATE_NOOP("TUndoHistory", "change label color"),
+     nullptr},
+};
+
+const TEntry& Entry(TStepKind kind)
+{
+    return entries[static_cast<std::size_t>(kind)];
+}
+
+} // namespace
+
+QString StepKind::Name(TStepKind kind, int count)
+{
+    const TEntry& entry = Entry(kind);
+    return count > 1 && entry.several
+               ? QCoreApplication::translate("TUndoHistory", entry.several).arg(count)
+               : QCoreApplication::translate("TUndoHistory", entry.one);
+}
+
+bool StepKind::May_Continue(TStepKind kind)
+{
+    return Entry(kind).may_continue;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+
+/// What a step does.
+enum class TStepKind {
+    Add_Label,
+    Remove_Labels,
+    Change_Value,
+    Change_Text,
+    Change_Border,
+    Move_Label,
+    Nudge_Labels,
+    Renumber,
+    Add_Page,
+    Remove_Pages,
+    Rename_Page,
+    Move_Pages,
+    Import,
+    Change_Size,
+    Change_Color
+};
+
+namespace StepKind {
+
+/// What a step is called in messages: "add label", "remove 2 labels".
+/// @param count  how many labels, pages or images the step affects.
+QString Name(TStepKind kind, int count);
+
+/// Whether further changes of the same kind to the same subject belong to the same step.
+bool May_Continue(TStepKind kind);
+
+} // namespace StepKind
