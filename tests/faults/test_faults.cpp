@@ -1,10 +1,10 @@
-// Walks a fault over every call of a whole save, a whole copy of unsaved work and a whole export:
-// after each of them there has to be one whole file that holds the document.
+// Injects a fault at every system call of a save, a recovery copy and an export, one call at a
+// time. After each fault, at least one complete file has to hold the document.
 //
 // Needs tests/faults/faultlibrary.cpp preloaded. QUILLET_FAULT_TABLE names a file that gets a line
 // for each kind of fault: operation, fault, tries and losses, separated by tabs. QUILLET_SMALL_DISK
-// names a folder on a file system that may be filled up; without it a limit on the size of files
-// stands for a full disk.
+// names a folder on a file system that the test may fill up; without it, a limit on the size of
+// files simulates a full disk.
 
 #include "faultlibrary.h"
 
@@ -29,22 +29,23 @@ struct TFaultKind
     const char* name;
     TCall call;
     TKind kind;
+    int least_tries; ///< every operation makes the call at least this often
 };
 
 const TFaultKind fault_kinds[] = {
-    {"opening fails", Open, Fail},
-    {"kill before opening", Open, Kill},
-    {"kill after opening", Open, Kill_After},
-    {"writing fails", Write, Fail},
-    {"disk full half-way", Write, Short},
-    {"kill half-way through a write", Write, Kill},
-    {"kill after a write", Write, Kill_After},
-    {"renaming fails", Rename, Fail},
-    {"kill before renaming", Rename, Kill},
-    {"kill after renaming", Rename, Kill_After},
-    {"syncing fails", Sync, Fail},
-    {"kill before syncing", Sync, Kill},
-    {"kill after syncing", Sync, Kill_After},
+    {"opening fails", Open, Fail, 5},
+    {"kill before opening", Open, Kill, 5},
+    {"kill after opening", Open, Kill_After, 5},
+    {"writing fails", Write, Fail, 1},
+    {"disk full half-way", Write, Short, 1},
+    {"kill half-way through a write", Write, Kill, 1},
+    {"kill after a write", Write, Kill_After, 1},
+    {"renaming fails", Rename, Fail, 2},
+    {"kill before renaming", Rename, Kill, 2},
+    {"kill after renaming", Rename, Kill_After, 2},
+    {"syncing fails", Sync, Fail, 1},
+    {"kill before syncing", Sync, Kill, 1},
+    {"kill after syncing", Sync, Kill_After, 1},
 };
 
 template <typename TFunction>
@@ -60,7 +61,7 @@ QString Small_Disk()
     return QFile::decodeName(qgetenv("QUILLET_SMALL_DISK"));
 }
 
-/// Fills the file system of a file up, but for some bytes.
+/// Fills up the file system of a file, except for some bytes.
 void Fill_Disk(const QString& path, qint64 room)
 {
     QFile filling(path);
@@ -134,7 +135,7 @@ void TestFaults::cleanup()
     d_folder.reset();
 }
 
-/// Puts the files back to how they are before a try.
+/// Restores the files to their state before a try.
 void TestFaults::Lay_Out()
 {
     QDir(Settings()).removeRecursively();
@@ -144,7 +145,7 @@ void TestFaults::Lay_Out()
     Support::Write_File(In("out/report.pdf"), d_old_report);
 }
 
-/// Opens the document and adds one label, which is copied at once.
+/// Opens the document and adds one label, which makes a recovery copy at once.
 void TestFaults::Edit()
 {
     d_window = std::make_unique<TOpenWindow>();
@@ -170,13 +171,13 @@ void TestFaults::Run(const QString& operation)
     }
 }
 
-/// Number of labels in a project file; -1 when it is not whole.
+/// Number of labels in a project file; -1 when the file is incomplete.
 int TestFaults::Count_Labels(const QString& path) const
 {
     return ProjectFile::Is_Whole(path) ? Support::Read_File(path).count("<Item>") : -1;
 }
 
-/// The most labels that any file holds: the document, its version before, or the copy of the work.
+/// The largest number of labels in any file: the document, its previous version or a recovery copy.
 int TestFaults::Best_Copy() const
 {
     int best = Count_Labels(Document());
@@ -187,20 +188,20 @@ int TestFaults::Best_Copy() const
     return best;
 }
 
-/// What is lost after a try; empty when nothing is.
+/// What a try lost; empty when nothing.
 QString TestFaults::Loss(const QString& operation) const
 {
-    // The label that was added before the fault is in the copy of the work; before the first copy
-    // there is only what was saved.
+    // The recovery copy has the label that was added before the fault. Before the first copy there
+    // is only the saved document.
     const int wanted = operation.startsWith("first") ? labels_before : labels_before + 1;
     if (Best_Copy() < wanted)
         return QString("%1 labels are left").arg(Best_Copy());
     for (const QString& name : QDir(In("out")).entryList(QDir::Files)) {
         const QString path = In("out/" + name);
         if (name.endsWith(".pdf") && !TPageExporter::Is_Complete_Pdf(path))
-            return name + " is not whole";
+            return name + " is incomplete";
         if (name.endsWith(".png") && QImage(path).isNull())
-            return name + " is not whole";
+            return name + " is incomplete";
     }
     return QFile::exists(In("out/report.pdf")) ? QString() : QString("the report is gone");
 }
@@ -219,12 +220,13 @@ void TestFaults::the_document_survives_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("call");
     QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("least_tries");
     for (const char* const operation :
          {"save", "copy of the work", "first copy of the work", "PDF export", "image export"}) {
         for (const TFaultKind& fault : fault_kinds)
             QTest::addRow("%s, %s", operation, fault.name)
                 << operation << fault.name << static_cast<int>(fault.call)
-                << static_cast<int>(fault.kind);
+                << static_cast<int>(fault.kind) << fault.least_tries;
     }
 }
 
@@ -234,6 +236,7 @@ void TestFaults::the_document_survives()
     QFETCH(QString, name);
     QFETCH(int, call);
     QFETCH(int, kind);
+    QFETCH(int, least_tries);
     const auto arm = From_Library<void (*)(const char*, int, int, int)>("Quillet_Arm_Fault");
     const auto disarm = From_Library<int (*)()>("Quillet_Disarm_Fault");
     const QByteArray folders =
@@ -267,6 +270,7 @@ void TestFaults::the_document_survives()
     }
     Add_To_Table(operation, name, tries, losses);
     QCOMPARE(losses, 0);
+    QVERIFY2(tries >= least_tries, qPrintable(QString("only %1 tries").arg(tries)));
     QVERIFY(tries < most_calls);
 }
 

@@ -1,31 +1,34 @@
 #!/usr/bin/env python3
-"""What a screen reader is told: reads the running program's accessible tree over AT-SPI, and fails
-on a control without a name or without a description.
+"""Reads the running program's accessible tree over AT-SPI, as a screen reader does, and fails on a
+control without a name or without a description.
 
 Usage: accessible_tree.py QUILLET RESULTS
   RESULTS  a folder for the trees as text
 
-To be run in an X server with a window manager and an empty home folder (tests/support/with-x-server).
-The D-Bus session and the accessibility bus are the test's own.
+Run it in an X server with a window manager and an empty home folder (tests/support/with-x-server).
+The test starts its own D-Bus session and accessibility bus.
 """
 
 import os
+import re
 import subprocess
 import sys
 
-from driver import Failure, Program, click, press, wait_until
+from driver import Failure, Program, ask, click, press, wait_until
 
 IMPORT_ICON = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "resources", "menu",
                            "file_import.png")
 BUS_LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
+# How long the program may take to answer one request.
+ANSWER_MILLISECONDS = 20000
 
-# What is used by hand. Each of them needs a name and a description.
+# Roles of widgets that users operate. Each needs a name and a description.
 CONTROLS = {"push button", "toggle button", "check box", "radio button", "text", "slider",
             "spin button", "combo box", "list"}
-# What needs a name alone: it says what it is for by that.
+# Roles that need only a name, which is description enough.
 ENTRIES = {"menu item", "check menu item", "list item"}
 
-# How many of each there are at the least, by window; with fewer the tree was not read as a whole.
+# The least number of nodes of each role in a window. With fewer, the tree is incomplete.
 MAIN_WINDOW = {"push button": 17, "text": 4, "slider": 2, "combo box": 3, "check box": 1, "list": 2,
                "menu item": 17}
 REINDEX_DIALOG = {"push button": 2, "text": 1, "combo box": 1, "radio button": 3}
@@ -33,14 +36,14 @@ HEADER_DIALOG = {"push button": 2, "text": 2}
 
 
 class Node:
-    """A piece of the tree, as it was when it was read."""
+    """A copy of a node of the tree."""
 
     def __init__(self, role, name="", description="", captions=(), focusable=False, children=()):
         self.role, self.name, self.description = role, name, description
         self.captions, self.focusable, self.children = captions, focusable, children
 
     def walk(self, path=()):
-        """This node and all below it, each with the nodes above it."""
+        """Yields this node and its descendants, each with its ancestors."""
         yield self, path
         for child in self.children:
             yield from child.walk(path + (self,))
@@ -53,15 +56,15 @@ class Node:
 
 
 def faults(tree):
-    """What a person who cannot see the screen would miss, a line for each."""
+    """Missing names and descriptions, a line for each."""
     found = []
     for node, path in tree.walk():
-        # The list that a combo box opens goes by the combo box's name.
+        # The list of a combo box needs no name: the combo box has one.
         if node.role == "list" and path and path[-1].role == "combo box":
             continue
         place = " > ".join(f"{above.role} {above.name!r}" for above in path + (node,))
         is_control = node.role in CONTROLS or (node.focusable and node.role not in ENTRIES)
-        # A combo box is called like the entry that it shows; what it is, its caption tells.
+        # The name of a combo box is its current entry; its caption names the combo box.
         name = " ".join(node.captions) if node.role == "combo box" else node.name
         if (is_control or node.role in ENTRIES) and not name.strip():
             found.append(f"no name: {place}")
@@ -71,14 +74,14 @@ def faults(tree):
 
 
 def shortfalls(tree, least):
-    """Of which roles there are fewer than there have to be."""
+    """Roles with fewer nodes than required, a line for each."""
     roles = [node.role for node, _ in tree.walk()]
     return [f"{roles.count(role)} of role {role}, expected {count} at least"
             for role, count in least.items() if roles.count(role) < count]
 
 
 def try_the_checks():
-    """Sees that the checks find what they are for."""
+    """Fails when a check misses a defect, or finds one in a flawless node."""
 
     def expect(what, found, expected):
         if found != expected:
@@ -102,36 +105,49 @@ def try_the_checks():
 
 
 class AccessibilityBus:
-    """A D-Bus session with an accessibility bus; gone with the block that it is used in."""
+    """A context manager that runs a D-Bus session with an accessibility bus."""
 
     def __enter__(self):
-        self.helpers = []
+        self.processes = []
         session = self.start("dbus-daemon", "--session", "--nofork", "--print-address=1")
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = session.stdout.readline().decode().strip()
         os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         self.start(BUS_LAUNCHER, "--launch-immediately", "--a11y=1")
+        # A program that starts before the registry answers would not be in the tree.
+        wait_until("the accessibility registry", self.is_ready)
         return self
 
+    @staticmethod
+    def is_ready():
+        address = re.search("'(.+)'", ask(
+            "gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
+            "--method", "org.a11y.Bus.GetAddress"))
+        return address and ask(
+            "gdbus", "call", "--address", address[1], "--dest", "org.a11y.atspi.Registry",
+            "--object-path", "/org/a11y/atspi/accessible/root",
+            "--method", "org.freedesktop.DBus.Peer.Ping")
+
     def start(self, *command):
-        # A helper goes with this script, in whatever way that ends.
-        helper = subprocess.Popen(["setpriv", "--pdeathsig", "TERM", *command],
-                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.helpers.append(helper)
-        return helper
+        # The signal ends the process however this script ends.
+        process = subprocess.Popen(["setpriv", "--pdeathsig", "TERM", *command],
+                                   stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.processes.append(process)
+        return process
 
     def __exit__(self, *_):
-        for helper in reversed(self.helpers):
-            helper.terminate()
-            helper.wait()
+        for process in reversed(self.processes):
+            process.terminate()
+            process.wait()
 
 
 class Reader:
     """Reads the windows of one program."""
 
     def __init__(self, process_id):
-        # Looks for its bus at once, and so not before there is one.
+        # The module connects to the bus on import, so the bus must exist.
         import pyatspi
-        from gi.repository import GLib
+        from gi.repository import Atspi, GLib
+        Atspi.set_timeout(ANSWER_MILLISECONDS, ANSWER_MILLISECONDS)
         self.pyatspi, self.error, self.process_id = pyatspi, GLib.Error, process_id
 
     def children(self, node):
@@ -145,19 +161,19 @@ class Reader:
                 return self.children(program)
         return []
 
-    def find(self, title):
+    def read_window(self, title, read):
+        """Applies a function to a window's node.
+
+        Returns None when there is no such window, or when the tree changes during the call.
+        """
         try:
-            return next((window for window in self.windows() if window.name == title), None)
+            window = next((window for window in self.windows() if window.name == title), None)
+            return window and read(window)
         except self.error:
-            # It changed while it was read.
             return None
 
-    def window(self, title):
-        """Waits for a window; its node."""
-        return wait_until(f"window {title!r} in the accessible tree", lambda: self.find(title))
-
     def read(self, node):
-        """The tree below a node."""
+        """Copies a node with its descendants."""
         captions = [relation.getTarget(i).name for relation in node.getRelationSet()
                     if relation.getRelationType() == self.pyatspi.RELATION_LABELLED_BY
                     for i in range(relation.getNTargets())]
@@ -166,7 +182,7 @@ class Reader:
                     [self.read(child) for child in self.children(node)])
 
     def press(self, node, name):
-        """Presses the button with a name somewhere below a node."""
+        """Presses the first button with a name among the descendants of a node."""
         for child in self.children(node):
             if child.name == name and child.getRoleName() == "push button":
                 return child.queryAction().doAction(0)
@@ -176,12 +192,22 @@ class Reader:
 
 
 def check(reader, title, least, results):
-    tree = reader.read(reader.window(title))
-    with open(os.path.join(results, title + ".txt"), "w", encoding="utf-8") as file:
-        file.write("\n".join(tree.lines()) + "\n")
-    found = faults(tree) + shortfalls(tree, least)
-    if found:
-        raise Failure(f"{title}:\n  " + "\n  ".join(found))
+    """Waits until a window's tree is complete and has no faults."""
+    last = [f"no window {title!r}"]
+
+    def is_flawless():
+        tree = reader.read_window(title, reader.read)
+        if tree is None:
+            return False
+        with open(os.path.join(results, title + ".txt"), "w", encoding="utf-8") as file:
+            file.write("\n".join(tree.lines()) + "\n")
+        last[:] = faults(tree) + shortfalls(tree, least)
+        return not last
+
+    try:
+        wait_until(f"a flawless tree of {title!r}", is_flawless)
+    except Failure as failure:
+        raise Failure(f"{title}:\n  " + "\n  ".join(last)) from failure
 
 
 def main():
@@ -194,9 +220,9 @@ def main():
             reader = Reader(program.process.pid)
             check(reader, "Quillet", MAIN_WINDOW, results)
             # The dialogs need a page.
-            if not reader.press(reader.window("Quillet"), "Add Page"):
+            if not reader.read_window("Quillet", lambda window: reader.press(window, "Add Page")):
                 raise Failure("there is no button to add a page")
-            # The commands find out that there is one when an import ends.
+            # The end of an import updates the commands, even without a new page.
             click(program.icon(IMPORT_ICON))
             program.dialog()
             program.answer("Escape")

@@ -6,29 +6,31 @@ Usage: pictures.py QUILLET SAMPLE PICTURES
   SAMPLE    the folder of the sample document (script/make-sample)
   PICTURES  the folder for the pictures (docs/pictures)
 
-To be run in an X server with a window manager and an empty home folder (tests/support/with-x-server).
+Run it in an X server with a window manager and an empty home folder (tests/support/with-x-server).
 """
 
 import os
 import sys
 
 from driver import calm_screen, click, drag, press, run, write
-from scenario import ITEM_WIDGETS, PAGE_WIDGETS, SETTINGS, WORKING_SIZE, Day
+from session import ITEM_WIDGETS, PAGE_WIDGETS, SETTINGS, WORKING_SIZE, Session
 
 FACADE = 1
 TITLE_BAR = 20
 
 
-class Tour(Day):
-    """A walk through the program on which pictures are taken."""
+class Tour(Session):
+    """A session that takes pictures."""
 
     def __init__(self, quillet, sample, pictures):
         super().__init__(quillet, pictures, [])
         self.sample = sample
 
     def take(self, name, box=None):
-        """A picture of a window with its frame, the main window by default, in few colours: such
-        pictures are small."""
+        """Takes a picture of a window with its frame, the main window by default.
+
+        The picture has few colours, which makes it small.
+        """
         calm_screen()
         box = box or self.program.box
         frame = (f"{box.width + 2}x{box.height + TITLE_BAR + 2}"
@@ -40,7 +42,7 @@ class Tour(Day):
 
     def take_dialog(self, name, title):
         box = self.program.box_of_window(self.program.dialog(title))
-        # A text cursor blinks, and would be in every other picture only.
+        # Moves the focus off the text editor: a blinking cursor would make pictures differ.
         press("Tab")
         self.take(name, box)
 
@@ -54,7 +56,7 @@ def first_start(tour):
 
 
 def open_sample(tour):
-    """The sample document, so small that its pages are seen as a whole or nearly so."""
+    """The sample document, at a zoom that shows nearly the whole page."""
     press("ctrl+o")
     tour.file_name("Select a Quillet file to open", os.path.join(tour.sample, "sample.quillet"))
     tour.set_slider("zoom", *["Prior"] * 6)

@@ -7,12 +7,14 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QGuiApplication>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
 
-/// What the settings remember of windows that a window manager has a say in.
+/// Restoring the window and its docks under a window manager.
 class TestDocks : public QObject
 {
     Q_OBJECT
@@ -25,6 +27,22 @@ private:
         auto window = std::make_unique<TOpenWindow>();
         window->show();
         return QTest::qWaitForWindowExposed(window.get()) ? std::move(window) : nullptr;
+    }
+
+    /// Whether the window manager stacks a window above another one.
+    static bool Is_Above(const QWidget& upper, const QWidget& lower)
+    {
+        QProcess xprop;
+        xprop.start(QStringLiteral("xprop"),
+                    {QStringLiteral("-root"), QStringLiteral("_NET_CLIENT_LIST_STACKING")});
+        xprop.waitForFinished();
+        // Window ids, the lowest window first.
+        const QString stack = QString::fromLatin1(xprop.readAllStandardOutput());
+        const auto place = [&stack](const QWidget& widget) {
+            return stack.indexOf(
+                QRegularExpression(QStringLiteral("0x%1\\b").arg(widget.winId(), 0, 16)));
+        };
+        return place(lower) >= 0 && place(upper) > place(lower);
     }
 
 private slots:
@@ -49,7 +67,7 @@ private slots:
         }
     }
 
-    void floating_docks_come_back_where_they_were()
+    void floating_docks_are_restored_to_their_places()
     {
         {
             const auto window = Shown_Window();
@@ -76,7 +94,24 @@ private slots:
         QTRY_COMPARE(window->d_page_dock->pos(), QPoint(140, 420));
     }
 
-    void hidden_docks_come_back_hidden()
+    void floating_docks_are_above_the_window_after_a_restart()
+    {
+        {
+            const auto window = Shown_Window();
+            QVERIFY(window);
+            window->d_label_dock->setFloating(true);
+            QVERIFY(QTest::qWaitForWindowExposed(window->d_label_dock));
+            window->d_label_dock->move(300, 250);
+            QTRY_COMPARE(window->d_label_dock->pos(), QPoint(300, 250));
+            QVERIFY(window->close());
+        }
+        const auto window = Shown_Window();
+        QVERIFY(window);
+        QTRY_COMPARE(window->d_label_dock->pos(), QPoint(300, 250));
+        QTRY_VERIFY(Is_Above(*window->d_label_dock, *window));
+    }
+
+    void hidden_docks_stay_hidden_after_a_restart()
     {
         {
             const auto window = Shown_Window();
@@ -94,7 +129,7 @@ private slots:
         QVERIFY(window->d_page_dock->isFloating());
     }
 
-    void the_window_comes_back_where_it_was()
+    void the_window_is_restored_to_its_place()
     {
         {
             const auto window = Shown_Window();

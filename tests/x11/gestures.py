@@ -1,0 +1,130 @@
+#!/usr/bin/env python3
+"""Zooms, and moves labels and pages with the wheel and the keys.
+
+Usage: gestures.py QUILLET RESULTS
+  QUILLET   the program
+  RESULTS   a folder for the screenshots; emptied first
+
+Run it in an X server with a window manager and an empty home folder (tests/support/with-x-server).
+"""
+
+import math
+
+from driver import Box, calm_screen, point_at, press, turn_wheel
+from results import Project, report_pages
+from session import (COLOUR, ELLIPSE, check, check_labels, check_near, close_unchanged, import_pages,
+                     label_at, run_steps, save_as, start_working)
+
+FIRST_PAGE, LAST_PAGE = 16, 18
+# The page to work with, which has a page before it and another one after it.
+PAGE = 1
+
+
+def label_page(session):
+    """Adds two labels."""
+    page = session.pages[PAGE]
+    session.page_row(PAGE)
+    # The view zooms about its centre. Coming from a zoom that shows the whole page, that is the
+    # page's centre.
+    session.set_slider("zoom", *["Prior"] * 10)
+    session.labels = []
+    for spot in session.spots(page, (-80, -40), (80, 40)):
+        session.click_page(page, spot, button=3)
+        session.labels.append(label_at(spot, ELLIPSE))
+
+
+def zoom_with_slider(session):
+    """The slider scales what the view shows."""
+    widths = {}
+    # Each step of the slider adds 1/50 to the exponent; a key moves it by ten steps.
+    for name, keys in (("zoomed-in", 12), ("zoomed-out", 5), ("full-size", 10)):
+        session.set_slider("zoom", *["Prior"] * keys)
+        if name != "full-size":
+            session.shoot(name)
+        widths[name] = calm_screen().box_of(COLOUR, session.view()).width
+    # Smooth scaling pales the outermost pixels, which makes the distance a little smaller.
+    for name, exponent in (("zoomed-in", 0.4), ("zoomed-out", -1)):
+        expected = widths["full-size"] * math.exp(exponent)
+        check_near(f"width, {name}", [widths[name]], [expected], 0.1 * expected)
+
+
+def label_box(session, centre):
+    """The box of the label around a point of the screen."""
+    reach = 45
+    x, y = centre
+    return calm_screen().box_of(COLOUR, Box(x - reach, y - reach, x + reach, y + reach))
+
+
+def zoom_with_wheel(session):
+    """The wheel zooms about the pointer."""
+    left, top = session.origin(session.pages[PAGE])
+    x, y = session.labels[1]["position"]
+    pointer = x + left, y + top
+
+    def width():
+        return calm_screen().box_of(COLOUR, session.view()).width
+
+    before, width_before = label_box(session, pointer), width()
+    point_at(*pointer)
+    turn_wheel(3, holding="ctrl")
+    session.shoot("zoomed-by-wheel")
+    # A notch is five steps of the slider.
+    expected = width_before * math.exp(15 / 50)
+    check_near("width after three notches", [width()], [expected], 0.1 * expected)
+    # A zoom about the middle of the view would move the label by 28 pixels. Scaling pales its edges.
+    check_near("label under the pointer", label_box(session, pointer).centre, pointer, 12)
+    turn_wheel(-3, holding="ctrl")
+    check_near("label under the pointer again", label_box(session, pointer).centre, before.centre, 1)
+
+
+def move_label_with_keys(session):
+    """Ctrl and an arrow key move a label by 1 pixel, with Shift by 10."""
+    page, label = session.pages[PAGE], session.labels[1]
+    left, top = session.origin(page)
+    x, y = label["position"]
+    session.click_page(page, (x, y))
+    before = label_box(session, (x + left, y + top))
+    press("ctrl+Right", "ctrl+Right", "ctrl+Right", "ctrl+shift+Down")
+    after = label_box(session, (x + left, y + top))
+    check("moved label", (after.left, after.top), (before.left + 3, before.top + 10))
+    label["position"] = x + 3, y + 10
+
+
+def remove_label_with_key(session):
+    """Delete in the list removes a label, but only after the answer Yes."""
+    page = session.pages[PAGE]
+    superfluous = session.spots(page, (-120, 150))[0]
+    session.click_page(page, superfluous, button=3)
+    session.click_page(page, superfluous)
+    # From the view to the list.
+    press("Tab")
+    for answer in ("alt+n", "alt+y"):
+        press("Delete")
+        session.program.dialog()
+        session.program.answer(answer)
+
+
+def move_page_with_keys(session):
+    """Alt and an arrow key move a page in the list."""
+    goal, start = session.page_row(PAGE + 1).top, session.page_row(PAGE).top
+    for key, expected in (("alt+Down", goal), ("alt+Up", start)):
+        press(key)
+        calm_screen()
+        check("row of the page after " + key, session.rows("pages").top, expected)
+
+
+def check_saved_labels(session):
+    save_as(session, session.project_path)
+    close_unchanged(session)
+    check_labels(Project(session.project_path).pages[PAGE]["labels"], session.labels, "the page")
+
+
+def render_pages(folder):
+    return report_pages(folder, FIRST_PAGE, LAST_PAGE)
+
+
+if __name__ == "__main__":
+    run_steps(render_pages,
+              (start_working, import_pages, label_page, zoom_with_slider, zoom_with_wheel,
+               move_label_with_keys, remove_label_with_key, move_page_with_keys,
+               check_saved_labels))
