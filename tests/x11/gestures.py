@@ -12,25 +12,29 @@ import math
 
 from driver import Box, calm_screen, point_at, press, turn_wheel
 from results import Project, report_pages
-from session import (COLOUR, ELLIPSE, check, check_labels, check_near, close_unchanged, import_pages,
-                     label_at, run_steps, save_as, start_working)
+from session import (BORDERS, COLOUR, DIAMOND, TRIANGLE, check, check_labels, check_near,
+                     close_unchanged, import_pages, label_at, run_steps, save_as, start_working)
 
 FIRST_PAGE, LAST_PAGE = 16, 18
 # The page to work with, which has a page before it and another one after it.
 PAGE = 1
+# How many times to press Tab from the page view to the border's box while a label is selected.
+TO_BORDER = 6
 
 
 def label_page(session):
-    """Adds two labels."""
+    """Adds two labels with other borders."""
     page = session.pages[PAGE]
     session.page_row(PAGE)
     # The view zooms about its centre. Coming from a zoom that shows the whole page, that is the
     # page's centre.
     session.set_slider("zoom", *["Prior"] * 10)
     session.labels = []
-    for spot in session.spots(page, (-80, -40), (80, 40)):
+    for border, spot in zip((TRIANGLE, DIAMOND), session.spots(page, (-80, -40), (80, 40))):
         session.click_page(page, spot, button=3)
-        session.labels.append(label_at(spot, ELLIPSE))
+        session.click_page(page, spot)
+        press(*["Tab"] * TO_BORDER, "Home", *["Down"] * BORDERS.index(border))
+        session.labels.append(label_at(spot, border))
 
 
 def zoom_with_slider(session):

@@ -40,7 +40,6 @@ def first_look(session):
 
 def label_page(session):
     page = session.pages[0]
-    session.page_row(0)
     session.labels = [label_at(session.spots(page, (-60, -60))[0], ELLIPSE)]
     session.click_page(page, session.labels[0]["position"], button=3)
     save_as(session, session.project_path)
