@@ -837,6 +837,7 @@ void TestUndo::the_selection_is_as_it_was()
 
 void TestUndo::the_view_stays_where_it_was_scrolled_to()
 {
+    Window().Track_Item_Option_Changed(true);
     Window().d_zoom_slider->setValue(100);
     Support::Click_Row(Labels(), 2);
     QScrollBar* const bar = Window().d_display_widget->horizontalScrollBar();

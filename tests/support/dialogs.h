@@ -5,7 +5,7 @@
 #include <QList>
 #include <QString>
 
-/// What tests of dialogs need: widgets found by their text, cells of the grid told in words.
+/// Helpers for tests of dialogs: find widgets by their text, describe cells of the grid in words.
 namespace Support {
 
 /// The child widget of a type that shows a text; null when there is none.
@@ -22,7 +22,7 @@ TWidget* Child_With_Text(const QWidget& parent, const QString& text)
 /// The dialog's layout.
 QGridLayout* Grid(const QDialog& dialog);
 
-/// What begins at a row and column of the dialog's grid; null for nothing.
+/// The item that begins at a row and column of the dialog's grid; null when there is none.
 QLayoutItem* Grid_Cell(const QDialog& dialog, int row, int column);
 
 /// Adds the columns of a table of grid cells to a test's data, and a row of it.
@@ -32,18 +32,17 @@ QLayoutItem* Grid_Cell(const QDialog& dialog, int row, int column);
 void Add_Cell_Columns();
 void Add_Cell(const char* name, int row, int column, int rows, int columns, const char* content);
 
-/// Compares the cell of the current data row with the dialog's.
+/// Compares the cell of the current data row with the dialog.
 void Compare_Cell(const QDialog& dialog);
 
-/// Shows the dialog and presses Tab; the widgets that have the focus one after the other, the first
-/// one first.
+/// Shows the dialog and presses Tab; returns the widgets in the order in which they get the focus.
 QList<QWidget*> Tab_Order(QDialog* dialog, int count);
 
-/// The text of the label that names a widget to screen readers; empty when there is none.
+/// The text of the label that names a widget for screen readers; empty when there is none.
 QString Accessible_Label(QWidget* widget);
 
-/// Empty when every child widget has the size that its text needs and lies within the dialog;
-/// otherwise tells which does not.
+/// A child widget that is too small for its text or lies outside the dialog; empty when there is
+/// none.
 QString Clipped_Widget(const QDialog& dialog);
 
 } // namespace Support

@@ -8,32 +8,32 @@
 
 class QWidget;
 
-/// Answering the modal dialogs that a command opens, as a user would: the dialog is found where the
-/// toolkit shows it, and its own buttons and editors are used.
+/// Answers to the modal dialogs that a command opens. They use the dialog's own buttons and editors,
+/// as a user does.
 namespace Support {
 
-/// What to do with one modal dialog; has to make it close.
+/// Handles one modal dialog and makes it close.
 using TAnswer = std::function<void(QWidget*)>;
 
-/// Runs a command, giving each modal dialog that it opens the next answer.
-/// @return  empty when there were exactly as many dialogs as answers; otherwise what was wrong. A
-///          dialog without an answer is closed.
+/// Runs a command and gives each modal dialog that it opens the next answer. Closes a dialog for
+/// which there is no answer.
+/// @return  empty when there were exactly as many dialogs as answers; otherwise a description.
 QString Run_Answering(const std::function<void()>& command, std::vector<TAnswer> answers);
 
 /// Presses a standard button of a message box.
 TAnswer Press(QMessageBox::StandardButton button);
 
-/// The same, after handing the box to a look that can check its texts.
+/// The same, but first calls a function that can check the box's texts.
 TAnswer Look_And_Press(const std::function<void(QMessageBox*)>& look,
                        QMessageBox::StandardButton button);
 
-/// Types names into a file dialog and accepts it. With several, they have to lie in one folder.
+/// Types file names into a file dialog and accepts it. All of them have to be in one folder.
 TAnswer Choose(const QStringList& paths);
 
-/// Closes a dialog as Escape does.
+/// Closes a dialog with Escape.
 TAnswer Cancel();
 
-/// Clicks a dialog's push button with this text, after handing the dialog to a preparation.
+/// Calls a function with the dialog, then clicks the push button with this text.
 TAnswer Click(const QString& button_text, const std::function<void(QWidget*)>& prepare = nullptr);
 
 } // namespace Support

@@ -7,14 +7,14 @@
 
 #include <vector>
 
-/// Documents for window tests, put together behind the user's back.
+/// Documents for window tests, made without user actions.
 namespace Support {
 
-/// Adds a page to the document and to the page list, which does not show it, and returns its id.
+/// Adds a page to the document and to the page list without showing it; returns its id.
 /// @param image  may be null.
 int Add_Page(TOpenWindow* window, const QImage& image, const std::vector<TDataItem>& items = {});
 
-/// What the view shows, a line for the page image and one for each label in order.
+/// Describes what the view shows: a line for the page image and one for each label in order.
 QStringList View_In_Words(const TOpenWindow& window);
 
 } // namespace Support

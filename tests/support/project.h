@@ -9,13 +9,13 @@
 
 #include <vector>
 
-/// Project files assembled by hand, and documents to save and to compare.
+/// Hand-made project files, and documents to save and to compare.
 namespace Support {
 
-/// The four bytes of an integer, lowest first.
+/// The four bytes of an integer in little-endian order.
 QByteArray Number(quint32 value);
 
-/// A length and that many bytes.
+/// A byte array after its length.
 QByteArray Field(const QByteArray& content);
 
 /// The magic number.
@@ -31,7 +31,7 @@ QByteArray Page_Record(const QByteArray& name, const QByteArray& image, const QB
 /// An item-list document with this content below its root.
 QByteArray Item_List(const QByteArray& content = QByteArray());
 
-/// One label of such a document; all values as they stand in it.
+/// One label of such a document, with all values verbatim.
 QByteArray Item_Element(const QByteArray& id, const QByteArray& value, const QByteArray& text,
                         const QByteArray& border, const QByteArray& position);
 
@@ -52,15 +52,16 @@ QList<int> Add_Pages(TOpenWindow* window, const std::vector<TPage>& pages);
 /// A label in one line.
 QString Describe_Label(const TDataItem& item);
 
-/// The window's document as lines of text: for each page its place, name and picture size, below it
-/// its labels; pages that are missing in the page list are told as well. The active page stays.
+/// Describes the window's document in lines of text: each page with its id, name and image size,
+/// followed by its labels. Marks pages that the page list lacks. Keeps the active page.
 QStringList Describe(TOpenWindow* window);
 
-/// Label size and colour in the settings panel, and the header lines or "no headers".
+/// Describes the label size and colour in the settings panel, and the header lines.
 QString Describe_Appearance(const TOpenWindow& window);
 
-/// Empty when the window's view draws labels as a view does that has this label size, its font size
-/// and this colour; otherwise the first pixel that differs.
+/// Compares the labels that the window's view draws with those of a new view with this label size,
+/// the matching font size and this colour.
+/// @return  the first pixel that differs; empty when none does.
 QString View_Difference(const TOpenWindow& window, int label_size, const QColor& color);
 
 } // namespace Support

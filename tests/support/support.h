@@ -7,30 +7,30 @@
 
 #include <functional>
 
-/// What several tests need: pictures to work with, images compared, programs that must abort.
+/// Helpers for all tests: images, child processes, assertions and files.
 namespace Support {
 
-/// A picture that no other seed gives: a coloured gradient with some shapes.
+/// A coloured gradient with some shapes. Every seed gives a different picture.
 QImage Picture(int width, int height, int seed = 0);
 
 /// An image as PNG bytes, as QImage::save encodes them at default quality.
 QByteArray Png(const QImage& image);
 
-/// Empty when both images have the same size and pixels; otherwise tells the sizes, or the first
-/// pixel that differs with both its colours. Formats are not compared.
+/// Both sizes when they differ, or the first pixel that differs with both colours; empty for equal
+/// images. Ignores the formats.
 QString Difference(const QImage& actual, const QImage& expected);
 
-/// Empty when both are equal; otherwise the place where they part and what follows there.
+/// The first place where the two differ, and the bytes there; empty when they are equal.
 QString Byte_Difference(const QByteArray& actual, const QByteArray& expected);
 
-/// What became of a function that was run in a child process.
+/// The result of a function that ran in a child process.
 struct TChildResult
 {
-    bool exited = false; ///< ended by itself, with exit_code
+    bool exited = false; ///< exited with exit_code
     int exit_code = -1;
-    int signal = 0;          ///< ended by this signal
+    int signal = 0;          ///< the signal that ended it
     bool timed_out = false;  ///< killed after the time limit
-    QByteArray error_output; ///< what it printed on standard error
+    QByteArray error_output; ///< its standard error
 };
 
 /// Runs a function in a forked child and waits for it. The child's exit code is the function's
@@ -38,35 +38,36 @@ struct TChildResult
 /// @param seconds  time limit.
 TChildResult Run_In_Child(const std::function<int()>& function, int seconds = 20);
 
-/// Gives up root's right to read and write whatever the permissions of a file say, for the rest of
-/// the process; for children of Run_In_Child. Without effect for other users.
+/// Drops root's right to ignore file permissions, for the rest of the process. For children of
+/// Run_In_Child. Without effect for other users.
 void Obey_File_Permissions();
 
-/// Empty when the function is stopped by an assertion with exactly this condition text in a source
-/// whose path, relative to the project's root, begins with source; otherwise what happened instead.
+/// Runs a function that has to fail an assertion with exactly this condition text, in a source whose
+/// path relative to the project's root begins with `source`.
+/// @return  empty when it does; otherwise what happened instead.
 QString Assertion_Failure(const std::function<void()>& function, const QString& source,
                           const QString& condition, const QString& in_function = QString());
 
-/// Writes a file as it is given.
+/// Writes bytes to a file.
 void Write_File(const QString& path, const QByteArray& content);
 
 /// The content of a file; empty when it cannot be read.
 QByteArray Read_File(const QString& path);
 
-/// Names of everything in a folder, hidden files too, in order.
+/// Sorted names of everything in a folder, including hidden files.
 QStringList Entries(const QString& folder);
 
 /// Permission bits of a file, as octal digits.
 QString Mode(const QString& path);
 
-/// Lets no file of this process grow beyond a size, in bytes, for the rest of its life: writes come
-/// short, as on a full disk. For children of Run_In_Child.
+/// Limits the size of files that this process writes, in bytes, for the rest of the process. Longer
+/// writes are incomplete, as on a full disk. For children of Run_In_Child.
 void Limit_File_Size(qint64 bytes);
 
-/// A whole project file without pages; files with other label sizes differ.
+/// A complete project file without pages. Every label size gives a different file.
 QByteArray Empty_Project(int label_size = 32);
 
-/// Makes a file look as if it had last been written some seconds ago.
+/// Sets a file's modification time to some seconds ago.
 void Make_Old(const QString& path, int seconds);
 
 } // namespace Support

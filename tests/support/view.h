@@ -5,20 +5,19 @@
 #include <QGraphicsPixmapItem>
 #include <QStringList>
 
-/// What the tests of the page view share.
+/// Helpers for tests of the page view.
 namespace Support {
 
-/// The labels of a view's scene in the order in which they were added.
+/// The labels of a view's scene in the order of their addition.
 QList<QGraphicsPixmapItem*> Labels(const TDisplayWidget& view);
 
 /// The label with an id, or null.
 QGraphicsPixmapItem* Label(const TDisplayWidget& view, int id);
 
-/// A point as text, in thousandths at most.
+/// A point as text, with at most three decimals.
 QString Text(const QPointF& point);
 
-/// Every signal of a view as one line of text, in the order in which they came. Connected by
-/// signature, as the window does it.
+/// Records every signal of a view as one line of text. Connects by signature, as the window does.
 class TSignalLog : public QObject
 {
     Q_OBJECT
@@ -26,7 +25,7 @@ class TSignalLog : public QObject
 public:
     explicit TSignalLog(const TDisplayWidget& view);
 
-    /// What came since the last call.
+    /// Returns the lines since the last call.
     QStringList Take();
 
 private slots:

@@ -7,7 +7,7 @@
 #include <QTest>
 #include <QWidget>
 
-/// Widgets as a user finds them: by kind, tool tip, caption or text.
+/// Finds widgets as a user does: by kind, tool tip, caption or text.
 namespace Support {
 
 /// The only widget of its kind inside of another one; null when there is none or more than one.
@@ -59,7 +59,7 @@ inline void Click_Row(QListWidget* list, int place, Qt::KeyboardModifiers modifi
                       list->visualItemRect(list->item(place)).center());
 }
 
-/// Replaces the text of an editor by keys.
+/// Replaces the text of an editor with key presses.
 template <typename TEditor>
 void Type_Over(TEditor* editor, const QString& text)
 {
@@ -68,7 +68,7 @@ void Type_Over(TEditor* editor, const QString& text)
     QTest::keyClicks(editor, text);
 }
 
-/// Signatures of the methods of one kind that a class itself declares, in order.
+/// Signatures of the methods of one kind that a class itself declares, in their order.
 inline QStringList Methods(const QMetaObject& type, QMetaMethod::MethodType kind)
 {
     QStringList signatures;

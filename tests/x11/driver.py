@@ -1,8 +1,7 @@
-"""Mouse, keyboard and eyes for a program that is driven from outside, in a real X server.
+"""Mouse, keyboard and screenshots for driving the program in a real X server.
 
-Everything goes through xdotool and screenshots; the program is not asked and does not know. Where a
-widget is, is found out as a person does: by walking the window with the tabulator key and looking at
-what lights up (Program.walk), by looking for an icon, or by looking for a piece of the page.
+Only xdotool and screenshots are used; the program itself offers no interface for tests. A widget is
+found by pressing Tab and comparing screenshots (Program.walk), by its icon, or by a piece of the page.
 """
 
 import ctypes
@@ -13,7 +12,7 @@ import time
 
 POLL_SECONDS = 0.03
 PATIENCE_SECONDS = 20
-# What a screen that shows no reaction is given to show one.
+# How long the screen has to stay the same to count as calm.
 CALM_SECONDS = 0.25
 
 # The colour of selected rows in the program's style.
@@ -21,33 +20,33 @@ HIGHLIGHT = (48, 140, 198)
 
 
 class Failure(Exception):
-    """Something that was to happen on the screen or in a file did not happen."""
+    """The screen or a file is not as expected."""
 
 
 def run(*command):
-    """The standard output of a command, which has to succeed."""
+    """Runs a command that has to succeed; returns its standard output."""
     return subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout
 
 
 def ask(*command):
-    """The standard output of a command that may fail, as text."""
+    """Runs a command that may fail; returns its standard output as text."""
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout.decode()
 
 
 def wait_until(what, condition, seconds=PATIENCE_SECONDS):
-    """Polls until the condition gives something true, and returns that."""
+    """Polls until the condition returns something true; returns that."""
     deadline = time.monotonic() + seconds
     while True:
         result = condition()
         if result:
             return result
         if time.monotonic() > deadline:
-            raise Failure(f"waited {seconds} seconds in vain: {what}")
+            raise Failure(f"waited {seconds} seconds for {what}")
         time.sleep(POLL_SECONDS)
 
 
 class Box:
-    """A rectangle of screen pixels; right and bottom lie just outside."""
+    """A rectangle of screen pixels; right and bottom are exclusive."""
 
     def __init__(self, left, top, right, bottom):
         self.left, self.top, self.right, self.bottom = left, top, right, bottom
@@ -67,7 +66,7 @@ class Box:
 
 
 class Picture:
-    """Pixels in red, green and blue, a byte each, row after row."""
+    """An image with 8-bit red, green and blue values, row by row."""
 
     def __init__(self, width, height, data):
         self.width, self.height, self.data = width, height, data
@@ -79,7 +78,7 @@ class Picture:
 
     @classmethod
     def load(cls, path, *operations):
-        """A picture file, after ImageMagick's operations, for example "-alpha", "off"."""
+        """Reads an image file and applies ImageMagick operations, for example "-alpha", "off"."""
         return cls.from_ppm(run("convert", path, *operations, "-depth", "8", "ppm:-"))
 
     @classmethod
@@ -91,7 +90,7 @@ class Picture:
         return tuple(self.data[start:start + 3])
 
     def row(self, y, left=0, right=None):
-        """A piece of a row, as bytes."""
+        """Part of a row, as bytes."""
         start = 3 * y * self.width
         return self.data[start + 3 * left:start + 3 * (self.width if right is None else right)]
 
@@ -104,7 +103,7 @@ class Picture:
         return Box(0, 0, self.width, self.height)
 
     def with_box_of(self, other, box):
-        """This picture, with a box taken from another one of the same size."""
+        """This picture with a box from another one of the same size."""
         data = bytearray(self.data)
         for y in range(max(box.top, 0), min(box.bottom, self.height)):
             left, right = max(box.left, 0), min(box.right, self.width)
@@ -113,7 +112,7 @@ class Picture:
         return Picture(self.width, self.height, bytes(data))
 
     def positions(self, piece):
-        """Where a piece of a row is found, as (x, y) of its first pixel."""
+        """Yields the places of a piece of a row, as (x, y) of its first pixel."""
         start = self.data.find(piece)
         while start >= 0:
             y, x = divmod(start // 3, self.width)
@@ -133,7 +132,7 @@ class Picture:
         return enclosing(found)
 
     def changes_from_both(self, other, another, area):
-        """The smallest box around the pixels of an area that are like neither of two pictures."""
+        """The smallest box around the pixels of an area that differ from both of two pictures."""
         found = []
         for y in range(area.top, area.bottom):
             rows = [picture.row(y, area.left, area.right) for picture in (self, other, another)]
@@ -182,7 +181,7 @@ def point_at(x, y):
 
 
 def click(place, button=1, times=1, holding=None):
-    """Clicks a point, or the centre of a box; `holding` names a key to be held down meanwhile."""
+    """Clicks a point, or the centre of a box; `holding` names a key to hold down."""
     point_at(*(place.centre if isinstance(place, Box) else place))
     if holding:
         run("xdotool", "keydown", holding)
@@ -192,34 +191,34 @@ def click(place, button=1, times=1, holding=None):
 
 
 def drag(start, end, steps=8):
-    """Presses the left button at a point and takes it to another one, in steps as a hand does."""
+    """Drags with the left button from one point to another, in steps as a hand does."""
     point_at(*start)
     run("xdotool", "mousedown", "1")
     for step in range(1, steps + 1):
         x = start[0] + (end[0] - start[0]) * step // steps
         y = start[1] + (end[1] - start[1]) * step // steps
         point_at(x, y)
-        # A drag in a list only begins, and only finds its goal, when the list sees moves one by one.
+        # A list starts a drag and finds its target only from single moves.
         time.sleep(POLL_SECONDS)
     run("xdotool", "mouseup", "1")
 
 
 def turn_wheel(notches, holding):
-    """Turns the wheel where the pointer is, away from the hand or, below 0, towards it."""
+    """Turns the wheel at the pointer, forward or, for negative numbers, backward."""
     run("xdotool", "keydown", holding)
     run("xdotool", "click", "--repeat", str(abs(notches)), "--delay", "40", "4" if notches > 0 else "5")
     run("xdotool", "keyup", holding)
 
 
 class CursorImage(ctypes.Structure):
-    """What libXfixes tells of the pointer's picture."""
+    """The pointer's image, as libXfixes returns it."""
     _fields_ = [("x", ctypes.c_short), ("y", ctypes.c_short), ("width", ctypes.c_ushort),
                 ("height", ctypes.c_ushort), ("hot_x", ctypes.c_ushort), ("hot_y", ctypes.c_ushort),
                 ("serial", ctypes.c_ulong), ("pixels", ctypes.POINTER(ctypes.c_ulong))]
 
 
 def cursor():
-    """The picture of the pointer as it is now: its size and pixels."""
+    """The size and pixels of the pointer's current image."""
     x11, fixes = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXfixes.so.3")
     x11.XOpenDisplay.restype = ctypes.c_void_p
     fixes.XFixesGetCursorImage.restype = ctypes.POINTER(CursorImage)
@@ -231,7 +230,7 @@ def cursor():
 
 
 def calm_screen():
-    """The screen once it has not changed for a moment."""
+    """Waits until the screen has not changed for a moment; returns it."""
     last = Picture.of_screen()
     deadline = time.monotonic() + PATIENCE_SECONDS
     while time.monotonic() < deadline:
@@ -240,7 +239,7 @@ def calm_screen():
         if now.data == last.data:
             return now
         last = now
-    raise Failure("the screen does not come to rest")
+    raise Failure("the screen keeps changing")
 
 
 # --- the program -------------------------------------------------------------------------------
@@ -270,7 +269,7 @@ class Program:
 
     @staticmethod
     def box_of_window(window):
-        """Where the inside of a window is on the screen."""
+        """The box of a window on the screen, without its frame."""
         text = ask("xwininfo", "-id", window)
         left, top, width, height = (
             int(re.search(rf"{name}: +(-?\d+)", text)[1])
@@ -286,7 +285,7 @@ class Program:
         calm_screen()
 
     def dialog(self, title=None):
-        """Waits for a dialog of the program that has the keyboard; its id."""
+        """Waits until a dialog of the program is active; returns its id."""
 
         def its_window():
             active = self.active_window()
@@ -305,26 +304,26 @@ class Program:
         return window
 
     def back(self):
-        """Waits until the main window has the keyboard again."""
+        """Waits until the main window is active again."""
         wait_until("the main window to come back", lambda: self.active_window() == self.window)
         return calm_screen()
 
     def answer(self, *keys):
-        """Answers the open dialog with keys."""
+        """Presses keys that close the open dialog, and waits for the main window."""
         press(*keys)
         return self.back()
 
     def close(self):
-        """Asks the window to close, as the window manager's close button does."""
+        """Closes the window as the window manager's close button does."""
         run("wmctrl", "-i", "-c", hex(int(self.window)))
 
     def ended(self):
-        """Waits for the end of the program; its exit code."""
+        """Waits for the end of the program; returns its exit code."""
         wait_until("the program to end", lambda: self.process.poll() is not None)
         return self.process.returncode
 
     def icon(self, path):
-        """Finds an icon file, drawn in its own size, in the window: its centre."""
+        """The centre of an icon file that the window shows in its original size."""
         solid = Picture.load(path, "-alpha", "extract")
         colours = Picture.load(path, "-alpha", "off")
         screen = Picture.of_screen()
@@ -334,24 +333,23 @@ class Program:
                 continue
             for x_found, y_found in screen.positions(piece):
                 return (x_found - left + solid.width // 2, y_found - y + solid.height // 2)
-        raise Failure(f"{os.path.basename(path)} is not to be seen")
+        raise Failure(f"{os.path.basename(path)} is not visible")
 
     def walk(self, names):
-        """Walks the window with the tabulator key, and learns what lies where by what lights up.
+        """Walks the window with the Tab key; returns the boxes of the widgets that get the focus.
 
-        `names` are three widgets at least in the order of the walk, the first of which has the
-        focus already;
-        a widget that shows nothing when it gets the focus is None in the answer.
+        `names` are at least three widgets in the order of the walk; the first one has the focus
+        already. The box of a widget that does not show its focus is None.
         """
         shots = [calm_screen()]
         for _ in names[1:]:
             press("Tab")
             time.sleep(CALM_SECONDS)
             shots.append(Picture.of_screen())
-        # At each step two widgets change. Of the first two each is what it is only in its own shot.
+        # Each step changes two widgets. Only its own shot shows the focus of each of the first two.
         boxes = {names[0]: shots[0].changes_from_both(shots[1], shots[2], self.box),
                  names[1]: shots[1].changes_from_both(shots[0], shots[2], self.box)}
-        # Of the others the place of the one before is known already.
+        # For the others, the box of the widget before is known.
         for last, name, before, after in zip(names[1:], names[2:], shots[1:], shots[2:]):
             shown = after.with_box_of(before, boxes[last]) if boxes[last] else after
             boxes[name] = before.changes(shown, self.box)
@@ -359,7 +357,7 @@ class Program:
 
 
 def solid_runs(solid):
-    """The runs of wholly opaque pixels of an extracted alpha channel: (y, left, right)."""
+    """Yields the runs of opaque pixels of an extracted alpha channel as (y, left, right)."""
     for y in range(solid.height):
         row = solid.row(y)[::3]
         for run_found in re.finditer(b"\xff{6,}", row):

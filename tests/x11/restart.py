@@ -22,6 +22,9 @@ from session import (ELLIPSE, NEW_COLOUR, NEW_SIZE, WORKING_SIZE, change_looks, 
                      check_label_colour, check_labels, close_discarding, close_unchanged,
                      import_pages, label_at, noise_page, run_steps, save_as)
 
+# The page to work with. A new start selects the first one.
+PAGE = 1
+
 
 def first_look(session):
     """The page view takes most of the window at the first start."""
@@ -39,7 +42,8 @@ def first_look(session):
 
 
 def label_page(session):
-    page = session.pages[0]
+    page = session.pages[PAGE]
+    session.page_row(PAGE)
     session.labels = [label_at(session.spots(page, (-60, -60))[0], ELLIPSE)]
     session.click_page(page, session.labels[0]["position"], button=3)
     save_as(session, session.project_path)
@@ -49,7 +53,7 @@ def close_with_cancel_then_yes(session):
     """Cancel keeps the program open and the file as it was; Yes saves."""
     kept = os.path.join(session.results, "before.quillet")
     shutil.copy(session.project_path, kept)
-    page = session.pages[0]
+    page = session.pages[PAGE]
     spot = session.spots(page, (-120, 120))[0]
     session.click_page(page, spot, button=3)
     session.labels.append(label_at(spot, ELLIPSE))
@@ -63,7 +67,7 @@ def close_with_cancel_then_yes(session):
     session.program.dialog()
     press("alt+y")
     check("exit code", session.program.ended(), 0)
-    check_labels(Project(session.project_path).pages[0]["labels"], session.labels, "the page")
+    check_labels(Project(session.project_path).pages[PAGE]["labels"], session.labels, "the page")
 
 
 def open_again(session):
@@ -73,9 +77,9 @@ def open_again(session):
     check("size of the window", (box.width, box.height), WORKING_SIZE)
     press("ctrl+o")
     session.file_name("Select a Quillet file to open", session.project_path)
-    session.page_row(0)
+    session.page_row(PAGE)
     session.shoot("opened-again")
-    left, top = session.origin(session.pages[0])
+    left, top = session.origin(session.pages[PAGE])
     x, y = session.labels[-1]["position"]
     check_label_colour(calm_screen(), (x + left, y + top), NEW_COLOUR, "on the screen")
 
@@ -83,7 +87,8 @@ def open_again(session):
     save_as(session, again)
     check("saved again", filecmp.cmp(again, session.project_path, False), True)
 
-    session.click_page(session.pages[0], session.spots(session.pages[0], (-60, 60))[0], button=3)
+    page = session.pages[PAGE]
+    session.click_page(page, session.spots(page, (-60, 60))[0], button=3)
     close_discarding(session)
     check("unchanged after No", filecmp.cmp(again, session.project_path, False), True)
 
@@ -129,7 +134,7 @@ def check_home(_session):
 
 
 def make_images(folder):
-    return [noise_page(folder)]
+    return [noise_page(folder, seed) for seed in (1, 2)]
 
 
 if __name__ == "__main__":

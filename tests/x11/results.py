@@ -1,4 +1,4 @@
-"""Readers for what the program writes, made from docs/file-formats.md and knowing nothing else."""
+"""Readers for the program's files, made from docs/file-formats.md alone."""
 
 import gzip
 import os
@@ -12,7 +12,7 @@ MAGIC = 90210
 
 
 def report_pages(folder, first, last):
-    """Renders pages of Debian's policy manual at 150 dots per inch; the paths of the images."""
+    """Renders pages of Debian's policy manual at 150 dots per inch; returns the images' paths."""
     pdf = os.path.join(folder, "policy.pdf")
     with open(pdf, "wb") as file:
         file.write(gzip.decompress(manual()))
@@ -23,7 +23,7 @@ def report_pages(folder, first, last):
 
 
 def manual():
-    """The packed manual; where documentation was left out of the installation, from its package."""
+    """The compressed manual, from its package when it is not installed."""
     path = "usr/share/doc/debian-policy/policy.pdf.gz"
     if os.path.exists("/" + path):
         with open("/" + path, "rb") as file:
@@ -64,7 +64,7 @@ class Project:
 
 
 def labels(document):
-    """The labels of a page's label document, in its order."""
+    """The labels of a page's label document, in their order."""
     root = ElementTree.fromstring(document.decode("utf-8"))
     assert root.tag == "Quillet_Data" and root.get("File_Version") == "1"
     return [{"value": int(item.findtext("Value")),
@@ -75,7 +75,7 @@ def labels(document):
 
 
 def pixels_of_png(data):
-    """The picture of a PNG file's bytes."""
+    """Decodes the bytes of a PNG file."""
     with tempfile.NamedTemporaryFile(suffix=".png") as file:
         file.write(data)
         file.flush()

@@ -61,12 +61,12 @@ def check_label_colour(picture, centre, colour, where):
         raise Failure(f"no label of colour {colour} at ({x}, {y}) {where}")
 
 
-def noise_page(folder):
+def noise_page(folder, seed=1):
     """Writes an image in which every piece is unique; its path."""
-    path = os.path.join(folder, "noise.ppm")
+    path = os.path.join(folder, f"noise-{seed}.ppm")
     with open(path, "wb") as file:
         file.write(b"P6 %d %d 255\n" % (NOISE_EDGE, NOISE_EDGE) +
-                   random.Random(1).randbytes(3 * NOISE_EDGE**2))
+                   random.Random(seed).randbytes(3 * NOISE_EDGE**2))
     return path
 
 

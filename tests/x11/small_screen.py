@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""A first start on a screen that is smaller than the window would like to be.
+"""Starts the program for the first time on a screen that is smaller than its default window.
 
 Usage: small_screen.py QUILLET RESULTS
 """
@@ -9,7 +9,7 @@ import sys
 
 from driver import Failure, Program, run, wait_until
 
-# What of a window of 800 x 600 at (30, 30) lies on a screen of 640 x 480.
+# The part of a window of 800 x 600 at (30, 30) that a screen of 640 x 480 shows.
 EXPECTED = (610, 450)
 
 
@@ -25,7 +25,7 @@ def main():
             raise Failure(f"the window has the size {found}, expected {EXPECTED}")
         program.close()
         if program.ended() != 0:
-            raise Failure("the program failed")
+            raise Failure("the program fails")
     finally:
         program.process.kill()
         program.process.wait()
