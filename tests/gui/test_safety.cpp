@@ -58,6 +58,7 @@ private slots:
     void declining_the_loss_keeps_the_copy();
     void a_refused_file_leaves_the_copy_and_the_document();
     void a_refused_file_leaves_the_opened_recovery_copy_to_be_deleted_by_a_save();
+    void a_file_that_opens_in_part_ends_the_copy_of_the_document_before();
     void a_recovery_copy_that_opens_in_part_is_not_deleted_by_a_save();
     void new_after_a_failed_save_leaves_the_copy();
     void opening_is_no_change();
@@ -549,6 +550,20 @@ void TestSafety::a_refused_file_leaves_the_opened_recovery_copy_to_be_deleted_by
     Save_As(In("a.quillet"));
     QCOMPARE(Labels_In(In("a.quillet")), 1);
     QCOMPARE(Copies(), QStringList());
+}
+
+void TestSafety::a_file_that_opens_in_part_ends_the_copy_of_the_document_before()
+{
+    Make_Document();
+    d_window->Add_Item(QPointF(50, 60));
+    const QString copy = Only_Copy();
+    Support::Write_File(In("bad.quillet"), Read_File(copy).replace("</Item>", "</Itme>"));
+    QCOMPARE(Run_Answering([this] { d_window->File_Open(); },
+                           {Support::Press(QMessageBox::Yes), Support::Choose({In("bad.quillet")}),
+                            Support::Press(QMessageBox::Ok)}),
+             QString());
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
+    QVERIFY(!QFile::exists(copy));
 }
 
 void TestSafety::a_recovery_copy_that_opens_in_part_is_not_deleted_by_a_save()
