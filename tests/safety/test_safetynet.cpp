@@ -31,6 +31,7 @@ private slots:
     void the_note_after_a_save_names_the_saved_file();
     void an_incomplete_save_leaves_a_copy_data();
     void an_incomplete_save_leaves_a_copy();
+    void a_saved_file_of_another_size_leaves_a_copy();
     void a_failed_save_leaves_a_copy();
     void discarding_deletes_the_copy();
     void releasing_leaves_the_copy();
@@ -209,6 +210,14 @@ void TestSafetyNet::an_incomplete_save_leaves_a_copy()
     Save(net.get(), In("a.quillet"), content);
     QCOMPARE(Only_Copy(), Empty_Project(40));
     QCOMPARE(Read_File(In("a.quillet")), content);
+}
+
+void TestSafetyNet::a_saved_file_of_another_size_leaves_a_copy()
+{
+    const auto net = Net();
+    Write_File(In("a.quillet"), Empty_Project());
+    net->After_Save(In("a.quillet"), Empty_Project().size() + 1);
+    QCOMPARE(Only_Copy(), Empty_Project(32));
 }
 
 void TestSafetyNet::a_failed_save_leaves_a_copy()
