@@ -96,11 +96,7 @@ class TestImageExport : public QObject
             d_window.get(), Support::Picture(page_size.width(), page_size.height(), seed), items);
     }
 
-    void Show_Page(int page_id)
-    {
-        d_window->d_page_widget->Set_Active_Page(page_id);
-        QCOMPARE(d_window->d_data.Active_Page(), page_id);
-    }
+    void Show_Page(int page_id) { Support::Show_Page(d_window.get(), page_id); }
 
     void Rename(int page_id, const QString& name)
     {
@@ -126,11 +122,7 @@ private slots:
     {
         d_folder = std::make_unique<QTemporaryDir>();
         QVERIFY(d_folder->isValid());
-        d_window = std::make_unique<TOpenWindow>();
-        d_window->Label_Size_Changed(label_size);
-        d_window->Color_Changed(label_color);
-        d_window->show();
-        d_window->d_data_changed = false;
+        d_window = Support::New_Window(label_size, label_color);
     }
 
     void cleanup()

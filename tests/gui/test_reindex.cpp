@@ -80,11 +80,7 @@ class TestReindex : public QObject
                                  items);
     }
 
-    void Show_Page(int page_id)
-    {
-        d_window->d_page_widget->Set_Active_Page(page_id);
-        QCOMPARE(d_window->d_data.Active_Page(), page_id);
-    }
+    void Show_Page(int page_id) { Support::Show_Page(d_window.get(), page_id); }
 
     QListWidget* Label_List() const
     {

@@ -248,11 +248,7 @@ class TestReport : public QObject
         return Support::Add_Page(d_window.get(), Grey_Page(colour), items);
     }
 
-    void Show_Page(int page_id)
-    {
-        d_window->d_page_widget->Set_Active_Page(page_id);
-        QCOMPARE(d_window->d_data.Active_Page(), page_id);
-    }
+    void Show_Page(int page_id) { Support::Show_Page(d_window.get(), page_id); }
 
     QList<int> Page_Ids() const { return d_window->d_page_widget->Page_Ids(); }
 
@@ -344,11 +340,7 @@ private slots:
     {
         d_folder = std::make_unique<QTemporaryDir>();
         QVERIFY(d_folder->isValid());
-        d_window = std::make_unique<TOpenWindow>();
-        d_window->Label_Size_Changed(label_size);
-        d_window->Color_Changed(Qt::black);
-        d_window->show();
-        d_window->d_data_changed = false;
+        d_window = Support::New_Window(label_size, Qt::black);
     }
 
     void cleanup()

@@ -11,7 +11,6 @@
 #include <QListWidget>
 #include <QScopedPointer>
 #include <QSignalSpy>
-#include <QStyleFactory>
 #include <QTest>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -134,7 +133,7 @@ private:
 
 void TestLabelWidget::initTestCase()
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    Support::Set_Style();
 }
 
 void TestLabelWidget::init()
@@ -201,13 +200,7 @@ void TestLabelWidget::the_panel_starts_as_laid_down()
 
 void TestLabelWidget::the_parent_and_flags_are_the_given_ones()
 {
-    QWidget window;
-    const QWidget* const parent = &window;
-    const TLabelWidget child(parent, Qt::WindowFlags());
-    QCOMPARE(child.parentWidget(), &window);
-    QVERIFY(!child.isWindow());
-    const TLabelWidget tool(parent, Qt::Tool);
-    QCOMPARE(tool.windowType(), Qt::Tool);
+    Support::Compare_Parent_And_Flags<TLabelWidget>();
 }
 
 void TestLabelWidget::widgets_stand_in_their_places()

@@ -9,7 +9,6 @@
 #include <QListWidget>
 #include <QScopedPointer>
 #include <QSignalSpy>
-#include <QStyleFactory>
 #include <QTest>
 #include <QToolButton>
 
@@ -64,7 +63,7 @@ private:
 
 void TestPageWidget::initTestCase()
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    Support::Set_Style();
 }
 
 void TestPageWidget::init()
@@ -111,13 +110,7 @@ void TestPageWidget::the_panel_starts_as_laid_down()
 
 void TestPageWidget::the_parent_and_flags_are_the_given_ones()
 {
-    QWidget window;
-    const QWidget* const parent = &window;
-    const TPageWidget child(parent, Qt::WindowFlags());
-    QCOMPARE(child.parentWidget(), &window);
-    QVERIFY(!child.isWindow());
-    const TPageWidget tool(parent, Qt::Tool);
-    QCOMPARE(tool.windowType(), Qt::Tool);
+    Support::Compare_Parent_And_Flags<TPageWidget>();
 }
 
 void TestPageWidget::widgets_stand_in_their_places()

@@ -14,7 +14,6 @@
 #include <QScopedPointer>
 #include <QSignalSpy>
 #include <QSlider>
-#include <QStyleFactory>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -96,7 +95,7 @@ private:
 
 void TestSettingsWidget::initTestCase()
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    Support::Set_Style();
 }
 
 void TestSettingsWidget::init()
@@ -169,13 +168,7 @@ void TestSettingsWidget::the_panel_starts_as_laid_down()
 
 void TestSettingsWidget::the_parent_and_flags_are_the_given_ones()
 {
-    QWidget window;
-    const QWidget* const parent = &window;
-    const TSettingsWidget child(parent, Qt::WindowFlags());
-    QCOMPARE(child.parentWidget(), &window);
-    QVERIFY(!child.isWindow());
-    const TSettingsWidget tool(parent, Qt::Tool);
-    QCOMPARE(tool.windowType(), Qt::Tool);
+    Support::Compare_Parent_And_Flags<TSettingsWidget>();
 }
 
 void TestSettingsWidget::widgets_stand_in_their_places()

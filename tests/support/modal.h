@@ -8,8 +8,8 @@
 
 class QWidget;
 
-/// Answers to the modal dialogs that a command opens. They use the dialog's own buttons and editors,
-/// as a user does.
+/// Answers to the modal dialogs that a command opens. They use the dialog's own buttons and
+/// editors, as a user does.
 namespace Support {
 
 /// Handles one modal dialog and makes it close.

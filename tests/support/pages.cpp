@@ -4,6 +4,8 @@
 
 #include "src/pagewidget.h"
 
+#include <QTest>
+
 namespace Support {
 
 int Add_Page(TOpenWindow* window, const QImage& image, const std::vector<TDataItem>& items)
@@ -18,6 +20,22 @@ int Add_Page(TOpenWindow* window, const QImage& image, const std::vector<TDataIt
     data.Set_Active_Page(active_page);
     window->Update_Document_Actions();
     return page_id;
+}
+
+void Show_Page(TOpenWindow* window, int page_id)
+{
+    window->d_page_widget->Set_Active_Page(page_id);
+    QCOMPARE(window->d_data.Active_Page(), page_id);
+}
+
+std::unique_ptr<TOpenWindow> New_Window(int label_size, const QColor& label_color)
+{
+    auto window = std::make_unique<TOpenWindow>();
+    window->Label_Size_Changed(label_size);
+    window->Color_Changed(label_color);
+    window->show();
+    window->d_data_changed = false;
+    return window;
 }
 
 QStringList View_In_Words(const TOpenWindow& window)

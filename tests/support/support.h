@@ -42,8 +42,8 @@ TChildResult Run_In_Child(const std::function<int()>& function, int seconds = 20
 /// Run_In_Child. Without effect for other users.
 void Obey_File_Permissions();
 
-/// Runs a function that has to fail an assertion with exactly this condition text, in a source whose
-/// path relative to the project's root begins with `source`.
+/// Runs a function that has to fail an assertion with exactly this condition text, in a source
+/// whose path relative to the project's root begins with `source`.
 /// @return  empty when it does; otherwise what happened instead.
 QString Assertion_Failure(const std::function<void()>& function, const QString& source,
                           const QString& condition, const QString& in_function = QString());

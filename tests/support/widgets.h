@@ -1,14 +1,22 @@
 #pragma once
 
+#include <QApplication>
 #include <QLabel>
 #include <QList>
 #include <QListWidget>
 #include <QMetaMethod>
+#include <QStyleFactory>
 #include <QTest>
 #include <QWidget>
 
 /// Finds widgets as a user does: by kind, tool tip, caption or text.
 namespace Support {
+
+/// Selects the style for which the tests' pixels and key presses are written.
+inline void Set_Style()
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+}
 
 /// The only widget of its kind inside of another one; null when there is none or more than one.
 template <typename TWidget>
@@ -66,6 +74,19 @@ void Type_Over(TEditor* editor, const QString& text)
     QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(editor, Qt::Key_Delete);
     QTest::keyClicks(editor, text);
+}
+
+/// Compares the parent and the window flags of a new panel with the given ones.
+template <typename TPanel>
+void Compare_Parent_And_Flags()
+{
+    QWidget window;
+    const QWidget* const parent = &window;
+    const TPanel child(parent, Qt::WindowFlags());
+    QCOMPARE(child.parentWidget(), &window);
+    QVERIFY(!child.isWindow());
+    const TPanel tool(parent, Qt::Tool);
+    QCOMPARE(tool.windowType(), Qt::Tool);
 }
 
 /// Signatures of the methods of one kind that a class itself declares, in their order.

@@ -11,7 +11,6 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLineEdit>
-#include <QStyleFactory>
 #include <QTest>
 #include <QToolButton>
 
@@ -56,7 +55,7 @@ private Q_SLOTS:
 
 void TestPanelParts::initTestCase()
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    Support::Set_Style();
 }
 
 void TestPanelParts::a_button_is_named_by_its_tool_tip()

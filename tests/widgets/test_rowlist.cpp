@@ -8,7 +8,6 @@
 #include <QScopedPointer>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QStyleFactory>
 #include <QStyledItemDelegate>
 #include <QTest>
 
@@ -73,7 +72,7 @@ private:
 
 void TestRowList::initTestCase()
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    Support::Set_Style();
 }
 
 void TestRowList::init()
