@@ -20,7 +20,7 @@ std::vector<TItemRow> Read_Table(const QString& path)
     }
 }
 
-/// Sorts the labels of a table by page.
+/// Groups the labels of a table by page.
 std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& rows,
                                                    const QString& table, std::size_t page_count)
 {
