@@ -17,8 +17,8 @@ labels with a right click, edit, move and renumber them, and put the pages into
 order. Quillet exports one image for each page, or a PDF report with header
 lines and page numbers.
 .
-The package also contains the command-line tool quillet-cli. It creates, checks,
-recovers, renumbers and exports projects, and exchanges labels with
+The package also contains the command-line tool quillet-cli, which creates,
+checks, recovers, renumbers and exports projects, and exchanges labels with
 spreadsheets.")
 # CPack finds the libraries that the programs need. The fonts are a dependency because labels and
 # reports must look the same on every machine.
