@@ -14,5 +14,5 @@ TPageView::TPageView(TDocument* document, const TStepReport& report)
     d_view.Clear();
     document->data.Set_Active_Page(document->pages.back().page_id);
     if (document->data.Page_Image_Valid())
-        TPageExporter::Fill_View(document->data, &d_view);
+        d_view.Show_Page(*document->data.Active_Page_Item());
 }

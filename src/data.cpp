@@ -88,6 +88,12 @@ const std::vector<TPageItem>& TData::Pages() const
     return d_page_items;
 }
 
+const TPageItem* TData::Active_Page_Item() const
+{
+    const bool is_active = d_active_page_index >= 0 && d_active_page_index < Page_Count();
+    return is_active ? &d_page_items[d_active_page_index] : nullptr;
+}
+
 QImage TData::Page_Image() const
 {
     ASSERT_ACTIVE_PAGE();
@@ -281,13 +287,6 @@ void TData::Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages)
     }
     order->swap(present_order);
     Set_Active_Page(active_page);
-}
-
-/// The active page, or null when there is none.
-const TPageItem* TData::Active_Page_Item() const
-{
-    const bool is_active = d_active_page_index >= 0 && d_active_page_index < Page_Count();
-    return is_active ? &d_page_items[d_active_page_index] : nullptr;
 }
 
 /// Makes the page at an index active, none for -1. The index of labels belongs to the active page.

@@ -44,6 +44,8 @@ public:
     int Page_Count() const;
     /// All pages with their labels. Valid until the next change of the document.
     const std::vector<TPageItem>& Pages() const;
+    /// The active page with its labels; null if there is none. Valid as long as Pages().
+    const TPageItem* Active_Page_Item() const;
     /// Pixels of the active page's image.
     QImage Page_Image() const;
     /// The active page's image, encoded or decoded.
@@ -98,7 +100,6 @@ public:
     void Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages);
 
 private:
-    const TPageItem* Active_Page_Item() const;
     void Make_Active(int page_index);
     void Record(int page_index) const;
     void Build_Index() const;

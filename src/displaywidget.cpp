@@ -1,5 +1,6 @@
 #include "src/displaywidget.h"
 
+#include "src/model/pageitem.h"
 #include "src/widgets/parentwidget.h"
 
 #include <QGraphicsPixmapItem>
@@ -65,6 +66,15 @@ void TDisplayWidget::Set_Background_Image(const QPixmap& pixmap)
 QPixmap TDisplayWidget::Background_Pixmap() const
 {
     return d_background_item->pixmap();
+}
+
+void TDisplayWidget::Show_Page(const TPageItem& page)
+{
+    Set_Background_Image(QPixmap::fromImage(page.image));
+    for (const TDataItem& item : page.data_items) {
+        Add_Item(item.id, item.value, item.text, item.border_type);
+        Move_Item(item.id, item.position);
+    }
 }
 
 void TDisplayWidget::Update_Scene_Rect()

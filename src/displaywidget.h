@@ -15,6 +15,7 @@
 
 class QGraphicsPixmapItem;
 class QGraphicsScene;
+struct TPageItem;
 
 /// The zoomable view of the active page: the page image with the labels on it.
 ///
@@ -48,6 +49,8 @@ public:
     void Set_Background_Image(const QPixmap& pixmap);
     /// The page image, or the built-in image that stands in for it.
     QPixmap Background_Pixmap() const;
+    /// Shows a page's image and its labels, unselected. Remove the labels of the page before first.
+    void Show_Page(const TPageItem& page);
     /// Makes the scene as large as the page image and all labels together. Costs a walk over the
     /// labels, and is not done when a single one is added or moved.
     void Update_Scene_Rect();

@@ -1,5 +1,5 @@
-// The window as a whole: its construction, questions and messages, zoom, and what follows from the
-// state of the document.
+// The window as a whole: construction, geometry, closing, questions and messages, zoom, and what
+// follows from the state of the document.
 
 #include "src/quillet.h"
 
@@ -13,7 +13,11 @@
 #include "src/widgets/undokeys.h"
 
 #include <QAction>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QGuiApplication>
 #include <QLabel>
+#include <QScreen>
 #include <QSlider>
 #include <QStatusBar>
 
@@ -41,12 +45,62 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     d_data_changed = false;
     d_label_widget->setEnabled(false);
     Connect_Signals();
-    Add_Habits();
+    Add_Gestures();
     Set_Up_Safety_Net();
     Start_History();
 }
 
 TQuillet::~TQuillet() = default;
+
+void TQuillet::Restore_Geometry()
+{
+    const QRect visible = Saved_Geometry() & QGuiApplication::primaryScreen()->availableGeometry();
+    resize(visible.isEmpty() ? Default_Size : visible.size());
+    move(visible.isEmpty() ? Default_Position : visible.topLeft());
+}
+
+void TQuillet::Narrow_Docks()
+{
+    // The page comes first: the docks get their minimum width, and of the space that remains beside
+    // the page's share of the window as much as their captions need to fit on one line.
+    constexpr double page_part = 0.48;
+    constexpr int caption_room = 64; // pixels
+    const int left = d_label_dock->minimumSizeHint().width();
+    const int right =
+        qMax(d_page_dock->minimumSizeHint().width(), d_settings_dock->minimumSizeHint().width());
+    const int spare = static_cast<int>(width() * (1.0 - page_part)) - left - right;
+    const int extra = qBound(0, spare / 2, caption_room);
+    resizeDocks({d_label_dock, d_page_dock}, {left + extra, right + extra}, Qt::Horizontal);
+}
+
+void TQuillet::setVisible(bool visible)
+{
+    QMainWindow::setVisible(visible);
+    // Floating docks appeared before this window, so the window manager put it above them.
+    for (QDockWidget* dock : {d_label_dock, d_settings_dock, d_page_dock}) {
+        if (visible && dock->isFloating())
+            dock->raise();
+    }
+}
+
+void TQuillet::closeEvent(QCloseEvent* event)
+{
+    Write_Settings();
+    Copy_Pending_Work();
+    if (!d_data_changed) {
+        event->accept();
+        return;
+    }
+    const QMessageBox::StandardButton answer =
+        Show_Message(tr("Data Not Saved"), tr("Do you want to save the Quillet data?"), QString(),
+                     QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes,
+                     QMessageBox::Question);
+    if (answer == QMessageBox::Yes)
+        File_Save();
+    if (answer == QMessageBox::No)
+        d_safety_net->Discard();
+    event->setAccepted(answer != QMessageBox::Cancel);
+}
 
 void TQuillet::Help_About()
 {
@@ -56,7 +110,7 @@ void TQuillet::Help_About()
 
 void TQuillet::Image_Zoom_Changed(int value)
 {
-    // The slider runs over e^-2 to e^2, so that each step multiplies by the same factor and its
+    // The slider runs from e^-2 to e^2: each step multiplies the scale by the same factor, and the
     // middle is the original size.
     constexpr double smallest_scale = 0.1353352832366127;
     const double x =
@@ -99,13 +153,20 @@ void TQuillet::Show_File_Error(const QString& text, const QString& informative_t
                  QMessageBox::Critical);
 }
 
-/// To be kept while a long work goes on, which is shown in the left part of the status bar.
+/// Shows a long operation in the left part of the status bar for as long as the returned object
+/// lives.
 TProgress TQuillet::New_Progress(const QString& pattern) const
 {
     constexpr int margin = 2; // pixels
     QRect area = statusBar()->contentsRect().adjusted(margin, margin, 0, -margin);
     area.setRight(d_zoom_slider->parentWidget()->x() - 2 * margin);
     return TProgress(statusBar(), area, pattern, d_progress_clock);
+}
+
+void TQuillet::Mark_Changed()
+{
+    d_data_changed = true;
+    Record_Change();
 }
 
 void TQuillet::Update_Document_Actions()

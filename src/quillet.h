@@ -12,6 +12,7 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPointF>
+#include <QRect>
 #include <QString>
 #include <QStringList>
 
@@ -45,10 +46,10 @@ struct TLabelLook;
 struct TShownState;
 struct TStepOutcome;
 
-/// The main window: the hub between the document and what shows it.
+/// The main window: connects the document with the view and the panels.
 ///
-/// Model, view and panels do not know each other. The view and the panels emit signals; the slots
-/// here tell the model first, then the view, then the panels, and mark the document as changed.
+/// Model, view and panels are independent of each other. The view and the panels emit signals; the
+/// slots update the model first, then the view, then the panels, and mark the document as changed.
 /// Each concern has a translation unit of its own (quillet_*.cpp).
 class TQuillet : public QMainWindow
 {
@@ -60,15 +61,15 @@ public:
     {
     };
 
-    /// Builds the window, restores it as the settings file says, and connects everything.
+    /// Builds the window, restores it from the settings file and connects everything.
     TQuillet(const QWidget* parent, Qt::WindowFlags flags);
     ~TQuillet() override;
 
-    /// Shows or hides the window; docks that float come to lie above it.
+    /// Shows or hides the window, below its floating docks.
     void setVisible(bool visible) override;
 
-    /// Makes a page of an image file, or fills the active page if that is an empty one. A file that
-    /// is no image is passed over in silence.
+    /// Adds a page with the image from a file, or sets the image of the active page if that has no
+    /// labels. Ignores files that are not images.
     void Load_Image(const QString& path);
 
     /// The labels of the active page as an item-list document.
@@ -80,10 +81,10 @@ public:
 
     /// Writes the document to a project file; false leaves the reason in d_error_text.
     bool Save_Data(const QString& file_name);
-    /// Replaces the document by a project file's; false leaves the reason in d_error_text. What was
-    /// read before a fault stays.
+    /// Opens a project file; false leaves the reason in d_error_text. What was read before a fault
+    /// stays.
     bool Load_Data(const QString& file_name);
-    /// Replaces the document by that of an earlier generation.
+    /// Opens a document of an earlier generation.
     /// @param base_name  path of the pair of files without ".qld" and ".qli".
     bool Load_Legacy_Data(const QString& base_name);
     /// Applies label size and colour of an opened version 1 document and collects its labels.
@@ -91,10 +92,10 @@ public:
     /// The same for version 2.
     void Load_Legacy_V2(TXmlFile* xml_file, std::vector<TDataItem>* items);
 
-    /// Writes each page with its labels as a PNG file into a folder; false when there is no page or
-    /// a file could not be written, which ends the export.
+    /// Writes each page with its labels as a PNG file into a folder. Returns false if there is no
+    /// page, or stops with false at a file that cannot be written.
     bool Export_Images(const QString& folder, const QList<int>& page_ids);
-    /// Writes pages as a PDF report, in the given order; false when nothing could be written.
+    /// Writes pages as a PDF report, in the given order; false if nothing could be written.
     bool Export_PDF(const QString& file, const QList<int>& pages, const TReportSettings& settings);
 
 public slots:
@@ -132,8 +133,10 @@ protected:
 private:
     friend class TOpenWindow; ///< makes members visible to tests
 
-    // Construction, in the order in which it happens.
+    // Construction, in this order.
     void Prepare_Settings();
+    static constexpr QPoint Default_Position{30, 30};
+    static constexpr QSize Default_Size{800, 600};
     void Restore_Geometry();
     void Create_Actions();
     QMenu* Create_Menus(); ///< returns the View menu, which lists the docks
@@ -148,9 +151,10 @@ private:
     void Restore_Docks();
     void Narrow_Docks();
     void Connect_Signals();
-    void Add_Habits();
+    void Add_Gestures();
 
     // Settings.
+    QRect Saved_Geometry() const;
     void Write_Settings();
 
     // The safety net.
@@ -191,7 +195,7 @@ private:
     void Import_Files(const QStringList& paths);
     void Show_No_Page();
     void Show_Label_Size(int size);
-    void Fill_View(TLabelWidget* list);
+    void Fill_View();
     void Refresh_Active_Page();
 
     // Labels.
@@ -238,20 +242,20 @@ private:
     TSettingsWidget* d_settings_widget = nullptr;
     TPageWidget* d_page_widget = nullptr;
     TDisplayWidget* d_display_widget = nullptr;
-    TReindexDialog* d_reindex_dialog = nullptr;     ///< made when first needed, then kept
-    TReportHeaderDialog* d_header_dialog = nullptr; ///< made when first needed, then kept
+    TReindexDialog* d_reindex_dialog = nullptr;     ///< created when first needed, then kept
+    TReportHeaderDialog* d_header_dialog = nullptr; ///< created when first needed, then kept
     TMessageBox* d_message_box = nullptr;
     QSettings* d_settings = nullptr;
     QDir d_working_dir{QString()}; ///< where file dialogs open
     QString d_file_name;           ///< path of the project file; empty for a new document
-    bool d_display_click = false;  ///< a click in the view is being passed on to the list
+    bool d_display_click = false;  ///< passing a click in the view on to the list
     TData d_data;
-    bool d_data_changed = false; ///< there are changes that are not saved
+    bool d_data_changed = false; ///< has unsaved changes
     QString d_error_text;        ///< why the last file operation failed
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
-    TProgress::TClock d_progress_clock = TProgress::Machine_Time; ///< by which long work is shown
-    bool d_filling_view = false;         ///< the view is being rebuilt from the document or a file
+    TProgress::TClock d_progress_clock = TProgress::Machine_Time; ///< times long operations
+    bool d_filling_view = false;         ///< view is being filled from the document or a file
     bool d_has_new_document = false;     ///< the last file operation replaced the document
     QLabel* d_recovery_notice = nullptr; ///< null until one is shown
 

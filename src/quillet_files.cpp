@@ -1,4 +1,4 @@
-// The file commands Open, Save and Save As, and the project file they read and write.
+// The file commands New, Open, Save and Save As, and the project file they read and write.
 
 #include "src/quillet.h"
 
@@ -19,6 +19,22 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QScopedValueRollback>
+
+void TQuillet::File_New()
+{
+    if (!Confirm_Loss())
+        return;
+    End_Recovery(d_data_changed);
+    d_data.Clear();
+    d_page_widget->Clear();
+    d_label_widget->Clear();
+    d_display_widget->Clear();
+    Show_No_Page();
+    Enable_Document_Actions(false);
+    d_file_name.clear();
+    d_data_changed = false;
+    d_history->Clear();
+}
 
 void TQuillet::File_Open()
 {
@@ -41,8 +57,8 @@ void TQuillet::Open_File(const QString& name)
     const QString path = is_legacy ? LegacyFile::Base_Name(name) : name;
     const bool loaded =
         Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
-    // Only now: a file that stops the program does not take the old work with it. One that is
-    // refused at once leaves the old document where it was.
+    // Not before loading: if the file crashes the program, the old work can still be recovered. A
+    // file that is refused at once leaves the old document open.
     if (d_has_new_document)
         End_Recovery(loss_confirmed);
     if (loaded)
@@ -57,7 +73,7 @@ void TQuillet::Open_File(const QString& name)
     d_data_changed = false;
 }
 
-/// Loads while the safety net is not told of changes: those are not the user's.
+/// Loads without recording changes and steps: they are not the user's.
 bool TQuillet::Load_Quietly(const std::function<bool()>& load)
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);

@@ -12,7 +12,7 @@
 #include "src/widgets/rowlist.h"
 #include "src/widgets/wheelzoom.h"
 
-void TQuillet::Add_Habits()
+void TQuillet::Add_Gestures()
 {
     new TFocusFrame(d_display_widget);
     const auto lists = findChildren<TRowList*>();

@@ -1,9 +1,8 @@
-// Pages: adding, importing, removing and showing them, and starting over with none.
+// Pages: adding, importing, removing and showing them.
 
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
-#include "src/export/pageexporter.h"
 #include "src/labelwidget.h"
 #include "src/model/imagefiles.h"
 #include "src/pagewidget.h"
@@ -11,22 +10,6 @@
 
 #include <QFileDialog>
 #include <QScopedValueRollback>
-
-void TQuillet::File_New()
-{
-    if (!Confirm_Loss())
-        return;
-    End_Recovery(d_data_changed);
-    d_data.Clear();
-    d_page_widget->Clear();
-    d_label_widget->Clear();
-    d_display_widget->Clear();
-    Show_No_Page();
-    Enable_Document_Actions(false);
-    d_file_name.clear();
-    d_data_changed = false;
-    d_history->Clear();
-}
 
 void TQuillet::File_Import()
 {
@@ -99,12 +82,12 @@ void TQuillet::Page_Selection_Changed(int page)
     Finish_Step();
     d_label_widget->Clear();
     d_display_widget->Clear();
-    // Showing a page is no change, although the view reports each label's position meanwhile.
+    // Showing a page changes nothing, although the view reports the position of each label.
     const bool changed = d_data_changed;
     if (d_data.Set_Active_Page(page) && d_data.Page_Image_Valid()) {
         d_label_widget->setEnabled(true);
         d_display_widget->setUpdatesEnabled(false);
-        Fill_View(d_label_widget);
+        Fill_View();
         d_display_widget->setUpdatesEnabled(true);
     } else {
         Show_No_Page();
@@ -113,13 +96,14 @@ void TQuillet::Page_Selection_Changed(int page)
     d_data_changed = changed;
 }
 
-/// Shows the active page's image and labels in the view, which has been cleared before.
-/// @param list  gets the labels as well.
-void TQuillet::Fill_View(TLabelWidget* list)
+/// Shows the active page in list and view, which must have been cleared.
+void TQuillet::Fill_View()
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
-    TPageExporter::Fill_View(d_data, d_display_widget,
-                             [list](const TDataItem& item) { list->Add_Item(item); });
+    const TPageItem& page = *d_data.Active_Page_Item();
+    for (const TDataItem& item : page.data_items)
+        d_label_widget->Add_Item(item);
+    d_display_widget->Show_Page(page);
 }
 
 /// Rebuilds list and view after the labels' values have changed.
@@ -128,6 +112,6 @@ void TQuillet::Refresh_Active_Page()
     d_display_widget->setUpdatesEnabled(false);
     d_label_widget->Clear();
     d_display_widget->Clear();
-    Fill_View(d_label_widget);
+    Fill_View();
     d_display_widget->setUpdatesEnabled(true);
 }

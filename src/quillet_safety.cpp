@@ -51,12 +51,6 @@ void TQuillet::Show_Recovery_Notice()
                                       .arg(paths.join(QLatin1Char('\n'))));
 }
 
-void TQuillet::Mark_Changed()
-{
-    d_data_changed = true;
-    Record_Change();
-}
-
 /// Reports a change by the user to the safety net.
 void TQuillet::Record_Change()
 {

@@ -1,25 +1,17 @@
-// What the window remembers between runs, the question when it closes, and the slots of the
-// settings panel.
+// The settings file, and the slots of the settings panel.
 
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
-#include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 
-#include <QCloseEvent>
 #include <QDockWidget>
-#include <QGuiApplication>
-#include <QScreen>
 #include <QSettings>
 
 namespace {
-
-const QPoint default_position(30, 30);
-const QSize default_size(800, 600);
 
 /// A setting of the wanted type. A stored text that does not convert counts as missing.
 template <typename TValue>
@@ -29,7 +21,7 @@ TValue Read_Setting(const QSettings& settings, const char* key, const TValue& de
     return value.convert(qMetaTypeId<TValue>()) ? value.value<TValue>() : default_value;
 }
 
-/// QVariant cuts numbers that are too large for an integer.
+/// QVariant truncates numbers that are too large for an integer.
 template <>
 int Read_Setting(const QSettings& settings, const char* key, const int& default_value)
 {
@@ -38,7 +30,7 @@ int Read_Setting(const QSettings& settings, const char* key, const int& default_
     return is_integer ? value : default_value;
 }
 
-/// For QVariant every text but a few is true; in the settings file only a written truth value is.
+/// QVariant converts almost any text to true.
 template <>
 bool Read_Setting(const QSettings& settings, const char* key, const bool& default_value)
 {
@@ -63,13 +55,11 @@ void TQuillet::Prepare_Settings()
                                QSettings::IniFormat, this);
 }
 
-void TQuillet::Restore_Geometry()
+/// The geometry of the window when it was closed last.
+QRect TQuillet::Saved_Geometry() const
 {
-    const QRect saved(Read_Setting(*d_settings, "Mainwindow_Position", default_position),
-                      Read_Setting(*d_settings, "Mainwindow_Size", default_size));
-    const QRect visible = saved & QGuiApplication::primaryScreen()->availableGeometry();
-    resize(visible.isEmpty() ? default_size : visible.size());
-    move(visible.isEmpty() ? default_position : visible.topLeft());
+    return QRect(Read_Setting(*d_settings, "Mainwindow_Position", Default_Position),
+                 Read_Setting(*d_settings, "Mainwindow_Size", Default_Size));
 }
 
 void TQuillet::Restore_Settings()
@@ -84,7 +74,7 @@ void TQuillet::Restore_Settings()
     const TAppearance defaults;
     const int label_size = Read_Setting(settings, "Label_Size", defaults.label_size);
     d_settings_widget->Set_Label_Size(label_size);
-    // The view draws whatever size it is told, so it must be one that a picture can have.
+    // The view draws any size, but a pixmap cannot have every size.
     constexpr int least_view_size = 2;
     constexpr int largest_view_size = 2048;
     Label_Size_Changed(qBound(least_view_size, label_size, largest_view_size));
@@ -106,7 +96,7 @@ void TQuillet::Restore_Docks()
     d_page_dock->setVisible(Read_Setting(settings, "Page_Visible", true));
     const auto restore_floating = [this, &settings](QDockWidget* dock, const char* key) {
         const bool is_floating = Read_Setting(settings, key, false);
-        // A dock that floats shows itself at once, and asks then which window it belongs to.
+        // A floating dock shows itself at once and needs its parent window to exist.
         if (is_floating)
             create();
         dock->setFloating(is_floating);
@@ -123,31 +113,6 @@ void TQuillet::Restore_Docks()
     restore_position(d_settings_dock, "Settings_Position");
     restore_position(d_page_dock, "Page_Position");
     Narrow_Docks();
-}
-
-void TQuillet::setVisible(bool visible)
-{
-    QMainWindow::setVisible(visible);
-    // Floating docks came up before this window did, which the window manager put above them.
-    for (QDockWidget* dock : {d_label_dock, d_settings_dock, d_page_dock}) {
-        if (visible && dock->isFloating())
-            dock->raise();
-    }
-}
-
-void TQuillet::Narrow_Docks()
-{
-    // The page is what people look at: whatever widths the panels would like best, the docks start
-    // with what they need, and what is left beside the page's part of the window goes to their
-    // captions, until these stand in one line.
-    constexpr double page_part = 0.48;
-    constexpr int caption_room = 64; // pixels
-    const int left = d_label_dock->minimumSizeHint().width();
-    const int right =
-        qMax(d_page_dock->minimumSizeHint().width(), d_settings_dock->minimumSizeHint().width());
-    const int spare = static_cast<int>(width() * (1.0 - page_part)) - left - right;
-    const int extra = qBound(0, spare / 2, caption_room);
-    resizeDocks({d_label_dock, d_page_dock}, {left + extra, right + extra}, Qt::Horizontal);
 }
 
 void TQuillet::Write_Settings()
@@ -175,27 +140,8 @@ void TQuillet::Write_Settings()
     };
     for (const auto& [key, value] : values)
         d_settings->setValue(QString::fromLatin1(key), value);
-    // Whoever kills the program while it asks about unsaved data loses no settings.
+    // The settings survive if the program is killed while it asks about unsaved data.
     d_settings->sync();
-}
-
-void TQuillet::closeEvent(QCloseEvent* event)
-{
-    Write_Settings();
-    Copy_Pending_Work();
-    if (!d_data_changed) {
-        event->accept();
-        return;
-    }
-    const QMessageBox::StandardButton answer =
-        Show_Message(tr("Data Not Saved"), tr("Do you want to save the Quillet data?"), QString(),
-                     QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes,
-                     QMessageBox::Question);
-    if (answer == QMessageBox::Yes)
-        File_Save();
-    if (answer == QMessageBox::No)
-        d_safety_net->Discard();
-    event->setAccepted(answer != QMessageBox::Cancel);
 }
 
 void TQuillet::Label_Size_Changed(int size)
@@ -215,7 +161,7 @@ void TQuillet::Color_Changed(QColor color)
 {
     const TStepScope step = Record_Step(TStepKind::Change_Color);
     d_display_widget->Set_Label_Color(color);
-    // The colour does not make a document count as changed, yet it is part of one.
+    // A colour does not mark the document as changed, but it is saved with it.
     if (d_data.Page_Count() > 0)
         Record_Change();
 }

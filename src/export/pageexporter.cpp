@@ -110,20 +110,8 @@ void TPageExporter::Report_Step(int number, int total) const
 void TPageExporter::Reload_View() const
 {
     d_view->Clear();
-    if (d_data->Active_Page() >= 0)
-        Fill_View(*d_data, d_view);
-}
-
-void TPageExporter::Fill_View(const TData& data, TDisplayWidget* view, const TNote& note)
-{
-    view->Set_Background_Image(QPixmap::fromImage(data.Page_Image()));
-    for (int i = 0; i < data.Item_Count(); ++i) {
-        const TDataItem item = data.Item(i);
-        if (note)
-            note(item);
-        view->Add_Item(item.id, item.value, item.text, item.border_type);
-        view->Move_Item(item.id, item.position);
-    }
+    if (const TPageItem* const page = d_data->Active_Page_Item())
+        d_view->Show_Page(*page);
 }
 
 bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path)

@@ -25,8 +25,6 @@ public:
     using TPathOf = std::function<QString(int page_id, int counter)>;
     /// Takes the picture of a page; false ends the drawing.
     using TUse = std::function<bool(int page_id, const QPixmap& picture)>;
-    /// Is told of a label before the view is.
-    using TNote = std::function<void(const TDataItem&)>;
 
     /// How far a report has come.
     enum class TOutcome {
@@ -51,10 +49,6 @@ public:
     /// Lets the view draw pages until one is not used or all are done; false when there is no page
     /// or one was not used.
     bool Draw_Pages(const QList<int>& page_ids, const TUse& use) const;
-
-    /// Shows the active page's image and labels in a view that has been cleared before.
-    /// @param note  may be empty.
-    static void Fill_View(const TData& data, TDisplayWidget* view, const TNote& note = nullptr);
 
     /// Saves a picture as PNG; false leaves a file of that name as it was.
     static bool Save_Png(const QPixmap& picture, const QString& path);

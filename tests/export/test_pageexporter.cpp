@@ -98,20 +98,6 @@ private slots:
         QCOMPARE(steps, QStringList({"1 of 2", "1 of 2", "page 1", "2 of 2", "2 of 2", "page 2"}));
     }
 
-    void a_label_is_told_before_the_view_gets_it()
-    {
-        d_document.data.Set_Active_Page(1);
-        d_document.data.Add_Item(Support::Label(5, 7, "", 1, QPointF(20, 20)));
-        d_document.data.Add_Item(Support::Label(6, 8, "", 1, QPointF(30, 20)));
-        QList<int> told;
-        TPageExporter::Fill_View(d_document.data, d_view.get(), [&](const TDataItem& item) {
-            QVERIFY(!d_view->Item_Exists(item.id));
-            told += item.id;
-        });
-        QCOMPARE(told, QList<int>({5, 6}));
-        QCOMPARE(d_view->Item_Position(6), QPointF(30, 20));
-    }
-
     void images_are_written_where_they_are_wanted()
     {
         QStringList asked;
