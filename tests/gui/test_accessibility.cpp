@@ -1,5 +1,4 @@
-// Use without eyes or without a mouse: what a screen reader is told of each control, and what the
-// keyboard reaches.
+// Accessibility: names and descriptions for screen readers, and keyboard navigation.
 
 #include "support/project.h"
 #include "support/support.h"
@@ -23,13 +22,13 @@ class TestAccessibility : public QObject
 private slots:
     void init();
     void cleanup();
-    void what_takes_the_keyboard_has_a_name_and_a_description_data();
-    void what_takes_the_keyboard_has_a_name_and_a_description();
+    void every_focusable_widget_has_a_name_and_a_description_data();
+    void every_focusable_widget_has_a_name_and_a_description();
     void a_caption_belongs_to_its_editor_data();
     void a_caption_belongs_to_its_editor();
     void a_name_is_the_caption_without_its_colon_data();
     void a_name_is_the_caption_without_its_colon();
-    void the_tabulator_key_visits_everything_in_order();
+    void the_tab_key_visits_all_widgets_in_order();
     void every_command_is_in_a_menu();
     void tool_bar_buttons_say_what_they_do();
 
@@ -64,7 +63,7 @@ void TestAccessibility::Add_Windows()
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("controls");
     QTest::addColumn<QStringList>("captions");
-    // The page counts twice: its view, and the viewport in it.
+    // The page view counts twice: the view and its viewport.
     QTest::newRow("main window")
         << "main window" << 19
         << QStringList({"Item Value:", "Item Text:", "Border Type:", "Item Display Format:",
@@ -84,19 +83,19 @@ QWidget* TestAccessibility::Named_Window(const QString& name)
     return d_window.get();
 }
 
-void TestAccessibility::what_takes_the_keyboard_has_a_name_and_a_description_data()
+void TestAccessibility::every_focusable_widget_has_a_name_and_a_description_data()
 {
     Add_Windows();
 }
 
-void TestAccessibility::what_takes_the_keyboard_has_a_name_and_a_description()
+void TestAccessibility::every_focusable_widget_has_a_name_and_a_description()
 {
     QFETCH(QString, name);
     QFETCH(int, controls);
     QWidget* const window = Named_Window(name);
     int found = 0;
     for (QWidget* widget : window->findChildren<QWidget*>()) {
-        // Pop-ups and parts of widgets go by the name of what they belong to.
+        // Pop-ups and parts of widgets have the name of their owner.
         if (!(widget->focusPolicy() & Qt::TabFocus) || widget->window() != window)
             continue;
         ++found;
@@ -149,7 +148,7 @@ void TestAccessibility::a_name_is_the_caption_without_its_colon()
     QCOMPARE(Accessibility::Name_Of_Caption(caption), name);
 }
 
-void TestAccessibility::the_tabulator_key_visits_everything_in_order()
+void TestAccessibility::the_tab_key_visits_all_widgets_in_order()
 {
     const QStringList expected = {"Page",
                                   "Item List",
@@ -204,7 +203,7 @@ void TestAccessibility::tool_bar_buttons_say_what_they_do()
         ++buttons;
         QVERIFY(!button->accessibleDescription().isEmpty());
     }
-    // Six commands, and the button for those that find no room.
+    // Six commands and the extension button.
     QCOMPARE(buttons, 7);
 }
 

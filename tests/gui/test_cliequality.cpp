@@ -24,7 +24,7 @@ QImage Picture(int seed)
     return Support::Picture(page_size.width(), page_size.height(), seed);
 }
 
-/// Labels of each border, with values and texts, also past the picture's edge.
+/// Labels of each border, with values and texts, some of them beyond the image's edge.
 std::vector<TDataItem> Labels()
 {
     return {Label(11, 1, "", 0, QPointF(20, 20)), Label(12, 22, "", 1, QPointF(60.25, 40.5)),
@@ -32,7 +32,7 @@ std::vector<TDataItem> Labels()
             Label(15, -5, "Pumpe", 8, QPointF(125, 175))};
 }
 
-/// The pictures of a report's pages, as a reader of PDF files that is not ours makes them.
+/// Renders a report's pages with poppler.
 QList<QImage> Report_Pages(const QString& file, const QString& folder)
 {
     const QString prefix = QDir(folder).filePath("rendered");
@@ -47,7 +47,7 @@ QList<QImage> Report_Pages(const QString& file, const QString& folder)
     return pages;
 }
 
-/// A PDF file without the time at which it was made.
+/// A PDF file without its creation time.
 QByteArray Timeless(const QString& file)
 {
     QByteArray content = Support::Read_File(file);
@@ -57,8 +57,8 @@ QByteArray Timeless(const QString& file)
 
 } // namespace
 
-/// What the tool makes is what the window makes. Each test has a document of four pages, one of
-/// them without a picture, that a window has saved.
+/// The tool and the window write the same files. Each test has a document of four pages, one of
+/// them without an image, that a window has saved.
 class TestCliEquality : public QObject
 {
     Q_OBJECT
@@ -78,7 +78,7 @@ class TestCliEquality : public QObject
         return window;
     }
 
-    /// Runs the tool in the test's folder; fails when it does.
+    /// Runs the tool in the test's folder; fails when the tool fails.
     void Run(const QStringList& arguments) const
     {
         const TToolResult result =
@@ -113,14 +113,14 @@ class TestCliEquality : public QObject
                 "<Position>50.5,60</Position></Item></Quillet_Data>");
     }
 
-    /// What the window and the tool export of the same document, by page.
+    /// Images that window and tool export from the same document, by page.
     void Compare_Images(const QString& document)
     {
         QVERIFY(QDir(d_folder->path()).mkdir("window"));
         QVERIFY(QDir(d_folder->path()).mkdir("tool"));
         QVERIFY(d_window->Export_Images(Path("window"), d_window->d_page_widget->Page_Ids()));
         Run({"export-images", document, "--folder", "tool"});
-        // The names hold the time.
+        // File names contain the time.
         const QRegularExpression stamp("-\\d{14}(\\d+)\\.png$");
         QStringList by_window = Support::Entries(Path("window"));
         QStringList by_tool = Support::Entries(Path("tool"));
@@ -137,7 +137,7 @@ class TestCliEquality : public QObject
         QCOMPARE(by_tool, by_window);
     }
 
-    /// The pages of the reports that window and tool have made.
+    /// The pages of the reports by window and tool.
     void Compare_Reports() const
     {
         const QList<QImage> by_window = Report_Pages(Path("window.pdf"), d_folder->path());
@@ -175,7 +175,7 @@ private slots:
     {
         QFETCH(const bool, names_from_files);
         QVERIFY(QDir(d_folder->path()).mkdir("images"));
-        // In the order in which people count.
+        // In numeric order.
         const QStringList names{"page 1.bmp", "page 2.png", "page 10.ppm", "page 11.jpg",
                                 "Seite.xpm"};
         d_window = New_Window();
@@ -269,8 +269,7 @@ private slots:
     {
         QFETCH(const int, size);
         QFETCH(const QByteArray, color);
-        // Not by way of a window: the toolkit draws large letters a little differently when it
-        // draws them once more.
+        // Without a second window: Qt draws large letters a little differently the second time.
         // The magic number, the label size, and the colour with its length.
         constexpr int look_size = 19;
         const auto look = [](int label_size, const QByteArray& name) {
@@ -288,7 +287,7 @@ private slots:
 
     void pages_in_another_order_are_exported_alike()
     {
-        // The page without a picture comes to be the first, and one with a picture the last.
+        // Puts the page without an image first and one with an image last.
         QListWidget* const list = Support::Only<QListWidget>(*d_window->d_page_widget);
         list->insertItem(0, list->takeItem(1));
         list->insertItem(1, list->takeItem(3));
@@ -297,7 +296,7 @@ private slots:
         Compare_Images("order.quillet");
     }
 
-    void the_settings_of_the_window_do_not_matter()
+    void the_tool_ignores_the_window_s_settings()
     {
         const QStringList arguments{"export-pdf", "document.quillet", "--output"};
         Run(arguments + QStringList{"plain.pdf"});
@@ -384,7 +383,7 @@ private slots:
                                      {0, 1, header_1, header_2}));
         Run({"export-pdf", "document.quillet", "--output", "tool.pdf", "--resolution", "1",
              "--header-1", header_1, "--header-2", header_2});
-        // Several fonts stand in a file in any order, so that its bytes may differ.
+        // The order of several fonts in a file is random, so the bytes may differ.
         Compare_Reports();
     }
 
@@ -398,7 +397,7 @@ private slots:
         Open("tool.quillet");
         QStringList after = Support::Describe(d_window.get());
         QCOMPARE(Support::Describe_Appearance(*d_window), look);
-        // Behind the five labels that the page had.
+        // After the five labels of the page.
         constexpr int place = 6;
         QCOMPARE(after.takeAt(place), QStringLiteral("label 1 9 'a, \"b\"' 8 1.5,2"));
         QCOMPARE(after, before);

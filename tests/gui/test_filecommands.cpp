@@ -1,4 +1,4 @@
-// New, Open, Save and Save As as the user gives them: dialogs, questions, and what is remembered.
+// New, Open, Save and Save As: their dialogs and questions, the file name and the working folder.
 
 #include "support/modal.h"
 #include "support/project.h"
@@ -41,8 +41,8 @@ QString Box_Line(const QString& text, const QString& informative_text, const QSt
         .join(QLatin1Char('|'));
 }
 
-/// A message box as one line: text, informative text, detailed text, buttons, default, icon. The
-/// markup that the box puts around its texts is left out.
+/// A message box as one line: text, informative text, detailed text, buttons, default, icon. Leaves
+/// out the markup that the box puts around its texts.
 QString Describe_Box(const QMessageBox& box)
 {
     const QRegularExpression markup(QStringLiteral("</?span[^>]*>"));
@@ -65,13 +65,13 @@ QString File_Error(const char* text, const char* informative_text, const QString
                     QMessageBox::Ok, QMessageBox::Critical);
 }
 
-/// Notes what a box shows before it is answered.
+/// Records what a box shows, then answers it.
 TAnswer Note_And_Press(QString* note, QMessageBox::StandardButton button)
 {
     return Look_And_Press([note](QMessageBox* box) { *note = Describe_Box(*box); }, button);
 }
 
-/// Notes caption, folder and filters of a file dialog before it is answered.
+/// Records caption, folder and filters of a file dialog, then answers it.
 TAnswer Note_And(QString* note, const TAnswer& answer)
 {
     return [note, answer](QWidget* widget) {
@@ -106,7 +106,7 @@ private:
         window->d_data_changed = false;
     }
 
-    /// The actions that need a page, as "enabled" or "disabled"; "mixed" must not be.
+    /// The actions that need a page, as "enabled" or "disabled"; "mixed" is an error.
     static QString Page_Actions(const TOpenWindow& window)
     {
         const QList<QAction*> actions{window.d_action_save, window.d_action_export_images,
@@ -119,7 +119,7 @@ private:
         return enabled == 0 ? QStringLiteral("disabled") : QStringLiteral("mixed");
     }
 
-    /// A project file with one page without a picture.
+    /// A project file with one page without an image.
     static QByteArray Project()
     {
         return Support::Header(40, "#0a141e", "", "", 1) +
@@ -156,7 +156,7 @@ private slots:
                            .arg(d_folder.path()));
     }
 
-    void open_takes_a_project_over()
+    void open_loads_a_project()
     {
         Support::Write_File(Path("sub/a.quillet"), Project());
         TOpenWindow window;
@@ -249,7 +249,7 @@ private slots:
         QVERIFY(!window.d_data_changed);
     }
 
-    void a_project_that_cannot_be_loaded_is_reported()
+    void an_unreadable_project_is_reported()
     {
         Support::Write_File(Path("sub/a.quillet"), "no project at all");
         TOpenWindow window;
@@ -287,14 +287,14 @@ private slots:
         QVERIFY(!window.d_data_changed);
     }
 
-    void a_failed_open_takes_name_and_folder_after_its_report_data()
+    void a_failed_open_sets_name_and_folder_after_the_message_data()
     {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("name");
         QTest::newRow("project") << QStringLiteral("sub/a.quillet") << Path("sub/a.quillet");
         QTest::newRow("legacy") << QStringLiteral("sub/old.qld") << QString();
     }
-    void a_failed_open_takes_name_and_folder_after_its_report()
+    void a_failed_open_sets_name_and_folder_after_the_message()
     {
         QFETCH(QString, file);
         QFETCH(QString, name);
@@ -350,8 +350,8 @@ private slots:
 
     void upper_case_letters_end_a_legacy_name_as_well()
     {
-        // The names of the pair are made of the base name and small letters, so the file itself is
-        // found only where both spellings are there.
+        // The names of the pair have lower-case suffixes, so it is found only when it exists in
+        // both spellings.
         Write_Legacy_Pair(QStringLiteral("old.QLD"), QStringLiteral("old.qli"));
         TOpenWindow window;
         window.d_file_name = QStringLiteral("/some/name");
@@ -372,7 +372,7 @@ private slots:
         QCOMPARE(Describe(&window), QStringList{"page 1 Page 1 5x5"});
     }
 
-    void a_legacy_file_that_cannot_be_loaded_is_reported()
+    void an_unreadable_legacy_file_is_reported()
     {
         Support::Write_File(Path("sub/old.qld"), "<Quillet_Data File_Version=\"3\"/>");
         QFile::remove(Path("sub/old.qli"));
@@ -394,7 +394,7 @@ private slots:
         QCOMPARE(Describe(&window), QStringList{"page 1 mine 9x9"});
     }
 
-    void a_name_without_a_folder_is_the_working_folder_as_a_whole()
+    void a_name_without_a_folder_becomes_the_working_folder()
     {
         TOpenWindow window;
         QCOMPARE(Run_Answering([&] { window.Open_File(QStringLiteral("nowhere.quillet")); },
@@ -487,7 +487,7 @@ private slots:
         QCOMPARE(window.d_working_dir.path(), d_folder.path());
     }
 
-    void a_failed_save_as_takes_the_name_all_the_same()
+    void a_failed_save_as_sets_the_file_name()
     {
         TOpenWindow window;
         Support::Add_Pages(&window, {{QStringLiteral("a"),

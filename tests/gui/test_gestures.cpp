@@ -1,5 +1,5 @@
-// Habits that users bring along: the wheel zooms with Ctrl, Delete asks, Ctrl and arrows move
-// labels, files are dropped on the window, rows move by keyboard, and long work is shown.
+// Gestures: Ctrl and the wheel zoom, Delete asks, Ctrl and arrows move labels, dropped files become
+// pages, Alt and arrows move rows. Also the progress of long work.
 
 #include "support/modal.h"
 #include "support/project.h"
@@ -28,7 +28,7 @@ namespace {
 
 constexpr int notch = 120; // eighths of a degree
 
-/// Writes down the texts that progress bars show, each as often as it is painted.
+/// Records the text of a progress bar each time the bar is painted.
 class TBarReader : public QObject
 {
 public:
@@ -51,7 +51,7 @@ protected:
 
 } // namespace
 
-class TestHabits : public QObject
+class TestGestures : public QObject
 {
     Q_OBJECT
 
@@ -61,16 +61,16 @@ private slots:
 
     void a_notch_moves_the_zoom_slider_data();
     void a_notch_moves_the_zoom_slider();
-    void parts_of_a_notch_add_up();
-    void turning_back_starts_anew();
-    void the_wheel_stops_at_the_sliders_ends();
-    void what_is_under_the_pointer_stays_there_data();
-    void what_is_under_the_pointer_stays_there();
-    void many_zooms_do_not_drift();
-    void what_slipped_away_at_an_end_is_let_go();
-    void a_page_smaller_than_the_view_stays_in_the_middle();
-    void without_ctrl_alone_the_wheel_does_not_zoom_data();
-    void without_ctrl_alone_the_wheel_does_not_zoom();
+    void fractions_of_a_notch_add_up();
+    void turning_the_wheel_back_discards_the_fraction();
+    void the_wheel_stops_at_the_ends_of_the_slider();
+    void the_point_under_the_pointer_stays_there_data();
+    void the_point_under_the_pointer_stays_there();
+    void many_zooms_keep_the_point_under_the_pointer();
+    void zooming_keeps_the_point_under_the_pointer_where_the_view_can_scroll();
+    void a_page_smaller_than_the_view_stays_centred();
+    void only_ctrl_alone_makes_the_wheel_zoom_data();
+    void only_ctrl_alone_makes_the_wheel_zoom();
 
     void delete_in_the_item_list_asks();
     void delete_in_the_page_list_asks();
@@ -80,8 +80,8 @@ private slots:
 
     void ctrl_and_arrows_move_the_selected_labels_data();
     void ctrl_and_arrows_move_the_selected_labels();
-    void a_key_that_is_held_down_moves_on();
-    void nothing_selected_moves_nothing();
+    void a_held_key_keeps_moving_the_label();
+    void keys_without_a_selection_move_nothing();
     void arrows_without_ctrl_scroll();
     void ctrl_and_arrows_in_a_list_move_no_label();
 
@@ -94,7 +94,7 @@ private slots:
     void image_names();
     void what_is_no_image_file_is_refused_data();
     void what_is_no_image_file_is_refused();
-    void images_among_other_files_are_taken();
+    void a_drop_imports_only_the_images_among_its_files();
     void files_are_copied_and_never_moved();
     void a_drop_waits_for_no_dialog();
     void texts_are_still_dropped_on_editors();
@@ -103,13 +103,13 @@ private slots:
     void alt_and_arrows_move_rows();
     void moved_pages_keep_their_selection_and_names();
 
-    void the_frame_tells_where_the_keyboard_is();
+    void a_frame_marks_the_view_with_the_focus();
 
-    void an_import_is_shown();
-    void one_large_image_is_shown_while_it_is_read();
-    void saving_and_opening_are_shown();
-    void exports_are_shown();
-    void short_work_is_not_shown();
+    void an_import_shows_progress();
+    void reading_one_large_image_shows_progress();
+    void saving_and_opening_show_progress();
+    void exports_show_progress();
+    void short_work_shows_no_progress();
     void the_bar_fits_beside_the_zoom_control();
 
 private:
@@ -134,7 +134,7 @@ private:
     qint64 d_time = 0; ///< milliseconds, by the window's clock
 };
 
-void TestHabits::init()
+void TestGestures::init()
 {
     d_folder = std::make_unique<QTemporaryDir>();
     d_window = std::make_unique<TOpenWindow>();
@@ -143,7 +143,7 @@ void TestHabits::init()
     QVERIFY(QTest::qWaitForWindowActive(d_window.get()));
 }
 
-void TestHabits::cleanup()
+void TestGestures::cleanup()
 {
     d_window->d_safety_net->Discard();
     d_window.reset();
@@ -151,8 +151,8 @@ void TestHabits::cleanup()
     QVERIFY(!QApplication::overrideCursor());
 }
 
-/// A page with three labels, shown.
-void TestHabits::Show_Page(const QSize& size)
+/// Shows a page with three labels.
+void TestGestures::Show_Page(const QSize& size)
 {
     const QList<int> ids = Support::Add_Pages(
         d_window.get(), {{"Plan",
@@ -164,28 +164,28 @@ void TestHabits::Show_Page(const QSize& size)
     QCoreApplication::processEvents();
 }
 
-void TestHabits::Turn(const QPoint& angle, const QPointF& position,
-                      Qt::KeyboardModifiers modifiers) const
+void TestGestures::Turn(const QPoint& angle, const QPointF& position,
+                        Qt::KeyboardModifiers modifiers) const
 {
     QWheelEvent event(position, Page()->mapToGlobal(position.toPoint()), QPoint(), angle,
                       Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
     QApplication::sendEvent(Page(), &event);
 }
 
-/// What of the scene is at a point of the view, without rounding.
-QPointF TestHabits::Scene_Point(const QPointF& position) const
+/// The scene position of a point of the view, without rounding.
+QPointF TestGestures::Scene_Point(const QPointF& position) const
 {
     return d_window->d_display_widget->viewportTransform().inverted().map(position);
 }
 
-void TestHabits::Focus(QWidget* widget) const
+void TestGestures::Focus(QWidget* widget) const
 {
     widget->setFocus();
     QVERIFY(widget->hasFocus());
 }
 
-/// Where the labels of the active page are: id, place in the model, place in the view.
-QStringList TestHabits::Positions() const
+/// Labels of the active page: id, position in the model, position in the view.
+QStringList TestGestures::Positions() const
 {
     QStringList lines;
     for (int i = 0; i < d_window->d_data.Item_Count(); ++i) {
@@ -200,7 +200,7 @@ QStringList TestHabits::Positions() const
     return lines;
 }
 
-QString TestHabits::Picture_File(const QString& name, int seed) const
+QString TestGestures::Picture_File(const QString& name, int seed) const
 {
     const QString path = d_folder->filePath(name);
     if (!Support::Picture(60 + seed, 40, seed).save(path, "PNG"))
@@ -210,7 +210,7 @@ QString TestHabits::Picture_File(const QString& name, int seed) const
 
 // --- zooming by wheel ----------------------------------------------------------------------------
 
-void TestHabits::a_notch_moves_the_zoom_slider_data()
+void TestGestures::a_notch_moves_the_zoom_slider_data()
 {
     QTest::addColumn<int>("angle");
     QTest::addColumn<int>("value");
@@ -222,7 +222,7 @@ void TestHabits::a_notch_moves_the_zoom_slider_data()
     QTest::newRow("too little") << notch / 5 - 1 << 0 << "1.00 X";
 }
 
-void TestHabits::a_notch_moves_the_zoom_slider()
+void TestGestures::a_notch_moves_the_zoom_slider()
 {
     QFETCH(int, angle);
     QFETCH(int, value);
@@ -236,7 +236,7 @@ void TestHabits::a_notch_moves_the_zoom_slider()
     QVERIFY(!d_window->d_data_changed);
 }
 
-void TestHabits::parts_of_a_notch_add_up()
+void TestGestures::fractions_of_a_notch_add_up()
 {
     Show_Page();
     for (int part = 0; part < 12; ++part)
@@ -247,7 +247,7 @@ void TestHabits::parts_of_a_notch_add_up()
     QCOMPARE(Zoom(), -10);
 }
 
-void TestHabits::turning_back_starts_anew()
+void TestGestures::turning_the_wheel_back_discards_the_fraction()
 {
     Show_Page();
     Turn(23);
@@ -255,7 +255,7 @@ void TestHabits::turning_back_starts_anew()
     QCOMPARE(Zoom(), -1);
 }
 
-void TestHabits::the_wheel_stops_at_the_sliders_ends()
+void TestGestures::the_wheel_stops_at_the_ends_of_the_slider()
 {
     Show_Page();
     for (int turn = 0; turn < 30; ++turn)
@@ -269,7 +269,7 @@ void TestHabits::the_wheel_stops_at_the_sliders_ends()
     QCOMPARE(Zoom(), -100);
 }
 
-void TestHabits::what_is_under_the_pointer_stays_there_data()
+void TestGestures::the_point_under_the_pointer_stays_there_data()
 {
     QTest::addColumn<QPoint>("position");
     QTest::addColumn<int>("angle");
@@ -279,7 +279,7 @@ void TestHabits::what_is_under_the_pointer_stays_there_data()
     }
 }
 
-void TestHabits::what_is_under_the_pointer_stays_there()
+void TestGestures::the_point_under_the_pointer_stays_there()
 {
     QFETCH(QPoint, position);
     QFETCH(int, angle);
@@ -293,7 +293,7 @@ void TestHabits::what_is_under_the_pointer_stays_there()
              qPrintable(QString("%1, %2").arg(now.x()).arg(now.y())));
 }
 
-void TestHabits::many_zooms_do_not_drift()
+void TestGestures::many_zooms_keep_the_point_under_the_pointer()
 {
     Show_Page();
     d_window->d_display_widget->centerOn(500, 700);
@@ -304,7 +304,7 @@ void TestHabits::many_zooms_do_not_drift()
     const QPointF now = d_window->d_display_widget->viewportTransform().map(point);
     QVERIFY((now - position).manhattanLength() <= 1.0);
 
-    // Once the view was scrolled, it is about what is under the pointer now.
+    // After scrolling, the zoom centre is the point that is under the pointer now.
     d_window->d_display_widget->centerOn(450, 650);
     const QPointF other = Scene_Point(position);
     Turn(QPoint(0, notch), position);
@@ -312,10 +312,10 @@ void TestHabits::many_zooms_do_not_drift()
     QVERIFY((there - position).manhattanLength() <= 1.0);
 }
 
-void TestHabits::what_slipped_away_at_an_end_is_let_go()
+void TestGestures::zooming_keeps_the_point_under_the_pointer_where_the_view_can_scroll()
 {
-    // From near until the whole page is in the middle of the view, and near again: each turn keeps
-    // what is under the pointer when it begins, wherever the view can still scroll.
+    // Zooms out until the whole page is visible, then in again. Each turn keeps the point under the
+    // pointer wherever the view can still scroll.
     Show_Page();
     d_window->d_zoom_slider->setValue(30);
     const QPoint position = Page()->rect().center() + QPoint(20, -30);
@@ -338,7 +338,7 @@ void TestHabits::what_slipped_away_at_an_end_is_let_go()
     QVERIFY2(kept > 30, qPrintable(QString::number(kept)));
 }
 
-void TestHabits::a_page_smaller_than_the_view_stays_in_the_middle()
+void TestGestures::a_page_smaller_than_the_view_stays_centred()
 {
     Show_Page(QSize(320, 160));
     d_window->d_data.Set_Active_Page(-1);
@@ -350,7 +350,7 @@ void TestHabits::a_page_smaller_than_the_view_stays_in_the_middle()
     QVERIFY((middle - page).manhattanLength() <= 4.0);
 }
 
-void TestHabits::without_ctrl_alone_the_wheel_does_not_zoom_data()
+void TestGestures::only_ctrl_alone_makes_the_wheel_zoom_data()
 {
     QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
     QTest::newRow("none") << Qt::KeyboardModifiers();
@@ -359,7 +359,7 @@ void TestHabits::without_ctrl_alone_the_wheel_does_not_zoom_data()
         << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier);
 }
 
-void TestHabits::without_ctrl_alone_the_wheel_does_not_zoom()
+void TestGestures::only_ctrl_alone_makes_the_wheel_zoom()
 {
     QFETCH(Qt::KeyboardModifiers, modifiers);
     Show_Page();
@@ -372,7 +372,7 @@ void TestHabits::without_ctrl_alone_the_wheel_does_not_zoom()
 
 // --- the Delete key ------------------------------------------------------------------------------
 
-void TestHabits::delete_in_the_item_list_asks()
+void TestGestures::delete_in_the_item_list_asks()
 {
     Show_Page();
     TRowList* const list = List(d_window->d_label_widget);
@@ -394,14 +394,14 @@ void TestHabits::delete_in_the_item_list_asks()
     QVERIFY(d_window->d_data_changed);
 }
 
-void TestHabits::delete_in_the_page_list_asks()
+void TestGestures::delete_in_the_page_list_asks()
 {
     Show_Page();
     TRowList* const list = List(d_window->d_page_widget);
     Focus(list);
     QString asked;
     const auto look = [&asked](QMessageBox* box) { asked = box->text(); };
-    // The number pad's key is the same key.
+    // The key on the number pad does the same.
     const auto press = [list] { QTest::keyClick(list, Qt::Key_Delete, Qt::KeypadModifier); };
     QCOMPARE(Run_Answering(press, {Support::Look_And_Press(look, QMessageBox::Yes)}), QString());
     QVERIFY(asked.contains("Remove Pages"));
@@ -409,7 +409,7 @@ void TestHabits::delete_in_the_page_list_asks()
     QCOMPARE(list->count(), 0);
 }
 
-void TestHabits::delete_without_a_selection_does_not_ask()
+void TestGestures::delete_without_a_selection_does_not_ask()
 {
     Show_Page();
     for (const QWidget* panel : {static_cast<QWidget*>(d_window->d_label_widget),
@@ -422,7 +422,7 @@ void TestHabits::delete_without_a_selection_does_not_ask()
     QCOMPARE(d_window->d_data.Page_Count(), 1);
 }
 
-void TestHabits::delete_in_the_editors_edits()
+void TestGestures::delete_in_the_editors_edits()
 {
     Show_Page();
     d_window->d_label_widget->Set_Selection(11);
@@ -438,7 +438,7 @@ void TestHabits::delete_in_the_editors_edits()
     QCOMPARE(d_window->d_data.Item_Count(), 3);
 }
 
-void TestHabits::delete_with_modifiers_or_held_down_does_not_ask()
+void TestGestures::delete_with_modifiers_or_held_down_does_not_ask()
 {
     Show_Page();
     TRowList* const list = List(d_window->d_page_widget);
@@ -455,7 +455,7 @@ void TestHabits::delete_with_modifiers_or_held_down_does_not_ask()
 
 // --- moving labels by keys -----------------------------------------------------------------------
 
-void TestHabits::ctrl_and_arrows_move_the_selected_labels_data()
+void TestGestures::ctrl_and_arrows_move_the_selected_labels_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
@@ -481,7 +481,7 @@ void TestHabits::ctrl_and_arrows_move_the_selected_labels_data()
                                 << QPointF(-1, 0);
 }
 
-void TestHabits::ctrl_and_arrows_move_the_selected_labels()
+void TestGestures::ctrl_and_arrows_move_the_selected_labels()
 {
     QFETCH(int, key);
     QFETCH(Qt::KeyboardModifiers, modifiers);
@@ -491,7 +491,7 @@ void TestHabits::ctrl_and_arrows_move_the_selected_labels()
     d_window->d_label_widget->Set_Selection(11);
     d_window->d_label_widget->Add_Selection(12);
     QVERIFY(!d_window->d_data_changed);
-    // However the page is zoomed, a step is one of the page image's pixels.
+    // At every zoom, a step is one pixel of the page image.
     d_window->d_zoom_slider->setValue(37);
     const int scrolled = d_window->d_display_widget->horizontalScrollBar()->value();
     QTest::keyClick(d_window->d_display_widget, Qt::Key(key), modifiers);
@@ -504,7 +504,7 @@ void TestHabits::ctrl_and_arrows_move_the_selected_labels()
     QCOMPARE(d_window->d_label_widget->Selected_Items().size(), std::size_t(2));
 }
 
-void TestHabits::a_key_that_is_held_down_moves_on()
+void TestGestures::a_held_key_keeps_moving_the_label()
 {
     Show_Page();
     d_window->d_label_widget->Set_Selection(13);
@@ -515,7 +515,7 @@ void TestHabits::a_key_that_is_held_down_moves_on()
     QCOMPARE(Positions().last(), QString("13 300,145"));
 }
 
-void TestHabits::nothing_selected_moves_nothing()
+void TestGestures::keys_without_a_selection_move_nothing()
 {
     Show_Page();
     Focus(d_window->d_display_widget);
@@ -527,7 +527,7 @@ void TestHabits::nothing_selected_moves_nothing()
     QCOMPARE(d_window->d_display_widget->verticalScrollBar()->value(), scrolled);
 }
 
-void TestHabits::arrows_without_ctrl_scroll()
+void TestGestures::arrows_without_ctrl_scroll()
 {
     Show_Page();
     Focus(d_window->d_display_widget);
@@ -540,7 +540,7 @@ void TestHabits::arrows_without_ctrl_scroll()
     QVERIFY(!d_window->d_data_changed);
 }
 
-void TestHabits::ctrl_and_arrows_in_a_list_move_no_label()
+void TestGestures::ctrl_and_arrows_in_a_list_move_no_label()
 {
     Show_Page();
     TRowList* const list = List(d_window->d_label_widget);
@@ -553,9 +553,9 @@ void TestHabits::ctrl_and_arrows_in_a_list_move_no_label()
 
 // --- dropping files ------------------------------------------------------------------------------
 
-/// Drags something over a widget; whether it was accepted, by the widget or one behind it.
-bool TestHabits::Drag(QEvent::Type type, QWidget* over, const QMimeData& dragged,
-                      Qt::DropActions actions) const
+/// Drags data over a widget; returns whether the widget or an ancestor accepted it.
+bool TestGestures::Drag(QEvent::Type type, QWidget* over, const QMimeData& dragged,
+                        Qt::DropActions actions) const
 {
     const QPoint position = over->rect().center();
     std::unique_ptr<QDropEvent> event;
@@ -568,7 +568,7 @@ bool TestHabits::Drag(QEvent::Type type, QWidget* over, const QMimeData& dragged
     else
         event = std::make_unique<QDropEvent>(position, actions, &dragged, Qt::LeftButton,
                                              Qt::NoModifier);
-    // The drop itself goes to whoever accepted the drag.
+    // Qt sends the drop to the widget that accepted the drag.
     QWidget* target = over;
     while (type == QEvent::Drop && !target->acceptDrops())
         target = target->parentWidget();
@@ -578,21 +578,21 @@ bool TestHabits::Drag(QEvent::Type type, QWidget* over, const QMimeData& dragged
     return event->isAccepted();
 }
 
-/// Drags files over a widget and drops them there if it lets them; whether it did.
-bool TestHabits::Drop_Files(QWidget* over, const QStringList& paths) const
+/// Drags files over a widget and drops them if it accepts them; returns whether it did.
+bool TestGestures::Drop_Files(QWidget* over, const QStringList& paths) const
 {
     QMimeData dragged;
     QList<QUrl> urls;
     for (const QString& path : paths)
         urls += QUrl::fromLocalFile(path);
     dragged.setUrls(urls);
-    // File managers give the names as a text as well.
+    // File managers also provide the names as text.
     dragged.setText(paths.join('\n'));
     return Drag(QEvent::DragEnter, over, dragged) && Drag(QEvent::DragMove, over, dragged) &&
            Drag(QEvent::Drop, over, dragged);
 }
 
-void TestHabits::dropped_images_become_pages()
+void TestGestures::dropped_images_become_pages()
 {
     QDir(d_folder->path()).mkdir("scans");
     const QStringList paths = {Picture_File("scans/c.png", 1), Picture_File("scans/a.PNG", 2),
@@ -607,7 +607,7 @@ void TestHabits::dropped_images_become_pages()
         QVERIFY(action->isEnabled());
 }
 
-void TestHabits::a_drop_works_everywhere_data()
+void TestGestures::a_drop_works_everywhere_data()
 {
     QTest::addColumn<QString>("place");
     for (const char* place : {"window", "page", "view", "item list", "page list", "editor",
@@ -615,7 +615,7 @@ void TestHabits::a_drop_works_everywhere_data()
         QTest::newRow(place) << place;
 }
 
-void TestHabits::a_drop_works_everywhere()
+void TestGestures::a_drop_works_everywhere()
 {
     QFETCH(QString, place);
     Show_Page();
@@ -638,7 +638,7 @@ void TestHabits::a_drop_works_everywhere()
     QCOMPARE(d_window->d_page_widget->Page_Name(1), QString("Plan"));
 }
 
-void TestHabits::a_drop_on_a_floating_dock_works()
+void TestGestures::a_drop_on_a_floating_dock_works()
 {
     d_window->d_page_dock->setFloating(true);
     QVERIFY(Drop_Files(List(d_window->d_page_widget)->viewport(), {Picture_File("a.png")}));
@@ -647,7 +647,7 @@ void TestHabits::a_drop_on_a_floating_dock_works()
     d_window->d_page_dock->setFloating(false);
 }
 
-void TestHabits::a_drop_fills_an_empty_page()
+void TestGestures::a_drop_fills_an_empty_page()
 {
     d_window->Add_Page();
     d_window->d_page_widget->Set_Active_Page(1);
@@ -656,7 +656,7 @@ void TestHabits::a_drop_fills_an_empty_page()
     QVERIFY(d_window->d_label_widget->isEnabled());
 }
 
-void TestHabits::image_names_data()
+void TestGestures::image_names_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<bool>("taken");
@@ -669,14 +669,14 @@ void TestHabits::image_names_data()
     QTest::newRow("two suffixes") << "/a/b.txt.png" << true;
 }
 
-void TestHabits::image_names()
+void TestGestures::image_names()
 {
     QFETCH(QString, path);
     QFETCH(bool, taken);
     QCOMPARE(ImageFiles::Is_Image_Name(path), taken);
 }
 
-void TestHabits::what_is_no_image_file_is_refused_data()
+void TestGestures::what_is_no_image_file_is_refused_data()
 {
     QTest::addColumn<QStringList>("urls");
     QTest::newRow("nothing") << QStringList();
@@ -686,7 +686,7 @@ void TestHabits::what_is_no_image_file_is_refused_data()
     QTest::newRow("elsewhere") << QStringList({"https://quillet.example/a.png"});
 }
 
-void TestHabits::what_is_no_image_file_is_refused()
+void TestGestures::what_is_no_image_file_is_refused()
 {
     QFETCH(QStringList, urls);
     Support::Write_File(d_folder->filePath("notes.txt"), "some text");
@@ -707,14 +707,14 @@ void TestHabits::what_is_no_image_file_is_refused()
     QVERIFY(!d_window->d_data_changed);
 }
 
-void TestHabits::images_among_other_files_are_taken()
+void TestGestures::a_drop_imports_only_the_images_among_its_files()
 {
     Support::Write_File(d_folder->filePath("notes.txt"), "some text");
     QVERIFY(Drop_Files(Page(), {d_folder->filePath("notes.txt"), Picture_File("a.png")}));
     QCOMPARE(Support::Describe(d_window.get()), QStringList({"page 1 Page 1 61x40"}));
 }
 
-void TestHabits::files_are_copied_and_never_moved()
+void TestGestures::files_are_copied_and_never_moved()
 {
     QMimeData dragged;
     dragged.setUrls({QUrl::fromLocalFile(Picture_File("a.png"))});
@@ -723,7 +723,7 @@ void TestHabits::files_are_copied_and_never_moved()
     QCOMPARE(d_window->d_data.Page_Count(), 0);
 }
 
-void TestHabits::a_drop_waits_for_no_dialog()
+void TestGestures::a_drop_waits_for_no_dialog()
 {
     const QString path = Picture_File("a.png");
     bool taken = true;
@@ -736,7 +736,7 @@ void TestHabits::a_drop_waits_for_no_dialog()
     QCOMPARE(d_window->d_data.Page_Count(), 0);
 }
 
-void TestHabits::texts_are_still_dropped_on_editors()
+void TestGestures::texts_are_still_dropped_on_editors()
 {
     auto* const editor = Support::By_Caption<QLineEdit>(*d_window, "Item Display Format:");
     editor->clear();
@@ -749,7 +749,7 @@ void TestHabits::texts_are_still_dropped_on_editors()
 
 // --- rows by keyboard ----------------------------------------------------------------------------
 
-void TestHabits::alt_and_arrows_move_rows_data()
+void TestGestures::alt_and_arrows_move_rows_data()
 {
     QTest::addColumn<QList<int>>("selected");
     QTest::addColumn<int>("key");
@@ -769,7 +769,7 @@ void TestHabits::alt_and_arrows_move_rows_data()
     QTest::newRow("none") << QList<int>() << int(Qt::Key_Up) << QList<int>({1, 2, 3, 4});
 }
 
-void TestHabits::alt_and_arrows_move_rows()
+void TestGestures::alt_and_arrows_move_rows()
 {
     QFETCH(QList<int>, selected);
     QFETCH(int, key);
@@ -787,7 +787,7 @@ void TestHabits::alt_and_arrows_move_rows()
         QCOMPARE(list->Row(id)->isSelected(), selected.contains(id));
 }
 
-void TestHabits::moved_pages_keep_their_selection_and_names()
+void TestGestures::moved_pages_keep_their_selection_and_names()
 {
     const QImage picture = Support::Picture(30, 20);
     Support::Add_Pages(d_window.get(), {{"A", picture, {}}, {"B", picture, {}}, {"C", {}, {}}});
@@ -807,9 +807,9 @@ void TestHabits::moved_pages_keep_their_selection_and_names()
     QCOMPARE(d_window->d_data.Active_Page(), 2);
 }
 
-// --- where the keyboard is -----------------------------------------------------------------------
+// --- the focus frame -----------------------------------------------------------------------------
 
-void TestHabits::the_frame_tells_where_the_keyboard_is()
+void TestGestures::a_frame_marks_the_view_with_the_focus()
 {
     Show_Page();
     const QList<QAbstractScrollArea*> views = {
@@ -838,9 +838,9 @@ void TestHabits::the_frame_tells_where_the_keyboard_is()
 
 // --- long work -----------------------------------------------------------------------------------
 
-/// The texts of the progress bar while work is done in which each look at the clock finds it 300 ms
-/// later.
-QStringList TestHabits::Shown_While(const std::function<void()>& work)
+/// The texts of the progress bar during work in which every query of the clock advances it by
+/// 300 ms.
+QStringList TestGestures::Shown_While(const std::function<void()>& work)
 {
     d_window->d_progress_clock = [this] { return d_time += 300; };
     TBarReader reader;
@@ -855,7 +855,7 @@ QStringList TestHabits::Shown_While(const std::function<void()>& work)
     return reader.d_texts;
 }
 
-void TestHabits::an_import_is_shown()
+void TestGestures::an_import_shows_progress()
 {
     const QStringList paths = {Picture_File("a.png"), Picture_File("b.png"), Picture_File("c.png")};
     const auto import = [&] {
@@ -867,7 +867,7 @@ void TestHabits::an_import_is_shown()
     QCOMPARE(d_window->d_data.Page_Count(), 3);
 }
 
-void TestHabits::one_large_image_is_shown_while_it_is_read()
+void TestGestures::reading_one_large_image_shows_progress()
 {
     const QString path = d_folder->filePath("large.png");
     QVERIFY(Support::Picture(900, 700).save(path));
@@ -880,7 +880,7 @@ void TestHabits::one_large_image_is_shown_while_it_is_read()
              QStringList({"Opening page 1 of 1"}));
 }
 
-void TestHabits::saving_and_opening_are_shown()
+void TestGestures::saving_and_opening_show_progress()
 {
     const QImage picture = Support::Picture(30, 20);
     Support::Add_Pages(d_window.get(), {{"A", picture, {}}, {"B", picture, {}}, {"C", {}, {}}});
@@ -891,7 +891,7 @@ void TestHabits::saving_and_opening_are_shown()
              QStringList({"Opening page 2 of 3", "Opening page 3 of 3"}));
     QCOMPARE(d_window->d_data.Page_Count(), 3);
 
-    // A fault half way ends it too.
+    // A failure half-way removes the bar too.
     QByteArray bytes = Support::Read_File(path);
     bytes.truncate(bytes.size() - 8);
     Support::Write_File(path, bytes);
@@ -899,12 +899,12 @@ void TestHabits::saving_and_opening_are_shown()
     QVERIFY(!d_window->findChild<QProgressBar*>());
 }
 
-void TestHabits::exports_are_shown()
+void TestGestures::exports_show_progress()
 {
     const QImage picture = Support::Picture(30, 20);
     const QList<int> ids =
         Support::Add_Pages(d_window.get(), {{"A", picture, {}}, {"B", picture, {}}});
-    // Each page is looked at twice, before it is drawn and before it is written.
+    // Each page reports progress twice: before it is drawn and before it is written.
     const QStringList expected = {"Exporting page 1 of 2", "Exporting page 2 of 2"};
     QCOMPARE(Shown_While([&] { QVERIFY(d_window->Export_Images(d_folder->path(), ids)); }),
              expected);
@@ -913,7 +913,7 @@ void TestHabits::exports_are_shown()
     QCOMPARE(Shown_While([&] { QVERIFY(d_window->Export_PDF(path, ids, settings)); }), expected);
 }
 
-void TestHabits::short_work_is_not_shown()
+void TestGestures::short_work_shows_no_progress()
 {
     d_window->d_progress_clock = [this] { return ++d_time; };
     TBarReader reader;
@@ -923,7 +923,7 @@ void TestHabits::short_work_is_not_shown()
     QCOMPARE(reader.d_texts, QStringList());
 }
 
-void TestHabits::the_bar_fits_beside_the_zoom_control()
+void TestGestures::the_bar_fits_beside_the_zoom_control()
 {
     d_window->resize(d_window->minimumSizeHint());
     QCoreApplication::processEvents();
@@ -945,5 +945,5 @@ void TestHabits::the_bar_fits_beside_the_zoom_control()
     QVERIFY(!d_window->findChild<QProgressBar*>());
 }
 
-QTEST_MAIN(TestHabits)
+QTEST_MAIN(TestGestures)
 #include "test_gestures.moc"

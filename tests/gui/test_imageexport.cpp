@@ -23,7 +23,7 @@ constexpr int label_size = 24;
 /// 40 percent of the label size, rounded.
 constexpr int font_size = 10;
 
-/// An exported file's name, taken apart.
+/// The parts of an exported file's name.
 struct TName
 {
     QString page;
@@ -56,7 +56,7 @@ std::vector<TDataItem> Labels_Of_All_Kinds()
             {15, -5, QStringLiteral("Pumpe"), 8, QPointF(125, 85), false}};
 }
 
-/// A page with its labels, put together by hand: everything on white, as far as labels reach.
+/// A page with its labels, drawn by hand on white. Labels enlarge the image.
 QImage Composition(const QImage& page, const std::vector<TDataItem>& items)
 {
     const TLabelStyle style{label_size + LabelPainter::Margin, label_size + LabelPainter::Margin,
@@ -81,7 +81,7 @@ QImage Composition(const QImage& page, const std::vector<TDataItem>& items)
 
 } // namespace
 
-/// Export of annotated page images, from the menu and by the operation behind it.
+/// Export of annotated page images, from the menu and by Export_Images.
 class TestImageExport : public QObject
 {
     Q_OBJECT
@@ -105,7 +105,7 @@ class TestImageExport : public QObject
 
     QList<int> Page_Ids() const { return d_window->d_page_widget->Page_Ids(); }
 
-    /// All files of the folder, hidden ones too, by running number.
+    /// All files of the folder, including hidden ones, by running number.
     QStringList Files() const
     {
         QStringList names = QDir(d_folder->path()).entryList(QDir::Files | QDir::Hidden);
@@ -196,7 +196,7 @@ private slots:
         QCOMPARE(Support::View_In_Words(*d_window), view);
     }
 
-    void no_pages_are_no_success()
+    void an_export_without_pages_fails()
     {
         Show_Page(Add_Page(Labels_Of_All_Kinds()));
         Support::Click_Row(Support::Only<QListWidget>(*d_window->d_label_widget), 0);
@@ -288,7 +288,7 @@ private slots:
         const int first = Add_Page();
         const int second = Add_Page();
         const int third = Add_Page();
-        // What dragging the first row to the end does.
+        // The same as dragging the first row to the end.
         auto* const pages = Support::Only<QListWidget>(*d_window->d_page_widget);
         QVERIFY(pages->model()->moveRow(QModelIndex(), 0, QModelIndex(), 3));
         QCOMPARE(Page_Ids(), QList<int>({second, third, first}));
@@ -307,12 +307,12 @@ private slots:
         }
     }
 
-    void labels_are_drawn_unselected_in_their_places()
+    void labels_are_drawn_unselected_at_their_positions()
     {
         const std::vector<TDataItem> items = Labels_Of_All_Kinds();
         const int page = Add_Page(items);
         Show_Page(page);
-        // A selected label and a zoom belong to the screen, not to the picture.
+        // Selection and zoom must not appear in the image.
         Support::Click_Row(Support::Only<QListWidget>(*d_window->d_label_widget), 2);
         d_window->d_display_widget->Change_Scale(2.5);
         QVERIFY(d_window->Export_Images(d_folder->path(), {page}));
@@ -322,10 +322,10 @@ private slots:
         QCOMPARE(Support::Difference(exported, Composition(image, items)), QString());
     }
 
-    void labels_past_the_edge_enlarge_the_picture()
+    void labels_beyond_the_edge_enlarge_the_picture()
     {
         // A label is 29 x 29 pixels with its margin and reaches from 14 before its centre to 15
-        // behind it: the picture grows by 3 + 14 to the left, 14 - 5 upward, 242 + 15 - 240 to the
+        // behind it. The image grows by 3 + 14 to the left, 14 - 5 upward, 242 + 15 - 240 to the
         // right and 170 + 15 - 160 downward.
         QCOMPARE(label_size + LabelPainter::Margin, 29);
         const std::vector<TDataItem> items{{1, 1, QString(), 1, QPointF(-3, 50), false},
@@ -344,7 +344,7 @@ private slots:
     void a_file_of_the_same_name_is_overwritten()
     {
         Add_Page();
-        // The export falls into one of the next seconds.
+        // The export happens in one of the next seconds.
         const QByteArray old_content("old");
         const QDateTime now = QDateTime::currentDateTime();
         constexpr int seconds = 60;
@@ -372,7 +372,7 @@ private slots:
         const int first = Add_Page(Labels_Of_All_Kinds());
         const int second = Add_Page();
         const int third = Add_Page({{7, 70, QString(), 2, QPointF(30, 30), false}});
-        // No file system takes a name as long as that.
+        // The name is too long for every file system.
         Rename(second, QString(300, QLatin1Char('x')));
         Show_Page(third);
         const QStringList view = Support::View_In_Words(*d_window);
@@ -383,14 +383,14 @@ private slots:
         QCOMPARE(Support::View_In_Words(*d_window), view);
     }
 
-    void a_folder_that_takes_no_files_is_a_failure_data()
+    void an_unwritable_folder_is_a_failure_data()
     {
         QTest::addColumn<QString>("folder");
         QTest::newRow("missing") << "/missing/folder";
         QTest::newRow("no place for files") << "/proc";
         QTest::newRow("a file") << QCoreApplication::applicationFilePath();
     }
-    void a_folder_that_takes_no_files_is_a_failure()
+    void an_unwritable_folder_is_a_failure()
     {
         QFETCH(const QString, folder);
         Show_Page(Add_Page(Labels_Of_All_Kinds()));
@@ -426,13 +426,13 @@ private slots:
         QVERIFY(d_window->Export_Images(d_folder->path(), Page_Ids()));
         QCOMPARE(d_window->d_data.Active_Page(), first);
         QCOMPARE(Support::View_In_Words(*d_window), unselected);
-        // List and document keep what is selected.
+        // List and document keep their selection.
         QCOMPARE(list->count(), 5);
         QCOMPARE(d_window->d_label_widget->Selected_Items(), std::vector<int>({12}));
         QVERIFY(d_window->d_data.Item(1).selected);
     }
 
-    void the_view_is_not_painted_while_pages_go_by()
+    void the_view_is_not_painted_during_an_export()
     {
         const int first = Add_Page(Labels_Of_All_Kinds());
         Add_Page(Labels_Of_All_Kinds());
@@ -446,7 +446,7 @@ private slots:
         });
         QVERIFY(d_window->Export_Images(d_folder->path(), Page_Ids()));
         QVERIFY(view->updatesEnabled());
-        // Five labels each: both pages, and the first again.
+        // Five labels each: both pages, then the first again.
         QCOMPARE(pages.size(), 15);
         QCOMPARE(pages, QList<int>({1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 1, 1, 1, 1, 1}));
     }
@@ -470,7 +470,7 @@ private slots:
         const int page = Add_Page(Labels_Of_All_Kinds());
         Show_Page(page);
         const QStringList view = Support::View_In_Words(*d_window);
-        // The picture is as large as the view's scene, which keeps its size without anything in it.
+        // The image has the size of the view's scene, which an empty scene keeps.
         QVERIFY(d_window->Export_Images(d_folder->path(), {empty, page}));
         const QStringList files = Files();
         QCOMPARE(files.size(), 2);

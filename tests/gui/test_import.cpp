@@ -1,4 +1,4 @@
-// Import of page images: the dialog, the pages that images become, and what is passed over.
+// Import of page images: the dialog, the new pages, and skipped files.
 
 #include "support/modal.h"
 #include "support/support.h"
@@ -18,16 +18,16 @@ class TestImport : public QObject
 private slots:
     void init();
     void cleanup();
-    void the_dialog_opens_as_told();
-    void cancelling_only_looks_at_the_actions();
+    void the_dialog_opens_with_the_specified_state();
+    void cancelling_only_updates_the_actions();
     void three_images_become_three_pages_in_order();
     void an_import_marks_the_document_and_moves_the_working_folder();
     void the_next_dialog_opens_in_that_folder();
-    void a_file_that_is_no_image_is_passed_over();
-    void a_first_file_that_fails_still_moves_the_working_folder();
+    void a_file_that_is_no_image_is_skipped();
+    void an_unreadable_first_file_still_sets_the_working_folder();
     void an_empty_active_page_is_filled();
     void the_second_image_of_a_selection_fills_the_page_again_while_it_has_no_labels();
-    void a_page_with_labels_is_not_filled();
+    void an_import_never_fills_a_page_with_labels();
     void every_format_of_the_filter_is_read_data();
     void every_format_of_the_filter_is_read();
     void an_image_that_promises_too_many_pixels_is_passed_over();
@@ -79,7 +79,7 @@ QImage TestImport::Page_Image(int page_id) const
     return image;
 }
 
-void TestImport::the_dialog_opens_as_told()
+void TestImport::the_dialog_opens_with_the_specified_state()
 {
     const QString fault = Support::Run_Answering(
         [this] { d_window->File_Import(); }, {[this](QWidget* widget) {
@@ -98,7 +98,7 @@ void TestImport::the_dialog_opens_as_told()
     QCOMPARE(fault, QString());
 }
 
-void TestImport::cancelling_only_looks_at_the_actions()
+void TestImport::cancelling_only_updates_the_actions()
 {
     d_window->d_action_save->setEnabled(true);
     QCOMPARE(Support::Run_Answering([this] { d_window->File_Import(); }, {Support::Cancel()}),
@@ -147,7 +147,7 @@ void TestImport::the_next_dialog_opens_in_that_folder()
     QCOMPARE(folder, d_folder->filePath("scans"));
 }
 
-void TestImport::a_file_that_is_no_image_is_passed_over()
+void TestImport::a_file_that_is_no_image_is_skipped()
 {
     Support::Write_File(d_folder->filePath("broken.png"), "no image at all");
     QCOMPARE(Import({Picture_File("a.png", 1), d_folder->filePath("broken.png"),
@@ -157,7 +157,7 @@ void TestImport::a_file_that_is_no_image_is_passed_over()
     QCOMPARE(Support::Difference(Page_Image(2), Support::Picture(62, 40, 2)), QString());
 }
 
-void TestImport::a_first_file_that_fails_still_moves_the_working_folder()
+void TestImport::an_unreadable_first_file_still_sets_the_working_folder()
 {
     QDir(d_folder->path()).mkdir("scans");
     Support::Write_File(d_folder->filePath("scans/broken.png"), "no image at all");
@@ -189,7 +189,7 @@ void TestImport::the_second_image_of_a_selection_fills_the_page_again_while_it_h
     QCOMPARE(Support::Difference(Page_Image(1), Support::Picture(62, 40, 2)), QString());
 }
 
-void TestImport::a_page_with_labels_is_not_filled()
+void TestImport::an_import_never_fills_a_page_with_labels()
 {
     QCOMPARE(Import({Picture_File("a.png", 1)}), QString());
     d_window->d_page_widget->Set_Active_Page(1);
@@ -216,7 +216,7 @@ void TestImport::every_format_of_the_filter_is_read()
     QFETCH(QString, suffix);
     QFETCH(bool, monochrome);
     const QString path = d_folder->filePath("picture." + suffix);
-    // The toolkit reads GIF but writes none: two pixels, black and white.
+    // Qt reads GIF but cannot write it. This file has two pixels, black and white.
     const QByteArray gif = QByteArray::fromHex("4749463839610200010080000000000"
                                                "0ffffff2c000000000200010000020204"
                                                "0a003b");
@@ -234,7 +234,7 @@ void TestImport::every_format_of_the_filter_is_read()
 
 void TestImport::an_image_that_promises_too_many_pixels_is_passed_over()
 {
-    // Two pictures that could both be decoded: black and white, 400 and 501.76 megapixels.
+    // Qt could decode both images: black and white, 400 and 501.76 megapixels.
     const auto save = [this](const QString& name, int edge) {
         QImage picture(edge, edge, QImage::Format_Mono);
         picture.fill(0);

@@ -25,10 +25,10 @@ const QString all_pages = QStringLiteral("All Pages, All Label Items");
 const QString current_page = QStringLiteral("Current Page, All Label Items");
 const QString selected_items = QStringLiteral("Current Page, Selected Label Items");
 
-/// What labels carry before they are renumbered, so that each one that was not is seen.
+/// The value of labels before a test renumbers them.
 constexpr int untouched = -7000;
 
-/// What a user sets in the dialog before pressing a button.
+/// A user's input in the dialog.
 struct TChoice
 {
     QString first_value;
@@ -48,7 +48,7 @@ void Choose_In_Dialog(QWidget* dialog, const TChoice& choice)
     }
 }
 
-/// What the dialog shows, in one line.
+/// Describes the dialog in one line.
 QString Shown(QWidget* dialog)
 {
     QString shown = dialog->findChild<QLineEdit*>()->text() + QStringLiteral(", ") +
@@ -62,15 +62,14 @@ QString Shown(QWidget* dialog)
 
 } // namespace
 
-/// Renumbering from the menu, with the dialog, the document, the panels and the view.
+/// Renumbering: the menu, the dialog, the document, the panels and the view.
 class TestReindex : public QObject
 {
     Q_OBJECT
 
     std::unique_ptr<TOpenWindow> d_window;
 
-    /// Adds a page with labels whose ids count from 1 and whose values tell that nobody has
-    /// renumbered them.
+    /// Adds a page with labels whose ids count from 1 and whose values are untouched.
     int Add_Page(int label_count, bool has_image = true)
     {
         std::vector<TDataItem> items;
@@ -131,10 +130,10 @@ class TestReindex : public QObject
         return selected;
     }
 
-    /// Spends the next label value to see it.
+    /// Adds a label to read the next value.
     int Next_Value() { return d_window->d_label_widget->Take_Label_Index(); }
 
-    /// Gives the command from the menu and answers its dialog.
+    /// Triggers the command and answers its dialog.
     QString Run(const Support::TAnswer& answer)
     {
         if (!d_window->d_action_reindex->isEnabled())
@@ -240,7 +239,7 @@ private slots:
         const int second = Add_Page(2);
         const int third = Add_Page(1);
         Show_Page(second);
-        // What dragging the first row to the end does.
+        // The same as dragging the first row to the end.
         auto* const pages = Support::Only<QListWidget>(*d_window->d_page_widget);
         QVERIFY(pages->model()->moveRow(QModelIndex(), 0, QModelIndex(), 3));
         QCOMPARE(Renumber({QStringLiteral("1"), QStringLiteral("Next 10X"), all_pages}), QString());
@@ -256,7 +255,7 @@ private slots:
         const int first = Add_Page(2);
         Add_Page(1);
         d_window->d_label_widget->Set_Label_Index(77);
-        // Something that a refresh would take away.
+        // A refresh would remove this.
         const QPixmap background(10, 10);
         d_window->d_display_widget->Set_Background_Image(background);
         QCOMPARE(d_window->d_data.Active_Page(), -1);
@@ -307,7 +306,7 @@ private slots:
         QCOMPARE(Rows(), QStringList({"Item [48] ", "Item [49] ", "Item [50] "}));
         QCOMPARE(Next_Value(), 51);
 
-        // The same for selected labels, of which the first and the last are clicked, last first.
+        // The same for selected labels: the last one is clicked first, then the first one.
         Support::Click_Row(Label_List(), 2);
         Support::Click_Row(Label_List(), 0, Qt::ControlModifier);
         QCOMPARE(Renumber({QStringLiteral("9"), method, selected_items}), QString());
@@ -326,7 +325,7 @@ private slots:
         QCOMPARE(Renumber({QStringLiteral("3"), QStringLiteral("Next 1X"), selected_items}),
                  QString());
         QCOMPARE(Values(page), TValues({untouched, 3}));
-        // Emptying the list reports that nothing is selected any more.
+        // Clearing the list reports an empty selection.
         QCOMPARE(Selected_In_Document(), QList<bool>({false, false}));
         QVERIFY(Label_List()->selectedItems().isEmpty());
     }
@@ -379,7 +378,7 @@ private slots:
         QFETCH(const int, label_count);
         QFETCH(const bool, before);
         QFETCH(const bool, after);
-        // Another page has labels in any case.
+        // The other page always has labels.
         Add_Page(2);
         Show_Page(Add_Page(label_count));
         d_window->d_data_changed = before;
@@ -393,7 +392,7 @@ private slots:
         Show_Page(page);
         TDisplayWidget* const view = d_window->d_display_widget;
         QStringList log;
-        // Ends the connections before what they write to: the list is cleared again when it dies.
+        // Disconnects before the captured variables end: the list's destructor clears it once more.
         const QObject listener;
         const auto state = [&] {
             return QStringLiteral("%1 rows, %2 labels%3%4")
@@ -421,7 +420,7 @@ private slots:
             QString());
     }
 
-    void a_page_without_an_image_is_refreshed_as_it_is()
+    void reindexing_refreshes_a_page_without_an_image()
     {
         const int page = Add_Page(0, false);
         Add_Page(1);
@@ -445,7 +444,7 @@ private slots:
         QCOMPARE(All_Values(), TPageValues({{untouched, untouched}}));
         QVERIFY(!d_window->d_data_changed);
         QCOMPARE(Next_Value(), 77);
-        // The choices are kept all the same.
+        // The dialog keeps the input.
         QString shown;
         QCOMPARE(Run([&](QWidget* dialog) {
                      shown = Shown(dialog);

@@ -24,19 +24,19 @@ namespace {
 using TReportSettings = TQuillet::TReportSettings;
 
 /// An A4 page in device pixels by resolution code: 210 and 297 mm at 96 dots per inch are 793.7 and
-/// 1122.5 pixels, and so on. The toolkit takes them from 595 x 842 points, rounded.
+/// 1122.5 pixels, and so on. Qt derives them from 595 x 842 points, rounded.
 const QSize portrait_sizes[] = {{793, 1123}, {1587, 2245}, {2380, 3368}, {3173, 4491}};
 
 /// Rule widths in device pixels by resolution code.
 constexpr int rule_widths[] = {1, 2, 2, 3};
 
-/// The page image is grey, so that lines on it and white around it are told apart by brightness,
-/// which keeps its sharpness in the file; colours do not.
+/// The page image is grey, so that brightness distinguishes it from lines on it and white around
+/// it. Brightness stays sharp in the file; colours do not.
 const QColor page_grey(204, 204, 204);
 const QSize page_size(600, 780);
 constexpr int label_size = 40;
 
-/// What a reader of PDF files that is not ours prints; fails when it complains.
+/// The output of a PDF program; fails the test when the program fails.
 QByteArray Output(const QString& program, const QStringList& arguments)
 {
     QProcess process;
@@ -52,7 +52,7 @@ QByteArray Output(const QString& program, const QStringList& arguments)
     return process.readAllStandardOutput();
 }
 
-/// A page of a file in shades of grey, at a resolution in dots per inch.
+/// Renders a page of a file in grey, at a resolution in dots per inch.
 QImage Rendered(const QString& file, int page, int resolution)
 {
     const QString number = QString::number(page);
@@ -62,8 +62,8 @@ QImage Rendered(const QString& file, int page, int resolution)
     return QImage::fromData(picture, "pgm").convertToFormat(QImage::Format_Grayscale8);
 }
 
-/// A part of a page. The program used for whole pages stretches pictures to whole pixels, by up to
-/// one on either side, and what lies within them with it; this one does not.
+/// Renders a part of a page. The program for whole pages stretches images to whole pixels, by up to
+/// one on either side; this one does not.
 QImage Rendered_Part(const QString& file, int page, int resolution, const QRect& part)
 {
     const QString number = QString::number(page);
@@ -145,7 +145,7 @@ TFontMeasure Font_Measure(int points, const QPrinter& printer)
     return {metrics.height(), metrics.xHeight()};
 }
 
-/// A printer like the report's, to measure fonts with.
+/// A printer with the report's settings, to measure fonts.
 void Set_Up(QPrinter* printer, const TReportSettings& settings)
 {
     printer->setOutputFormat(QPrinter::PdfFormat);
@@ -181,7 +181,7 @@ bool Is_Page_Grey(int shade)
     return shade > 190 && shade < 218;
 }
 
-/// The box of all pixels of a kind inside of an area: left, top and the ends behind the last pixel.
+/// The box of all pixels of a kind in an area; right and bottom are exclusive.
 template <typename TKind>
 QRectF Box(const QImage& image, const QRect& area, TKind is_kind)
 {
@@ -197,7 +197,7 @@ QRectF Box(const QImage& image, const QRect& area, TKind is_kind)
     return QRectF(box);
 }
 
-/// Empty when all four edges lie within one device pixel of where they should.
+/// Describes two boxes of which an edge differs by more than one device pixel; otherwise empty.
 QString Distance(const QRectF& found, const QRectF& wanted)
 {
     const double distances[] = {found.left() - wanted.left(), found.top() - wanted.top(),
@@ -212,14 +212,14 @@ QString Distance(const QRectF& found, const QRectF& wanted)
     return QString();
 }
 
-/// What a stroke of a rule's pen covers: half its width around the line and at its square ends.
+/// The area of a rule's stroke: half its width around the line and at its square ends.
 QRectF Stroke(const QLine& line, int width)
 {
     const double half = width / 2.0;
     return QRectF(QPointF(line.p1()), QPointF(line.p2())).adjusted(-half, -half, half, half);
 }
 
-/// Two labels with a square border, away from each other and from the middle lines of the page.
+/// Two labels with a square border, apart from each other and from the middle lines of the page.
 std::vector<TDataItem> Square_Labels()
 {
     return {{1, 1, QString(), 1, QPointF(100, 120), false},
@@ -235,7 +235,7 @@ QImage Grey_Page(const QColor& colour = page_grey, const QSize& size = page_size
 
 } // namespace
 
-/// The PDF report as readers of other makers see it, and what its export leaves behind.
+/// The PDF report, read with poppler and qpdf, and the state after its export.
 class TestReport : public QObject
 {
     Q_OBJECT
@@ -271,7 +271,7 @@ class TestReport : public QObject
         });
     }
 
-    /// Gives the command from the menu and answers its dialogs.
+    /// Triggers the command and answers its dialogs.
     QString Run(const std::vector<Support::TAnswer>& answers)
     {
         return Support::Run_Answering([this] { d_window->d_action_export_pdf->trigger(); },
@@ -282,7 +282,7 @@ class TestReport : public QObject
     {
         const int width = rule_widths[code - 1];
         for (const QLine& rule : {geometry.Header_Rule(), geometry.Footer_Rule()}) {
-            // Around the rule there is nothing dark that near.
+            // Nothing else dark is so near to the rule.
             const int room = width / 2 + 2;
             const QRect area(0, rule.y1() - room, page.width(), 2 * room + 1);
             const QRectF box = Box(page, area, Is_Dark);
@@ -292,12 +292,12 @@ class TestReport : public QObject
         }
     }
 
-    /// @return  where the picture is.
+    /// @return  the place of the image.
     QRect Compare_Picture(const QImage& page, const TReportGeometry& geometry)
     {
         const QSize scaled = page_size.scaled(geometry.Target().size(), Qt::KeepAspectRatio);
         const QRect place = geometry.Centred(scaled);
-        // Along the middle lines no label is in the way.
+        // No label crosses the middle lines.
         const QPoint middle = place.center();
         const QRectF across = Box(page, QRect(0, middle.y(), page.width(), 1), Is_Page_Grey);
         const QRectF down = Box(page, QRect(middle.x(), 0, 1, page.height()), Is_Page_Grey);
@@ -325,10 +325,10 @@ class TestReport : public QObject
         }
     }
 
-    /// The base line is where letters without a descender end.
+    /// Letters without a descender end at the base line.
     void Compare_Text(const QImage& page, const QRect& line, int base_line)
     {
-        // The rule below reaches into the line.
+        // The rule below overlaps the line.
         constexpr int rule_room = 3;
         const QRectF box = Box(page, line.adjusted(0, 0, 0, -rule_room), Is_Dark);
         QVERIFY2(std::abs(box.bottom() - base_line) <= 1.0,
@@ -349,7 +349,7 @@ private slots:
         d_folder.reset();
     }
 
-    void everything_lies_where_it_should_data()
+    void everything_is_at_its_place_on_the_page_data()
     {
         QTest::addColumn<int>("code");
         QTest::addColumn<int>("orientation");
@@ -374,7 +374,7 @@ private slots:
         QTest::newRow("landscape, no header") << 2 << 1 << ""
                                               << "";
     }
-    void everything_lies_where_it_should()
+    void everything_is_at_its_place_on_the_page()
     {
         QFETCH(const int, code);
         QFETCH(const int, orientation);
@@ -397,7 +397,7 @@ private slots:
             Compare_Text(page, geometry.Header_2(),
                          geometry.Header_2().top() + Ascent(12, settings));
 
-        // Both pages have the same words in the same places, but for the page number.
+        // Both pages have the same words in the same places, except the page number.
         const QList<TWord> words = Words(File(), code * 96);
         QStringList texts;
         for (const TWord& word : words) {
@@ -417,7 +417,7 @@ private slots:
         QCOMPARE(texts.join(' '), expected.arg(1) + ' ' + expected.arg(2));
     }
 
-    void other_programs_find_no_fault_data()
+    void qpdf_and_poppler_accept_the_report_data()
     {
         QTest::addColumn<int>("code");
         QTest::addColumn<int>("orientation");
@@ -428,7 +428,7 @@ private slots:
         }
         QTest::newRow("any other orientation is landscape") << 1 << -7 << "842 x 595";
     }
-    void other_programs_find_no_fault()
+    void qpdf_and_poppler_accept_the_report()
     {
         QFETCH(const int, code);
         QFETCH(const int, orientation);
@@ -474,14 +474,14 @@ private slots:
 
     void pages_follow_the_list_and_are_counted_from_one()
     {
-        // Brightness tells the pages apart.
+        // The pages differ in brightness.
         const int first = Add_Page({}, QColor(195, 195, 195));
         const int second = Add_Page({}, QColor(205, 205, 205));
         const int third = Add_Page({}, QColor(215, 215, 215));
         d_window->d_data.Remove_Page(first);
         d_window->d_page_widget->Remove_Page(first);
         const int fourth = Add_Page({}, QColor(225, 225, 225));
-        // What dragging the first row to the end does.
+        // The same as dragging the first row to the end.
         auto* const pages = Support::Only<QListWidget>(*d_window->d_page_widget);
         QVERIFY(pages->model()->moveRow(QModelIndex(), 0, QModelIndex(), 3));
         QCOMPARE(Page_Ids(), QList<int>({third, fourth, second}));
@@ -574,19 +574,19 @@ private slots:
             QDir(QDir::tempPath()).entryList(QDir::AllEntries | QDir::Hidden);
         QVERIFY(!d_window->Export_PDF(path, Page_Ids(), {0, 1, "A", "B"}));
         QCOMPARE(QDir(QDir::tempPath()).entryList(QDir::AllEntries | QDir::Hidden), before);
-        // Not a single page was drawn.
+        // No page was drawn.
         QCOMPARE(labels_moved, 0);
         QCOMPARE(Support::View_In_Words(*d_window), view);
         QVERIFY(!d_window->d_data_changed);
     }
 
-    void write_protection_is_a_failure_data()
+    void a_write_protected_file_is_a_failure_data()
     {
         QTest::addColumn<bool>("folder_protected");
         QTest::newRow("of the folder") << true;
         QTest::newRow("of the file") << false;
     }
-    void write_protection_is_a_failure()
+    void a_write_protected_file_is_a_failure()
     {
         QFETCH(const bool, folder_protected);
         Add_Page();
@@ -606,7 +606,7 @@ private slots:
         QCOMPARE(Support::Read_File(File()), folder_protected ? QByteArray() : QByteArray("old"));
     }
 
-    void a_full_device_is_passed_over_in_silence()
+    void an_export_to_a_full_device_reports_success()
     {
         Show_Page(Add_Page(Square_Labels()));
         const QStringList view = Support::View_In_Words(*d_window);
@@ -653,7 +653,7 @@ private slots:
         QCOMPARE(pages, QList<int>({1, 1, 2, 1, 1}));
         QCOMPARE(d_window->d_data.Active_Page(), first);
         QCOMPARE(Support::View_In_Words(*d_window), unselected);
-        // List and document keep what is selected.
+        // List and document keep their selection.
         QCOMPARE(d_window->d_label_widget->Selected_Items(), std::vector<int>({2}));
         QVERIFY(d_window->d_data.Item(1).selected);
     }
@@ -701,7 +701,7 @@ private slots:
         QCOMPARE(Page_Sizes(File()), QStringList({"842 x 595", "842 x 595"}));
         for (int number = 1; number <= 2; ++number)
             QCOMPARE(Lines(File(), number), QStringList({"Top", "Below", maker_line.arg(number)}));
-        // At 288 dots per inch each picture is as high as its target.
+        // At 288 dots per inch each image is as high as its target.
         const TReportGeometry geometry = Geometry({1, 3, "Top", "Below"});
         Compare_Picture(Rendered(File(), 1, 288), geometry);
     }
@@ -784,8 +784,7 @@ private slots:
     {
         Add_Page();
         d_window->d_working_dir.setPath(d_folder->path());
-        // The file dialog refuses names in folders that are not there, but not those it cannot
-        // write.
+        // The file dialog refuses names in missing folders, but not names that it cannot write.
         QCOMPARE(Run({Headers(QStringLiteral("A"), QString()),
                       Support::Choose({QStringLiteral("/proc/report.pdf")})}),
                  QString());

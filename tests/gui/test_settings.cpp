@@ -1,4 +1,4 @@
-// What the window remembers between runs, and the settings panel's part in it.
+// Settings that the window and its settings panel keep between runs.
 
 #include "support/modal.h"
 #include "support/project.h"
@@ -30,7 +30,7 @@ using Support::Run_Answering;
 
 namespace {
 
-/// Every key with what it holds when a first window closes that was never shown.
+/// Every key with its value after the first window, never shown, closes.
 const QVector<QPair<QString, QVariant>>& First_Values()
 {
     static const QVector<QPair<QString, QVariant>> values{
@@ -62,7 +62,7 @@ std::unique_ptr<TOpenWindow> New_Window()
     return std::make_unique<TOpenWindow>();
 }
 
-/// Everything that the settings file remembers of a window, but for its docks, as one line.
+/// Describes the restored state of a window except its docks, in one line.
 QString Describe_State(const TOpenWindow& window)
 {
     const QColor color = window.d_settings_widget->Label_Color();
@@ -139,7 +139,7 @@ private:
 private slots:
     void initTestCase()
     {
-        // The numbers below are meant for the toolkit's off-screen screen.
+        // The numbers below are for the screen of Qt's offscreen platform.
         QCOMPARE(QGuiApplication::primaryScreen()->availableGeometry(), QRect(0, 0, 800, 600));
     }
 
@@ -180,7 +180,7 @@ private slots:
         }
     }
 
-    void points_sizes_and_truth_values_are_written_as_the_toolkit_does()
+    void points_sizes_and_booleans_are_written_in_qt_s_format()
     {
         const auto window = New_Window();
         QVERIFY(Close(window.get()));
@@ -235,7 +235,7 @@ private slots:
                  (QStringList{"shown docked", "hidden docked", "shown docked"}));
     }
 
-    void floating_docks_come_back_at_their_places()
+    void floating_docks_are_restored_to_their_places()
     {
         Write_Settings("Label_Floating=true\nLabel_Position=@Point(111 122)\n"
                        "Settings_Position=@Point(133 144)\n"
@@ -248,7 +248,7 @@ private slots:
         QVERIFY(window->d_settings_dock->pos() != QPoint(133, 144));
     }
 
-    void the_window_comes_back_cut_to_the_screen_data()
+    void a_window_larger_than_the_screen_is_restored_within_it_data()
     {
         QTest::addColumn<QByteArray>("position");
         QTest::addColumn<QByteArray>("size");
@@ -270,7 +270,7 @@ private slots:
         QTest::newRow("empty") << QByteArray("100 100") << QByteArray("0 0") << fallback;
     }
 
-    void the_window_comes_back_cut_to_the_screen()
+    void a_window_larger_than_the_screen_is_restored_within_it()
     {
         QFETCH(const QByteArray, position);
         QFETCH(const QByteArray, size);
@@ -280,7 +280,7 @@ private slots:
         QTEST(QRect(window->pos(), window->size()), "geometry");
     }
 
-    void a_value_of_the_wrong_type_counts_as_missing_data()
+    void a_setting_of_the_wrong_type_counts_as_missing_data()
     {
         QTest::addColumn<QByteArray>("line");
         for (const char* key : {"Mainwindow_Position", "Mainwindow_Size", "Track_Selected_Label",
@@ -302,7 +302,7 @@ private slots:
             QTest::newRow(line) << QByteArray(line);
     }
 
-    void a_value_of_the_wrong_type_counts_as_missing()
+    void a_setting_of_the_wrong_type_counts_as_missing()
     {
         QFETCH(const QByteArray, line);
         Write_Settings(line);
@@ -318,7 +318,7 @@ private slots:
         QCOMPARE(window->d_page_dock->pos(), QPoint(0, 0));
     }
 
-    void a_number_counts_as_a_truth_value_data()
+    void a_number_is_read_as_a_boolean_data()
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<bool>("track");
@@ -328,14 +328,14 @@ private slots:
         QTest::newRow("False") << QByteArray("False") << false;
     }
 
-    void a_number_counts_as_a_truth_value()
+    void a_number_is_read_as_a_boolean()
     {
         QFETCH(const QByteArray, text);
         Write_Settings("Track_Selected_Label=" + text);
         QTEST(New_Window()->d_settings_widget->Track_Label(), "track");
     }
 
-    void a_colour_name_that_is_none_is_invalid()
+    void an_unknown_colour_name_is_invalid()
     {
         Write_Settings("Label_Color=no colour");
         const auto window = New_Window();
@@ -343,7 +343,7 @@ private slots:
         QCOMPARE(Support::View_Difference(*window, 32, QColor()), QString());
     }
 
-    void values_out_of_range_are_brought_into_it_by_the_panels_data()
+    void panels_clamp_values_out_of_range_data()
     {
         QTest::addColumn<QByteArray>("lines");
         QTest::addColumn<QString>("state");
@@ -357,8 +357,8 @@ private slots:
         QTest::newRow("border") << QByteArray("Border_Type=4") << QStringLiteral("border 4");
     }
 
-    // The view is told the size as it was read, unless no picture of a label could be that large.
-    void values_out_of_range_are_brought_into_it_by_the_panels()
+    // The view gets the size as it was read, unless a label's image could not be that large.
+    void panels_clamp_values_out_of_range()
     {
         QFETCH(const QByteArray, lines);
         QFETCH(const QString, state);
@@ -367,7 +367,7 @@ private slots:
         QVERIFY2(Describe_State(*window).contains(state), qPrintable(Describe_State(*window)));
     }
 
-    void a_file_that_is_no_settings_file_gives_the_defaults()
+    void a_file_without_settings_gives_the_defaults()
     {
         QVERIFY(QDir(d_home->path()).mkpath(QStringLiteral(".quillet")));
         Support::Write_File(Settings_Path(), QByteArray("\x00\xff[[[=\n\x80", 9));
@@ -448,7 +448,7 @@ private slots:
         QVERIFY(closed);
     }
 
-    void yes_saves_and_closes()
+    void answering_yes_saves_and_closes()
     {
         const QString path = d_home->filePath(QStringLiteral("a.quillet"));
         const auto window = New_Window();
@@ -462,7 +462,7 @@ private slots:
         QCOMPARE(Support::Read_File(path), Support::Header(32, "#f79741", "", "", 0));
     }
 
-    void yes_closes_even_when_nothing_could_be_saved()
+    void answering_yes_closes_even_after_a_failed_save()
     {
         const auto window = New_Window();
         window->d_file_name = d_home->filePath(QStringLiteral("missing/a.quillet"));
@@ -483,7 +483,7 @@ private slots:
         QVERIFY(window->d_data_changed);
     }
 
-    void no_closes_without_saving()
+    void answering_no_closes_without_saving()
     {
         const QString path = d_home->filePath(QStringLiteral("a.quillet"));
         const auto window = New_Window();
@@ -509,14 +509,14 @@ private slots:
             QStringList{QStringLiteral(".quillet")});
     }
 
-    void a_home_that_cannot_be_written_keeps_nothing_and_says_nothing_data()
+    void an_unwritable_home_keeps_no_settings_and_shows_no_message_data()
     {
         QTest::addColumn<bool>("has_folder");
         QTest::newRow("home") << false;
         QTest::newRow("settings folder") << true;
     }
 
-    void a_home_that_cannot_be_written_keeps_nothing_and_says_nothing()
+    void an_unwritable_home_keeps_no_settings_and_shows_no_message()
     {
         QFETCH(const bool, has_folder);
         const QString folder = d_home->filePath(QStringLiteral(".quillet"));

@@ -13,8 +13,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/// The reader that was written from the description of the format alone has to find in a file what
-/// the program put there.
+/// The reader written from the description of the format alone finds everything that the program
+/// wrote.
 class TestUnpackProject : public QObject
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ private:
 
     QString Path(const char* name) const { return d_folder.filePath(QString::fromLatin1(name)); }
 
-    /// Runs the reader; returns what it says on the standard error output.
+    /// Runs the reader; returns its standard error.
     QByteArray Unpack(int expected_exit_code) const
     {
         QProcess process;

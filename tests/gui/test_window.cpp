@@ -1,4 +1,4 @@
-// The main window as it is built: its actions, menus, docks, connections, zoom and About box.
+// The new main window: its actions, menus, docks, connections, zoom and About box.
 
 #include "support/modal.h"
 #include "support/support.h"
@@ -23,21 +23,21 @@ class TestWindow : public QObject
 private slots:
     void init();
     void cleanup();
-    void it_starts_with_an_empty_document();
-    void it_starts_with_its_size_and_title();
+    void the_window_starts_with_an_empty_document();
+    void the_window_starts_with_its_size_and_title();
     void actions_data();
     void actions();
     void actions_are_made_in_order();
     void the_menu_bar_reads_file_edit_view_help();
-    void menus_hold_their_entries_in_order_data();
-    void menus_hold_their_entries_in_order();
-    void the_tool_bar_holds_its_actions_in_order();
+    void menus_contain_their_entries_in_order_data();
+    void menus_contain_their_entries_in_order();
+    void the_tool_bar_contains_its_actions_in_order();
     void docks_data();
     void docks();
-    void settings_stand_below_pages();
+    void the_settings_dock_is_below_the_page_dock();
     void the_status_bar_shows_the_zoom();
-    void the_central_widget_holds_the_view_and_the_notice();
-    void slots_stand_in_their_order();
+    void the_central_widget_contains_the_view_and_the_notice();
+    void slots_are_declared_in_their_order();
     void every_signal_is_connected_data();
     void every_signal_is_connected();
     void lists_of_integers_are_known_to_the_meta_type_system();
@@ -47,7 +47,7 @@ private slots:
     void about_shows_one_box();
     void quit_does_nothing();
     void a_closed_dock_keeps_its_contents();
-    void the_page_gets_its_share_of_the_first_window();
+    void the_page_view_takes_nearly_half_of_the_first_window();
     void no_caption_is_cut_off();
 
 private:
@@ -64,7 +64,7 @@ void TestWindow::init()
 
 void TestWindow::cleanup()
 {
-    // Otherwise the next window finds the work of this one and says so.
+    // Otherwise the next window would report a recovery copy.
     d_window->d_safety_net->Discard();
     d_window.reset();
 }
@@ -88,7 +88,7 @@ QStringList TestWindow::Entries(const QList<QAction*>& actions) const
     return texts;
 }
 
-void TestWindow::it_starts_with_an_empty_document()
+void TestWindow::the_window_starts_with_an_empty_document()
 {
     QCOMPARE(d_window->d_data.Page_Count(), 0);
     QCOMPARE(d_window->d_data.Active_Page(), -1);
@@ -101,7 +101,7 @@ void TestWindow::it_starts_with_an_empty_document()
     QVERIFY(d_window->d_page_widget->isEnabled());
 }
 
-void TestWindow::it_starts_with_its_size_and_title()
+void TestWindow::the_window_starts_with_its_size_and_title()
 {
     QCOMPARE(d_window->windowTitle(), QStringLiteral("Quillet"));
     QCOMPARE(d_window->iconSize(), QSize(32, 32));
@@ -184,7 +184,7 @@ void TestWindow::the_menu_bar_reads_file_edit_view_help()
              QStringList({"File", "Edit", "View", "Help"}));
 }
 
-void TestWindow::menus_hold_their_entries_in_order_data()
+void TestWindow::menus_contain_their_entries_in_order_data()
 {
     QTest::addColumn<QStringList>("entries");
     QTest::newRow("File") << QStringList({"New", "-", "Open ...", "Save", "Save As ...", "-",
@@ -195,7 +195,7 @@ void TestWindow::menus_hold_their_entries_in_order_data()
     QTest::newRow("Help") << QStringList({"About ..."});
 }
 
-void TestWindow::menus_hold_their_entries_in_order()
+void TestWindow::menus_contain_their_entries_in_order()
 {
     QFETCH(QStringList, entries);
     for (const QAction* action : d_window->menuBar()->actions()) {
@@ -204,7 +204,7 @@ void TestWindow::menus_hold_their_entries_in_order()
     }
 }
 
-void TestWindow::the_tool_bar_holds_its_actions_in_order()
+void TestWindow::the_tool_bar_contains_its_actions_in_order()
 {
     auto* tool_bar = Support::Only<QToolBar>(*d_window);
     QVERIFY(tool_bar);
@@ -242,7 +242,7 @@ void TestWindow::docks()
     QFAIL("no such dock");
 }
 
-void TestWindow::settings_stand_below_pages()
+void TestWindow::the_settings_dock_is_below_the_page_dock()
 {
     d_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
@@ -271,7 +271,7 @@ void TestWindow::the_status_bar_shows_the_zoom()
     QCOMPARE(container->layout()->itemAt(2)->widget(), d_window->d_zoom_label);
 }
 
-void TestWindow::the_central_widget_holds_the_view_and_the_notice()
+void TestWindow::the_central_widget_contains_the_view_and_the_notice()
 {
     auto* layout = qobject_cast<QVBoxLayout*>(d_window->centralWidget()->layout());
     QVERIFY(layout);
@@ -296,7 +296,7 @@ void TestWindow::the_central_widget_holds_the_view_and_the_notice()
     QCOMPARE(d_window->d_display_widget->verticalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
 }
 
-void TestWindow::slots_stand_in_their_order()
+void TestWindow::slots_are_declared_in_their_order()
 {
     QStringList signatures;
     const QMetaObject& meta = TQuillet::staticMetaObject;
@@ -373,7 +373,7 @@ void TestWindow::every_signal_is_connected()
                                               {"view", d_window->d_display_widget}};
     QObject* object = senders.value(sender, Action(sender));
     QVERIFY(object);
-    // Disconnecting tells whether there was a connection.
+    // disconnect() returns whether there was a connection.
     QVERIFY(QObject::disconnect(object, signal.constData(), d_window.get(), nullptr));
 }
 
@@ -462,7 +462,7 @@ void TestWindow::a_closed_dock_keeps_its_contents()
     QCOMPARE(d_window->d_page_widget->Page_Ids(), QList<int>({1}));
 }
 
-void TestWindow::the_page_gets_its_share_of_the_first_window()
+void TestWindow::the_page_view_takes_nearly_half_of_the_first_window()
 {
     d_window->resize(800, 600);
     d_window->show();
@@ -470,7 +470,7 @@ void TestWindow::the_page_gets_its_share_of_the_first_window()
     QCOMPARE(d_window->width(), 800);
     QVERIFY2(d_window->d_display_widget->width() >= 360,
              qPrintable(QString::number(d_window->d_display_widget->width())));
-    // Docks grow when they are dragged.
+    // A dragged dock grows.
     d_window->resizeDocks({d_window->d_label_dock}, {300}, Qt::Horizontal);
     QCoreApplication::processEvents();
     QVERIFY(d_window->d_label_dock->width() > 250);
