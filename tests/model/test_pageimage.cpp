@@ -485,6 +485,65 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(40 * 30 * 4));
     }
 
+    void an_encoded_image_answers_as_the_original_data() { Add_Samples(); }
+
+    void an_encoded_image_answers_as_the_original()
+    {
+        QFETCH(const QByteArray, bytes);
+        const TPageImage image = TPageImage::From_Bytes(bytes);
+        const TPageImage not_decoded_before = image.Encoded();
+        const QImage expected = QImage::fromData(bytes);
+        Compare(not_decoded_before, expected);
+        Compare(image, expected);
+        const TPageImage decoded_before = image.Encoded();
+        Compare(decoded_before, expected);
+        QCOMPARE(decoded_before.Source_Bytes(), bytes);
+        QCOMPARE(decoded_before.Png(), image.Png());
+    }
+
+    void an_encoded_image_holds_no_pixels()
+    {
+        TPageImage image = TPageImage::From_Bytes(Encoded(Support::Picture(40, 30), "BMP"));
+        const QByteArray png = image.Png();
+        QVERIFY(!QImage(image).isNull());
+        const TPageImage encoded = image.Encoded();
+        image = TPageImage();
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        // Size and PNG need no decoding again.
+        QCOMPARE(encoded.size(), QSize(40, 30));
+        QCOMPARE(encoded.Png().constData(), png.constData());
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    }
+
+    void an_encoded_image_of_pixels_is_their_png()
+    {
+        const QImage picture = Support::Picture(40, 30);
+        const TPageImage encoded = TPageImage(picture).Encoded();
+        QCOMPARE(encoded.Source_Bytes(), Support::Png(picture));
+        QCOMPARE(Support::Difference(encoded, picture), QString());
+        QVERIFY(QImage(encoded).cacheKey() != picture.cacheKey());
+        QVERIFY(TPageImage().Encoded().isNull());
+    }
+
+    void an_encoded_part_keeps_its_array_alive()
+    {
+        const QByteArray png = Support::Png(Support::Picture(40, 30));
+        const TPageImage encoded = TPageImage::From_Part("before" + png, 6, png.size()).Encoded();
+        QCOMPARE(encoded.Source_Bytes(), png);
+    }
+
+    void images_are_the_same_when_their_source_bytes_are()
+    {
+        const QByteArray png = Support::Png(Support::Picture(40, 30));
+        const TPageImage image = TPageImage::From_Bytes(png);
+        const TPageImage copy = image;
+        const TPageImage same = TPageImage::From_Bytes(png);
+        const TPageImage other = TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30, 1)));
+        QVERIFY(image.Is_Copy_Of(copy) && image.Is_Same(copy));
+        QVERIFY(!image.Is_Copy_Of(same) && image.Is_Same(same));
+        QVERIFY(!image.Is_Copy_Of(other) && !image.Is_Same(other));
+    }
+
     void images_are_compared_with_pictures_by_their_pixels()
     {
         const QImage picture = Support::Picture(40, 30);
