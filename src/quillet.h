@@ -170,7 +170,7 @@ private:
     void Finish_Step();
     TLabelLook Label_Look() const;
     TShownState Shown_State() const;
-    void Display_Outcome(const std::optional<TStepOutcome>& outcome);
+    void Show_Outcome(const std::optional<TStepOutcome>& outcome);
     void Show_Page_Rows(const std::vector<TNamedPage>& rows);
     void Show_Look(const TLabelLook& look);
     std::vector<int> Pages_To_Show(const TStepOutcome& outcome) const;

@@ -1,4 +1,4 @@
-// Exports: annotated page images and the PDF report. Both let the view draw each page in turn.
+// Exports: annotated page images and the PDF report. The view draws each page for both.
 
 #include "src/quillet.h"
 
@@ -61,7 +61,7 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
     TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
     const TPageExporter exporter(&d_data, d_display_widget, progress.Steps());
     const TPageExporter::TOutcome outcome = exporter.Export_Pdf(file, pages, settings);
-    // A report that did not reach the disk whole is left out in silence.
+    // An incomplete report is discarded without a message.
     return outcome != TPageExporter::TOutcome::Not_Begun;
 }
 

@@ -59,7 +59,7 @@ void TQuillet::Read_Legacy_Appearance(const TXmlFile& xml_file)
     Set_Label_Color(LegacyFile::Read_Color_Name(xml_file));
 }
 
-/// Makes a document of one page.
+/// Starts a document with one page.
 void TQuillet::Set_Legacy_Page(const TPageImage& image, const std::vector<TDataItem>& items)
 {
     d_has_new_document = true;

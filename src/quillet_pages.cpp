@@ -20,7 +20,7 @@ void TQuillet::File_Import()
     Import_Files(paths);
 }
 
-/// Makes pages of image files, as chosen in the dialog; there may be none.
+/// Imports image files, possibly none, as one step.
 void TQuillet::Import_Files(const QStringList& paths)
 {
     TProgress progress = New_Progress(tr("Importing image %1 of %2"));

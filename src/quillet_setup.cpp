@@ -1,4 +1,4 @@
-// Builds the parts of the window and wires them: actions, menus, tool bar, status bar, docks,
+// Builds the parts of the window and connects them: actions, menus, tool bar, status bar, docks,
 // panels, and the table of connections.
 
 #include "src/quillet.h"
@@ -95,17 +95,17 @@ void TQuillet::Create_Tool_Bar()
 {
     auto* tool_bar = new QToolBar(tr("Tool Bar"), this);
     addToolBar(Qt::TopToolBarArea, tool_bar);
-    // So far it has one button, which comes to be seen where the others find no room.
+    // Qt's extension button, the only one so far, appears when the others do not fit.
     Accessibility::Describe(tool_bar->findChild<QToolButton*>(), tr("More"),
-                            tr("Shows the buttons for which the tool bar has no room."));
+                            tr("Shows the buttons that do not fit on the tool bar."));
     Add_Actions(tool_bar, {d_action_new, nullptr, d_action_open, d_action_save, nullptr,
                            d_action_import, d_action_export_images, d_action_export_pdf});
 
     const std::pair<QAction*, QString> descriptions[] = {
-        {d_action_new, tr("Begins a new document.")},
+        {d_action_new, tr("Starts a new document.")},
         {d_action_open, tr("Opens a document.")},
         {d_action_save, tr("Saves the document.")},
-        {d_action_import, tr("Makes pages of image files.")},
+        {d_action_import, tr("Adds a page for each image file.")},
         {d_action_export_images, tr("Writes the pages with their labels as image files.")},
         {d_action_export_pdf, tr("Writes the pages with their labels as a report in PDF.")},
     };
@@ -121,9 +121,10 @@ void TQuillet::Create_Status_Bar()
     d_zoom_slider->setRange(-100, 100);
     d_zoom_slider->setValue(0);
     d_zoom_slider->setToolTip(tr("Image Magnification"));
-    Accessibility::Describe(d_zoom_slider, tr("Image Magnification"),
-                            tr("How large the page is shown. Ctrl with the wheel of the mouse over "
-                               "the page moves it."));
+    Accessibility::Describe(
+        d_zoom_slider, tr("Image Magnification"),
+        tr("The scale of the page. Ctrl and the mouse wheel over the page change "
+           "it."));
     d_zoom_label = new QLabel(tr("1.00 X"), zoom);
     zoom_caption->setBuddy(d_zoom_slider);
 
@@ -185,8 +186,8 @@ void TQuillet::Create_Central_Widget()
          {static_cast<QWidget*>(d_display_widget), d_display_widget->viewport()})
         Accessibility::Describe(widget, tr("Page"), use);
     d_display_widget->setWhatsThis(
-        tr("The page with its labels. A right click adds a label, dragging moves it. Ctrl+Z takes "
-           "the last change back, Ctrl+Shift+Z or Ctrl+Y makes it again."));
+        tr("The page with its labels. A right click adds a label, dragging moves it. Ctrl+Z undoes "
+           "the last change, Ctrl+Shift+Z or Ctrl+Y redoes it."));
     layout->addWidget(d_display_widget);
 
     constexpr int notice_points = 8;
@@ -194,7 +195,7 @@ void TQuillet::Create_Central_Widget()
         new QLabel(tr("Quillet is made by The Quillet Project - www.quillet.example"), central);
     notice->setFont(QFont(QStringLiteral("Helvetica"), notice_points, QFont::Normal, true));
     notice->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    // In one line it would keep the page, and with it the window, from fitting on a small screen.
+    // On one line, it would make the window too wide for a small screen.
     notice->setWordWrap(true);
     layout->addWidget(notice);
     setCentralWidget(central);
@@ -202,8 +203,8 @@ void TQuillet::Create_Central_Widget()
 
 void TQuillet::Set_Focus_Order()
 {
-    // Page, labels, pages, settings, zoom. The panels bring their own order, but being put into the
-    // docks mixes them up.
+    // Page, labels, pages, settings, zoom. Each panel has its own order, which moving it into a
+    // dock loses.
     QList<QWidget*> order = {d_display_widget};
     for (const QWidget* panel :
          {static_cast<QWidget*>(d_label_widget), static_cast<QWidget*>(d_page_widget),

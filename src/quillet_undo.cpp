@@ -36,8 +36,8 @@ void TQuillet::Start_History()
         TUndoHistory::TSource{[this] { return Vector_Of(Named_Pages()); },
                               [this] { return Label_Look(); }, [this] { return Shown_State(); }});
     d_undo_keys = std::make_unique<TUndoKeys>(
-        this, [this] { Display_Outcome(d_history->Undo()); },
-        [this] { Display_Outcome(d_history->Redo()); }, [this] { Finish_Step(); });
+        this, [this] { Show_Outcome(d_history->Undo()); },
+        [this] { Show_Outcome(d_history->Redo()); }, [this] { Finish_Step(); });
     d_history->Watch_Page_List(*d_page_widget->Rows());
     connect(d_history.get(), &TUndoHistory::Step_Recorded, d_undo_keys.get(),
             &TUndoKeys::Note_Step);
@@ -69,7 +69,7 @@ TShownState TQuillet::Shown_State() const
 }
 
 /// Displays the document after undo or redo.
-void TQuillet::Display_Outcome(const std::optional<TStepOutcome>& outcome)
+void TQuillet::Show_Outcome(const std::optional<TStepOutcome>& outcome)
 {
     if (!outcome)
         return;
