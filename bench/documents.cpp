@@ -1,12 +1,10 @@
 #include "bench/documents.h"
 
-#include "src/data.h"
 #include "src/format/itemlist.h"
 #include "src/format/projectfile.h"
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -28,11 +26,11 @@ const QString& data_folder()
 
 int Pick(TRandom* random, int first, int last)
 {
-    // Not a distribution of the standard library: those differ between implementations.
+    // The distributions of the standard library differ between implementations.
     return first + static_cast<int>((*random)() % static_cast<unsigned int>(last - first + 1));
 }
 
-/// Paper is a little yellow, and darker where the lid of the scanner does not press it down.
+/// Paper is slightly yellow and darker at its edges.
 QRgb Paper(int x, int y)
 {
     constexpr int edge = 120; // pixels
@@ -85,7 +83,7 @@ QRgb With_Grain(QRgb pixel, TRandom* random, int amplitude)
     return qRgb(shifted(qRed(pixel)), shifted(qGreen(pixel)), shifted(qBlue(pixel)));
 }
 
-/// @param share  one pixel in so many is changed.
+/// @param share  one pixel out of this many is changed.
 void Draw_Grain(QImage* page, TRandom* random, int amplitude, int share)
 {
     for (int y = 0; y < page->height(); ++y) {
@@ -109,12 +107,11 @@ QString Grain_Name(Bench::TGrain grain)
     }
 }
 
-/// Labels spread over the page row by row; the first one is in sight when a window opens.
+/// Labels spread over the page row by row, from its top left corner.
 QByteArray Item_List(int count)
 {
     constexpr int margin = 60;
-    TData data;
-    data.Set_Active_Page(data.Add_Page());
+    std::vector<TDataItem> items;
     const int columns = static_cast<int>(std::ceil(std::sqrt(count)));
     const int step_x = (Bench::Page_Width - 2 * margin) / std::max(columns, 1);
     const int step_y = (Bench::Page_Height - 2 * margin) / std::max(columns, 1);
@@ -128,9 +125,9 @@ QByteArray Item_List(int count)
         item.border_type = borders[number % 5];
         item.position = QPointF(margin + number % columns * step_x,
                                 margin + number / columns * step_y); // NOLINT: whole pixels
-        data.Add_Item(item);
+        items.push_back(item);
     }
-    return ItemList::Write(data);
+    return ItemList::Write(items);
 }
 
 } // namespace
@@ -156,7 +153,7 @@ QString Bench::Page_File(int number, TGrain grain, const QString& format)
         QStringLiteral("%1/%2-%3.%4").arg(data_folder(), Grain_Name(grain)).arg(number).arg(format);
     const int jpeg_quality = 90;
     if (!QFile::exists(path)) {
-        // A run that is broken off must not leave half a page behind.
+        // An aborted run must not leave half a page behind.
         const QString unfinished = path + QStringLiteral(".new");
         const bool saved = Scan_Page(number, grain)
                                .save(unfinished, qPrintable(format),

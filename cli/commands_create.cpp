@@ -109,10 +109,10 @@ void Commands::Create(TCommandLine* line)
             const int page_id = document.Add_Page(QString(), image);
             document.pages.back().name = line->Is_Set(names_option)
                                              ? QFileInfo(path).completeBaseName()
-                                             : WholeDocument::Page_Name(page_id);
+                                             : TNamedPage::Default_Name(page_id);
         }
     }
-    Files::Save(output, &document);
+    Files::Save(output, document);
 }
 
 void Commands::Reindex(TCommandLine* line)
@@ -135,6 +135,6 @@ void Commands::Reindex(TCommandLine* line)
     const QString output = line->Text(CommonOptions::Output);
     Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
     TDocument document = Files::Load(line->Argument());
-    WholeDocument::Number_Pages(document.Page_Ids(), first_value, method, &document.data);
-    Files::Save(output, &document);
+    Number_Pages(document.Page_Ids(), first_value, method, &document.data);
+    Files::Save(output, document);
 }

@@ -7,7 +7,6 @@
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "core/xmlfile.h"
-#include "src/format/documentreader.h"
 #include "src/format/legacyfile.h"
 
 #include <QJsonArray>
@@ -26,16 +25,16 @@ struct TPageSummary
     int labels;
 };
 
-std::vector<TPageSummary> Summaries(TDocument* document)
+std::vector<TPageSummary> Summaries(const TDocument& document)
 {
     TTerminalProgress progress(Tr("Reading page %1 of %2"));
     std::vector<TPageSummary> summaries;
     int number = 0;
-    for (const TNamedPage& page : document->pages) {
-        progress.Step(++number, static_cast<int>(document->pages.size()));
-        document->data.Set_Active_Page(page.page_id);
+    for (const TNamedPage& page : document.pages) {
+        progress.Step(++number, static_cast<int>(document.pages.size()));
+        const TPageItem& content = document.Content(page);
         summaries.push_back(
-            {page.name, document->data.Page_Content().size(), document->data.Item_Count()});
+            {page.name, content.image.size(), static_cast<int>(content.data_items.size())});
     }
     return summaries;
 }
@@ -91,7 +90,7 @@ QStringList Defects(const QString& path)
     QStringList defects;
     if (LegacyFile::Is_Legacy(path)) {
         try {
-            DocumentReader::Read_Legacy(path);
+            LegacyFile::Read(path);
         } catch (const TXmlFileException& exception) {
             defects += exception.Message();
         }
@@ -112,8 +111,8 @@ void Commands::Info(TCommandLine* line)
     if (!line->Parse())
         return;
 
-    TDocument document = Files::Load(line->Argument());
-    const std::vector<TPageSummary> pages = Summaries(&document);
+    const TDocument document = Files::Load(line->Argument());
+    const std::vector<TPageSummary> pages = Summaries(document);
     const auto print = line->Is_Set(json_option) ? Print_Json : Print_Text;
     print(line->Argument(), document.appearance, pages);
 }

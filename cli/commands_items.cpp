@@ -65,14 +65,13 @@ void Commands::Export_Items(TCommandLine* line)
     const QString output = line->Text(CommonOptions::Csv);
     Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
     Files::Check_Is_No_Input(output, {line->Argument()});
-    TDocument document = Files::Load(line->Argument());
+    const TDocument document = Files::Load(line->Argument());
     std::vector<TItemRow> rows;
     int number = 0;
     for (const TNamedPage& page : document.pages) {
         ++number;
-        document.data.Set_Active_Page(page.page_id);
-        for (int index = 0; index < document.data.Item_Count(); ++index)
-            rows.push_back({number, document.data.Item(index)});
+        for (const TDataItem& item : document.Content(page).data_items)
+            rows.push_back({number, item});
     }
     Files::Write(output, ItemTable::Write(rows));
 }
@@ -97,5 +96,5 @@ void Commands::Import_Items(TCommandLine* line)
         document.data.Set_Active_Page(document.pages[place].page_id);
         Add_Labels(labels[place], &document.data);
     }
-    Files::Save(output, &document);
+    Files::Save(output, document);
 }

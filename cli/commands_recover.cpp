@@ -6,7 +6,6 @@
 #include "cli/files.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
-#include "src/format/documentreader.h"
 #include "src/format/legacyfile.h"
 
 namespace {
@@ -36,10 +35,13 @@ void Commands::Recover(TCommandLine* line)
     TProjectSurvey survey = Files::Survey(path);
     if (survey.pages.empty() && !survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
-    for (TSurveyedPage& page : survey.pages)
+    TDocument document;
+    document.appearance = survey.appearance;
+    for (TSurveyedPage& page : survey.pages) {
         page.image = Sound_Image(page.image);
-    TDocument document = DocumentReader::From_Survey(survey);
-    Files::Save(output, &document);
+        document.Add_Page(page);
+    }
+    Files::Save(output, document);
 
     for (const TProjectDefect& defect : std::as_const(survey.defects))
         Terminal::Print(Tr("%1: damaged, %2").arg(path, Files::Describe(defect)));

@@ -5,7 +5,6 @@
 #include "cli/translate.h"
 #include "core/safefile.h"
 #include "core/xmlfile.h"
-#include "src/format/documentreader.h"
 #include "src/format/legacyfile.h"
 #include "src/format/projectfile.h"
 
@@ -18,10 +17,11 @@ namespace {
 
 TDocument Load_Project(const QString& path)
 {
-    const TProjectSurvey survey = ProjectSurvey::Survey(Files::Read(path));
+    const QByteArray bytes = Files::Read(path);
+    const TProjectSurvey survey = ProjectSurvey::Survey(bytes);
     if (!survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
-    return DocumentReader::From_Survey(survey);
+    return TDocument(ProjectFile::Read(bytes));
 }
 
 } // namespace
@@ -31,7 +31,7 @@ QByteArray Files::Read(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw TJobError{path, file.errorString()};
-    if (file.size() > TProjectWriter::Maximum_Size)
+    if (file.size() > ProjectLayout::Largest_File)
         throw TJobError{path, Tr("is larger than 2 GiB")};
     QByteArray content = file.readAll();
     // Opening a folder succeeds, reading it fails.
@@ -51,7 +51,7 @@ TDocument Files::Load(const QString& path)
     if (!LegacyFile::Is_Legacy(path))
         return Load_Project(path);
     try {
-        return DocumentReader::Read_Legacy(path);
+        return TDocument(LegacyFile::Read(path));
     } catch (const TXmlFileException& exception) {
         throw TJobError{path, exception.Message()};
     }
@@ -91,16 +91,16 @@ void Files::Write(const QString& path, const QByteArray& content)
         Throw_Write_Error(path);
 }
 
-void Files::Save(const QString& path, TDocument* document)
+void Files::Save(const QString& path, const TDocument& document)
 {
     TTerminalProgress progress(Tr("Saving page %1 of %2"));
     TProjectWriter project;
     const QString fault =
-        WholeDocument::Write(document->appearance, document->pages, WholeDocument::TPurpose::Save,
-                             &document->data, progress.Steps(), &project);
+        ProjectFile::Write(document.appearance, document.pages, document.data,
+                           ProjectFile::TPurpose::Save, progress.Steps(), &project);
     if (!fault.isEmpty())
         throw TJobError{path, fault};
-    if (project.Size() > TProjectWriter::Maximum_Size)
+    if (project.Size() > ProjectLayout::Largest_File)
         throw TJobError{path, Tr("would be larger than 2 GiB")};
     TSafeFile target(path);
     if (!target.Is_Beside() || !ProjectFile::Commit(project, &target))

@@ -31,7 +31,7 @@ void Check_Is_No_Input(const QString& output, const QStringList& inputs);
 void Write(const QString& path, const QByteArray& content);
 
 /// Writes a project file completely, or leaves an existing one unchanged.
-void Save(const QString& path, TDocument* document);
+void Save(const QString& path, const TDocument& document);
 
 /// Describes a defect and its byte offset.
 QString Describe(const TProjectDefect& defect);

@@ -1,6 +1,5 @@
-// The label document of a page: what is read has to be written back the same.
+// The label document of a page: labels that can be read are the same after writing and reading.
 
-#include "src/data.h"
 #include "src/format/itemlist.h"
 
 #include "core/xmlfile.h"
@@ -9,12 +8,11 @@
 
 namespace {
 
-/// Reads a document into a page of its own; true when all of it was accepted.
-bool Read(const QByteArray& document, TData* data)
+/// Reads a document; false when it is refused.
+bool Read(const QByteArray& document, std::vector<TDataItem>* items)
 {
-    data->Set_Active_Page(data->Add_Page());
     try {
-        ItemList::Read(document, data);
+        ItemList::Read(document, [items](const TDataItem& item) { items->push_back(item); });
         return true;
     } catch (const TXmlFileException&) {
         return false;
@@ -25,17 +23,18 @@ bool Read(const QByteArray& document, TData* data)
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, size_t size)
 {
-    TData data;
-    if (!Read(QByteArray(reinterpret_cast<const char*>(bytes), static_cast<int>(size)), &data))
+    const QByteArray document(reinterpret_cast<const char*>(bytes), static_cast<int>(size));
+    std::vector<TDataItem> items;
+    if (!Read(document, &items))
         return 0;
     QByteArray written;
     try {
-        written = ItemList::Write(data);
+        written = ItemList::Write(items);
     } catch (const TXmlFileException&) {
         return 0;
     }
-    const int count = data.Item_Count();
-    if (!Read(written, &data) || data.Item_Count() != count)
+    std::vector<TDataItem> copy;
+    if (!Read(written, &copy) || copy.size() != items.size())
         std::abort();
     return 0;
 }

@@ -6,17 +6,15 @@
 
 namespace {
 
-using TReadItems = void (*)(const TXmlFile&, std::vector<TDataItem>*);
-
-void Read(const TXmlFile& file, TReadItems read_items)
+void Read(const TXmlFile& file, int version)
 {
     std::vector<TDataItem> items;
     try {
         LegacyFile::Read_Label_Size(file);
         LegacyFile::Read_Color_Name(file);
-        read_items(file, &items);
+        LegacyFile::Read_Items(file, version, &items);
     } catch (const TXmlFileException&) {
-        // A refused document is a fine end.
+        // Refusing a document is correct.
     }
 }
 
@@ -32,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, size_t size)
     } catch (const TXmlFileException&) {
         return 0;
     }
-    Read(file, LegacyFile::Read_Items_V1);
-    Read(file, LegacyFile::Read_Items_V2);
+    Read(file, 1);
+    Read(file, 2);
     return 0;
 }

@@ -1,39 +1,49 @@
-// The project container, field by field, with its images and label documents; and a survey of it.
+// The project container: a survey of any bytes, and readers of what the survey accepts.
 
-#include "src/data.h"
-#include "src/format/itemlist.h"
+#include "src/format/document.h"
 #include "src/format/projectfile.h"
 #include "src/format/projectsurvey.h"
 
-#include "core/xmlfile.h"
+#include <cstdlib>
 
 namespace {
 
-constexpr int integer_size = 4;
-
-/// Whether a further integer can be read. Reading past the end is stopped by an assertion, which is
-/// what is meant to happen and no finding.
-bool Goes_On(const TProjectReader& reader)
+/// Whether another integer can be read. Reading past the end fails an assertion, which is correct
+/// and no finding.
+bool Has_Integer(const TProjectReader& reader)
 {
-    return reader.Is_Valid() && reader.Bytes_Left() >= integer_size;
+    return reader.Is_Valid() && reader.Bytes_Left() >= ProjectLayout::Integer_Size;
 }
 
-void Read_Page(TProjectReader* reader, TData* data)
+/// Reads the fields of damaged files too.
+void Read_Fields(const QByteArray& file)
 {
-    reader->Read_Text();
-    if (!Goes_On(*reader))
+    TProjectReader reader(file);
+    if (!reader.Read_Magic() || !Has_Integer(reader))
         return;
-    const TPageImage image = reader->Read_Image();
-    if (!Goes_On(*reader))
-        return;
-    data->Set_Active_Page(data->Add_Page(image));
-    try {
-        ItemList::Read(reader->Read_Bytes(), data);
-    } catch (const TXmlFileException&) {
-        // A refused label document is a fine end; the page goes on to be written back.
+    reader.Read_Integer();
+    for (int text = 0; text < ProjectLayout::Header_Texts && Has_Integer(reader); ++text)
+        reader.Read_Text();
+    if (Has_Integer(reader))
+        reader.Read_Integer();
+    while (Has_Integer(reader)) {
+        const TPageImage image = reader.Read_Image();
+        image.isNull();
+        image.Png();
     }
-    data->Page_Image_Valid();
-    image.Png();
+}
+
+/// Reads a file without defects, which has the pages of its survey.
+void Read_Document(const QByteArray& file, const TProjectSurvey& survey)
+{
+    const TDocument document(ProjectFile::Read(file));
+    if (document.pages.size() != survey.pages.size())
+        std::abort();
+    for (std::size_t place = 0; place < survey.pages.size(); ++place) {
+        if (document.Content(document.pages[place]).data_items.size() !=
+            survey.pages[place].items.size())
+            std::abort();
+    }
 }
 
 } // namespace
@@ -41,21 +51,10 @@ void Read_Page(TProjectReader* reader, TData* data)
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, size_t size)
 {
     const QByteArray file(reinterpret_cast<const char*>(bytes), static_cast<int>(size));
-    ProjectSurvey::Survey(file);
-    TProjectReader reader(file);
-    if (!reader.Read_Magic() || !Goes_On(reader))
-        return 0;
-    reader.Read_Integer();
-    constexpr int header_texts = 3;
-    for (int i = 0; i < header_texts; ++i) {
-        if (!Goes_On(reader))
-            return 0;
-        reader.Read_Text();
-    }
-    if (!Goes_On(reader))
-        return 0;
-    TData data;
-    for (int page = reader.Read_Integer(); page > 0 && Goes_On(reader); --page)
-        Read_Page(&reader, &data);
+    const TProjectSurvey survey = ProjectSurvey::Survey(file);
+    if (survey.defects.empty())
+        Read_Document(file, survey);
+    else
+        Read_Fields(file);
     return 0;
 }

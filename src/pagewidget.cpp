@@ -1,5 +1,6 @@
 #include "src/pagewidget.h"
 
+#include "src/model/namedpage.h"
 #include "src/widgets/accessibility.h"
 #include "src/widgets/panelparts.h"
 #include "src/widgets/parentwidget.h"
@@ -78,7 +79,7 @@ void TPageWidget::Connect_Widgets()
 
 void TPageWidget::Add_Page(int page_id)
 {
-    auto* const row = new QListWidgetItem(tr("Page %1").arg(page_id));
+    auto* const row = new QListWidgetItem(TNamedPage::Default_Name(page_id));
     row->setData(TRowList::Id_Role, page_id);
     d_list->addItem(row);
 }

@@ -210,16 +210,14 @@ private:
     TReportHeaderDialog* Header_Dialog();
     void Open_File(const QString& name);
     bool Load_Quietly(const std::function<bool()>& load);
-    QString Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose,
-                          const TStepReport& report = nullptr);
+    QString Write_Project(TProjectWriter* writer, ProjectFile::TPurpose purpose,
+                          const TStepReport& report = nullptr) const;
     TAppearance Appearance() const;
     std::vector<TNamedPage> Named_Pages() const;
-    bool Read_Appearance(TProjectReader* reader);
-    bool Read_Pages(TProjectReader* reader, TProgress* progress);
-    bool Read_Page(TProjectReader* reader, int* page_id);
+    bool Show_Content(const TFileContent& content, TProgress* progress);
+    void Show_Pages(const std::vector<TFilePage>& pages, int* largest_value);
     void Set_Label_Color(const QString& name);
-    void Read_Legacy_Appearance(const TXmlFile& xml_file);
-    void Set_Legacy_Page(const TPageImage& image, const std::vector<TDataItem>& items);
+    void Read_Legacy_List(const TXmlFile& xml_file, int version, std::vector<TDataItem>* items);
     void Save_To(const QString& file_name);
     bool Write_Data(const QString& file_name);
 

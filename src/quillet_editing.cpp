@@ -161,8 +161,8 @@ void TQuillet::Edit_Reindex()
     const TStepScope step = Record_Step(TStepKind::Renumber);
     const int next_value =
         all_pages
-            ? WholeDocument::Number_Pages(d_page_widget->Page_Ids(), first_value,
-                                          d_reindex_dialog->Increment_Over_Page_Method(), &d_data)
+            ? Number_Pages(d_page_widget->Page_Ids(), first_value,
+                           d_reindex_dialog->Increment_Over_Page_Method(), &d_data)
             : Renumber_Active_Page(first_value, option == TReindexDialog::Current_Page_Selected);
     Record_Change();
     if (!has_page)

@@ -117,12 +117,15 @@ bool TQuillet::Fail(const QString& reason)
 
 QByteArray TQuillet::Write_Items() const
 {
-    return ItemList::Write(d_data);
+    std::vector<TDataItem> items;
+    for (int index = 0; index < d_data.Item_Count(); ++index)
+        items.push_back(d_data.Item(index));
+    return ItemList::Write(items);
 }
 
 void TQuillet::Read_Items(const QByteArray& document)
 {
-    ItemList::Read(document, &d_data);
+    ItemList::Read(document, [this](const TDataItem& item) { d_data.Add_Item(item); });
 }
 
 bool TQuillet::Save_Data(const QString& file_name)
@@ -137,12 +140,12 @@ bool TQuillet::Save_Data(const QString& file_name)
 
 bool TQuillet::Write_Data(const QString& file_name)
 {
-    // The whole document is built before the file is touched: what takes long or is refused leaves
-    // the old file as it is.
+    // Building the document takes long and comes first: the old file is still complete if the
+    // program is killed meanwhile. A fault is only reported once the file is open, and thus empty.
     TProgress progress = New_Progress(tr("Saving page %1 of %2"));
     TProjectWriter writer;
-    const QString fault = Write_Project(&writer, WholeDocument::TPurpose::Save, progress.Steps());
-    if (writer.Size() > TProjectWriter::Maximum_Size)
+    const QString fault = Write_Project(&writer, ProjectFile::TPurpose::Save, progress.Steps());
+    if (writer.Size() > ProjectLayout::Largest_File)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
     progress.Go_On();
@@ -162,10 +165,10 @@ bool TQuillet::Write_Data(const QString& file_name)
 /// Puts the document into a writer. Returns why a page's labels could not be written; empty when
 /// all went well.
 /// @param report  is called before each page.
-QString TQuillet::Write_Project(TProjectWriter* writer, WholeDocument::TPurpose purpose,
-                                const TStepReport& report)
+QString TQuillet::Write_Project(TProjectWriter* writer, ProjectFile::TPurpose purpose,
+                                const TStepReport& report) const
 {
-    return WholeDocument::Write(Appearance(), Named_Pages(), purpose, &d_data, report, writer);
+    return ProjectFile::Write(Appearance(), Named_Pages(), d_data, purpose, report, writer);
 }
 
 /// What the panels and the header dialog have of the document.
@@ -192,76 +195,51 @@ bool TQuillet::Load_Data(const QString& file_name)
     QFile file(file_name);
     if (!file.open(QIODevice::ReadOnly))
         return Fail(tr("Cannot open file for reading"));
-    if (file.size() > TProjectWriter::Maximum_Size)
+    if (file.size() > ProjectLayout::Largest_File)
         return Fail(tr("The file is larger than 2 GiB and cannot be read."));
-    TProjectReader reader(file.readAll());
-    file.close();
-    if (!reader.Read_Magic() || !Read_Appearance(&reader))
-        return Fail(tr("Invalid file."));
-
-    d_has_new_document = true;
-    d_history->Clear();
-    d_data.Clear();
-    d_page_widget->Clear();
-    try {
-        return Read_Pages(&reader, &progress) || Fail(tr("Invalid file."));
-    } catch (const TXmlFileException& exception) {
-        return Fail(exception.Message());
-    }
+    return Show_Content(ProjectFile::Read(file.readAll(), progress.Steps()), &progress);
 }
 
-/// Applies label size, colour and header lines; false when a field is damaged.
-bool TQuillet::Read_Appearance(TProjectReader* reader)
+/// Shows what was read of a file; false, with the reason, when that is not everything.
+bool TQuillet::Show_Content(const TFileContent& content, TProgress* progress)
 {
-    d_settings_widget->Set_Label_Size(reader->Read_Integer());
-    const QString color_name = reader->Read_Text();
-    if (!reader->Is_Valid())
-        return false;
-    Set_Label_Color(color_name);
-
-    const QString header_1 = reader->Read_Text();
-    const QString header_2 = reader->Read_Text();
-    if (!reader->Is_Valid())
-        return false;
+    if (content.label_size)
+        d_settings_widget->Set_Label_Size(*content.label_size);
+    if (content.color_name)
+        Set_Label_Color(*content.color_name);
     // A document without header lines leaves those of the document before.
-    if (!header_1.isEmpty() || !header_2.isEmpty()) {
-        Header_Dialog()->Set_Header1_Text(header_1);
-        d_header_dialog->Set_Header2_Text(header_2);
+    if (!content.header_1.isEmpty() || !content.header_2.isEmpty()) {
+        Header_Dialog()->Set_Header1_Text(content.header_1);
+        d_header_dialog->Set_Header2_Text(content.header_2);
     }
-    return true;
-}
-
-/// Adds all pages and shows the last one; false when a field is damaged.
-bool TQuillet::Read_Pages(TProjectReader* reader, TProgress* progress)
-{
-    int page_id = -1;
     int largest_value = 0;
-    const int page_count = reader->Read_Integer();
-    for (int i = 0; i < page_count; ++i) {
-        progress->Step(i + 1, page_count);
-        if (!Read_Page(reader, &page_id))
-            return false;
-        largest_value = qMax(largest_value, d_data.Item_Max_Value());
-    }
-    // Only now is an image decoded.
+    if (content.pages)
+        Show_Pages(*content.pages, &largest_value);
+    if (!content.fault.isEmpty())
+        return Fail(content.fault);
+    // Showing the page decodes its image.
     progress->Go_On();
-    d_page_widget->Set_Active_Page(page_id);
+    d_page_widget->Set_Active_Page(d_data.Active_Page());
     d_label_widget->Set_Label_Index(TNumbering::After(largest_value));
     return true;
 }
 
-bool TQuillet::Read_Page(TProjectReader* reader, int* page_id)
+/// Replaces the document. The last page becomes the active one, but is not shown yet.
+/// @param largest_value  receives the largest value of all labels, at least 0.
+void TQuillet::Show_Pages(const std::vector<TFilePage>& pages, int* largest_value)
 {
-    const QString name = reader->Read_Text();
-    const TPageImage image = reader->Read_Image();
-    const QByteArray items = reader->Read_Bytes();
-    // A page that is in the document has to be in the page list too: both are saved together.
-    if (!reader->Is_Valid())
-        return false;
-    *page_id = d_data.Add_Page(image);
-    d_data.Set_Active_Page(*page_id);
-    d_page_widget->Add_Page(*page_id);
-    d_page_widget->Set_Page_Name(*page_id, name);
-    Read_Items(items);
-    return true;
+    d_has_new_document = true;
+    d_history->Clear();
+    d_data.Clear();
+    d_page_widget->Clear();
+    *largest_value = 0;
+    for (const TFilePage& page : pages) {
+        const int page_id = d_data.Add_Page(page.image);
+        d_data.Set_Active_Page(page_id);
+        d_page_widget->Add_Page(page_id);
+        d_page_widget->Set_Page_Name(page_id, page.name);
+        for (const TDataItem& item : page.items)
+            d_data.Add_Item(item);
+        *largest_value = qMax(*largest_value, d_data.Item_Max_Value());
+    }
 }

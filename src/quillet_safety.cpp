@@ -18,7 +18,7 @@ void TQuillet::Set_Up_Safety_Net()
 {
     const QString settings_folder = QFileInfo(d_settings->fileName()).absolutePath();
     d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this](TProjectWriter* writer) {
-        Write_Project(writer, WholeDocument::TPurpose::Recovery_Copy);
+        Write_Project(writer, ProjectFile::TPurpose::Recovery_Copy);
     });
     Show_Recovery_Notice();
 }

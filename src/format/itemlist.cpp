@@ -4,8 +4,6 @@
 #include "core/xmlguard.h"
 #include "src/format/itemxml.h"
 
-#include <cassert>
-
 namespace {
 
 constexpr int position_decimals = 2;
@@ -37,7 +35,7 @@ void Write_Item(TXmlFile* xml_file, const TDataItem& item)
     Write_Child(xml_file, &node, ItemXml::Position_Name, position);
 }
 
-/// A text without the characters that XML does not know.
+/// Returns a text without the characters that XML cannot hold.
 QString Cleaned(const QString& text)
 {
     QString cleaned;
@@ -61,13 +59,12 @@ TDataItem Writable(TDataItem item, ItemList::TBadText bad_text)
 
 } // namespace
 
-QByteArray ItemList::Write(const TData& data, TBadText bad_text)
+QByteArray ItemList::Write(const std::vector<TDataItem>& items, TBadText bad_text)
 {
     TXmlFile xml_file;
     xml_file.Reset(ItemXml::Root_Name, Version);
-    const int count = data.Item_Count();
-    for (int index = 0; index < count; ++index)
-        Write_Item(&xml_file, Writable(data.Item(index), bad_text));
+    for (const TDataItem& item : items)
+        Write_Item(&xml_file, Writable(item, bad_text));
     QByteArray document;
     xml_file.Write_Data(&document, true);
     return document;
@@ -89,9 +86,8 @@ TDataItem ItemList::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
     return item;
 }
 
-void ItemList::Read(const QByteArray& document, TData* data)
+void ItemList::Read(const QByteArray& document, const std::function<void(const TDataItem&)>& add)
 {
-    assert(data);
     TXmlFile xml_file;
     int version = 0;
     xml_file.Open_Data(document, ItemXml::Root_Name, &version, true);
@@ -100,7 +96,7 @@ void ItemList::Read(const QByteArray& document, TData* data)
                                 TXmlFileException::Data_Error);
     QDomElement node = xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, true);
     while (!node.isNull()) {
-        data->Add_Item(Read_Item(xml_file, node));
+        add(Read_Item(xml_file, node));
         node = xml_file.Get_Sibling_Node(&node, ItemXml::Item_Name, true);
     }
 }

@@ -1,47 +1,52 @@
 #pragma once
 
-#include "src/model/pageitem.h"
+#include "src/format/filecontent.h"
 
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 class TXmlFile;
 
-/// The item-list documents of the two earlier generations (".qld", versions 1 and 2), which had one
-/// page whose image (".qli") stood beside them. They are only read.
+/// Documents of the two earlier generations: one page, whose image (".qli") and item list (".qld",
+/// version 1 or 2) are a pair of files. Quillet only reads them.
 ///
-/// All functions that take a document take an opened one, and throw TXmlFileException where
-/// something required is missing.
+/// All functions that take a list expect an opened one and throw TXmlFileException when a required
+/// element is missing.
 namespace LegacyFile {
 
-/// Whether a path is that of a legacy document, by its suffix in upper or lower case.
+/// Whether a path has the suffix of an item list, in upper or lower case.
 bool Is_Legacy(const QString& path);
 
-/// A legacy document's path without its suffix, by which the pair of files is known.
+/// The common path of a pair of files: the path of its item list without the suffix.
 QString Base_Name(const QString& path);
 
-/// The image of a pair of files; null when there is none that can be read.
-TPageImage Read_Image(const QString& base_name);
+/// Reads label settings and labels of a list of version 1 or 2.
+using TReadList =
+    std::function<void(TXmlFile* xml_file, int version, std::vector<TDataItem>* items)>;
 
-/// Opens the item list of a pair of files and returns its version.
-/// @throws TXmlFileException when it cannot be read.
-int Open(const QString& base_name, TXmlFile* xml_file);
+/// Reads a pair of files as a page with the name of a first page.
+/// @param read_list  is not called for other versions: the image is then all that is read.
+/// @throws TXmlFileException when one of the files cannot be read.
+TFilePage Read_Pair(const QString& base_name, const TReadList& read_list);
+
+/// Reads a whole document.
+/// @param path  of the item list.
+/// @throws TXmlFileException when one of the files cannot be read.
+TFileContent Read(const QString& path);
 
 /// Label size in pixels.
 int Read_Label_Size(const TXmlFile& xml_file);
 
-/// Name of the label colour, as QColor::setNamedColor takes it.
+/// Name of the label colour, as QColor::setNamedColor accepts it.
 QString Read_Color_Name(const TXmlFile& xml_file);
 
-/// Collects the labels of a version 1 document, in document order and without texts. A label whose
-/// position does not consist of two parts is left out.
-void Read_Items_V1(const TXmlFile& xml_file, std::vector<TDataItem>* items);
+/// Appends the labels in document order. A label whose position does not have two parts is skipped.
+/// Labels have texts in version 2 only; a text that is an integer counts as none.
+void Read_Items(const TXmlFile& xml_file, int version, std::vector<TDataItem>* items);
 
-/// The same for version 2, whose labels have texts; a text that is a number is no text.
-void Read_Items_V2(const TXmlFile& xml_file, std::vector<TDataItem>* items);
-
-/// Border type code of a border number of that time.
+/// Border type code of a border number in a list.
 int Border_Type(int legacy_border);
 
 } // namespace LegacyFile

@@ -2,16 +2,22 @@
 
 #include "core/conversion.h"
 #include "core/safefile.h"
+#include "core/xmlfile.h"
+#include "src/data.h"
+#include "src/format/itemlist.h"
+#include "src/model/appearance.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QIODevice>
 
 #include <algorithm>
+#include <cassert>
 #include <optional>
 
 TProjectWriter::TProjectWriter()
 {
-    Write_Integer(TProjectReader::Magic);
+    Write_Integer(ProjectLayout::Magic);
 }
 
 void TProjectWriter::Write_Integer(int value)
@@ -34,7 +40,7 @@ void TProjectWriter::Write_Bytes(const QByteArray& bytes)
 
 void TProjectWriter::Write_Image(const TPageImage& image, TImageBytes which)
 {
-    const QByteArray bytes = which == TImageBytes::As_Png ? image.Png() : image.Source_Bytes();
+    const QByteArray bytes = which == TImageBytes::Png ? image.Png() : image.Source_Bytes();
     Write_Integer(bytes.size());
     Append(bytes, image);
 }
@@ -64,8 +70,7 @@ TProjectReader::TProjectReader(const QByteArray& bytes)
 
 bool TProjectReader::Read_Magic()
 {
-    constexpr int least_size = 8;
-    return d_bytes.size() >= least_size && Read_Integer() == Magic;
+    return d_bytes.size() >= ProjectLayout::Least_File && Read_Integer() == ProjectLayout::Magic;
 }
 
 int TProjectReader::Read_Integer()
@@ -86,23 +91,23 @@ QString TProjectReader::Read_Text()
 
 QByteArray TProjectReader::Read_Bytes()
 {
-    const TField field = Take_Field();
+    const TField field = Read_Field();
     return d_bytes.mid(field.offset, field.length);
 }
 
 TPageImage TProjectReader::Read_Image()
 {
-    const TField field = Take_Field();
+    const TField field = Read_Field();
     return TPageImage::From_Part(d_bytes, field.offset, field.length);
 }
 
-TProjectReader::TField TProjectReader::Take_Field()
+TProjectReader::TField TProjectReader::Read_Field()
 {
     const int length = Read_Integer();
     d_valid = d_valid && length >= 0;
     if (!d_valid)
         return {0, 0};
-    // The position cannot be past the end here: the length itself was read just before it.
+    // The position cannot be past the end: the length before it has just been read.
     const int offset = static_cast<int>(d_position);
     d_position += length;
     return {offset, std::min(length, d_bytes.size() - offset)};
@@ -110,18 +115,88 @@ TProjectReader::TField TProjectReader::Take_Field()
 
 namespace {
 
-constexpr int integer_size = static_cast<int>(sizeof(int));
+/// The pages that the document has. A recovery copy can be written while the page list has others.
+std::vector<TNamedPage> Known_Pages(std::vector<TNamedPage> pages, const TData& data)
+{
+    const auto is_unknown = [&data](const TNamedPage& page) {
+        return data.Page_Index(page.page_id) < 0;
+    };
+    pages.erase(std::remove_if(pages.begin(), pages.end(), is_unknown), pages.end());
+    return pages;
+}
 
-/// Reads an integer at a device's position; empty when there is none.
+void Write_Header(const TAppearance& appearance, int page_count, TProjectWriter* writer)
+{
+    writer->Write_Integer(appearance.label_size);
+    writer->Write_Text(appearance.color_name);
+    writer->Write_Text(appearance.header_1);
+    writer->Write_Text(appearance.header_2);
+    writer->Write_Integer(page_count);
+}
+
+void Write_Page(const QString& name, const TPageItem& page, bool is_copy, TProjectWriter* writer)
+{
+    writer->Write_Text(name);
+    writer->Write_Image(page.image, is_copy ? TProjectWriter::TImageBytes::Source
+                                            : TProjectWriter::TImageBytes::Png);
+    writer->Write_Bytes(ItemList::Write(page.data_items, is_copy ? ItemList::TBadText::Leave_Out
+                                                                 : ItemList::TBadText::Refuse));
+}
+
+/// False when a field has a negative length.
+bool Read_Header(TProjectReader* reader, TFileContent* content)
+{
+    content->label_size = reader->Read_Integer();
+    const QString color_name = reader->Read_Text();
+    if (!reader->Is_Valid())
+        return false;
+    content->color_name = color_name;
+    const QString header_1 = reader->Read_Text();
+    const QString header_2 = reader->Read_Text();
+    if (!reader->Is_Valid())
+        return false;
+    content->header_1 = header_1;
+    content->header_2 = header_2;
+    return true;
+}
+
+/// False when a field has a negative length; the page is then left out.
+/// @throws TXmlFileException on bad labels; those before the fault are added.
+bool Read_Page(TProjectReader* reader, std::vector<TFilePage>* pages)
+{
+    TFilePage page;
+    page.name = reader->Read_Text();
+    page.image = reader->Read_Image();
+    const QByteArray items = reader->Read_Bytes();
+    if (!reader->Is_Valid())
+        return false;
+    pages->push_back(page);
+    ItemList::Read(items, [pages](const TDataItem& item) { pages->back().items.push_back(item); });
+    return true;
+}
+
+bool Read_Pages(TProjectReader* reader, const TStepReport& report, std::vector<TFilePage>* pages)
+{
+    const int page_count = reader->Read_Integer();
+    for (int number = 1; number <= page_count; ++number) {
+        if (report)
+            report(number, page_count);
+        if (!Read_Page(reader, pages))
+            return false;
+    }
+    return true;
+}
+
+/// Reads an integer at a device's position; empty at the device's end.
 std::optional<int> Next_Integer(QIODevice* device)
 {
-    const QByteArray bytes = device->read(integer_size);
-    if (bytes.size() != integer_size)
+    const QByteArray bytes = device->read(ProjectLayout::Integer_Size);
+    if (bytes.size() != ProjectLayout::Integer_Size)
         return std::nullopt;
     return Conversion::Integer(0, bytes);
 }
 
-/// Steps over fields; false when one of them does not lie within the device.
+/// Skips fields; false when one of them is not complete.
 bool Skip_Fields(QIODevice* device, qint64 count)
 {
     for (qint64 field = 0; field < count; ++field) {
@@ -134,6 +209,46 @@ bool Skip_Fields(QIODevice* device, qint64 count)
 }
 
 } // namespace
+
+QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
+                           const TData& data, TPurpose purpose, const TStepReport& report,
+                           TProjectWriter* writer)
+{
+    assert(writer);
+    const bool is_copy = purpose == TPurpose::Recovery_Copy;
+    const std::vector<TNamedPage> written = is_copy ? Known_Pages(pages, data) : pages;
+    const int total = static_cast<int>(written.size());
+    Write_Header(appearance, is_copy ? total : data.Page_Count(), writer);
+    try {
+        int number = 0;
+        for (const TNamedPage& page : written) {
+            if (report)
+                report(++number, total);
+            const int index = data.Page_Index(page.page_id);
+            assert(index >= 0);
+            Write_Page(page.name, data.Pages()[static_cast<std::size_t>(index)], is_copy, writer);
+        }
+    } catch (const TXmlFileException& exception) {
+        return exception.Message();
+    }
+    return QString();
+}
+
+TFileContent ProjectFile::Read(const QByteArray& bytes, const TStepReport& report)
+{
+    TFileContent content;
+    TProjectReader reader(bytes);
+    bool is_valid = reader.Read_Magic() && Read_Header(&reader, &content);
+    try {
+        if (is_valid)
+            is_valid = Read_Pages(&reader, report, &content.pages.emplace());
+    } catch (const TXmlFileException& exception) {
+        content.fault = exception.Message();
+    }
+    if (!is_valid)
+        content.fault = QCoreApplication::translate("TQuillet", "Invalid file.");
+    return content;
+}
 
 bool ProjectFile::Commit(const TProjectWriter& project, TSafeFile* target)
 {
@@ -148,12 +263,10 @@ bool ProjectFile::Commit(const TProjectWriter& project, TSafeFile* target)
 
 bool ProjectFile::Is_Whole(const QString& path)
 {
-    constexpr int header_fields = 3;
-    constexpr int page_fields = 3;
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || Next_Integer(&file) != TProjectReader::Magic ||
-        !Next_Integer(&file) || !Skip_Fields(&file, header_fields))
+    if (!file.open(QIODevice::ReadOnly) || Next_Integer(&file) != ProjectLayout::Magic ||
+        !Next_Integer(&file) || !Skip_Fields(&file, ProjectLayout::Header_Texts))
         return false;
     const std::optional<int> pages = Next_Integer(&file);
-    return pages && Skip_Fields(&file, qint64{page_fields} * *pages) && file.atEnd();
+    return pages && Skip_Fields(&file, qint64{ProjectLayout::Page_Fields} * *pages) && file.atEnd();
 }

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "src/model/pageimage.h"
+#include "core/stepreport.h"
+#include "src/format/filecontent.h"
+#include "src/format/projectlayout.h"
+#include "src/model/namedpage.h"
 
 #include <QByteArray>
 #include <QString>
@@ -8,16 +11,18 @@
 #include <vector>
 
 class QIODevice;
+class TData;
 class TSafeFile;
+struct TAppearance;
 
-/// Puts a project file together, field after field, in the order of docs/file-formats.md.
+/// Collects the fields of a project file in their order.
 ///
-/// The fields are kept as the pieces in which they came, so that a large document is not copied a
-/// second time on its way to the disk.
+/// The fields are kept in pieces that share their bytes with the caller, so that a large document
+/// is not copied before it is written.
 class TProjectWriter
 {
 public:
-    /// Begins with the magic number.
+    /// Writes the magic number.
     TProjectWriter();
 
     /// Appends a 32-bit integer in host byte order.
@@ -28,25 +33,21 @@ public:
     void Write_Bytes(const QByteArray& bytes);
     /// Which bytes of an image are written.
     enum class TImageBytes {
-        As_Png,      ///< PNG, encoded if need be: what a project file holds
-        As_They_Came ///< of whatever format: costs nothing, and readers detect the format
+        Png,   ///< PNG, encoded if necessary
+        Source ///< the bytes that were imported, in any format
     };
 
-    /// Appends a length and a page's image; a length of 0 for a null image without bytes.
-    void Write_Image(const TPageImage& image, TImageBytes which = TImageBytes::As_Png);
+    /// Appends a length and a page's image; the length is 0 for a null image without bytes.
+    void Write_Image(const TPageImage& image, TImageBytes which = TImageBytes::Png);
 
     /// Size of the whole file in bytes.
     qint64 Size() const;
 
-    /// Writes everything to an open device; false, and no more is written, once it takes fewer
-    /// bytes than it is given.
+    /// Writes everything to an open device. Stops and returns false after a short write.
     bool Write_To(QIODevice* device) const;
 
-    /// A file that one byte array cannot hold (2 GiB) could not be read back.
-    static constexpr qint64 Maximum_Size = 0x7fffffff;
-
 private:
-    /// Bytes as they came, and the image that keeps them alive where they are an image's.
+    /// Bytes, and for the bytes of an image the image that keeps them alive.
     struct TPiece
     {
         QByteArray bytes;
@@ -58,59 +59,77 @@ private:
     qint64 d_size = 0;
 };
 
-/// Takes a project file apart, field after field.
+/// Reads the fields of a project file in their order.
 ///
-/// Reading an integer past the end is stopped by an assertion. A length that points past the end is
-/// clipped; a negative one makes the reader invalid, and from then on every field is empty or 0.
+/// Reading an integer past the end fails an assertion. A length that points past the end is
+/// clipped. A negative length makes the reader invalid; every later field is then empty or 0.
 class TProjectReader
 {
 public:
-    /// @param bytes  the whole file; kept alive by the images that are read from it.
+    /// @param bytes  the whole file; images that are read from it keep it alive.
     explicit TProjectReader(const QByteArray& bytes);
 
-    /// Whether the bytes begin like a project file: at least 8 of them, and the magic number, which
-    /// is then passed over.
+    /// Reads the magic number; false when it is another number or the file is too short.
     bool Read_Magic();
     int Read_Integer();
-    /// A Latin-1 field, cut at its first zero byte.
+    /// Reads a Latin-1 field up to its first zero byte.
     QString Read_Text();
-    /// A field of raw bytes.
+    /// Reads a field of raw bytes.
     QByteArray Read_Bytes();
-    /// A page's image, not yet decoded; shares the file's bytes.
+    /// Reads a page's image without decoding it. It shares the file's bytes.
     TPageImage Read_Image();
 
     /// Number of bytes that have not been read; 0 past the end.
     qint64 Bytes_Left() const { return qMax<qint64>(0, d_bytes.size() - d_position); }
 
-    /// False once a field had a negative length.
+    /// False after a field with a negative length.
     bool Is_Valid() const { return d_valid; }
 
-    /// First bytes of every project file, as an integer.
-    static constexpr int Magic = 90210;
-
 private:
-    /// Where the content of a field stands in the file, clipped to what is there.
+    /// Where a field's content is in the file, clipped to the file's end.
     struct TField
     {
         int offset;
         int length;
     };
-    TField Take_Field();
+    TField Read_Field();
 
     QByteArray d_bytes;
-    /// Of the next field; past the end when the last one promised more than there is.
+    /// Of the next field; past the end when the last length pointed there.
     qint64 d_position = 0;
     bool d_valid = true;
 };
 
 namespace ProjectFile {
 
-/// Fills a file that is to take another one's place with a whole project and commits it; false
-/// leaves the old file as it was.
+/// What a document is written for.
+enum class TPurpose {
+    Save,         ///< images become PNG; a text that XML cannot hold is a fault
+    Recovery_Copy ///< images keep their format; characters that XML cannot hold and pages that the
+                  ///< document does not have are left out: an incomplete copy is better than none
+};
+
+/// Writes a document.
+/// @param pages   the pages in the order in which they are written.
+/// @param report  is called before each page.
+/// @return why the labels of a page could not be written; empty on success.
+QString Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
+              const TData& data, TPurpose purpose, const TStepReport& report,
+              TProjectWriter* writer);
+
+/// Reads a project file up to its first fault.
+///
+/// A file that ends where an integer should be fails an assertion; ProjectSurvey::Survey accepts
+/// any bytes.
+/// @param bytes   the whole file; the images keep it alive.
+/// @param report  is called before each page.
+TFileContent Read(const QByteArray& bytes, const TStepReport& report = nullptr);
+
+/// Writes a project to the temporary file of `target` and commits it; on failure the old file is
+/// left untouched.
 bool Commit(const TProjectWriter& project, TSafeFile* target);
 
-/// Whether a file is a project file in which every field is there to its last byte. Reads the
-/// lengths alone, not what lies between them.
+/// Whether a file is a complete project file. Reads only the lengths of its fields.
 bool Is_Whole(const QString& path);
 
 } // namespace ProjectFile

@@ -1,8 +1,7 @@
 #include "src/format/projectsurvey.h"
 
-#include "src/format/projectfile.h"
+#include "src/format/projectlayout.h"
 #include "src/format/recordfinder.h"
-#include "src/model/appearance.h"
 
 #include <QColor>
 #include <QCoreApplication>
@@ -12,12 +11,13 @@
 
 namespace {
 
-constexpr qint64 integer_size = sizeof(int);
-constexpr qint64 size_place = integer_size;      ///< of the label size
-constexpr qint64 color_place = 2 * integer_size; ///< of the colour's length
-constexpr qint64 color_begin = 3 * integer_size;
+using ProjectLayout::Integer_Size;
+using ProjectLayout::Least_Page;
+
+constexpr qint64 size_place = Integer_Size;               ///< of the label size
+constexpr qint64 color_place = ProjectLayout::Least_File; ///< of the colour's length
+constexpr qint64 color_begin = color_place + Integer_Size;
 constexpr qint64 color_length = 7; ///< of "#rrggbb"
-constexpr qint64 least_record = 3 * integer_size;
 
 bool Is_Color(const QByteArray& name)
 {
@@ -99,7 +99,7 @@ bool TSurveyor::Read_Start()
         Complain(0, tr("the file is too short to be a project file: %1 bytes").arg(d_bytes.size()));
         return false;
     }
-    if (d_finder.Integer_At(0) == TProjectReader::Magic)
+    if (d_finder.Integer_At(0) == ProjectLayout::Magic)
         return true;
     Complain(0, tr("the file does not begin with the magic number of a project file"));
     // Something else entirely has no defects worth telling.
@@ -110,16 +110,17 @@ bool TSurveyor::Read_Start()
 bool TSurveyor::Read_Header()
 {
     const int size = *d_finder.Integer_At(size_place);
-    d_survey.label_size = qBound(TAppearance::Smallest_Label, size, TAppearance::Largest_Label);
-    if (d_survey.label_size != size)
+    int* const label_size = &d_survey.appearance.label_size;
+    *label_size = qBound(TAppearance::Smallest_Label, size, TAppearance::Largest_Label);
+    if (*label_size != size)
         Complain(size_place, tr("the label size %1 is not between %2 and %3")
                                  .arg(size)
                                  .arg(TAppearance::Smallest_Label)
                                  .arg(TAppearance::Largest_Label));
     qint64 place = color_place;
     return Read_Color(&place) &&
-           Read_Header_Line(tr("header line 1"), &d_survey.header_1, &place) &&
-           Read_Header_Line(tr("header line 2"), &d_survey.header_2, &place) &&
+           Read_Header_Line(tr("header line 1"), &d_survey.appearance.header_1, &place) &&
+           Read_Header_Line(tr("header line 2"), &d_survey.appearance.header_2, &place) &&
            Read_Page_Count(place);
 }
 
@@ -135,9 +136,11 @@ bool TSurveyor::Read_Color(qint64* place)
     if (!field)
         return false;
     *place = field->End();
-    d_survey.color_name = Text(tr("the colour name"), *field);
-    if (!QColor::isValidColor(d_survey.color_name))
-        Complain(field->begin, tr("there is no colour \"%1\"").arg(d_survey.color_name));
+    const QString name = Text(tr("the colour name"), *field);
+    const QColor color = TAppearance::Color(name);
+    if (!color.isValid())
+        Complain(field->begin, tr("there is no colour \"%1\"").arg(name));
+    d_survey.appearance.color_name = color.name();
     return true;
 }
 
@@ -154,7 +157,7 @@ bool TSurveyor::Read_Header_Line(const QString& what, QString* line, qint64* pla
 bool TSurveyor::Read_Page_Count(qint64 place)
 {
     d_count_place = place;
-    d_position = place + integer_size;
+    d_position = place + Integer_Size;
     d_page_count = d_finder.Integer_At(place);
     if (!d_page_count) {
         Complain(place, tr("the file ends where the page count should be"));
@@ -176,7 +179,7 @@ bool TSurveyor::Is_Led_Astray() const
     // little leads a little past the first page.
     const TPageRecord record = d_finder.Find_After(color_begin);
     const qint64 distance = record.name ? qAbs(record.begin - d_position) : 0;
-    return d_has_zero_bytes || (distance > 0 && distance < least_record);
+    return d_has_zero_bytes || (distance > 0 && distance < Least_Page);
 }
 
 void TSurveyor::Read_Pages(bool begin_is_sure)
@@ -252,7 +255,7 @@ bool TSurveyor::Check_Length(const QString& what, qint64 place,
                  tr("the file ends where the length of %1 should be").arg(what));
     else if (*length < 0)
         Complain(place, tr("the length of %1 is negative: %2").arg(what).arg(*length));
-    else if (*length > d_finder.Size() - place - integer_size)
+    else if (*length > d_finder.Size() - place - Integer_Size)
         Complain(place,
                  tr("the length of %1 leads past the end of the file: %2").arg(what).arg(*length));
     else if (field)
@@ -271,7 +274,7 @@ void TSurveyor::Check_Page_Count()
     if (!d_page_count)
         return;
     const int count = *d_page_count;
-    const qint64 room = (d_finder.Size() - d_count_place - integer_size) / least_record;
+    const qint64 room = (d_finder.Size() - d_count_place - Integer_Size) / Least_Page;
     if (count < 0)
         Complain(d_count_place, tr("the page count is negative: %1").arg(count));
     else if (count > room)

@@ -1,6 +1,7 @@
 #include "src/format/recordfinder.h"
 
 #include "core/conversion.h"
+#include "src/format/projectlayout.h"
 
 #include <QByteArrayMatcher>
 
@@ -8,8 +9,9 @@
 
 namespace {
 
-constexpr qint64 integer_size = sizeof(int);
-constexpr qint64 least_record = 3 * integer_size;
+using ProjectLayout::Integer_Size;
+using ProjectLayout::Least_Page;
+
 constexpr char png_signature[] = "\x89PNG\r\n\x1a\n";
 constexpr char root_begin[] = "<Quillet_Data";
 constexpr char root_end[] = "</Quillet_Data>";
@@ -38,7 +40,7 @@ struct TRecordFinder::TDocument
 
 qint64 TFileField::Length_Place() const
 {
-    return begin - integer_size;
+    return begin - Integer_Size;
 }
 
 TRecordFinder::TRecordFinder(const QByteArray& bytes)
@@ -48,7 +50,7 @@ TRecordFinder::TRecordFinder(const QByteArray& bytes)
 
 std::optional<int> TRecordFinder::Integer_At(qint64 offset) const
 {
-    if (offset < 0 || Size() - offset < integer_size)
+    if (offset < 0 || Size() - offset < Integer_Size)
         return std::nullopt;
     return Conversion::Integer(static_cast<unsigned int>(offset), d_bytes);
 }
@@ -56,9 +58,9 @@ std::optional<int> TRecordFinder::Integer_At(qint64 offset) const
 std::optional<TFileField> TRecordFinder::Field_At(qint64 offset) const
 {
     const std::optional<int> length = Integer_At(offset);
-    if (!length || *length < 0 || *length > Size() - offset - integer_size)
+    if (!length || *length < 0 || *length > Size() - offset - Integer_Size)
         return std::nullopt;
-    return TFileField{offset + integer_size, *length};
+    return TFileField{offset + Integer_Size, *length};
 }
 
 /// The record that the lengths describe; empty when they leave the file.
@@ -88,7 +90,7 @@ bool TRecordFinder::Is_Boundary(qint64 offset) const
     if (!record)
         return false;
     const QByteArray image_head =
-        d_bytes.mid(static_cast<int>(record->image->begin), static_cast<int>(least_record));
+        d_bytes.mid(static_cast<int>(record->image->begin), static_cast<int>(Least_Page));
     return Is_Document(*record->items) ||
            (record->image->length > 0 && image_head.startsWith(png_signature));
 }
@@ -169,7 +171,7 @@ TPageRecord TRecordFinder::Rebuilt(qint64 offset, bool begins_here) const
     const std::optional<TDocument> document = Document_After(offset);
     if (!document)
         return Remainder(offset);
-    const std::optional<TFileField> stored = Field_At(document->begin - integer_size);
+    const std::optional<TFileField> stored = Field_At(document->begin - Integer_Size);
     TPageRecord record;
     record.begin = offset;
     if (stored && stored->length > 0 && Is_Boundary(stored->End())) {
@@ -187,10 +189,10 @@ TPageRecord TRecordFinder::Rebuilt(qint64 offset, bool begins_here) const
     const qint64 found = record.name ? record.name->Length_Place() : offset;
     if (!begins_here)
         record.begin = record.name ? found : name_end;
-    else if (found - offset >= least_record)
+    else if (found - offset >= Least_Page)
         return Lost_Page(offset, found);
-    else if (name_end - offset - integer_size <= longest_name)
-        record.name = TFileField{offset + integer_size, name_end - offset - integer_size};
+    else if (name_end - offset - Integer_Size <= longest_name)
+        record.name = TFileField{offset + Integer_Size, name_end - offset - Integer_Size};
     return record;
 }
 
@@ -205,7 +207,7 @@ TPageRecord TRecordFinder::Remainder(qint64 offset) const
         const std::optional<int> length = Integer_At(place);
         if (!length || *length < 0)
             break;
-        const qint64 begin = place + integer_size;
+        const qint64 begin = place + Integer_Size;
         *field = TFileField{begin, qMin<qint64>(*length, Size() - begin)};
         place = begin + *length;
     }
@@ -225,7 +227,7 @@ TPageRecord TRecordFinder::Lost_Page(qint64 offset, qint64 end) const
     record.name = inside(offset);
     if (record.name)
         record.image = inside(record.name->End());
-    const qint64 items_begin = record.image ? record.image->End() + integer_size : end + 1;
+    const qint64 items_begin = record.image ? record.image->End() + Integer_Size : end + 1;
     if (items_begin <= end)
         record.items = TFileField{items_begin, end - items_begin};
     return record;
@@ -235,34 +237,34 @@ TPageRecord TRecordFinder::Lost_Page(qint64 offset, qint64 end) const
 std::optional<TFileField> TRecordFinder::Image_Before(qint64 offset, const TDocument& document,
                                                       bool begins_here) const
 {
-    const qint64 end = document.begin - integer_size;
+    const qint64 end = document.begin - Integer_Size;
     const std::optional<TFileField> name = begins_here ? Field_At(offset) : std::nullopt;
     const std::optional<TFileField> chained = name ? Field_At(name->End()) : std::nullopt;
     if (chained && chained->End() == end)
         return chained;
     std::optional<TFileField> image;
     const std::vector<int>& images = Images();
-    for (auto place = std::lower_bound(images.cbegin(), images.cend(), offset + integer_size);
+    for (auto place = std::lower_bound(images.cbegin(), images.cend(), offset + Integer_Size);
          place != images.cend() && *place < end; ++place) {
         image = TFileField{*place, end - *place};
-        if (Integer_At(*place - integer_size) == end - *place)
+        if (Integer_At(*place - Integer_Size) == end - *place)
             return image;
     }
     if (image)
         return image;
-    if (end - integer_size >= offset && Integer_At(end - integer_size) == 0)
+    if (end - Integer_Size >= offset && Integer_At(end - Integer_Size) == 0)
         return TFileField{end, 0};
-    if (name && name->End() + integer_size <= end)
-        return TFileField{name->End() + integer_size, end - name->End() - integer_size};
+    if (name && name->End() + Integer_Size <= end)
+        return TFileField{name->End() + Integer_Size, end - name->End() - Integer_Size};
     return std::nullopt;
 }
 
 /// The nearest name that ends at a place and begins behind an offset by its own account.
 std::optional<TFileField> TRecordFinder::Name_Before(qint64 offset, qint64 end) const
 {
-    const qint64 longest = qMin(longest_name, end - offset - integer_size);
+    const qint64 longest = qMin(longest_name, end - offset - Integer_Size);
     for (qint64 length = 0; length <= longest; ++length) {
-        if (Integer_At(end - length - integer_size) == length)
+        if (Integer_At(end - length - Integer_Size) == length)
             return TFileField{end - length, length};
     }
     return std::nullopt;

@@ -2,35 +2,13 @@
 #include "support/support.h"
 
 #include "src/format/document.h"
-#include "src/format/projectfile.h"
 #include "src/model/numbering.h"
 
-#include <QBuffer>
 #include <QtTest>
 
-using Support::Header;
-using Support::Item_Element;
-using Support::Item_List;
 using Support::Label;
-using Support::Page_Record;
 
 namespace {
-
-using TPurpose = WholeDocument::TPurpose;
-
-QByteArray Content(const TProjectWriter& writer)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    writer.Write_To(&buffer);
-    return buffer.data();
-}
-
-/// A text with a character that XML does not know.
-QString Bad_Text()
-{
-    return QStringLiteral("a") + QChar(1) + QStringLiteral("b");
-}
 
 void Add_Items(TDocument* document, int page_id, const std::vector<TDataItem>& items)
 {
@@ -48,18 +26,9 @@ QList<int> Values(TData* data, int page_id)
     return values;
 }
 
-/// A picture as a file that is not PNG.
-QByteArray Bmp(const QImage& image)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "BMP");
-    return buffer.data();
-}
-
 } // namespace
 
-/// Documents as a whole: written and numbered.
+/// Documents as a whole.
 class TestDocument : public QObject
 {
     Q_OBJECT
@@ -103,126 +72,77 @@ private slots:
 
     void a_page_is_called_by_its_number()
     {
-        QCOMPARE(WholeDocument::Page_Name(7), QStringLiteral("Page 7"));
+        QCOMPARE(TNamedPage::Default_Name(7), QStringLiteral("Page 7"));
     }
 
-    void a_document_is_written_field_by_field()
+    void content_of_a_file_becomes_a_document()
     {
-        TDocument document;
-        document.appearance = {40, "#0a141e", "one", "two"};
-        const QImage picture = Support::Picture(6, 4);
-        const int page = document.Add_Page("first", picture);
-        document.Add_Page("second", TPageImage());
-        Add_Items(&document, page, {Label(5, 7, "Pump", 2, QPointF(1, 2.5))});
-        TProjectWriter writer;
-        QCOMPARE(WholeDocument::Write(document.appearance, document.pages, TPurpose::Save,
-                                      &document.data, nullptr, &writer),
+        const QImage picture = Support::Picture(12, 10);
+        TFileContent content;
+        content.label_size = 48;
+        content.color_name = QStringLiteral("red");
+        content.header_1 = QStringLiteral("one");
+        content.header_2 = QStringLiteral("two");
+        content.pages = {{"a", picture, {}}, {"b", {}, {Label(5, 7, "Pump", 2, {1, 2})}}};
+        const TDocument document(content);
+        QCOMPARE(document.appearance.label_size, 48);
+        QCOMPARE(document.appearance.color_name, QStringLiteral("#ff0000"));
+        QCOMPARE(document.appearance.header_1, QStringLiteral("one"));
+        QCOMPARE(document.appearance.header_2, QStringLiteral("two"));
+        QCOMPARE(document.data.Active_Page(), -1);
+        QCOMPARE(document.Page_Ids(), QList<int>({1, 2}));
+        QCOMPARE(document.pages[1].name, QStringLiteral("b"));
+        QCOMPARE(Support::Difference(document.Content(document.pages[0]).image, picture),
                  QString());
-        const QByteArray expected =
-            Header(40, "#0a141e", "one", "two", 2) +
-            Page_Record("first", Support::Png(picture),
-                        Item_List(Item_Element("5", "7", "Pump", "2", "1.00,2.50"))) +
-            Page_Record("second", QByteArray(), Item_List());
-        QCOMPARE(Support::Byte_Difference(Content(writer), expected), QString());
+        QVERIFY(document.Content(document.pages[0]).data_items.empty());
+        QCOMPARE(document.Content(document.pages[1]).data_items.size(), std::size_t{1});
+        QCOMPARE(document.Content(document.pages[1]).data_items[0].text, QStringLiteral("Pump"));
     }
 
-    void pages_are_written_in_the_order_of_the_list()
+    void content_without_settings_becomes_a_document_with_default_appearance()
     {
-        TDocument document;
-        document.Add_Page("a", TPageImage());
-        document.Add_Page("b", TPageImage());
-        std::swap(document.pages[0], document.pages[1]);
-        QCOMPARE(document.Page_Ids(), QList<int>({2, 1}));
-        TProjectWriter writer;
-        WholeDocument::Write({}, document.pages, TPurpose::Save, &document.data, nullptr, &writer);
-        const QByteArray expected = Header(32, "#f79741", "", "", 2) +
-                                    Page_Record("b", QByteArray(), Item_List()) +
-                                    Page_Record("a", QByteArray(), Item_List());
-        QCOMPARE(Support::Byte_Difference(Content(writer), expected), QString());
+        const TDocument document{TFileContent()};
+        QCOMPARE(document.appearance.label_size, 32);
+        QCOMPARE(document.appearance.color_name, QStringLiteral("#f79741"));
+        QVERIFY(document.pages.empty());
     }
 
-    void the_active_page_stays_data()
+    void a_label_size_is_brought_into_its_range_data()
     {
-        QTest::addColumn<int>("page");
-        QTest::newRow("none") << -1;
-        QTest::newRow("the first") << 1;
+        QTest::addColumn<int>("size");
+        QTest::addColumn<int>("shown");
+        QTest::newRow("too small") << 15 << 16;
+        QTest::newRow("smallest") << 16 << 16;
+        QTest::newRow("largest") << 128 << 128;
+        QTest::newRow("too large") << 129 << 128;
     }
+    void a_label_size_is_brought_into_its_range()
+    {
+        QFETCH(const int, size);
+        TFileContent content;
+        content.label_size = size;
+        QTEST(TDocument(content).appearance.label_size, "shown");
+    }
+
+    void an_invalid_colour_is_black()
+    {
+        TFileContent content;
+        content.color_name = QStringLiteral("bluish");
+        QCOMPARE(TDocument(content).appearance.color_name, QStringLiteral("#000000"));
+    }
+
     void the_active_page_stays()
     {
-        QFETCH(const int, page);
         TDocument document;
         document.Add_Page("a", TPageImage());
-        document.Add_Page("b", TPageImage());
-        document.data.Set_Active_Page(page);
-        TProjectWriter writer;
-        WholeDocument::Write({}, document.pages, TPurpose::Save, &document.data, nullptr, &writer);
-        QCOMPARE(document.data.Active_Page(), page);
-        WholeDocument::Number_Pages(document.Page_Ids(), 1, TNumbering::Next_1X, &document.data);
-        QCOMPARE(document.data.Active_Page(), page);
-    }
-
-    void progress_is_told_before_each_page()
-    {
-        TDocument document;
-        document.Add_Page("a", TPageImage());
-        document.Add_Page("b", TPageImage());
-        QStringList steps;
-        TProjectWriter writer;
-        const auto note = [&steps](int number, int total) {
-            steps += QStringLiteral("%1 of %2").arg(number).arg(total);
-        };
-        WholeDocument::Write({}, document.pages, TPurpose::Save, &document.data, note, &writer);
-        QCOMPARE(steps, QStringList({"1 of 2", "2 of 2"}));
-    }
-
-    void a_text_that_cannot_be_written_is_a_fault_of_a_save_alone()
-    {
-        TDocument document;
-        const int page = document.Add_Page("a", TPageImage());
-        Add_Items(&document, page, {Label(5, 7, Bad_Text(), 2, QPointF(1, 2))});
+        document.data.Set_Active_Page(1);
+        document.Add_Page({"b", {}, {Label(5, 7, "", 2, {1, 2})}});
+        QCOMPARE(document.data.Active_Page(), 1);
+        Number_Pages(document.Page_Ids(), 1, TNumbering::Next_1X, &document.data);
+        QCOMPARE(document.data.Active_Page(), 1);
         document.data.Set_Active_Page(-1);
-        TProjectWriter refused;
-        QVERIFY(!WholeDocument::Write({}, document.pages, TPurpose::Save, &document.data, nullptr,
-                                      &refused)
-                     .isEmpty());
+        Number_Pages(document.Page_Ids(), 1, TNumbering::Next_1X, &document.data);
         QCOMPARE(document.data.Active_Page(), -1);
-        TProjectWriter writer;
-        QCOMPARE(WholeDocument::Write({}, document.pages, TPurpose::Recovery_Copy, &document.data,
-                                      nullptr, &writer),
-                 QString());
-        const QByteArray expected =
-            Header(32, "#f79741", "", "", 1) +
-            Page_Record("a", QByteArray(),
-                        Item_List(Item_Element("5", "7", "ab", "2", "1.00,2.00")));
-        QCOMPARE(Support::Byte_Difference(Content(writer), expected), QString());
-    }
-
-    void only_a_recovery_copy_takes_images_as_they_came()
-    {
-        const QImage picture = Support::Picture(6, 4);
-        TDocument document;
-        document.Add_Page("a", TPageImage::From_Bytes(Bmp(picture)));
-        TProjectWriter saved;
-        WholeDocument::Write({}, document.pages, TPurpose::Save, &document.data, nullptr, &saved);
-        QCOMPARE(Content(saved), Header(32, "#f79741", "", "", 1) +
-                                     Page_Record("a", Support::Png(picture), Item_List()));
-        TProjectWriter copied;
-        WholeDocument::Write({}, document.pages, TPurpose::Recovery_Copy, &document.data, nullptr,
-                             &copied);
-        QCOMPARE(Content(copied),
-                 Header(32, "#f79741", "", "", 1) + Page_Record("a", Bmp(picture), Item_List()));
-    }
-
-    void a_recovery_copy_leaves_out_pages_that_only_the_list_has()
-    {
-        TDocument document;
-        document.Add_Page("a", TPageImage());
-        document.pages.push_back({99, "unknown"});
-        TProjectWriter writer;
-        WholeDocument::Write({}, document.pages, TPurpose::Recovery_Copy, &document.data, nullptr,
-                             &writer);
-        QCOMPARE(Content(writer),
-                 Header(32, "#f79741", "", "", 1) + Page_Record("a", QByteArray(), Item_List()));
     }
 
     void pages_are_numbered_in_the_given_order_data()
@@ -252,7 +172,7 @@ private slots:
         Add_Items(&document, 1, {Label(1, 0, "", 0, {}), Label(2, 0, "", 0, {})});
         Add_Items(&document, 2,
                   {Label(1, 9, "", 0, {}), Label(3, 9, "", 0, {}), Label(2, 9, "", 0, {})});
-        QCOMPARE(WholeDocument::Number_Pages({2, 3, 1}, 1, method, &document.data), next);
+        QCOMPARE(Number_Pages({2, 3, 1}, 1, method, &document.data), next);
         QCOMPARE(Values(&document.data, 1), first_page);
         QCOMPARE(Values(&document.data, 2), second_page);
     }

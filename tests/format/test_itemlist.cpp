@@ -35,19 +35,24 @@ QByteArray Item_With(const QByteArray& name = QByteArray(),
     return Element("Item", result);
 }
 
-/// A document with one page, active, without labels.
-TData Empty_Page()
+using TItems = std::vector<TDataItem>;
+
+int Count(const TItems& items)
 {
-    TData data;
-    data.Set_Active_Page(data.Add_Page());
-    return data;
+    return static_cast<int>(items.size());
+}
+
+/// Appends the labels of a document.
+void Read(const QByteArray& document, TItems* items)
+{
+    ItemList::Read(document, [items](const TDataItem& item) { items->push_back(item); });
 }
 
 /// The message of the exception with which reading ends, and its type; empty without one.
-QString Failure(const QByteArray& document, TData* data)
+QString Failure(const QByteArray& document, TItems* items)
 {
     try {
-        ItemList::Read(document, data);
+        Read(document, items);
     } catch (const TXmlFileException& exception) {
         return exception.Message() + (exception.Type() == TXmlFileException::Data_Error
                                           ? QString()
@@ -67,11 +72,11 @@ class TestItemList : public QObject
 private slots:
     void labels_are_written_without_blanks_in_their_order()
     {
-        TData data = Empty_Page();
-        data.Add_Item(
+        TItems items;
+        items.push_back(
             {77, 12, QStringLiteral("A <b> & \u00e9\u4e2d"), 8, QPointF(120.5, 33), true});
-        data.Add_Item({-5, -1, QString(), 0, QPointF(-0.127, 1e7), false});
-        QCOMPARE(ItemList::Write(data),
+        items.push_back({-5, -1, QString(), 0, QPointF(-0.127, 1e7), false});
+        QCOMPARE(ItemList::Write(items),
                  Document(Element("Item", Element("Id", "77") + Element("Value", "12") +
                                               "<Text>A &lt;b> &amp; \xc3\xa9\xe4\xb8\xad</Text>" +
                                               Element("Border_Type", "8") +
@@ -83,22 +88,14 @@ private slots:
 
     void an_empty_page_is_an_empty_root()
     {
-        QCOMPARE(ItemList::Write(Empty_Page()), declaration + "<Quillet_Data File_Version=\"1\"/>");
-    }
-
-    void the_active_page_only_is_written()
-    {
-        TData data = Empty_Page();
-        data.Add_Item({1, 1, QString(), 0, QPointF(), false});
-        data.Set_Active_Page(data.Add_Page());
-        QVERIFY(!ItemList::Write(data).contains("Item"));
+        QCOMPARE(ItemList::Write({}), declaration + "<Quillet_Data File_Version=\"1\"/>");
     }
 
     void line_breaks_in_a_text_are_lost()
     {
-        TData data = Empty_Page();
-        data.Add_Item({1, 1, QStringLiteral("one\ntwo\r\nthree"), 0, QPointF(), false});
-        const QByteArray document = ItemList::Write(data);
+        TItems items;
+        items.push_back({1, 1, QStringLiteral("one\ntwo\r\nthree"), 0, QPointF(), false});
+        const QByteArray document = ItemList::Write(items);
         QVERIFY(!document.contains('\n'));
         QVERIFY(!document.contains('\r'));
         QVERIFY(document.contains("<Text>onetwo"));
@@ -106,12 +103,12 @@ private slots:
 
     void a_control_character_in_a_text_cannot_be_written()
     {
-        TData data = Empty_Page();
+        TItems items;
         const QString text = QStringLiteral("a\u0001b");
-        data.Add_Item({1, 1, text, 0, QPointF(), false});
+        items.push_back({1, 1, text, 0, QPointF(), false});
         QString message;
         try {
-            ItemList::Write(data);
+            ItemList::Write(items);
         } catch (const TXmlFileException& exception) {
             message = exception.Message();
         }
@@ -119,20 +116,12 @@ private slots:
                  QStringLiteral("ERR:  Cannot write node 'Text' with data '%1'").arg(text));
     }
 
-    void writing_without_an_active_page_is_stopped()
-    {
-        const QString difference =
-            Support::Assertion_Failure([] { ItemList::Write(TData()); }, QStringLiteral("src/data"),
-                                       QStringLiteral("!(d_active_page_index < 0)"));
-        QVERIFY2(difference.isEmpty(), qPrintable(difference));
-    }
-
     void a_label_is_read_unselected()
     {
-        TData data = Empty_Page();
-        ItemList::Read(Document(Item_With()), &data);
-        QCOMPARE(data.Item_Count(), 1);
-        const TDataItem item = data.Item(0);
+        TItems items;
+        Read(Document(Item_With()), &items);
+        QCOMPARE(Count(items), 1);
+        const TDataItem item = items[0];
         QCOMPARE(item.id, 5);
         QCOMPARE(item.value, 10);
         QCOMPARE(item.text, QStringLiteral("five"));
@@ -177,9 +166,9 @@ private slots:
         QFETCH(const QByteArray, name);
         QFETCH(const QByteArray, replacement);
         QFETCH(const QString, message);
-        TData data = Empty_Page();
-        QCOMPARE(Failure(Document(Item_With(name, replacement)), &data), message);
-        QCOMPARE(data.Item_Count(), 0);
+        TItems items;
+        QCOMPARE(Failure(Document(Item_With(name, replacement)), &items), message);
+        QCOMPARE(Count(items), 0);
     }
 
     void a_text_may_be_missing_data()
@@ -194,10 +183,10 @@ private slots:
     void a_text_may_be_missing()
     {
         QFETCH(const QByteArray, replacement);
-        TData data = Empty_Page();
-        QCOMPARE(Failure(Document(Item_With("Text", replacement)), &data), QString());
-        QCOMPARE(data.Item_Count(), 1);
-        QVERIFY(data.Item(0).text.isEmpty());
+        TItems items;
+        QCOMPARE(Failure(Document(Item_With("Text", replacement)), &items), QString());
+        QCOMPARE(Count(items), 1);
+        QVERIFY(items[0].text.isEmpty());
     }
 
     void numbers_that_are_none_are_0_data()
@@ -232,9 +221,9 @@ private slots:
         QFETCH(const QByteArray, name);
         QFETCH(const QByteArray, content);
         QFETCH(const TDataItem, expected);
-        TData data = Empty_Page();
-        ItemList::Read(Document(Item_With(name, Element(name, content))), &data);
-        const TDataItem item = data.Item(0);
+        TItems items;
+        Read(Document(Item_With(name, Element(name, content))), &items);
+        const TDataItem item = items[0];
         QCOMPARE(item.id, expected.id);
         QCOMPARE(item.value, expected.value);
         QCOMPARE(item.text, expected.text);
@@ -262,9 +251,9 @@ private slots:
     {
         QFETCH(const QByteArray, document);
         QFETCH(const QString, message);
-        TData data = Empty_Page();
-        QCOMPARE(Failure(document, &data), message);
-        QCOMPARE(data.Item_Count(), 0);
+        TItems items;
+        QCOMPARE(Failure(document, &items), message);
+        QCOMPARE(Count(items), 0);
     }
 
     void what_is_no_xml_is_refused_data()
@@ -278,87 +267,81 @@ private slots:
     void what_is_no_xml_is_refused()
     {
         QFETCH(const QByteArray, document);
-        TData data = Empty_Page();
-        const QString message = Failure(document, &data);
+        TItems items;
+        const QString message = Failure(document, &items);
         QVERIFY2(message.startsWith(QStringLiteral("ERR: Reference data XML parse error at line ")),
                  qPrintable(message));
-        QCOMPARE(data.Item_Count(), 0);
+        QCOMPARE(Count(items), 0);
     }
 
     void labels_before_a_fault_stay()
     {
-        TData data = Empty_Page();
+        TItems items;
         const QByteArray bad = Item_With("Position", Element("Position", "1"));
         const QByteArray third = Item_With("Id", Element("Id", "6"));
-        QCOMPARE(Failure(Document(Item_With() + bad + third), &data),
+        QCOMPARE(Failure(Document(Item_With() + bad + third), &items),
                  QStringLiteral("XML Item position invalid"));
-        QCOMPARE(data.Item_Count(), 1);
-        QCOMPARE(data.Item(0).id, 5);
+        QCOMPARE(Count(items), 1);
+        QCOMPARE(items[0].id, 5);
     }
 
     void only_items_below_the_root_are_read()
     {
-        TData data = Empty_Page();
-        ItemList::Read(Document("<Other>" + Item_With() + "</Other>text<!-- note -->" +
-                                Item_With("Id", Element("Id", "1")) + "<item/>" +
-                                Item_With("Id", Element("Id", "2")) + "<Other/>"),
-                       &data);
-        QCOMPARE(data.Item_Count(), 2);
-        QCOMPARE(data.Item(0).id, 1);
-        QCOMPARE(data.Item(1).id, 2);
+        TItems items;
+        Read(Document("<Other>" + Item_With() + "</Other>text<!-- note -->" +
+                      Item_With("Id", Element("Id", "1")) + "<item/>" +
+                      Item_With("Id", Element("Id", "2")) + "<Other/>"),
+             &items);
+        QCOMPARE(Count(items), 2);
+        QCOMPARE(items[0].id, 1);
+        QCOMPARE(items[1].id, 2);
     }
 
-    void labels_join_those_of_the_page_and_ids_are_taken_once()
+    void labels_are_appended_whatever_their_ids()
     {
-        TData data = Empty_Page();
-        data.Add_Item({5, 1, QStringLiteral("first"), 0, QPointF(), true});
-        ItemList::Read(Document(Item_With() + Item_With("Id", Element("Id", "6")) +
-                                Item_With("Id", Element("Id", "6"))),
-                       &data);
-        QCOMPARE(data.Item_Count(), 2);
-        QCOMPARE(data.Item(0).text, QStringLiteral("first"));
-        QVERIFY(data.Item(0).selected);
-        QCOMPARE(data.Item(1).id, 6);
+        TItems items{{5, 1, QStringLiteral("first"), 0, QPointF(), true}};
+        Read(Document(Item_With() + Item_With()), &items);
+        QCOMPARE(Count(items), 3);
+        QCOMPARE(items[0].text, QStringLiteral("first"));
+        QCOMPARE(items[1].id, 5);
+        QCOMPARE(items[2].id, 5);
     }
 
     void a_page_is_the_same_after_writing_and_reading()
     {
-        TData data = Empty_Page();
-        const QVector<TDataItem> items{
+        const TItems items{
             {2147483647, -2147483647 - 1, QStringLiteral("  <&>\"'  \u00df\u4e2d"), 8,
              QPointF(1.004, 2.996), true},
             {0, 0, QString(), 0, QPointF(-3.5, 123456.78), false},
             {-9, 7, QStringLiteral("%1,%2"), 2, QPointF(0, 0), true},
         };
-        for (const TDataItem& item : items)
-            data.Add_Item(item);
-        const QByteArray document = ItemList::Write(data);
-        TData copy = Empty_Page();
-        ItemList::Read(document, &copy);
-        QCOMPARE(copy.Item_Count(), items.size());
-        for (int index = 0; index < items.size(); ++index) {
-            const TDataItem item = copy.Item(index);
+        const QByteArray document = ItemList::Write(items);
+        TItems copy;
+        Read(document, &copy);
+        QCOMPARE(copy.size(), items.size());
+        for (std::size_t index = 0; index < items.size(); ++index) {
+            const TDataItem& item = copy[index];
             QCOMPARE(item.id, items[index].id);
             QCOMPARE(item.value, items[index].value);
             QCOMPARE(item.text, items[index].text);
             QCOMPARE(item.border_type, items[index].border_type);
             QVERIFY(!item.selected);
         }
-        QCOMPARE(copy.Item(0).position, QPointF(1.0, 3.0));
-        QCOMPARE(copy.Item(1).position, QPointF(-3.5, 123456.78));
+        QCOMPARE(copy[0].position, QPointF(1.0, 3.0));
+        QCOMPARE(copy[1].position, QPointF(-3.5, 123456.78));
         QCOMPARE(ItemList::Write(copy), document);
     }
 
     void thousands_of_labels_are_written_and_read()
     {
         constexpr int count = 20000;
-        TData data = Empty_Page();
+        TItems items;
         for (int id = 0; id < count; ++id)
-            data.Add_Item({id, count - id, QString::number(id), 1, QPointF(id, 1), false});
-        TData copy = Empty_Page();
-        ItemList::Read(ItemList::Write(data), &copy);
-        QCOMPARE(copy.Item_Count(), count);
-        QCOMPARE(copy.Item(count - 1).text, QString::number(count - 1));
+            items.push_back({id, count - id, QString::number(id), 1, QPointF(id, 1), false});
+        TItems copy;
+        Read(ItemList::Write(items), &copy);
+        QCOMPARE(Count(copy), count);
+        QCOMPARE(copy[count - 1].text, QString::number(count - 1));
     }
 
     void characters_that_xml_does_not_know_can_be_left_out_data()
@@ -380,19 +363,19 @@ private slots:
     {
         QFETCH(const QString, text);
         QFETCH(const QString, left);
-        TData data = Empty_Page();
-        data.Add_Item({1, 2, text, 4, QPointF(3, 4), false});
-        data.Add_Item({2, 3, QStringLiteral("next"), 4, QPointF(5, 6), false});
-        TData copy = Empty_Page();
-        ItemList::Read(ItemList::Write(data, ItemList::TBadText::Leave_Out), &copy);
-        QCOMPARE(copy.Item_Count(), 2);
-        QCOMPARE(copy.Item(0).text, left);
-        QCOMPARE(copy.Item(0).position, QPointF(3, 4));
-        QCOMPARE(copy.Item(1).text, QStringLiteral("next"));
+        TItems items;
+        items.push_back({1, 2, text, 4, QPointF(3, 4), false});
+        items.push_back({2, 3, QStringLiteral("next"), 4, QPointF(5, 6), false});
+        TItems copy;
+        Read(ItemList::Write(items, ItemList::TBadText::Leave_Out), &copy);
+        QCOMPARE(Count(copy), 2);
+        QCOMPARE(copy[0].text, left);
+        QCOMPARE(copy[0].position, QPointF(3, 4));
+        QCOMPARE(copy[1].text, QStringLiteral("next"));
         // Who asks for nothing special is told.
         bool refused = false;
         try {
-            ItemList::Write(data);
+            ItemList::Write(items);
         } catch (const TXmlFileException&) {
             refused = true;
         }

@@ -4,6 +4,7 @@
 #include "src/format/legacyfile.h"
 #include "support/support.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <functional>
@@ -40,6 +41,14 @@ QByteArray Item_With(const QByteArray& name = QByteArray(),
     for (const auto& child : children)
         result += child.first == name ? replacement : Element(child.first, child.second);
     return Element("Item", result);
+}
+
+/// A reader of the labels of one version.
+TReader Reader(int version)
+{
+    return [version](const TXmlFile& xml_file, std::vector<TDataItem>* items) {
+        LegacyFile::Read_Items(xml_file, version, items);
+    };
 }
 
 std::vector<TDataItem> Items_Of(const TReader& reader, const QByteArray& content)
@@ -79,11 +88,23 @@ class TestLegacyFile : public QObject
     Q_OBJECT
 
 private:
+    QTemporaryDir d_folder;
+
+    /// Writes a pair of files; returns the path of its list.
+    QString Write_Pair(int version, const QByteArray& content) const
+    {
+        Support::Write_File(d_folder.filePath("old.qli"), Support::Png(Support::Picture(12, 10)));
+        Support::Write_File(d_folder.filePath("old.qld"), "<Quillet_Data File_Version=\"" +
+                                                              QByteArray::number(version) + "\">" +
+                                                              content + "</Quillet_Data>");
+        return d_folder.filePath("old.qld");
+    }
+
     static void Add_Versions()
     {
         QTest::addColumn<TReader>("reader");
-        QTest::newRow("version 1") << TReader(&LegacyFile::Read_Items_V1);
-        QTest::newRow("version 2") << TReader(&LegacyFile::Read_Items_V2);
+        QTest::newRow("version 1") << Reader(1);
+        QTest::newRow("version 2") << Reader(2);
     }
 
 private slots:
@@ -106,8 +127,7 @@ private slots:
         QFETCH(const int, border_type);
         QCOMPARE(LegacyFile::Border_Type(legacy_border), border_type);
         const QByteArray border = Element("Border_Type", QByteArray::number(legacy_border));
-        const std::vector<TDataItem> items =
-            Items_Of(&LegacyFile::Read_Items_V1, Item_With("Border_Type", border));
+        const std::vector<TDataItem> items = Items_Of(Reader(1), Item_With("Border_Type", border));
         QCOMPARE(items.front().border_type, border_type);
     }
 
@@ -152,7 +172,7 @@ private slots:
     void labels_of_version_1_have_no_text()
     {
         const std::vector<TDataItem> items =
-            Items_Of(&LegacyFile::Read_Items_V1, Item_With() + Item_With("ID_Text"));
+            Items_Of(Reader(1), Item_With() + Item_With("ID_Text"));
         QCOMPARE(static_cast<int>(items.size()), 2);
         for (const TDataItem& item : items) {
             QCOMPARE(item.id, 7);
@@ -182,7 +202,7 @@ private slots:
         QFETCH(const QByteArray, content);
         QFETCH(const QString, text);
         const std::vector<TDataItem> items =
-            Items_Of(&LegacyFile::Read_Items_V2, Item_With("ID_Text", Element("ID_Text", content)));
+            Items_Of(Reader(2), Item_With("ID_Text", Element("ID_Text", content)));
         QCOMPARE(static_cast<int>(items.size()), 1);
         QCOMPARE(items.front().id, 7);
         QCOMPARE(items.front().value, 7);
@@ -217,7 +237,7 @@ private slots:
     void labels_join_those_collected_before()
     {
         std::vector<TDataItem> items(1);
-        LegacyFile::Read_Items_V1(Opened(Item_With()), &items);
+        LegacyFile::Read_Items(Opened(Item_With()), 1, &items);
         QCOMPARE(static_cast<int>(items.size()), 2);
     }
 
@@ -249,8 +269,7 @@ private slots:
         const QByteArray content = Item_With("ID", "<ID>1</ID>") +
                                    Item_With("Position", Element("Position", position)) +
                                    Item_With("ID", "<ID>2</ID>");
-        for (const TReader& reader :
-             {TReader(&LegacyFile::Read_Items_V1), TReader(&LegacyFile::Read_Items_V2)}) {
+        for (const TReader& reader : {Reader(1), Reader(2)}) {
             const std::vector<TDataItem> items = Items_Of(reader, content);
             QCOMPARE(static_cast<int>(items.size()), 2);
             QCOMPARE(items.front().id, 1);
@@ -275,12 +294,68 @@ private slots:
         const auto failure = [&name](const TReader& reader, const QByteArray& replacement) {
             return Failure([&] { Items_Of(reader, Item_With(name, replacement)); });
         };
-        QCOMPARE(failure(&LegacyFile::Read_Items_V2, QByteArray()), Missing(name, "Item"));
-        QCOMPARE(failure(&LegacyFile::Read_Items_V2, empty), Missing_Text(name));
-        QCOMPARE(failure(&LegacyFile::Read_Items_V1, QByteArray()),
+        QCOMPARE(failure(Reader(2), QByteArray()), Missing(name, "Item"));
+        QCOMPARE(failure(Reader(2), empty), Missing_Text(name));
+        QCOMPARE(failure(Reader(1), QByteArray()),
                  in_version_1 ? Missing(name, "Item") : QString());
-        QCOMPARE(failure(&LegacyFile::Read_Items_V1, empty),
-                 in_version_1 ? Missing_Text(name) : QString());
+        QCOMPARE(failure(Reader(1), empty), in_version_1 ? Missing_Text(name) : QString());
+    }
+
+    void a_pair_is_a_document_of_one_page_data()
+    {
+        QTest::addColumn<int>("version");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("version 1 has no texts") << 1 << QString();
+        QTest::newRow("version 2 has texts") << 2 << QStringLiteral("A");
+    }
+
+    void a_pair_is_a_document_of_one_page()
+    {
+        QFETCH(const int, version);
+        QFETCH(const QString, text);
+        const TFileContent content =
+            LegacyFile::Read(Write_Pair(version, size_node + color_node + Item_With()));
+        QVERIFY(content.fault.isEmpty());
+        QCOMPARE(content.label_size.value(), 48);
+        QCOMPARE(content.color_name.value(), QStringLiteral("#0000ff"));
+        QCOMPARE(content.pages.value().size(), std::size_t{1});
+        const TFilePage page = content.pages->front();
+        QCOMPARE(page.name, QStringLiteral("Page 1"));
+        QCOMPARE(page.image.size(), QSize(12, 10));
+        QCOMPARE(page.items.size(), std::size_t{1});
+        QCOMPARE(page.items.front().text, text);
+    }
+
+    void another_version_gives_the_picture_alone()
+    {
+        for (const int version : {0, 3}) {
+            const TFileContent content =
+                LegacyFile::Read(Write_Pair(version, size_node + color_node + Item_With()));
+            QVERIFY(!content.label_size);
+            QVERIFY(!content.color_name);
+            QCOMPARE(content.pages.value().front().image.size(), QSize(12, 10));
+            QVERIFY(content.pages->front().items.empty());
+        }
+    }
+
+    void a_list_without_its_picture_is_refused()
+    {
+        const QString path = Write_Pair(2, size_node + color_node);
+        QVERIFY(QFile::remove(d_folder.filePath("old.qli")));
+        QCOMPARE(Failure([&path] { LegacyFile::Read(path); }),
+                 QStringLiteral("Background image not found"));
+        Support::Write_File(d_folder.filePath("old.qli"), "no picture");
+        QCOMPARE(Failure([&path] { LegacyFile::Read(path); }),
+                 QStringLiteral("Background image not found"));
+    }
+
+    void a_damaged_list_is_refused()
+    {
+        QCOMPARE(Failure([this] { LegacyFile::Read(Write_Pair(2, Item_With())); }),
+                 Missing("Item_Size", "Quillet_Data"));
+        const QString path = Write_Pair(1, size_node + color_node);
+        Support::Write_File(path, "<Quillet_Data");
+        QVERIFY(Failure([&path] { LegacyFile::Read(path); }).contains("XML parse error"));
     }
 };
 

@@ -1,5 +1,6 @@
 // The project container, field by field, written and read.
 
+#include "src/format/document.h"
 #include "src/format/projectfile.h"
 #include "support/project.h"
 #include "support/support.h"
@@ -11,14 +12,35 @@
 
 namespace {
 
+using ProjectFile::TPurpose;
 using Support::Field;
+using Support::Header;
+using Support::Item_Element;
+using Support::Item_List;
+using Support::Label;
 using Support::Number;
+using Support::Page_Record;
 
 QByteArray Bytes_Of(const TProjectWriter& writer)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     return writer.Write_To(&buffer) ? buffer.data() : QByteArray("not written");
+}
+
+QString Write(const TDocument& document, TPurpose purpose, TProjectWriter* writer)
+{
+    return ProjectFile::Write(document.appearance, document.pages, document.data, purpose, nullptr,
+                              writer);
+}
+
+/// A picture as a file that is not PNG.
+QByteArray Bmp(const QImage& image)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "BMP");
+    return buffer.data();
 }
 
 /// A device that is full after some bytes.
@@ -199,13 +221,9 @@ private slots:
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QByteArray>("expected");
         const QImage picture = Support::Picture(12, 9);
-        QByteArray bitmap;
-        QBuffer buffer(&bitmap);
-        buffer.open(QIODevice::WriteOnly);
-        picture.save(&buffer, "BMP");
         const QByteArray png = Support::Png(picture);
         QTest::newRow("png") << png << png;
-        QTest::newRow("another format") << bitmap << png;
+        QTest::newRow("another format") << Bmp(picture) << png;
         QTest::newRow("no image") << QByteArray("junk") << QByteArray("junk");
         QTest::newRow("nothing") << QByteArray() << QByteArray();
     }
@@ -467,6 +485,203 @@ private slots:
                                                 QString::fromUtf8(result.error_output)));
             }
         }
+    }
+
+    void a_document_is_written_field_by_field()
+    {
+        TDocument document;
+        document.appearance = {40, "#0a141e", "one", "two"};
+        const QImage picture = Support::Picture(6, 4);
+        document.Add_Page({"first", picture, {Label(5, 7, "Pump", 2, {1, 2.5})}});
+        document.Add_Page("second", TPageImage());
+        TProjectWriter writer;
+        QCOMPARE(Write(document, TPurpose::Save, &writer), QString());
+        const QByteArray expected =
+            Header(40, "#0a141e", "one", "two", 2) +
+            Page_Record("first", Support::Png(picture),
+                        Item_List(Item_Element("5", "7", "Pump", "2", "1.00,2.50"))) +
+            Page_Record("second", QByteArray(), Item_List());
+        QCOMPARE(Support::Byte_Difference(Bytes_Of(writer), expected), QString());
+    }
+
+    void pages_are_written_in_the_order_of_the_list()
+    {
+        TDocument document;
+        document.Add_Page("a", TPageImage());
+        document.Add_Page("b", TPageImage());
+        std::swap(document.pages[0], document.pages[1]);
+        QCOMPARE(document.Page_Ids(), QList<int>({2, 1}));
+        TProjectWriter writer;
+        Write(document, TPurpose::Save, &writer);
+        const QByteArray expected = Header(32, "#f79741", "", "", 2) +
+                                    Page_Record("b", QByteArray(), Item_List()) +
+                                    Page_Record("a", QByteArray(), Item_List());
+        QCOMPARE(Support::Byte_Difference(Bytes_Of(writer), expected), QString());
+    }
+
+    void a_step_is_reported_before_each_page_is_written()
+    {
+        TDocument document;
+        document.Add_Page("a", TPageImage());
+        document.Add_Page("b", TPageImage());
+        QStringList steps;
+        TProjectWriter writer;
+        const auto note = [&steps](int number, int total) {
+            steps += QStringLiteral("%1 of %2").arg(number).arg(total);
+        };
+        ProjectFile::Write({}, document.pages, document.data, TPurpose::Save, note, &writer);
+        QCOMPARE(steps, QStringList({"1 of 2", "2 of 2"}));
+    }
+
+    void a_text_that_cannot_be_written_is_a_fault_of_a_save_alone()
+    {
+        const QString bad_text = QStringLiteral("a") + QChar(1) + QStringLiteral("b");
+        TDocument document;
+        document.Add_Page({"a", {}, {Label(5, 7, bad_text, 2, {1, 2})}});
+        TProjectWriter refused;
+        QVERIFY(!Write(document, TPurpose::Save, &refused).isEmpty());
+        TProjectWriter writer;
+        QCOMPARE(Write(document, TPurpose::Recovery_Copy, &writer), QString());
+        const QByteArray expected =
+            Header(32, "#f79741", "", "", 1) +
+            Page_Record("a", QByteArray(),
+                        Item_List(Item_Element("5", "7", "ab", "2", "1.00,2.00")));
+        QCOMPARE(Support::Byte_Difference(Bytes_Of(writer), expected), QString());
+    }
+
+    void only_a_recovery_copy_keeps_the_format_of_images()
+    {
+        const QImage picture = Support::Picture(6, 4);
+        TDocument document;
+        document.Add_Page("a", TPageImage::From_Bytes(Bmp(picture)));
+        TProjectWriter saved;
+        Write(document, TPurpose::Save, &saved);
+        QCOMPARE(Bytes_Of(saved), Header(32, "#f79741", "", "", 1) +
+                                      Page_Record("a", Support::Png(picture), Item_List()));
+        TProjectWriter copied;
+        Write(document, TPurpose::Recovery_Copy, &copied);
+        QCOMPARE(Bytes_Of(copied),
+                 Header(32, "#f79741", "", "", 1) + Page_Record("a", Bmp(picture), Item_List()));
+    }
+
+    void a_recovery_copy_leaves_out_pages_that_only_the_list_has()
+    {
+        TDocument document;
+        document.Add_Page("a", TPageImage());
+        document.pages.push_back({99, "unknown"});
+        TProjectWriter writer;
+        Write(document, TPurpose::Recovery_Copy, &writer);
+        QCOMPARE(Bytes_Of(writer),
+                 Header(32, "#f79741", "", "", 1) + Page_Record("a", QByteArray(), Item_List()));
+    }
+
+    void a_document_is_read_as_it_was_written()
+    {
+        TDocument document;
+        document.appearance = {40, "#0a141e", "one", "two"};
+        const QImage picture = Support::Picture(6, 4);
+        document.Add_Page({"first", picture, {Label(5, 7, "Pump", 2, {1, 2.5})}});
+        document.Add_Page("second", TPageImage());
+        TProjectWriter writer;
+        Write(document, TPurpose::Save, &writer);
+        const TFileContent content = ProjectFile::Read(Bytes_Of(writer));
+        QCOMPARE(content.fault, QString());
+        QCOMPARE(content.label_size.value(), 40);
+        QCOMPARE(content.color_name.value(), QStringLiteral("#0a141e"));
+        QCOMPARE(content.header_1, QStringLiteral("one"));
+        QCOMPARE(content.header_2, QStringLiteral("two"));
+        QCOMPARE(content.pages.value().size(), std::size_t{2});
+        const TFilePage& first = content.pages->front();
+        QCOMPARE(first.name, QStringLiteral("first"));
+        QCOMPARE(QImage(first.image), picture);
+        QCOMPARE(first.items.size(), std::size_t{1});
+        QCOMPARE(first.items[0].id, 5);
+        QCOMPARE(first.items[0].text, QStringLiteral("Pump"));
+        QCOMPARE(content.pages->back().name, QStringLiteral("second"));
+        QVERIFY(content.pages->back().image.isNull());
+        QVERIFY(content.pages->back().items.empty());
+    }
+
+    void a_document_without_pages_is_read()
+    {
+        for (const quint32 count : {0u, 0xffffffffu}) {
+            const TFileContent content = ProjectFile::Read(Header(32, "#fa0832", "", "", count));
+            QCOMPARE(content.fault, QString());
+            QVERIFY(content.pages.value().empty());
+        }
+    }
+
+    void a_step_is_reported_before_each_page_is_read()
+    {
+        QStringList steps;
+        ProjectFile::Read(Header(32, "#fa0832", "", "", 2) + Page_Record("a", "", Item_List()) +
+                              Page_Record("b", "", Item_List()),
+                          [&steps](int number, int total) {
+                              steps += QStringLiteral("%1 of %2").arg(number).arg(total);
+                          });
+        QCOMPARE(steps, QStringList({"1 of 2", "2 of 2"}));
+    }
+
+    void what_comes_before_a_fault_is_read_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("read");
+        const QByteArray start = magic + Number(40);
+        const QByteArray header = Header(40, "red", "one", "", 2);
+        const QByteArray negative = Number(0xffffffff);
+        const QByteArray item = Item_Element("5", "7", "", "2", "1,2");
+        const QByteArray page = Page_Record("a", "", Item_List(item));
+        const QString invalid = QStringLiteral("Invalid file.");
+        QTest::newRow("too short") << magic + "abc" << invalid << "";
+        QTest::newRow("other magic") << Number(90211) + Number(32) << invalid << "";
+        QTest::newRow("colour") << start + negative << invalid << "40";
+        QTest::newRow("first header line")
+            << start + Field("red") + negative + Field("x") << invalid << "40 red";
+        QTest::newRow("second header line")
+            << start + Field("red") + Field("one") + negative << invalid << "40 red";
+        QTest::newRow("name") << header + page + negative << invalid << "40 red one [a 1]";
+        QTest::newRow("image") << header + page + Field("b") + negative << invalid
+                               << "40 red one [a 1]";
+        QTest::newRow("labels") << header + page + Field("b") + Field("") + negative << invalid
+                                << "40 red one [a 1]";
+        QTest::newRow("label document")
+            << header + Page_Record("a", "", Item_List(item + "<Item/>")) + page
+            << QStringLiteral("ERR: Node 'Id' is missing from node 'Item' and not optional.")
+            << "40 red one [a 1]";
+        QTest::newRow("label document of the second page")
+            << header + page + Page_Record("b", "", "<Quillet_Data/>")
+            << QStringLiteral("ERR: The 'File_Version' attribute is missing.")
+            << "40 red one [a 1] [b 0]";
+    }
+
+    void what_comes_before_a_fault_is_read()
+    {
+        QFETCH(const QByteArray, bytes);
+        const TFileContent content = ProjectFile::Read(bytes);
+        QStringList read;
+        if (content.label_size)
+            read += QString::number(*content.label_size);
+        if (content.color_name)
+            read += *content.color_name;
+        if (content.pages) {
+            read += content.header_1;
+            for (const TFilePage& page : *content.pages)
+                read += QStringLiteral("[%1 %2]").arg(page.name).arg(page.items.size());
+        } else {
+            QCOMPARE(content.header_1 + content.header_2, QString());
+        }
+        QTEST(content.fault, "fault");
+        QTEST(read.join(QLatin1Char(' ')), "read");
+    }
+
+    void bytes_after_the_last_page_are_not_read()
+    {
+        const TFileContent content =
+            ProjectFile::Read(Header(32, "red", "", "", 1) + Page_Record("a", "", Item_List()) +
+                              Page_Record("b", "", Item_List()) + "rest");
+        QCOMPARE(content.fault, QString());
+        QCOMPARE(content.pages.value().size(), std::size_t{1});
     }
 };
 

@@ -129,12 +129,13 @@ QString Window_Difference(const QByteArray& bytes, const TProjectSurvey& survey)
     if (!window.Load_Data(path))
         return QStringLiteral("the window refuses it: ") + window.d_error_text;
     const QString headers =
-        survey.header_1.isEmpty() && survey.header_2.isEmpty()
+        survey.appearance.header_1.isEmpty() && survey.appearance.header_2.isEmpty()
             ? QStringLiteral("no headers")
-            : QStringLiteral("headers '%1' '%2'").arg(survey.header_1, survey.header_2);
+            : QStringLiteral("headers '%1' '%2'")
+                  .arg(survey.appearance.header_1, survey.appearance.header_2);
     const QStringList surveyed = QStringList{QStringLiteral("%1 %2 %3")
-                                                 .arg(survey.label_size)
-                                                 .arg(QColor(survey.color_name).name(), headers)} +
+                                                 .arg(survey.appearance.label_size)
+                                                 .arg(survey.appearance.color_name, headers)} +
                                  Describe(survey);
     const QStringList shown =
         QStringList{Support::Describe_Appearance(window)} + Support::Describe(&window);
@@ -468,12 +469,12 @@ private slots:
             << good;
         QTest::newRow("colour unknown")
             << Header(32, "colourless", "one", "two", 1)
-            << QStringList{"12: there is no colour \"colourless\""} << "32 colourless one two";
+            << QStringList{"12: there is no colour \"colourless\""} << "32 #000000 one two";
         QTest::newRow("colour by another name")
-            << Header(32, "navy", "one", "two", 1) << QStringList() << "32 navy one two";
+            << Header(32, "navy", "one", "two", 1) << QStringList() << "32 #000080 one two";
         QTest::newRow("colour with zero byte")
             << Header(32, QByteArray("red\0x", 5), "one", "two", 1)
-            << QStringList{"15: the colour name is cut at a zero byte"} << "32 red one two";
+            << QStringList{"15: the colour name is cut at a zero byte"} << "32 #ff0000 one two";
         QTest::newRow("header line with zero byte")
             << Header(32, look, QByteArray("o\0e", 3), "two", 1)
             << QStringList{"24: header line 1 is cut at a zero byte"} << "32 #fa0832 o two";
@@ -512,8 +513,9 @@ private slots:
         QCOMPARE(Describe(survey), Page_Lines(1, "first"));
         if (!looks.isEmpty())
             QCOMPARE(QStringLiteral("%1 %2 %3 %4")
-                         .arg(survey.label_size)
-                         .arg(survey.color_name, survey.header_1, survey.header_2),
+                         .arg(survey.appearance.label_size)
+                         .arg(survey.appearance.color_name, survey.appearance.header_1,
+                              survey.appearance.header_2),
                      looks);
         QCOMPARE(Survey_Fault(bytes), QString());
     }
