@@ -21,10 +21,10 @@ constexpr char item_begin[] = "<Item";
 constexpr char item_end[] = "</Item>";
 constexpr int item_begin_size = sizeof(item_begin) - 1;
 constexpr int item_end_size = sizeof(item_end) - 1;
-/// What every label has, so that elements without it need not be parsed.
+/// Every label has a position: elements without one are not parsed.
 constexpr char position_begin[] = "<Position";
 
-/// Where "Item" elements seem to begin.
+/// Offsets of everything that looks like the beginning of an "Item" element.
 std::vector<int> Item_Places(const QByteArray& document)
 {
     std::vector<int> places;
@@ -38,7 +38,7 @@ std::vector<int> Item_Places(const QByteArray& document)
     return places;
 }
 
-/// A document with one label of another document.
+/// A document with a single label.
 QByteArray Alone(const QByteArray& element)
 {
     return R"(<?xml version="1.0" encoding="utf-8"?><Quillet_Data File_Version="1">)" + element +
@@ -50,13 +50,13 @@ bool Is_Utf8(const QByteArray& document)
     const QByteArray declaration = document.left(document.indexOf("?>") + 1).toLower();
     const int encoding = declaration.indexOf("encoding");
     if (encoding >= 0 && declaration.indexOf("utf-8", encoding) < 0)
-        return true; // Declared to be something else, of which nothing can be told.
+        return true; // Another encoding is declared, which is not checked.
     QTextCodec::ConverterState state;
     QTextCodec::codecForName("UTF-8")->toUnicode(document.constData(), document.size(), &state);
     return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
-/// Looks through one label document.
+/// Surveys one label document.
 class TItemSurveyor
 {
     Q_DECLARE_TR_FUNCTIONS(ItemSurvey)
@@ -85,8 +85,8 @@ private:
         ++d_number;
         d_place = place;
     }
-    /// Notes a defect of the label that is being read.
-    void Complain(const QString& what)
+    /// Reports a defect of the current label.
+    void Report(const QString& what)
     {
         d_defects->push_back({d_place, tr("label %1: %2").arg(d_number).arg(what)});
     }
@@ -96,8 +96,8 @@ private:
     std::vector<TDataItem> d_items;
     std::vector<int> d_item_numbers; ///< for each of d_items
     std::vector<int> d_item_places;  ///< for each of d_items
-    int d_number = 0;                ///< of the label that is being read, from 1
-    int d_place = 0;                 ///< offset of that label
+    int d_number = 0;                ///< of the current label, from 1
+    int d_place = 0;                 ///< offset of the current label
 };
 
 std::vector<TDataItem> TItemSurveyor::Survey()
@@ -126,7 +126,7 @@ void TItemSurveyor::Read_Document(const TXmlFile& xml_file)
     for (QDomElement node = xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, true);
          !node.isNull(); node = xml_file.Get_Sibling_Node(&node, ItemXml::Item_Name, true))
         nodes.push_back(node);
-    // The parser does not tell offsets. Comments and the like may hold what looks like a label.
+    // The parser has no offsets. A comment may contain what looks like a label.
     std::vector<int> places = Item_Places(d_document);
     if (places.size() != nodes.size())
         places.assign(nodes.size(), 0);
@@ -137,7 +137,7 @@ void TItemSurveyor::Read_Document(const TXmlFile& xml_file)
     }
 }
 
-/// Reads the labels of a document that is damaged as a whole.
+/// Reads the labels of a document that is not well-formed, one by one.
 void TItemSurveyor::Read_Alone()
 {
     const std::vector<int> places = Item_Places(d_document);
@@ -151,14 +151,14 @@ void TItemSurveyor::Read_Alone()
         if (end >= 0 && end < limit)
             Read_Fragment(d_document.mid(begin, end + item_end_size - begin));
         else
-            Complain(tr("its element is not closed"));
+            Report(tr("its element is not closed"));
     }
 }
 
 void TItemSurveyor::Read_Fragment(const QByteArray& fragment)
 {
     if (!fragment.contains(position_begin)) {
-        Complain(tr("has no position"));
+        Report(tr("has no position"));
         return;
     }
     try {
@@ -167,8 +167,8 @@ void TItemSurveyor::Read_Fragment(const QByteArray& fragment)
         xml_file.Open_Data(Alone(fragment), ItemXml::Root_Name, &version, true);
         Read_Item(xml_file, xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, false));
     } catch (const TXmlFileException&) {
-        // The parser's words tell a place that is none in this document.
-        Complain(tr("is no well-formed element"));
+        // The parser's message has a position that does not exist in this document.
+        Report(tr("is no well-formed element"));
     }
 }
 
@@ -179,20 +179,20 @@ void TItemSurveyor::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
         d_item_numbers.push_back(d_number);
         d_item_places.push_back(d_place);
     } catch (const TXmlFileException& exception) {
-        Complain(exception.Message());
+        Report(exception.Message());
     }
 }
 
-/// A label that could be read; what does not become what it was written as is noted.
+/// Returns a readable label; values that are not read as written are reported.
 TDataItem TItemSurveyor::Checked(TDataItem item, const TXmlFile& xml_file, const QDomElement& node)
 {
     Check_Integer(xml_file, node, ItemXml::Id_Name);
     Check_Integer(xml_file, node, ItemXml::Value_Name);
     Check_Integer(xml_file, node, ItemXml::Border_Name);
     if (!Is_Border_Type(item.border_type))
-        Complain(tr("there is no border with the code %1").arg(item.border_type));
+        Report(tr("there is no border with the code %1").arg(item.border_type));
     Check_Position(xml_file, node);
-    // Such a label could not be drawn anywhere, nor moved.
+    // A label without finite coordinates can be neither drawn nor moved.
     if (!std::isfinite(item.position.x()))
         item.position.setX(0);
     if (!std::isfinite(item.position.y()))
@@ -207,7 +207,7 @@ void TItemSurveyor::Check_Integer(const TXmlFile& xml_file, const QDomElement& n
     bool is_number = false;
     text.toInt(&is_number);
     if (!is_number)
-        Complain(tr("%1 \"%2\" is no number and reads as 0").arg(name, text));
+        Report(tr("%1 \"%2\" is no number and reads as 0").arg(name, text));
 }
 
 void TItemSurveyor::Check_Position(const TXmlFile& xml_file, const QDomElement& node)
@@ -219,10 +219,10 @@ void TItemSurveyor::Check_Position(const TXmlFile& xml_file, const QDomElement& 
         return std::isfinite(part.toDouble(&is_number)) && is_number;
     });
     if (!are_numbers)
-        Complain(tr("Position \"%1\" does not consist of two numbers").arg(text));
+        Report(tr("Position \"%1\" does not consist of two numbers").arg(text));
 }
 
-/// Gives labels ids of their own whose ids others before them have.
+/// Gives each label whose id an earlier label has a free id.
 void TItemSurveyor::Give_Ids()
 {
     QSet<int> ids;
@@ -238,7 +238,7 @@ void TItemSurveyor::Give_Ids()
         }
         d_number = d_item_numbers[i];
         d_place = d_item_places[i];
-        Complain(tr("another label before it has the same Id %1").arg(id));
+        Report(tr("another label before it has the same Id %1").arg(id));
         while (ids.contains(free_id))
             ++free_id;
         d_items[i].id = free_id;

@@ -7,25 +7,23 @@
 
 #include <vector>
 
-/// Something in a file that keeps it from being shown as it was meant.
+/// Something in a file that readers drop, change or refuse.
 struct TProjectDefect
 {
-    qint64 offset = 0; ///< in bytes, from the beginning of what was looked through
+    qint64 offset = 0; ///< in bytes, from the beginning of the surveyed data
     QString what;
 };
 
 namespace ItemSurvey {
 
-/// The labels that can be read from a label document, whatever its state, and its defects.
+/// Reads all labels that are readable in a label document, and reports its defects.
 ///
 /// A document without defects is read by ItemList::Read to the same labels. In a document that is
-/// no well-formed XML every label is read whose element is well-formed by itself. A label whose id
-/// another one before it has gets an id of its own; a number that is none reads as 0, as it does
-/// everywhere. Takes time and memory in proportion to the document.
-/// @param defects  receives what is wrong, with offsets within the document. What concerns one
-/// label
-///                 stands where its element begins (at the beginning of the document when that is
-///                 not certain), what concerns the document at its beginning.
+/// not well-formed, every label whose element is well-formed is read. A label whose id an earlier
+/// one has gets a free id. A number that cannot be parsed reads as 0, as in ItemList::Read. Time
+/// and memory are proportional to the size of the document.
+/// @param defects  receives the defects with their offsets within the document: of a label, where
+///                 its element begins (0 when that is not certain); of the document, 0.
 std::vector<TDataItem> Survey(const QByteArray& document, std::vector<TProjectDefect>* defects);
 
 } // namespace ItemSurvey

@@ -12,7 +12,7 @@ struct TItemRow
 {
     int page = 1;   ///< number of the page, from 1
     TDataItem item; ///< its id is not part of the table
-    int line = 0;   ///< of a table that was read, from 1: where the record begins
+    int line = 0;   ///< of a table that was read, from 1: where the record begins; 0 otherwise
 };
 
 /// What ItemTable::Read throws, by value.
@@ -26,7 +26,7 @@ public:
     }
 
     QString Message() const { return d_message; }
-    /// Of the table, from 1: where the record begins that cannot be read.
+    /// Line of the table, from 1, in which the unreadable record begins.
     int Line() const { return d_line; }
 
 private:
@@ -39,21 +39,20 @@ private:
 /// The first record names the columns: page, value, text, border, x, y. Borders are words (none,
 /// square, ellipse, triangle, diamond), numbers are in the C locale whatever the user's is.
 ///
-/// Texts are written as they are, also those that begin with "=", "+", "-" or "@", which some
-/// spreadsheets take for a formula: what goes out is what comes back. Who opens a table from
-/// somebody else in a spreadsheet should import its columns as text.
+/// Texts are written unchanged, also those that begin with "=", "+", "-" or "@", which some
+/// spreadsheets interpret as a formula: reading a table gives the same texts. Import the columns of
+/// an untrusted table as text.
 namespace ItemTable {
 
-/// A table with a header record; every line ends with CR LF. Coordinates have as many digits as it
-/// takes to read the same number back.
+/// Writes a table with a header record; every line ends with CR LF. Coordinates have as many digits
+/// as are needed to read the same number back.
 QByteArray Write(const std::vector<TItemRow>& rows);
 
-/// Reads a table whose lines end with CR LF, LF or CR; a byte order mark before it is passed over,
-/// and so are empty lines and records with nothing but empty fields. Columns are found by their
-/// names in the header record, in any order and in upper or lower case; blanks around names,
-/// numbers and borders do not matter, nor do other columns. page, value, x and y are required. text
-/// and border may be left out as columns and may be empty: no text, no border. A border may also be
-/// a code (0, 1, 2, 4, 8). The labels' ids are 0.
+/// Reads a table whose lines end with CR LF, LF or CR. Skips a byte order mark and records whose
+/// fields are all empty. The header record names the columns in any order, in upper or lower case;
+/// other columns are ignored, and so are blanks around names, numbers and borders. page, value, x
+/// and y are required. text and border are optional and may be empty: no text, no border. A border
+/// may also be a code (0, 1, 2, 4, 8). The labels' ids are 0.
 /// @throws TItemTableException
 std::vector<TItemRow> Read(const QByteArray& table);
 

@@ -6,8 +6,8 @@
 class QDomElement;
 class TXmlFile;
 
-/// What the item-list documents of all generations have in common: labels are "Item" elements below
-/// the root, and their properties are the texts of child elements.
+/// The common part of the item lists of all generations: labels are "Item" elements below the root,
+/// and their properties are the texts of child elements.
 namespace ItemXml {
 
 extern const QLatin1String Root_Name;
@@ -23,10 +23,10 @@ extern const QLatin1String Position_Name;
 QString Read_Text(const TXmlFile& xml_file, const QDomElement& parent, const QString& name,
                   bool optional_text = false);
 
-/// The same as an integer; 0 for a text that is no number.
+/// The same as an integer; 0 for a text that is not a number.
 int Read_Integer(const TXmlFile& xml_file, const QDomElement& parent, const QString& name);
 
-/// Reads "x,y". A coordinate that is no number is 0; false unless there are exactly two of them.
+/// Reads "x,y". A coordinate that is not a number is 0; false unless there are exactly two parts.
 bool To_Position(const QString& text, QPointF* position);
 
 } // namespace ItemXml

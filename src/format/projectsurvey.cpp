@@ -45,7 +45,7 @@ private:
     bool Read_Color(qint64* place);
     bool Read_Header_Line(const QString& what, QString* line, qint64* place);
     bool Read_Page_Count(qint64 place);
-    bool Is_Led_Astray() const;
+    bool Are_Lengths_Wrong() const;
     void Read_Pages(bool begin_is_sure);
     void Read_Record(const TPageRecord& record);
     void Check_Page_Count();
@@ -59,8 +59,8 @@ private:
     {
         return d_bytes.mid(static_cast<int>(field.begin), static_cast<int>(field.length));
     }
-    /// Notes a defect.
-    void Complain(qint64 offset, const QString& what)
+    /// Reports a defect.
+    void Report(qint64 offset, const QString& what)
     {
         d_survey.defects.push_back({offset, d_place + what});
     }
@@ -70,11 +70,11 @@ private:
     const TStepReport d_report;
     const TRecordFinder d_finder;
     TProjectSurvey d_survey;
-    QString d_place; ///< what messages begin with: the page that is being read
+    QString d_place; ///< prefix of messages: the current page
     std::optional<int> d_page_count;
     qint64 d_count_place = 0;
     int d_record_count = 0;
-    bool d_has_zero_bytes = false;   ///< whether a text of the header has any
+    bool d_has_zero_bytes = false;   ///< whether a text has any
     qint64 d_position = color_begin; ///< of the next page record
 };
 
@@ -92,31 +92,31 @@ TProjectSurvey TSurveyor::Survey()
     return std::move(d_survey);
 }
 
-/// Whether there is anything to look through.
+/// Whether the file is a project, or contains at least one page record.
 bool TSurveyor::Read_Start()
 {
     if (d_bytes.size() < color_place) {
-        Complain(0, tr("the file is too short to be a project file: %1 bytes").arg(d_bytes.size()));
+        Report(0, tr("the file is too short to be a project file: %1 bytes").arg(d_bytes.size()));
         return false;
     }
     if (d_finder.Integer_At(0) == ProjectLayout::Magic)
         return true;
-    Complain(0, tr("the file does not begin with the magic number of a project file"));
-    // Something else entirely has no defects worth telling.
+    Report(0, tr("the file does not begin with the magic number of a project file"));
+    // The defects of any other file are of no interest.
     return d_finder.Has_Record_After(color_place);
 }
 
-/// Reads everything before the pages; false when it is not certain where they begin.
+/// Reads the header; false when it is not certain where the pages begin.
 bool TSurveyor::Read_Header()
 {
     const int size = *d_finder.Integer_At(size_place);
     int* const label_size = &d_survey.appearance.label_size;
     *label_size = qBound(TAppearance::Smallest_Label, size, TAppearance::Largest_Label);
     if (*label_size != size)
-        Complain(size_place, tr("the label size %1 is not between %2 and %3")
-                                 .arg(size)
-                                 .arg(TAppearance::Smallest_Label)
-                                 .arg(TAppearance::Largest_Label));
+        Report(size_place, tr("the label size %1 is not between %2 and %3")
+                               .arg(size)
+                               .arg(TAppearance::Smallest_Label)
+                               .arg(TAppearance::Largest_Label));
     qint64 place = color_place;
     return Read_Color(&place) &&
            Read_Header_Line(tr("header line 1"), &d_survey.appearance.header_1, &place) &&
@@ -128,7 +128,7 @@ bool TSurveyor::Read_Color(qint64* place)
 {
     std::optional<TFileField> field = d_finder.Field_At(*place);
     const bool is_good = field && Is_Color(Content(*field));
-    // A length is damaged more easily than a name that is still a good one.
+    // A valid name of the usual size means that its length is damaged.
     const TFileField usual{color_begin, color_length};
     if (!is_good && d_bytes.size() >= usual.End() && Is_Color(Content(usual)))
         field = usual;
@@ -139,7 +139,7 @@ bool TSurveyor::Read_Color(qint64* place)
     const QString name = Text(tr("the colour name"), *field);
     const QColor color = TAppearance::Color(name);
     if (!color.isValid())
-        Complain(field->begin, tr("there is no colour \"%1\"").arg(name));
+        Report(field->begin, tr("there is no colour \"%1\"").arg(name));
     d_survey.appearance.color_name = color.name();
     return true;
 }
@@ -160,23 +160,23 @@ bool TSurveyor::Read_Page_Count(qint64 place)
     d_position = place + Integer_Size;
     d_page_count = d_finder.Integer_At(place);
     if (!d_page_count) {
-        Complain(place, tr("the file ends where the page count should be"));
+        Report(place, tr("the file ends where the page count should be"));
         return true;
     }
-    if (!Is_Led_Astray())
+    if (!Are_Lengths_Wrong())
         return true;
-    Complain(color_place, tr("the lengths at the beginning do not lead to the first page"));
+    Report(color_place, tr("the lengths at the beginning do not lead to the first page"));
     d_page_count.reset();
     return false;
 }
 
-/// Whether the lengths before the pages lie within the file and are wrong all the same.
-bool TSurveyor::Is_Led_Astray() const
+/// Whether the lengths of the header are wrong although they do not exceed the file.
+bool TSurveyor::Are_Lengths_Wrong() const
 {
     if (d_finder.Is_Boundary(d_position) || !d_finder.Has_Record_After(color_begin))
         return false;
-    // A length that is too large swallows others, which have zero bytes. One that is wrong by a
-    // little leads a little past the first page.
+    // A length that is too large includes other lengths, which have zero bytes. One that is
+    // slightly wrong ends close to the first page.
     const TPageRecord record = d_finder.Find_After(color_begin);
     const qint64 distance = record.name ? qAbs(record.begin - d_position) : 0;
     return d_has_zero_bytes || (distance > 0 && distance < Least_Page);
@@ -219,7 +219,7 @@ void TSurveyor::Read_Record(const TPageRecord& record)
     d_survey.pages.push_back(page);
 }
 
-/// Notes where the lengths of a record are not those of its fields.
+/// Reports lengths of a record that are not those of its fields.
 void TSurveyor::Check_Record(const TPageRecord& record)
 {
     const bool is_anything_known = record.name || record.image || record.items;
@@ -227,7 +227,7 @@ void TSurveyor::Check_Record(const TPageRecord& record)
     const auto check = [&](const QString& what, const std::optional<TFileField>& field,
                            bool is_followed) {
         if (!field && is_followed) {
-            Complain(place, tr("%1 is lost").arg(what));
+            Report(place, tr("%1 is lost").arg(what));
             return true;
         }
         Check_Length(what, field ? field->Length_Place() : place, field);
@@ -238,12 +238,11 @@ void TSurveyor::Check_Record(const TPageRecord& record)
                              check(tr("the image"), record.image, record.items.has_value()) &&
                              check(tr("the label document"), record.items, false);
     if (!is_complete && !is_anything_known)
-        Complain(record.begin,
-                 tr("nothing can be read of %1 bytes").arg(record.end - record.begin));
+        Report(record.begin, tr("nothing can be read of %1 bytes").arg(record.end - record.begin));
 }
 
-/// Whether the length at a place is that of a field; notes why not.
-/// @param field  what was found there or in spite of it, if anything.
+/// Whether the length at a place is that of a field; reports why not.
+/// @param field  the field that was found, if any.
 bool TSurveyor::Check_Length(const QString& what, qint64 place,
                              const std::optional<TFileField>& field)
 {
@@ -251,20 +250,20 @@ bool TSurveyor::Check_Length(const QString& what, qint64 place,
     if (length && field && *length == field->length)
         return true;
     if (!length)
-        Complain(qMin(place, d_finder.Size()),
-                 tr("the file ends where the length of %1 should be").arg(what));
+        Report(qMin(place, d_finder.Size()),
+               tr("the file ends where the length of %1 should be").arg(what));
     else if (*length < 0)
-        Complain(place, tr("the length of %1 is negative: %2").arg(what).arg(*length));
+        Report(place, tr("the length of %1 is negative: %2").arg(what).arg(*length));
     else if (*length > d_finder.Size() - place - Integer_Size)
-        Complain(place,
-                 tr("the length of %1 leads past the end of the file: %2").arg(what).arg(*length));
+        Report(place,
+               tr("the length of %1 leads past the end of the file: %2").arg(what).arg(*length));
     else if (field)
-        Complain(place, tr("the length of %1 is %2, but there are %3 bytes of it")
-                            .arg(what)
-                            .arg(*length)
-                            .arg(field->length));
+        Report(place, tr("the length of %1 is %2, but there are %3 bytes of it")
+                          .arg(what)
+                          .arg(*length)
+                          .arg(field->length));
     else
-        Complain(place, tr("the length of %1 leads into another page: %2").arg(what).arg(*length));
+        Report(place, tr("the length of %1 leads into another page: %2").arg(what).arg(*length));
     return false;
 }
 
@@ -276,23 +275,22 @@ void TSurveyor::Check_Page_Count()
     const int count = *d_page_count;
     const qint64 room = (d_finder.Size() - d_count_place - Integer_Size) / Least_Page;
     if (count < 0)
-        Complain(d_count_place, tr("the page count is negative: %1").arg(count));
+        Report(d_count_place, tr("the page count is negative: %1").arg(count));
     else if (count > room)
-        Complain(d_count_place,
-                 tr("the page count is more than the file has room for: %1").arg(count));
+        Report(d_count_place,
+               tr("the page count is more than the file has room for: %1").arg(count));
     else if (count > d_record_count)
-        Complain(d_finder.Size(),
-                 tr("the file ends after %1 of %2 pages").arg(d_record_count).arg(count));
+        Report(d_finder.Size(),
+               tr("the file ends after %1 of %2 pages").arg(d_record_count).arg(count));
     else if (count < d_record_count)
-        Complain(d_count_place,
-                 tr("the page count is %1, but there are %2 pages").arg(count).arg(d_record_count));
+        Report(d_count_place,
+               tr("the page count is %1, but there are %2 pages").arg(count).arg(d_record_count));
     if (d_position < d_finder.Size())
-        Complain(
-            d_position,
-            tr("%1 bytes are left over after the last page").arg(d_finder.Size() - d_position));
+        Report(d_position,
+               tr("%1 bytes are left over after the last page").arg(d_finder.Size() - d_position));
 }
 
-/// A text as the window reads it, up to its first zero byte.
+/// A text up to its first zero byte, as TProjectReader reads it.
 QString TSurveyor::Text(const QString& what, const TFileField& field)
 {
     const QByteArray content = Content(field);
@@ -300,7 +298,7 @@ QString TSurveyor::Text(const QString& what, const TFileField& field)
     if (zero < 0)
         return QString::fromLatin1(content);
     d_has_zero_bytes = true;
-    Complain(field.begin + zero, tr("%1 is cut at a zero byte").arg(what));
+    Report(field.begin + zero, tr("%1 is cut at a zero byte").arg(what));
     return QString::fromLatin1(content.left(zero));
 }
 
@@ -310,7 +308,7 @@ TPageImage TSurveyor::Image(const TFileField& field)
                                              static_cast<int>(field.length));
     // A page without an image is written with a length of 0.
     if (field.length > 0 && d_images == ProjectSurvey::TImages::Decode && image.isNull())
-        Complain(field.begin, tr("the image cannot be decoded"));
+        Report(field.begin, tr("the image cannot be decoded"));
     return image;
 }
 
@@ -319,7 +317,7 @@ std::vector<TDataItem> TSurveyor::Items(const TFileField& field)
     std::vector<TProjectDefect> defects;
     std::vector<TDataItem> items = ItemSurvey::Survey(Content(field), &defects);
     for (const TProjectDefect& defect : defects)
-        Complain(field.begin + defect.offset, defect.what);
+        Report(field.begin + defect.offset, defect.what);
     return items;
 }
 

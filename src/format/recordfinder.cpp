@@ -21,7 +21,7 @@ constexpr int longest_declaration = 128; ///< bytes between a document's beginni
 constexpr int longest_tag = 256;         ///< bytes of a root's begin tag
 constexpr qint64 longest_name = 1024;    ///< bytes of a page name that is looked for backwards
 
-/// The first of some places in rising order that is not before an offset, -1 if there is none.
+/// The first of ascending places that is not before an offset; -1 if there is none.
 qint64 First_From(const std::vector<int>& places, qint64 offset)
 {
     const auto found = std::lower_bound(places.cbegin(), places.cend(), offset);
@@ -35,7 +35,7 @@ struct TRecordFinder::TDocument
 {
     qint64 begin = 0;
     qint64 end = 0;
-    bool is_closed = true; ///< whether its last byte is known for certain
+    bool is_closed = true; ///< whether its end is certain
 };
 
 qint64 TFileField::Length_Place() const
@@ -63,7 +63,7 @@ std::optional<TFileField> TRecordFinder::Field_At(qint64 offset) const
     return TFileField{offset + Integer_Size, *length};
 }
 
-/// The record that the lengths describe; empty when they leave the file.
+/// The record that the lengths describe; empty when they lead past the end of the file.
 std::optional<TPageRecord> TRecordFinder::Chain_At(qint64 offset) const
 {
     TPageRecord record;
@@ -112,7 +112,7 @@ TPageRecord TRecordFinder::Find(qint64 offset) const
         }
         return *record;
     }
-    // Whatever became of the labels: lengths that lead to the next record are true.
+    // Lengths that lead to the next record are right, whatever the labels are.
     if (Is_Boundary(record->end) || !Document_After(offset))
         return *record;
     return Rebuilt(offset, true);
@@ -123,7 +123,7 @@ TPageRecord TRecordFinder::Find_After(qint64 offset) const
     return Rebuilt(offset, false);
 }
 
-/// A label field whose document may end elsewhere than its length says.
+/// A label field, ended where its document ends.
 TFileField TRecordFinder::Fitted(const TFileField& items) const
 {
     const std::optional<TDocument> document = Document_After(items.begin);
@@ -132,7 +132,7 @@ TFileField TRecordFinder::Fitted(const TFileField& items) const
     return items;
 }
 
-/// The first label document that begins behind an offset.
+/// The first label document after an offset.
 std::optional<TRecordFinder::TDocument> TRecordFinder::Document_After(qint64 offset) const
 {
     const qint64 root = First_From(Roots(), offset);
@@ -165,7 +165,7 @@ std::optional<TRecordFinder::TDocument> TRecordFinder::Document_After(qint64 off
     return document;
 }
 
-/// A record whose lengths lead astray, put together around the next label document.
+/// A record with a wrong length, rebuilt around the next label document.
 TPageRecord TRecordFinder::Rebuilt(qint64 offset, bool begins_here) const
 {
     const std::optional<TDocument> document = Document_After(offset);
@@ -196,7 +196,7 @@ TPageRecord TRecordFinder::Rebuilt(qint64 offset, bool begins_here) const
     return record;
 }
 
-/// A record of which there is no label document: what its lengths lead to, up to the file's end.
+/// A record without a label document: the fields to which its lengths lead, up to the file's end.
 TPageRecord TRecordFinder::Remainder(qint64 offset) const
 {
     TPageRecord record;
@@ -214,7 +214,7 @@ TPageRecord TRecordFinder::Remainder(qint64 offset) const
     return record;
 }
 
-/// What there is of a record whose label document was not found, up to the next record.
+/// What is left of a record whose label document was not found, up to the next record.
 TPageRecord TRecordFinder::Lost_Page(qint64 offset, qint64 end) const
 {
     TPageRecord record;
@@ -233,7 +233,7 @@ TPageRecord TRecordFinder::Lost_Page(qint64 offset, qint64 end) const
     return record;
 }
 
-/// The image that ends where the length of a label document stands.
+/// The image that ends where the length of a label document begins.
 std::optional<TFileField> TRecordFinder::Image_Before(qint64 offset, const TDocument& document,
                                                       bool begins_here) const
 {
@@ -259,7 +259,7 @@ std::optional<TFileField> TRecordFinder::Image_Before(qint64 offset, const TDocu
     return std::nullopt;
 }
 
-/// The nearest name that ends at a place and begins behind an offset by its own account.
+/// The shortest name that ends at a place, begins after an offset and has a matching length.
 std::optional<TFileField> TRecordFinder::Name_Before(qint64 offset, qint64 end) const
 {
     const qint64 longest = qMin(longest_name, end - offset - Integer_Size);

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-/// A field of a project file: its content, and in the four bytes before that its length.
+/// A field of a project file. The four bytes before its content are its length.
 struct TFileField
 {
     qint64 begin = 0; ///< of the content, in bytes from the beginning of the file
@@ -15,7 +15,7 @@ struct TFileField
     qint64 Length_Place() const;
 };
 
-/// Where one page lies in a project file. A field that could not be found is empty.
+/// Where a page is in a project file. A field that was not found is empty.
 struct TPageRecord
 {
     std::optional<TFileField> name;
@@ -23,16 +23,15 @@ struct TPageRecord
     std::optional<TFileField> items;
     qint64 begin = 0;
     qint64 end = 0;          ///< where the next record begins
-    bool is_end_sure = true; ///< false when the next record has to be looked for
+    bool is_end_sure = true; ///< false when the next record must be searched for
 };
 
-/// Finds page records in a project file, also where the lengths are damaged that should lead from
-/// one to the next.
+/// Finds page records in a project file, also after a damaged length.
 ///
-/// In a sound file each record is where the lengths say, and nothing else is looked at. Where they
-/// lead astray, the record is put together from what cannot be mistaken: the root element of a
-/// label document, the signature of a PNG image, and lengths that fit the distance between them.
-/// All in all this takes time in proportion to the size of the file.
+/// In a sound file the lengths lead from record to record, and nothing else is read. After a wrong
+/// length the record is rebuilt from unmistakable marks: the root element of a label document, the
+/// signature of a PNG image, and lengths that match the distance between them. The time is
+/// proportional to the size of the file.
 class TRecordFinder
 {
 public:
@@ -45,15 +44,15 @@ public:
     /// The field whose length is at an offset; empty when it does not lie within the file.
     std::optional<TFileField> Field_At(qint64 offset) const;
 
-    /// Whether the file may end here, or what begins here is a page record by all appearances.
+    /// Whether the file ends here, or what begins here looks like a page record.
     bool Is_Boundary(qint64 offset) const;
-    /// Whether a page record begins here, or can be found further on.
+    /// Whether a page record begins here or further on.
     bool Has_Record_After(qint64 offset) const;
 
-    /// The record that begins at an offset, or what there is of it and where. Never empty before
+    /// The record that begins at an offset, or what is left of it. It has at least one byte before
     /// the end of the file.
     TPageRecord Find(qint64 offset) const;
-    /// The first record that can be found behind an offset at which none begins for certain.
+    /// The first record after an offset where it is not certain that one begins.
     TPageRecord Find_After(qint64 offset) const;
 
 private:
@@ -75,7 +74,7 @@ private:
                                    const QByteArray& what) const;
 
     const QByteArray d_bytes;
-    /// Filled when they are needed: in sound files never.
+    /// Filled on first use; sound files do not need them.
     mutable std::optional<std::vector<int>> d_roots;
     mutable std::optional<std::vector<int>> d_images;
 };
