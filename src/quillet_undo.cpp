@@ -40,7 +40,7 @@ void TQuillet::Start_History()
         [this] { Show_Outcome(d_history->Redo()); }, [this] { Finish_Step(); });
     d_history->Watch_Page_List(*d_page_widget->Rows());
     connect(d_history.get(), &TUndoHistory::Step_Recorded, d_undo_keys.get(),
-            &TUndoKeys::Note_Step);
+            &TUndoKeys::Step_Recorded);
     connect(d_history.get(), &TUndoHistory::Page_List_Changed, this, &TQuillet::Record_Change);
 }
 

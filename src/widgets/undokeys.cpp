@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr int back_key = static_cast<int>(Qt::CTRL) + Qt::Key_Z;
-constexpr int forth_keys[] = {static_cast<int>(Qt::CTRL) + static_cast<int>(Qt::SHIFT) + Qt::Key_Z,
-                              static_cast<int>(Qt::CTRL) + Qt::Key_Y};
+constexpr int undo_key = static_cast<int>(Qt::CTRL) + Qt::Key_Z;
+constexpr int redo_keys[] = {static_cast<int>(Qt::CTRL) + static_cast<int>(Qt::SHIFT) + Qt::Key_Z,
+                             static_cast<int>(Qt::CTRL) + Qt::Key_Y};
 
 } // namespace
 
@@ -23,8 +23,8 @@ TUndoKeys::TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_
     const auto add_key = [this, window](int key, const TAction& action) {
         connect(new QShortcut(QKeySequence(key), window), &QShortcut::activated, this, action);
     };
-    add_key(back_key, undo);
-    for (const int key : forth_keys)
+    add_key(undo_key, undo);
+    for (const int key : redo_keys)
         add_key(key, redo);
     Watch_Editors(*window);
 }
@@ -41,7 +41,7 @@ void TUndoKeys::Watch_Editors(const QWidget& window)
     }
 }
 
-void TUndoKeys::Note_Step()
+void TUndoKeys::Step_Recorded()
 {
     for (auto editor = d_editors.begin(); editor != d_editors.end(); ++editor)
         editor.value() = editor.key()->text();
@@ -55,13 +55,13 @@ bool TUndoKeys::eventFilter(QObject* watched, QEvent* event)
     const bool is_request = event->type() == QEvent::ShortcutOverride;
     if (!editor || (!is_request && event->type() != QEvent::KeyPress))
         return false;
-    const TWay way = Way_Of(*static_cast<QKeyEvent*>(event));
-    if (way == TWay::None)
+    const TCommand command = Command_Of(*static_cast<QKeyEvent*>(event));
+    if (command == TCommand::None)
         return false;
-    // Only what is accepted as a request comes as a key press.
+    // Qt sends the key press only if the editor accepts the ShortcutOverride before it.
     if (is_request) {
-        event->setAccepted(Is_For_Editor(*editor, way));
-    } else if (way == TWay::Back) {
+        event->setAccepted(Is_For_Editor(*editor, command));
+    } else if (command == TCommand::Undo) {
         editor->undo();
     } else {
         editor->redo();
@@ -69,19 +69,20 @@ bool TUndoKeys::eventFilter(QObject* watched, QEvent* event)
     return true;
 }
 
-TUndoKeys::TWay TUndoKeys::Way_Of(const QKeyEvent& event)
+TUndoKeys::TCommand TUndoKeys::Command_Of(const QKeyEvent& event)
 {
     const int key = static_cast<int>(event.modifiers()) + event.key();
-    if (key == back_key)
-        return TWay::Back;
-    const bool is_forth =
-        std::find(std::begin(forth_keys), std::end(forth_keys), key) != std::end(forth_keys);
-    return is_forth ? TWay::Forth : TWay::None;
+    if (key == undo_key)
+        return TCommand::Undo;
+    const bool is_redo =
+        std::find(std::begin(redo_keys), std::end(redo_keys), key) != std::end(redo_keys);
+    return is_redo ? TCommand::Redo : TCommand::None;
 }
 
-bool TUndoKeys::Is_For_Editor(const QLineEdit& editor, TWay way) const
+bool TUndoKeys::Is_For_Editor(const QLineEdit& editor, TCommand command) const
 {
-    // Doing a step again fills the editors anew, and what was typed would be lost.
+    // A redo of the document replaces the texts of the editors, so the editor's own redo comes
+    // first.
     const bool has_own = editor.isUndoAvailable() && editor.text() != d_editors.value(&editor);
-    return has_own || (way == TWay::Forth && editor.isRedoAvailable());
+    return has_own || (command == TCommand::Redo && editor.isRedoAvailable());
 }

@@ -10,11 +10,9 @@ class QKeyEvent;
 class QLineEdit;
 class QWidget;
 
-/// The keys that take steps back and do them again: Ctrl+Z, and Ctrl+Shift+Z or Ctrl+Y, anywhere in
-/// a window.
+/// The keys for undo and redo anywhere in a window: Ctrl+Z, and Ctrl+Shift+Z or Ctrl+Y.
 ///
-/// A line editor takes the keys for itself while it holds something that the document does not have
-/// yet; what has gone into the document belongs to the document's steps.
+/// A line editor handles the keys itself as long as its text is not yet part of the document.
 class TUndoKeys : public QObject
 {
     Q_OBJECT
@@ -22,22 +20,25 @@ class TUndoKeys : public QObject
 public:
     using TAction = std::function<void()>;
 
-    /// @param window      where the keys work, with its line editors and sliders; outlives this.
-    /// @param begin_edit  is called when an editor or a slider is turned to: what was done there
-    ///                    before is finished.
+    /// @param window      gets the keys; must outlive this object. Its line editors and sliders
+    /// must
+    ///                    exist already.
+    /// @param begin_edit  is called when an editor or a slider gets the focus or is pressed. What
+    ///                    the user does there begins a new step.
     TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_edit);
 
-    /// A step was recorded: what the editors hold is in the document, or is passed over.
-    void Note_Step();
+    /// Call this after a step was recorded. The texts of all editors now count as part of the
+    /// document.
+    void Step_Recorded();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    enum class TWay { None, Back, Forth };
-    static TWay Way_Of(const QKeyEvent& event);
+    enum class TCommand { None, Undo, Redo };
+    static TCommand Command_Of(const QKeyEvent& event);
     void Watch_Editors(const QWidget& window);
-    bool Is_For_Editor(const QLineEdit& editor, TWay way) const;
+    bool Is_For_Editor(const QLineEdit& editor, TCommand command) const;
 
     TAction d_begin_edit;
-    QHash<const QLineEdit*, QString> d_editors; ///< and what they held when a step was recorded
+    QHash<const QLineEdit*, QString> d_editors; ///< with their texts when a step was last recorded
 };
