@@ -57,7 +57,7 @@ QByteArray Promising_Png(quint32 width, quint32 height)
     return bytes;
 }
 
-/// A grey picture in a format that takes few bytes to promise much.
+/// A grey picture whose few bytes declare a large size.
 QByteArray Promising_Pgm(int width, int height)
 {
     return "P5\n" + QByteArray::number(width) + ' ' + QByteArray::number(height) + "\n255\n" +
@@ -70,7 +70,7 @@ QByteArray Promising_Bmp(qint32 width, qint32 height)
     return bytes.replace(18, 8, Little(width) + Little(height));
 }
 
-/// An icon file with one entry that leaves the size open, and this picture in it.
+/// An icon file with one entry, which leaves the size open, and this picture.
 QByteArray Icon(const QByteArray& picture)
 {
     return Little<quint16>(0) + Little<quint16>(1) + Little<quint16>(1) + QByteArray(4, '\0') +
@@ -91,6 +91,26 @@ QByteArray Text_Of_Xpm()
            "\"ba\"};\n";
 }
 
+/// A black line as PBM, and a half black one as XBM: only the suffix of the file decides.
+QByteArray Pbm_Or_Xbm()
+{
+    return "P1\n#define a_width 8\n#define a_height 1\n8 1\n1 1 1 1 1 1 1 1\n"
+           "# static char a_bits[] = { 0x0f };\n";
+}
+
+/// The same picture as a BMP, with its lines stored from the top to the bottom.
+QByteArray Top_Down_Bmp(const QImage& picture)
+{
+    QByteArray bytes = Encoded(picture.convertToFormat(QImage::Format_RGB32), "BMP");
+    const int header = 54;
+    const int line = (bytes.size() - header) / picture.height();
+    QByteArray top_down = bytes.left(header);
+    top_down.replace(22, 4, Little<qint32>(-picture.height()));
+    for (int row = picture.height() - 1; row >= 0; --row)
+        top_down += bytes.mid(header + row * line, line);
+    return top_down;
+}
+
 QImage Transparent_Picture()
 {
     QImage image(30, 20, QImage::Format_ARGB32);
@@ -100,7 +120,7 @@ QImage Transparent_Picture()
     return image;
 }
 
-/// Encoded pictures of all sorts, broken ones among them.
+/// Encoded pictures of all kinds, including broken ones.
 QVector<QPair<const char*, QByteArray>> Samples()
 {
     const QImage picture = Support::Picture(40, 30, 3);
@@ -143,7 +163,7 @@ void Add_Samples()
         QTest::newRow(sample.first) << sample.second;
 }
 
-/// Compares all that a page image answers with a plain image; the order of the questions differs.
+/// Compares a page image with a plain image. Asks for size and nullness before and after decoding.
 void Compare(const TPageImage& image, const QImage& expected)
 {
     QCOMPARE(image.isNull(), expected.isNull());
@@ -155,7 +175,7 @@ void Compare(const TPageImage& image, const QImage& expected)
     QCOMPARE(image.size(), expected.size());
 }
 
-/// A picture whose pixels take 64 MiB and whose bytes are few.
+/// A picture with 64 MiB of pixels and few bytes.
 QByteArray Large_Png(int seed)
 {
     QImage image(4096, 4096, QImage::Format_RGB32);
@@ -174,11 +194,11 @@ class TestPageImage : public QObject
 private slots:
     void cleanup()
     {
-        // Pixels of images that are gone take no room.
+        // Destroyed images leave no pixels behind.
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
     }
 
-    void a_null_image_answers_as_a_null_qimage()
+    void a_null_image_behaves_like_a_null_qimage()
     {
         for (const TPageImage& image :
              {TPageImage(), TPageImage(QImage()), TPageImage::From_Bytes(QByteArray())}) {
@@ -188,7 +208,7 @@ private slots:
         }
     }
 
-    void an_image_that_came_as_pixels_gives_back_that_very_image()
+    void an_image_made_from_pixels_returns_them_unchanged()
     {
         const QImage picture = Support::Picture(40, 30).convertToFormat(QImage::Format_RGB888);
         const TPageImage image = picture;
@@ -200,9 +220,9 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
     }
 
-    void bytes_are_decoded_as_the_toolkit_does_data() { Add_Samples(); }
+    void bytes_are_decoded_as_qt_does_data() { Add_Samples(); }
 
-    void bytes_are_decoded_as_the_toolkit_does()
+    void bytes_are_decoded_as_qt_does()
     {
         QFETCH(const QByteArray, bytes);
         const QImage expected = QImage::fromData(bytes);
@@ -211,9 +231,9 @@ private slots:
         QCOMPARE(QImage(TPageImage::From_Bytes(bytes)), expected);
     }
 
-    void source_bytes_are_those_that_came_data() { Add_Samples(); }
+    void source_bytes_are_the_original_bytes_data() { Add_Samples(); }
 
-    void source_bytes_are_those_that_came()
+    void source_bytes_are_the_original_bytes()
     {
         QFETCH(const QByteArray, bytes);
         const TPageImage image = TPageImage::From_Bytes(bytes);
@@ -224,9 +244,9 @@ private slots:
         QCOMPARE(image.Source_Bytes(), bytes);
     }
 
-    void png_bytes_and_undecodable_ones_are_kept_and_others_encoded_data() { Add_Samples(); }
+    void only_decodable_bytes_other_than_png_are_encoded_data() { Add_Samples(); }
 
-    void png_bytes_and_undecodable_ones_are_kept_and_others_encoded()
+    void only_decodable_bytes_other_than_png_are_encoded()
     {
         QFETCH(const QByteArray, bytes);
         const QImage decoded = QImage::fromData(bytes);
@@ -235,7 +255,7 @@ private slots:
         QCOMPARE(TPageImage::From_Bytes(bytes).Png(), expected);
     }
 
-    void png_bytes_are_handed_out_without_decoding()
+    void png_bytes_are_returned_without_decoding()
     {
         const TPageImage image = TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30)));
         image.Png();
@@ -243,7 +263,7 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
     }
 
-    void png_bytes_are_made_once_for_all_copies()
+    void all_copies_share_one_encoding()
     {
         const TPageImage image = TPageImage::From_Bytes(Encoded(Support::Picture(40, 30), "BMP"));
         const TPageImage copy = image;
@@ -254,7 +274,7 @@ private slots:
         QCOMPARE(from_pixels.Png().constData(), from_pixels.Png().constData());
     }
 
-    void pixels_stay_in_the_store_between_questions()
+    void pixels_stay_in_the_store()
     {
         const QImage picture = Support::Picture(40, 30);
         const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
@@ -265,7 +285,7 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
     }
 
-    void encoding_takes_no_room_in_the_store()
+    void encoding_adds_nothing_to_the_store()
     {
         const QImage picture = Support::Picture(40, 30);
         const TPageImage image = TPageImage::From_Bytes(Encoded(picture, "BMP"));
@@ -274,7 +294,7 @@ private slots:
         QCOMPARE(image.size(), picture.size());
     }
 
-    void painting_on_the_pixels_leaves_the_page_image_alone()
+    void painting_on_the_pixels_does_not_change_the_page_image()
     {
         const QImage picture = Support::Picture(40, 30);
         const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
@@ -283,7 +303,7 @@ private slots:
         QCOMPARE(QImage(image), picture);
     }
 
-    void an_undecodable_image_takes_no_room()
+    void an_undecodable_image_adds_nothing_to_the_store()
     {
         const TPageImage image = TPageImage::From_Bytes("no image");
         QVERIFY(image.isNull());
@@ -371,9 +391,9 @@ private slots:
                     .isNull());
     }
 
-    void a_file_is_read_as_the_toolkit_does_data() { Add_Samples(); }
+    void a_file_is_read_as_qt_does_data() { Add_Samples(); }
 
-    void a_file_is_read_as_the_toolkit_does()
+    void a_file_is_read_as_qt_does()
     {
         QFETCH(const QByteArray, bytes);
         const QTemporaryDir folder;
@@ -388,7 +408,7 @@ private slots:
         }
     }
 
-    void source_bytes_are_read_alike_whatever_the_file_was_called_data()
+    void source_bytes_decode_alike_whatever_the_file_was_called_data()
     {
         QTest::addColumn<QByteArray>("format");
         QTest::addColumn<QString>("suffix");
@@ -401,7 +421,7 @@ private slots:
         }
     }
 
-    void source_bytes_are_read_alike_whatever_the_file_was_called()
+    void source_bytes_decode_alike_whatever_the_file_was_called()
     {
         QFETCH(const QByteArray, format);
         QFETCH(const QString, suffix);
@@ -413,7 +433,53 @@ private slots:
         QCOMPARE(Support::Difference(image, expected), QString());
     }
 
-    void a_file_s_suffix_may_be_left_out_as_with_the_toolkit()
+    void the_suffix_decides_where_the_content_has_two_formats_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("XBM") << QStringLiteral("picture.xbm");
+        QTest::newRow("PBM") << QStringLiteral("picture.pbm");
+    }
+
+    void the_suffix_decides_where_the_content_has_two_formats()
+    {
+        QFETCH(const QString, name);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(name);
+        Support::Write_File(path, Pbm_Or_Xbm());
+        const QImage expected(path);
+        QCOMPARE(expected.size(), QSize(8, 1));
+        QCOMPARE(expected.pixelColor(7, 0),
+                 QColor(name.endsWith(QLatin1String("xbm")) ? Qt::white : Qt::black));
+        const TPageImage image = TPageImage::From_File(path);
+        QCOMPARE(Support::Difference(image, expected), QString());
+        QCOMPARE(Support::Difference(image.Encoded(), expected), QString());
+        QCOMPARE(Support::Difference(QImage::fromData(image.Png()), expected), QString());
+        QCOMPARE(Support::Difference(TPageImage::From_Bytes(image.Source_Bytes()), expected),
+                 QString());
+    }
+
+    void a_bmp_is_read_whatever_the_order_of_its_lines_data()
+    {
+        QTest::addColumn<bool>("is_top_down");
+        QTest::newRow("bottom-up") << false;
+        QTest::newRow("top-down") << true;
+    }
+
+    void a_bmp_is_read_whatever_the_order_of_its_lines()
+    {
+        QFETCH(const bool, is_top_down);
+        const QImage picture = Support::Picture(40, 30);
+        const QByteArray bytes = is_top_down ? Top_Down_Bmp(picture) : Encoded(picture, "BMP");
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("picture.bmp"));
+        Support::Write_File(path, bytes);
+        QCOMPARE(Support::Difference(TPageImage::From_File(path), picture), QString());
+        const TPageImage image = TPageImage::From_Bytes(bytes);
+        QCOMPARE(image.size(), QSize(40, 30));
+        QCOMPARE(Support::Difference(image, picture), QString());
+    }
+
+    void the_suffix_of_a_file_may_be_left_out()
     {
         const QTemporaryDir folder;
         const QByteArray bytes = Support::Png(Support::Picture(40, 30));
@@ -431,7 +497,7 @@ private slots:
         QVERIFY(TPageImage::From_File(folder.filePath(QStringLiteral("missing.png"))).isNull());
     }
 
-    void a_png_file_is_taken_over_byte_by_byte()
+    void a_png_file_is_kept_byte_for_byte()
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath(QStringLiteral("picture.png"));
@@ -444,7 +510,7 @@ private slots:
         QCOMPARE(TPageImage::From_File(path).Png(), bytes);
     }
 
-    void the_store_is_bounded_and_forgets_what_was_used_longest_ago()
+    void the_store_is_bounded_and_drops_the_least_recently_used()
     {
         QVector<TPageImage> images;
         for (int seed = 0; seed < 5; ++seed)
@@ -471,7 +537,7 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), 3 * large_bytes);
     }
 
-    void the_newest_image_stays_even_when_it_alone_is_too_large()
+    void the_newest_image_stays_in_the_store_even_when_it_is_too_large()
     {
         const TPageImage small = TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30)));
         QVERIFY(!small.isNull());

@@ -35,7 +35,7 @@ QImage Blank()
     return image;
 }
 
-/// A picture that comes out of scaling as it is when it has its target's size.
+/// A picture that scaling does not change when it already has the target's size.
 QPixmap Picture(const QSize& size)
 {
     return QPixmap::fromImage(Support::Picture(size.width(), size.height()));
@@ -78,7 +78,7 @@ void Draw_Rules_And_Footer(QPainter* painter, const TLines& lines, int width, co
 
 } // namespace
 
-/// The report's pages on a device that is no printer: the painter knows of none.
+/// Draws report pages on an image instead of a printer.
 class TestReportPainter : public QObject
 {
     Q_OBJECT
@@ -165,7 +165,29 @@ private slots:
         QCOMPARE(drawn.pixelColor(target.center().x(), target.bottom()), green);
     }
 
-    void a_null_picture_leaves_the_rest()
+    void a_picture_is_scaled_smoothly()
+    {
+        const TLines lines = Lines(0);
+        const QRect target = Corners(edge_left + 1, lines.hy + 1, rule_right - 1, lines.fy - 2);
+        // Black and white lines of one pixel, of which scaling to half the size makes grey.
+        QImage stripes(target.size() * 2, QImage::Format_RGB32);
+        stripes.fill(Qt::white);
+        QPainter striper(&stripes);
+        for (int y = 0; y < stripes.height(); y += 2)
+            striper.drawLine(0, y, stripes.width(), y);
+        striper.end();
+        QImage drawn = Blank();
+        QPainter device(&drawn);
+        TReportPainter report(&device, 1, QString(), QString(), page);
+        report.Draw_Page(QPixmap::fromImage(stripes), 1);
+        device.end();
+        for (const QPoint& place : {target.center(), target.center() + QPoint(0, 1)}) {
+            const int grey = drawn.pixelColor(place).green();
+            QVERIFY2(grey > 100 && grey < 155, qPrintable(QString::number(grey)));
+        }
+    }
+
+    void a_page_with_a_null_picture_has_everything_else()
     {
         QTest::ignoreMessage(QtWarningMsg, "QPixmap::scaled: Pixmap is a null pixmap");
         QImage expected = Blank();
@@ -180,7 +202,7 @@ private slots:
         QCOMPARE(Support::Difference(drawn, expected), QString());
     }
 
-    void a_further_page_moves_what_hangs_on_its_edges()
+    void a_further_page_moves_only_the_outer_edges()
     {
         // 390 x 590 at (5, 5) has margins of 35 and 26: 5 + 35 = 40, 394 - 35 = 359 and
         // 594 - 26 = 568.
