@@ -5,8 +5,8 @@
 
 namespace {
 
-/// Copies the bytes of a value out of an array whose bounds have been checked. The bytes may lie at
-/// any address, so the value cannot be read in place.
+/// Reads a value from an array after the caller has checked the bounds. The bytes may be unaligned,
+/// so they are copied.
 template <typename T>
 T Load(unsigned int index, const QByteArray& array)
 {
@@ -15,8 +15,8 @@ T Load(unsigned int index, const QByteArray& array)
     return value;
 }
 
-/// Stores bytes into an array whose bounds have been checked, through the element access that
-/// detaches a shared array.
+/// Writes bytes to an array after the caller has checked the bounds. The element access detaches a
+/// shared array.
 void Store(unsigned int index, const char* bytes, int count, QByteArray* array)
 {
     for (int i = 0; i < count; ++i)
@@ -33,8 +33,8 @@ void Store(unsigned int index, const T& value, QByteArray* array)
 
 } // namespace
 
-// The assertions print their condition as it is written, and what they print is relied upon, so
-// they stand in each function and keep their spelling.
+// The assertions print their conditions verbatim, and others depend on these texts. So each
+// function contains its own, with unchanged spelling.
 // clang-format off
 
 QByteArray Conversion::Ascii(unsigned int index, const QByteArray& array)
@@ -79,7 +79,7 @@ void Conversion::Set_Ascii(unsigned int index, const QByteArray& data, QByteArra
 {
     assert(array);
     assert((index + data.size() -1) < static_cast<unsigned int>(array->size()));
-    // The sum above wraps for an index near its type's end, which is misuse all the same.
+    // The sum above wraps around for a very large index.
     assert(index <= static_cast<unsigned int>(array->size()));
     Store(index, data.constData(), data.size(), array);
 }

@@ -9,9 +9,8 @@
 /// on the supported platform): no alignment, no length prefix. Widths in bytes: short 2, int 4,
 /// qint64 8, float 4, double 8.
 ///
-/// Access past the end of an array is a programming error and stops the program by an assertion, so
-/// whoever reads a file checks the bounds first, or accepts that. Nothing here grows an array: the
-/// caller sizes it.
+/// Access past the end of an array is a programming error and fails an assertion, so readers of
+/// files must check the bounds first. No function resizes an array.
 class Conversion
 {
 public:
@@ -26,9 +25,9 @@ public:
     static int Integer(unsigned int index, const QByteArray& array);
     static qint64 Long_Integer(unsigned int index, const QByteArray& array);
 
-    /// Stores data as it is, without a closing zero byte. The bound is tested in 32-bit unsigned
-    /// arithmetic: empty data passes at an index from 1 to the array's size, where it changes
-    /// nothing, and stops the program at index 0.
+    /// Stores data without a terminating zero byte. The bound is checked in 32-bit unsigned
+    /// arithmetic: empty data is accepted at an index from 1 to the array's size and changes
+    /// nothing, but fails the assertion at index 0.
     static void Set_Ascii(unsigned int index, const QByteArray& data, QByteArray* array);
     static void Set_Double(unsigned int index, const double& value, QByteArray* array);
     static void Set_Float(unsigned int index, const float& value, QByteArray* array);

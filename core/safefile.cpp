@@ -12,10 +12,10 @@
 
 namespace {
 
-/// Hidden, so that nobody takes it for a document; the toolkit replaces each X.
+/// Hidden, so that nobody mistakes it for a document. Qt replaces each X.
 const char* const unfinished_name = ".quillet-XXXXXX";
 
-/// Permissions of a file that is made anew: what the user's mask leaves of read and write for all.
+/// Permissions of a new file: read and write for all, restricted by the umask.
 mode_t New_File_Mode()
 {
     const mode_t mask = umask(0);
@@ -28,7 +28,7 @@ QByteArray System_Path(const QString& path)
     return QFile::encodeName(path);
 }
 
-/// Gives a file the permissions that the file it replaces had.
+/// Gives a file the permissions of the file that it replaces, or those of a new file.
 bool Copy_Mode(const QString& from, const QString& to)
 {
     struct stat state = {};
@@ -37,16 +37,15 @@ bool Copy_Mode(const QString& from, const QString& to)
     return chmod(System_Path(to).constData(), mode) == 0;
 }
 
-/// Whether renaming would make another file of the target than people know: one that is somebody
-/// else's, or has further names.
-bool Has_To_Stay(const QString& target)
+/// Whether the target must keep its inode: another user owns it, or it has several hard links.
+bool Must_Keep_Inode(const QString& target)
 {
     struct stat state = {};
     return stat(System_Path(target).constData(), &state) == 0 &&
            (state.st_uid != geteuid() || state.st_nlink > 1);
 }
 
-/// Copies what one open file holds to another one, in blocks.
+/// Copies the content of an open file to another one, block by block.
 bool Copy_Blocks(QFile* from, QFile* to)
 {
     constexpr qint64 block_size = 1024 * 1024;
@@ -58,7 +57,7 @@ bool Copy_Blocks(QFile* from, QFile* to)
     return to->flush();
 }
 
-/// Lets the file system copy, which shares the blocks where it can; false when it cannot copy all.
+/// Copies within the file system, which can share the blocks. Returns false unless it copied all.
 bool Clone(const QFile& from, const QFile& to, qint64 size)
 {
     while (size > 0) {
@@ -75,7 +74,7 @@ bool Copy_Content(const QString& from, const QString& to)
 {
     QFile source(from);
     QFile copy(to);
-    // Without a buffer, so that both ways of copying see the same place in the files.
+    // Unbuffered, so that both ways of copying use the same file positions.
     if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
         !copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return false;
@@ -83,14 +82,14 @@ bool Copy_Content(const QString& from, const QString& to)
            (source.seek(0) && copy.resize(0) && copy.seek(0) && Copy_Blocks(&source, &copy));
 }
 
-/// The file that a path leads to. The target of a link has to be replaced, not the link.
+/// The file that a path refers to. Replaces the target of a link, not the link itself.
 QString Target_Of(const QString& path)
 {
     const QFileInfo info(path);
     QString target = info.canonicalFilePath();
     if (!target.isEmpty())
         return target;
-    // A link may lead to a file that is not there yet.
+    // The target of a link need not exist.
     return info.isSymLink() ? info.symLinkTarget() : path;
 }
 
@@ -101,12 +100,12 @@ TSafeFile::TSafeFile(const QString& path, TKind kind)
     , d_kind(kind)
 {
     const QFileInfo target(d_target);
-    // A device or a write-protected file has to be refused or taken as the target itself would.
+    // A device or a write-protected file is opened directly, with the same success or failure.
     if (target.exists() && (!target.isFile() || !target.isWritable()))
         return;
     d_file = std::make_unique<QTemporaryFile>(target.path() + QLatin1Char('/') +
                                               QLatin1String(unfinished_name));
-    // The user's mask may take away what the owner needs.
+    // The umask may deny even the owner access.
     if (!d_file->open() || fchmod(d_file->handle(), S_IRUSR | S_IWUSR) != 0)
         d_file.reset();
     else
@@ -136,7 +135,7 @@ bool TSafeFile::Commit(const std::function<bool(const QString&)>& is_complete, T
         (reach == TReach::Disk && !Sync(path)) || !Take_Place_Of_Target())
         return false;
     d_file.reset();
-    // The rename is done; whether it has reached the disk as well changes nothing for the caller.
+    // After the rename there is no way back, so a failure to sync the folder is ignored.
     if (reach == TReach::Disk)
         Sync(QFileInfo(d_target).path());
     return true;
@@ -145,7 +144,7 @@ bool TSafeFile::Commit(const std::function<bool(const QString&)>& is_complete, T
 bool TSafeFile::Take_Place_Of_Target()
 {
     const QString path = Path_To_Write();
-    if (d_kind == TKind::Like_Target && Has_To_Stay(d_target))
+    if (d_kind == TKind::Like_Target && Must_Keep_Inode(d_target))
         return Copy_Content(path, d_target);
     if (std::rename(System_Path(path).constData(), System_Path(d_target).constData()) != 0)
         return false;

@@ -8,62 +8,61 @@
 
 class QTemporaryFile;
 
-/// A file that takes the place of another one only when it is complete.
+/// Replaces a file only when the new content is complete.
 ///
-/// The new content is written beside the target and renamed over it at the end, so that there is a
-/// whole file at every moment: the old one or the new one. Where the folder takes no new file but
-/// the target itself can be written, the target is written directly, since there is no better way.
+/// The new content goes to a temporary file in the target's folder, which is then renamed to the
+/// target. So there is a complete file at all times: the old one or the new one. If the folder is
+/// not writable but the target is, the target is written directly.
 ///
-/// While it is being written the new file is for its owner alone (mode 0600) and locked; a kill
-/// leaves it behind without the lock.
+/// The temporary file has mode 0600 and is locked. A killed process leaves it behind unlocked.
 class TSafeFile
 {
 public:
     enum class TKind {
-        Like_Target, ///< gets the permissions of the file that it replaces, or those of a new one
-        Private      ///< stays for its owner alone, and is never written directly
+        Like_Target, ///< gets the permissions of the replaced file, or those of a new file
+        Private      ///< keeps mode 0600; the target is never written directly
     };
 
-    /// How far a new file has to have come before it replaces the old one.
+    /// What the new content survives as soon as Commit returns.
     enum class TReach {
-        System, ///< a crash of the program does it no harm
-        Disk    ///< nor one of the machine
+        System, ///< a crash of the program
+        Disk    ///< a crash of the system or a power failure
     };
 
-    /// @param path  the target; a symbolic link is followed. Missing folders are not made.
+    /// @param path  the target; symbolic links are followed. Its folder must exist.
     explicit TSafeFile(const QString& path, TKind kind = TKind::Like_Target);
-    /// Removes what was not committed.
+    /// Removes the temporary file if it was not committed.
     ~TSafeFile();
     TSafeFile(const TSafeFile&) = delete;
     TSafeFile& operator=(const TSafeFile&) = delete;
 
-    /// Path to write the new content to. It exists already and is empty, unless it is the target.
+    /// Path to write the new content to: an empty temporary file, or the target itself.
     QString Path_To_Write() const;
 
-    /// Whether the new content is written beside the target.
+    /// Whether the new content goes to a temporary file beside the target.
     bool Is_Beside() const { return d_file != nullptr; }
 
-    /// Fills the new file with another file's content, which the file system clones if it can.
+    /// Copies the content of another file to the temporary file. Shares the blocks on disk where
+    /// the file system can.
     bool Copy_From(const QString& source);
 
-    /// Puts the new content in the target's place: asks whether it is complete, sees to its
-    /// permissions, forces it to the disk and renames it. False leaves the target as it was (unless
-    /// it was written directly).
-    /// @param is_complete  judges the file at the given path.
+    /// Replaces the target: checks the new content, sets its permissions, syncs it and renames it.
+    /// On failure, returns false and the target is unchanged, unless it was written directly.
+    /// @param is_complete  checks the file at the given path.
     bool Commit(const std::function<bool(const QString&)>& is_complete,
                 TReach reach = TReach::Disk);
 
-    /// Whether the file is the wanted number of bytes long and ends with the given bytes.
-    /// @param size  in bytes; negative when any will do.
+    /// Whether a file has the given size and ends with the given bytes.
+    /// @param size  in bytes; negative to accept any size.
     static bool Is_Complete(const QString& path, qint64 size, const QByteArray& end);
 
-    /// Replaces a file by bytes; false leaves it as it was.
+    /// Replaces the content of a file. On failure, returns false and the file is unchanged.
     static bool Replace(const QString& path, const QByteArray& content);
 
-    /// Forces a file's content, or a folder's entries, to the disk.
+    /// Writes a file's content, or a folder's entries, to the disk.
     static bool Sync(const QString& path);
 
-    /// Wild-card pattern of the names that files have while they are being written.
+    /// Wildcard pattern of the names of temporary files.
     static QString Unfinished_Pattern();
 
 private:

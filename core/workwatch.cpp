@@ -8,8 +8,8 @@ TWorkWatch* current_watch = nullptr;
 
 } // namespace
 
-TWorkWatch::TWorkWatch(TUse use)
-    : d_use(std::move(use))
+TWorkWatch::TWorkWatch(TCallback callback)
+    : d_callback(std::move(callback))
     , d_outer(std::exchange(current_watch, this))
 {
 }
@@ -19,8 +19,8 @@ TWorkWatch::~TWorkWatch()
     current_watch = d_outer;
 }
 
-void TWorkWatch::Tell()
+void TWorkWatch::Notify()
 {
     if (current_watch)
-        current_watch->d_use();
+        current_watch->d_callback();
 }

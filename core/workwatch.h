@@ -4,32 +4,33 @@
 
 #include <functional>
 
-/// Is told, as long as it lives, whenever a long piece of work has got on a little.
+/// Calls a function, as long as this object lives, whenever long work makes progress.
 ///
-/// Reading, decoding and writing one image can take many seconds within a single call into the
-/// toolkit. The only thing by which they show that they go on is that they come back to their
-/// device for the next block; a TWatchedDevice tells of that. GUI thread only.
+/// Reading, decoding or writing one image is a single call to Qt and can take many seconds. During
+/// that call, Qt only reads from a device or writes to it, block by block. A TWatchedDevice
+/// reports each block. GUI thread only.
 class TWorkWatch
 {
 public:
-    using TUse = std::function<void()>;
+    using TCallback = std::function<void()>;
 
-    /// @param use  is called from the middle of the work, and so must not touch what is worked on.
-    explicit TWorkWatch(TUse use);
-    /// The watch before this one, if there was any, is told again.
+    /// @param callback  is called during the work, so it must not change the data in use. Until
+    ///                  this object is destroyed, it replaces the callback of an earlier watch.
+    explicit TWorkWatch(TCallback callback);
+    /// Restores the watch that was active before.
     ~TWorkWatch();
     TWorkWatch(const TWorkWatch&) = delete;
     TWorkWatch& operator=(const TWorkWatch&) = delete;
 
-    /// Work has got on. Nothing happens when nobody watches.
-    static void Tell();
+    /// Reports progress to the active watch, if there is one.
+    static void Notify();
 
 private:
-    TUse d_use;
+    TCallback d_callback;
     TWorkWatch* d_outer;
 };
 
-/// A device that tells of each block that is read from it or written to it.
+/// A device that notifies TWorkWatch of each block that is read or written.
 template <typename TDevice>
 class TWatchedDevice : public TDevice
 {
@@ -39,13 +40,13 @@ public:
 protected:
     qint64 readData(char* data, qint64 length) override
     {
-        TWorkWatch::Tell();
+        TWorkWatch::Notify();
         return TDevice::readData(data, length);
     }
 
     qint64 writeData(const char* data, qint64 length) override
     {
-        TWorkWatch::Tell();
+        TWorkWatch::Notify();
         return TDevice::writeData(data, length);
     }
 };

@@ -77,18 +77,18 @@ QDomNode First_Child(const QDomNode& parent, const QString& parent_name, bool op
     return child;
 }
 
-/// Lets the DOM take any text while it lives. To the DOM's test of texts every character beyond 16
-/// bits is invalid, and its parser does not survive the null node that results. XmlGuard tests
-/// texts in its place.
-class TTextsAccepted
+/// Makes the DOM accept any text as long as this object lives. The DOM's own check rejects every
+/// character beyond 16 bits, and its parser crashes on the null node that results. XmlGuard checks
+/// the texts instead.
+class TAcceptAnyText
 {
 public:
-    TTextsAccepted()
+    TAcceptAnyText()
     {
         QDomImplementation::setInvalidDataPolicy(QDomImplementation::AcceptInvalidChars);
     }
-    ~TTextsAccepted() { QDomImplementation::setInvalidDataPolicy(d_before); }
-    Q_DISABLE_COPY(TTextsAccepted)
+    ~TAcceptAnyText() { QDomImplementation::setInvalidDataPolicy(d_before); }
+    Q_DISABLE_COPY(TAcceptAnyText)
 
 private:
     const QDomImplementation::InvalidDataPolicy d_before = QDomImplementation::invalidDataPolicy();
@@ -142,7 +142,7 @@ void TXmlFile::Open(const QString& identification, int* version, bool namespace_
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         Throw_File_Error(QStringLiteral("ERR:  Cannot open file: '%1'.  Reason: %2")
                              .arg(d_file_path, file.errorString()));
-    // The DOM does so too when it reads a device: a carriage return may be half a character.
+    // As the DOM does when it reads a device: in UTF-16, a carriage return may be half a character.
     file.setTextModeEnabled(false);
     const QByteArray data = file.readAll();
     file.close();
@@ -165,13 +165,13 @@ void TXmlFile::Load(const QByteArray& data, bool namespace_processing, const QSt
     if (defect) {
         clear();
     } else {
-        const TTextsAccepted accepted;
+        const TAcceptAnyText scope;
         XmlGuard::TDefect error;
         if (!setContent(data, namespace_processing, &error.message, &error.line, &error.column))
             defect = error;
     }
-    // The parser's words come first, the place after them, whatever the pattern says: this is how
-    // the message has always looked.
+    // The parser's text comes first, then the line and the column, although the pattern suggests
+    // another order. Messages have always looked like this.
     if (defect)
         Throw_Data_Error(error_pattern.arg(defect->message, QString::number(defect->line),
                                            QString::number(defect->column)));
@@ -283,7 +283,7 @@ void TXmlFile::Write_Text_Node(QDomElement* node, const QString& text)
     if (!XmlGuard::Is_Text(text))
         Throw_Data_Error(QStringLiteral("ERR:  Cannot write node '%1' with data '%2'")
                              .arg(node->tagName(), text));
-    const TTextsAccepted accepted;
+    const TAcceptAnyText scope;
     node->appendChild(createTextNode(text));
 }
 
@@ -345,7 +345,7 @@ void TXmlFile::Write_Data(QByteArray* data, bool compact) const
 
 void TXmlFile::Save_To(QIODevice* device, bool compact) const
 {
-    // The DOM gives the stream its codec, so the locale's does not matter.
+    // The DOM sets the codec of the stream, so the locale does not matter.
     if (!compact) {
         QTextStream stream(device);
         save(stream, indentation);

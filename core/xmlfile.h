@@ -6,13 +6,13 @@
 
 class QIODevice;
 
-/// What TXmlFile throws when the content of a document, or its file, is not as it has to be. Thrown
-/// by value, caught by reference. The message is meant for the details of an error box.
+/// Thrown by TXmlFile for invalid content and for files that cannot be read or written. The message
+/// is meant for the details of an error box.
 class TXmlFileException
 {
 public:
     enum TExceptionType {
-        File_Error, ///< a file cannot be read, or must not be written
+        File_Error, ///< a file cannot be read, or is write-protected
         Data_Error  ///< everything else
     };
 
@@ -30,48 +30,47 @@ private:
     TExceptionType d_type;
 };
 
-/// An XML document that names its kind by its root element and its version by the root's attribute
+/// An XML document whose root element names its kind, with the version in the root's attribute
 /// "File_Version".
 ///
-/// A document is made by Reset and the write operations, or loaded by Open or Open_Data; it is read
-/// from d_root_element downwards, and written by Write_File or Write_Data. Elements and nodes are
-/// the DOM's own handles: a null one stands for "there is none".
+/// Reset and the write operations create a document; Open and Open_Data load one. Reading starts at
+/// d_root_element. Write_File and Write_Data save the document. Elements and nodes are handles of
+/// the DOM; a null handle means that there is no such node.
 ///
-/// The last argument of every reader, optional, says what happens when the piece is missing: an
-/// empty string or null node is returned, or TXmlFileException (Data_Error) is thrown. A list of
-/// like elements is walked with an optional Get_Node and then optional Get_Sibling_Node calls up to
-/// the first null element.
+/// The last argument of every reader, optional, decides what happens when the requested piece is
+/// missing: the reader returns an empty string or a null node, or it throws TXmlFileException
+/// (Data_Error). To iterate over elements of one name, call Get_Node and then Get_Sibling_Node,
+/// both optional, until the result is null.
 ///
-/// A null pointer is a programming error and stops the program by an assertion, except where an
-/// operation says otherwise. A pointer to a null element or node throws (Data_Error), except in
-/// the operations that take or return a node of any kind without a name: there it has no child and
-/// no sibling.
+/// A null pointer is a programming error and fails an assertion, unless documented otherwise. A
+/// pointer to a null node throws (Data_Error). Get_First_Node and the nameless Get_Sibling_Node
+/// treat a null node as one without children and siblings instead.
 class TXmlFile : public QDomDocument
 {
 public:
-    /// A document without any node. Sets the DOM's policy for invalid data, which is one for the
-    /// whole process, so that names and texts that XML cannot hold yield null nodes.
+    /// Constructs a document without nodes. Sets the DOM's policy for invalid data, which is
+    /// global: names and texts that XML does not allow yield null nodes.
     TXmlFile();
 
-    /// Starts a document anew: an XML declaration (version 1.0, utf-8) and an empty root element.
+    /// Starts a new document with an XML declaration (version 1.0, utf-8) and an empty root
+    /// element.
     void Reset(const QString& root_name, int version);
-    /// Starts a document anew: a document type, no XML declaration, and an empty root element.
+    /// Starts a new document with a document type and an empty root element, but no XML
+    /// declaration.
     void Reset(const QString& doctype_name, const QString& root_name, int version);
-    /// Removes all nodes; there is no root element afterwards.
+    /// Removes all nodes, including the root element.
     void Clear();
 
-    /// Loads d_file_path. Besides what Open_Data throws: File_Error when the file cannot be opened.
+    /// Loads d_file_path. Throws File_Error when the file cannot be opened, else like Open_Data.
     void Open(const QString& identification, int* version, bool namespace_processing);
-    /// Loads a document from memory. Throws Data_Error for a document that is not well formed, one
-    /// beyond the limits of XmlGuard, another root element than the one named by identification
-    /// (upper and lower case differ), and, if version is given, a missing "File_Version".
-    /// @param version  receives the version, 0 when it is no number; may be null, and then the
-    ///                 attribute is not needed.
+    /// Loads a document from memory. Throws Data_Error if it is not well-formed, if it exceeds the
+    /// limits of XmlGuard, if the root element's name is not identification (case-sensitive), or if
+    /// "File_Version" is missing and version is not null.
+    /// @param version  receives the version, 0 when it is not a number; may be null.
     void Open_Data(const QByteArray& data, const QString& identification, int* version,
                    bool namespace_processing);
 
-    /// The first child of a node when it is text; an element, or nothing, in its place is missing
-    /// text.
+    /// The first child of a node, if it is text. Otherwise the text is missing.
     QString Read_Text_Node(const QDomElement* node, bool optional) const;
     QString Read_Text_Node(const QDomNode* node, bool optional) const;
     /// An attribute's value, which may be empty.
@@ -89,10 +88,10 @@ public:
     /// The next sibling of any kind.
     QDomNode Get_Sibling_Node(const QDomNode* current_node, bool optional) const;
 
-    /// Appends an empty element; throws for an empty name. A name that XML does not allow appends
-    /// nothing and yields a null element, which the operations below refuse.
+    /// Appends an empty element; throws for an empty name. For a name that XML does not allow,
+    /// appends nothing and returns a null element, for which the operations below throw.
     QDomElement Create_Node(QDomElement* parent, const QString& name);
-    /// Appends a text; throws for characters that XML cannot hold.
+    /// Appends a text; throws for characters that XML does not allow.
     void Write_Text_Node(QDomElement* node, const QString& text);
     /// @param precision  decimals, in fixed notation.
     void Write_Text_Node(QDomElement* node, const double& value, int precision);
@@ -104,19 +103,18 @@ public:
                          int precision);
     void Write_Attribute(QDomElement* node, const QString& name, int value);
 
-    /// Writes the document to d_file_path, indented by 4 blanks per level or compactly, as
-    /// Write_Data does. Throws File_Error for an existing file that must not be written, Data_Error
-    /// when it cannot be opened.
+    /// Writes the document to d_file_path like Write_Data. Throws File_Error for a write-protected
+    /// file, and Data_Error when the file cannot be opened.
     void Write_File(bool compact) const;
-    /// Replaces data by the document. The encoding is the one of the XML declaration, UTF-8 when
-    /// there is none. A compact document has no indentation and no line breaks at all, not even
-    /// those of its texts.
+    /// Writes the document to data. The encoding is that of the XML declaration, or UTF-8. Indents
+    /// by 4 blanks per level, or, if compact, omits indentation and all line breaks, even those in
+    /// texts.
     void Write_Data(QByteArray* data, bool compact) const;
 
     QDomElement d_root_element;
-    QString d_file_path;      ///< what Open reads and Write_File writes; set it before
-    QString d_identification; ///< root name that the last document was loaded by
-    QString d_doctype_name;   ///< document type of the last document loaded, empty without one
+    QString d_file_path;      ///< file of Open and Write_File; set by the caller
+    QString d_identification; ///< expected root name of the last loaded document
+    QString d_doctype_name;   ///< document type of the last loaded document; may be empty
 
 private:
     void Create_Root(const QString& root_name, int version);

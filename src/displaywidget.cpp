@@ -23,14 +23,14 @@ constexpr double label_z = 1.0; // always above the page image
 /// twice as wide and high as a label.
 constexpr int index_depth = 10;
 
-/// How far a pressed label has to be dragged before it moves, as a sum of both directions in scene
-/// units. Keeps a click with an unsteady hand from moving it.
+/// Least distance by which a drag moves a label, as the sum of both directions in scene units. So a
+/// click with an unsteady hand does not move it.
 constexpr double drag_threshold = 1.0;
 
 /// A rendered page with more pixels than this would take more than 4 GiB of memory.
 constexpr double maximum_picture_pixels = 1024.0 * 1024.0 * 1024.0;
 
-/// Rounds to the nearest integer, halves upward on both sides of zero.
+/// Rounds to the nearest integer; rounds halves up, also below zero.
 int Round_Half_Up(double number)
 {
     return static_cast<int>(std::floor(number + 0.5));
@@ -45,11 +45,10 @@ TDisplayWidget::TDisplayWidget(const QWidget* parent)
           d_scene->addPixmap(QPixmap(QStringLiteral(":/images/background_default.png"))))
 {
     setScene(d_scene);
-    // Many labels changing at once would otherwise be repainted piece by piece, at a cost that
-    // grows with the square of their number.
+    // By default, the view collects the area of each changed label separately, in quadratic time.
     setViewportUpdateMode(QGraphicsView::BoundingRectViewportUpdate);
-    // Left to itself, the scene fits its index to the first item that is looked up, the page image,
-    // and keeps it like that for ten thousand labels.
+    // By default, the scene chooses the depth for the number of items at the first look-up, when
+    // there is only the page image.
     d_scene->setBspTreeDepth(index_depth);
     setDragMode(QGraphicsView::NoDrag);
     d_background_item->setZValue(background_z);
@@ -97,7 +96,7 @@ void TDisplayWidget::Clear()
 
 void TDisplayWidget::Remove_Items()
 {
-    Forget_Pressed_Item();
+    Release_Pressed_Item();
     d_items_by_id.clear();
     d_selected_items.clear();
     for (const QGraphicsPixmapItem* item : std::exchange(d_label_items, {}))
@@ -106,12 +105,12 @@ void TDisplayWidget::Remove_Items()
 
 void TDisplayWidget::Remove_Item(int id)
 {
-    // The item goes with this pointer, and leaves the scene on its way.
+    // Deleting an item also removes it from its scene.
     const std::unique_ptr<QGraphicsPixmapItem> item(d_items_by_id.take(id));
     if (!item)
         return;
     if (item.get() == d_pressed_item)
-        Forget_Pressed_Item();
+        Release_Pressed_Item();
     d_selected_items.remove(item.get());
     d_label_items.erase(std::find(d_label_items.cbegin(), d_label_items.cend(), item.get()));
 }
@@ -122,7 +121,7 @@ QGraphicsPixmapItem* TDisplayWidget::Add_Item(int id, int value, const QString& 
     if (Item_Exists(id))
         return nullptr;
     const QPointF corner = Visible_Corner();
-    // Set up before the scene knows it: the scene would take note of every single step.
+    // Set up before it joins the scene, which would process every change.
     auto label = std::make_unique<QGraphicsPixmapItem>();
     label->setTransformationMode(Qt::SmoothTransformation);
     label->setPos(corner);
@@ -133,7 +132,7 @@ QGraphicsPixmapItem* TDisplayWidget::Add_Item(int id, int value, const QString& 
     label->setData(Centre_Key, corner + LabelPainter::Centre(Label_Style()));
     label->setData(Border_Key, border_type);
     label->setData(Selected_Key, 0);
-    // Not Render_Item: what it would ask the item for is at hand, and asking is slow.
+    // Not Render_Item, since reading the data back from the item is slow.
     label->setPixmap(Render_Label(value, text, border_type, false));
 
     QGraphicsPixmapItem* item = label.release();
@@ -186,7 +185,7 @@ void TDisplayWidget::Set_Selected_Items(const std::vector<int>& ids, bool center
         if (QGraphicsPixmapItem* const item = d_items_by_id.value(id))
             wanted.insert(item);
     }
-    // Only what changes is looked at: a click among ten thousand labels concerns two of them.
+    // Update only the labels that change: a click among ten thousand labels changes two.
     const QSet<QGraphicsPixmapItem*> before = std::exchange(d_selected_items, wanted);
     for (QGraphicsPixmapItem* item : before) {
         if (!wanted.contains(item))
@@ -204,7 +203,7 @@ QPixmap TDisplayWidget::Pixmap()
 {
     Update_Scene_Rect();
     const QRectF scene_rect = d_scene->sceneRect();
-    // Labels come from files as well and may be anywhere, infinitely far away included.
+    // Labels from files can have any position, even an infinite one.
     if (!(scene_rect.width() * scene_rect.height() <= maximum_picture_pixels))
         return QPixmap();
     QPixmap pixmap(static_cast<int>(scene_rect.width()), static_cast<int>(scene_rect.height()));
@@ -252,8 +251,8 @@ QPixmap TDisplayWidget::Render_Pixmap(int value, const int& border_type, bool se
 
 void TDisplayWidget::mousePressEvent(QMouseEvent* event)
 {
-    // The buttons of the press before this one: the first press on the page never pans it, so that
-    // a click that unselects everything does not show a grabbing hand.
+    // These are the buttons of the previous press: the first press on the page never pans it, so
+    // that a click that clears the selection does not show a hand cursor.
     if (d_mouse_buttons & Qt::LeftButton)
         setDragMode(QGraphicsView::ScrollHandDrag);
     QGraphicsView::mousePressEvent(event);
@@ -262,7 +261,7 @@ void TDisplayWidget::mousePressEvent(QMouseEvent* event)
     const QPointF scene_point = Scene_Point(*event);
     d_item_moved = false;
     d_pressed_item = nullptr;
-    // Asked of the event: a slot may run an event loop, in which other buttons get pressed.
+    // Use the buttons of the event: a slot may run an event loop, in which d_mouse_buttons changes.
     if (event->buttons() & Qt::LeftButton)
         Press_Item(scene_point);
     if (event->buttons() & Qt::RightButton)
@@ -283,7 +282,7 @@ void TDisplayWidget::mouseReleaseEvent(QMouseEvent* event)
     setDragMode(QGraphicsView::NoDrag);
     if (!(d_mouse_buttons & Qt::LeftButton))
         return;
-    // Forgotten before it is reported, since a slot may remove the label.
+    // Reset before emitting the signal, since a slot may remove the label.
     const QGraphicsPixmapItem* item = std::exchange(d_pressed_item, nullptr);
     if (item)
         emit Update_Item_Position(item->data(Id_Key).toInt(), item->data(Centre_Key).toPointF());
@@ -293,7 +292,7 @@ void TDisplayWidget::mouseReleaseEvent(QMouseEvent* event)
 
 void TDisplayWidget::mouseDoubleClickEvent(QMouseEvent*)
 {
-    // The presses before it have done all there is to do.
+    // The presses before it have been handled already.
 }
 
 TLabelStyle TDisplayWidget::Label_Style() const
@@ -307,28 +306,27 @@ void TDisplayWidget::Update_Label_Template()
     d_label_cache.Set_Style(Label_Style(), d_label_pixmap);
 }
 
-/// Where a label's top-left corner is when the label is centred on a point.
+/// The top-left corner of a label that is centred on a point.
 QPointF TDisplayWidget::Corner(const QPointF& centre) const
 {
     return centre - LabelPainter::Centre(Label_Style());
 }
 
-/// The origin of the page, or what is at the view's top-left pixel when the origin is out of sight
-/// to the left or above.
+/// The origin of the page or, if it is not visible, the scene point at the view's top-left pixel.
 QPointF TDisplayWidget::Visible_Corner() const
 {
     const QPoint origin = mapFromScene(QPointF(0.0, 0.0));
     return origin.x() < 0 || origin.y() < 0 ? mapToScene(QPoint(0, 0)) : QPointF();
 }
 
-/// The label's pixmap, according to what its item stores.
+/// Draws a label from the data in its item.
 QPixmap TDisplayWidget::Render_Item(const QGraphicsPixmapItem& item) const
 {
     return Render_Label(item.data(Value_Key).toInt(), item.data(Text_Key).toString(),
                         item.data(Border_Key).toInt(), item.data(Selected_Key).toInt() != 0);
 }
 
-/// The pixmap of a label, which shows its text when it has one, and its value otherwise.
+/// Draws a label, with its value if it has no text.
 QPixmap TDisplayWidget::Render_Label(int value, const QString& text, int border_type,
                                      bool selected) const
 {
@@ -342,7 +340,7 @@ void TDisplayWidget::Select_Item(QGraphicsPixmapItem* item, bool selected)
     item->setPixmap(Render_Item(*item));
 }
 
-/// The one of the selected labels that was added last; there has to be one.
+/// The selected label that was added last. At least one label must be selected.
 const QGraphicsPixmapItem* TDisplayWidget::Last_Selected_Item() const
 {
     if (d_selected_items.size() == 1)
@@ -367,9 +365,9 @@ void TDisplayWidget::Show_Background(const QPixmap& pixmap)
     d_background_item->setPos(0.0, 0.0);
 }
 
-/// Called when labels go away. A release that is still to come must neither report the label that
-/// is gone nor count as a click on the page.
-void TDisplayWidget::Forget_Pressed_Item()
+/// Prepares for the removal of the pressed label. The next mouse release must neither report it nor
+/// count as a click on the page.
+void TDisplayWidget::Release_Pressed_Item()
 {
     if (!d_pressed_item)
         return;
@@ -377,7 +375,7 @@ void TDisplayWidget::Forget_Pressed_Item()
     d_item_moved = true;
 }
 
-/// Where in the scene a mouse event took place. View coordinates are whole pixels of the viewport.
+/// The position of a mouse event in the scene, from whole pixels of the viewport.
 QPointF TDisplayWidget::Scene_Point(const QMouseEvent& event) const
 {
     const QPointF position = event.localPos();
@@ -386,7 +384,7 @@ QPointF TDisplayWidget::Scene_Point(const QMouseEvent& event) const
 
 void TDisplayWidget::Press_Item(const QPointF& scene_point)
 {
-    // Whatever is above the page image is a label.
+    // Every item except the page image is a label.
     QGraphicsItem* item = d_scene->itemAt(scene_point, transform());
     if (!item || item == d_background_item)
         return;
@@ -398,7 +396,7 @@ void TDisplayWidget::Press_Item(const QPointF& scene_point)
 void TDisplayWidget::Drag_Item(const QPointF& scene_point)
 {
     const QPointF step = scene_point - d_last_scene_point;
-    // Steps that are too small leave the last point where it is, and so add up.
+    // Small steps do not change the last point, so they add up.
     if (step.manhattanLength() <= drag_threshold)
         return;
     d_last_scene_point = scene_point;

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// What a row keeps besides its id.
+/// Roles of the data in a row besides its id.
 enum Roles {
     Value_Role = TRowList::Id_Role + 1,
     Text_Role,
@@ -35,7 +35,7 @@ struct TBorder
     int code;
 };
 
-/// The borders in the order of the combo box. The first one also stands for unknown codes.
+/// The borders in the order of the combo box. Unknown codes get the icon of the first one.
 const std::array<TBorder, 5> borders = {{
     {QT_TRANSLATE_NOOP("TLabelWidget", "No Border"), ":/gui/outline_none.png", No_Border},
     {QT_TRANSLATE_NOOP("TLabelWidget", "Ellipse"), ":/gui/outline_ellipse.png", Ellipse_Border},
@@ -71,15 +71,15 @@ TLabelWidget::TLabelWidget(const QWidget* parent, Qt::WindowFlags flags)
 
 void TLabelWidget::Create_Widgets()
 {
-    // The order of creation is the order in which the tabulator key visits the widgets.
+    // The Tab key visits the widgets in the order of their creation.
     d_list = new TRowList(this);
     Accessibility::Describe(
         d_list, tr("Item List"),
         tr("The labels of the page. Delete removes the selected ones after a question; Alt with "
-           "the arrow keys up and down moves them in the list."));
-    d_add_button =
-        PanelParts::New_Button(tr("+"), tr("Add Item"),
-                               tr("Adds a label in the corner of what is seen of the page."), this);
+           "the up and down arrow keys moves them in the list."));
+    d_add_button = PanelParts::New_Button(
+        tr("+"), tr("Add Item"), tr("Adds a label in the corner of the visible part of the page."),
+        this);
     d_remove_button = PanelParts::New_Button(
         tr("-"), tr("Remove Item"), tr("Removes the selected labels after a question."), this);
     d_value_editor = New_Editor(tr("Item Value"), this);
@@ -102,10 +102,10 @@ void TLabelWidget::Arrange_Widgets()
     auto* const editors = new QGridLayout;
     PanelParts::Add_Row(
         editors, 0, tr("Item Value:"), d_value_editor,
-        tr("The number of the selected label; without a selection, of the next new one."));
+        tr("The number of the selected label or, without a selection, of the next new one."));
     PanelParts::Add_Row(
         editors, 1, tr("Item Text:"), d_text_editor,
-        tr("What the selected label shows in place of its number. Return takes it over."));
+        tr("Shown by the selected label instead of its number. Press Return to apply it."));
     PanelParts::Add_Row(editors, 2, tr("Border Type:"), d_border_box,
                         tr("The border of the selected labels; without a selection, of new ones."));
 
@@ -130,7 +130,7 @@ void TLabelWidget::Connect_Widgets()
 
 void TLabelWidget::Add_Item(const TDataItem& item)
 {
-    // The row joins the list complete, so that the list takes notice of it once.
+    // The row is complete before it joins the list, so that the list updates only once.
     auto* const row = new QListWidgetItem;
     row->setText(ItemFormat::Row_Text(d_display_format, item.value, item.text));
     row->setIcon(Border_Icon(item.border_type));
@@ -155,7 +155,7 @@ void TLabelWidget::Set_Selection(int id)
 
 void TLabelWidget::Add_Selection(int id)
 {
-    // Not SelectCurrent: that one takes back what the call before it selected.
+    // Not SelectCurrent, which would undo the previous selection.
     if (QListWidgetItem* const row = d_list->Row(id))
         d_list->setCurrentItem(row, QItemSelectionModel::Select);
 }
@@ -229,8 +229,8 @@ void TLabelWidget::Show_Selection()
     const QList<QListWidgetItem*> rows = d_list->selectedItems();
     d_remove_button->setEnabled(!rows.isEmpty());
 
-    // Showing what is selected is no edit. A text editor that is disabled while it has the focus
-    // would otherwise even report that its editing was finished.
+    // Showing the selection is not an edit. Without the blockers, disabling a focused text editor
+    // would emit editingFinished.
     const QSignalBlocker value_blocker(d_value_editor);
     const QSignalBlocker text_blocker(d_text_editor);
     const QSignalBlocker border_blocker(d_border_box);

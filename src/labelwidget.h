@@ -15,9 +15,9 @@ class TRowList;
 
 /// Dock panel that lists the labels of the active page and edits the selected ones.
 ///
-/// The rows hold copies of what they show. Whoever owns the document fills the list and applies
-/// what the signals tell; the panel reacts to the user only and never reports a change that was
-/// made through its operations, but for the selection.
+/// The rows contain copies of the data they show. The owner of the document fills the list and
+/// applies the changes that the signals report. The panel reports changes by the user only, except
+/// for the selection.
 class TLabelWidget : public QWidget
 {
     Q_OBJECT
@@ -25,54 +25,52 @@ class TLabelWidget : public QWidget
 public:
     TLabelWidget(const QWidget* parent, Qt::WindowFlags flags);
 
-    /// Appends a row for a label. The selection stays.
+    /// Appends a row for a label. The selection does not change.
     void Add_Item(const TDataItem& item);
-    /// Takes the first row with this id away; an unknown id changes nothing.
+    /// Removes the first row with this id; does nothing for an unknown id.
     void Remove_Item(int id);
-    /// Selects the first row with this id alone; an unknown id leaves nothing selected.
+    /// Selects only the first row with this id, or nothing for an unknown id.
     void Set_Selection(int id);
     /// Adds the first row with this id to the selection and makes it current.
     void Add_Selection(int id);
     void Clear_Selection();
-    /// Ids of the selected rows in the order in which the list reports them.
+    /// Ids of the selected rows, in the order of QListWidget::selectedItems().
     std::vector<int> Selected_Items() const;
-    /// Border code that the combo box shows.
+    /// The border code in the combo box.
     int Border_Type() const;
-    /// Shows a border in the combo box and reports nothing; an unknown code changes nothing.
+    /// Sets the border in the combo box without reporting it; does nothing for an unknown code.
     void Set_Border_Type(int border_type);
-    /// Sets the value that the next new label gets, and shows it.
+    /// Sets the value of the next new label and shows it.
     void Set_Label_Index(int value);
-    /// Spends the value for a new label. The next one will be one more, and is also what the value
-    /// editor shows from then on when nothing is selected; what it shows now stays.
-    /// @return the value for the new label.
+    /// Returns the value for a new label and increments it. The value editor shows the new value
+    /// the next time that nothing is selected.
     int Take_Label_Index();
-    /// The value that the next new label gets.
+    /// The value of the next new label.
     int Next_Value() const { return d_next_value; }
-    /// What the value editor shows when nothing is selected.
+    /// The value in the editor when nothing is selected.
     int Value_Without_Selection() const { return d_label_index; }
-    /// Sets both of them. What the editor shows stays.
+    /// Sets Next_Value and Value_Without_Selection without showing them.
     void Set_Values(int next_value, int value_without_selection);
-    /// Selects the rows with these ids and no other, and reports that once, be it a change or not.
+    /// Selects only the rows with these ids. Always emits Selection_Changed once.
     void Select_Items(const std::vector<int>& ids);
-    /// Takes all rows away.
+    /// Removes all rows.
     void Clear();
 
-    /// How rows are made from a label's value and text; see ItemFormat. Rows that are there already
-    /// keep their texts.
+    /// Format of the rows' texts; see ItemFormat. Existing rows keep their texts.
     QString d_display_format;
 
 Q_SIGNALS:
-    /// A new label is wanted.
+    /// The user requests a new label.
     void Add_Item();
-    /// The selected labels are to be removed.
+    /// The user requests the removal of the selected labels.
     void Remove_Item();
-    /// The user gave the only selected label another value.
+    /// The user changed the value of the only selected label.
     void Change_Item_Value(int id, int value);
-    /// The user gave the only selected label another text.
+    /// The user changed the text of the only selected label.
     void Change_Item_Text(int id, const QString& text);
-    /// The user chose a border: once for each selected label.
+    /// The user chose a border. Emitted for each selected label.
     void Change_Item_Border(int id, int border_type);
-    /// Other rows are selected than before.
+    /// The selection has changed.
     void Selection_Changed();
 
 private Q_SLOTS:
@@ -95,7 +93,7 @@ private:
     QLineEdit* d_value_editor = nullptr;
     QLineEdit* d_text_editor = nullptr;
     QComboBox* d_border_box = nullptr;
-    std::vector<QIcon> d_border_icons; ///< in the order of the combo box, read once for all rows
+    std::vector<QIcon> d_border_icons; ///< in the order of the combo box, shared by all rows
     int d_label_index;                 ///< shown in the value editor when nothing is selected
     int d_next_value;                  ///< for the next new label
 };

@@ -27,8 +27,8 @@ TMessageBox::TMessageBox(const QWidget* parent)
 void TMessageBox::resizeEvent(QResizeEvent* event)
 {
     QMessageBox::resizeEvent(event);
-    // The base class fixes a size of its own whenever the contents change. Fixing the width again
-    // may resize the box once more; the second time the width is the same and nothing happens.
+    // The base class sets its own fixed size whenever the contents change. Setting the width again
+    // may resize the box once more, but then the width no longer changes.
     setFixedWidth(d_fixed_width);
 }
 

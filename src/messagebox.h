@@ -2,11 +2,11 @@
 
 #include <QMessageBox>
 
-/// The message box for every question and every failure: a fixed width, no icons on the buttons, a
-/// bold text and a normal informative text, so that all messages look the same.
+/// The message box for all questions and errors. It has a fixed width, no icons on the buttons, a
+/// bold text and a normal informative text.
 ///
-/// One instance serves all messages; whoever shows it sets the texts, the buttons, the default
-/// button and the icon anew before each exec().
+/// One instance shows all messages. Callers set texts, buttons, default button and icon before each
+/// exec().
 class TMessageBox : public QMessageBox
 {
     Q_OBJECT
@@ -20,14 +20,14 @@ protected:
 
 public:
     /// Shows the box modally.
-    /// @return the standard button that was pressed.
+    /// @return the standard button that the user pressed.
     int exec() override;
-    /// Sets the main text, shown bold. Markup in it is markup.
+    /// Sets the main text, shown in bold. The text may contain markup.
     ///
-    /// This one and setInformativeText hide the base class's operations, which are not virtual:
-    /// call them through this type, or the text comes without its look.
+    /// This function and setInformativeText hide non-virtual functions of the base class. Call them
+    /// through this type, or the text is not formatted.
     virtual void setText(const QString& text);
-    /// Sets the text below the main one, shown in normal weight. Markup in it is markup.
+    /// Sets the text below the main text, shown in normal weight. The text may contain markup.
     virtual void setInformativeText(const QString& text);
 
 private:

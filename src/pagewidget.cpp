@@ -14,7 +14,7 @@
 namespace {
 
 const QSize panel_size(280, 250); // pixels
-// Two rows. By itself the list would take more, and the window be too high for a small screen.
+// Two rows. The list's own minimum would make the window too high for a small screen.
 const int least_list_height = 48; // pixels
 const int no_page = -1;
 
@@ -35,12 +35,12 @@ TPageWidget::TPageWidget(const QWidget* parent, Qt::WindowFlags flags)
 
 void TPageWidget::Create_Widgets()
 {
-    // The order of creation is the order in which the tabulator key visits the widgets.
+    // The Tab key visits the widgets in the order of their creation.
     d_list = new TRowList(this);
     Accessibility::Describe(
         d_list, tr("Page List"),
-        tr("The pages of the document; the one that is selected is shown. Delete removes the "
-           "selected ones after a question; Alt with the arrow keys up and down moves them."));
+        tr("The pages of the document; the selected one is shown. Delete removes the selected "
+           "ones after a question; Alt with the up and down arrow keys moves them."));
     d_list->setMinimumHeight(least_list_height);
     d_name_editor = new QLineEdit(this);
     d_name_editor->setAlignment(Qt::AlignCenter);
@@ -125,7 +125,7 @@ void TPageWidget::Select_Pages(const std::vector<int>& page_ids)
 {
     const QSignalBlocker blocker(this);
     d_list->Select_Rows(page_ids);
-    // Rows that were taken away with the selection have told nobody of it.
+    // The list does not report that selected rows were removed.
     Page_Selection_Changed();
 }
 

@@ -8,10 +8,10 @@ class QToolButton;
 class QAbstractItemModel;
 class TRowList;
 
-/// Dock panel that lists the pages of the document, and the place where their names live.
+/// Dock panel that lists the pages of the document and stores their names.
 ///
-/// The user selects, renames and reorders pages here, and asks for new ones and for the removal of
-/// selected ones; whoever owns the document answers by adding and removing the rows.
+/// Users select, rename and reorder pages here. They can also request new pages and the removal of
+/// selected ones; the owner of the document then adds and removes the rows.
 class TPageWidget : public QWidget
 {
     Q_OBJECT
@@ -19,35 +19,35 @@ class TPageWidget : public QWidget
 public:
     TPageWidget(const QWidget* parent, Qt::WindowFlags flags);
 
-    /// Appends a row named "Page" and the id. The selection stays.
+    /// Appends a row named "Page" and the id. The selection does not change.
     void Add_Page(int page_id);
-    /// Takes the first row with this id away; an unknown id changes nothing.
+    /// Removes the first row with this id; does nothing for an unknown id.
     void Remove_Page(int page_id);
-    /// Selects the first row with this id alone; an unknown id keeps the selection.
+    /// Selects only the first row with this id; does nothing for an unknown id.
     void Set_Active_Page(int page_id);
-    /// Renames the first row with this id. The name editor is left as it is.
+    /// Renames the first row with this id. Does not update the name editor.
     void Set_Page_Name(int page_id, const QString& name);
-    /// Name of the first row with this id; a null string for an unknown id.
+    /// The name of the first row with this id; a null string for an unknown id.
     QString Page_Name(int page_id) const;
-    /// Ids of all rows in the order in which they are shown.
+    /// Ids of all rows, from top to bottom.
     QList<int> Page_Ids() const;
     /// Ids of the selected rows.
     std::vector<int> Selected_Pages() const;
-    /// Selects the rows with these ids and no other, and brings buttons and name editor into line.
-    /// Reports nothing.
+    /// Selects only the rows with these ids and updates the buttons and the name editor. Emits no
+    /// signal.
     void Select_Pages(const std::vector<int>& page_ids);
-    /// The rows, for somebody who wants to be told when the user renames or moves them.
+    /// The model of the list, whose signals report that the user renames or moves rows.
     const QAbstractItemModel* Rows() const;
-    /// Takes all rows away.
+    /// Removes all rows.
     void Clear();
 
 Q_SIGNALS:
-    /// A new page is wanted.
+    /// The user requests a new page.
     void Add_Page();
-    /// The pages with these ids are to be removed; their rows are still there.
+    /// The user requests the removal of these pages. Their rows still exist.
     void Remove_Pages(const QList<int>& page_ids);
-    /// Other rows are selected than before.
-    /// @param page_id  the page when it is the only selected one, otherwise -1.
+    /// The selection has changed.
+    /// @param page_id  the only selected page; -1 when none or several are selected.
     void Selection_Changed(int page_id);
 
 private Q_SLOTS:

@@ -148,14 +148,14 @@ bool TQuillet::Write_Data(const QString& file_name)
     if (writer.Size() > ProjectLayout::Largest_File)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
-    progress.Go_On();
+    progress.Update();
     d_safety_net->Before_Save(file_name);
     QFile file(file_name);
     if (!file.open(QIODevice::WriteOnly))
         return Fail(tr("Cannot open file for writing"));
     if (!fault.isEmpty())
         return Fail(fault);
-    progress.Go_On();
+    progress.Update();
     writer.Write_To(&file);
     file.close();
     d_safety_net->After_Save(file_name, writer.Size());
@@ -218,7 +218,7 @@ bool TQuillet::Show_Content(const TFileContent& content, TProgress* progress)
     if (!content.fault.isEmpty())
         return Fail(content.fault);
     // Showing the page decodes its image.
-    progress->Go_On();
+    progress->Update();
     d_page_widget->Set_Active_Page(d_data.Active_Page());
     d_label_widget->Set_Label_Index(TNumbering::After(largest_value));
     return true;

@@ -15,7 +15,7 @@ bool TQuillet::Load_Legacy_Data(const QString& base_name)
     TProgress progress = New_Progress(tr("Opening page %1 of %2"));
     progress.Step(1, 1);
     const auto read_list = [&](TXmlFile* xml_file, int version, std::vector<TDataItem>* items) {
-        progress.Go_On();
+        progress.Update();
         if (version == 1)
             Load_Legacy_V1(xml_file, items);
         else
@@ -27,7 +27,7 @@ bool TQuillet::Load_Legacy_Data(const QString& base_name)
     } catch (const TXmlFileException& exception) {
         content.fault = exception.Message();
     }
-    progress.Go_On();
+    progress.Update();
     return Show_Content(content, &progress);
 }
 

@@ -4,6 +4,7 @@
 
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
+#include "src/model/itemformat.h"
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
@@ -79,8 +80,8 @@ void TQuillet::Restore_Settings()
     constexpr int largest_view_size = 2048;
     Label_Size_Changed(qBound(least_view_size, label_size, largest_view_size));
 
-    d_settings_widget->Set_Display_Format(
-        Read_Setting(settings, "Item_Display_Format", QStringLiteral("Item[%1]")));
+    d_settings_widget->Set_Display_Format(Read_Setting(
+        settings, "Item_Display_Format", QString::fromLatin1(ItemFormat::Initial_Format)));
     Set_Label_Color(Read_Setting(settings, "Label_Color", defaults.color_name));
     d_settings_widget->Set_PDF_Orientation(Read_Setting(settings, "PDF_Orientation", 0));
     d_settings_widget->Set_PDF_Resolution(Read_Setting(settings, "PDF_Resolution", 2));

@@ -16,9 +16,9 @@ namespace {
 
 constexpr int initial_width = 520; // pixels
 constexpr int initial_height = 250;
-constexpr int fallback_value = 1; ///< first value where the typed text is no integer
+constexpr int fallback_value = 1; ///< first value when the typed text is not an integer
 constexpr int column_count = 5;
-constexpr int spacer_size = 8; ///< pixels below which the spacers do not shrink
+constexpr int spacer_size = 8; ///< minimum size of the spacers in pixels
 
 /// Rows of the grid, from top to bottom.
 enum TRow {
@@ -34,7 +34,7 @@ enum TRow {
 constexpr int parameter_rows = 2;
 constexpr int option_rows = 3;
 
-/// Adds the title of a group of rows and the line that stands between it and the rows.
+/// Adds the title of a group of rows and the line between the title and the rows.
 void Add_Group_Title(const QString& title, TRow row, int row_count, QDialog* dialog,
                      QGridLayout* grid)
 {
@@ -44,7 +44,7 @@ void Add_Group_Title(const QString& title, TRow row, int row_count, QDialog* dia
     grid->addWidget(DialogParts::Sunken_Line(QFrame::VLine, dialog), row, 1, row_count, 1);
 }
 
-/// Adds a row of an input widget with the text that names it.
+/// Adds a row with an input widget and its caption.
 void Add_Input(const QString& text, QWidget* input, const QString& description, TRow row,
                QDialog* dialog, QGridLayout* grid)
 {
@@ -100,7 +100,7 @@ void TReindexDialog::Build_Parameters(QGridLayout* grid)
 
     d_initial_value = new QLineEdit(QStringLiteral("100"), this);
     d_initial_value->setAlignment(Qt::AlignCenter);
-    Add_Input(tr("First Item Value:"), d_initial_value, tr("The number that the first label gets."),
+    Add_Input(tr("First Item Value:"), d_initial_value, tr("The number of the first label."),
               First_Value, this, grid);
 
     d_increment_method = new QComboBox(this);
@@ -110,7 +110,7 @@ void TReindexDialog::Build_Parameters(QGridLayout* grid)
     d_increment_method->addItem(tr("Next 1000X"), TNumbering::Next_1000X);
     d_increment_method->setCurrentIndex(d_increment_method->findData(TNumbering::Next_100X));
     Add_Input(tr("Increment Over Page:"), d_increment_method,
-              tr("Where the numbers of each further page begin."), Increment, this, grid);
+              tr("The number with which each further page begins."), Increment, this, grid);
 
     grid->addItem(new QSpacerItem(spacer_size, 0, QSizePolicy::Expanding, QSizePolicy::Minimum),
                   First_Value, column_count - 1, parameter_rows, 1);
@@ -126,11 +126,11 @@ void TReindexDialog::Build_Options(QGridLayout* grid)
     d_option_all_pages->setChecked(true);
 
     d_option_all_pages->setAccessibleDescription(
-        tr("Renumbers every label of the document, page after page."));
+        tr("Renumbers all labels of the document, page by page."));
     d_option_current_page->setAccessibleDescription(
-        tr("Renumbers the labels of the page that is shown."));
+        tr("Renumbers the labels of the current page."));
     d_option_selected->setAccessibleDescription(
-        tr("Renumbers the selected labels of the page that is shown."));
+        tr("Renumbers the selected labels of the current page."));
 
     int row = First_Option;
     for (QRadioButton* const option :

@@ -8,11 +8,11 @@ class QLineEdit;
 class QPushButton;
 class QRadioButton;
 
-/// Asks how labels are to be renumbered: from which value on, how the count goes over a page break,
-/// and which labels.
+/// Asks how to renumber labels: the first value, how to continue on the next page, and which
+/// labels.
 ///
-/// The dialog is meant to be kept and run again; it then shows the choices of its last use. It only
-/// asks, the renumbering is its user's.
+/// The dialog only returns the choices; the caller renumbers. A dialog that is shown again keeps
+/// the choices of its last use.
 class TReindexDialog : public QDialog
 {
     Q_OBJECT
@@ -23,11 +23,11 @@ public:
 
     TReindexDialog(const QWidget* parent, Qt::WindowFlags flags);
 
-    /// The value to begin with; 1 when what was typed is not an integer in base 10.
+    /// The first value; 1 when the typed text is not a decimal integer.
     int Initial_Value() const;
-    /// How the count goes over a page break, one of the codes of TNumbering::TMethod.
+    /// How to continue on the next page, one of TNumbering::TMethod.
     int Increment_Over_Page_Method() const;
-    /// Which labels are to be renumbered, one of TOption.
+    /// Which labels to renumber, one of TOption.
     int Reindex_Option() const;
 
 private:

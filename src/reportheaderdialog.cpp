@@ -14,7 +14,7 @@ namespace {
 constexpr int initial_width = 510; // pixels
 constexpr int initial_height = 163;
 constexpr int column_count = 2;
-constexpr int spacer_size = 8; ///< pixels below which the spacer does not shrink
+constexpr int spacer_size = 8; ///< minimum size of the spacer in pixels
 
 /// Rows of the grid, from top to bottom.
 enum TRow { Header_1 = 0, Header_2 = 1, Line = 2, Spacer = 3, Buttons = 4 };
@@ -35,7 +35,7 @@ TReportHeaderDialog::TReportHeaderDialog(const QWidget* parent, Qt::WindowFlags 
                   Spacer, 0, 1, column_count);
     auto* const accept = new QPushButton(tr("Accept"), this);
     accept->setAutoDefault(true);
-    accept->setAccessibleDescription(tr("Goes on to the name of the report's file."));
+    accept->setAccessibleDescription(tr("Continues with the file name of the report."));
     grid->addLayout(DialogParts::Button_Row(accept, this), Buttons, 0, 1, column_count);
 }
 

@@ -7,8 +7,7 @@ class QLineEdit;
 
 /// Asks for the two header lines of the report.
 ///
-/// The dialog is meant to be kept: the texts typed once are offered again the next time, and belong
-/// to the document, which brings them along when it is opened.
+/// The texts are part of the document. A dialog that is shown again keeps them.
 class TReportHeaderDialog : public QDialog
 {
     Q_OBJECT

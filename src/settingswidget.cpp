@@ -20,10 +20,8 @@
 namespace {
 
 const QSize panel_size(315, 217); // pixels
-const char* const initial_format = "Item[%1]";
-const QColor initial_color(250, 8, 50);
-const int smallest_icon = 16; // pixels
-const int icon_margin = 6;    // pixels of the colour button that the icon leaves free
+const int smallest_icon = 16;     // pixels
+const int icon_margin = 6;        // pixels of the colour button that the icon leaves free
 
 struct TChoice
 {
@@ -52,7 +50,7 @@ QComboBox* New_Box(const TChoices& choices, QWidget* parent)
     return box;
 }
 
-/// Shows the entry with this code, or the one at the given place when there is none.
+/// Selects the entry with this code, or the one at the given place when there is none.
 void Show_Choice(QComboBox* box, int code, int otherwise)
 {
     const int place = box->findData(code);
@@ -63,7 +61,7 @@ void Show_Choice(QComboBox* box, int code, int otherwise)
 
 TSettingsWidget::TSettingsWidget(const QWidget* parent, Qt::WindowFlags flags)
     : QWidget(Parent_Widget(parent), flags)
-    , d_label_color(initial_color)
+    , d_label_color(TAppearance::Initial_Color())
 {
     resize(panel_size);
     setWindowTitle(tr("Settings"));
@@ -74,13 +72,13 @@ TSettingsWidget::TSettingsWidget(const QWidget* parent, Qt::WindowFlags flags)
 
 void TSettingsWidget::Create_Widgets()
 {
-    // The order of creation is the order in which the tabulator key visits the widgets.
-    d_format_editor = new QLineEdit(QString::fromLatin1(initial_format), this);
+    // The Tab key visits the widgets in the order of their creation.
+    d_format_editor = new QLineEdit(QString::fromLatin1(ItemFormat::Initial_Format), this);
     d_format_editor->setAlignment(Qt::AlignCenter);
     d_color_button = new QToolButton(this);
     d_color_button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
-    // The icon fills the button, and the button wants to be larger than its icon. Limits of its own
-    // keep it, and with it the dock, from growing with the icon and from staying as wide for good.
+    // The icon fills the button, but the button's size hint is larger than its icon. Without these
+    // limits, the button and the dock would grow with the icon and never shrink again.
     d_color_button->setMinimumWidth(smallest_icon + icon_margin);
     d_color_button->setFixedHeight(d_color_button->sizeHint().height());
     d_size_slider = new QSlider(Qt::Horizontal, this);
@@ -200,7 +198,7 @@ QIcon TSettingsWidget::Create_Icon(const QSize& size, const QColor& color) const
 void TSettingsWidget::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    // Only now has the layout given the colour button its size.
+    // The layout sets the size of the colour button before the first resize event.
     if (!d_first_resize)
         return;
     d_first_resize = false;

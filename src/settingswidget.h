@@ -10,8 +10,8 @@ class QLineEdit;
 class QSlider;
 class QToolButton;
 
-/// Dock panel for the look of the labels and of the item list, for following the selected label,
-/// and for the options of the PDF report.
+/// Dock panel for the look of the labels and the item list, for tracking the selected label, and
+/// for the options of the PDF report.
 class TSettingsWidget : public QWidget
 {
     Q_OBJECT
@@ -21,34 +21,34 @@ public:
 
     /// Width and height of a label in pixels of the page image.
     int Label_Size() const;
-    /// @param size  in pixels; brought into the range from 16 to 128.
+    /// @param size  in pixels; clipped to the range from 16 to 128.
     void Set_Label_Size(int size);
     QColor Label_Color() const;
     /// Sets the colour without reporting it.
     void Set_Label_Color(const QColor& color);
-    /// Whether the page view follows the selected label.
+    /// Whether the page view scrolls to the selected label.
     bool Track_Label() const;
     void Set_Track_Label(bool track);
-    /// The item display format as it stands in the editor.
+    /// The item display format in the editor.
     QString Display_Format() const;
-    /// Sets the format as it is given, without reporting it.
+    /// Sets the format unchanged, without reporting it.
     void Set_Display_Format(const QString& format);
     /// 0 portrait, 1 landscape.
     int PDF_Orientation() const;
-    /// @param orientation  0 for portrait; everything else is landscape.
+    /// @param orientation  0 for portrait; any other code for landscape.
     void Set_PDF_Orientation(int orientation);
     /// Code of the resolution: 1 for 96, 2 for 180, 3 for 276, 4 for 372 dots per inch.
     int PDF_Resolution() const;
-    /// @param resolution  code from 1 to 4; everything else is 1.
+    /// @param resolution  code from 1 to 4; any other code counts as 1.
     void Set_PDF_Resolution(int resolution);
-    /// An icon of one colour.
+    /// Creates an icon of one colour.
     /// @param size  in pixels.
     QIcon Create_Icon(const QSize& size, const QColor& color) const;
 
 Q_SIGNALS:
     /// The label size has changed, by the user or by Set_Label_Size.
     void Label_Size_Changed(int size);
-    /// The user chose a colour, be it the same again.
+    /// The user chose a colour, possibly the same again.
     void Color_Changed(QColor color);
     /// The user finished editing the format, changed or not.
     /// @param format  the cleaned format, see ItemFormat::Clean.

@@ -23,8 +23,8 @@ QString ExportNames::Image_Path(const QString& folder, const QString& page_name,
     QString path = folder;
     if (!path.endsWith(QLatin1Char('/')) && !path.endsWith(QLatin1Char('\\')))
         path += QLatin1Char('/');
-    // Joined piece by piece, since a name may hold "%1" itself. The C locale keeps the digits of
-    // the time stamp ASCII where the user's locale writes others, as QDateTime::toString would.
+    // Not QString::arg, since a page name may contain "%1". Not QDateTime::toString, which writes
+    // other digits than ASCII in some locales.
     return path + File_Part(page_name, page_id) + QLatin1Char('-') +
            QLocale::c().toString(time, QStringLiteral("ddMMyyyyhhmmss")) +
            QString::number(counter) + QStringLiteral(".png");

@@ -3,14 +3,14 @@
 #include <QDateTime>
 #include <QString>
 
-/// Names of exported page images.
+/// Generates the names of exported page images.
 namespace ExportNames {
 
-/// Path of one exported page: folder, page name with each "/", "\", ":", ">" and "<" replaced by
-/// "_", "-", time stamp (day, month, year, hour, minute, second) and running number, which follows
-/// the time stamp without a separator, as in "/tmp/out/Cover-161120260705091.png". All other
-/// characters of the page name are kept as they are.
-/// @param folder     gets a "/" unless it ends with "/" or "\".
+/// The path of an exported page: folder, page name, "-", time stamp (day, month, year, hour,
+/// minute, second) and running number without a separator, as in
+/// "/tmp/out/Cover-161120260705091.png". In the page name, each "/", "\", ":", ">" and "<" is
+/// replaced by "_".
+/// @param folder     a "/" is appended unless it ends with "/" or "\".
 /// @param page_name  may be empty; the file is then named "Image_" and the page id.
 /// @param time       the same for all pages of an export.
 /// @param counter    running number of the page in this export, from 1.

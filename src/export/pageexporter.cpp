@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The page as the printer sees it, in device pixels.
+/// The page rectangle in device pixels.
 QRect Page_Rectangle(const QPrinter& printer)
 {
     return printer.pageLayout().paintRectPixels(printer.resolution());
@@ -52,7 +52,7 @@ TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QLi
 {
     if (page_ids.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
         return TOutcome::Not_Begun;
-    // Without a file name the toolkit would print on paper.
+    // Without a file name, Qt would print on paper.
     if (file.isEmpty())
         return TOutcome::Not_Begun;
     TSafeFile target(file);
@@ -76,7 +76,7 @@ TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QLi
     return target.Commit(Is_Complete_Pdf) ? TOutcome::Complete : TOutcome::Incomplete;
 }
 
-bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TUse& use) const
+bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TPictureHandler& handler) const
 {
     if (page_ids.isEmpty())
         return false;
@@ -90,7 +90,7 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TUse& use) cons
         Reload_View();
         const QPixmap picture = d_view->Pixmap();
         Report_Step(number, page_ids.size());
-        succeeded = use(page_id, picture);
+        succeeded = handler(page_id, picture);
         if (!succeeded)
             break;
     }
@@ -106,7 +106,7 @@ void TPageExporter::Report_Step(int number, int total) const
         d_report(number, total);
 }
 
-/// Rebuilds the view for the active page; without one it is left empty.
+/// Rebuilds the view for the active page, if there is one.
 void TPageExporter::Reload_View() const
 {
     d_view->Clear();
@@ -119,15 +119,15 @@ bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path)
     QByteArray bytes;
     TWatchedDevice<QBuffer> buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    // Every PNG ends with an empty chunk of this type and its check sum. It is encoded and checked
-    // before a file of that name is replaced.
+    // Every PNG ends with an empty chunk of this type and its checksum. Check for it before
+    // replacing an existing file.
     const QByteArray end("IEND\xAE\x42\x60\x82", 8);
     return picture.save(&buffer, "png") && bytes.endsWith(end) && TSafeFile::Replace(path, bytes);
 }
 
 bool TPageExporter::Is_Complete_Pdf(const QString& path)
 {
-    // "startxref", the offset of the table, and the end mark, each on a line of its own.
+    // The last lines are "startxref", the offset of the table, and the end marker.
     constexpr qint64 tail_length = 64;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || !file.seek(qMax<qint64>(0, file.size() - tail_length)))

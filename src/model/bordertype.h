@@ -1,6 +1,6 @@
 #pragma once
 
-/// Border type codes as they are stored with a label. They are bit values, not a sequence.
+/// Border type codes as stored with a label. They are bit values, not a sequence.
 enum TBorderType {
     No_Border = 0,
     Square_Border = 1,
@@ -23,7 +23,7 @@ constexpr TBorderName Border_Names[] = {{No_Border, "none"},
                                         {Triangle_Border, "triangle"},
                                         {Diamond_Border, "diamond"}};
 
-/// Whether a code is one of TBorderType. Labels keep other codes, but are drawn without a border.
+/// Whether a code is one of TBorderType. Labels keep other codes and are drawn without a border.
 constexpr bool Is_Border_Type(int code)
 {
     for (const TBorderName& border : Border_Names) {

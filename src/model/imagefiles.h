@@ -2,13 +2,13 @@
 
 #include <QString>
 
-/// Which files are taken for page images by their names.
+/// Recognizes image files by their names.
 namespace ImageFiles {
 
-/// As the pattern of a file dialog: "*.bmp *.gif ...".
+/// Name patterns for a file dialog: "*.bmp *.gif ...".
 QString Patterns();
 
-/// Whether a path ends like one of them; capital letters are no different.
+/// Whether a path has the suffix of an image file, in upper or lower case.
 bool Is_Image_Name(const QString& path);
 
 } // namespace ImageFiles

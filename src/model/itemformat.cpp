@@ -11,6 +11,7 @@ const QLatin1Char percent('%');
 } // namespace
 
 const char* const Default_Format = "Item [%1] %2";
+const char* const Initial_Format = "Item[%1]";
 
 QString Clean(const QString& typed)
 {
@@ -22,8 +23,8 @@ QString Clean(const QString& typed)
     const int text_position = simplified.indexOf(text_marker);
     QString cleaned = simplified;
     cleaned.replace(percent, QLatin1Char('_'));
-    // Without the value the rows would fall back to the default format anyway, so a format that
-    // lacks it keeps no marker at all: what the user sees is a plain text, not half a pattern.
+    // Without the value, the rows use the default format anyway. So a format that lacks it keeps no
+    // marker at all.
     if (value_position >= 0) {
         cleaned[value_position] = percent;
         if (text_position >= 0)
@@ -37,7 +38,7 @@ QString Row_Text(const QString& format, int value, const QString& text)
     if (!format.contains(value_marker))
         return QString::fromLatin1(Default_Format).arg(value).arg(text);
 
-    // The text goes in last, so that a marker in it stays what the user typed.
+    // The text is inserted last, so that markers in it are not replaced.
     const QString with_value = format.arg(value);
     if (format.contains(text_marker))
         return with_value.arg(text);

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The distance of the page starts for a method code; 0 for counting on.
+/// The step between page starts for a method code; 0 to continue counting.
 int Page_Step(int method)
 {
     switch (method) {
@@ -19,7 +19,8 @@ int Page_Step(int method)
     }
 }
 
-/// The low 32 bits of a value. Sums and products are made in 64 bits, where they cannot overflow.
+/// The low 32 bits of a value. Sums and products are computed in 64 bits, where they cannot
+/// overflow.
 int Wrapped(std::int64_t value)
 {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));

@@ -16,11 +16,12 @@ namespace {
 
 constexpr char png_signature[] = "\x89PNG\r\n\x1a\n";
 
-/// Decoded pixels of all page images, the ones used last in front. Its users are known by address.
+/// The cache of decoded pixels of all page images, with the most recently used first. The address
+/// of an image's content is the key.
 class TPixelStore
 {
 public:
-    /// The pixels of a user, which count as used now; null when they are not here.
+    /// Returns pixels and marks them as used; null when they are not in the cache.
     QImage Find(const void* user)
     {
         const auto place = d_places.constFind(user);
@@ -30,7 +31,7 @@ public:
         return d_entries.front().second;
     }
 
-    /// Takes pixels in and forgets those used longest ago until the rest fits; the new ones stay.
+    /// Adds pixels and drops the least recently used ones until the rest fits.
     void Insert(const void* user, const QImage& pixels)
     {
         Remove(user);
@@ -69,13 +70,12 @@ TPixelStore& Store()
 
 bool Is_Too_Large(qint64 width, qint64 height)
 {
-    // An image may be stored upside down, with a negative height.
+    // A negative height means that the lines are stored from top to bottom.
     return height != 0 && qAbs(width) > TPageImage::Maximum_Pixels / qAbs(height);
 }
 
-/// Whether the first picture of an icon file promises too many pixels. Icons are a case of their
-/// own: their directory has one byte for a width, the picture inside decides, and the reader only
-/// tells what the directory says.
+/// Whether the header of an icon file's first picture declares too many pixels. The directory of an
+/// icon file has only one byte for a width, and QImageReader returns that instead of the true size.
 bool Is_Icon_Too_Large(QIODevice* device)
 {
     constexpr int offset_place = 18;
@@ -96,8 +96,8 @@ bool Is_Icon_Too_Large(QIODevice* device)
                         qFromLittleEndian<qint32>(header.constData() + 8));
 }
 
-/// Whether the header promises more pixels than are taken. The reader is spent afterwards.
-bool Promises_Too_Much(QImageReader* reader)
+/// Whether the header declares too many pixels. The reader cannot be used afterwards.
+bool Declares_Too_Many_Pixels(QImageReader* reader)
 {
     const QSize size = reader->size();
     if (Is_Too_Large(size.width(), size.height()))
@@ -106,22 +106,22 @@ bool Promises_Too_Much(QImageReader* reader)
     return (format == "ico" || format == "cur") && Is_Icon_Too_Large(reader->device());
 }
 
-/// Decodes as QImage::fromData does, except that huge promises are not believed.
-/// @param format  what the decoder tries first; empty to detect the format by the content.
+/// Decodes like QImage::fromData, but rejects headers that declare too many pixels.
+/// @param format  tried first; empty to detect the format from the content.
 QImage Decode(const QByteArray& bytes, const QByteArray& format)
 {
     TWatchedDevice<QBuffer> buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
-    // Each reader starts afresh: asking for the size moves a reader on in its data.
+    // Use a new reader: reading the size has moved the first one on in its data.
     QImageReader header_reader(&buffer, format);
-    if (Promises_Too_Much(&header_reader))
+    if (Declares_Too_Many_Pixels(&header_reader))
         return QImage();
     buffer.seek(0);
     return QImageReader(&buffer, format).read();
 }
 
-/// The format that a decoder detects by the content.
+/// The format that Qt detects from the content.
 QByteArray Format_Of(const QByteArray& bytes)
 {
     QBuffer buffer;
@@ -132,50 +132,51 @@ QByteArray Format_Of(const QByteArray& bytes)
 
 } // namespace
 
-/// What all copies of one page image share: its bytes or its pixels, and what was found out.
+/// The data that all copies of a page image share.
 struct TPageImage::TContent
 {
-    // The store has to outlive every content, and statics are destroyed in reverse order.
+    // Creates the cache first, so that it is destroyed after every static content.
     TContent() { Store(); }
     ~TContent() { Store().Remove(this); }
     Q_DISABLE_COPY(TContent)
 
-    enum TUse { Looked_At, Passed_On };
-    QImage Pixels(TUse use = Looked_At);
-    void Keep_Decoded(const QImage& image, TUse use = Looked_At);
+    enum TCaching { Cached, Uncached };
+    QImage Pixels(TCaching caching = Cached);
+    void Keep_Decoded(const QImage& image, TCaching caching = Cached);
 
-    enum TVerdict { Not_Decoded, Decodable, Undecodable };
+    enum TState { Not_Decoded, Decodable, Undecodable };
 
-    QImage pixels;            ///< of an image that came as pixels; null for one that came as bytes
-    QByteArray source;        ///< the bytes in which the image came; may refer to owner's
-    QByteArray owner;         ///< array of which the source is a part
-    QByteArray format;        ///< of the source, when its content alone does not tell
-    QByteArray png;           ///< encoded by us; empty until somebody asks for it
-    bool tells_format = true; ///< whether the source is read alike without its format
-    TVerdict verdict = Not_Decoded;
-    QSize size{0, 0}; ///< in pixels, known once the source turned out to be decodable
+    QImage pixels;                    ///< null for an image that was constructed from bytes
+    QByteArray source;                ///< the original bytes; may be a part of owner
+    QByteArray owner;                 ///< array that contains the source
+    QByteArray format;                ///< of the source; empty to detect it
+    QByteArray png;                   ///< created on demand
+    bool is_format_detectable = true; ///< from the source alone
+    TState state = Not_Decoded;
+    QSize size{0, 0}; ///< in pixels; set when the source is decoded
 };
 
-/// The pixels that the image came with, those in the store, or newly decoded ones.
-/// @param use  pixels that are only passed on do not drive those out of the store that somebody
-///             looks at.
-QImage TPageImage::TContent::Pixels(TUse use)
+/// Returns the original pixels or those in the cache, or decodes the source.
+/// @param caching  Uncached for pixels that are used only once, so that they do not replace those
+/// of
+///                 displayed pages.
+QImage TPageImage::TContent::Pixels(TCaching caching)
 {
-    if (!pixels.isNull() || verdict == Undecodable)
+    if (!pixels.isNull() || state == Undecodable)
         return pixels;
     QImage image = Store().Find(this);
     if (image.isNull()) {
         image = Decode(source, format);
-        Keep_Decoded(image, use);
+        Keep_Decoded(image, caching);
     }
     return image;
 }
 
-void TPageImage::TContent::Keep_Decoded(const QImage& image, TUse use)
+void TPageImage::TContent::Keep_Decoded(const QImage& image, TCaching caching)
 {
-    verdict = image.isNull() ? Undecodable : Decodable;
+    state = image.isNull() ? Undecodable : Decodable;
     size = image.size();
-    if (!image.isNull() && use == Looked_At)
+    if (!image.isNull() && caching == Cached)
         Store().Insert(this, image);
 }
 
@@ -191,7 +192,7 @@ TPageImage::TPageImage(const QImage& image)
     d_content = std::make_shared<TContent>();
     d_content->pixels = image;
     d_content->size = image.size();
-    d_content->verdict = TContent::Decodable;
+    d_content->state = TContent::Decodable;
 }
 
 TPageImage TPageImage::From_Bytes(const QByteArray& bytes)
@@ -219,9 +220,9 @@ TPageImage TPageImage::From_Part(const QByteArray& whole, int offset, int length
 TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_format)
 {
     QImageReader header_reader(path, wanted_format);
-    if (Promises_Too_Much(&header_reader))
+    if (Declares_Too_Many_Pixels(&header_reader))
         return TPageImage();
-    // The reader also finds files whose suffix was left out.
+    // QImageReader also finds a file if its suffix is missing in the path.
     const QString found_path = header_reader.fileName();
     TWatchedDevice<QFile> watched(found_path);
     QImageReader reader(&watched, wanted_format);
@@ -235,7 +236,7 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
         return TPageImage(image);
     TPageImage result = From_Bytes(bytes);
     result.d_content->format = format;
-    result.d_content->tells_format = Format_Of(bytes) == format;
+    result.d_content->is_format_detectable = Format_Of(bytes) == format;
     result.d_content->Keep_Decoded(image);
     return result;
 }
@@ -254,7 +255,7 @@ QSize TPageImage::size() const
 {
     if (!d_content)
         return QImage().size();
-    if (d_content->verdict == TContent::Not_Decoded)
+    if (d_content->state == TContent::Not_Decoded)
         d_content->Pixels();
     return d_content->size;
 }
@@ -266,7 +267,7 @@ QByteArray TPageImage::Png() const
     if (d_content->source.startsWith(png_signature))
         return d_content->source;
     if (d_content->png.isEmpty()) {
-        const QImage image = d_content->Pixels(TContent::Passed_On);
+        const QImage image = d_content->Pixels(TContent::Uncached);
         if (image.isNull())
             return d_content->source;
         TWatchedDevice<QBuffer> buffer(&d_content->png);
@@ -278,8 +279,9 @@ QByteArray TPageImage::Png() const
 
 QByteArray TPageImage::Source_Bytes() const
 {
-    return d_content && !d_content->source.isEmpty() && d_content->tells_format ? d_content->source
-                                                                                : Png();
+    return d_content && !d_content->source.isEmpty() && d_content->is_format_detectable
+               ? d_content->source
+               : Png();
 }
 
 TPageImage TPageImage::Encoded() const
@@ -293,8 +295,8 @@ TPageImage TPageImage::Encoded() const
     content->owner = d_content->owner;
     content->format = d_content->format;
     content->png = d_content->png;
-    content->tells_format = d_content->tells_format;
-    content->verdict = d_content->verdict;
+    content->is_format_detectable = d_content->is_format_detectable;
+    content->state = d_content->state;
     content->size = d_content->size;
     return TPageImage(std::move(content));
 }

@@ -8,18 +8,18 @@
 
 #include <vector>
 
-/// One numbered label of a page. A plain value.
+/// A numbered label of a page.
 struct TDataItem
 {
-    int id = 0;                  ///< key within its page, drawn at random, never shown
+    int id = 0;                  ///< random key, unique within its page, never shown
     int value = 0;               ///< the number on the label; values may repeat
     QString text;                ///< shown instead of the number when not empty
-    int border_type = No_Border; ///< one of TBorderType; any other code is kept and draws no border
+    int border_type = No_Border; ///< see TBorderType; unknown codes are kept and draw no border
     QPointF position;            ///< centre of the label in page-image pixels
     bool selected = false;
 };
 
-/// One page: its image and its labels in the order in which they were added.
+/// A page: its image and its labels in insertion order.
 struct TPageItem
 {
     int page_id = 0;  ///< unique within the document

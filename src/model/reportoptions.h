@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// What a report depends on besides the document. A plain value.
+/// Options of a report.
 struct TReportOptions
 {
     int orientation = 0; ///< 0 portrait, anything else landscape

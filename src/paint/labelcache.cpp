@@ -35,8 +35,8 @@ QPixmap TLabelCache::Label(const QString& text, int border_type, bool selected)
     return label;
 }
 
-/// A number for each frame that there is. The codes that draw no border share one, which keeps the
-/// number of frames small whatever codes a file brings.
+/// A number for each frame. All codes without a border share one, which limits the number of frames
+/// for files with arbitrary codes.
 int TLabelCache::Frame_Key(int border_type, bool selected)
 {
     const int shape = Is_Border_Type(border_type) ? border_type : No_Border;

@@ -7,24 +7,24 @@
 #include <QPixmap>
 #include <QString>
 
-/// Label pixmaps of one style, each drawn once.
+/// A cache of label pixmaps of one style.
 ///
-/// Labels that look the same share one pixmap, and labels that differ only in their text share the
-/// drawing of their border and highlight. The pixels are those of LabelPainter::Paint. What was not
-/// asked for lately is dropped when the pixmaps take too much memory.
+/// Labels with the same look share a pixmap, and labels that differ only in their text share the
+/// drawing of border and highlight. The pixels are those of LabelPainter::Paint. Drops the least
+/// recently used pixmaps when they take too much memory.
 class TLabelCache
 {
 public:
     TLabelCache();
 
-    /// Forgets all pixmaps and goes on with another style.
+    /// Sets the style and drops all pixmaps.
     void Set_Style(const TLabelStyle& style, const QPixmap& label_template);
 
-    /// The label with this look.
+    /// The pixmap of a label with this look.
     QPixmap Label(const QString& text, int border_type, bool selected);
 
 private:
-    /// What tells labels of one style from each other.
+    /// What distinguishes labels of one style.
     struct TLook
     {
         QString text;

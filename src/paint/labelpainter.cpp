@@ -12,8 +12,8 @@ namespace LabelPainter {
 
 namespace {
 
-// Almost transparent, but not fully: a pixel without any alpha would not belong to the label's
-// shape, and a press between the border and the text would miss the label.
+// Not fully transparent: such pixels are not part of the label's shape, so a press between the
+// border and the text would miss the label.
 const QColor background_color(255, 255, 255, 1);
 const QColor highlight_line_color(0, 0, 255, 128);
 const QColor highlight_fill_color(0, 0, 255, 64);
@@ -22,14 +22,14 @@ constexpr double highlight_line_width = 1.0; // pixels
 constexpr double text_width_share = 0.67;    // of the label's width
 constexpr double smallest_text_scale = 0.2;  // below, a text is not readable
 
-/// Distance of the borders from the centre. Taken from the width for both directions: labels are
-/// square, and those that are not are cut off at their upper and lower edges.
+/// Distance from the centre to the border. Uses the width for both directions, since labels are
+/// square; others are cut off at the top and the bottom.
 int Radius(const TLabelStyle& style)
 {
     return (style.width - Margin) / 2;
 }
 
-/// A painter's state is set up alike for both halves of a label, so that they fit together.
+/// Sets up a painter in the same way for the frame and the text.
 void Prepare(QPainter* painter, const TLabelStyle& style)
 {
     painter->setRenderHint(QPainter::Antialiasing);
@@ -73,7 +73,8 @@ void Draw_Border(QPainter* painter, const TLabelStyle& style, int border_type)
     }
 }
 
-/// Makes the painter's font smaller, or the text a "*", where the text is too wide for the label.
+/// Shrinks the painter's font if the text is too wide for the label, or returns "*" if it is much
+/// too wide.
 QString Fit_Text(QPainter* painter, const TLabelStyle& style, const QString& text)
 {
     const int text_width = painter->boundingRect(QRect(0, 0, 0, 0), 0, text).width();
@@ -90,12 +91,12 @@ QString Fit_Text(QPainter* painter, const TLabelStyle& style, const QString& tex
     return text;
 }
 
-/// The part of the label in which its text is centred.
+/// The rectangle in which the text is centred.
 QRect Text_Box(const TLabelStyle& style, int border_type)
 {
     const int r = Radius(style);
     const int right = style.width - Margin - r - 1;
-    // Under the roof of the triangle there is room only in its base.
+    // A triangle has room for the text only in its base.
     if (border_type == Triangle_Border)
         return QRect(QPoint(-r, 0), QPoint(right, (style.height - Margin) / 2 - 1));
     return QRect(QPoint(-r, -r), QPoint(right, style.height - Margin - r - 1));

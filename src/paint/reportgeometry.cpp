@@ -8,7 +8,7 @@ namespace {
 constexpr double horizontal_margin = 0.09; ///< part of the page's width, on either side
 constexpr double vertical_margin = 0.045;  ///< part of the page's height, above and below
 constexpr int rule_columns = 3;
-/// Differences of target and picture up to this many pixels come from the scaling's rounding.
+/// Differences of up to this many pixels between target and picture are rounding errors of scaling.
 constexpr int scaling_tolerance = 2;
 /// In device pixels, by resolution code from 1. 192 and 288 dots per inch share a width.
 constexpr int rule_widths[] = {1, 2, 2, 3};
@@ -18,7 +18,7 @@ int Margin(int length, double part)
     return static_cast<int>(length * part);
 }
 
-/// How far both edges move in to centre a length in the room it has.
+/// How far both edges must move in to centre a length in the available space.
 int Inset(int room, int length)
 {
     const int difference = room - length;
@@ -114,7 +114,7 @@ void TReportGeometry::Set_Header_Band(const TReportLayout& layout)
         end_of_lines += line;
     const bool has_header = layout.has_header_1 || layout.has_header_2;
     d_header_rule = end_of_lines + (has_header ? layout.heading.x_height : 0);
-    // Without a second line the first one has the whole band.
+    // Without a second line, the first one has the whole band.
     if (!layout.has_header_2)
         d_header_2_top = d_header_rule;
 }

@@ -4,7 +4,7 @@
 #include <QRect>
 #include <QSize>
 
-/// Measures of one of the report's fonts on the printer, in device pixels.
+/// Metrics of a font on the printer, in device pixels.
 struct TFontMeasure
 {
     int height = 0;   ///< of a line, QFontMetrics::height
@@ -21,14 +21,14 @@ struct TReportLayout
     TFontMeasure footer;
 };
 
-/// Where everything stands on a page of the report, in device pixels. Works on numbers alone.
+/// The layout of a report page, in device pixels.
 ///
 /// From top to bottom: margin, header lines, rule, picture, rule, footer, margin. The margins are 9
-/// percent of the page's width and 4.5 percent of its height. The rules are as long as three
-/// columns of equal width, which fit the room between the margins to a pixel more or less. A band
-/// without a header line has no height: its rule lies at the top margin.
+/// percent of the page's width and 4.5 percent of its height. The rules span three columns of equal
+/// width, which fill the space between the margins to within a pixel. Without header lines, the
+/// header rule lies at the top margin.
 ///
-/// Rectangles are QRects over inclusive corners, as the printer's page rectangle is.
+/// Rectangles are QRects with inclusive corners, like the printer's page rectangle.
 class TReportGeometry
 {
 public:
@@ -36,31 +36,31 @@ public:
     /// @param layout  with a resolution code from 1 to 4.
     TReportGeometry(const QRect& page, const TReportLayout& layout);
 
-    /// Takes over the page rectangle of a further page. Only the margins' left, right and bottom
-    /// edges move: x0, where rules, texts and picture begin; x1, where the texts end; and yb, where
-    /// the footer's text ends. The lines y of both rules, the header lines, the footer's top and
-    /// the rules' right end, and with it the picture's, stay where they were on the first page.
+    /// Sets the page rectangle of a further page. Moves only the left, right and bottom margins:
+    /// the left end of rules, texts and picture, the right end of the texts, and the bottom of the
+    /// footer. Everything else stays as on the first page: the y coordinates of the rules, the
+    /// header lines, the top of the footer, and the right end of the rules and the picture.
     void Set_Page(const QRect& page);
 
-    /// Rule under the headers.
+    /// The rule under the headers.
     QLine Header_Rule() const;
-    /// Rule above the footer.
+    /// The rule above the footer.
     QLine Footer_Rule() const;
-    /// Place of the first header line; its text is aligned left and top.
+    /// Rectangle of the first header line, whose text is aligned left and top.
     QRect Header_1() const;
-    /// Place of the second header line; alone it takes the first one's place.
+    /// Rectangle of the second header line. Without a first one, it starts at the top.
     QRect Header_2() const;
-    /// Place of the footer; its texts are aligned bottom, left and right.
+    /// Rectangle of the footer, whose texts are aligned bottom left and bottom right.
     QRect Footer() const;
-    /// Room for the picture, as many pixels away from the rules and their ends as the resolution
-    /// code says.
+    /// Rectangle for the picture. Its distance in pixels from the rules and their ends is the
+    /// resolution code.
     QRect Target() const;
-    /// Place of a picture that has been scaled to fit the target. In each direction in which the
-    /// target is larger by more than two pixels, both its edges move in by half the difference,
-    /// rounded toward zero; an odd difference leaves the place one pixel larger than the picture.
+    /// Centres a picture that was scaled to fit the target. In a direction in which the target is
+    /// more than two pixels larger, both edges move in by half the difference, rounded toward zero.
+    /// After an odd difference, the rectangle is one pixel larger than the picture.
     QRect Centred(const QSize& picture) const;
 
-    /// Whether a resolution code is one that the report knows.
+    /// Whether a resolution code is valid.
     static bool Is_Resolution_Code(int resolution_code);
     /// Dots per inch of a resolution code.
     static int Resolution(int resolution_code) { return resolution_code * 96; }

@@ -8,22 +8,21 @@
 
 class QPainter;
 
-/// Draws the pages of the report with a painter that somebody else has opened: headers, rules, the
-/// page's picture and the footer. It does not know what device it draws on, nor how a new page is
-/// begun there.
+/// Draws the pages of the report: headers, rules, the page's picture and the footer. The caller
+/// opens the painter and starts new pages on its device.
 class TReportPainter
 {
 public:
-    /// @param painter          open on the report's device and staying so; not owned.
-    /// @param resolution_code  1 to 4; the device has to have the resolution that belongs to it.
+    /// @param painter          active on the report's device; not owned.
+    /// @param resolution_code  1 to 4; must match the resolution of the device.
     /// @param page             the device's page rectangle in device pixels.
     TReportPainter(QPainter* painter, int resolution_code, const QString& header_1,
                    const QString& header_2, const QRect& page);
 
-    /// Takes over the page rectangle of a further page, which the device has begun.
+    /// Sets the page rectangle of a further page.
     void Set_Page(const QRect& page) { d_geometry.Set_Page(page); }
 
-    /// Draws one page.
+    /// Draws a page.
     /// @param picture  the page with its labels; scaled to fit.
     /// @param number   page number in the footer.
     void Draw_Page(const QPixmap& picture, int number);

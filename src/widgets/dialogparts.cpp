@@ -16,8 +16,8 @@ QBoxLayout* DialogParts::Button_Row(QPushButton* accept, QDialog* dialog)
 {
     auto* const cancel = new QPushButton(QDialog::tr("Cancel"), dialog);
     cancel->setAutoDefault(false);
-    cancel->setAccessibleDescription(QDialog::tr("Closes the dialog, and nothing is done."));
-    // The accepting button exists already; Tab reaches it last all the same, as it stands last.
+    cancel->setAccessibleDescription(QDialog::tr("Closes the dialog without changing anything."));
+    // The accepting button was created first, but is the last in the row.
     QWidget::setTabOrder(cancel, accept);
 
     auto* const row = new QHBoxLayout; // owned by the layout it is put into

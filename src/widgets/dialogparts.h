@@ -6,16 +6,16 @@ class QBoxLayout;
 class QDialog;
 class QPushButton;
 
-/// What the program's dialogs are put together from, so that they look and work alike.
+/// Common parts of the dialogs, so that all of them look and work alike.
 namespace DialogParts {
 
-/// A sunken line that separates parts of a dialog or of a panel.
+/// Creates a sunken line that separates parts of a dialog or a panel.
 /// @param shape   QFrame::HLine or QFrame::VLine.
 /// @param parent  owns the line.
 QFrame* Sunken_Line(QFrame::Shape shape, QWidget* parent);
 
-/// A row with a stretch and, at its right end, "Cancel", which rejects the dialog and never is its
-/// default button, and the given button, which accepts it. The row has to be put into the dialog's
+/// Creates a row of buttons, aligned to the right: "Cancel", which rejects the dialog and is never
+/// the default button, and the given button, which accepts it. The caller must add the row to a
 /// layout, which then owns it.
 QBoxLayout* Button_Row(QPushButton* accept, QDialog* dialog);
 

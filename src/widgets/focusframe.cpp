@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The colour that the style gives to the outlines of editors.
+/// The colour in which the style outlines focused editors.
 QColor Focus_Color(const QPalette& palette)
 {
     constexpr int darkness = 125; // per cent
@@ -28,7 +28,7 @@ bool TFocusFrame::eventFilter(QObject* object, QEvent* event)
         d_view->update();
     if (event->type() != QEvent::Paint)
         return QObject::eventFilter(object, event);
-    // The frame is drawn over the view's own.
+    // Let the view paint its own frame first.
     const bool handled = object->event(event);
     if (d_view->hasFocus() && d_view->frameWidth() > 0) {
         QPainter painter(d_view);

@@ -4,10 +4,10 @@
 
 class QAbstractScrollArea;
 
-/// Shows that a scrolled view has the keyboard: its frame gets the colour of an editor's.
+/// Draws a coloured frame around a scroll area that has the keyboard focus.
 ///
-/// The style shows that for buttons and editors, but not for lists without a current row, nor for
-/// the page.
+/// The style shows the focus of buttons and editors, but not that of the page view or of a list
+/// without a current row.
 class TFocusFrame : public QObject
 {
     Q_OBJECT

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The images among what is dragged.
+/// The paths of the image files in a drag.
 QStringList Image_Paths(const QMimeData& dragged)
 {
     QStringList paths;
@@ -25,7 +25,8 @@ QStringList Image_Paths(const QMimeData& dragged)
     return paths;
 }
 
-/// Graphics views take whatever enters them, to refuse it only when it is moved on.
+/// Whether a widget is a graphics view or its viewport. Graphics views accept every drag that
+/// enters and refuse it only when it moves.
 bool Is_Graphics_View(const QObject* object)
 {
     return qobject_cast<const QGraphicsView*>(object) ||
@@ -34,18 +35,18 @@ bool Is_Graphics_View(const QObject* object)
 
 } // namespace
 
-TImageDrop::TImageDrop(QWidget* window, const TUse& use)
+TImageDrop::TImageDrop(QWidget* window, const TCallback& callback)
     : QObject(window)
-    , d_use(use)
+    , d_callback(callback)
 {
     window->setAcceptDrops(true);
     window->installEventFilter(this);
     const auto widgets = window->findChildren<QWidget*>();
     for (QWidget* const widget : widgets) {
-        // A dock that floats is a window of its own.
+        // A floating dock is a window of its own.
         if (qobject_cast<QDockWidget*>(widget))
             widget->setAcceptDrops(true);
-        // Others hand on to their parents what is dragged over them.
+        // Other widgets pass drag events on to their parents.
         if (widget->acceptDrops())
             widget->installEventFilter(this);
     }
@@ -57,19 +58,19 @@ bool TImageDrop::eventFilter(QObject* object, QEvent* event)
     case QEvent::DragEnter:
     case QEvent::DragMove:
     case QEvent::Drop:
-        return Take(object, static_cast<QDropEvent*>(event));
+        return Handle(object, static_cast<QDropEvent*>(event));
     default:
         return QObject::eventFilter(object, event);
     }
 }
 
-/// False when the event is left to the widget that it was sent to.
-bool TImageDrop::Take(const QObject* object, QDropEvent* event)
+/// Returns whether the event was handled.
+bool TImageDrop::Handle(const QObject* object, QDropEvent* event)
 {
     const QStringList paths = Image_Paths(*event->mimeData());
     if (paths.isEmpty() && !Is_Graphics_View(object))
         return false;
-    // Whoever dragged the files may delete them when they are moved.
+    // After a move, the source of the drag may delete the files.
     if (paths.isEmpty() || QApplication::activeModalWidget() ||
         !(event->possibleActions() & Qt::CopyAction)) {
         event->ignore();
@@ -78,6 +79,6 @@ bool TImageDrop::Take(const QObject* object, QDropEvent* event)
     event->setDropAction(Qt::CopyAction);
     event->accept();
     if (event->type() == QEvent::Drop)
-        d_use(paths);
+        d_callback(paths);
     return true;
 }

@@ -8,7 +8,7 @@ namespace {
 constexpr double short_step = 1.0; // page-image pixels
 constexpr double long_step = 10.0; // page-image pixels
 
-/// Where an arrow key points to; null for any other key.
+/// The direction of an arrow key; null for other keys.
 QPointF Direction(int key)
 {
     switch (key) {
@@ -27,9 +27,9 @@ QPointF Direction(int key)
 
 } // namespace
 
-TNudgeKeys::TNudgeKeys(QWidget* widget, const TUse& use)
+TNudgeKeys::TNudgeKeys(QWidget* widget, const TCallback& callback)
     : QObject(widget)
-    , d_use(use)
+    , d_callback(callback)
 {
     widget->installEventFilter(this);
 }
@@ -40,12 +40,12 @@ bool TNudgeKeys::eventFilter(QObject* object, QEvent* event)
         return QObject::eventFilter(object, event);
     const auto* const press = static_cast<QKeyEvent*>(event);
     const QPointF direction = Direction(press->key());
-    // Arrows of the number pad are arrows as well.
+    // The arrow keys of the number pad do the same.
     const Qt::KeyboardModifiers modifiers = press->modifiers() & ~Qt::KeypadModifier;
     const bool is_long = modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
     if (direction.isNull() || (!is_long && modifiers != Qt::ControlModifier))
         return QObject::eventFilter(object, event);
-    d_use(direction * (is_long ? long_step : short_step));
+    d_callback(direction * (is_long ? long_step : short_step));
     event->accept();
     return true;
 }

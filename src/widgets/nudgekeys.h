@@ -7,24 +7,23 @@
 
 class QWidget;
 
-/// Turns Ctrl with an arrow key into a step of one page-image pixel, with Shift of ten.
+/// Turns Ctrl with an arrow key into a step of one page-image pixel; with Shift, of ten.
 ///
-/// The keys are taken from a widget while it has the focus, also when there is nothing to move;
-/// arrow keys without Ctrl are left to it.
+/// The watched widget never receives these keys. It still receives arrow keys without Ctrl.
 class TNudgeKeys : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Gets each step in page-image pixels, also those of a key that is held down.
-    using TUse = std::function<void(const QPointF&)>;
+    /// Receives each step in page-image pixels, including those of a key that is held down.
+    using TCallback = std::function<void(const QPointF&)>;
 
     /// @param widget  owns this object.
-    TNudgeKeys(QWidget* widget, const TUse& use);
+    TNudgeKeys(QWidget* widget, const TCallback& callback);
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
-    TUse d_use;
+    TCallback d_callback;
 };

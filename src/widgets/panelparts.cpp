@@ -16,8 +16,8 @@ const int Margin = 2;            // pixels
 const int column_gap = 4;        // pixels
 const QSize button_size(22, 22); // pixels
 
-/// A caption that breaks into lines where its column is narrow, and says how much room it needs
-/// then: docks ask for the minimum only, not for the height at their width.
+/// A caption that wraps in a narrow column. Its minimum size includes the wrapped lines, because
+/// docks ignore heightForWidth().
 class TCaption : public QLabel
 {
 public:
@@ -29,7 +29,7 @@ public:
 
     QSize minimumSizeHint() const override
     {
-        // The captions of a panel share a column, which is never narrower than the longest word.
+        // The captions of a panel share a column, which has at least the width of the longest word.
         int column_width = 0;
         const auto captions =
             parentWidget()->findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly);
@@ -60,8 +60,7 @@ void Add_Row(QGridLayout* grid, int row, const QString& caption, QWidget* editor
     Accessibility::Describe(editor, Accessibility::Name_Of_Caption(caption), description);
     grid->addWidget(label, row, 0);
     grid->addWidget(editor, row, 1);
-    // The editors give way first: captions break into lines only when the editors are at their
-    // narrowest.
+    // Captions wrap only when the editors have their minimum width.
     grid->setColumnStretch(1, 1);
     grid->setHorizontalSpacing(column_gap);
 }

@@ -7,23 +7,22 @@ class QLayout;
 class QToolButton;
 class QWidget;
 
-/// Parts that the dock panels have in common.
+/// Common parts of the dock panels.
 namespace PanelParts {
 
-/// A small button with a sign on it.
-/// @param tool_tip     in words; its name for a screen reader, too.
-/// @param description  for a screen reader.
+/// Creates a small button with a sign on it.
+/// @param tool_tip     also the name for screen readers.
+/// @param description  for screen readers.
 QToolButton* New_Button(const QString& sign, const QString& tool_tip, const QString& description,
                         QWidget* parent);
 
-/// Puts an editor behind its caption into a row of a two-column grid. In a narrow panel the caption
-/// breaks into lines, so that nothing is cut off. Without its colon it names the editor for a
-/// screen reader.
-/// @param description  for a screen reader.
+/// Adds a caption and its editor as a row of a two-column grid. The caption wraps in a narrow
+/// panel. Without its colon, it is the editor's name for screen readers.
+/// @param description  for screen readers.
 void Add_Row(QGridLayout* grid, int row, const QString& caption, QWidget* editor,
              const QString& description);
 
-/// Gives a panel's layout the narrow margins of a dock, which leave the room to the page view.
+/// Gives a panel's layout narrow margins, which leave more room for the page view.
 void Set_Margins(QLayout* layout);
 
 } // namespace PanelParts

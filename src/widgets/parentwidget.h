@@ -2,11 +2,10 @@
 
 class QWidget;
 
-/// The parent of a new widget as the toolkit wants it.
+/// Removes the const from a parent widget.
 ///
-/// The constructors of the panels and dialogs promise that they leave their parent alone, and so
-/// they take it as const. The toolkit enters each child in its parent's list of children and takes
-/// a parent that is not const, so this one cast is where the promise meets the toolkit.
+/// The constructors of the panels and dialogs take a const parent, but Qt needs a mutable one to
+/// add the child to it. This is the only such cast.
 inline QWidget* Parent_Widget(const QWidget* parent)
 {
     return const_cast<QWidget*>(parent);

@@ -20,7 +20,7 @@ TProgress::TProgress(QStatusBar* status_bar, const QRect& area, const QString& p
     , d_pattern(pattern)
     , d_clock(clock)
     , d_start_time(clock())
-    , d_watch([this] { Go_On(); })
+    , d_watch([this] { Update(); })
 {
 }
 
@@ -36,7 +36,7 @@ void TProgress::Step(int number, int total)
 {
     d_number = number;
     d_total = total;
-    Go_On();
+    Update();
 }
 
 TStepReport TProgress::Steps()
@@ -44,7 +44,7 @@ TStepReport TProgress::Steps()
     return [this](int number, int total) { Step(number, total); };
 }
 
-void TProgress::Go_On()
+void TProgress::Update()
 {
     const qint64 time = d_clock();
     if (d_number == 0 || !Is_Due(time))
@@ -54,11 +54,11 @@ void TProgress::Go_On()
         Appear();
     d_bar->setFormat(d_pattern.arg(d_number).arg(d_total));
     d_bar->setRange(0, d_total);
-    // What is done, which the step that begins is not.
+    // The current step is not done yet.
     d_bar->setValue(d_number - 1);
     d_bar->repaint();
-    // Nobody answers meanwhile when another window uncovers this one, as the dialog has done with
-    // which the work was begun. What the window showed is put on the screen again, unpainted.
+    // Without an event loop, the window does not repaint areas that another window uncovers, such
+    // as the dialog that started the operation. So copy its last contents to the screen again.
     const QWidget* const window = d_status_bar->window();
     if (QBackingStore* const store = window->backingStore())
         store->flush(window->rect());

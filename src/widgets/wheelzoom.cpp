@@ -26,12 +26,12 @@ bool TWheelZoom::eventFilter(QObject* object, QEvent* event)
     return QObject::eventFilter(object, event);
 }
 
-/// Turns the wheel on; how many steps of the slider that makes.
+/// Adds an angle to the wheel's rotation. Returns the resulting steps of the slider.
 /// @param angle  in eighths of a degree.
 int TWheelZoom::Take_Steps(int angle)
 {
     constexpr int angle_of_step = QWheelEvent::DefaultDeltasPerStep / Steps_Per_Notch;
-    // A hand that turns back is answered at once.
+    // A change of direction takes effect at once.
     if ((angle > 0) != (d_angle > 0))
         d_angle = 0;
     d_angle += angle;
@@ -40,8 +40,8 @@ int TWheelZoom::Take_Steps(int angle)
     return steps;
 }
 
-/// What is under the pointer, in scene coordinates. While the pointer rests and nothing but the
-/// wheel moves the view it is what was there at first: many zooms do not add up their roundings.
+/// The point under the pointer, in scene coordinates. Stays the same until the pointer or the view
+/// moves for another reason than zooming, so that rounding errors do not add up.
 QPointF TWheelZoom::Point_Under(const QPoint& position)
 {
     const QTransform transform = d_view->viewportTransform();
@@ -62,7 +62,8 @@ void TWheelZoom::Zoom(int steps, const QPoint& position)
     horizontal->setValue(horizontal->value() + moved.x());
     vertical->setValue(vertical->value() + moved.y());
     d_transform = d_view->viewportTransform();
-    // Where the view could not scroll as far, the point slipped away, and is let go.
+    // At the end of the scroll range, the view cannot follow. Then take the point that is there
+    // now.
     constexpr double rounding = 2.0; // pixels
     if ((d_transform.map(point) - position).manhattanLength() > rounding)
         d_point = d_transform.inverted().map(QPointF(position));

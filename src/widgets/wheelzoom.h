@@ -9,21 +9,21 @@ class QGraphicsView;
 class QSlider;
 class QWheelEvent;
 
-/// Moves a zoom slider when the wheel is turned over a view with Ctrl held down.
+/// Moves a zoom slider when the user turns the wheel over a view with Ctrl pressed.
 ///
-/// What is under the pointer stays there, to within a pixel and as far as the view can scroll.
-/// Wheels and touchpads that report less than a notch at a time add up. The wheel alone, and with
-/// other modifiers, does what it always does.
+/// The point under the pointer stays there to within a pixel, as far as the view can scroll. Events
+/// of less than a notch, as from touchpads, add up. Without Ctrl, or with further modifiers, the
+/// wheel scrolls as usual.
 class TWheelZoom : public QObject
 {
     Q_OBJECT
 
 public:
     /// @param view    owns this object.
-    /// @param slider  its changes of value zoom the view; has to live as long as the view.
+    /// @param slider  zooms the view when its value changes; must live as long as the view.
     TWheelZoom(QGraphicsView* view, QSlider* slider);
 
-    /// How far a notch of the wheel moves the slider.
+    /// Slider steps per notch of the wheel.
     static constexpr int Steps_Per_Notch = 5;
 
 protected:
@@ -36,8 +36,8 @@ private:
 
     QGraphicsView* d_view;
     QSlider* d_slider;
-    int d_angle = 0;        ///< turned, but not yet a step of the slider; 120 a notch
+    int d_angle = 0;        ///< not yet a whole step of the slider; 120 per notch
     QPoint d_position;      ///< of the pointer at the last zoom, in pixels of the view
-    QPointF d_point;        ///< what was under it, in scene coordinates
-    QTransform d_transform; ///< from scene to view, as the last zoom left it
+    QPointF d_point;        ///< under the pointer, in scene coordinates
+    QTransform d_transform; ///< from scene to view, after the last zoom
 };

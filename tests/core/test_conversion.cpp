@@ -1,4 +1,4 @@
-// Typed access to bytes.
+// Reading and writing typed values in byte arrays.
 
 #include "core/conversion.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 using TOperation = std::function<void(unsigned int index, QByteArray* array)>;
 
-/// A numeric type's reader and writer, with what their assertions print.
+/// Reader and writer of a numeric type, with the conditions that their assertions print.
 struct TNumber
 {
     const char* type;
@@ -84,21 +84,21 @@ private slots:
     void an_integer_is_read_lowest_byte_first();
     void numbers_are_read_from_their_raw_bytes();
     void numbers_are_written_as_their_raw_bytes();
-    void extreme_values_come_back();
+    void extreme_values_are_read_back();
     void values_need_no_alignment();
     void numbers_end_with_the_array_data();
     void numbers_end_with_the_array();
     void a_huge_index_does_not_wrap_data();
     void a_huge_index_does_not_wrap();
-    void number_writers_want_an_array_data();
-    void number_writers_want_an_array();
+    void number_writers_require_an_array_data();
+    void number_writers_require_an_array();
     void ascii_ends_with_the_zero_byte_or_the_array_data();
     void ascii_ends_with_the_zero_byte_or_the_array();
-    void ascii_wants_an_index_within_the_array();
-    void set_ascii_stores_bytes_without_a_closing_zero();
-    void set_ascii_takes_nothing_except_at_index_zero();
+    void ascii_requires_an_index_within_the_array();
+    void set_ascii_stores_bytes_without_a_terminating_zero();
+    void set_ascii_accepts_empty_data_except_at_index_zero();
     void set_ascii_stays_within_the_array();
-    void set_ascii_wants_an_array();
+    void set_ascii_requires_an_array();
     void writing_changes_only_the_callers_copy();
 };
 
@@ -132,7 +132,7 @@ void TestConversion::numbers_are_written_as_their_raw_bytes()
     QCOMPARE(array.toHex(), QByteArray("0000000000000004c001"));
 }
 
-void TestConversion::extreme_values_come_back()
+void TestConversion::extreme_values_are_read_back()
 {
     QByteArray array(9, '\0');
     for (const int value : {std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), 0}) {
@@ -224,12 +224,12 @@ void TestConversion::a_huge_index_does_not_wrap()
     }
 }
 
-void TestConversion::number_writers_want_an_array_data()
+void TestConversion::number_writers_require_an_array_data()
 {
     numbers_end_with_the_array_data();
 }
 
-void TestConversion::number_writers_want_an_array()
+void TestConversion::number_writers_require_an_array()
 {
     QFETCH(int, number);
     const TNumber& type = Numbers().at(static_cast<std::size_t>(number));
@@ -256,7 +256,7 @@ void TestConversion::ascii_ends_with_the_zero_byte_or_the_array()
     QCOMPARE(Conversion::Ascii(index, QByteArray("AB\0CD", 5)), expected);
 }
 
-void TestConversion::ascii_wants_an_index_within_the_array()
+void TestConversion::ascii_requires_an_index_within_the_array()
 {
     const QString condition = QStringLiteral("index < static_cast<unsigned int>(array.size())");
     const QString function =
@@ -270,7 +270,7 @@ void TestConversion::ascii_wants_an_index_within_the_array()
              QString());
 }
 
-void TestConversion::set_ascii_stores_bytes_without_a_closing_zero()
+void TestConversion::set_ascii_stores_bytes_without_a_terminating_zero()
 {
     QByteArray array("abcdef");
     Conversion::Set_Ascii(1, QByteArray("X\0Y", 3), &array);
@@ -281,7 +281,7 @@ void TestConversion::set_ascii_stores_bytes_without_a_closing_zero()
     QCOMPARE(array, QByteArray("123456"));
 }
 
-void TestConversion::set_ascii_takes_nothing_except_at_index_zero()
+void TestConversion::set_ascii_accepts_empty_data_except_at_index_zero()
 {
     QByteArray array("abc");
     for (const unsigned int index : {1U, 2U, 3U}) {
@@ -298,7 +298,7 @@ void TestConversion::set_ascii_stays_within_the_array()
     QCOMPARE(Set_Ascii_Failure(2, "XY", "abc"), QString());
     QCOMPARE(Set_Ascii_Failure(3, "X", "abc"), QString());
     QCOMPARE(Set_Ascii_Failure(0, "WXYZ", "abc"), QString());
-    // The bound wraps here; nothing may be written all the same.
+    // The sum wraps around here, but nothing may be written.
     QByteArray array("abc");
     const auto wrap = [&array] {
         Conversion::Set_Ascii(std::numeric_limits<unsigned int>::max(), "XY", &array);
@@ -308,7 +308,7 @@ void TestConversion::set_ascii_stays_within_the_array()
              QString());
 }
 
-void TestConversion::set_ascii_wants_an_array()
+void TestConversion::set_ascii_requires_an_array()
 {
     QCOMPARE(Support::Assertion_Failure([] { Conversion::Set_Ascii(0, "X", nullptr); }, source,
                                         QStringLiteral("array")),

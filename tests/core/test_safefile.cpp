@@ -1,4 +1,4 @@
-// Files that take the place of others only when they are complete.
+// Files that replace others only when they are complete.
 
 #include "core/safefile.h"
 #include "support/support.h"
@@ -31,7 +31,7 @@ bool Refuse(const QString&)
     return false;
 }
 
-/// Sets the mask for new files for as long as it lives.
+/// Sets the umask and restores it at the end of the scope.
 class TMask
 {
 public:
@@ -57,33 +57,33 @@ private slots:
     void cleanup();
 
     void the_old_file_stays_until_the_new_one_is_complete();
-    void what_is_not_committed_leaves_nothing_behind();
+    void an_uncommitted_file_is_removed();
     void an_incomplete_file_does_not_replace_the_old_one();
     void a_replaced_file_keeps_its_permissions();
-    void a_new_file_gets_the_permissions_that_the_mask_leaves_data();
-    void a_new_file_gets_the_permissions_that_the_mask_leaves();
-    void the_mask_stays_as_it_was();
-    void a_private_file_is_for_its_owner_whatever_the_mask_data();
-    void a_private_file_is_for_its_owner_whatever_the_mask();
+    void a_new_file_gets_the_permissions_of_the_umask_data();
+    void a_new_file_gets_the_permissions_of_the_umask();
+    void the_umask_does_not_change();
+    void a_private_file_has_mode_0600_with_any_umask_data();
+    void a_private_file_has_mode_0600_with_any_umask();
     void a_link_is_followed();
-    void a_link_to_a_missing_file_makes_that_file();
+    void a_link_to_a_missing_file_creates_that_file();
     void a_file_with_two_names_keeps_both();
     void a_private_file_replaces_one_name_only();
     void an_unfinished_file_is_locked();
     void a_target_that_became_a_folder_fails_the_commit_data();
     void a_target_that_became_a_folder_fails_the_commit();
-    void without_room_for_a_new_file_the_target_is_written_directly();
+    void in_a_write_protected_folder_the_target_is_written_directly();
     void a_private_file_is_never_written_directly();
     void a_write_protected_target_is_refused();
-    void a_missing_folder_is_not_made();
-    void a_file_that_comes_short_leaves_the_old_one();
+    void a_missing_folder_is_not_created();
+    void a_failed_write_leaves_the_old_file();
     void a_copy_has_the_content_of_its_source_data();
     void a_copy_has_the_content_of_its_source();
     void a_copy_of_a_missing_file_fails();
     void a_copy_that_comes_short_fails();
-    void completeness_is_length_and_end_data();
-    void completeness_is_length_and_end();
-    void only_what_exists_can_be_forced_to_the_disk();
+    void a_complete_file_has_the_right_size_and_end_data();
+    void a_complete_file_has_the_right_size_and_end();
+    void only_existing_files_can_be_synced();
     void a_file_is_synced_also_without_standard_input();
 
 private:
@@ -117,7 +117,7 @@ void TestSafeFile::the_old_file_stays_until_the_new_one_is_complete()
     QCOMPARE(Entries(d_folder->path()), QStringList{"file"});
 }
 
-void TestSafeFile::what_is_not_committed_leaves_nothing_behind()
+void TestSafeFile::an_uncommitted_file_is_removed()
 {
     Write_File(In("file"), "old");
     {
@@ -146,7 +146,7 @@ void TestSafeFile::a_replaced_file_keeps_its_permissions()
     QCOMPARE(Mode(In("file")), QString("640"));
 }
 
-void TestSafeFile::a_new_file_gets_the_permissions_that_the_mask_leaves_data()
+void TestSafeFile::a_new_file_gets_the_permissions_of_the_umask_data()
 {
     QTest::addColumn<int>("mask");
     QTest::addColumn<QString>("mode");
@@ -155,7 +155,7 @@ void TestSafeFile::a_new_file_gets_the_permissions_that_the_mask_leaves_data()
     QTest::newRow("for the group") << 027 << "640";
 }
 
-void TestSafeFile::a_new_file_gets_the_permissions_that_the_mask_leaves()
+void TestSafeFile::a_new_file_gets_the_permissions_of_the_umask()
 {
     QFETCH(int, mask);
     const TMask set(static_cast<mode_t>(mask));
@@ -163,7 +163,7 @@ void TestSafeFile::a_new_file_gets_the_permissions_that_the_mask_leaves()
     QTEST(Mode(In("file")), "mode");
 }
 
-void TestSafeFile::the_mask_stays_as_it_was()
+void TestSafeFile::the_umask_does_not_change()
 {
     const TMask mask(027);
     QVERIFY(TSafeFile::Replace(In("file"), "new"));
@@ -171,7 +171,7 @@ void TestSafeFile::the_mask_stays_as_it_was()
     QCOMPARE(after, mode_t{027});
 }
 
-void TestSafeFile::a_private_file_is_for_its_owner_whatever_the_mask_data()
+void TestSafeFile::a_private_file_has_mode_0600_with_any_umask_data()
 {
     QTest::addColumn<int>("mask");
     QTest::newRow("none") << 0;
@@ -179,7 +179,7 @@ void TestSafeFile::a_private_file_is_for_its_owner_whatever_the_mask_data()
     QTest::newRow("all") << 0777;
 }
 
-void TestSafeFile::a_private_file_is_for_its_owner_whatever_the_mask()
+void TestSafeFile::a_private_file_has_mode_0600_with_any_umask()
 {
     QFETCH(int, mask);
     Write_File(In("file"), "old");
@@ -201,7 +201,7 @@ void TestSafeFile::a_link_is_followed()
     QCOMPARE(Read_File(In("file")), QByteArray("new"));
 }
 
-void TestSafeFile::a_link_to_a_missing_file_makes_that_file()
+void TestSafeFile::a_link_to_a_missing_file_creates_that_file()
 {
     QVERIFY(QFile::link(QStringLiteral("file"), In("link")));
     QVERIFY(TSafeFile::Replace(In("link"), "new"));
@@ -258,7 +258,7 @@ void TestSafeFile::a_target_that_became_a_folder_fails_the_commit()
     QVERIFY(QFileInfo(In("file")).isDir());
 }
 
-void TestSafeFile::without_room_for_a_new_file_the_target_is_written_directly()
+void TestSafeFile::in_a_write_protected_folder_the_target_is_written_directly()
 {
     Write_File(In("file"), "old");
     const Support::TChildResult result = Support::Run_In_Child([this] {
@@ -293,13 +293,13 @@ void TestSafeFile::a_write_protected_target_is_refused()
     QCOMPARE(Read_File(In("file")), QByteArray("old"));
 }
 
-void TestSafeFile::a_missing_folder_is_not_made()
+void TestSafeFile::a_missing_folder_is_not_created()
 {
     QVERIFY(!TSafeFile::Replace(In("missing/file"), "new"));
     QVERIFY(Entries(d_folder->path()).isEmpty());
 }
 
-void TestSafeFile::a_file_that_comes_short_leaves_the_old_one()
+void TestSafeFile::a_failed_write_leaves_the_old_file()
 {
     Write_File(In("file"), "old");
     const Support::TChildResult result = Support::Run_In_Child([this] {
@@ -349,7 +349,7 @@ void TestSafeFile::a_copy_that_comes_short_fails()
     QCOMPARE(result.exit_code, 0);
 }
 
-void TestSafeFile::completeness_is_length_and_end_data()
+void TestSafeFile::a_complete_file_has_the_right_size_and_end_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<QByteArray>("end");
@@ -364,7 +364,7 @@ void TestSafeFile::completeness_is_length_and_end_data()
     QTest::newRow("end longer than the file") << -1 << QByteArray("0abcEND") << false;
 }
 
-void TestSafeFile::completeness_is_length_and_end()
+void TestSafeFile::a_complete_file_has_the_right_size_and_end()
 {
     QFETCH(int, size);
     QFETCH(QByteArray, end);
@@ -372,7 +372,7 @@ void TestSafeFile::completeness_is_length_and_end()
     QTEST(TSafeFile::Is_Complete(In("file"), size, end), "complete");
 }
 
-void TestSafeFile::only_what_exists_can_be_forced_to_the_disk()
+void TestSafeFile::only_existing_files_can_be_synced()
 {
     Write_File(In("file"), "content");
     QVERIFY(TSafeFile::Sync(In("file")));

@@ -1,4 +1,4 @@
-// Long work tells whoever watches that it has got on, block by block.
+// Long work reports its progress to the active watch, block by block.
 
 #include "core/workwatch.h"
 
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// An image that no format makes small: each pixel is a number of its own.
+/// An image that no format compresses well: each pixel has a different value.
 QImage Noise()
 {
     QImage image(700, 500, QImage::Format_RGB32);
@@ -32,39 +32,39 @@ class TestWorkWatch : public QObject
     Q_OBJECT
 
 private slots:
-    void nobody_has_to_watch();
-    void the_inner_watch_is_told_and_then_the_outer_one_again();
-    void each_block_is_told_and_passed_on();
-    void a_file_that_is_read_tells();
-    void images_tell_data();
-    void images_tell();
+    void notify_works_without_a_watch();
+    void the_inner_watch_replaces_the_outer_one_until_it_ends();
+    void each_block_is_reported_and_passed_on();
+    void reading_a_file_notifies_the_watch();
+    void reading_and_writing_images_notifies_the_watch_data();
+    void reading_and_writing_images_notifies_the_watch();
 };
 
-void TestWorkWatch::nobody_has_to_watch()
+void TestWorkWatch::notify_works_without_a_watch()
 {
-    TWorkWatch::Tell();
+    TWorkWatch::Notify();
     int told = 0;
     {
         const TWorkWatch watch([&told] { ++told; });
-        TWorkWatch::Tell();
+        TWorkWatch::Notify();
     }
-    TWorkWatch::Tell();
+    TWorkWatch::Notify();
     QCOMPARE(told, 1);
 }
 
-void TestWorkWatch::the_inner_watch_is_told_and_then_the_outer_one_again()
+void TestWorkWatch::the_inner_watch_replaces_the_outer_one_until_it_ends()
 {
     QStringList told;
     const TWorkWatch outer([&told] { told += "outer"; });
     {
         const TWorkWatch inner([&told] { told += "inner"; });
-        TWorkWatch::Tell();
+        TWorkWatch::Notify();
     }
-    TWorkWatch::Tell();
+    TWorkWatch::Notify();
     QCOMPARE(told, QStringList({"inner", "outer"}));
 }
 
-void TestWorkWatch::each_block_is_told_and_passed_on()
+void TestWorkWatch::each_block_is_reported_and_passed_on()
 {
     int told = 0;
     const TWorkWatch watch([&told] { ++told; });
@@ -80,7 +80,7 @@ void TestWorkWatch::each_block_is_told_and_passed_on()
     QCOMPARE(told, 3);
 }
 
-void TestWorkWatch::a_file_that_is_read_tells()
+void TestWorkWatch::reading_a_file_notifies_the_watch()
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("a.bin");
@@ -95,7 +95,7 @@ void TestWorkWatch::a_file_that_is_read_tells()
     QVERIFY(told > 10);
 }
 
-void TestWorkWatch::images_tell_data()
+void TestWorkWatch::reading_and_writing_images_notifies_the_watch_data()
 {
     QTest::addColumn<QByteArray>("format");
     QTest::newRow("PNG") << QByteArray("PNG");
@@ -103,7 +103,7 @@ void TestWorkWatch::images_tell_data()
     QTest::newRow("BMP") << QByteArray("BMP");
 }
 
-void TestWorkWatch::images_tell()
+void TestWorkWatch::reading_and_writing_images_notifies_the_watch()
 {
     QFETCH(QByteArray, format);
     const QTemporaryDir folder;
@@ -112,7 +112,8 @@ void TestWorkWatch::images_tell()
     int told = 0;
     const TWorkWatch watch([&told] { ++told; });
 
-    // A single image is many blocks: whoever watches learns of it long before it is there.
+    // A single image consists of many blocks, so the watch is notified long before the image is
+    // complete.
     const TPageImage image = TPageImage::From_File(path);
     QCOMPARE(image, QImage(path));
     QVERIFY2(told > 5, qPrintable(QString::number(told)));

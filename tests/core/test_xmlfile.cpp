@@ -1,4 +1,4 @@
-// The XML wrapper: values, paths, and a message for each fault.
+// The XML wrapper: values, paths, and a message for each error.
 
 #include "core/xmlfile.h"
 
@@ -19,7 +19,7 @@ namespace {
 const QString source = QStringLiteral("core/xmlfile.cpp");
 constexpr int no_exception = -1;
 
-/// What a function throws; No_Exception as the type if it does not.
+/// The exception that a function throws; of type No_Exception if it throws none.
 struct TThrown
 {
     int type = no_exception;
@@ -64,7 +64,7 @@ QByteArray Indented(const TXmlFile& file)
 
 const QByteArray declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
 
-/// Runs a function under another locale codec, as another LC_ALL would set it.
+/// Runs a function with another locale codec, as set by another LC_ALL.
 void With_Locale_Codec(const char* name, const std::function<void()>& function)
 {
     QTextCodec* const before = QTextCodec::codecForLocale();
@@ -85,13 +85,13 @@ private slots:
     void an_exception_keeps_message_and_type();
     void a_new_document_is_empty();
     void invalid_data_yields_null_nodes();
-    void reset_makes_a_declaration_and_a_root();
-    void reset_replaces_what_was_there();
+    void reset_creates_a_declaration_and_a_root();
+    void reset_replaces_the_document();
     void reset_with_a_doctype_writes_no_declaration();
     void clear_removes_all_nodes();
 
     void a_file_is_loaded();
-    void line_ends_and_encodings_of_files_are_left_alone();
+    void line_ends_and_encodings_of_files_are_not_changed();
     void an_unreadable_file_is_a_file_error();
     void a_file_that_does_not_open_is_a_file_error();
     void a_parse_error_of_a_file_is_a_data_error();
@@ -105,11 +105,11 @@ private slots:
     void versions_are_decimal_data();
     void versions_are_decimal();
     void a_missing_version_comes_after_identification_and_doctype();
-    void the_doctype_is_remembered();
+    void the_doctype_is_stored();
     void ruinous_documents_are_parse_errors();
-    void characters_that_xml_cannot_hold_are_parse_errors_data();
-    void characters_that_xml_cannot_hold_are_parse_errors();
-    void characters_beyond_16_bits_come_back();
+    void characters_that_xml_does_not_allow_are_parse_errors_data();
+    void characters_that_xml_does_not_allow_are_parse_errors();
+    void characters_beyond_16_bits_are_read_back();
     void harmless_entities_are_expanded();
     void external_entities_are_not_fetched();
 
@@ -119,34 +119,34 @@ private slots:
     void attributes_are_read();
     void missing_attributes_are_named();
     void first_child_with_a_name_is_found();
-    void siblings_with_a_name_are_walked();
+    void siblings_with_a_name_are_found_in_order();
     void first_nodes_of_any_kind_are_found();
-    void siblings_of_any_kind_are_walked();
+    void siblings_of_any_kind_are_found_in_order();
     void null_nodes_cannot_be_read();
     void null_nodes_have_no_child_and_no_sibling();
-    void readers_want_pointers();
+    void readers_require_pointers();
 
     void nodes_are_appended_in_order();
-    void nodes_want_a_parent_and_a_name();
-    void an_impossible_name_yields_a_null_node();
+    void nodes_require_a_parent_and_a_name();
+    void an_invalid_name_yields_a_null_node();
     void texts_are_written();
     void numbers_are_written_as_text();
-    void impossible_texts_are_refused();
+    void invalid_texts_are_refused();
     void attributes_are_written();
-    void attributes_want_a_name();
-    void writers_want_pointers();
+    void attributes_require_a_name();
+    void writers_require_pointers();
 
     void compact_output_has_no_line_breaks();
     void compact_output_drops_line_breaks_of_texts();
     void indentation_is_four_blanks();
-    void write_data_replaces_what_was_there();
+    void write_data_replaces_the_data();
     void an_empty_document_writes_nothing();
     void output_is_utf8_whatever_the_locale();
     void output_has_the_declared_encoding();
     void a_file_is_written_as_the_data();
-    void an_existing_file_that_must_not_be_written_is_a_file_error();
-    void a_file_that_cannot_be_made_is_a_data_error();
-    void what_was_written_is_read_back();
+    void a_write_protected_file_is_a_file_error();
+    void a_file_that_cannot_be_created_is_a_data_error();
+    void a_written_document_is_read_back();
 
 private:
     QString Path(const QString& name) const { return d_folder->filePath(name); }
@@ -187,7 +187,7 @@ void TestXmlFile::invalid_data_yields_null_nodes()
     QVERIFY(file.createTextNode(QString(QChar(1))).isNull());
 }
 
-void TestXmlFile::reset_makes_a_declaration_and_a_root()
+void TestXmlFile::reset_creates_a_declaration_and_a_root()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
@@ -200,7 +200,7 @@ void TestXmlFile::reset_makes_a_declaration_and_a_root()
     QCOMPARE(first.data(), QStringLiteral("version=\"1.0\" encoding=\"utf-8\""));
 }
 
-void TestXmlFile::reset_replaces_what_was_there()
+void TestXmlFile::reset_replaces_the_document()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("Old"), 1);
@@ -250,7 +250,7 @@ void TestXmlFile::a_file_is_loaded()
     QCOMPARE(file.Read_Text_Node(&text, false), QString::fromUtf8("\xc3\xa4"));
 }
 
-void TestXmlFile::line_ends_and_encodings_of_files_are_left_alone()
+void TestXmlFile::line_ends_and_encodings_of_files_are_not_changed()
 {
     Support::Write_File(Path("crlf.xml"), "<R>\r\n<T>a\r\nb</T>\r\n</R>\r\n");
     TXmlFile file;
@@ -459,7 +459,7 @@ void TestXmlFile::a_missing_version_comes_after_identification_and_doctype()
     QCOMPARE(file.d_doctype_name, QStringLiteral("D"));
 }
 
-void TestXmlFile::the_doctype_is_remembered()
+void TestXmlFile::the_doctype_is_stored()
 {
     TXmlFile file;
     file.Open_Data("<!DOCTYPE Kind><R/>", QStringLiteral("R"), nullptr, true);
@@ -489,7 +489,7 @@ void TestXmlFile::ruinous_documents_are_parse_errors()
     QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"/>");
 }
 
-void TestXmlFile::characters_that_xml_cannot_hold_are_parse_errors_data()
+void TestXmlFile::characters_that_xml_does_not_allow_are_parse_errors_data()
 {
     QTest::addColumn<QByteArray>("data");
     QTest::newRow("text") << QByteArray("<R>a\x01z</R>");
@@ -498,8 +498,8 @@ void TestXmlFile::characters_that_xml_cannot_hold_are_parse_errors_data()
     QTest::newRow("character data") << QByteArray("<R><![CDATA[\x01]]></R>");
 }
 
-/// The DOM parser itself would stop the program.
-void TestXmlFile::characters_that_xml_cannot_hold_are_parse_errors()
+/// Without the check, the DOM parser would crash.
+void TestXmlFile::characters_that_xml_does_not_allow_are_parse_errors()
 {
     QFETCH(QByteArray, data);
     for (const bool namespaces : {false, true}) {
@@ -512,7 +512,7 @@ void TestXmlFile::characters_that_xml_cannot_hold_are_parse_errors()
     }
 }
 
-void TestXmlFile::characters_beyond_16_bits_come_back()
+void TestXmlFile::characters_beyond_16_bits_are_read_back()
 {
     const QString text = QString::fromUtf8("\xf0\x9f\x98\x80 \xf0\x90\x80\x80");
     TXmlFile file;
@@ -667,7 +667,7 @@ void TestXmlFile::first_child_with_a_name_is_found()
     }
 }
 
-void TestXmlFile::siblings_with_a_name_are_walked()
+void TestXmlFile::siblings_with_a_name_are_found_in_order()
 {
     TXmlFile file;
     file.Open_Data("<R><A>1</A>t<B/><A>2</A><A>3</A><B/></R>", QStringLiteral("R"), nullptr, true);
@@ -706,7 +706,7 @@ void TestXmlFile::first_nodes_of_any_kind_are_found()
                    "ERR: Parent 'A' does not have nodes and they are not optional.");
 }
 
-void TestXmlFile::siblings_of_any_kind_are_walked()
+void TestXmlFile::siblings_of_any_kind_are_found_in_order()
 {
     TXmlFile file;
     file.Open_Data("<R><A/>t<!--c--><B/></R>", QStringLiteral("R"), nullptr, true);
@@ -761,7 +761,7 @@ void TestXmlFile::null_nodes_have_no_child_and_no_sibling()
                    "ERR: Node '' does not have siblings and they are not optional.");
 }
 
-void TestXmlFile::readers_want_pointers()
+void TestXmlFile::readers_require_pointers()
 {
     const TXmlFile file;
     const QDomElement* const element = nullptr;
@@ -803,7 +803,7 @@ void TestXmlFile::nodes_are_appended_in_order()
     QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"><A><C/></A><B/></R>");
 }
 
-void TestXmlFile::nodes_want_a_parent_and_a_name()
+void TestXmlFile::nodes_require_a_parent_and_a_name()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
@@ -817,7 +817,7 @@ void TestXmlFile::nodes_want_a_parent_and_a_name()
     QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"/>");
 }
 
-void TestXmlFile::an_impossible_name_yields_a_null_node()
+void TestXmlFile::an_invalid_name_yields_a_null_node()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
@@ -871,7 +871,7 @@ void TestXmlFile::numbers_are_written_as_text()
                    "ERR:  Cannot append data to a NULL node");
 }
 
-void TestXmlFile::impossible_texts_are_refused()
+void TestXmlFile::invalid_texts_are_refused()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
@@ -900,7 +900,7 @@ void TestXmlFile::attributes_are_written()
                  "<A x=\"2\"/></R>");
 }
 
-void TestXmlFile::attributes_want_a_name()
+void TestXmlFile::attributes_require_a_name()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
@@ -913,7 +913,7 @@ void TestXmlFile::attributes_want_a_name()
                    "ERR:  Cannot create an unnamed attribute");
 }
 
-void TestXmlFile::writers_want_pointers()
+void TestXmlFile::writers_require_pointers()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
@@ -967,7 +967,7 @@ void TestXmlFile::indentation_is_four_blanks()
              declaration + "\n<R File_Version=\"1\">\n    <A>\n        <B>t</B>\n    </A>\n</R>\n");
 }
 
-void TestXmlFile::write_data_replaces_what_was_there()
+void TestXmlFile::write_data_replaces_the_data()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
@@ -1035,7 +1035,7 @@ void TestXmlFile::a_file_is_written_as_the_data()
     QCOMPARE(Support::Read_File(file.d_file_path), Compact(file));
 }
 
-void TestXmlFile::an_existing_file_that_must_not_be_written_is_a_file_error()
+void TestXmlFile::a_write_protected_file_is_a_file_error()
 {
     const QString path = Path("fixed.xml");
     Support::Write_File(path, "before");
@@ -1056,7 +1056,7 @@ void TestXmlFile::an_existing_file_that_must_not_be_written_is_a_file_error()
     QCOMPARE(Support::Read_File(path), QByteArray("before"));
 }
 
-void TestXmlFile::a_file_that_cannot_be_made_is_a_data_error()
+void TestXmlFile::a_file_that_cannot_be_created_is_a_data_error()
 {
     TXmlFile file;
     file.Reset(QStringLiteral("R"), 1);
@@ -1071,7 +1071,7 @@ void TestXmlFile::a_file_that_cannot_be_made_is_a_data_error()
     }
 }
 
-void TestXmlFile::what_was_written_is_read_back()
+void TestXmlFile::a_written_document_is_read_back()
 {
     TXmlFile written;
     written.Reset(QStringLiteral("R"), 3);

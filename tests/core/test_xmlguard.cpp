@@ -26,7 +26,7 @@ QByteArray Document(const QByteArray& declarations, const QByteArray& content)
     return "<!DOCTYPE R [" + declarations + "]><R>" + content + "</R>";
 }
 
-/// Entities that each refer ten times to the one before: name0, which holds text, name1, ...
+/// Entities a0, which contains the text, a1, ..., each with ten references to the previous one.
 QByteArray Laughs(int levels, const QByteArray& text)
 {
     QByteArray declarations = "<!ENTITY a0 '" + text + "'>";
@@ -326,7 +326,7 @@ void TestXmlGuard::a_defect_has_a_line_and_a_column()
     const auto defect = XmlGuard::Find_Defect("<R>\n<S>\n" + Nested(1000), true);
     QVERIFY(defect);
     QCOMPARE(defect->line, 3);
-    // 254 more tags of 3 characters are fine; the next ends in this column.
+    // 254 more tags of 3 characters are accepted. The next one ends in this column.
     const int last = 3 * (XmlGuard::Nesting_Limit - 2 + 1);
     QVERIFY2(defect->column == last || defect->column == last + 1,
              qPrintable(QString::number(defect->column)));

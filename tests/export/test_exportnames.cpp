@@ -29,7 +29,7 @@ private slots:
         QCOMPARE(Path_Of_Page("Cover"), QString("/tmp/out/Cover-161120260705091.png"));
     }
 
-    void the_counter_tells_the_pages_of_an_export_apart()
+    void the_counter_makes_the_names_of_an_export_unique()
     {
         const QDateTime may(QDate(2026, 5, 4), QTime(1, 2, 3));
         QCOMPARE(ExportNames::Image_Path("/tmp/out", "Page 1", 1, may, 1),
@@ -68,7 +68,7 @@ private slots:
                  beginning + "161120260705091.png");
     }
 
-    void page_names_lose_what_file_systems_object_to_data()
+    void characters_that_file_systems_reject_are_replaced_data()
     {
         QTest::addColumn<QString>("page_name");
         QTest::addColumn<QString>("file_name");
@@ -96,7 +96,7 @@ private slots:
         QTest::newRow("dots stay") << ".."
                                    << "..";
     }
-    void page_names_lose_what_file_systems_object_to()
+    void characters_that_file_systems_reject_are_replaced()
     {
         QFETCH(QString, page_name);
         QFETCH(QString, file_name);
@@ -110,7 +110,7 @@ private slots:
                  QString("/tmp/out/Image_1234-161120260705092.png"));
     }
 
-    void hours_run_to_23()
+    void hours_have_24_hour_format()
     {
         const QDateTime evening(QDate(2026, 11, 16), QTime(23, 59, 0));
         QVERIFY(ExportNames::Image_Path("/o", "a", 1, evening, 1).endsWith("-161120262359001.png"));
@@ -121,7 +121,7 @@ private slots:
 
     void digits_are_ascii_in_every_locale()
     {
-        // The system's locale is read once in a process.
+        // A process reads the system's locale only once.
         const Support::TChildResult result = Support::Run_In_Child([] {
             setenv("LC_ALL", "ar_EG.UTF-8", 1);
             QLocale::setDefault(QLocale(QStringLiteral("ar_EG")));

@@ -20,7 +20,7 @@ QImage Page_Picture(int seed)
 
 } // namespace
 
-/// Pages drawn in turn, and what is made of them; without a window.
+/// Exports without a window.
 class TestPageExporter : public QObject
 {
     Q_OBJECT
@@ -52,7 +52,7 @@ private slots:
         QCOMPARE(drawn, QList<int>({2, 1}));
     }
 
-    void a_page_that_is_not_used_is_the_last()
+    void drawing_stops_when_the_handler_returns_false()
     {
         int count = 0;
         QVERIFY(!Exporter().Draw_Pages({1, 2}, [&](int, const QPixmap&) {
@@ -62,7 +62,7 @@ private slots:
         QCOMPARE(count, 1);
     }
 
-    void without_a_page_nothing_is_done()
+    void without_pages_nothing_is_exported()
     {
         QVERIFY(!Exporter().Draw_Pages({}, [](int, const QPixmap&) { return true; }));
         QVERIFY(!Exporter().Export_Images({}, [](int, int) { return QString(); }));
@@ -71,7 +71,7 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->path()), QStringList());
     }
 
-    void afterwards_the_active_page_is_shown()
+    void the_active_page_is_shown_after_an_export()
     {
         d_document.data.Set_Active_Page(1);
         d_document.data.Add_Item(Support::Label(5, 7, "", 1, QPointF(20, 20)));
@@ -85,7 +85,7 @@ private slots:
         QVERIFY(d_view->updatesEnabled());
     }
 
-    void progress_is_told_before_a_page_is_drawn_and_before_it_is_used()
+    void progress_is_reported_before_drawing_and_before_handling_a_page()
     {
         QStringList steps;
         const TPageExporter exporter(&d_document.data, d_view.get(), [&](int number, int total) {
@@ -98,7 +98,7 @@ private slots:
         QCOMPARE(steps, QStringList({"1 of 2", "1 of 2", "page 1", "2 of 2", "2 of 2", "page 2"}));
     }
 
-    void images_are_written_where_they_are_wanted()
+    void images_are_written_to_the_given_paths()
     {
         QStringList asked;
         QVERIFY(Exporter().Export_Images({2, 1}, [&](int page_id, int counter) {
@@ -110,7 +110,7 @@ private slots:
         QCOMPARE(Support::Difference(QImage(Path("2"), "png"), Page_Picture(1)), QString());
     }
 
-    void a_report_that_cannot_be_begun_is_told_from_one_that_is_complete()
+    void a_report_that_cannot_be_opened_is_not_begun()
     {
         using TOutcome = TPageExporter::TOutcome;
         const TReportOptions settings{0, 1, "", ""};
@@ -138,7 +138,7 @@ private slots:
         QCOMPARE(Support::Read_File(Path("r.pdf")), QByteArray("old"));
     }
 
-    void a_pdf_is_complete_when_its_table_is_where_its_end_says_data()
+    void a_pdf_is_complete_if_its_table_is_at_the_offset_named_at_its_end_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<bool>("complete");
@@ -156,7 +156,7 @@ private slots:
         QTest::newRow("negative offset") << body + table + "startxref\n-14\n%%EOF\n" << false;
     }
 
-    void a_pdf_is_complete_when_its_table_is_where_its_end_says()
+    void a_pdf_is_complete_if_its_table_is_at_the_offset_named_at_its_end()
     {
         QFETCH(QByteArray, content);
         Support::Write_File(Path("file.pdf"), content);

@@ -1,4 +1,4 @@
-// The item display format: what is left of what a user types, and the rows it makes.
+// The item display format: cleaning what a user types, and the resulting rows.
 
 #include "src/model/itemformat.h"
 
@@ -14,10 +14,10 @@ private Q_SLOTS:
     void the_default_format_shows_value_and_text();
     void a_typed_format_is_cleaned_data();
     void a_typed_format_is_cleaned();
-    void a_clean_format_stays_clean_data();
-    void a_clean_format_stays_clean();
-    void a_row_text_follows_its_format_data();
-    void a_row_text_follows_its_format();
+    void cleaning_a_format_twice_changes_nothing_more_data();
+    void cleaning_a_format_twice_changes_nothing_more();
+    void a_row_text_has_the_display_format_data();
+    void a_row_text_has_the_display_format();
 };
 
 void TestItemFormat::the_default_format_shows_value_and_text()
@@ -64,18 +64,18 @@ void TestItemFormat::a_typed_format_is_cleaned()
     QCOMPARE(ItemFormat::Clean(typed), cleaned);
 }
 
-void TestItemFormat::a_clean_format_stays_clean_data()
+void TestItemFormat::cleaning_a_format_twice_changes_nothing_more_data()
 {
     a_typed_format_is_cleaned_data();
 }
 
-void TestItemFormat::a_clean_format_stays_clean()
+void TestItemFormat::cleaning_a_format_twice_changes_nothing_more()
 {
     QFETCH(QString, cleaned);
     QCOMPARE(ItemFormat::Clean(cleaned), cleaned);
 }
 
-void TestItemFormat::a_row_text_follows_its_format_data()
+void TestItemFormat::a_row_text_has_the_display_format_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<int>("value");
@@ -111,7 +111,7 @@ void TestItemFormat::a_row_text_follows_its_format_data()
     add("not Latin", "№ %1 %2", 3, "насос", "№ 3 насос");
 }
 
-void TestItemFormat::a_row_text_follows_its_format()
+void TestItemFormat::a_row_text_has_the_display_format()
 {
     QFETCH(QString, format);
     QFETCH(int, value);

@@ -10,7 +10,7 @@ namespace {
 constexpr int smallest = std::numeric_limits<int>::min();
 constexpr int largest = std::numeric_limits<int>::max();
 
-/// The values that one page with a number of labels gets.
+/// The values of a page with a number of labels.
 std::vector<int> Take_Page(TNumbering& numbering, int count)
 {
     std::vector<int> values;
@@ -28,13 +28,13 @@ int Start_After(int value, int method)
 
 } // namespace
 
-/// Values over one page and many.
+/// Numbering of one or more pages.
 class TestNumbering : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void values_follow_each_other_from_the_first()
+    void values_are_consecutive_from_the_first()
     {
         TNumbering numbering(7, TNumbering::Next_100X);
         QCOMPARE(numbering.Next(), 7);
@@ -42,7 +42,7 @@ private slots:
         QCOMPARE(numbering.Next(), 11);
     }
 
-    void next_does_not_take()
+    void next_does_not_advance()
     {
         const TNumbering numbering(7, TNumbering::Next_1X);
         QCOMPARE(numbering.Next(), 7);
@@ -105,7 +105,7 @@ private slots:
         QTEST(Start_After(after, method), "start");
     }
 
-    void a_start_is_a_round_number_above_what_was_given_data()
+    void a_page_starts_at_a_round_number_above_the_last_value_data()
     {
         QTest::addColumn<int>("method");
         QTest::addColumn<int>("step");
@@ -114,7 +114,7 @@ private slots:
         QTest::newRow("100X") << 2 << 100;
         QTest::newRow("1000X") << 4 << 1000;
     }
-    void a_start_is_a_round_number_above_what_was_given()
+    void a_page_starts_at_a_round_number_above_the_last_value()
     {
         QFETCH(int, method);
         QFETCH(int, step);
@@ -137,14 +137,14 @@ private slots:
         QCOMPARE(numbering.Next(), 300);
     }
 
-    void an_empty_page_does_not_advance_where_values_run_on()
+    void an_empty_page_does_not_advance_with_1x()
     {
         TNumbering numbering(100, TNumbering::Next_1X);
         numbering.Break_Page();
         QCOMPARE(numbering.Next(), 100);
     }
 
-    void values_run_on_across_pages_with_1x()
+    void values_continue_across_pages_with_1x()
     {
         TNumbering numbering(5, TNumbering::Next_1X);
         QCOMPARE(Take_Page(numbering, 3), (std::vector<int>{5, 6, 7}));

@@ -1,4 +1,4 @@
-// Page images: decoded when looked at, encoded at most once, and kept within bounds.
+// Page images: decoded on demand, encoded at most once, in a cache of limited size.
 
 #include "src/model/pageimage.h"
 #include "support/support.h"
@@ -48,7 +48,7 @@ QByteArray Little(TNumber number)
     return bytes;
 }
 
-/// A PNG whose header promises this size.
+/// A PNG whose header declares this size.
 QByteArray Promising_Png(quint32 width, quint32 height)
 {
     QByteArray bytes = Support::Png(Support::Picture(8, 8));
@@ -379,7 +379,7 @@ private slots:
         QVERIFY(TPageImage::From_File(path).isNull());
     }
 
-    // A picture of one bit a pixel shows the bound itself without taking much memory.
+    // With one bit per pixel, the limit takes little memory.
     void exactly_500_megapixels_are_decoded()
     {
         const QByteArray header = "P4\n25000 20000\n";
@@ -526,7 +526,7 @@ private slots:
         QCOMPARE(QImage(images[0]).cacheKey(), keys[0]);
         QCOMPARE(QImage(images[2]).cacheKey(), keys[2]);
         QCOMPARE(QImage(images[3]).cacheKey(), keys[3]);
-        // What is known of an image does not go with its pixels.
+        // The size of an image is kept when its pixels are dropped.
         QVERIFY(!images[1].isNull());
         QCOMPARE(images[1].size(), QSize(4096, 4096));
         QCOMPARE(QImage(images[3]).cacheKey(), keys[3]);
@@ -551,9 +551,9 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(40 * 30 * 4));
     }
 
-    void an_encoded_image_answers_as_the_original_data() { Add_Samples(); }
+    void an_encoded_image_behaves_like_the_original_data() { Add_Samples(); }
 
-    void an_encoded_image_answers_as_the_original()
+    void an_encoded_image_behaves_like_the_original()
     {
         QFETCH(const QByteArray, bytes);
         const TPageImage image = TPageImage::From_Bytes(bytes);
@@ -567,7 +567,7 @@ private slots:
         QCOMPARE(decoded_before.Png(), image.Png());
     }
 
-    void an_encoded_image_holds_no_pixels()
+    void an_encoded_image_contains_no_pixels()
     {
         TPageImage image = TPageImage::From_Bytes(Encoded(Support::Picture(40, 30), "BMP"));
         const QByteArray png = image.Png();
@@ -610,7 +610,7 @@ private slots:
         QVERIFY(!image.Is_Copy_Of(other) && !image.Is_Same(other));
     }
 
-    void images_are_compared_with_pictures_by_their_pixels()
+    void images_are_compared_by_their_pixels()
     {
         const QImage picture = Support::Picture(40, 30);
         const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
@@ -630,7 +630,7 @@ private slots:
         QVERIFY(image.isNull());
     }
 
-    void assigning_replaces_without_touching_copies()
+    void assigning_does_not_change_copies()
     {
         TPageImage image = Support::Picture(40, 30);
         const TPageImage copy = image;

@@ -1,4 +1,4 @@
-// Label pixmaps that are drawn once: the pixels are those of a label drawn for itself.
+// Cached label pixmaps have the same pixels as labels that are drawn separately.
 
 #include "src/paint/labelcache.h"
 
@@ -24,11 +24,11 @@ class TestLabelCache : public QObject
 private slots:
     void init();
     void labels_have_the_pixels_of_the_painter();
-    void labels_that_look_the_same_are_drawn_once();
-    void labels_that_look_different_are_different();
+    void labels_with_the_same_look_are_drawn_once();
+    void labels_with_different_looks_are_different();
     void codes_without_a_border_share_one_drawing();
-    void another_style_drops_what_was_drawn();
-    void labels_that_were_dropped_are_drawn_again();
+    void another_style_drops_all_pixmaps();
+    void dropped_labels_are_drawn_again();
 
 private:
     TLabelStyle d_style{45, 45, 16, QColor(250, 8, 50)};
@@ -42,7 +42,7 @@ void TestLabelCache::init()
 
 void TestLabelCache::labels_have_the_pixels_of_the_painter()
 {
-    // Twice, so that the second round meets what the first one left behind.
+    // Twice, so that the second round uses the cached pixmaps.
     for (int round = 0; round < 2; ++round) {
         for (const int border_type : {0, 1, 2, 3, 4, 8}) {
             for (const bool selected : {false, true}) {
@@ -58,13 +58,13 @@ void TestLabelCache::labels_have_the_pixels_of_the_painter()
     }
 }
 
-void TestLabelCache::labels_that_look_the_same_are_drawn_once()
+void TestLabelCache::labels_with_the_same_look_are_drawn_once()
 {
     const qint64 key = d_cache.Label(QStringLiteral("1"), 2, false).cacheKey();
     QCOMPARE(d_cache.Label(QStringLiteral("1"), 2, false).cacheKey(), key);
 }
 
-void TestLabelCache::labels_that_look_different_are_different()
+void TestLabelCache::labels_with_different_looks_are_different()
 {
     const qint64 key = d_cache.Label(QStringLiteral("1"), 2, false).cacheKey();
     QVERIFY(d_cache.Label(QStringLiteral("2"), 2, false).cacheKey() != key);
@@ -79,7 +79,7 @@ void TestLabelCache::codes_without_a_border_share_one_drawing()
     QCOMPARE(d_cache.Label(QStringLiteral("1"), -1, false).cacheKey(), key);
 }
 
-void TestLabelCache::another_style_drops_what_was_drawn()
+void TestLabelCache::another_style_drops_all_pixmaps()
 {
     const QString text = QStringLiteral("1");
     d_cache.Label(text, 2, false);
@@ -97,9 +97,9 @@ void TestLabelCache::another_style_drops_what_was_drawn()
     }
 }
 
-void TestLabelCache::labels_that_were_dropped_are_drawn_again()
+void TestLabelCache::dropped_labels_are_drawn_again()
 {
-    // A label of 505 x 505 pixels takes a megabyte, and the cache holds fewer than these.
+    // A label of 505 x 505 pixels takes a megabyte. The cache has room for fewer than these.
     const TLabelStyle style{505, 505, 200, QColor(250, 8, 50)};
     d_cache.Set_Style(style, LabelPainter::Template(style));
     const QString text = QStringLiteral("first");

@@ -1,4 +1,4 @@
-// The drawing of one label, compared with drawings made here.
+// The drawing of a label, compared with independent drawings.
 
 #include "src/paint/labelpainter.h"
 
@@ -17,7 +17,7 @@ namespace {
 const QColor red(250, 8, 50);
 const QColor almost_nothing(255, 255, 255, 1);
 
-/// How a label is to look, in the test's own terms.
+/// The expected look of a label.
 struct TSpecimen
 {
     QString text;
@@ -38,7 +38,7 @@ QFont Arial(double size)
     return font;
 }
 
-/// Width that a text takes, measured on the kind of device that labels are drawn on.
+/// The width of a text, measured on the kind of device that labels are drawn on.
 int Text_Width(const QString& text, double font_size)
 {
     QPixmap device(1, 1);
@@ -63,7 +63,7 @@ void Draw_Shape(QPainter* painter, const TSpecimen& label)
         painter->drawPolygon(shape, Qt::OddEvenFill);
 }
 
-/// The same label, drawn with a painter of the test's own in one go.
+/// Draws the expected label with a separate painter.
 QImage Drawing(const TSpecimen& label)
 {
     QImage image(label.width, label.height, QImage::Format_ARGB32_Premultiplied);
@@ -120,7 +120,7 @@ TSpecimen Specimen(int border_type, bool selected = false, const QString& text =
     return label;
 }
 
-/// The columns of a row, or the rows of a column, in which the pixels have exactly a colour.
+/// The columns of a row, or the rows of a column, whose pixels have exactly this colour.
 QList<int> Places(const QImage& image, const QColor& color, int row, int column = -1)
 {
     QList<int> places;
@@ -177,7 +177,7 @@ private slots:
     void the_style_starts_with_the_default_look();
     void labels_are_drawn_pixel_by_pixel_as_designed_data();
     void labels_are_drawn_pixel_by_pixel_as_designed();
-    void a_frame_with_a_text_on_a_copy_of_it_is_the_whole_label();
+    void painting_frame_and_text_is_the_same_as_painting_the_label();
     void no_pixel_of_a_label_is_fully_transparent();
     void the_square_spans_from_its_corner_around_the_centre();
     void the_ellipse_touches_the_squares_edges();
@@ -189,11 +189,11 @@ private slots:
     void the_highlight_lies_beneath_border_and_text();
     void the_highlight_fills_the_label();
     void the_text_has_the_labels_color();
-    void the_text_of_a_triangle_stands_in_its_base();
+    void the_text_of_a_triangle_is_in_its_base();
     void a_text_of_exactly_the_fitting_width_keeps_its_size();
     void a_text_twice_as_wide_is_drawn_at_half_the_size();
     void a_text_that_would_get_too_small_becomes_a_star();
-    void an_empty_text_leaves_the_frame_alone();
+    void an_empty_text_does_not_change_the_frame();
     void the_painter_and_the_font_metrics_measure_alike();
     void a_label_without_size_is_not_drawn();
 };
@@ -271,7 +271,7 @@ void TestLabelPainter::labels_are_drawn_pixel_by_pixel_as_designed()
     }
 }
 
-void TestLabelPainter::a_frame_with_a_text_on_a_copy_of_it_is_the_whole_label()
+void TestLabelPainter::painting_frame_and_text_is_the_same_as_painting_the_label()
 {
     const TLabelStyle style{45, 45, 16, red};
     for (const int border_type : {0, 1, 2, 4, 8}) {
@@ -469,7 +469,7 @@ void TestLabelPainter::the_text_has_the_labels_color()
     QVERIFY(std::abs(inked.center().y() - 22) <= 3);
 }
 
-void TestLabelPainter::the_text_of_a_triangle_stands_in_its_base()
+void TestLabelPainter::the_text_of_a_triangle_is_in_its_base()
 {
     const QImage frame = Painted(Specimen(4));
     const QImage image = Painted(Specimen(4, false, QStringLiteral("1")));
@@ -513,7 +513,7 @@ void TestLabelPainter::a_text_that_would_get_too_small_becomes_a_star()
     QVERIFY(!Support::Difference(Painted(Specimen(1, false, widest)), star).isEmpty());
 }
 
-void TestLabelPainter::an_empty_text_leaves_the_frame_alone()
+void TestLabelPainter::an_empty_text_does_not_change_the_frame()
 {
     const TLabelStyle style{45, 45, 16, red};
     QPixmap frame = LabelPainter::Template(style);

@@ -6,8 +6,8 @@
 
 namespace {
 
-/// Measures of the report's fonts on the printer by resolution code, taken as given: Nimbus Sans in
-/// 12 and 6 points at 96, 192, 288 and 384 dots per inch.
+/// Assumed metrics of the report's fonts on the printer by resolution code: Nimbus Sans in 12 and 6
+/// points at 96, 192, 288 and 384 dots per inch.
 constexpr TFontMeasure heading_fonts[] = {{23, 9}, {45, 17}, {67, 25}, {89, 34}};
 constexpr TFontMeasure footer_fonts[] = {{12, 5}, {23, 9}, {34, 13}, {45, 17}};
 
@@ -21,7 +21,7 @@ QRect Corners(int left, int top, int right, int bottom)
     return QRect(QPoint(left, top), QPoint(right, bottom));
 }
 
-/// Where things stand on a page, worked out by hand.
+/// The layout of a page, calculated by hand.
 struct TPlaces
 {
     int x0, x1, xr;
@@ -29,7 +29,7 @@ struct TPlaces
     int hy_one, hy_both; ///< header rule with one and with both headers; without any it is y0
 };
 
-/// A printer page with what follows from it.
+/// A printer page and the resulting layout.
 struct TPaper
 {
     const char* name;
@@ -102,7 +102,7 @@ TReportGeometry Plain_Page()
 
 } // namespace
 
-/// Where everything stands on a page of the report.
+/// The layout of a report page.
 class TestReportGeometry : public QObject
 {
     Q_OBJECT

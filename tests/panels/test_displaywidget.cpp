@@ -39,7 +39,7 @@ QImage Painted(const TLabelStyle& style, const QString& text, int border_type, b
     return pixmap.toImage();
 }
 
-/// What a label shows, and where, as the view is to have it.
+/// The expected data of a label in the view.
 QString Label_State(const QGraphicsPixmapItem* label)
 {
     return QStringLiteral("id %1, value %2, text '%3', centre %4, border %5, selected %6, at %7")
@@ -59,7 +59,7 @@ QList<int> Ids(const TDisplayWidget& view)
     return ids;
 }
 
-/// The keys of all label pixmaps: a label that was drawn anew may have another one.
+/// The cache keys of all label pixmaps, which may change when labels are drawn again.
 QList<qint64> Pixmap_Keys(const TDisplayWidget& view)
 {
     QList<qint64> keys;
@@ -80,7 +80,7 @@ private slots:
 
     void a_new_view_has_the_documented_defaults();
     void the_view_belongs_to_its_parent();
-    void the_signals_come_in_their_order();
+    void the_signals_are_declared_in_order();
     void the_background_image_is_shown_at_the_origin();
     void a_background_image_keeps_the_labels();
     void the_scene_rectangle_covers_all_items();
@@ -94,8 +94,8 @@ private slots:
     void an_added_item_has_all_its_data();
     void an_added_item_shows_its_text_or_else_its_value();
     void an_id_that_is_shown_is_not_added_again();
-    void labels_with_extreme_ids_are_told_apart();
-    void an_item_is_added_at_the_origin_while_that_is_in_sight();
+    void labels_with_extreme_ids_are_distinct();
+    void an_item_is_added_at_the_origin_if_that_is_visible();
     void an_item_is_added_in_the_visible_corner_of_a_scrolled_view_data();
     void an_item_is_added_in_the_visible_corner_of_a_scrolled_view();
     void an_item_is_added_with_integer_halves_of_the_label_size();
@@ -109,7 +109,7 @@ private slots:
     void selecting_redraws_only_what_changes();
     void selecting_sets_exactly_the_given_ids();
     void selecting_nothing_clears_every_selection();
-    void a_selected_label_can_go_away_before_others_are_selected();
+    void a_selected_label_can_be_removed_before_others_are_selected();
     void selecting_scrolls_to_the_last_label_in_list_order();
     void selecting_scrolls_only_when_asked_and_tracking_data();
     void selecting_scrolls_only_when_asked_and_tracking();
@@ -117,7 +117,7 @@ private slots:
     void the_label_size_is_five_less_than_the_pixmap();
     void changing_the_label_size_redraws_and_keeps_the_centres();
     void changing_the_label_color_redraws_without_moving();
-    void a_rendered_label_is_the_painters();
+    void a_rendered_label_has_the_pixels_of_the_painter();
     void a_rendered_value_is_its_plain_decimal();
     void labels_that_look_the_same_share_their_pixels();
     void the_page_is_rendered_with_its_labels();
@@ -138,7 +138,7 @@ void TestDisplayWidget::init()
     d_view->setFrameShape(QFrame::NoFrame);
     d_view->resize(400, 300);
     d_view->show();
-    // Small enough to be in sight as a whole.
+    // Small enough to be completely visible.
     d_view->Set_Background_Image(Page(100, 80));
 }
 
@@ -181,7 +181,7 @@ void TestDisplayWidget::the_view_belongs_to_its_parent()
     QVERIFY(view.isNull());
 }
 
-void TestDisplayWidget::the_signals_come_in_their_order()
+void TestDisplayWidget::the_signals_are_declared_in_order()
 {
     const QMetaObject& meta = TDisplayWidget::staticMetaObject;
     QStringList found;
@@ -296,7 +296,7 @@ void TestDisplayWidget::removing_an_item_keeps_the_order_of_the_others()
     d_view->Remove_Item(1);
     d_view->Remove_Item(5);
     QCOMPARE(Ids(*d_view), QList<int>{9});
-    // The remaining label still scrolls into sight, as the last of the list.
+    // The remaining label still scrolls into view, as the last of the list.
     d_view->d_track_item = true;
     d_view->Set_Selected_Items({9}, true);
     QCOMPARE(Support::Label(*d_view, 9)->data(17).toInt(), 1);
@@ -366,7 +366,7 @@ void TestDisplayWidget::an_id_that_is_shown_is_not_added_again()
     QCOMPARE(Label_State(Support::Label(*d_view, 1)), state);
 }
 
-void TestDisplayWidget::labels_with_extreme_ids_are_told_apart()
+void TestDisplayWidget::labels_with_extreme_ids_are_distinct()
 {
     const int largest = std::numeric_limits<int>::max();
     const int smallest = std::numeric_limits<int>::min();
@@ -380,9 +380,9 @@ void TestDisplayWidget::labels_with_extreme_ids_are_told_apart()
     QCOMPARE(d_view->Item_Position(largest), QPointF(16, 16));
 }
 
-void TestDisplayWidget::an_item_is_added_at_the_origin_while_that_is_in_sight()
+void TestDisplayWidget::an_item_is_added_at_the_origin_if_that_is_visible()
 {
-    // A page smaller than the view is shown in its middle, and the origin is in sight there.
+    // A page smaller than the view is centred, so the origin is visible.
     d_view->Set_Background_Image(Page(100, 80));
     QCOMPARE(d_view->Add_Item(1, 1, QString(), 0)->pos(), QPointF(0, 0));
     d_view->Set_Background_Image(Page());
@@ -546,7 +546,7 @@ void TestDisplayWidget::selecting_redraws_only_what_changes()
     for (int id = 0; id < 4; ++id)
         d_view->Add_Item(id, id, QString(), 2);
     d_view->Set_Selected_Items({1, 2}, false);
-    // Marks that only a redrawing can take away.
+    // Marks that only drawing the label again can remove.
     const QPixmap mark = Page(3, 3);
     for (QGraphicsPixmapItem* label : Support::Labels(*d_view))
         label->setPixmap(mark);
@@ -595,7 +595,7 @@ void TestDisplayWidget::selecting_nothing_clears_every_selection()
     }
 }
 
-void TestDisplayWidget::a_selected_label_can_go_away_before_others_are_selected()
+void TestDisplayWidget::a_selected_label_can_be_removed_before_others_are_selected()
 {
     for (int id = 0; id < 3; ++id)
         d_view->Add_Item(id, id, QString(), 2);
@@ -622,11 +622,11 @@ void TestDisplayWidget::selecting_scrolls_to_the_last_label_in_list_order()
     d_view->Move_Item(8, QPointF(300, 400));
     d_view->Move_Item(4, QPointF(1200, 900));
     d_view->Set_Selected_Items({4, 8}, true);
-    // The point comes into the middle of what the view shows.
+    // The view is centred on the point.
     const QSize port = d_view->viewport()->size();
     QCOMPARE(d_view->horizontalScrollBar()->value(), 1200 - port.width() / 2);
     QCOMPARE(d_view->verticalScrollBar()->value(), 900 - port.height() / 2);
-    // Selected already, and scrolled to nevertheless.
+    // It is already selected, but the view still scrolls to it.
     d_view->Set_Selected_Items({8}, true);
     QCOMPARE(d_view->horizontalScrollBar()->value(), 300 - port.width() / 2);
     QCOMPARE(d_view->verticalScrollBar()->value(), 400 - port.height() / 2);
@@ -719,7 +719,7 @@ void TestDisplayWidget::changing_the_label_color_redraws_without_moving()
     QCOMPARE(d_view->Label_Size(), QSize(40, 40));
 }
 
-void TestDisplayWidget::a_rendered_label_is_the_painters()
+void TestDisplayWidget::a_rendered_label_has_the_pixels_of_the_painter()
 {
     d_view->Set_Label_Size(QSize(60, 30), 20);
     d_view->Set_Label_Color(QColor(1, 2, 3));

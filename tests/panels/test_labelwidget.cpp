@@ -58,10 +58,10 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void the_panel_starts_as_laid_down();
+    void the_panel_has_its_initial_state();
     void the_parent_and_flags_are_the_given_ones();
-    void widgets_stand_in_their_places();
-    void signals_and_slots_have_their_order();
+    void widgets_are_in_their_places();
+    void signals_and_slots_are_declared_in_order();
     void the_tabulator_key_goes_from_list_to_editors();
     void the_combo_box_has_its_entries_data();
     void the_combo_box_has_its_entries();
@@ -70,7 +70,7 @@ private Q_SLOTS:
     void a_row_keeps_what_it_shows();
     void rows_follow_the_display_format_data();
     void rows_follow_the_display_format();
-    void another_format_leaves_old_rows_alone();
+    void another_format_does_not_change_existing_rows();
     void adding_an_item_selects_and_reports_nothing();
     void removing_takes_the_first_row_with_the_id();
     void removing_an_unknown_item_does_nothing();
@@ -82,32 +82,32 @@ private Q_SLOTS:
     void clearing_the_selection_reports_it_once();
     void selected_items_are_in_the_order_of_their_selection();
     void operations_follow_a_drag();
-    void clearing_takes_all_rows();
+    void clearing_removes_all_rows();
 
     void the_border_type_is_that_of_the_current_entry();
     void setting_the_border_type_shows_it_silently_data();
     void setting_the_border_type_shows_it_silently();
-    void signals_that_were_blocked_stay_blocked();
+    void blocked_signals_stay_blocked();
 
     void the_first_label_is_number_one();
     void a_typed_number_is_the_next_value();
     void setting_the_label_index_sets_the_next_value_only();
-    void taking_a_value_advances_what_an_empty_selection_shows();
+    void taking_a_value_advances_the_value_shown_without_a_selection();
     void the_largest_value_does_not_overflow();
 
-    void the_buttons_only_ask();
+    void the_buttons_only_emit_signals();
     void one_selected_row_fills_the_editors();
     void several_selected_rows_empty_the_editors();
     void no_selected_row_shows_the_label_index();
-    void the_typed_number_comes_back_with_the_empty_selection();
-    void showing_a_selection_is_no_edit();
+    void the_typed_number_is_shown_again_without_a_selection();
+    void showing_a_selection_is_not_an_edit();
 
     void a_typed_value_reaches_the_selected_row_data();
     void a_typed_value_reaches_the_selected_row();
     void every_keystroke_counts();
     void an_emptied_value_changes_nothing();
     void a_typed_value_does_not_reach_several_rows();
-    void a_value_set_from_outside_is_no_edit();
+    void setting_a_value_is_not_an_edit();
     void a_typed_text_is_simplified();
     void an_emptied_text_is_a_change();
     void leaving_the_text_editor_finishes_the_edit();
@@ -169,7 +169,7 @@ void TestLabelWidget::Type_Value(const QString& text)
     Support::Type_Over(d_value, text);
 }
 
-void TestLabelWidget::the_panel_starts_as_laid_down()
+void TestLabelWidget::the_panel_has_its_initial_state()
 {
     QCOMPARE(d_panel->d_display_format, QStringLiteral("Item [%1] %2"));
     QCOMPARE(d_list->selectionMode(), QAbstractItemView::ExtendedSelection);
@@ -203,7 +203,7 @@ void TestLabelWidget::the_parent_and_flags_are_the_given_ones()
     Support::Compare_Parent_And_Flags<TLabelWidget>();
 }
 
-void TestLabelWidget::widgets_stand_in_their_places()
+void TestLabelWidget::widgets_are_in_their_places()
 {
     auto* const column = qobject_cast<QVBoxLayout*>(d_panel->layout());
     QVERIFY(column != nullptr);
@@ -233,7 +233,7 @@ void TestLabelWidget::widgets_stand_in_their_places()
     }
 }
 
-void TestLabelWidget::signals_and_slots_have_their_order()
+void TestLabelWidget::signals_and_slots_are_declared_in_order()
 {
     QCOMPARE(Support::Methods(TLabelWidget::staticMetaObject, QMetaMethod::Signal),
              QStringList({QStringLiteral("Add_Item()"), QStringLiteral("Remove_Item()"),
@@ -331,7 +331,7 @@ void TestLabelWidget::rows_follow_the_display_format()
     QCOMPARE(d_list->item(0)->text(), row_text);
 }
 
-void TestLabelWidget::another_format_leaves_old_rows_alone()
+void TestLabelWidget::another_format_does_not_change_existing_rows()
 {
     Add_Three();
     d_panel->d_display_format = QStringLiteral("No.%1");
@@ -488,7 +488,7 @@ void TestLabelWidget::operations_follow_a_drag()
 {
     Add_Three();
     d_panel->Add_Item(Item(11, 4, QStringLiteral("again")));
-    // What a drop inside of the list does to its rows.
+    // A drop within the list has the same effect.
     QVERIFY(d_list->model()->moveRow(QModelIndex(), 3, QModelIndex(), 0));
     d_panel->Set_Selection(11);
     QCOMPARE(d_list->currentRow(), 0);
@@ -502,7 +502,7 @@ void TestLabelWidget::operations_follow_a_drag()
     QCOMPARE(d_list->currentRow(), 2);
 }
 
-void TestLabelWidget::clearing_takes_all_rows()
+void TestLabelWidget::clearing_removes_all_rows()
 {
     Add_Three();
     QSignalSpy selection(d_panel.data(), SIGNAL(Selection_Changed()));
@@ -566,7 +566,7 @@ void TestLabelWidget::setting_the_border_type_shows_it_silently()
     QCOMPARE(d_list->item(0)->data(border_role).toInt(), 1);
 }
 
-void TestLabelWidget::signals_that_were_blocked_stay_blocked()
+void TestLabelWidget::blocked_signals_stay_blocked()
 {
     Add_Three();
     for (QObject* const editor : {static_cast<QObject*>(d_border), static_cast<QObject*>(d_value),
@@ -596,7 +596,7 @@ void TestLabelWidget::a_typed_number_is_the_next_value()
     Type_Value(QStringLiteral("7"));
     QCOMPARE(d_panel->Take_Label_Index(), 7);
     QCOMPARE(d_panel->Take_Label_Index(), 8);
-    // With a row selected the number is that row's value and nothing else.
+    // With a selected row, the number is only that row's value.
     Add_Three();
     d_panel->Set_Selection(12);
     Type_Value(QStringLiteral("70"));
@@ -629,7 +629,7 @@ void TestLabelWidget::setting_the_label_index_sets_the_next_value_only()
     QCOMPARE(d_panel->Take_Label_Index(), -4);
 }
 
-void TestLabelWidget::taking_a_value_advances_what_an_empty_selection_shows()
+void TestLabelWidget::taking_a_value_advances_the_value_shown_without_a_selection()
 {
     Add_Three();
     d_panel->Set_Label_Index(4);
@@ -647,7 +647,7 @@ void TestLabelWidget::the_largest_value_does_not_overflow()
     QCOMPARE(d_panel->Take_Label_Index(), smallest);
 }
 
-void TestLabelWidget::the_buttons_only_ask()
+void TestLabelWidget::the_buttons_only_emit_signals()
 {
     Add_Three();
     QSignalSpy addition(d_panel.data(), SIGNAL(Add_Item()));
@@ -678,7 +678,7 @@ void TestLabelWidget::one_selected_row_fills_the_editors()
     QCOMPARE(selection.count(), 2);
     QCOMPARE(d_text->text(), QStringLiteral("three"));
     QCOMPARE(d_border->currentText(), QStringLiteral("No Border"));
-    // A code that the combo box does not have leaves it as it is.
+    // An unknown code does not change the combo box.
     d_panel->Add_Item(Item(14, 4, QString(), 3));
     d_panel->Set_Selection(14);
     QCOMPARE(d_border->currentText(), QStringLiteral("No Border"));
@@ -714,7 +714,7 @@ void TestLabelWidget::no_selected_row_shows_the_label_index()
     QCOMPARE(d_border->currentText(), QStringLiteral("Triangle"));
 }
 
-void TestLabelWidget::the_typed_number_comes_back_with_the_empty_selection()
+void TestLabelWidget::the_typed_number_is_shown_again_without_a_selection()
 {
     Add_Three();
     Type_Value(QStringLiteral("7"));
@@ -729,7 +729,7 @@ void TestLabelWidget::the_typed_number_comes_back_with_the_empty_selection()
     QCOMPARE(Shown_Value(), QStringLiteral("7"));
 }
 
-void TestLabelWidget::showing_a_selection_is_no_edit()
+void TestLabelWidget::showing_a_selection_is_not_an_edit()
 {
     Add_Three();
     QSignalSpy values(d_panel.data(), SIGNAL(Change_Item_Value(int, int)));
@@ -738,7 +738,7 @@ void TestLabelWidget::showing_a_selection_is_no_edit()
     d_panel->Set_Selection(11);
     d_panel->Add_Selection(12);
     d_panel->Set_Selection(13);
-    // The text editor loses the focus when it is disabled; that is no end of an edit.
+    // Disabling the text editor takes the focus from it, but that does not finish an edit.
     d_text->setFocus();
     QTest::keyClicks(d_text, QStringLiteral(" unfinished"));
     d_panel->Clear_Selection();
@@ -781,7 +781,7 @@ void TestLabelWidget::a_typed_value_reaches_the_selected_row()
     const QString typed = QString::fromLatin1(QTest::currentDataTag());
     Add_Three();
     d_panel->Set_Selection(12);
-    // Up to the last letter another value is typed; the last one decides.
+    // Each keystroke makes another value; the last one counts.
     Type_Value(typed.left(typed.size() - 1));
     const int before = d_list->item(1)->data(value_role).toInt();
     const QString text_before = d_list->item(1)->text();
@@ -812,7 +812,7 @@ void TestLabelWidget::every_keystroke_counts()
     QTest::keyClick(d_value, Qt::Key_Backspace);
     QCOMPARE(values.count(), 3);
     QCOMPARE(values.at(2), QVariantList({12, -1}));
-    // A value that another label has, and the same value again, are values like any other.
+    // Values may repeat, and the same value may be typed again.
     Type_Value(QStringLiteral("1"));
     QCOMPARE(values.last(), QVariantList({12, 1}));
     const int count = values.count();
@@ -849,7 +849,7 @@ void TestLabelWidget::a_typed_value_does_not_reach_several_rows()
     QCOMPARE(Shown_Value(), QStringLiteral("1"));
 }
 
-void TestLabelWidget::a_value_set_from_outside_is_no_edit()
+void TestLabelWidget::setting_a_value_is_not_an_edit()
 {
     Add_Three();
     d_panel->Set_Selection(12);

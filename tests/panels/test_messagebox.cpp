@@ -27,7 +27,7 @@ QString Normal(const QString& text)
            text + QStringLiteral("</span>");
 }
 
-/// Whoever derives from the box can give its texts and its run another meaning.
+/// A derived class that overrides the functions for texts and for running the box.
 class TOtherBox : public TMessageBox
 {
 public:
@@ -51,10 +51,10 @@ class TestMessageBox : public QObject
 private Q_SLOTS:
     void initTestCase();
     void the_parent_is_the_given_widget();
-    void the_look_is_set_once_for_all();
+    void the_look_is_set_by_the_constructor();
     void texts_are_wrapped_data();
     void texts_are_wrapped();
-    void markup_in_a_text_is_markup();
+    void a_text_may_contain_markup();
     void texts_and_run_are_virtual();
     void every_message_is_as_wide_as_the_others();
     void a_resize_does_not_change_the_width();
@@ -62,9 +62,9 @@ private Q_SLOTS:
     void the_pressed_button_is_the_result_data();
     void the_pressed_button_is_the_result();
     void one_box_serves_many_messages();
-    void escape_answers_with_the_rejecting_button();
+    void escape_returns_the_rejecting_button();
     void buttons_have_no_icons();
-    void buttons_stand_in_the_fixed_order();
+    void buttons_have_a_fixed_order();
 };
 
 void TestMessageBox::initTestCase()
@@ -83,7 +83,7 @@ void TestMessageBox::the_parent_is_the_given_widget()
     QVERIFY(alone.parentWidget() == nullptr);
 }
 
-void TestMessageBox::the_look_is_set_once_for_all()
+void TestMessageBox::the_look_is_set_by_the_constructor()
 {
     const TMessageBox box(nullptr);
     QCOMPARE(box.textFormat(), Qt::RichText);
@@ -115,7 +115,7 @@ void TestMessageBox::texts_are_wrapped()
     QCOMPARE(box.text(), Bold(text));
 }
 
-void TestMessageBox::markup_in_a_text_is_markup()
+void TestMessageBox::a_text_may_contain_markup()
 {
     TMessageBox marked(nullptr);
     marked.setText(QStringLiteral("<span>Data</span> Not Saved"));
@@ -247,7 +247,7 @@ void TestMessageBox::one_box_serves_many_messages()
              static_cast<int>(QMessageBox::Ok));
 }
 
-void TestMessageBox::escape_answers_with_the_rejecting_button()
+void TestMessageBox::escape_returns_the_rejecting_button()
 {
     TMessageBox box(nullptr);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
@@ -266,7 +266,7 @@ void TestMessageBox::buttons_have_no_icons()
         QVERIFY(button->icon().isNull());
 }
 
-void TestMessageBox::buttons_stand_in_the_fixed_order()
+void TestMessageBox::buttons_have_a_fixed_order()
 {
     TMessageBox box(nullptr);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);

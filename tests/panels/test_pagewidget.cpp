@@ -21,15 +21,15 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void the_panel_starts_as_laid_down();
+    void the_panel_has_its_initial_state();
     void the_parent_and_flags_are_the_given_ones();
-    void widgets_stand_in_their_places();
-    void signals_and_slots_have_their_order();
+    void widgets_are_in_their_places();
+    void signals_and_slots_are_declared_in_order();
     void the_tabulator_key_goes_from_list_to_buttons();
 
     void a_new_page_is_named_after_its_id();
     void adding_a_page_selects_nothing_and_reports_nothing();
-    void the_add_button_only_asks();
+    void the_add_button_only_emits_its_signal();
     void the_remove_button_reports_the_selected_pages();
     void removing_takes_the_first_row_with_the_id();
     void removing_an_unknown_page_does_nothing();
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void an_unknown_page_has_no_name();
     void page_ids_follow_the_rows();
     void page_ids_follow_a_drag();
-    void clearing_takes_all_rows();
+    void clearing_removes_all_rows();
     void clearing_with_a_selection_reports_it_once();
     void clearing_without_a_selection_reports_nothing();
 
@@ -89,7 +89,7 @@ void TestPageWidget::Add_Pages(const QList<int>& page_ids)
         d_panel->Add_Page(page_id);
 }
 
-void TestPageWidget::the_panel_starts_as_laid_down()
+void TestPageWidget::the_panel_has_its_initial_state()
 {
     const TPageWidget fresh(nullptr, Qt::WindowFlags());
     QCOMPARE(fresh.size(), QSize(280, 250));
@@ -113,7 +113,7 @@ void TestPageWidget::the_parent_and_flags_are_the_given_ones()
     Support::Compare_Parent_And_Flags<TPageWidget>();
 }
 
-void TestPageWidget::widgets_stand_in_their_places()
+void TestPageWidget::widgets_are_in_their_places()
 {
     auto* const grid = qobject_cast<QGridLayout*>(d_panel->layout());
     QVERIFY(grid != nullptr);
@@ -131,7 +131,7 @@ void TestPageWidget::widgets_stand_in_their_places()
     QCOMPARE(row->itemAt(3)->widget(), d_remove);
 }
 
-void TestPageWidget::signals_and_slots_have_their_order()
+void TestPageWidget::signals_and_slots_are_declared_in_order()
 {
     QCOMPARE(Support::Methods(TPageWidget::staticMetaObject, QMetaMethod::Signal),
              QStringList({QStringLiteral("Add_Page()"), QStringLiteral("Remove_Pages(QList<int>)"),
@@ -179,7 +179,7 @@ void TestPageWidget::adding_a_page_selects_nothing_and_reports_nothing()
     QVERIFY(!d_list->item(1)->isSelected());
 }
 
-void TestPageWidget::the_add_button_only_asks()
+void TestPageWidget::the_add_button_only_emits_its_signal()
 {
     QSignalSpy asked(d_panel.data(), SIGNAL(Add_Page()));
     Add_Pages({1, 2});
@@ -304,7 +304,7 @@ void TestPageWidget::page_ids_follow_the_rows()
 void TestPageWidget::page_ids_follow_a_drag()
 {
     Add_Pages({1, 2, 3, 4});
-    // What a drop inside of the list does to its rows.
+    // A drop within the list has the same effect.
     QVERIFY(d_list->model()->moveRow(QModelIndex(), 0, QModelIndex(), 3));
     QCOMPARE(d_panel->Page_Ids(), QList<int>({2, 3, 1, 4}));
     d_list->insertItem(0, d_list->takeItem(3));
@@ -316,7 +316,7 @@ void TestPageWidget::page_ids_follow_a_drag()
     QCOMPARE(d_list->currentRow(), 2);
 }
 
-void TestPageWidget::clearing_takes_all_rows()
+void TestPageWidget::clearing_removes_all_rows()
 {
     Add_Pages({1, 2});
     d_panel->Clear();
@@ -422,7 +422,7 @@ void TestPageWidget::typing_renames_one_page_only()
     type(QStringLiteral("several"));
     QCOMPARE(d_panel->Page_Name(4), QStringLiteral("Page 4"));
     QCOMPARE(d_panel->Page_Name(5), QStringLiteral("Page 5"));
-    // The editor takes no keys then, and filling it from outside is no edit.
+    // The editor is disabled then, and setting its text is not an edit.
     d_panel->Set_Active_Page(4);
     d_editor->setText(QStringLiteral("outside"));
     QCOMPARE(d_panel->Page_Name(4), QStringLiteral("Page 4"));

@@ -37,7 +37,7 @@ private slots:
     void a_click_beside_the_page_reports_no_label();
     void the_whole_square_of_a_label_is_hit_data();
     void the_whole_square_of_a_label_is_hit();
-    void the_label_that_was_added_last_is_hit_first();
+    void the_last_added_label_is_hit_first();
     void a_label_is_hit_where_a_drag_left_it();
     void small_movements_add_up_until_they_pass_the_threshold();
     void a_movement_of_exactly_the_threshold_does_not_move();
@@ -48,23 +48,23 @@ private slots:
     void a_move_without_the_left_button_does_not_drag();
     void a_right_press_reports_its_scene_point_only();
     void a_press_with_both_buttons_reports_the_label_first();
-    void a_right_press_during_a_left_press_picks_the_label_again();
+    void a_right_press_during_a_left_press_clicks_the_label_again();
     void other_buttons_report_nothing();
     void fractional_positions_are_rounded_halves_upward_data();
     void fractional_positions_are_rounded_halves_upward();
-    void a_drag_rounds_its_positions_alike();
+    void a_drag_rounds_its_positions_in_the_same_way();
     void the_first_left_press_does_not_pan_and_the_second_does();
-    void a_press_of_another_button_starts_the_count_anew();
+    void a_press_of_another_button_resets_panning();
     void a_second_press_on_a_label_drags_instead_of_panning();
     void panning_ends_with_a_click_on_the_page();
-    void a_release_leaves_no_drag_mode();
+    void a_release_resets_the_drag_mode();
     void a_double_click_on_a_label_ends_with_no_label();
     void a_double_click_on_the_page_reports_no_label_twice();
     void a_double_click_after_a_drag_reports_nothing_more();
     void a_double_click_alone_does_nothing();
-    void a_pressed_label_that_is_removed_is_forgotten_data();
-    void a_pressed_label_that_is_removed_is_forgotten();
-    void a_pressed_label_survives_the_removal_of_another();
+    void a_removed_pressed_label_is_not_reported_data();
+    void a_removed_pressed_label_is_not_reported();
+    void a_pressed_label_is_reported_after_the_removal_of_another();
     void a_label_may_be_removed_when_its_press_is_reported();
     void a_label_may_be_removed_when_its_position_is_reported();
     void clicks_among_thousands_of_labels_hit_the_right_one();
@@ -134,7 +134,7 @@ void TestPointer::Click(const QPointF& position)
     Release(position);
 }
 
-/// What the toolkit makes of two quick clicks.
+/// The events that Qt sends for a double click.
 void TestPointer::Double_Click(const QPointF& position)
 {
     Click(position);
@@ -214,7 +214,7 @@ void TestPointer::the_whole_square_of_a_label_is_hit()
     }
 }
 
-void TestPointer::the_label_that_was_added_last_is_hit_first()
+void TestPointer::the_last_added_label_is_hit_first()
 {
     d_view->Add_Item(3, 1, QString(), 0);
     d_view->Move_Item(3, QPointF(210, 150));
@@ -251,7 +251,7 @@ void TestPointer::small_movements_add_up_until_they_pass_the_threshold()
     Move(QPointF(108, 103));
     QCOMPARE(label->pos(), QPointF(178.8, 128.3));
     QCOMPARE(d_view->Item_Position(7), QPointF(200.8, 150.3));
-    // The count starts anew from there.
+    // The distance is measured from there.
     Move(QPointF(112, 97));
     QCOMPARE(d_view->Item_Position(7), QPointF(200.8, 150.3));
     Move(QPointF(112, 96));
@@ -300,7 +300,7 @@ void TestPointer::a_drag_has_no_limits()
 
 void TestPointer::a_drag_keeps_the_offset_of_a_label_from_its_centre()
 {
-    // The step is added to both; the corner is not worked out anew from the centre.
+    // The step is added to both; the corner is not calculated from the centre.
     Support::Label(*d_view, 7)->setPos(180, 130);
     Press(QPointF(99, 100));
     Move(QPointF(119, 100));
@@ -350,7 +350,7 @@ void TestPointer::a_press_with_both_buttons_reports_the_label_first()
     QCOMPARE(d_log->Take(), expected);
 }
 
-void TestPointer::a_right_press_during_a_left_press_picks_the_label_again()
+void TestPointer::a_right_press_during_a_left_press_clicks_the_label_again()
 {
     Press(QPointF(99, 100));
     Send(QEvent::MouseButtonPress, QPointF(99, 100), Qt::RightButton,
@@ -394,7 +394,7 @@ void TestPointer::fractional_positions_are_rounded_halves_upward()
     QCOMPARE(d_log->Take(), QStringList{QStringLiteral("right click at ") + point});
 }
 
-void TestPointer::a_drag_rounds_its_positions_alike()
+void TestPointer::a_drag_rounds_its_positions_in_the_same_way()
 {
     Show_Page(1.0, 100, 100);
     Press(QPointF(100.5, 50.4));
@@ -423,11 +423,11 @@ void TestPointer::the_first_left_press_does_not_pan_and_the_second_does()
     QCOMPARE(d_log->Take(), expected);
 }
 
-void TestPointer::a_press_of_another_button_starts_the_count_anew()
+void TestPointer::a_press_of_another_button_resets_panning()
 {
     Click(QPointF(300, 50));
     Press(QPointF(300, 50), Qt::RightButton);
-    // The buttons of the press before count: this one is still in a row with the click.
+    // The buttons of the previous press decide.
     QCOMPARE(d_view->dragMode(), QGraphicsView::ScrollHandDrag);
     Release(QPointF(300, 50), Qt::RightButton);
     QCOMPARE(d_view->dragMode(), QGraphicsView::NoDrag);
@@ -462,7 +462,7 @@ void TestPointer::panning_ends_with_a_click_on_the_page()
     QCOMPARE(d_view->Item_Position(7), QPointF(200, 150));
 }
 
-void TestPointer::a_release_leaves_no_drag_mode()
+void TestPointer::a_release_resets_the_drag_mode()
 {
     for (int i = 0; i < 3; ++i) {
         Click(QPointF(300, 50));
@@ -512,7 +512,7 @@ void TestPointer::a_double_click_alone_does_nothing()
 using TRemoval = std::function<void(TDisplayWidget*)>;
 Q_DECLARE_METATYPE(TRemoval)
 
-void TestPointer::a_pressed_label_that_is_removed_is_forgotten_data()
+void TestPointer::a_removed_pressed_label_is_not_reported_data()
 {
     QTest::addColumn<TRemoval>("remove");
     QTest::newRow("Clear") << TRemoval([](TDisplayWidget* view) { view->Clear(); });
@@ -520,7 +520,7 @@ void TestPointer::a_pressed_label_that_is_removed_is_forgotten_data()
     QTest::newRow("Remove_Item") << TRemoval([](TDisplayWidget* view) { view->Remove_Item(7); });
 }
 
-void TestPointer::a_pressed_label_that_is_removed_is_forgotten()
+void TestPointer::a_removed_pressed_label_is_not_reported()
 {
     QFETCH(TRemoval, remove);
     Press(QPointF(99, 100));
@@ -531,12 +531,12 @@ void TestPointer::a_pressed_label_that_is_removed_is_forgotten()
     Send(QEvent::MouseButtonDblClick, QPointF(99, 100), Qt::LeftButton, Qt::LeftButton);
     Release(QPointF(150, 120));
     QCOMPARE(d_log->Take(), QStringList());
-    // The next press finds everything as usual.
+    // The next press works as usual.
     Click(QPointF(99, 100));
     QCOMPARE(d_log->Take(), QStringList{QStringLiteral("clicked -1")});
 }
 
-void TestPointer::a_pressed_label_survives_the_removal_of_another()
+void TestPointer::a_pressed_label_is_reported_after_the_removal_of_another()
 {
     d_view->Add_Item(8, 1, QString(), 0);
     Press(QPointF(99, 100));

@@ -63,7 +63,7 @@ private slots:
         QVERIFY(Child_With_Text<QRadioButton>(dialog, "All Pages, All Label Items")->isChecked());
     }
 
-    void cells_hold_what_they_should_data()
+    void cells_have_their_widgets_data()
     {
         Support::Add_Cell_Columns();
         Support::Add_Cell("top line", 0, 0, 1, 5, "HLine");
@@ -84,7 +84,7 @@ private slots:
         Support::Add_Cell("space", 8, 0, 1, 5, "vertical spacer");
         Support::Add_Cell("buttons", 9, 0, 1, 5, "stretch, Cancel, Apply");
     }
-    void cells_hold_what_they_should()
+    void cells_have_their_widgets()
     {
         const TReindexDialog dialog(nullptr, Qt::WindowFlags());
         Support::Compare_Cell(dialog);
@@ -98,7 +98,7 @@ private slots:
         QCOMPARE(Support::Grid(dialog)->rowCount(), 10);
     }
 
-    void group_titles_stand_left_and_top()
+    void group_titles_are_aligned_left_and_top()
     {
         const TReindexDialog dialog(nullptr, Qt::WindowFlags());
         for (const int row : {1, 4}) {
@@ -109,7 +109,7 @@ private slots:
         }
     }
 
-    void the_first_value_is_centred_and_takes_any_text()
+    void the_first_value_is_centred_and_accepts_any_text()
     {
         const TReindexDialog dialog(nullptr, Qt::WindowFlags());
         QVERIFY(First_Value(dialog)->alignment().testFlag(Qt::AlignHCenter));

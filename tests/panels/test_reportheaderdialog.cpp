@@ -51,7 +51,7 @@ private slots:
         QCOMPARE(meta.methodCount(), QDialog::staticMetaObject.methodCount());
     }
 
-    void cells_hold_what_they_should_data()
+    void cells_have_their_widgets_data()
     {
         Support::Add_Cell_Columns();
         Support::Add_Cell("header 1's name", 0, 0, 1, 1, "Header 1 Text:");
@@ -62,7 +62,7 @@ private slots:
         Support::Add_Cell("space", 3, 0, 1, 2, "vertical spacer");
         Support::Add_Cell("buttons", 4, 0, 1, 2, "stretch, Cancel, Accept");
     }
-    void cells_hold_what_they_should()
+    void cells_have_their_widgets()
     {
         const TReportHeaderDialog dialog(nullptr, Qt::WindowFlags());
         Support::Compare_Cell(dialog);
@@ -83,7 +83,7 @@ private slots:
         QCOMPARE(dialog.Header2_Text(), QString());
     }
 
-    void texts_are_those_of_their_lines()
+    void each_text_is_that_of_its_line()
     {
         TReportHeaderDialog dialog(nullptr, Qt::WindowFlags());
         dialog.Set_Header1_Text(QString::fromUtf8("Bericht für Ωmega"));

@@ -24,7 +24,7 @@ namespace {
 
 const QColor first_color(250, 8, 50, 255);
 
-/// What the only pixmap of an icon must look like.
+/// The expected pixmap of an icon.
 QImage Filled(const QSize& size, const QColor& color)
 {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
@@ -43,18 +43,18 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void the_panel_starts_as_laid_down();
+    void the_panel_has_its_initial_state();
     void the_parent_and_flags_are_the_given_ones();
-    void widgets_stand_in_their_places();
+    void widgets_are_in_their_places();
     void combo_boxes_have_their_entries_data();
     void combo_boxes_have_their_entries();
-    void signals_and_slots_have_their_order();
+    void signals_and_slots_are_declared_in_order();
     void the_tabulator_key_goes_from_top_to_bottom();
 
     void the_icon_comes_with_the_first_resize();
     void the_icon_is_never_smaller_than_sixteen_pixels();
-    void later_resizes_leave_the_icon_alone();
-    void the_panel_can_become_narrower_than_at_first();
+    void later_resizes_do_not_change_the_icon();
+    void the_panel_can_shrink_below_its_initial_width();
     void an_icon_is_one_pixmap_of_one_colour();
 
     void moving_the_slider_reports_the_size();
@@ -63,7 +63,7 @@ private Q_SLOTS:
     void the_size_stays_in_its_range();
     void setting_the_colour_redraws_the_icon_and_reports_nothing();
     void toggling_the_tracking_option_reports_it();
-    void setting_the_format_neither_cleans_nor_reports_it();
+    void setting_the_format_does_not_clean_or_report_it();
     void the_orientation_is_set_by_its_code_data();
     void the_orientation_is_set_by_its_code();
     void the_resolution_is_set_by_its_code_data();
@@ -122,7 +122,7 @@ void TestSettingsWidget::Show()
     QVERIFY(QTest::qWaitForWindowActive(d_panel.data()));
 }
 
-/// Clicks the colour button and answers the dialog that comes up.
+/// Clicks the colour button and closes the dialog that opens.
 void TestSettingsWidget::Answer_Color_Dialog(const std::function<void(QColorDialog*)>& answer)
 {
     bool answered = false;
@@ -142,7 +142,7 @@ QImage TestSettingsWidget::Button_Image() const
     return d_color->icon().pixmap(d_color->iconSize()).toImage();
 }
 
-void TestSettingsWidget::the_panel_starts_as_laid_down()
+void TestSettingsWidget::the_panel_has_its_initial_state()
 {
     QCOMPARE(d_panel->size(), QSize(315, 217));
     QCOMPARE(d_panel->windowTitle(), QStringLiteral("Settings"));
@@ -171,7 +171,7 @@ void TestSettingsWidget::the_parent_and_flags_are_the_given_ones()
     Support::Compare_Parent_And_Flags<TSettingsWidget>();
 }
 
-void TestSettingsWidget::widgets_stand_in_their_places()
+void TestSettingsWidget::widgets_are_in_their_places()
 {
     auto* const grid = qobject_cast<QGridLayout*>(d_panel->layout());
     QVERIFY(grid != nullptr);
@@ -231,7 +231,7 @@ void TestSettingsWidget::combo_boxes_have_their_entries()
     QCOMPARE(box->currentIndex(), 0);
 }
 
-void TestSettingsWidget::signals_and_slots_have_their_order()
+void TestSettingsWidget::signals_and_slots_are_declared_in_order()
 {
     QCOMPARE(Support::Methods(TSettingsWidget::staticMetaObject, QMetaMethod::Signal),
              QStringList({QStringLiteral("Label_Size_Changed(int)"),
@@ -290,7 +290,7 @@ void TestSettingsWidget::the_icon_is_never_smaller_than_sixteen_pixels()
     QCOMPARE(button->icon().availableSizes(), QList<QSize>({QSize(34, 16)}));
 }
 
-void TestSettingsWidget::later_resizes_leave_the_icon_alone()
+void TestSettingsWidget::later_resizes_do_not_change_the_icon()
 {
     Show();
     const QSize icon_size = d_color->iconSize();
@@ -306,7 +306,7 @@ void TestSettingsWidget::later_resizes_leave_the_icon_alone()
     QCOMPARE(d_color->icon().cacheKey(), icon_key);
 }
 
-void TestSettingsWidget::the_panel_can_become_narrower_than_at_first()
+void TestSettingsWidget::the_panel_can_shrink_below_its_initial_width()
 {
     const int narrowest = d_panel->minimumSizeHint().width();
     d_panel->resize(500, 300);
@@ -415,7 +415,7 @@ void TestSettingsWidget::toggling_the_tracking_option_reports_it()
     QVERIFY(d_track->isChecked());
 }
 
-void TestSettingsWidget::setting_the_format_neither_cleans_nor_reports_it()
+void TestSettingsWidget::setting_the_format_does_not_clean_or_report_it()
 {
     QSignalSpy formats(d_panel.data(), SIGNAL(Item_Display_Format_Changed(QString)));
     const QString odd = QStringLiteral("  100%  %2 ");

@@ -1,4 +1,4 @@
-// What the panels are made of.
+// Common parts of the panels.
 
 #include "src/widgets/panelparts.h"
 
@@ -16,7 +16,7 @@
 
 namespace {
 
-/// What a widget shows of its texts cannot be read from it; what it needs for them can.
+/// Whether a text is clipped cannot be read from a widget, but its required size can.
 bool Has_Room(const QWidget& panel)
 {
     for (const QLabel* const label : panel.findChildren<QLabel*>()) {
@@ -47,8 +47,8 @@ private Q_SLOTS:
     void initTestCase();
     void a_button_is_named_by_its_tool_tip();
     void an_editor_is_named_by_its_caption();
-    void captions_stay_in_one_line_where_they_can();
-    void captions_break_where_the_panel_is_narrow();
+    void captions_stay_on_one_line_in_a_wide_panel();
+    void captions_wrap_in_a_narrow_panel();
     void the_narrowest_panels_show_everything();
     void the_panels_leave_most_of_a_small_window_to_the_page();
 };
@@ -89,7 +89,7 @@ void TestPanelParts::an_editor_is_named_by_its_caption()
     QCOMPARE(editor->accessibleDescription(), QStringLiteral("The number."));
 }
 
-void TestPanelParts::captions_stay_in_one_line_where_they_can()
+void TestPanelParts::captions_stay_on_one_line_in_a_wide_panel()
 {
     TSettingsWidget panel(nullptr, Qt::WindowFlags());
     panel.resize(panel.sizeHint().width(), 400);
@@ -99,7 +99,7 @@ void TestPanelParts::captions_stay_in_one_line_where_they_can()
     QVERIFY(Has_Room(panel));
 }
 
-void TestPanelParts::captions_break_where_the_panel_is_narrow()
+void TestPanelParts::captions_wrap_in_a_narrow_panel()
 {
     TSettingsWidget panel(nullptr, Qt::WindowFlags());
     panel.resize(panel.minimumSizeHint());

@@ -1,4 +1,5 @@
-// How long work is shown: when the bar and the cursor come, what the bar says, when both go.
+// Progress of long operations: when the bar and the cursor appear and disappear, and what the bar
+// shows.
 
 #include "src/widgets/progress.h"
 
@@ -14,7 +15,7 @@ namespace {
 const QRect area(3, 2, 200, 18);
 const QString pattern("Doing %1 of %2");
 
-/// Counts how often progress bars are painted, wherever they are.
+/// Counts how often any progress bar is painted.
 class TPaintCounter : public QObject
 {
 public:
@@ -38,20 +39,20 @@ class TestProgress : public QObject
 private slots:
     void init();
     void cleanup();
-    void quick_work_is_not_shown();
-    void work_is_shown_once_it_has_taken_half_a_second();
-    void the_delay_counts_from_the_beginning_and_not_from_the_first_step();
-    void a_piece_of_a_step_shows_the_work_too();
-    void a_block_of_an_image_shows_the_work_too();
+    void a_quick_operation_is_not_shown();
+    void an_operation_is_shown_after_half_a_second();
+    void the_delay_starts_with_the_operation_and_not_with_the_first_step();
+    void an_update_within_a_step_shows_the_operation_too();
+    void a_block_of_an_image_shows_the_operation_too();
     void nothing_is_shown_before_the_first_step();
-    void the_bar_tells_the_step_and_how_much_is_done();
-    void the_bar_is_painted_at_once_and_not_too_often();
-    void no_event_is_handled_meanwhile();
+    void the_bar_shows_the_current_step_and_the_finished_ones();
+    void the_bar_is_painted_at_once_but_not_too_often();
+    void no_event_is_handled_during_the_operation();
     void the_cursor_is_busy_while_the_bar_is_shown();
-    void an_exception_ends_it_too();
-    void the_bar_lies_above_the_layout();
-    void one_work_after_another_starts_anew();
-    void the_machines_time_goes_on();
+    void an_exception_ends_the_operation_too();
+    void the_bar_does_not_change_the_layout();
+    void each_operation_has_its_own_delay();
+    void the_machine_time_advances();
 
 private:
     QProgressBar* Bar() const { return d_status_bar->findChild<QProgressBar*>(); }
@@ -80,7 +81,7 @@ void TestProgress::cleanup()
     QVERIFY(!QApplication::overrideCursor());
 }
 
-void TestProgress::quick_work_is_not_shown()
+void TestProgress::a_quick_operation_is_not_shown()
 {
     const auto progress = Begin();
     for (int step = 1; step <= 10; ++step) {
@@ -91,7 +92,7 @@ void TestProgress::quick_work_is_not_shown()
     }
 }
 
-void TestProgress::work_is_shown_once_it_has_taken_half_a_second()
+void TestProgress::an_operation_is_shown_after_half_a_second()
 {
     const auto progress = Begin();
     progress->Step(1, 3);
@@ -105,7 +106,7 @@ void TestProgress::work_is_shown_once_it_has_taken_half_a_second()
     QCOMPARE(Bar()->geometry(), area);
 }
 
-void TestProgress::the_delay_counts_from_the_beginning_and_not_from_the_first_step()
+void TestProgress::the_delay_starts_with_the_operation_and_not_with_the_first_step()
 {
     const auto progress = Begin();
     d_time += 500;
@@ -113,26 +114,26 @@ void TestProgress::the_delay_counts_from_the_beginning_and_not_from_the_first_st
     QVERIFY(Bar());
 }
 
-void TestProgress::a_piece_of_a_step_shows_the_work_too()
+void TestProgress::an_update_within_a_step_shows_the_operation_too()
 {
     const auto progress = Begin();
     progress->Step(1, 1);
     d_time += 500;
-    progress->Go_On();
+    progress->Update();
     QVERIFY(Bar());
     QCOMPARE(Bar()->text(), QString("Doing 1 of 1"));
     QCOMPARE(Bar()->value(), 0);
 }
 
-void TestProgress::a_block_of_an_image_shows_the_work_too()
+void TestProgress::a_block_of_an_image_shows_the_operation_too()
 {
     auto progress = Begin();
     progress->Step(1, 1);
     d_time += 500;
-    TWorkWatch::Tell();
+    TWorkWatch::Notify();
     QVERIFY(Bar());
     progress.reset();
-    TWorkWatch::Tell();
+    TWorkWatch::Notify();
     QVERIFY(!Bar());
 }
 
@@ -140,11 +141,11 @@ void TestProgress::nothing_is_shown_before_the_first_step()
 {
     const auto progress = Begin();
     d_time += 5000;
-    progress->Go_On();
+    progress->Update();
     QVERIFY(!Bar());
 }
 
-void TestProgress::the_bar_tells_the_step_and_how_much_is_done()
+void TestProgress::the_bar_shows_the_current_step_and_the_finished_ones()
 {
     const auto progress = Begin();
     d_time += 700;
@@ -161,7 +162,7 @@ void TestProgress::the_bar_tells_the_step_and_how_much_is_done()
     QCOMPARE(Bar()->value(), 7);
 }
 
-void TestProgress::the_bar_is_painted_at_once_and_not_too_often()
+void TestProgress::the_bar_is_painted_at_once_but_not_too_often()
 {
     TPaintCounter counter;
     QCoreApplication::instance()->installEventFilter(&counter);
@@ -181,7 +182,7 @@ void TestProgress::the_bar_is_painted_at_once_and_not_too_often()
     QCOMPARE(Bar()->text(), QString("Doing 3 of 20"));
 }
 
-void TestProgress::no_event_is_handled_meanwhile()
+void TestProgress::no_event_is_handled_during_the_operation()
 {
     bool handled = false;
     QMetaObject::invokeMethod(
@@ -211,7 +212,7 @@ void TestProgress::the_cursor_is_busy_while_the_bar_is_shown()
     QVERIFY(!Bar());
 }
 
-void TestProgress::an_exception_ends_it_too()
+void TestProgress::an_exception_ends_the_operation_too()
 {
     bool shown = false;
     try {
@@ -227,7 +228,7 @@ void TestProgress::an_exception_ends_it_too()
     QVERIFY(!QApplication::overrideCursor());
 }
 
-void TestProgress::the_bar_lies_above_the_layout()
+void TestProgress::the_bar_does_not_change_the_layout()
 {
     auto* const notice = new QLabel("A notice that stays", d_status_bar.get());
     d_status_bar->addWidget(notice, 1);
@@ -245,7 +246,7 @@ void TestProgress::the_bar_lies_above_the_layout()
     QCOMPARE(d_status_bar->childAt(place.center()), notice);
 }
 
-void TestProgress::one_work_after_another_starts_anew()
+void TestProgress::each_operation_has_its_own_delay()
 {
     auto progress = Begin();
     d_time += 600;
@@ -257,7 +258,7 @@ void TestProgress::one_work_after_another_starts_anew()
     QVERIFY(!Bar());
 }
 
-void TestProgress::the_machines_time_goes_on()
+void TestProgress::the_machine_time_advances()
 {
     const qint64 first = TProgress::Machine_Time();
     QTRY_VERIFY(TProgress::Machine_Time() > first);
