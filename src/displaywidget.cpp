@@ -70,10 +70,8 @@ QPixmap TDisplayWidget::Background_Pixmap() const
 void TDisplayWidget::Show_Page(const TPageItem& page)
 {
     Set_Background_Image(QPixmap::fromImage(page.image));
-    for (const TDataItem& item : page.data_items) {
-        Add_Item(item.id, item.value, item.text, item.border_type);
-        Move_Item(item.id, item.position);
-    }
+    for (const TDataItem& item : page.data_items)
+        Add_Item(item);
 }
 
 void TDisplayWidget::Update_Scene_Rect()
@@ -140,6 +138,12 @@ QGraphicsPixmapItem* TDisplayWidget::Add_Item(int id, int value, const QString& 
     d_label_items.push_back(item);
     d_items_by_id.insert(id, item);
     return item;
+}
+
+void TDisplayWidget::Add_Item(const TDataItem& item)
+{
+    Add_Item(item.id, item.value, item.text, item.border_type);
+    Move_Item(item.id, item.position);
 }
 
 bool TDisplayWidget::Item_Exists(int id) const

@@ -15,6 +15,7 @@
 
 class QGraphicsPixmapItem;
 class QGraphicsScene;
+struct TDataItem;
 struct TPageItem;
 
 /// The zoomable view of the active page: the page image with the labels on it.
@@ -66,6 +67,8 @@ public:
     /// @param border_type  one of TBorderType.
     /// @return the label's graphics item, which the scene owns, or null when the id is taken.
     QGraphicsPixmapItem* Add_Item(int id, int value, const QString& text, int border_type);
+    /// Adds a label, unselected, at its position, which Update_Item_Position reports.
+    void Add_Item(const TDataItem& item);
     bool Item_Exists(int id) const;
     /// The centre of a label in scene coordinates; (0, 0) for an unknown id.
     QPointF Item_Position(int id) const;

@@ -101,9 +101,11 @@ void TQuillet::Fill_View()
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
     const TPageItem& page = *d_data.Active_Page_Item();
-    for (const TDataItem& item : page.data_items)
+    d_display_widget->Set_Background_Image(QPixmap::fromImage(page.image));
+    for (const TDataItem& item : page.data_items) {
         d_label_widget->Add_Item(item);
-    d_display_widget->Show_Page(page);
+        d_display_widget->Add_Item(item);
+    }
 }
 
 /// Rebuilds list and view after the labels' values have changed.
