@@ -5,12 +5,10 @@
 
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QVariant>
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <utility>
 
@@ -23,18 +21,8 @@ constexpr double label_z = 1.0; // always above the page image
 /// twice as wide and high as a label.
 constexpr int index_depth = 10;
 
-/// Least distance by which a drag moves a label, as the sum of both directions in scene units. So a
-/// click with an unsteady hand does not move it.
-constexpr double drag_threshold = 1.0;
-
 /// A rendered page with more pixels than this would take more than 4 GiB of memory.
 constexpr double maximum_picture_pixels = 1024.0 * 1024.0 * 1024.0;
-
-/// Rounds to the nearest integer; rounds halves up, also below zero.
-int Round_Half_Up(double number)
-{
-    return static_cast<int>(std::floor(number + 0.5));
-}
 
 } // namespace
 
@@ -253,52 +241,6 @@ QPixmap TDisplayWidget::Render_Pixmap(int value, const int& border_type, bool se
     return Render_Pixmap(QString::number(value), border_type, selected);
 }
 
-void TDisplayWidget::mousePressEvent(QMouseEvent* event)
-{
-    // These are the buttons of the previous press: the first press on the page never pans it, so
-    // that a click that clears the selection does not show a hand cursor.
-    if (d_mouse_buttons & Qt::LeftButton)
-        setDragMode(QGraphicsView::ScrollHandDrag);
-    QGraphicsView::mousePressEvent(event);
-
-    d_mouse_buttons = event->buttons();
-    const QPointF scene_point = Scene_Point(*event);
-    d_item_moved = false;
-    d_pressed_item = nullptr;
-    // Use the buttons of the event: a slot may run an event loop, in which d_mouse_buttons changes.
-    if (event->buttons() & Qt::LeftButton)
-        Press_Item(scene_point);
-    if (event->buttons() & Qt::RightButton)
-        emit Right_Mouse_Click(scene_point);
-}
-
-void TDisplayWidget::mouseMoveEvent(QMouseEvent* event)
-{
-    if (!d_pressed_item)
-        QGraphicsView::mouseMoveEvent(event);
-    else if (event->buttons() & Qt::LeftButton)
-        Drag_Item(Scene_Point(*event));
-}
-
-void TDisplayWidget::mouseReleaseEvent(QMouseEvent* event)
-{
-    QGraphicsView::mouseReleaseEvent(event);
-    setDragMode(QGraphicsView::NoDrag);
-    if (!(d_mouse_buttons & Qt::LeftButton))
-        return;
-    // Reset before emitting the signal, since a slot may remove the label.
-    const QGraphicsPixmapItem* item = std::exchange(d_pressed_item, nullptr);
-    if (item)
-        emit Update_Item_Position(item->data(Id_Key).toInt(), item->data(Centre_Key).toPointF());
-    else if (!d_item_moved)
-        emit Item_Clicked(-1);
-}
-
-void TDisplayWidget::mouseDoubleClickEvent(QMouseEvent*)
-{
-    // The presses before it have been handled already.
-}
-
 TLabelStyle TDisplayWidget::Label_Style() const
 {
     return {d_label_width, d_label_height, d_font_size, d_label_color};
@@ -376,35 +318,5 @@ void TDisplayWidget::Release_Pressed_Item()
     if (!d_pressed_item)
         return;
     d_pressed_item = nullptr;
-    d_item_moved = true;
-}
-
-/// The position of a mouse event in the scene, from whole pixels of the viewport.
-QPointF TDisplayWidget::Scene_Point(const QMouseEvent& event) const
-{
-    const QPointF position = event.localPos();
-    return mapToScene(QPoint(Round_Half_Up(position.x()), Round_Half_Up(position.y())));
-}
-
-void TDisplayWidget::Press_Item(const QPointF& scene_point)
-{
-    // Every item except the page image is a label.
-    QGraphicsItem* item = d_scene->itemAt(scene_point, transform());
-    if (!item || item == d_background_item)
-        return;
-    d_pressed_item = qgraphicsitem_cast<QGraphicsPixmapItem*>(item);
-    d_last_scene_point = scene_point;
-    emit Item_Clicked(item->data(Id_Key).toInt());
-}
-
-void TDisplayWidget::Drag_Item(const QPointF& scene_point)
-{
-    const QPointF step = scene_point - d_last_scene_point;
-    // Small steps do not change the last point, so they add up.
-    if (step.manhattanLength() <= drag_threshold)
-        return;
-    d_last_scene_point = scene_point;
-    d_pressed_item->setData(Centre_Key, d_pressed_item->data(Centre_Key).toPointF() + step);
-    d_pressed_item->moveBy(step.x(), step.y());
     d_item_moved = true;
 }
