@@ -99,10 +99,11 @@ bool Is_Icon_Too_Large(QIODevice* device)
 /// Whether the header declares too many pixels. The reader cannot be used afterwards.
 bool Declares_Too_Many_Pixels(QImageReader* reader)
 {
+    // Some formats, icons among them, are not detected any more once the size has been read.
+    const QByteArray format = reader->format();
     const QSize size = reader->size();
     if (Is_Too_Large(size.width(), size.height()))
         return true;
-    const QByteArray format = reader->format();
     return (format == "ico" || format == "cur") && Is_Icon_Too_Large(reader->device());
 }
 

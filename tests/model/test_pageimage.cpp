@@ -1,6 +1,8 @@
 // Page images: decoded on demand, encoded at most once, in a cache of limited size.
 
 #include "src/model/pageimage.h"
+
+#include "core/workwatch.h"
 #include "support/support.h"
 
 #include <QBuffer>
@@ -364,6 +366,10 @@ private slots:
         QTest::newRow("bmp upside down") << Promising_Bmp(25000, -20001);
         QTest::newRow("icon of a bitmap") << Icon(Bitmap_Header(50000, 50000));
         QTest::newRow("icon of a png") << Icon(Promising_Png(50000, 50000));
+        // This one would be decoded.
+        QImage picture(25000, 20001, QImage::Format_Mono);
+        picture.fill(0);
+        QTest::newRow("icon of a whole png") << Icon(Support::Png(picture));
     }
 
     void more_than_500_megapixels_are_undecodable()
@@ -389,6 +395,37 @@ private slots:
         QCOMPARE(image.size(), QSize(25000, 20000));
         QVERIFY(TPageImage::From_Bytes("P4\n25000 20001\n" + QByteArray(3125 * 20001, '\x55'))
                     .isNull());
+        QVERIFY(
+            TPageImage::From_Bytes("P4\n500000008 1\n" + QByteArray(62'500'001, '\x55')).isNull());
+    }
+
+    void a_bitmap_without_height_is_undecodable()
+    {
+        QVERIFY(TPageImage::From_Bytes(Promising_Bmp(10, 0)).isNull());
+    }
+
+    void what_cannot_be_decoded_is_not_read_again()
+    {
+        const TPageImage image = TPageImage::From_Bytes("P5\n10 10\n255\n");
+        QVERIFY(image.isNull());
+        int blocks = 0;
+        const TWorkWatch watch([&blocks] { ++blocks; });
+        QVERIFY(QImage(image).isNull());
+        QVERIFY(image.isNull());
+        QCOMPARE(blocks, 0);
+        // The watch counts blocks of another image.
+        QVERIFY(!TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30))).isNull());
+        QVERIFY(blocks > 0);
+    }
+
+    void the_pixels_of_a_file_are_in_the_store_at_once()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("picture.png"));
+        Support::Write_File(path, Support::Png(Support::Picture(40, 30)));
+        const TPageImage image = TPageImage::From_File(path);
+        QCOMPARE(TPageImage::Stored_Bytes(), qint64(40 * 30 * 4));
+        QVERIFY(!image.isNull());
     }
 
     void a_file_is_read_as_qt_does_data() { Add_Samples(); }
