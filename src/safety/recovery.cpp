@@ -80,8 +80,6 @@ bool TRecovery::Claim_Name()
 
 void TRecovery::Discard()
 {
-    if (d_has_copy)
-        d_folder.Remove(d_name);
     d_has_copy = false;
     Release();
 }

@@ -41,6 +41,8 @@ private slots:
     void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy_data();
     void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy();
     void a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy();
+    void saved_files_are_synced_only_for_a_recovery_copy();
+    void a_note_that_cannot_be_written_fails_the_backup();
     void the_file_system_copies_where_it_can_data();
     void the_file_system_copies_where_it_can();
     void a_copy_that_the_file_system_does_not_finish_is_complete();
@@ -286,6 +288,34 @@ void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_
     net->After_Save(In("documents/a.quillet"), Empty_Project().size());
     Disarm();
     QVERIFY(QFile::exists(In(copy)));
+}
+
+void TestDurability::saved_files_are_synced_only_for_a_recovery_copy()
+{
+    Net()->Record_Change(QString());
+    const auto net = Net();
+    net->After_Open(In(Only_Recovery_Copy()));
+    QList<int> syncs;
+    for (int i = 0; i < 2; ++i) {
+        Arm(Faults::Sync, Faults::Fail, 0);
+        net->After_Save(In("documents/a.quillet"), Empty_Project().size());
+        syncs += Disarm();
+    }
+    // The first save deletes the copy.
+    QCOMPARE(syncs, QList<int>({2, 0}));
+}
+
+void TestDurability::a_note_that_cannot_be_written_fails_the_backup()
+{
+    const TBackup backup(In("settings/backup"));
+    const QString document = In("documents/a.quillet");
+    QVERIFY(backup.Keep(document, false));
+    Write_File(document, Empty_Project(40));
+    Arm(Faults::Write, Faults::Fail, 1);
+    const bool kept = backup.Keep(document, false);
+    QVERIFY(Disarm() > 0);
+    QVERIFY(!kept);
+    QCOMPARE(Read_File(backup.Path_For(document)), Empty_Project(32));
 }
 
 void TestDurability::the_file_system_copies_where_it_can_data()

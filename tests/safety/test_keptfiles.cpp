@@ -58,6 +58,7 @@ private slots:
     void locked_files_are_not_deleted();
     void files_directly_in_the_folder_are_contained();
     void a_file_is_free_unless_it_is_locked();
+    void locks_work_without_standard_input();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -408,6 +409,25 @@ void TestKeptFiles::a_file_is_free_unless_it_is_locked()
     // The check itself leaves no lock behind.
     QVERIFY(TKeptFolder::Is_Free(In("a.note")));
     QVERIFY(note.Open(In("a.note"), TKeptNote::TExisting::Reuse));
+}
+
+/// The lowest descriptor is 0 then.
+void TestKeptFiles::locks_work_without_standard_input()
+{
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        TKeptNote held;
+        if (!held.Open(In("held.note"), TKeptNote::TExisting::Refuse))
+            return 1;
+        close(STDIN_FILENO);
+        if (TKeptFolder::Is_Free(In("held.note")))
+            return 2;
+        TKeptNote note;
+        if (!note.Open(In("a.note"), TKeptNote::TExisting::Refuse))
+            return 3;
+        note.Close();
+        return TKeptFolder::Is_Free(In("a.note")) ? 0 : 4;
+    });
+    QCOMPARE(result.exit_code, 0);
 }
 
 QTEST_MAIN(TestKeptFiles)

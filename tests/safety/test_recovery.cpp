@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -52,6 +53,11 @@ private slots:
     void the_note_has_the_last_path_of_the_document();
     void the_note_of_the_copy_after_a_discarded_one_names_the_document();
     void an_existing_copy_without_a_note_is_not_replaced();
+    void a_copy_is_named_after_the_time();
+    void an_existing_note_without_a_copy_is_not_reused();
+    void a_hundred_names_are_tried_data();
+    void a_hundred_names_are_tried();
+    void a_folder_that_is_a_link_is_refused();
     void folder_and_files_are_accessible_to_their_owner_only_data();
     void folder_and_files_are_accessible_to_their_owner_only();
     void a_discarded_copy_leaves_no_files();
@@ -69,6 +75,7 @@ private slots:
 
 private:
     QString Folder() const { return d_folder->filePath("recovery"); }
+    void Take_Names(const QString& suffix, int count) const;
 
     std::unique_ptr<QTemporaryDir> d_folder;
 };
@@ -82,6 +89,19 @@ void TestRecovery::init()
 void TestRecovery::cleanup()
 {
     d_folder.reset();
+}
+
+/// Creates files with the first names that a copy can get within the next seconds.
+void TestRecovery::Take_Names(const QString& suffix, int count) const
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    constexpr int seconds = 20;
+    for (int second = 0; second < seconds; ++second) {
+        const QString base = Folder() + now.addSecs(second).toString("/yyyyMMdd-hhmmss");
+        for (int attempt = 1; attempt <= count; ++attempt)
+            Support::Write_File(
+                base + (attempt == 1 ? QString() : '-' + QString::number(attempt)) + suffix, "x");
+    }
 }
 
 void TestRecovery::copying_takes_at_most_a_fiftieth_of_the_time_data()
@@ -187,6 +207,50 @@ void TestRecovery::an_existing_copy_without_a_note_is_not_replaced()
     for (const QString& name : QDir(Folder()).entryList({"*.quillet"}))
         untouched += Read_File(Folder() + '/' + name) == "other" ? 1 : 0;
     QCOMPARE(untouched, seconds);
+}
+
+void TestRecovery::a_copy_is_named_after_the_time()
+{
+    TRecovery recovery(Folder());
+    QVERIFY(recovery.Write(Project(40), "/a"));
+    const QString name = QFileInfo(recovery.Path()).fileName();
+    QVERIFY2(QRegularExpression("^\\d{8}-\\d{6}\\.quillet$").match(name).hasMatch(),
+             qPrintable(name));
+}
+
+void TestRecovery::an_existing_note_without_a_copy_is_not_reused()
+{
+    QVERIFY(QDir(d_folder->path()).mkdir("recovery"));
+    Take_Names(".note", 1);
+    TRecovery recovery(Folder());
+    QVERIFY(recovery.Write(Project(40), "/a"));
+    QVERIFY2(recovery.Path().endsWith("-2.quillet"), qPrintable(recovery.Path()));
+}
+
+void TestRecovery::a_hundred_names_are_tried_data()
+{
+    QTest::addColumn<int>("taken");
+    QTest::newRow("the last one is free") << 99;
+    QTest::newRow("none is free") << 100;
+}
+
+void TestRecovery::a_hundred_names_are_tried()
+{
+    QFETCH(int, taken);
+    QVERIFY(QDir(d_folder->path()).mkdir("recovery"));
+    Take_Names(".quillet", taken);
+    TRecovery recovery(Folder());
+    QCOMPARE(recovery.Write(Project(40), "/a"), taken < 100);
+    QCOMPARE(recovery.Path().endsWith("-100.quillet"), taken < 100);
+}
+
+void TestRecovery::a_folder_that_is_a_link_is_refused()
+{
+    QVERIFY(QDir(d_folder->path()).mkdir("elsewhere"));
+    QVERIFY(QFile::link(d_folder->filePath("elsewhere"), Folder()));
+    TRecovery recovery(Folder());
+    QVERIFY(!recovery.Write(Project(40), "/a"));
+    QVERIFY(Entries(d_folder->filePath("elsewhere")).isEmpty());
 }
 
 void TestRecovery::folder_and_files_are_accessible_to_their_owner_only_data()
