@@ -156,6 +156,9 @@ void TestXmlGuard::ruinous_documents_are_refused_data()
     QTest::newRow("parentheses") << Document(Model(1000000), "") << parentheses;
     QTest::newRow("parentheses just too deep")
         << Document(Model(XmlGuard::Nesting_Limit + 1), "") << parentheses;
+    QTest::newRow("parentheses among closed ones")
+        << Document("<!ELEMENT R " + QByteArray("((a),").repeated(XmlGuard::Nesting_Limit + 1), "")
+        << parentheses;
     QTest::newRow("parentheses after many closed ones")
         << Document("<!--" + QByteArray(2000, ')') + "-->" + Model(1000), "") << parentheses;
 
@@ -184,6 +187,13 @@ void TestXmlGuard::ruinous_documents_are_refused_data()
     QTest::newRow("attributes of a tag that an entity begins with a value")
         << Document("<!ENTITY e \"<a x='\">", "&e;'" + rows + "/>") << attributes;
 
+    QTest::newRow("depth after a prefix")
+        << "<R><a xmlns:p='u'/>" + Nested(XmlGuard::Nesting_Limit) + "</R>" << too_deep;
+    QTest::newRow("one character too many from entities")
+        << Document("<!ENTITY e '" + QByteArray(1999, 'x') + "'>",
+                    QByteArray("&e;").repeated(XmlGuard::Expansion_Limit / 2000 + 1))
+        << too_far;
+
     QTest::newRow("control character") << QByteArray("<R>a\x01</R>") << invalid;
     QTest::newRow("control character by reference") << QByteArray("<R>&#1;</R>") << invalid;
     QTest::newRow("zero by reference") << QByteArray("<R>&#0;</R>") << invalid;
@@ -197,6 +207,14 @@ void TestXmlGuard::ruinous_documents_are_refused_data()
     QTest::newRow("control character in an instruction")
         << QByteArray("<R><?p \x01?></R>") << invalid;
 
+    QTest::newRow("references in a document type")
+        << Document("<!ENTITY e '" + QByteArray("&#65;").repeated(XmlGuard::Reference_Limit + 1) +
+                        "'>",
+                    "")
+        << references;
+    QTest::newRow("parameter references in a document type")
+        << Document("<!ENTITY % p ''>" + QByteArray("%p;").repeated(XmlGuard::Reference_Limit), "")
+        << references;
     QTest::newRow("prefixes") << "<R" + Row(XmlGuard::Prefix_Limit + 1, Prefix) + "/>" << prefixes;
     QTest::newRow("entities") << Document(Row(XmlGuard::Entity_Limit + 1, Entity), "") << entities;
     QTest::newRow("external entities")
@@ -238,6 +256,8 @@ void TestXmlGuard::ordinary_documents_are_accepted_data()
     QTest::newRow("parentheses as deep as allowed") << Document(Model(XmlGuard::Nesting_Limit), "");
     QTest::newRow("as many entities as allowed")
         << Document(Row(XmlGuard::Entity_Limit, Entity), "&e0;&e511;");
+    QTest::newRow("as many references in a document type as allowed") << Document(
+        "<!ENTITY e '" + QByteArray("&#65;").repeated(XmlGuard::Reference_Limit) + "'>", "");
     QTest::newRow("entities of entities") << Document(Laughs(3, "ha"), "&a2;");
     QTest::newRow("a reference to an entity that is declared later")
         << Document("<!ENTITY a '&b;'><!ENTITY b 'x'>", "&a;");
@@ -256,6 +276,19 @@ void TestXmlGuard::ordinary_documents_are_accepted_data()
     QTest::newRow("equals signs in text, with entities that hold text")
         << Document("<!ENTITY e 'a = b'>", "&e;" + QByteArray(10000, '=') + "<!--" +
                                                QByteArray(10000, '=') + "--><b c='&e;'/>");
+    QTest::newRow("equals signs after an end tag")
+        << "<R><a></a>" + QByteArray(XmlGuard::Attribute_Limit + 1, '=') + "</R>";
+    QTest::newRow("equals signs in an instruction")
+        << "<?p " + QByteArray(XmlGuard::Attribute_Limit + 1, '=') + "?><R/>";
+    QTest::newRow("equals signs in comments, with entities that hold elements") << Document(
+        "<!ENTITY e '<b/>'>", QByteArray("<!-- = -->").repeated(XmlGuard::Attribute_Limit + 1));
+    QTest::newRow("parentheses side by side")
+        << Document(QByteArray("<!ELEMENT R (a)>").repeated(XmlGuard::Nesting_Limit) +
+                        Model(XmlGuard::Nesting_Limit),
+                    "");
+    QTest::newRow("as many characters from entities as allowed")
+        << Document("<!ENTITY e '" + QByteArray(1999, 'x') + "'>",
+                    QByteArray("&e;").repeated(XmlGuard::Expansion_Limit / 2000));
     QTest::newRow("a long list")
         << "<R>" +
                QByteArray("<Item><Id>1</Id><Value>1</Value><Text>a = b</Text></Item>")
