@@ -136,6 +136,10 @@ private slots:
         QCOMPARE(result.errors, QString());
         QVERIFY2(result.output.startsWith("Usage: quillet-cli " + name + " [options]"),
                  qPrintable(result.output));
+        const QString summary = result.output.section('\n', 1, 1);
+        QVERIFY(!summary.isEmpty());
+        QVERIFY(Run({"--help"}).output.contains(summary));
+        QCOMPARE(result.output.contains("\nArguments:\n"), name != "kept");
         // Qt's own options are not listed.
         QVERIFY(!result.output.contains("--help-all"));
     }
@@ -187,6 +191,8 @@ private slots:
         row("thumbnail sound.quillet", "Missing option 'output'.");
         row("thumbnail sound.quillet --output out --size 0",
             "Invalid value '0' for option 'size'.");
+        row("thumbnail sound.quillet --output out --size 8193",
+            "Invalid value '8193' for option 'size'.");
         row("thumbnail sound.quillet --output out --size big",
             "Invalid value 'big' for option 'size'.");
         row("kept 1", "Unexpected argument '1'.");
@@ -357,6 +363,18 @@ private slots:
         QCOMPARE(result.status, 1);
         QCOMPARE(Support::Entries(d_folder->filePath("locked")), before);
         QCOMPARE(Content("locked/out"), QByteArray(has_file ? "old" : ""));
+    }
+
+    void a_folder_of_images_that_cannot_be_read_is_refused()
+    {
+        QVERIFY(QDir(d_folder->path()).mkdir("locked"));
+        const QString locked = d_folder->filePath("locked");
+        QVERIFY(QFile::setPermissions(locked, QFile::WriteOwner | QFile::ExeOwner));
+        const TToolResult result =
+            Run_Without_Privileges({"create", "locked", "--output", "new.quillet"});
+        QVERIFY(QFile::setPermissions(locked, QFile::ReadOwner | QFile::ExeOwner));
+        QCOMPARE(result.errors, QStringLiteral("quillet-cli: locked: cannot be read\n"));
+        QCOMPARE(result.status, 1);
     }
 
     void a_damaged_document_is_refused_with_its_first_defect_data()

@@ -226,6 +226,8 @@ private slots:
     {
         const QImage picture = Picture(60, 40);
         QCOMPARE(Support::Difference(Thumbnail_Of(Page("a", picture)), picture), QString());
+        QCOMPARE(Thumbnail_Of(Page("b", Picture(60, 40)), {"--size", "8192", "--force"}).size(),
+                 QSize(60, 40));
     }
 
     void the_thumbnail_shows_the_first_page_with_its_labels()
