@@ -86,6 +86,15 @@ QByteArray Bitmap_Header(qint32 width, qint32 height)
            Little<quint16>(32) + QByteArray(24, '\0') + QByteArray(64, 'x');
 }
 
+/// The picture of an icon: two colours, lines of pixels, lines of the mask.
+QByteArray Icon_Bitmap(int width, int height)
+{
+    const int line = (width + 31) / 32 * 4; // bytes
+    return Little<quint32>(40) + Little(width) + Little(2 * height) + Little<quint16>(1) +
+           Little<quint16>(1) + QByteArray(24, '\0') + QByteArray(8, '\x55') +
+           QByteArray(2 * line * height, '\x55');
+}
+
 QByteArray Text_Of_Xpm()
 {
     return "/* XPM */\nstatic char *x[]={\n\"2 2 2 1\",\n\"a c #ff0000\",\n\"b c "
@@ -370,6 +379,7 @@ private slots:
         QImage picture(25000, 20001, QImage::Format_Mono);
         picture.fill(0);
         QTest::newRow("icon of a whole png") << Icon(Support::Png(picture));
+        QTest::newRow("icon of a whole bitmap") << Icon(Icon_Bitmap(20000, 12501));
     }
 
     void more_than_500_megapixels_are_undecodable()
@@ -397,6 +407,11 @@ private slots:
                     .isNull());
         QVERIFY(
             TPageImage::From_Bytes("P4\n500000008 1\n" + QByteArray(62'500'001, '\x55')).isNull());
+    }
+
+    void an_icon_of_a_bitmap_is_decoded()
+    {
+        QCOMPARE(TPageImage::From_Bytes(Icon(Icon_Bitmap(40, 30))).size(), QSize(40, 30));
     }
 
     void a_bitmap_without_height_is_undecodable()
