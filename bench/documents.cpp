@@ -56,7 +56,7 @@ void Draw_Stroke(QImage* page, const QRect& stroke, QRgb ink)
     }
 }
 
-/// Lines of letters, each of an upright and two bars, with gaps between the words.
+/// Draws lines of letters, each a vertical stroke and two horizontal ones, with gaps between words.
 void Draw_Text(QImage* page, TRandom* random)
 {
     constexpr int margin = 240;
@@ -83,7 +83,7 @@ QRgb With_Grain(QRgb pixel, TRandom* random, int amplitude)
     return qRgb(shifted(qRed(pixel)), shifted(qGreen(pixel)), shifted(qBlue(pixel)));
 }
 
-/// @param share  one pixel out of this many is changed.
+/// @param share  on average, one pixel out of this many changes.
 void Draw_Grain(QImage* page, TRandom* random, int amplitude, int share)
 {
     for (int y = 0; y < page->height(); ++y) {
@@ -107,7 +107,7 @@ QString Grain_Name(Bench::TGrain grain)
     }
 }
 
-/// Labels spread over the page row by row, from its top left corner.
+/// Returns a label list; the labels are in rows, from the top-left corner of the page.
 QByteArray Item_List(int count)
 {
     constexpr int margin = 60;

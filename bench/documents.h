@@ -6,7 +6,7 @@
 #include <QString>
 
 /// Generates the documents for the benchmarks: the same bytes on every machine and in every run.
-/// Page images take long to generate and are kept in the build folder.
+/// Page images take long to generate and are cached in the build folder.
 namespace Bench {
 
 /// How well a page can be compressed.
@@ -25,11 +25,11 @@ constexpr int Page_Height = 3508;
 /// @param number  from 0; every page has different strokes and grain.
 QImage Scan_Page(int number, TGrain grain);
 
-/// Path of a page as an image file, which is encoded in the first run only.
+/// Returns the path of a page as an image file, which is generated if it does not exist.
 /// @param format  "png", or "jpg" at quality 90.
 QString Page_File(int number, TGrain grain, const QString& format);
 
-/// Reads a whole file; a missing one ends the program.
+/// Reads a whole file. Aborts if it cannot be read.
 QByteArray Read_File(const QString& path);
 
 /// The shape of a document.
@@ -43,8 +43,8 @@ struct TShape
 /// A document whose pages all have the same number of labels.
 TShape Shape(int pages, int labels, TGrain grain, int distinct_pages);
 
-/// Writes a project file on each call and returns its path. Its pages are kept image files.
-/// @param name  of the file in the output folder.
+/// Writes a project file with cached page images and returns its path.
+/// @param name  file name in the output folder.
 QString Document_File(const QString& name, const TShape& shape);
 
 /// Path for a file that a benchmark writes.

@@ -1,4 +1,4 @@
-// Exports, against the codec, the scaling and the printer alone.
+// Exports, compared with the codec, scaling and printing alone.
 
 #include "bench/documents.h"
 #include "bench/measure.h"
@@ -51,7 +51,7 @@ std::unique_ptr<TQuillet> New_Window()
     auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
     window->show();
     Require(window->Load_Data(document()));
-    Bench::Let_Paint();
+    Bench::Paint_Changes();
     return window;
 }
 
@@ -60,7 +60,7 @@ QList<int> Page_Ids(const TQuillet& window)
     return window.findChild<TPageWidget*>()->Page_Ids();
 }
 
-/// Hands on the finished picture of every page, one after the other.
+/// Shows each page in turn and passes the view to a function.
 template <typename TUse>
 void For_Each_Picture(const TUse& use)
 {
@@ -113,7 +113,7 @@ void save_pictures(benchmark::State& state)
 }
 BENCH_SLOW(save_pictures);
 
-/// What an export of a document that was just opened needs besides: its pages' pixels.
+/// Decodes the pages, which an export of a document just opened has to do as well.
 void decode_pages(benchmark::State& state)
 {
     Bench::Measure(
@@ -135,7 +135,7 @@ void export_pdf(benchmark::State& state)
 }
 BENCH_SLOW(export_pdf);
 
-/// The pages as scenes that stand ready: a page image and its labels.
+/// Returns a prepared scene for each page, with the page image and its labels.
 std::vector<std::unique_ptr<QGraphicsScene>> Finished_Scenes()
 {
     std::vector<std::unique_ptr<QGraphicsScene>> scenes;

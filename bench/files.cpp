@@ -1,4 +1,4 @@
-// Saving, opening and importing, against the codecs and the disk alone.
+// Saving, opening and importing, compared with the codecs and the disk alone.
 
 #include "bench/documents.h"
 #include "bench/measure.h"
@@ -32,8 +32,8 @@ QString Jpeg(int number)
     return Bench::Page_File(number, TGrain::Noisy, QStringLiteral("jpg"));
 }
 
-/// A path at which there is no file, as for a document that is saved for the first time: what the
-/// copy of the version before costs is measured elsewhere.
+/// Returns a path without a file, so that saving makes no backup. The cost of backups is measured
+/// in safety.cpp.
 QString Fresh_Path()
 {
     const QString path = Bench::Output_Path(QStringLiteral("written.quillet"));
@@ -114,14 +114,14 @@ void import_jpeg(benchmark::State& state)
         [&] {
             window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
             window->show();
-            Bench::Let_Paint();
+            Bench::Paint_Changes();
             for (int page = 0; page < imported_pages; ++page)
                 Bench::Read_File(Jpeg(page));
         },
         [&] {
             for (int page = 0; page < imported_pages; ++page)
                 window->Load_Image(Jpeg(page));
-            Bench::Let_Paint();
+            Bench::Paint_Changes();
         });
 }
 BENCH_SLOW(import_jpeg);
@@ -143,15 +143,15 @@ void open_document(benchmark::State& state)
     Bench::Measure(
         &state,
         [&] {
-            // Read once before, so that both sides find the file in memory.
+            // Load the file into the disk cache, as for the reference.
             Bench::Read_File(Five_Hundred_Pages());
             window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
             window->show();
-            Bench::Let_Paint();
+            Bench::Paint_Changes();
         },
         [&] {
             Require(window->Load_Data(Five_Hundred_Pages()));
-            Bench::Let_Paint();
+            Bench::Paint_Changes();
         });
 }
 BENCH_SLOW(open_document);

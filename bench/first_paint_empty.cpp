@@ -1,5 +1,4 @@
-// The least that the toolkit can show as a main window, up to its first paint; then it ends without
-// tidying up.
+// Shows an empty QMainWindow and exits without cleanup after its first paint.
 
 #include <QApplication>
 #include <QMainWindow>

@@ -1,4 +1,4 @@
-// The program, up to its first paint; then it ends without tidying up.
+// Shows the main window and exits without cleanup after its first paint.
 
 #include "src/quillet.h"
 

@@ -26,10 +26,10 @@ namespace {
 
 using Bench::TGrain;
 
-/// Labels on the pages of the document that is shown; the first page is the one to come from.
+/// Number of labels on each page. The first page is shown before the page to be measured.
 const QList<int> label_counts = {10, 10, 1000, 10000, 20000};
 
-/// A window that shows a document, and the parts of it that a user touches.
+/// A window that shows a document, with shortcuts to its panels.
 struct TOpenWindow
 {
     TOpenWindow(const QString& name, const Bench::TShape& shape)
@@ -41,13 +41,13 @@ struct TOpenWindow
         list = window.findChild<TLabelWidget*>();
         view = window.findChild<TDisplayWidget*>();
         page_ids = pages->Page_Ids();
-        Bench::Let_Paint();
+        Bench::Paint_Changes();
     }
 
     void Show_Page(int place)
     {
         pages->Set_Active_Page(page_ids[place]);
-        Bench::Let_Paint();
+        Bench::Paint_Changes();
     }
 
     TQuillet window{nullptr, Qt::WindowFlags()};
@@ -63,7 +63,7 @@ TOpenWindow& Labelled_Pages()
         // Lives until the process ends: all cases share it.
         auto* const made = new TOpenWindow(QStringLiteral("labels.quillet"),
                                            Bench::TShape{label_counts, TGrain::Clean, 1});
-        // Every page has been seen once, so that its image is decoded.
+        // Show every page once, so that its image is decoded.
         for (int place = 0; place < label_counts.size(); ++place)
             made->Show_Page(place);
         return made;
@@ -80,12 +80,12 @@ void show_page(benchmark::State& state)
 }
 BENCH_QUICK(show_page, 5)->Arg(10)->Arg(1000)->Arg(10000)->Arg(20000);
 
-/// What a view and a list cost that know nothing of documents: all items share a picture and an
-/// icon, and nothing can be found again.
-class TBarePair
+/// The reference: a plain view and a plain list. All items share one pixmap and one icon and have
+/// no id.
+class TPlainWidgets
 {
 public:
-    TBarePair()
+    TPlainWidgets()
     {
         constexpr int label_extent = 40;
         auto* const layout = new QHBoxLayout(&d_window);
@@ -112,7 +112,7 @@ public:
             item->setPos(number % columns * 24, number / columns * 34); // NOLINT: whole pixels
         }
         d_view.setUpdatesEnabled(true);
-        Bench::Let_Paint();
+        Bench::Paint_Changes();
     }
 
 private:
@@ -127,9 +127,9 @@ private:
 
 void show_bare(benchmark::State& state)
 {
-    TBarePair bare;
+    TPlainWidgets plain;
     Bench::Measure(
-        &state, [&] { bare.Fill(10); }, [&] { bare.Fill(static_cast<int>(state.range(0))); });
+        &state, [&] { plain.Fill(10); }, [&] { plain.Fill(static_cast<int>(state.range(0))); });
 }
 BENCH_QUICK(show_bare, 5)->Arg(10000);
 
@@ -147,17 +147,17 @@ void Click(TDisplayWidget* view, const QPoint& place)
 {
     Send_Mouse(view, QEvent::MouseButtonPress, place);
     Send_Mouse(view, QEvent::MouseButtonRelease, place);
-    Bench::Let_Paint();
+    Bench::Paint_Changes();
 }
 
-/// Shows a page with the first label in sight and selected.
+/// Shows a page with its first label visible and selected.
 void Go_To_First_Label(TOpenWindow* open, int labels)
 {
     open->Show_Page(0);
     open->Show_Page(label_counts.lastIndexOf(labels));
     open->list->Set_Selection(1);
     open->view->centerOn(0.0, 0.0);
-    Bench::Let_Paint();
+    Bench::Paint_Changes();
 }
 
 QPoint Place_Of(const TOpenWindow& open, int id)
@@ -169,10 +169,10 @@ void Press_Key(QWidget* editor, int key, const QString& text)
 {
     QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text);
     QApplication::sendEvent(editor, &press);
-    Bench::Let_Paint();
+    Bench::Paint_Changes();
 }
 
-/// One key in the value editor, which types another value for the selected label.
+/// A key press in the value editor that changes the value of the selected label.
 void change_value(benchmark::State& state)
 {
     TOpenWindow& open = Labelled_Pages();
@@ -194,7 +194,7 @@ void change_value(benchmark::State& state)
 }
 BENCH_QUICK(change_value, 500)->Arg(10)->Arg(10000);
 
-/// One mouse move with a label under the pressed button.
+/// One mouse move while dragging a label.
 void drag_step(benchmark::State& state)
 {
     TOpenWindow& open = Labelled_Pages();
@@ -210,14 +210,14 @@ void drag_step(benchmark::State& state)
             const int x =
                 step / path_length % 2 == 0 ? step % path_length : path_length - step % path_length;
             Send_Mouse(open.view, QEvent::MouseMove, begin + QPoint(2 * x, 0));
-            Bench::Let_Paint();
+            Bench::Paint_Changes();
         });
     Send_Mouse(open.view, QEvent::MouseButtonRelease, begin);
     open.view->Move_Item(1, open.view->mapToScene(begin));
 }
 BENCH_QUICK(drag_step, 500)->Arg(10)->Arg(10000);
 
-/// A click on the label that is not selected, of two.
+/// Alternate clicks on a label and on the empty page, so that each click changes the selection.
 void click(benchmark::State& state)
 {
     TOpenWindow& open = Labelled_Pages();
@@ -237,18 +237,18 @@ void click(benchmark::State& state)
 BENCH_QUICK(click, 500)->Arg(10)->Arg(10000);
 
 constexpr int many_pages = 500;
-constexpr int labels_a_page = 200;
+constexpr int labels_per_page = 200;
 
 TOpenWindow& Many_Pages()
 {
     static auto* const open =
         new TOpenWindow(QStringLiteral("renumber.quillet"),
-                        Bench::Shape(many_pages, labels_a_page, TGrain::Blank, 1));
+                        Bench::Shape(many_pages, labels_per_page, TGrain::Blank, 1));
     return *open;
 }
 
-/// Runs the command with a user who presses "Apply" at once; the time begins with that. The numbers
-/// are others than those of the time before, on all pages.
+/// Runs the Reindex command and restarts the stopwatch when "Apply" is pressed. The first value
+/// alternates, so that each call changes all labels.
 void Renumber(TOpenWindow* open, Bench::TStopwatch* stopwatch)
 {
     static int first_value = 1;
@@ -261,7 +261,7 @@ void Renumber(TOpenWindow* open, Bench::TStopwatch* stopwatch)
         dialog->accept();
     });
     open->window.Edit_Reindex();
-    Bench::Let_Paint();
+    Bench::Paint_Changes();
 }
 
 void renumber_all(benchmark::State& state)
@@ -274,7 +274,7 @@ void renumber_all(benchmark::State& state)
 }
 BENCH_QUICK(renumber_all, 5);
 
-/// The same taken back, by the key.
+/// Undoes renumbering with Ctrl+Z.
 void undo_renumbering(benchmark::State& state)
 {
     TOpenWindow& open = Many_Pages();
@@ -284,24 +284,24 @@ void undo_renumbering(benchmark::State& state)
     };
     QShortcut* const undo = *std::find_if(shortcuts.cbegin(), shortcuts.cend(), is_undo);
     Bench::TStopwatch unused;
-    // What was taken back has the numbers that are next again: only the second time is a step for
-    // sure.
+    // After an undo, the next first value may be the one that the labels already have, and
+    // renumbering would record no step. The second call always records one.
     const auto renumber = [&open, &unused] {
         Renumber(&open, &unused);
         Renumber(&open, &unused);
     };
     Bench::Measure(&state, renumber, [&] {
         QMetaObject::invokeMethod(undo, "activated", Qt::DirectConnection);
-        Bench::Let_Paint();
+        Bench::Paint_Changes();
     });
 }
 BENCH_QUICK(undo_renumbering, 5);
 
-/// The same numbers put into the same items in memory, and one page shown.
+/// The reference: changes the same number of items in memory and shows one page.
 void pass_and_show(benchmark::State& state)
 {
     TOpenWindow& open = Many_Pages();
-    std::vector<std::vector<TDataItem>> pages(many_pages, std::vector<TDataItem>(labels_a_page));
+    std::vector<std::vector<TDataItem>> pages(many_pages, std::vector<TDataItem>(labels_per_page));
     const int last = many_pages - 1;
     Bench::Measure(
         &state, [&] { open.Show_Page(last - 1); },

@@ -1,5 +1,5 @@
-// Entry point of the benchmark programs: the application as the program sets it up, in a home of
-// its own.
+// Entry point of the benchmark programs. Sets up the application like the program, with an empty
+// home folder.
 
 #include "bench/documents.h"
 

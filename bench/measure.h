@@ -8,8 +8,8 @@
 
 namespace Bench {
 
-/// Wall and processor time since it was made. The processor's, which is that of the process and of
-/// the children that have ended, tells what other programs on the machine did to the wall's.
+/// Measures wall time and processor time since its construction. Processor time, of this process
+/// and its finished children, is less sensitive to other programs on the machine.
 class TStopwatch
 {
 public:
@@ -40,8 +40,8 @@ private:
     std::chrono::steady_clock::time_point d_begin = std::chrono::steady_clock::now();
 };
 
-/// Times some work, and not what prepares it, once for each iteration.
-/// @param work  gets the stopwatch, to start it anew where the preparation goes on.
+/// Measures work, without its preparation, once for each iteration.
+/// @param work  gets the stopwatch and may restart it after further preparation.
 template <typename TPrepare, typename TWork>
 void Measure_From(benchmark::State* state, const TPrepare& prepare, const TWork& work)
 {
@@ -59,23 +59,23 @@ void Measure_From(benchmark::State* state, const TPrepare& prepare, const TWork&
         benchmark::Counter(cpu_seconds * milliseconds, benchmark::Counter::kAvgIterations);
 }
 
-/// The same for work that is timed from its beginning.
+/// Measures work from its beginning.
 template <typename TPrepare, typename TWork>
 void Measure(benchmark::State* state, const TPrepare& prepare, const TWork& work)
 {
     Measure_From(state, prepare, [&work](TStopwatch*) { work(); });
 }
 
-/// Lays out and paints what has changed, as the event loop does before it waits for the user.
-inline void Let_Paint()
+/// Lays out and paints all changes, as the event loop does before it waits for input.
+inline void Paint_Changes()
 {
-    // Layouts that were put off are done in the first pass, what they change is painted in another.
+    // The first pass performs pending layouts; a second one paints the changes they make.
     QApplication::sendPostedEvents();
     QApplication::processEvents();
     QApplication::processEvents();
 }
 
-/// Registers a function that takes seconds: once for each repetition.
+/// Registers a function that takes seconds; each repetition calls it once.
 #define BENCH_SLOW(function)                                                                       \
     BENCHMARK(function)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1)
 

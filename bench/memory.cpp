@@ -1,5 +1,5 @@
-// Peak memory of one process: of a window without a document, or of one that opens a document and
-// pages through it.
+// Peak memory of a process that shows a window without a document, or opens a document and pages
+// through it.
 //
 // Usage: bench_memory window | paging
 // Prints figures as JSON, in bytes.
@@ -21,7 +21,7 @@ namespace {
 
 constexpr int pages = 500;
 
-/// Written by a process of its own, whose memory does not count.
+/// Writes the document in a child process, whose memory does not count. Returns its path.
 QString Document()
 {
     const QString path = Bench::Output_Path(QStringLiteral("paging.quillet"));
@@ -44,7 +44,7 @@ void Page_Through(TQuillet* window)
     const QList<int> page_ids = page_widget->Page_Ids();
     for (const int page_id : page_ids) {
         page_widget->Set_Active_Page(page_id);
-        Bench::Let_Paint();
+        Bench::Paint_Changes();
     }
 }
 
@@ -59,7 +59,7 @@ int main(int argument_count, char** arguments)
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
     TQuillet window(nullptr, Qt::WindowFlags());
     window.show();
-    Bench::Let_Paint();
+    Bench::Paint_Changes();
     if (paging) {
         if (!window.Load_Data(document))
             qFatal("cannot open %s", qPrintable(document));

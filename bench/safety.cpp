@@ -1,7 +1,7 @@
-// What the safety net costs: saves and editing sessions with it, and the same without.
+// The cost of backups and recovery copies: saves and editing sessions with and without them.
 //
-// A save without it finds no room for copies in the settings folder, and works on; a session
-// without it has none at all.
+// For a save without a backup, the settings folder cannot hold backups. A session without recovery
+// has no safety net.
 
 #include "bench/documents.h"
 #include "bench/measure.h"
@@ -30,9 +30,9 @@ void Require(bool succeeded)
         qFatal("a file operation failed");
 }
 
-/// Takes the folders in which the net keeps its copies away, or gives them back. A file in the
-/// place of a folder stops everybody, whatever rights the process has.
-void Allow_Net(bool allowed)
+/// Empties the folders for backups and recovery copies, or replaces them by files. A file in place
+/// of a folder prevents copies even if the process is privileged.
+void Allow_Copies(bool allowed)
 {
     for (const char* const name : {"backup", "recovery"}) {
         const QString path = QDir::homePath() + QStringLiteral("/.quillet/") + QLatin1String(name);
@@ -46,15 +46,15 @@ void Allow_Net(bool allowed)
 std::unique_ptr<TOpenWindow> New_Window(bool with_net)
 {
     QDir::home().mkdir(QStringLiteral(".quillet"));
-    Allow_Net(with_net);
+    Allow_Copies(with_net);
     auto window = std::make_unique<TOpenWindow>();
     window->show();
     Require(window->Load_Data(document()));
-    Bench::Let_Paint();
+    Bench::Paint_Changes();
     return window;
 }
 
-/// Saves over a file that is there already.
+/// Measures saving over an existing file.
 void Measure_Save(benchmark::State* state, bool with_net)
 {
     const QString path = Bench::Output_Path(QStringLiteral("saved.quillet"));
@@ -76,8 +76,8 @@ void save_without_backup(benchmark::State& state)
 }
 BENCH_QUICK(save_without_backup, 3);
 
-/// A user who changes a value every so often, for some seconds. What is timed is the time until all
-/// changes are made, so that copies count which the net makes between them.
+/// Measures value changes without a pause, for some seconds, including the recovery copies that are
+/// written between them.
 void Measure_Session(benchmark::State* state, bool with_net)
 {
     constexpr int edits = 300'000;
@@ -89,7 +89,7 @@ void Measure_Session(benchmark::State* state, bool with_net)
         [&] {
             for (int edit = 0; edit < edits; ++edit) {
                 window->Change_Item_Value(1 + edit % 100, edit);
-                Bench::Let_Paint();
+                Bench::Paint_Changes();
             }
         });
 }

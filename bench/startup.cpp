@@ -1,4 +1,4 @@
-// From the start of a process to the first paint of its window.
+// Time from the start of a process to the first paint of its window.
 
 #include "bench/measure.h"
 

@@ -10,7 +10,8 @@
 
 namespace {
 
-/// Returns an image, or none if it cannot be decoded: its bytes would be a defect of the new file.
+/// Returns the image, or a null image if it cannot be decoded. Its bytes would be a defect of the
+/// new file.
 TPageImage Sound_Image(const TPageImage& image)
 {
     return image.isNull() ? TPageImage() : image;

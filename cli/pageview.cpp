@@ -7,8 +7,8 @@ TPageView::TPageView(TDocument* document, const TStepReport& report)
     const int size = document->appearance.label_size;
     d_view.Set_Label_Size(QSize(size, size), TAppearance::Font_Size(size));
     d_view.Set_Label_Color(TAppearance::Color(document->appearance.color_name));
-    // The window shows the last page after opening a document. The size at
-    // which the view draws a page without an image depends on what it has shown before.
+    // Show the last page, as the window does after opening a document: the size of a page without
+    // an image depends on the pages shown before.
     if (document->pages.empty())
         return;
     d_view.Clear();

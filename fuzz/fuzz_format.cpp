@@ -1,4 +1,4 @@
-// The item display format, as typed by a user or as found in the settings file.
+// The item display format, as typed or as read from the settings file.
 
 #include "src/model/itemformat.h"
 
@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, size_t size)
     const QString typed =
         QString::fromUtf8(reinterpret_cast<const char*>(bytes), static_cast<int>(size));
     const QString cleaned = ItemFormat::Clean(typed);
-    // Cleaning what is clean changes nothing, and nothing but the two markers keeps its sign.
+    // Cleaning a clean format changes nothing, and only the two markers may contain "%".
     if (cleaned.isEmpty() || ItemFormat::Clean(cleaned) != cleaned ||
         cleaned.count(QLatin1Char('%')) > 2)
         std::abort();

@@ -1,4 +1,5 @@
-// The label document of a page: labels that can be read are the same after writing and reading.
+// The label list of a page. Writing the labels that were read and reading them again must return
+// the same number of labels.
 
 #include "src/format/itemlist.h"
 
@@ -8,7 +9,7 @@
 
 namespace {
 
-/// Reads a document; false when it is refused.
+/// Reads a document. Returns false if it is refused.
 bool Read(const QByteArray& document, std::vector<TDataItem>* items)
 {
     try {

@@ -1,4 +1,4 @@
-// The item lists of the two earlier generations.
+// The label lists of legacy files, versions 1 and 2.
 
 #include "src/format/legacyfile.h"
 

@@ -1,4 +1,4 @@
-// The project container: a survey of any bytes, and readers of what the survey accepts.
+// The project file. Surveys arbitrary bytes, and reads those without defects as a document.
 
 #include "src/format/document.h"
 #include "src/format/projectfile.h"
@@ -8,14 +8,13 @@
 
 namespace {
 
-/// Whether another integer can be read. Reading past the end fails an assertion, which is correct
-/// and no finding.
+/// Whether another integer can be read. Reading past the end would fail an assertion.
 bool Has_Integer(const TProjectReader& reader)
 {
     return reader.Is_Valid() && reader.Bytes_Left() >= ProjectLayout::Integer_Size;
 }
 
-/// Reads the fields of damaged files too.
+/// Reads the fields of a damaged file up to its end.
 void Read_Fields(const QByteArray& file)
 {
     TProjectReader reader(file);
@@ -33,7 +32,7 @@ void Read_Fields(const QByteArray& file)
     }
 }
 
-/// Reads a file without defects, which has the pages of its survey.
+/// Reads a file without defects. The document must have the pages and labels of the survey.
 void Read_Document(const QByteArray& file, const TProjectSurvey& survey)
 {
     const TDocument document(ProjectFile::Read(file));
