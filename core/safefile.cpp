@@ -28,6 +28,12 @@ QByteArray System_Path(const QString& path)
     return QFile::encodeName(path);
 }
 
+/// Replaces an existing file.
+bool Rename(const QString& from, const QString& to)
+{
+    return std::rename(System_Path(from).constData(), System_Path(to).constData()) == 0;
+}
+
 /// Gives a file the permissions of the file that it replaces, or those of a new file.
 bool Copy_Mode(const QString& from, const QString& to)
 {
@@ -41,7 +47,7 @@ bool Copy_Mode(const QString& from, const QString& to)
 bool Must_Keep_Inode(const QString& target)
 {
     struct stat state = {};
-    return stat(System_Path(target).constData(), &state) == 0 &&
+    return stat(System_Path(target).constData(), &state) == 0 && S_ISREG(state.st_mode) &&
            (state.st_uid != geteuid() || state.st_nlink > 1);
 }
 
@@ -70,13 +76,15 @@ bool Clone(const QFile& from, const QFile& to, qint64 size)
     return true;
 }
 
+/// Overwrites an existing file. Without O_CREAT, which Linux refuses for files of other users in
+/// sticky folders.
 bool Copy_Content(const QString& from, const QString& to)
 {
     QFile source(from);
     QFile copy(to);
     // Unbuffered, so that both ways of copying use the same file positions.
     if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
-        !copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        !copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered | QIODevice::ExistingOnly))
         return false;
     return Clone(source, copy, source.size()) ||
            (source.seek(0) && copy.resize(0) && copy.seek(0) && Copy_Blocks(&source, &copy));
@@ -103,13 +111,15 @@ TSafeFile::TSafeFile(const QString& path, TKind kind)
     // A device or a write-protected file is opened directly, with the same success or failure.
     if (target.exists() && (!target.isFile() || !target.isWritable()))
         return;
-    d_file = std::make_unique<QTemporaryFile>(target.path() + QLatin1Char('/') +
-                                              QLatin1String(unfinished_name));
+    d_file =
+        std::make_unique<QTemporaryFile>(target.path() + QLatin1Char('/') + Unfinished_Template());
     // The umask may deny even the owner access.
     if (!d_file->open() || fchmod(d_file->handle(), S_IRUSR | S_IWUSR) != 0)
         d_file.reset();
-    else
-        flock(d_file->handle(), LOCK_EX | LOCK_NB);
+    if (!d_file)
+        return;
+    flock(d_file->handle(), LOCK_EX | LOCK_NB);
+    d_registration.emplace(d_file->fileName());
 }
 
 TSafeFile::~TSafeFile() = default;
@@ -132,7 +142,7 @@ bool TSafeFile::Commit(const std::function<bool(const QString&)>& is_complete, T
     if (!d_file)
         return true;
     if ((d_kind == TKind::Like_Target && !Copy_Mode(d_target, path)) ||
-        (reach == TReach::Disk && !Sync(path)) || !Take_Place_Of_Target())
+        (reach == TReach::Disk && !Sync(path)) || !Replace_Target(reach))
         return false;
     d_file.reset();
     // After the rename there is no way back, so a failure to sync the folder is ignored.
@@ -141,15 +151,51 @@ bool TSafeFile::Commit(const std::function<bool(const QString&)>& is_complete, T
     return true;
 }
 
-bool TSafeFile::Take_Place_Of_Target()
+bool TSafeFile::Replace_Target(TReach reach)
 {
-    const QString path = Path_To_Write();
     if (d_kind == TKind::Like_Target && Must_Keep_Inode(d_target))
-        return Copy_Content(path, d_target);
-    if (std::rename(System_Path(path).constData(), System_Path(d_target).constData()) != 0)
+        return Overwrite_Target(reach);
+    if (!Rename(Path_To_Write(), d_target))
         return false;
     d_file->setAutoRemove(false);
     return true;
+}
+
+/// Copies the new content into the target. The complete new file has a visible name meanwhile, and
+/// keeps it if copying fails or is interrupted.
+bool TSafeFile::Overwrite_Target(TReach reach)
+{
+    const QString complete = Make_Visible();
+    if (complete.isEmpty())
+        return false;
+    if (!Copy_Content(complete, d_target) || (reach == TReach::Disk && !Sync(d_target))) {
+        // The tool prints it.
+        qCritical("'%s' is incomplete; the complete new version is in '%s'",
+                  qUtf8Printable(d_target), qUtf8Printable(complete));
+        return false;
+    }
+    QFile::remove(complete);
+    return true;
+}
+
+/// Renames the new file to an unused visible name beside the target. Returns its path; empty on
+/// failure.
+QString TSafeFile::Make_Visible()
+{
+    const QString base = d_target + QLatin1String(".new");
+    constexpr int attempts = 100;
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
+        const QString path =
+            attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
+        struct stat state = {};
+        if (lstat(System_Path(path).constData(), &state) == 0)
+            continue;
+        if (!Rename(Path_To_Write(), path))
+            return QString();
+        d_file->setAutoRemove(false);
+        return path;
+    }
+    return QString();
 }
 
 bool TSafeFile::Is_Complete(const QString& path, qint64 size, const QByteArray& end)
@@ -183,7 +229,12 @@ bool TSafeFile::Sync(const QString& path)
     return close(descriptor) == 0 && synced;
 }
 
+QString TSafeFile::Unfinished_Template()
+{
+    return QString::fromLatin1(unfinished_name);
+}
+
 QString TSafeFile::Unfinished_Pattern()
 {
-    return QString::fromLatin1(unfinished_name).replace(QLatin1Char('X'), QLatin1Char('?'));
+    return Unfinished_Template().replace(QLatin1Char('X'), QLatin1Char('?'));
 }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "core/unfinishedfile.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QTemporaryFile;
 
@@ -13,6 +16,10 @@ class QTemporaryFile;
 /// The new content goes to a temporary file in the target's folder, which is then renamed to the
 /// target. So there is a complete file at all times: the old one or the new one. If the folder is
 /// not writable but the target is, the target is written directly.
+///
+/// A target with several hard links or another owner is overwritten in place, since renaming would
+/// replace it by a different file. If that fails, the complete new file stays beside it as
+/// TARGET.new, and an error message with its path is logged.
 ///
 /// The temporary file has mode 0600 and is locked. A killed process leaves it behind unlocked.
 class TSafeFile
@@ -47,7 +54,8 @@ public:
     bool Copy_From(const QString& source);
 
     /// Replaces the target: checks the new content, sets its permissions, syncs it and renames it.
-    /// On failure, returns false and the target is unchanged, unless it was written directly.
+    /// On failure, returns false and the target is unchanged, unless it was written directly
+    /// or in place.
     /// @param is_complete  checks the file at the given path.
     bool Commit(const std::function<bool(const QString&)>& is_complete,
                 TReach reach = TReach::Disk);
@@ -56,19 +64,26 @@ public:
     /// @param size  in bytes; negative to accept any size.
     static bool Is_Complete(const QString& path, qint64 size, const QByteArray& end);
 
-    /// Replaces the content of a file. On failure, returns false and the file is unchanged.
+    /// Replaces the content of a file. On failure, returns false and the file is unchanged,
+    /// unless it was written directly or in place.
     static bool Replace(const QString& path, const QByteArray& content);
 
     /// Writes a file's content, or a folder's entries, to the disk.
     static bool Sync(const QString& path);
 
-    /// Wildcard pattern of the names of temporary files.
+    /// Template of the names of temporary files, for QTemporaryFile.
+    static QString Unfinished_Template();
+
+    /// Wildcard pattern of these names.
     static QString Unfinished_Pattern();
 
 private:
-    bool Take_Place_Of_Target();
+    bool Replace_Target(TReach reach);
+    bool Overwrite_Target(TReach reach);
+    QString Make_Visible();
 
     QString d_target;
-    std::unique_ptr<QTemporaryFile> d_file; ///< null when the target is written directly
+    std::optional<TUnfinishedFile> d_registration; ///< of d_file
+    std::unique_ptr<QTemporaryFile> d_file;        ///< null when the target is written directly
     TKind d_kind;
 };

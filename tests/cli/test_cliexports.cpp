@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
+
 using Support::Header;
 using Support::Item_Element;
 using Support::Item_List;
@@ -129,6 +131,34 @@ private slots:
                      .match(result.errors)
                      .hasMatch(),
                  qPrintable(result.errors));
+        QCOMPARE(Support::Entries(Path("out")), QStringList());
+    }
+
+    void an_interrupted_export_leaves_no_unfinished_file_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("SIGHUP") << SIGHUP;
+        QTest::newRow("SIGINT") << SIGINT;
+        QTest::newRow("SIGTERM") << SIGTERM;
+    }
+    void an_interrupted_export_leaves_no_unfinished_file()
+    {
+        QFETCH(int, signal);
+        // Enough pages that the export is not finished when the signal arrives.
+        QByteArray pages;
+        constexpr int page_count = 200;
+        for (int page = 0; page < page_count; ++page)
+            pages += Page("page", Picture(400, 300));
+        Write_Project(pages, page_count);
+        QProcess process;
+        process.setWorkingDirectory(d_folder->path());
+        process.start(Support::Tool_Path(),
+                      {"export-pdf", "a.quillet", "--output", "out/report.pdf"});
+        QTRY_VERIFY(!Support::Entries(Path("out")).isEmpty());
+        kill(static_cast<pid_t>(process.processId()), signal);
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(process.exitCode(), signal);
         QCOMPARE(Support::Entries(Path("out")), QStringList());
     }
 

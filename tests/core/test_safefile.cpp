@@ -1,6 +1,7 @@
 // Files that replace others only when they are complete.
 
 #include "core/safefile.h"
+#include "core/unfinishedfile.h"
 #include "support/support.h"
 
 #include <QDir>
@@ -9,8 +10,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
 #include <memory>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -68,6 +71,13 @@ private slots:
     void a_link_is_followed();
     void a_link_to_a_missing_file_creates_that_file();
     void a_file_with_two_names_keeps_both();
+    void a_file_of_another_user_keeps_its_owner_data();
+    void a_file_of_another_user_keeps_its_owner();
+    void a_failed_overwrite_leaves_the_complete_new_file_data();
+    void a_failed_overwrite_leaves_the_complete_new_file();
+    void a_kill_while_overwriting_leaves_the_complete_new_file();
+    void existing_files_named_like_the_new_one_stay();
+    void without_a_visible_name_the_target_is_not_overwritten();
     void a_private_file_replaces_one_name_only();
     void an_unfinished_file_is_locked();
     void a_target_that_became_a_folder_fails_the_commit_data();
@@ -88,6 +98,7 @@ private slots:
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
+    void Write_File_With_Two_Names(const QString& name) const;
 
     std::unique_ptr<QTemporaryDir> d_folder;
 };
@@ -212,12 +223,123 @@ void TestSafeFile::a_link_to_a_missing_file_creates_that_file()
 
 void TestSafeFile::a_file_with_two_names_keeps_both()
 {
-    Write_File(In("one"), "old and long");
-    QVERIFY(link(QFile::encodeName(In("one")).constData(),
-                 QFile::encodeName(In("two")).constData()) == 0);
+    Write_File_With_Two_Names("one");
     QVERIFY(TSafeFile::Replace(In("one"), "new"));
     QCOMPARE(Read_File(In("two")), QByteArray("new"));
     QCOMPARE(Entries(d_folder->path()), QStringList({"one", "two"}));
+}
+
+/// Writes a file with the given name and the name "two".
+void TestSafeFile::Write_File_With_Two_Names(const QString& name) const
+{
+    Write_File(In(name), "old and long");
+    QVERIFY(link(QFile::encodeName(In(name)).constData(),
+                 QFile::encodeName(In("two")).constData()) == 0);
+}
+
+void TestSafeFile::a_file_of_another_user_keeps_its_owner_data()
+{
+    QTest::addColumn<int>("folder_mode");
+    QTest::newRow("ordinary folder") << 0777;
+    QTest::newRow("sticky folder") << 01777;
+}
+
+void TestSafeFile::a_file_of_another_user_keeps_its_owner()
+{
+    // Only root can give files away.
+    QFETCH(int, folder_mode);
+    const uid_t other_user = geteuid() == 0 ? 12345 : geteuid();
+    Write_File(In("file"), "old and long");
+    const QByteArray path = QFile::encodeName(In("file"));
+    QVERIFY(chown(path.constData(), other_user, static_cast<gid_t>(-1)) == 0);
+    QVERIFY(chmod(QFile::encodeName(d_folder->path()).constData(),
+                  static_cast<mode_t>(folder_mode)) == 0);
+    QVERIFY(TSafeFile::Replace(In("file"), "new"));
+    struct stat state = {};
+    QVERIFY(stat(path.constData(), &state) == 0);
+    QCOMPARE(state.st_uid, other_user);
+    QCOMPARE(Read_File(In("file")), QByteArray("new"));
+    QCOMPARE(Entries(d_folder->path()), QStringList{"file"});
+}
+
+void TestSafeFile::a_failed_overwrite_leaves_the_complete_new_file_data()
+{
+    QTest::addColumn<bool>("has_other_owner");
+    QTest::newRow("two names") << false;
+    if (geteuid() == 0)
+        QTest::newRow("another owner") << true;
+}
+
+void TestSafeFile::a_failed_overwrite_leaves_the_complete_new_file()
+{
+    QFETCH(bool, has_other_owner);
+    constexpr uid_t other_user = 12345;
+    Write_File(In("file"), "old");
+    if (has_other_owner)
+        QVERIFY(chown(QFile::encodeName(In("file")).constData(), other_user, other_user) == 0);
+    else
+        Write_File_With_Two_Names("file");
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        // The message goes to standard error.
+        qInstallMessageHandler(nullptr);
+        TSafeFile file(In("file"));
+        Write_File(file.Path_To_Write(), QByteArray(2000, 'n'));
+        return file.Commit([](const QString&) {
+            Support::Limit_File_Size(1000);
+            return true;
+        })
+                   ? 1
+                   : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(In("file.new")), QByteArray(2000, 'n'));
+    QVERIFY2(result.error_output.contains(QFile::encodeName(In("file.new"))),
+             result.error_output.constData());
+    QVERIFY(!Entries(d_folder->path()).first().startsWith('.'));
+}
+
+void TestSafeFile::a_kill_while_overwriting_leaves_the_complete_new_file()
+{
+    Write_File_With_Two_Names("file");
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        TUnfinishedFile::Delete_On_Signals();
+        TSafeFile file(In("file"));
+        Write_File(file.Path_To_Write(), QByteArray(2000, 'n'));
+        return file.Commit([](const QString&) {
+            // The first byte beyond the limit raises SIGXFSZ.
+            std::signal(SIGXFSZ, [](int) { raise(SIGTERM); });
+            const rlimit limit = {1000, 1000};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            return true;
+        })
+                   ? 1
+                   : 0;
+    });
+    QCOMPARE(result.signal, SIGTERM);
+    QCOMPARE(Entries(d_folder->path()), QStringList({"file", "file.new", "two"}));
+    QCOMPARE(Read_File(In("file.new")), QByteArray(2000, 'n'));
+}
+
+void TestSafeFile::existing_files_named_like_the_new_one_stay()
+{
+    Write_File_With_Two_Names("file");
+    for (const char* const name : {"file.new", "file.new-2"})
+        Write_File(In(name), "of the user");
+    QVERIFY(TSafeFile::Replace(In("file"), "new"));
+    QCOMPARE(Read_File(In("file")), QByteArray("new"));
+    for (const char* const name : {"file.new", "file.new-2"})
+        QCOMPARE(Read_File(In(name)), QByteArray("of the user"));
+    QCOMPARE(Entries(d_folder->path()).size(), 4);
+}
+
+void TestSafeFile::without_a_visible_name_the_target_is_not_overwritten()
+{
+    // With a suffix it would exceed the 255 bytes of a file name.
+    const QString longest(254, 'n');
+    Write_File_With_Two_Names(longest);
+    QVERIFY(!TSafeFile::Replace(In(longest), "new"));
+    QCOMPARE(Read_File(In("two")), QByteArray("old and long"));
+    QCOMPARE(Entries(d_folder->path()).size(), 2);
 }
 
 void TestSafeFile::a_private_file_replaces_one_name_only()
