@@ -25,6 +25,7 @@ class QAction;
 class QByteArray;
 class QCloseEvent;
 class QDockWidget;
+class QFile;
 class QLabel;
 class QMenu;
 class QSettings;
@@ -160,6 +161,7 @@ private:
     // The safety net.
     void Set_Up_Safety_Net();
     void Show_Recovery_Notice();
+    bool Open_For_Saving(QFile* file, qint64 size);
     void Record_Change();
     void Copy_Pending_Work();
     void End_Recovery(bool loss_confirmed);

@@ -55,6 +55,7 @@ void TQuillet::Open_File(const QString& name)
     d_has_new_document = false;
     const bool is_legacy = LegacyFile::Is_Legacy(name);
     const QString path = is_legacy ? LegacyFile::Base_Name(name) : name;
+    const TFileStamp stamp = TFileStamp::Of(name);
     const bool loaded =
         Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
     // Not before loading: if the file crashes the program, the old work can still be recovered. A
@@ -62,7 +63,7 @@ void TQuillet::Open_File(const QString& name)
     if (d_has_new_document)
         End_Recovery(loss_confirmed);
     if (loaded)
-        d_safety_net->After_Open(name);
+        d_safety_net->After_Open(name, stamp);
     else
         Show_File_Error(tr("Error Loading Data"),
                         is_legacy ? tr("The legacy Quillet file cannot be loaded")
@@ -149,9 +150,8 @@ bool TQuillet::Write_Data(const QString& file_name)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
     progress.Update();
-    d_safety_net->Before_Save(file_name);
     QFile file(file_name);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!Open_For_Saving(&file, writer.Size()))
         return Fail(tr("Cannot open file for writing"));
     if (!fault.isEmpty())
         return Fail(fault);

@@ -69,6 +69,18 @@ void TQuillet::Copy_Pending_Work()
     d_safety_net->Copy_Pending(d_file_name);
 }
 
+/// Backs up a document and opens it for writing. Shows where the backup is if another program or
+/// window wrote the version that the save replaces.
+bool TQuillet::Open_For_Saving(QFile* file, qint64 size)
+{
+    QString other_version;
+    const bool is_open = d_safety_net->Open_For_Saving(file, size, &other_version);
+    if (!other_version.isEmpty())
+        statusBar()->showMessage(
+            tr("Another program changed the document. Its version is in %1").arg(other_version));
+    return is_open;
+}
+
 /// Ends the recovery copy of a document that another one replaces.
 /// @param loss_confirmed  the user agreed to lose unsaved changes, so the copy is deleted;
 /// otherwise

@@ -3,9 +3,39 @@
 #include "core/safefile.h"
 
 #include <QCryptographicHash>
+#include <QFile>
 #include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/xattr.h>
+#include <unistd.h>
 
 namespace {
+
+constexpr mode_t permissions = 07777;
+
+QByteArray System_Path(const QString& path)
+{
+    return QFile::encodeName(path);
+}
+
+/// Replaces an existing file.
+bool Rename(const QString& from, const QString& to)
+{
+    return std::rename(System_Path(from).constData(), System_Path(to).constData()) == 0;
+}
+
+/// Opens a file for writing that will be renamed to `document`.
+bool Open_As(const QString& path, QFile* document)
+{
+    const int descriptor = open(System_Path(path).constData(), O_WRONLY | O_CLOEXEC);
+    return descriptor >= 0 &&
+           document->open(descriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle);
+}
 
 /// The canonical path of a document, also of one that no longer exists.
 QString Document_Path(const QString& document)
@@ -25,6 +55,39 @@ QString Name_For(const QString& document)
             .toHex());
 }
 
+/// Whether a new file can replace a document without a visible difference: a regular file of this
+/// user with a single name, without extended attributes or an ACL, in a writable folder.
+/// @param own_links  number of further names in the backup folder.
+bool Is_Replaceable(const QString& document, const struct stat& state, int own_links)
+{
+    return S_ISREG(state.st_mode) && state.st_uid == geteuid() &&
+           state.st_nlink == nlink_t{1} + static_cast<nlink_t>(own_links) &&
+           llistxattr(System_Path(document).constData(), nullptr, 0) <= 0 &&
+           QFileInfo(QFileInfo(document).absolutePath()).isWritable();
+}
+
+/// Whether a file of the given size fits on the disk. Without room for two versions, only
+/// overwriting the old one can succeed.
+bool Has_Room(const QFile& file, qint64 size)
+{
+    struct statvfs disk = {};
+    return fstatvfs(file.handle(), &disk) == 0 &&
+           static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize) >=
+               static_cast<double>(size);
+}
+
+/// Gives a new file the group and permissions of another one; false if they still differ.
+bool Copy_Permissions(const struct stat& from, int descriptor)
+{
+    struct stat result = {};
+    // Changing the group may reset bits of the mode.
+    return fchown(descriptor, static_cast<uid_t>(-1), from.st_gid) == 0 &&
+           fchmod(descriptor, from.st_mode & permissions) == 0 && fstat(descriptor, &result) == 0 &&
+           result.st_uid == from.st_uid && result.st_gid == from.st_gid &&
+           (result.st_mode & permissions) == (from.st_mode & permissions) &&
+           flistxattr(descriptor, nullptr, 0) <= 0;
+}
+
 } // namespace
 
 TBackup::TBackup(const QString& folder, qint64 limit)
@@ -38,30 +101,79 @@ QString TBackup::Path_For(const QString& document) const
     return d_folder.Copy_Path(Name_For(document));
 }
 
-bool TBackup::Keep(const QString& document, bool force_to_disk) const
+std::optional<QString> TBackup::Keep(QFile* document, const TOptions& options) const
 {
-    const QFileInfo current(document);
+    const QString path = document->fileName();
+    const QFileInfo current(path);
     if (!current.isFile() || current.size() == 0 || !current.isWritable())
-        return true;
+        return QString();
     if (!d_folder.Prepare())
+        return std::nullopt;
+
+    TKeptNote note;
+    QString name = Name_For(path);
+    if (options.is_separate)
+        name = d_folder.Claim_Name(name + QLatin1Char('-'), &note);
+    else if (!note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Reuse))
+        name.clear(); // another process is backing up the same document
+    if (name.isEmpty())
+        return std::nullopt;
+    // On a full disk, a backup without the document's path is better than none.
+    note.Write(Document_Path(path));
+    const QString copy = d_folder.Copy_Path(name);
+    if (!Move(document, copy, options) && !Copy(path, copy, options.force_to_disk))
+        return std::nullopt;
+    Enforce_Limit(name);
+    return copy;
+}
+
+/// Makes the document's file the backup and replaces it by an empty one. On failure the document
+/// stays as it was.
+bool TBackup::Move(QFile* document, const QString& copy, const TOptions& options) const
+{
+    const QString path = document->fileName();
+    struct stat state = {};
+    if (lstat(System_Path(path).constData(), &state) != 0 ||
+        !Is_Replaceable(path, state, d_folder.Links_To(state)))
+        return false;
+    // In the backup folder, where Clean_Up() deletes it after a crash.
+    QTemporaryFile empty(d_folder.Unfinished_Template());
+    if (!empty.open())
+        return false;
+    const QString empty_path = empty.fileName();
+    const QString linked = d_folder.Unfinished_Path();
+    if (!Has_Room(empty, options.new_size) || !Copy_Permissions(state, empty.handle()) ||
+        link(System_Path(path).constData(), System_Path(linked).constData()) != 0)
         return false;
 
-    const QString name = Name_For(document);
-    TKeptNote note;
-    // The note is locked while another process backs up the same document.
-    if (!note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Reuse) ||
-        !note.Write(Document_Path(document)))
+    const bool is_moved = (!options.force_to_disk || TSafeFile::Sync(linked)) &&
+                          Open_As(empty_path, document) && Rename(linked, copy) &&
+                          (!options.force_to_disk || TSafeFile::Sync(QFileInfo(copy).path())) &&
+                          Rename(empty_path, path);
+    empty.setAutoRemove(!is_moved);
+    // After a failure. And if the previous backup is the same file, rename() leaves both names.
+    unlink(System_Path(linked).constData());
+    if (!is_moved) {
+        document->close();
         return false;
-    TSafeFile copy(d_folder.Copy_Path(name), TSafeFile::TKind::Private);
-    const auto is_complete = [&current](const QString& path) {
-        return TSafeFile::Is_Complete(path, current.size(), QByteArray());
-    };
-    if (!copy.Copy_From(document) ||
-        !copy.Commit(is_complete,
-                     force_to_disk ? TSafeFile::TReach::Disk : TSafeFile::TReach::System))
-        return false;
-    Enforce_Limit(name);
+    }
+    // Mode and time are those of a copy. Until now they belonged to the document.
+    chmod(System_Path(copy).constData(), S_IRUSR | S_IWUSR);
+    utimensat(AT_FDCWD, System_Path(copy).constData(), nullptr, 0);
     return true;
+}
+
+/// Copies a document.
+bool TBackup::Copy(const QString& document, const QString& path, bool force_to_disk)
+{
+    TSafeFile copy(path, TSafeFile::TKind::Private);
+    const qint64 size = QFileInfo(document).size();
+    const auto is_complete = [size](const QString& written) {
+        return TSafeFile::Is_Complete(written, size, QByteArray());
+    };
+    return copy.Copy_From(document) &&
+           copy.Commit(is_complete,
+                       force_to_disk ? TSafeFile::TReach::Disk : TSafeFile::TReach::System);
 }
 
 /// Deletes the oldest backups until the rest fits the limit. The newest one always stays.

@@ -4,22 +4,40 @@
 
 #include <QString>
 
+#include <optional>
+
+class QFile;
+
 /// Backups of saved documents: the content that the last save replaced, one backup per document.
+/// Versions that other programs wrote have backups of their own.
 class TBackup
 {
 public:
     /// Maximum size of all backups together, in bytes.
     static constexpr qint64 Default_Limit = 2LL * 1024 * 1024 * 1024;
 
+    /// How to back up a document.
+    struct TOptions
+    {
+        bool force_to_disk = true; ///< wait until the backup is on the disk
+        bool is_separate = false;  ///< under a new name, which later backups do not replace
+        qint64 new_size = 0;       ///< size of the version to be saved, in bytes
+    };
+
     /// @param folder  folder of the backups; created on first use.
     /// @param limit   maximum size of all backups in bytes; the oldest are deleted beyond it.
     explicit TBackup(const QString& folder, qint64 limit = Default_Limit);
 
-    /// Replaces the document's backup by a copy of its current content, cloned where the file
-    /// system supports it. True also if there is nothing to back up: a missing, empty or read-only
-    /// document, or no regular file.
-    /// @param force_to_disk  waits until the backup is on the disk.
-    bool Keep(const QString& document, bool force_to_disk) const;
+    /// Backs up the current content of a document that a save is about to replace.
+    ///
+    /// If possible, the file itself becomes the backup, and an empty file with the same permissions
+    /// replaces it, which is then open for writing. Otherwise the content is copied, cloned where
+    /// the file system supports it, and the document is not opened.
+    ///
+    /// At any time there is a complete file at the path of the document or of the backup.
+    /// @return  path of the backup; empty if there is nothing to back up: a missing, empty or
+    ///          read-only document, or no regular file. No value on failure.
+    std::optional<QString> Keep(QFile* document, const TOptions& options) const;
 
     /// Path of a document's backup, whether or not it exists.
     QString Path_For(const QString& document) const;
@@ -31,6 +49,8 @@ public:
     void Clean_Up() const { d_folder.Clean_Up(); }
 
 private:
+    bool Move(QFile* document, const QString& copy, const TOptions& options) const;
+    static bool Copy(const QString& document, const QString& path, bool force_to_disk);
     void Enforce_Limit(const QString& newest) const;
 
     TKeptFolder d_folder;

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -89,6 +90,50 @@ QString TKeptFolder::Copy_Path(const QString& name) const
 QString TKeptFolder::Note_Path(const QString& name) const
 {
     return d_path + QLatin1Char('/') + name + QLatin1String(note_suffix);
+}
+
+QString TKeptFolder::Claim_Name(const QString& prefix, TKeptNote* note) const
+{
+    const QString base =
+        prefix + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    // Several processes may start within a second, and clocks are set back.
+    constexpr int attempts = 100;
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
+        const QString name =
+            attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
+        if (!QFile::exists(Copy_Path(name)) &&
+            note->Open(Note_Path(name), TKeptNote::TExisting::Refuse))
+            return name;
+    }
+    return QString();
+}
+
+QString TKeptFolder::Unfinished_Template() const
+{
+    return d_path + QLatin1Char('/') + TSafeFile::Unfinished_Template();
+}
+
+QString TKeptFolder::Unfinished_Path() const
+{
+    QString path = Unfinished_Template();
+    for (int i = path.lastIndexOf(QLatin1Char('-')) + 1; i < path.size(); ++i)
+        path[i] = QLatin1Char(static_cast<char>('a' + QRandomGenerator::global()->bounded(26)));
+    return path;
+}
+
+int TKeptFolder::Links_To(const struct stat& file) const
+{
+    // The usual case costs nothing.
+    if (file.st_nlink == 1)
+        return 0;
+    int count = 0;
+    for (const TKeptFile& copy : List()) {
+        struct stat state = {};
+        if (lstat(QFile::encodeName(copy.path).constData(), &state) == 0 &&
+            state.st_dev == file.st_dev && state.st_ino == file.st_ino)
+            ++count;
+    }
+    return count;
 }
 
 void TKeptFolder::Remove(const QString& name) const

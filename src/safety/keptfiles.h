@@ -6,6 +6,8 @@
 
 #include <vector>
 
+struct stat;
+
 /// A safety copy: a project file in a folder beside the settings.
 struct TKeptFile
 {
@@ -57,6 +59,18 @@ public:
     /// Paths of the copy with the given name and of its note.
     QString Copy_Path(const QString& name) const;
     QString Note_Path(const QString& name) const;
+
+    /// Opens a new note and returns its unused name: the prefix and the local time. Empty on
+    /// failure.
+    QString Claim_Name(const QString& prefix, TKeptNote* note) const;
+
+    /// Template for QTemporaryFile, and an unused path, of a file that Clean_Up() deletes after a
+    /// crash.
+    QString Unfinished_Template() const;
+    QString Unfinished_Path() const;
+
+    /// Number of copies that are hard links to a file.
+    int Links_To(const struct stat& file) const;
 
     /// Deletes a copy and its note.
     void Remove(const QString& name) const;

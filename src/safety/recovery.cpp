@@ -47,7 +47,12 @@ QString TRecovery::Path() const
 
 bool TRecovery::Write(const TProjectWriter& project, const QString& document)
 {
-    if (!Is_Possible() || (d_name.isEmpty() && !Claim_Name()))
+    if (!Is_Possible())
+        return false;
+    // The name is just the time, so that the path fits into a narrow window.
+    if (d_name.isEmpty())
+        d_name = d_folder.Claim_Name(QString(), &d_note);
+    if (d_name.isEmpty())
         return false;
     // Save As may have changed the document's path since the last copy.
     if (document != d_document && d_note.Write(document))
@@ -57,25 +62,6 @@ bool TRecovery::Write(const TProjectWriter& project, const QString& document)
     const bool written = copy.Is_Beside() && ProjectFile::Commit(project, &copy);
     d_has_copy = d_has_copy || written;
     return written;
-}
-
-/// Creates and locks the note of a new copy. Its name is just the time, so that the path fits into
-/// a narrow window.
-bool TRecovery::Claim_Name()
-{
-    const QString base = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    // Several processes may start within a second, and clocks are set back.
-    constexpr int attempts = 100;
-    for (int attempt = 1; attempt <= attempts; ++attempt) {
-        const QString name =
-            attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
-        if (QFile::exists(d_folder.Copy_Path(name)) ||
-            !d_note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Refuse))
-            continue;
-        d_name = name;
-        return true;
-    }
-    return false;
 }
 
 void TRecovery::Discard()

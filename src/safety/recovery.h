@@ -74,7 +74,6 @@ public:
     void Remove_Abandoned(const QString& path) const;
 
 private:
-    bool Claim_Name();
     bool Is_Abandoned(const TKeptFile& file) const;
 
     TKeptFolder d_folder;

@@ -3,6 +3,7 @@
 #include "core/safefile.h"
 #include "src/format/projectfile.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include <cstdio>
@@ -67,19 +68,40 @@ void TSafetyNet::Copy(const QString& document)
     d_policy.Record_Copy(begin, d_clock.elapsed());
 }
 
-void TSafetyNet::Before_Save(const QString& document)
+bool TSafetyNet::Open_For_Saving(QFile* document, qint64 size, QString* other_version)
 {
+    Back_Up(document, size, other_version);
+    return document->isOpen() || document->open(QIODevice::WriteOnly);
+}
+
+void TSafetyNet::Back_Up(QFile* document, qint64 size, QString* other_version)
+{
+    const QString path = document->fileName();
+    const bool is_changed_elsewhere = Is_Changed_Elsewhere(path);
     // An incomplete file must not replace the backup of a complete one.
-    if (document == d_incomplete_path && !ProjectFile::Is_Whole(document))
+    if (!is_changed_elsewhere && path == d_incomplete_path && !ProjectFile::Is_Whole(path))
         return;
     // With a recovery copy on the disk there is no need to wait for the backup.
-    if (!d_backup.Keep(document, !d_recovery.Has_Copy()))
+    const std::optional<QString> backup =
+        d_backup.Keep(document, {!d_recovery.Has_Copy(), is_changed_elsewhere, size});
+    if (!backup)
         Report_Once(QStringLiteral("cannot write backups to"));
+    else if (is_changed_elsewhere)
+        *other_version = *backup;
+}
+
+/// Whether another program or window has changed a file since this one opened or saved it.
+bool TSafetyNet::Is_Changed_Elsewhere(const QString& document) const
+{
+    return d_stamp.Exists() && QFileInfo(d_stamped_path) == QFileInfo(document) &&
+           TFileStamp::Of(document) != d_stamp;
 }
 
 void TSafetyNet::After_Save(const QString& document, qint64 size)
 {
-    const bool is_whole = QFileInfo(document).size() == size && ProjectFile::Is_Whole(document);
+    d_stamped_path = document;
+    d_stamp = TFileStamp::Of(document);
+    const bool is_whole = d_stamp.size == size && ProjectFile::Is_Whole(document);
     // The saved file must be on the disk before a recovery copy is deleted.
     const bool replaces_copy = d_recovery.Has_Copy() || d_recovery.Contains(d_opened_path);
     if (!is_whole || (replaces_copy && !Sync_To_Disk(document))) {
@@ -105,7 +127,15 @@ void TSafetyNet::Release()
 {
     d_recovery.Release();
     d_opened_path.clear();
+    d_stamp = TFileStamp();
     Reset();
+}
+
+void TSafetyNet::After_Open(const QString& path, const TFileStamp& stamp)
+{
+    d_opened_path = path;
+    d_stamped_path = path;
+    d_stamp = stamp;
 }
 
 void TSafetyNet::Reset()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "src/safety/backup.h"
+#include "src/safety/filestamp.h"
 #include "src/safety/recovery.h"
 
 #include <QElapsedTimer>
@@ -8,6 +9,7 @@
 
 #include <functional>
 
+class QFile;
 class TProjectWriter;
 
 /// Protects the user's work: backs up the previous version of a saved document and writes recovery
@@ -41,8 +43,11 @@ public:
     /// dialog opens.
     void Copy_Pending(const QString& document);
 
-    /// Backs up a document that a save is about to replace.
-    void Before_Save(const QString& document);
+    /// Backs up the document that a save is about to replace, and opens it for writing.
+    /// @param size           size of the version to be saved, in bytes.
+    /// @param other_version  gets the path of the backup if another program has changed the
+    ///                       document since it was opened or saved.
+    bool Open_For_Saving(QFile* document, qint64 size, QString* other_version);
 
     /// Discards the recovery copy if the saved file is complete. Otherwise writes one, since the
     /// program counts the document as saved.
@@ -60,9 +65,12 @@ public:
 
     /// Records the file that the document was read from. If it is an abandoned recovery copy, that
     /// copy is deleted once the document has been saved elsewhere.
-    void After_Open(const QString& path) { d_opened_path = path; }
+    /// @param stamp  the file's stamp before it was read.
+    void After_Open(const QString& path, const TFileStamp& stamp);
 
 private:
+    void Back_Up(QFile* document, qint64 size, QString* other_version);
+    bool Is_Changed_Elsewhere(const QString& document) const;
     void Copy(const QString& document);
     void Reset();
     void Report_Once(const QString& problem);
@@ -74,6 +82,8 @@ private:
     TCopyPolicy d_policy;
     QElapsedTimer d_clock;
     QString d_opened_path;     ///< file that the document was read from or saved to
+    QString d_stamped_path;    ///< file that was last opened or saved
+    TFileStamp d_stamp;        ///< of that file, after it was opened or saved
     QString d_incomplete_path; ///< target of the last save, if it was left incomplete
     bool d_is_pending = false; ///< there are changes that the recovery copy does not have
     bool d_has_reported = false;

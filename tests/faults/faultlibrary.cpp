@@ -281,6 +281,12 @@ int rename(const char* from, const char* to)
     return Disturbed_Rename("rename", from, to, [&] { return next(from, to); });
 }
 
+int link(const char* from, const char* to)
+{
+    static const auto next = Next<int (*)(const char*, const char*)>("link");
+    return Disturbed_Rename("link", from, to, [&] { return next(from, to); });
+}
+
 int linkat(int from_folder, const char* from, int to_folder, const char* to, int flags)
 {
     static const auto next = Next<int (*)(int, const char*, int, const char*, int)>("linkat");

@@ -15,7 +15,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
 #include <dlfcn.h>
+#include <unistd.h>
 
 using Support::Empty_Project;
 using Support::Read_File;
@@ -34,15 +36,21 @@ private slots:
     void a_new_file_is_synced_then_renamed_then_its_folder_is_synced();
     void a_failing_sync_leaves_the_old_file_data() { Add_Operations(); }
     void a_failing_sync_leaves_the_old_file();
+    void the_backup_is_on_the_disk_before_the_document_is_replaced();
     void the_backup_is_on_the_disk_before_the_document_is_truncated();
     void the_backup_is_not_synced_while_there_is_a_recovery_copy();
+    void a_backup_that_cannot_be_synced_or_renamed_is_copied_data();
+    void a_backup_that_cannot_be_synced_or_renamed_is_copied();
+    void a_kill_while_the_backup_is_made_leaves_the_document_data();
+    void a_kill_while_the_backup_is_made_leaves_the_document();
+    void a_file_with_two_names_is_overwritten_from_a_complete_visible_file();
     void the_saved_file_is_on_the_disk_before_the_recovery_copy_is_deleted();
     void the_saved_file_is_on_the_disk_before_the_opened_recovery_copy_is_deleted();
     void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy_data();
     void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy();
     void a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy();
     void saved_files_are_synced_only_for_a_recovery_copy();
-    void a_note_that_cannot_be_written_fails_the_backup();
+    void a_note_that_cannot_be_written_does_not_fail_the_backup();
     void the_file_system_copies_where_it_can_data();
     void the_file_system_copies_where_it_can();
     void a_copy_that_the_file_system_does_not_finish_is_complete();
@@ -50,6 +58,7 @@ private slots:
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
     static void Add_Operations();
+    bool Keep(const QString& document) const;
     bool Write_New_File(const QString& operation, int label_size);
     QString Target(const QString& operation) const;
     std::unique_ptr<TSafetyNet> Net() const;
@@ -111,8 +120,14 @@ void TestDurability::cleanup()
 void TestDurability::Add_Operations()
 {
     QTest::addColumn<QString>("operation");
-    for (const char* const operation : {"backup", "recovery copy", "file"})
+    for (const char* const operation : {"copied backup", "recovery copy", "file"})
         QTest::newRow(operation) << operation;
+}
+
+bool TestDurability::Keep(const QString& document) const
+{
+    QFile file(document);
+    return TBackup(In("settings/backup")).Keep(&file, {true, false, 0}).has_value();
 }
 
 bool TestDurability::Write_New_File(const QString& operation, int label_size)
@@ -121,8 +136,11 @@ bool TestDurability::Write_New_File(const QString& operation, int label_size)
         return TSafeFile::Replace(In("documents/a.quillet"), Empty_Project(label_size));
     if (operation == "recovery copy")
         return d_recovery->Write(Project(label_size), In("documents/a.quillet"));
+    // Files with two names are copied.
     Write_File(In("documents/a.quillet"), Empty_Project(label_size));
-    return TBackup(In("settings/backup")).Keep(In("documents/a.quillet"), true);
+    link(QFile::encodeName(In("documents/a.quillet")).constData(),
+         QFile::encodeName(In("documents/link")).constData());
+    return Keep(In("documents/a.quillet"));
 }
 
 QString TestDurability::Target(const QString& operation) const
@@ -144,8 +162,11 @@ std::unique_ptr<TSafetyNet> TestDurability::Net() const
 void TestDurability::Save(TSafetyNet* net) const
 {
     const QString document = In("documents/a.quillet");
-    net->Before_Save(document);
-    Write_File(document, Empty_Project(40));
+    QFile file(document);
+    QString other_version;
+    QVERIFY(net->Open_For_Saving(&file, Empty_Project(40).size(), &other_version));
+    file.write(Empty_Project(40));
+    file.close();
     net->After_Save(document, Empty_Project(40).size());
 }
 
@@ -200,8 +221,33 @@ void TestDurability::a_failing_sync_leaves_the_old_file()
     QCOMPARE(Logged("rename"), QStringList());
 }
 
+void TestDurability::the_backup_is_on_the_disk_before_the_document_is_replaced()
+{
+    const auto net = Net();
+    for (int save = 0; save < 2; ++save) {
+        Arm(Faults::Sync, Faults::Fail, 0);
+        Save(net.get());
+        QCOMPARE(Disarm(), 2);
+        const QString backup =
+            QDir(d_folder->path())
+                .relativeFilePath(
+                    TBackup(In("settings/backup")).Path_For(In("documents/a.quillet")));
+        QCOMPARE(Logged("truncate|sync|rename|link|unlink").filter("a.quillet").last(),
+                 "rename settings/backup/NEW documents/a.quillet");
+        QCOMPARE(
+            Logged("sync|rename|write"),
+            QStringList({"write " + QString(backup).replace(".quillet", ".note"),
+                         "sync settings/backup/NEW", "rename settings/backup/NEW " + backup,
+                         "sync settings/backup", "rename settings/backup/NEW documents/a.quillet",
+                         "write documents/a.quillet"}));
+    }
+}
+
 void TestDurability::the_backup_is_on_the_disk_before_the_document_is_truncated()
 {
+    // A document with two names is overwritten in place.
+    link(QFile::encodeName(In("documents/a.quillet")).constData(),
+         QFile::encodeName(In("documents/link")).constData());
     const auto net = Net();
     Arm(Faults::Sync, Faults::Fail, 0);
     Save(net.get());
@@ -218,9 +264,99 @@ void TestDurability::the_backup_is_not_synced_while_there_is_a_recovery_copy()
     const auto net = Net();
     net->Record_Change(In("documents/a.quillet"));
     Arm(Faults::Sync, Faults::Fail, 0);
-    net->Before_Save(In("documents/a.quillet"));
+    QFile file(In("documents/a.quillet"));
+    QString other_version;
+    QVERIFY(net->Open_For_Saving(&file, 1, &other_version));
     QCOMPARE(Disarm(), 0);
-    QCOMPARE(Logged("rename").size(), 1);
+    QCOMPARE(Logged("rename").size(), 2);
+}
+
+void TestDurability::a_backup_that_cannot_be_synced_or_renamed_is_copied_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::addColumn<int>("at");
+    QTest::newRow("linking fails") << static_cast<int>(Faults::Rename) << 2;
+    QTest::newRow("syncing the document fails") << static_cast<int>(Faults::Sync) << 1;
+    QTest::newRow("renaming fails") << static_cast<int>(Faults::Rename) << 3;
+    QTest::newRow("syncing the folder fails") << static_cast<int>(Faults::Sync) << 2;
+    QTest::newRow("replacing the document fails") << static_cast<int>(Faults::Rename) << 4;
+}
+
+void TestDurability::a_backup_that_cannot_be_synced_or_renamed_is_copied()
+{
+    QFETCH(int, call);
+    QFETCH(int, at);
+    const QString document = In("documents/a.quillet");
+    QVERIFY(Keep(document));
+    Write_File(document, Empty_Project(40));
+    Arm(static_cast<Faults::TCall>(call), Faults::Fail, at);
+    QFile file(document);
+    const std::optional<QString> copy =
+        TBackup(In("settings/backup")).Keep(&file, {true, false, 0});
+    QVERIFY(Disarm() > at);
+    QVERIFY(copy.has_value());
+    QVERIFY(!file.isOpen());
+    QCOMPARE(Read_File(document), Empty_Project(40));
+    QCOMPARE(Read_File(*copy), Empty_Project(40));
+    // Neither is the other: overwriting the document leaves the backup.
+    Write_File(document, "x");
+    QCOMPARE(Read_File(*copy), Empty_Project(40));
+    QCOMPARE(Support::Entries(In("settings/backup")).size(), 2);
+    QCOMPARE(Support::Entries(In("documents")), QStringList{"a.quillet"});
+}
+
+void TestDurability::a_kill_while_the_backup_is_made_leaves_the_document_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("at");
+    // The file for the new version gets its name, the document gets a second one, which replaces
+    // the previous backup; then the new file replaces the document.
+    for (int at = 1; at <= 4; ++at) {
+        QTest::addRow("before call %d", at) << static_cast<int>(Faults::Kill) << at;
+        QTest::addRow("after call %d", at) << static_cast<int>(Faults::Kill_After) << at;
+    }
+}
+
+void TestDurability::a_kill_while_the_backup_is_made_leaves_the_document()
+{
+    QFETCH(int, kind);
+    QFETCH(int, at);
+    const QString document = In("documents/a.quillet");
+    QVERIFY(Keep(document));
+    Write_File(document, Empty_Project(40));
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        Arm(Faults::Rename, static_cast<Faults::TKind>(kind), at);
+        Keep(document);
+        return 0;
+    });
+    QCOMPARE(result.signal, SIGKILL);
+    const TBackup backup(In("settings/backup"));
+    const bool is_replaced = kind == Faults::Kill_After && at == 4;
+    QCOMPARE(Read_File(document), is_replaced ? QByteArray() : Empty_Project(40));
+    QVERIFY(!is_replaced || Read_File(backup.Path_For(document)) == Empty_Project(40));
+    // The next save backs up the document again, and the next start cleans up.
+    if (!is_replaced)
+        QVERIFY(Keep(document));
+    QCOMPARE(Read_File(backup.Path_For(document)), Empty_Project(40));
+    for (const QString& name : Support::Entries(In("settings/backup")))
+        Support::Make_Old(In("settings/backup/") + name, 3600);
+    backup.Clean_Up();
+    QCOMPARE(Support::Entries(In("settings/backup")).size(), 2);
+    QCOMPARE(Support::Entries(In("documents")), QStringList{"a.quillet"});
+}
+
+void TestDurability::a_file_with_two_names_is_overwritten_from_a_complete_visible_file()
+{
+    Write_File(In("documents/target"), "old");
+    link(QFile::encodeName(In("documents/target")).constData(),
+         QFile::encodeName(In("documents/link")).constData());
+    Arm(Faults::Sync, Faults::Fail, 0);
+    QVERIFY(TSafeFile::Replace(In("documents/target"), "new"));
+    Disarm();
+    QCOMPARE(
+        Logged("sync|truncate|unlink"),
+        QStringList({"truncate documents/NEW", "sync documents/NEW", "truncate documents/target",
+                     "sync documents/target", "unlink documents/target.new", "sync documents"}));
 }
 
 void TestDurability::the_saved_file_is_on_the_disk_before_the_recovery_copy_is_deleted()
@@ -244,7 +380,7 @@ void TestDurability::the_saved_file_is_on_the_disk_before_the_opened_recovery_co
     const QString copy = Only_Recovery_Copy();
     QVERIFY(!copy.isEmpty());
     const auto net = Net();
-    net->After_Open(In(copy));
+    net->After_Open(In(copy), TFileStamp::Of(In(copy)));
     Arm(Faults::Sync, Faults::Fail, 0);
     Save(net.get());
     Disarm();
@@ -282,8 +418,8 @@ void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_
     Net()->Record_Change(QString());
     const QString copy = Only_Recovery_Copy();
     const auto net = Net();
-    net->After_Open(In(copy));
-    net->Before_Save(In("documents/a.quillet"));
+    net->After_Open(In(copy), TFileStamp::Of(In(copy)));
+    Write_File(In("documents/a.quillet"), Empty_Project());
     Arm(Faults::Sync, Faults::Fail, 1);
     net->After_Save(In("documents/a.quillet"), Empty_Project().size());
     Disarm();
@@ -294,7 +430,7 @@ void TestDurability::saved_files_are_synced_only_for_a_recovery_copy()
 {
     Net()->Record_Change(QString());
     const auto net = Net();
-    net->After_Open(In(Only_Recovery_Copy()));
+    net->After_Open(In(Only_Recovery_Copy()), TFileStamp());
     QList<int> syncs;
     for (int i = 0; i < 2; ++i) {
         Arm(Faults::Sync, Faults::Fail, 0);
@@ -305,17 +441,19 @@ void TestDurability::saved_files_are_synced_only_for_a_recovery_copy()
     QCOMPARE(syncs, QList<int>({2, 0}));
 }
 
-void TestDurability::a_note_that_cannot_be_written_fails_the_backup()
+void TestDurability::a_note_that_cannot_be_written_does_not_fail_the_backup()
 {
-    const TBackup backup(In("settings/backup"));
     const QString document = In("documents/a.quillet");
-    QVERIFY(backup.Keep(document, false));
+    QVERIFY(Keep(document));
     Write_File(document, Empty_Project(40));
     Arm(Faults::Write, Faults::Fail, 1);
-    const bool kept = backup.Keep(document, false);
+    const bool kept = Keep(document);
     QVERIFY(Disarm() > 0);
-    QVERIFY(!kept);
-    QCOMPARE(Read_File(backup.Path_For(document)), Empty_Project(32));
+    QVERIFY(kept);
+    const TKeptFile backup = TBackup(In("settings/backup")).List().front();
+    QCOMPARE(Read_File(backup.path), Empty_Project(40));
+    // The note of the previous backup has the same path.
+    QCOMPARE(backup.document, document);
 }
 
 void TestDurability::the_file_system_copies_where_it_can_data()
@@ -342,17 +480,18 @@ void TestDurability::the_file_system_copies_where_it_can()
 
 void TestDurability::a_copy_that_the_file_system_does_not_finish_is_complete()
 {
-    const TBackup backup(In("settings/backup"));
     const QString document = In("documents/a.quillet");
+    link(QFile::encodeName(document).constData(),
+         QFile::encodeName(In("documents/link")).constData());
     QByteArray content;
     for (int i = 0; i < 300000; ++i)
         content += QByteArray::number(i);
     Write_File(document, content);
     Arm(Faults::Clone, Faults::Short, 1);
-    const bool kept = backup.Keep(document, true);
+    const bool kept = Keep(document);
     QVERIFY(Disarm() > 0);
     QVERIFY(kept);
-    QVERIFY(Read_File(backup.Path_For(document)) == content);
+    QVERIFY(Read_File(TBackup(In("settings/backup")).Path_For(document)) == content);
 }
 
 QTEST_MAIN(TestDurability)

@@ -157,6 +157,9 @@ void TestFaults::Run(const QString& operation)
 {
     if (operation == "save") {
         d_window->File_Save();
+    } else if (operation == "save without recovery copy") {
+        d_window->d_safety_net->Discard();
+        d_window->File_Save();
     } else if (operation == "copy of the work") {
         d_window->Add_Item(QPointF(60, 100));
         d_window->Copy_Pending_Work();
@@ -191,9 +194,11 @@ int TestFaults::Best_Copy() const
 /// What a try lost; empty when nothing.
 QString TestFaults::Loss(const QString& operation) const
 {
-    // The recovery copy has the label that was added before the fault. Before the first copy there
-    // is only the saved document.
-    const int wanted = operation.startsWith("first") ? labels_before : labels_before + 1;
+    // The recovery copy has the label that was added before the fault. Without a recovery copy
+    // there is only the saved document.
+    const bool has_copy =
+        operation != "save without recovery copy" && !operation.startsWith("first");
+    const int wanted = has_copy ? labels_before + 1 : labels_before;
     if (Best_Copy() < wanted)
         return QString("%1 labels are left").arg(Best_Copy());
     for (const QString& name : QDir(In("out")).entryList(QDir::Files)) {
@@ -221,8 +226,8 @@ void TestFaults::the_document_survives_data()
     QTest::addColumn<int>("call");
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("least_tries");
-    for (const char* const operation :
-         {"save", "copy of the work", "first copy of the work", "PDF export", "image export"}) {
+    for (const char* const operation : {"save", "save without recovery copy", "copy of the work",
+                                        "first copy of the work", "PDF export", "image export"}) {
         for (const TFaultKind& fault : fault_kinds)
             QTest::addRow("%s, %s", operation, fault.name)
                 << operation << fault.name << static_cast<int>(fault.call)
@@ -277,8 +282,8 @@ void TestFaults::the_document_survives()
 void TestFaults::a_full_disk_leaves_the_document_data()
 {
     QTest::addColumn<QString>("operation");
-    for (const char* const operation :
-         {"save", "copy of the work", "first copy of the work", "PDF export", "image export"})
+    for (const char* const operation : {"save", "save without recovery copy", "copy of the work",
+                                        "first copy of the work", "PDF export", "image export"})
         QTest::newRow(operation) << operation;
 }
 

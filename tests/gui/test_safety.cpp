@@ -43,6 +43,12 @@ private slots:
     void a_modal_dialog_copies_pending_changes();
     void a_save_deletes_the_copy();
     void a_save_backs_up_the_previous_version();
+    void two_windows_on_one_document_keep_both_versions();
+    void a_document_that_was_replaced_while_open_is_kept_separately();
+    void a_document_that_was_deleted_while_open_is_saved_again();
+    void a_document_that_became_unreachable_while_open_leaves_a_copy();
+    void a_document_on_another_file_system_is_backed_up();
+    void a_saved_document_keeps_its_permissions();
     void a_failed_save_leaves_a_copy();
     void an_incomplete_save_leaves_a_copy_and_counts_as_saved();
     void a_copy_leaves_out_characters_that_xml_does_not_allow();
@@ -85,6 +91,7 @@ private:
     void Open(const QString& path);
     int Labels_In(const QString& path);
     QString Notice() const;
+    QString Other_Version() const;
     void Mark_Saved();
 
     std::unique_ptr<QTemporaryDir> d_folder;
@@ -350,6 +357,111 @@ void TestSafety::a_save_backs_up_the_previous_version()
     d_window->File_Save();
     QVERIFY(Read_File(backup.Path_For(In("a.quillet"))) == first);
     QVERIFY(Read_File(In("a.quillet")) != first);
+}
+
+void TestSafety::two_windows_on_one_document_keep_both_versions()
+{
+    Make_Document();
+    Save_As(In("a.quillet"));
+    TOpenWindow other;
+    other.Open_File(In("a.quillet"));
+    other.Add_Item(QPointF(10, 10));
+    other.Add_Item(QPointF(20, 20));
+    other.File_Save();
+    QCOMPARE(other.statusBar()->currentMessage(), QString());
+
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->File_Save();
+    QCOMPARE(Labels_In(In("a.quillet")), 1);
+    QCOMPARE(Labels_In(Other_Version()), 2);
+    // The previous version that this window saved is still there, too.
+    QCOMPARE(Labels_In(TBackup(Settings() + "/backup").Path_For(In("a.quillet"))), 0);
+
+    const QString kept = Other_Version();
+    d_window->statusBar()->clearMessage();
+    d_window->Add_Item(QPointF(70, 60));
+    d_window->File_Save();
+    QCOMPARE(Other_Version(), QString());
+    QCOMPARE(Labels_In(kept), 2);
+}
+
+/// Path of the backup in the status bar's message; empty if there is none.
+QString TestSafety::Other_Version() const
+{
+    const QString begin = "Another program changed the document. Its version is in ";
+    const QString message = d_window->statusBar()->currentMessage();
+    return message.startsWith(begin) ? message.mid(begin.size()) : QString();
+}
+
+void TestSafety::a_document_that_was_replaced_while_open_is_kept_separately()
+{
+    Make_Document();
+    Save_As(In("a.quillet"));
+    Open_Window();
+    Open(In("a.quillet"));
+    Support::Write_File(In("new"), Support::Empty_Project(77));
+    QVERIFY(QFile::remove(In("a.quillet")) && QFile::rename(In("new"), In("a.quillet")));
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->File_Save();
+    QCOMPARE(Labels_In(In("a.quillet")), 1);
+    QCOMPARE(Read_File(Other_Version()), Support::Empty_Project(77));
+}
+
+void TestSafety::a_document_that_was_deleted_while_open_is_saved_again()
+{
+    Make_Document();
+    Save_As(In("a.quillet"));
+    QVERIFY(QFile::remove(In("a.quillet")));
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->File_Save();
+    QCOMPARE(Labels_In(In("a.quillet")), 1);
+    QCOMPARE(Copies(), QStringList());
+    QCOMPARE(Other_Version(), QString());
+}
+
+void TestSafety::a_document_that_became_unreachable_while_open_leaves_a_copy()
+{
+    Make_Document();
+    QVERIFY(QDir(d_folder->path()).mkdir("disk"));
+    Save_As(In("disk/a.quillet"));
+    QVERIFY(QDir(d_folder->path()).rename("disk", "unmounted"));
+    d_window->Add_Item(QPointF(50, 60));
+    QCOMPARE(Run_Answering([this] { d_window->File_Save(); }, {Support::Press(QMessageBox::Ok)}),
+             QString());
+    QCOMPARE(d_window->d_error_text, QString("Cannot open file for writing"));
+    QCOMPARE(Labels_In(Only_Copy()), 1);
+    QCOMPARE(Labels_In(In("unmounted/a.quillet")), 0);
+
+    QVERIFY(QDir(d_folder->path()).rename("unmounted", "disk"));
+    d_window->File_Save();
+    QCOMPARE(Labels_In(In("disk/a.quillet")), 1);
+    QCOMPARE(Copies(), QStringList());
+    QCOMPARE(Other_Version(), QString());
+}
+
+void TestSafety::a_document_on_another_file_system_is_backed_up()
+{
+    QTemporaryDir other("/dev/shm/quillet-XXXXXX");
+    QVERIFY(other.isValid());
+    const QString path = other.filePath("a.quillet");
+    Make_Document();
+    Save_As(path);
+    d_window->Add_Item(QPointF(50, 60));
+    d_window->File_Save();
+    QCOMPARE(Labels_In(path), 1);
+    QCOMPARE(Labels_In(TBackup(Settings() + "/backup").Path_For(path)), 0);
+    QCOMPARE(Other_Version(), QString());
+}
+
+void TestSafety::a_saved_document_keeps_its_permissions()
+{
+    Make_Document();
+    Save_As(In("a.quillet"));
+    for (const mode_t mode : {0640, 0600, 0666}) {
+        QVERIFY(chmod(QFile::encodeName(In("a.quillet")).constData(), mode) == 0);
+        d_window->File_Save();
+        QCOMPARE(Support::Mode(In("a.quillet")), QString::number(mode, 8));
+    }
 }
 
 void TestSafety::a_failed_save_leaves_a_copy()

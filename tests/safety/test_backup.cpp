@@ -1,4 +1,5 @@
-// Backups of saved documents: content, name, list and total size.
+// Backups of saved documents: content, name, list and total size; and which kinds of files become
+// backups themselves instead of being copied.
 
 #include "src/safety/backup.h"
 #include "support/support.h"
@@ -8,6 +9,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <limits>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
 
 using Support::Entries;
 using Support::Make_Old;
@@ -43,13 +49,46 @@ private slots:
     void a_backup_that_another_process_is_writing_stays();
     void stale_files_of_ended_processes_are_deleted();
 
+    void a_plain_file_becomes_the_backup_and_an_empty_one_replaces_it();
+    void a_plain_file_becomes_the_backup_in_a_sticky_folder();
+    void the_new_file_has_the_permissions_of_the_old_one_data();
+    void the_new_file_has_the_permissions_of_the_old_one();
+    void other_kinds_of_files_are_copied_and_stay_data();
+    void other_kinds_of_files_are_copied_and_stay();
+    void a_document_on_another_file_system_is_copied();
+    void a_document_in_a_read_only_folder_is_copied();
+    void a_document_that_leaves_no_room_for_a_second_version_is_copied();
+    void a_document_that_an_interrupted_save_linked_becomes_the_backup();
+    void the_time_of_a_backup_is_that_of_the_save();
+    void a_separate_backup_stays_when_the_next_one_is_made();
+    void separate_backups_count_towards_the_limit();
+
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
     QString Document(const QString& name, const QByteArray& content) const;
+    bool Keep(const QString& document, bool force_to_disk = false) const
+    {
+        QFile file(document);
+        return Backup().Keep(&file, {force_to_disk, false, 0}).has_value();
+    }
+    bool Keep_Limited(const QString& document, qint64 limit) const
+    {
+        QFile file(document);
+        return Backup(limit).Keep(&file, {false, false, 0}).has_value();
+    }
+    QString Keep_Separately(const QString& document) const
+    {
+        QFile file(document);
+        return Backup().Keep(&file, {false, true, 0}).value_or(QString());
+    }
+    bool Moves(const QString& document, qint64 new_size = 0) const;
     TBackup Backup(qint64 limit = TBackup::Default_Limit) const
     {
         return TBackup(In("settings/backup"), limit);
     }
+
+    static void Add_Name(const QString& document);
+    static ino_t Inode(const QString& path);
 
     std::unique_ptr<QTemporaryDir> d_folder;
 };
@@ -76,16 +115,16 @@ QString TestBackup::Document(const QString& name, const QByteArray& content) con
 void TestBackup::a_backup_has_the_documents_content()
 {
     const QString document = Document("a.quillet", "version one");
-    QVERIFY(Backup().Keep(document, true));
+    QVERIFY(Keep(document, true));
     QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version one"));
 }
 
 void TestBackup::each_document_has_one_backup()
 {
     const QString document = Document("a.quillet", "version one, the longer one");
-    QVERIFY(Backup().Keep(document, false));
+    QVERIFY(Keep(document));
     Document("a.quillet", "version two");
-    QVERIFY(Backup().Keep(document, false));
+    QVERIFY(Keep(document));
     QCOMPARE(Backup().List().size(), size_t(1));
     QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version two"));
     QCOMPARE(Entries(In("settings/backup")).size(), 2);
@@ -95,7 +134,7 @@ void TestBackup::documents_do_not_share_a_backup()
 {
     const QString first = Document("a.quillet", "a");
     const QString second = Document("b.quillet", "b");
-    QVERIFY(Backup().Keep(first, false) && Backup().Keep(second, false));
+    QVERIFY(Keep(first) && Keep(second));
     QCOMPARE(Read_File(Backup().Path_For(first)), QByteArray("a"));
     QCOMPARE(Read_File(Backup().Path_For(second)), QByteArray("b"));
 }
@@ -113,7 +152,7 @@ void TestBackup::there_is_no_backup_of_a_missing_or_empty_file()
     QFETCH(QString, name);
     Document("empty.quillet", QByteArray());
     QVERIFY(QDir(In("documents")).mkdir("folder"));
-    QVERIFY(Backup().Keep(In("documents/" + name), true));
+    QVERIFY(Keep(In("documents/" + name), true));
     QVERIFY(Backup().List().empty());
 }
 
@@ -123,7 +162,7 @@ void TestBackup::there_is_no_backup_of_a_read_only_document()
     QVERIFY(QFile::setPermissions(document, QFile::ReadOwner));
     const Support::TChildResult result = Support::Run_In_Child([&] {
         Support::Obey_File_Permissions();
-        return Backup().Keep(document, false) && Backup().List().empty() ? 0 : 1;
+        return Keep(document) && Backup().List().empty() ? 0 : 1;
     });
     QCOMPARE(result.exit_code, 0);
 }
@@ -132,7 +171,7 @@ void TestBackup::every_path_of_a_document_has_the_same_backup()
 {
     const QString document = Document("a.quillet", "content");
     QVERIFY(QFile::link(In("documents"), In("other")));
-    QVERIFY(Backup().Keep(In("other/../documents/./a.quillet"), false));
+    QVERIFY(Keep(In("other/../documents/./a.quillet")));
     QCOMPARE(Backup().Path_For(In("other/a.quillet")), Backup().Path_For(document));
     QCOMPARE(Backup().List().front().document, QFileInfo(document).canonicalFilePath());
 }
@@ -141,7 +180,7 @@ void TestBackup::a_deleted_document_still_has_its_backup()
 {
     const QString document = Document("a.quillet", "content");
     QVERIFY(QFile::link(In("documents"), In("other")));
-    QVERIFY(Backup().Keep(document, false));
+    QVERIFY(Keep(document));
     QVERIFY(QFile::remove(document));
     QCOMPARE(Read_File(Backup().Path_For(In("other/a.quillet"))), QByteArray("content"));
 }
@@ -151,7 +190,7 @@ void TestBackup::the_list_has_document_time_and_size_newest_first()
     const QString names[] = {"a.quillet", "b.quillet", "c.quillet"};
     const int ages[] = {300, 100, 200};
     for (int i = 0; i < 3; ++i) {
-        QVERIFY(Backup().Keep(Document(names[i], QByteArray(i + 1, 'x')), false));
+        QVERIFY(Keep(Document(names[i], QByteArray(i + 1, 'x'))));
         Make_Old(Backup().Path_For(In("documents/" + names[i])), ages[i]);
     }
     const std::vector<TKeptFile> list = Backup().List();
@@ -172,7 +211,7 @@ void TestBackup::the_oldest_backups_are_deleted_beyond_the_limit()
     const char* const names[] = {"a", "b", "c", "d"};
     for (int i = 0; i < 4; ++i) {
         const QString document = Document(names[i], QByteArray(100, 'x'));
-        QVERIFY(Backup(250).Keep(document, false));
+        QVERIFY(Keep_Limited(document, 250));
         Make_Old(Backup().Path_For(document), 1000 - i);
     }
     QStringList left;
@@ -185,18 +224,18 @@ void TestBackup::the_oldest_backups_are_deleted_beyond_the_limit()
 void TestBackup::backups_that_add_up_to_the_limit_stay()
 {
     for (const char* const name : {"a", "b", "c"})
-        QVERIFY(Backup(300).Keep(Document(name, QByteArray(100, 'x')), false));
+        QVERIFY(Keep_Limited(Document(name, QByteArray(100, 'x')), 300));
     QCOMPARE(Backup().List().size(), size_t(3));
     // One byte more is too much.
-    QVERIFY(Backup(300).Keep(Document("c", QByteArray(101, 'x')), false));
+    QVERIFY(Keep_Limited(Document("c", QByteArray(101, 'x')), 300));
     QCOMPARE(Backup().List().size(), size_t(2));
 }
 
 void TestBackup::the_newest_backup_stays_even_beyond_the_limit()
 {
-    QVERIFY(Backup(250).Keep(Document("small", "x"), false));
+    QVERIFY(Keep_Limited(Document("small", "x"), 250));
     const QString large = Document("large", QByteArray(1000, 'x'));
-    QVERIFY(Backup(250).Keep(large, false));
+    QVERIFY(Keep_Limited(large, 250));
     QCOMPARE(Backup().List().size(), size_t(1));
     QCOMPARE(Backup().List().front().document, large);
 }
@@ -210,7 +249,7 @@ void TestBackup::folder_and_files_are_accessible_to_their_owner_only()
     QVERIFY(QFile::setPermissions(In("settings/backup"), QFile::ReadOwner | QFile::WriteOwner |
                                                              QFile::ExeOwner | QFile::ReadOther |
                                                              QFile::ExeOther));
-    QVERIFY(Backup().Keep(document, true));
+    QVERIFY(Keep(document, true));
     QCOMPARE(Mode(In("settings/backup")), QString("700"));
     const QStringList files = Entries(In("settings/backup"));
     QCOMPARE(files.size(), 2);
@@ -233,7 +272,7 @@ void TestBackup::a_folder_that_is_a_link_is_refused()
     if (link != "settings")
         QVERIFY(QDir(d_folder->path()).mkdir("settings"));
     QVERIFY(QFile::link(In("elsewhere"), In(link)));
-    QVERIFY(!Backup().Keep(Document("a.quillet", "content"), false));
+    QVERIFY(!Keep(Document("a.quillet", "content")));
     QCOMPARE(Entries(In("elsewhere")), QStringList{"backup"});
     QVERIFY(Entries(In("elsewhere/backup")).isEmpty());
 }
@@ -241,11 +280,12 @@ void TestBackup::a_folder_that_is_a_link_is_refused()
 void TestBackup::a_failed_backup_leaves_the_previous_one()
 {
     const QString document = Document("a.quillet", "version one");
-    QVERIFY(Backup().Keep(document, false));
+    QVERIFY(Keep(document));
     Document("a.quillet", QByteArray(5000, 'x'));
+    Add_Name(document);
     const Support::TChildResult result = Support::Run_In_Child([&] {
         Support::Limit_File_Size(4000);
-        return Backup().Keep(document, false) ? 1 : 0;
+        return Keep(document) ? 1 : 0;
     });
     QCOMPARE(result.exit_code, 0);
     QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version one"));
@@ -255,14 +295,14 @@ void TestBackup::a_failed_backup_leaves_the_previous_one()
 void TestBackup::a_link_in_place_of_the_note_is_refused()
 {
     const QString document = Document("a.quillet", "version one");
-    QVERIFY(Backup().Keep(document, false));
+    QVERIFY(Keep(document));
     const QString copy = Backup().Path_For(document);
     const QString note = copy.left(copy.lastIndexOf('.')) + ".note";
     Write_File(In("other"), "not ours");
     QVERIFY(QFile::remove(note));
     QVERIFY(QFile::link(In("other"), note));
     Document("a.quillet", "version two");
-    QVERIFY(!Backup().Keep(document, false));
+    QVERIFY(!Keep(document));
     QCOMPARE(Read_File(copy), QByteArray("version one"));
     QCOMPARE(Read_File(In("other")), QByteArray("not ours"));
 }
@@ -270,22 +310,22 @@ void TestBackup::a_link_in_place_of_the_note_is_refused()
 void TestBackup::a_backup_that_another_process_is_writing_stays()
 {
     const QString document = Document("a.quillet", "version one");
-    QVERIFY(Backup().Keep(document, false));
+    QVERIFY(Keep(document));
     Document("a.quillet", "version two");
     const QString copy = Backup().Path_For(document);
     TKeptNote note;
     QVERIFY(note.Open(copy.left(copy.lastIndexOf('.')) + ".note", TKeptNote::TExisting::Reuse));
-    QVERIFY(!Backup().Keep(document, false));
+    QVERIFY(!Keep(document));
     QCOMPARE(Read_File(copy), QByteArray("version one"));
     note.Close();
-    QVERIFY(Backup().Keep(document, false));
+    QVERIFY(Keep(document));
     QCOMPARE(Read_File(copy), QByteArray("version two"));
 }
 
 void TestBackup::stale_files_of_ended_processes_are_deleted()
 {
     const QString folder = In("settings/backup/");
-    QVERIFY(Backup().Keep(Document("a.quillet", "content"), false));
+    QVERIFY(Keep(Document("a.quillet", "content")));
     const QStringList finished = Entries(folder);
     for (const char* const name : {".quillet-old123", "note_alone.note", ".quillet-new123"})
         Write_File(folder + name, "rest");
@@ -304,6 +344,196 @@ void TestBackup::stale_files_of_ended_processes_are_deleted()
     expected.sort();
     left.sort();
     QCOMPARE(left, expected);
+}
+
+/// Whether a document's file becomes its backup. Otherwise it is copied.
+bool TestBackup::Moves(const QString& document, qint64 new_size) const
+{
+    const ino_t inode = Inode(document);
+    const QByteArray content = Read_File(document);
+    QFile file(document);
+    const std::optional<QString> copy = Backup().Keep(&file, {true, false, new_size});
+    if (!copy || Read_File(*copy) != content || Mode(*copy) != "600")
+        qFatal("no backup");
+    const bool is_moved = Inode(*copy) == inode;
+    // Either the document is a new, empty, open file, or nothing has happened to it.
+    if (file.isOpen() != is_moved || Inode(document) == Inode(*copy) ||
+        Read_File(document) != (is_moved ? QByteArray() : content))
+        qFatal("the document is neither replaced nor unchanged");
+    return is_moved;
+}
+
+/// Adds a hard link.
+void TestBackup::Add_Name(const QString& document)
+{
+    QVERIFY(link(QFile::encodeName(document).constData(),
+                 QFile::encodeName(document + ".link").constData()) == 0);
+}
+
+ino_t TestBackup::Inode(const QString& path)
+{
+    struct stat state = {};
+    return stat(QFile::encodeName(path).constData(), &state) == 0 ? state.st_ino : 0;
+}
+
+void TestBackup::a_plain_file_becomes_the_backup_and_an_empty_one_replaces_it()
+{
+    const QString document = Document("a.quillet", "version one");
+    QFile file(document);
+    QVERIFY(Backup().Keep(&file, {true, false, 0}).has_value());
+    QVERIFY(file.isOpen());
+    QCOMPARE(Read_File(document), QByteArray());
+    QCOMPARE(file.write("version two"), 11);
+    file.close();
+    QCOMPARE(Read_File(document), QByteArray("version two"));
+    QVERIFY(Moves(document));
+    QCOMPARE(Entries(In("documents")), QStringList{"a.quillet"});
+    QCOMPARE(Entries(In("settings/backup")).size(), 2);
+}
+
+void TestBackup::a_plain_file_becomes_the_backup_in_a_sticky_folder()
+{
+    QVERIFY(chmod(QFile::encodeName(In("documents")).constData(), 01777) == 0);
+    QVERIFY(Moves(Document("a.quillet", "content")));
+}
+
+void TestBackup::the_new_file_has_the_permissions_of_the_old_one_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<bool>("has_other_group");
+    for (const int mode : {0600, 0644, 0664, 0666, 0640, 0755, 0700})
+        QTest::newRow(qPrintable(QString::number(mode, 8))) << mode << false;
+    if (geteuid() == 0)
+        QTest::newRow("another group") << 02664 << true;
+}
+
+void TestBackup::the_new_file_has_the_permissions_of_the_old_one()
+{
+    QFETCH(int, mode);
+    QFETCH(bool, has_other_group);
+    constexpr gid_t other_group = 12345;
+    const QString document = Document("a.quillet", "content");
+    const QByteArray path = QFile::encodeName(document);
+    if (has_other_group)
+        QVERIFY(chown(path.constData(), geteuid(), other_group) == 0);
+    QVERIFY(chmod(path.constData(), static_cast<mode_t>(mode)) == 0);
+    struct stat before = {};
+    QVERIFY(stat(path.constData(), &before) == 0);
+    QVERIFY(Moves(document));
+    struct stat after = {};
+    QVERIFY(stat(path.constData(), &after) == 0);
+    QCOMPARE(after.st_mode, before.st_mode);
+    QCOMPARE(after.st_gid, before.st_gid);
+}
+
+void TestBackup::other_kinds_of_files_are_copied_and_stay_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("symbolic link") << "symbolic link";
+    QTest::newRow("two names") << "two names";
+    QTest::newRow("extended attribute") << "extended attribute";
+    if (geteuid() == 0)
+        QTest::newRow("another owner") << "another owner";
+}
+
+void TestBackup::other_kinds_of_files_are_copied_and_stay()
+{
+    QFETCH(QString, kind);
+    QString document = Document("a.quillet", "content");
+    const QByteArray path = QFile::encodeName(document);
+    if (kind == "symbolic link") {
+        QVERIFY(QFile::link(document, In("documents/symbolic")));
+        document = In("documents/symbolic");
+    } else if (kind == "two names") {
+        Add_Name(document);
+    } else if (kind == "extended attribute") {
+        QVERIFY(setxattr(path.constData(), "user.note", "x", 1, 0) == 0);
+    } else {
+        constexpr uid_t other_user = 12345;
+        QVERIFY(chown(path.constData(), other_user, other_user) == 0);
+    }
+    QVERIFY(!Moves(document));
+    QVERIFY(kind != "symbolic link" || QFileInfo(document).isSymLink());
+}
+
+void TestBackup::a_document_on_another_file_system_is_copied()
+{
+    QTemporaryDir other("/dev/shm/quillet-XXXXXX");
+    QVERIFY(other.isValid());
+    const QString document = other.filePath("a.quillet");
+    Write_File(document, "content");
+    QVERIFY(!Moves(document));
+}
+
+void TestBackup::a_document_in_a_read_only_folder_is_copied()
+{
+    const QString document = Document("a.quillet", "content");
+    QVERIFY(chmod(QFile::encodeName(In("documents")).constData(), 0500) == 0);
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        Support::Obey_File_Permissions();
+        return Moves(document) ? 1 : 0;
+    });
+    chmod(QFile::encodeName(In("documents")).constData(), 0700);
+    QCOMPARE(result.exit_code, 0);
+}
+
+void TestBackup::a_document_that_leaves_no_room_for_a_second_version_is_copied()
+{
+    QVERIFY(!Moves(Document("a.quillet", "content"), std::numeric_limits<qint64>::max()));
+}
+
+void TestBackup::a_document_that_an_interrupted_save_linked_becomes_the_backup()
+{
+    const QString document = Document("a.quillet", "version one");
+    QVERIFY(Keep(document));
+    Document("a.quillet", "version two");
+    const QString copy = Backup().Path_For(document);
+    for (const QString& name : {copy, copy.left(copy.lastIndexOf('.')) + "-separate.quillet"}) {
+        QFile::remove(name);
+        QVERIFY(link(QFile::encodeName(document).constData(),
+                     QFile::encodeName(name).constData()) == 0);
+    }
+    QVERIFY(Moves(document));
+    QCOMPARE(Entries(In("settings/backup")).size(), 3);
+}
+
+void TestBackup::the_time_of_a_backup_is_that_of_the_save()
+{
+    const QString document = Document("a.quillet", "content");
+    Make_Old(document, 3600);
+    QVERIFY(Moves(document));
+    QVERIFY(Backup().List().front().time.secsTo(QDateTime::currentDateTime()) < 60);
+}
+
+void TestBackup::a_separate_backup_stays_when_the_next_one_is_made()
+{
+    const QString document = Document("a.quillet", "version one");
+    QVERIFY(Keep(document));
+    QStringList separate;
+    for (const char* const content : {"version of another program", "another one"}) {
+        Document("a.quillet", content);
+        separate += Keep_Separately(document);
+        QCOMPARE(Read_File(separate.last()), QByteArray(content));
+    }
+    QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version one"));
+    Document("a.quillet", "version two");
+    QVERIFY(Keep(document));
+    QCOMPARE(Read_File(separate.first()), QByteArray("version of another program"));
+    QCOMPARE(Read_File(separate.last()), QByteArray("another one"));
+    QCOMPARE(Read_File(Backup().Path_For(document)), QByteArray("version two"));
+    QCOMPARE(Backup().List().size(), size_t(3));
+    for (const TKeptFile& file : Backup().List())
+        QCOMPARE(file.document, document);
+}
+
+void TestBackup::separate_backups_count_towards_the_limit()
+{
+    const QString document = Document("a.quillet", QByteArray(100, 'x'));
+    Make_Old(Keep_Separately(document), 100);
+    Document("a.quillet", QByteArray(100, 'y'));
+    QVERIFY(Keep_Limited(document, 150));
+    QCOMPARE(Backup().List().size(), size_t(1));
+    QCOMPARE(Backup().List().front().path, Backup().Path_For(document));
 }
 
 QTEST_MAIN(TestBackup)

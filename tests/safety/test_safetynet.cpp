@@ -11,6 +11,8 @@
 #include <QTest>
 #include <QThread>
 
+#include <sys/resource.h>
+
 using Support::Empty_Project;
 using Support::Entries;
 using Support::Read_File;
@@ -38,6 +40,12 @@ private slots:
     void a_save_backs_up_the_previous_version();
     void an_incomplete_file_does_not_replace_the_backup();
     void a_damaged_document_is_backed_up();
+    void a_version_of_another_program_is_kept_separately_data();
+    void a_version_of_another_program_is_kept_separately();
+    void a_document_that_only_this_program_writes_has_one_backup();
+    void a_document_that_was_not_opened_has_one_backup();
+    void a_deleted_document_is_saved_again();
+    void a_document_that_cannot_be_opened_stays();
     void a_copy_is_abandoned_once_its_process_has_released_it();
     void an_opened_copy_is_deleted_after_a_save_elsewhere();
     void an_abandoned_copy_stays_otherwise_data();
@@ -59,18 +67,20 @@ private:
                                     : QByteArray("not one copy");
     }
     QString Abandon_Copy();
-    void Save(TSafetyNet* net, const QString& path, const QByteArray& content) const;
+    void Save(TSafetyNet* net, const QString& path, const QByteArray& content);
 
     std::unique_ptr<QTemporaryDir> d_folder;
-    int d_label_size = 32;  ///< in the next copy
-    int d_copies = 0;       ///< number of documents built
-    int d_milliseconds = 0; ///< duration of building one
+    QString d_other_version; ///< from the last save
+    int d_label_size = 32;   ///< in the next copy
+    int d_copies = 0;        ///< number of documents built
+    int d_milliseconds = 0;  ///< duration of building one
 };
 
 void TestSafetyNet::init()
 {
     d_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(QDir(d_folder->path()).mkdir("settings"));
+    d_other_version.clear();
     d_label_size = 32;
     d_copies = 0;
     d_milliseconds = 0;
@@ -103,10 +113,13 @@ QString TestSafetyNet::Abandon_Copy()
 }
 
 /// Saves as the window does. The content may be incomplete.
-void TestSafetyNet::Save(TSafetyNet* net, const QString& path, const QByteArray& content) const
+void TestSafetyNet::Save(TSafetyNet* net, const QString& path, const QByteArray& content)
 {
-    net->Before_Save(path);
-    Write_File(path, content);
+    d_other_version.clear();
+    QFile file(path);
+    QVERIFY(net->Open_For_Saving(&file, content.size(), &d_other_version));
+    QCOMPARE(file.write(content), qint64{content.size()});
+    file.close();
     net->After_Save(path, Empty_Project().size());
 }
 
@@ -283,13 +296,115 @@ void TestSafetyNet::a_damaged_document_is_backed_up()
     // Only a file that this program's own save left incomplete is not.
     const auto net = Net();
     const QString path = In("a.quillet");
-    for (const char* const content : {"damaged", "damaged after an incomplete save"}) {
-        Write_File(path, content);
-        Save(net.get(), path, Empty_Project());
-        QCOMPARE(Read_File(TBackup(In("settings/backup")).Path_For(path)), QByteArray(content));
-        Save(net.get(), path, "short");
-        Save(net.get(), path, Empty_Project());
+    Write_File(path, "damaged");
+    Save(net.get(), path, Empty_Project());
+    QCOMPARE(Read_File(TBackup(In("settings/backup")).Path_For(path)), QByteArray("damaged"));
+    Save(net.get(), path, "short");
+    Write_File(path, "damaged after an incomplete save");
+    Save(net.get(), path, Empty_Project());
+    QCOMPARE(Read_File(d_other_version), QByteArray("damaged after an incomplete save"));
+}
+
+void TestSafetyNet::a_version_of_another_program_is_kept_separately_data()
+{
+    QTest::addColumn<QString>("known_from");
+    QTest::addColumn<QString>("change");
+    for (const char* const known_from : {"opened", "saved", "left incomplete"}) {
+        for (const char* const change : {"written", "replaced"})
+            QTest::addRow("%s, then %s", known_from, change) << known_from << change;
     }
+}
+
+void TestSafetyNet::a_version_of_another_program_is_kept_separately()
+{
+    QFETCH(QString, known_from);
+    QFETCH(QString, change);
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    const QByteArray other = "of another program";
+    Write_File(path, Empty_Project(41));
+    if (known_from == "opened")
+        net->After_Open(path, TFileStamp::Of(path));
+    else
+        Save(net.get(), path, known_from == "saved" ? Empty_Project(42) : QByteArray("short"));
+    QCOMPARE(d_other_version, QString());
+    const QString backup = TBackup(In("settings/backup")).Path_For(path);
+    const QByteArray backed_up = Read_File(backup);
+    if (change == "replaced") {
+        Write_File(In("new"), other);
+        QVERIFY(QFile::remove(path) && QFile::rename(In("new"), path));
+    } else {
+        Write_File(path, other);
+    }
+    Save(net.get(), path, Empty_Project(43));
+    const QString kept = d_other_version;
+    QCOMPARE(Read_File(kept), other);
+    QCOMPARE(Read_File(backup), backed_up);
+    // The next save replaces the version that this program saved.
+    Save(net.get(), path, Empty_Project(44));
+    QCOMPARE(d_other_version, QString());
+    QCOMPARE(Read_File(kept), other);
+    QCOMPARE(Read_File(backup), Empty_Project(43));
+}
+
+void TestSafetyNet::a_document_that_only_this_program_writes_has_one_backup()
+{
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    QVERIFY(QFile::link(path, In("symbolic")));
+    Write_File(path, Empty_Project(40));
+    net->After_Open(path, TFileStamp::Of(path));
+    for (int version = 41; version < 44; ++version) {
+        Save(net.get(), version == 42 ? In("symbolic") : path, Empty_Project(version));
+        QCOMPARE(d_other_version, QString());
+    }
+    QCOMPARE(TBackup(In("settings/backup")).List().size(), size_t(1));
+}
+
+void TestSafetyNet::a_document_that_was_not_opened_has_one_backup()
+{
+    const auto net = Net();
+    for (const char* const name : {"a.quillet", "b.quillet"})
+        Write_File(In(name), Empty_Project(40));
+    net->After_Open(In("a.quillet"), TFileStamp::Of(In("a.quillet")));
+    // Save As over another document, and a new document with the name of the previous one.
+    Save(net.get(), In("b.quillet"), Empty_Project(41));
+    QCOMPARE(d_other_version, QString());
+    net->Discard();
+    Write_File(In("b.quillet"), "of another program");
+    Save(net.get(), In("b.quillet"), Empty_Project(42));
+    QCOMPARE(d_other_version, QString());
+    QCOMPARE(Read_File(TBackup(In("settings/backup")).Path_For(In("b.quillet"))),
+             QByteArray("of another program"));
+}
+
+void TestSafetyNet::a_deleted_document_is_saved_again()
+{
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    Save(net.get(), path, Empty_Project(41));
+    QVERIFY(QFile::remove(path));
+    Save(net.get(), path, Empty_Project(42));
+    QCOMPARE(Read_File(path), Empty_Project(42));
+    QCOMPARE(d_other_version, QString());
+    QVERIFY(TBackup(In("settings/backup")).List().empty());
+}
+
+void TestSafetyNet::a_document_that_cannot_be_opened_stays()
+{
+    const QString path = In("a.quillet");
+    Write_File(path, Empty_Project(41));
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        const auto net = Net();
+        net->Record_Change(path);
+        // No more files can be opened.
+        const rlimit none = {3, 3};
+        setrlimit(RLIMIT_NOFILE, &none);
+        QFile file(path);
+        return net->Open_For_Saving(&file, 1, &d_other_version) ? 1 : 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(path), Empty_Project(41));
 }
 
 void TestSafetyNet::a_copy_is_abandoned_once_its_process_has_released_it()
@@ -311,7 +426,7 @@ void TestSafetyNet::an_opened_copy_is_deleted_after_a_save_elsewhere()
     const QString kept = Abandon_Copy();
     QVERIFY(!kept.isEmpty());
     const auto net = Net();
-    net->After_Open(kept);
+    net->After_Open(kept, TFileStamp::Of(kept));
     net->Record_Change(kept);
     Save(net.get(), In("a.quillet"), "short");
     QVERIFY(QFile::exists(kept));
@@ -333,13 +448,13 @@ void TestSafetyNet::an_abandoned_copy_stays_otherwise()
     const QString kept = Abandon_Copy();
     const auto net = Net();
     if (what != "not opened")
-        net->After_Open(kept);
+        net->After_Open(kept, TFileStamp::Of(kept));
     if (what == "released")
         net->Release();
     if (what == "discarded")
         net->Discard();
     if (what == "another file opened since")
-        net->After_Open(In("other.quillet"));
+        net->After_Open(In("other.quillet"), TFileStamp::Of(In("other.quillet")));
     net->Record_Change("/a");
     Save(net.get(), In("a.quillet"), Empty_Project());
     QCOMPARE(Only_Copy(), Empty_Project(77));
