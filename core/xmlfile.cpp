@@ -142,7 +142,7 @@ void TXmlFile::Open(const QString& identification, int* version, bool namespace_
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         Throw_File_Error(QStringLiteral("ERR:  Cannot open file: '%1'.  Reason: %2")
                              .arg(d_file_path, file.errorString()));
-    // As the DOM does when it reads a device: in UTF-16, a carriage return may be half a character.
+    // Do not translate line ends: in UTF-16, a carriage-return byte may be half a character.
     file.setTextModeEnabled(false);
     const QByteArray data = file.readAll();
     file.close();

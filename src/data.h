@@ -12,10 +12,10 @@
 /// The open document: an ordered list of pages, one of which may be active.
 ///
 /// Pages are found by page id and labels by item id; all item operations work on the active page
-/// unless they take a page id. The model emits no signals. Asking for items or for the image while
-/// no page is active is a programming error and fails an assertion; call Active_Page,
-/// Page_Image_Valid or Page_Has_Data first. An unknown id is no error: the operation returns -1 or
-/// false and changes nothing. GUI thread only.
+/// unless they take a page id. The model emits no signals. Accessing items or the image while no
+/// page is active is a programming error and fails an assertion; call Active_Page, Page_Image_Valid
+/// or Page_Has_Data first. An unknown id is not an error: the operation returns -1 or false and
+/// changes nothing, except that Set_Active_Page leaves no page active. GUI thread only.
 ///
 /// Finding a label by its id takes constant time, except the first time after a removal.
 class TData
@@ -93,9 +93,9 @@ public:
     using TRecorder = std::function<void(const TPageItem&)>;
     /// Sets the recorder; an empty one stops recording. Selections and Clear are not recorded.
     void Set_Recorder(TRecorder recorder);
-    /// Exchanges pages of the document. It gets the pages with the ids in `order`, in this order:
-    /// those in `pages`, and its own for the other ids. Unknown ids are skipped. Afterwards `order`
-    /// and `pages` have what the document had before: calling this again restores it. The active
+    /// Replaces the document's pages by those with the ids in `order`, in this order. Takes a page
+    /// from `pages` if it is there, otherwise from the document, and skips unknown ids. Afterwards
+    /// `order` and `pages` contain the previous state, so a second call restores it. The active
     /// page stays active unless it is removed.
     void Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages);
 

@@ -61,8 +61,8 @@ void TQuillet::Restore_Geometry()
 
 void TQuillet::Narrow_Docks()
 {
-    // The page comes first: the docks get their minimum width, and of the space that remains beside
-    // the page's share of the window as much as their captions need to fit on one line.
+    // The page has priority: it gets a fixed share of the window. The docks get their minimum width
+    // and, if there is space left, enough to show their captions on one line.
     constexpr double page_part = 0.48;
     constexpr int caption_room = 64; // pixels
     const int left = d_label_dock->minimumSizeHint().width();

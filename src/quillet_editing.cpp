@@ -118,7 +118,7 @@ void TQuillet::Display_Item_Clicked(int id)
     d_display_click = true;
     d_label_widget->Set_Selection(id);
     d_display_click = false;
-    // The view does not scroll: what was clicked in it is visible.
+    // The view does not scroll: the clicked label is visible.
     d_display_widget->Set_Selected_Items(d_label_widget->Selected_Items(), false);
     Select_In_Data({id});
 }
@@ -171,7 +171,7 @@ void TQuillet::Edit_Reindex()
     d_label_widget->Set_Label_Index(next_value);
 }
 
-/// Numbers the labels of the active page; returns the value that comes next.
+/// Numbers the labels of the active page. Returns the next value.
 int TQuillet::Renumber_Active_Page(int first_value, bool selected_only)
 {
     TNumbering numbering(first_value, TNumbering::Next_1X);

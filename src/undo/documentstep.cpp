@@ -92,7 +92,7 @@ void TDocumentStep::Swap(TData* data, TDocumentFacts* facts)
     Release_Images(*data);
 }
 
-/// Keeps images that the document no longer has in encoded form only.
+/// Drops the pixels of images that the document no longer has, and updates the size of the step.
 void TDocumentStep::Release_Images(const TData& data)
 {
     d_bytes = static_cast<qint64>(sizeof(*this) + d_page_order.size() * sizeof(int));

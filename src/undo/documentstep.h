@@ -36,8 +36,7 @@ struct TDocumentFacts
     TLabelLook look;
 };
 
-/// One step of the user's work: holds what the document was before the step or, after undo, what it
-/// was after the step.
+/// An undo step. It stores the document's state before the step or, once undone, after the step.
 ///
 /// It stores whole pages, but only those that the step changed or removed. Copies of a page share
 /// its image.
@@ -50,8 +49,8 @@ public:
     /// Stores a page before the step changes it. Ignores pages that are stored already or that the
     /// step itself added.
     void Store_Page(const TPageItem& page);
-    /// Ends the step: drops stored pages that the step did not change in the end, and decoded
-    /// images that only the step still needs.
+    /// Ends the step: drops stored pages that did not change after all, and the pixels of images
+    /// that only the step still uses.
     void Close(const TData& data);
 
     /// Whether a closed step changed nothing.

@@ -206,7 +206,7 @@ TStepOutcome TUndoHistory::Swap(TStep* step, const TShownState& shown)
     return outcome;
 }
 
-/// The step that goes on, or that may be continued.
+/// The open step, or the last one, which may be continued.
 TUndoHistory::TStep& TUndoHistory::Current_Step()
 {
     return d_new ? *d_new : d_steps[d_done_count - 1];

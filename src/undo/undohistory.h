@@ -24,7 +24,7 @@ struct TShownState
     int value_without_selection = 0; ///< what the value editor shows when no label is selected
 };
 
-/// What the window has to show after undo or redo.
+/// What the window must show after undo or redo.
 struct TStepOutcome
 {
     TDocumentFacts facts;
@@ -63,15 +63,15 @@ public:
     /// @param budget  in bytes.
     TUndoHistory(TData* data, TSource source, qint64 budget = Memory_Budget);
 
-    /// Records what the user does in the page list itself: renaming and moving pages. The list
-    /// reports neither, so its rows are compared.
+    /// Records renaming and moving pages in the page list. The list reports neither, so the history
+    /// compares its rows.
     /// @param rows  the model behind the list.
     void Watch_Page_List(const QAbstractItemModel& rows);
     /// Records changes of the page list now instead of on return to the event loop.
     void Record_Page_List();
     /// Ends the last step: the next change begins another step, even one of the same kind.
     void Finish_Step();
-    /// Forgets all steps: another document was opened.
+    /// Removes all steps. Call this when another document was opened.
     void Clear();
 
     bool Can_Undo() const { return d_done_count > 0; }

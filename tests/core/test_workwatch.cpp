@@ -43,41 +43,41 @@ private slots:
 void TestWorkWatch::notify_works_without_a_watch()
 {
     TWorkWatch::Notify();
-    int told = 0;
+    int reports = 0;
     {
-        const TWorkWatch watch([&told] { ++told; });
+        const TWorkWatch watch([&reports] { ++reports; });
         TWorkWatch::Notify();
     }
     TWorkWatch::Notify();
-    QCOMPARE(told, 1);
+    QCOMPARE(reports, 1);
 }
 
 void TestWorkWatch::the_inner_watch_replaces_the_outer_one_until_it_ends()
 {
-    QStringList told;
-    const TWorkWatch outer([&told] { told += "outer"; });
+    QStringList reports;
+    const TWorkWatch outer([&reports] { reports += "outer"; });
     {
-        const TWorkWatch inner([&told] { told += "inner"; });
+        const TWorkWatch inner([&reports] { reports += "inner"; });
         TWorkWatch::Notify();
     }
     TWorkWatch::Notify();
-    QCOMPARE(told, QStringList({"inner", "outer"}));
+    QCOMPARE(reports, QStringList({"inner", "outer"}));
 }
 
 void TestWorkWatch::each_block_is_reported_and_passed_on()
 {
-    int told = 0;
-    const TWorkWatch watch([&told] { ++told; });
+    int reports = 0;
+    const TWorkWatch watch([&reports] { ++reports; });
     QByteArray bytes;
     TWatchedDevice<QBuffer> buffer(&bytes);
     QVERIFY(buffer.open(QIODevice::ReadWrite));
     QCOMPARE(buffer.write("abc"), qint64(3));
     QCOMPARE(buffer.write("defg"), qint64(4));
     QCOMPARE(bytes, QByteArray("abcdefg"));
-    QCOMPARE(told, 2);
+    QCOMPARE(reports, 2);
     QVERIFY(buffer.seek(2));
     QCOMPARE(buffer.read(3), QByteArray("cde"));
-    QCOMPARE(told, 3);
+    QCOMPARE(reports, 3);
 }
 
 void TestWorkWatch::reading_a_file_notifies_the_watch()
@@ -86,13 +86,13 @@ void TestWorkWatch::reading_a_file_notifies_the_watch()
     const QString path = folder.filePath("a.bin");
     const QByteArray bytes(1'000'000, 'x');
     Support::Write_File(path, bytes);
-    int told = 0;
-    const TWorkWatch watch([&told] { ++told; });
+    int reports = 0;
+    const TWorkWatch watch([&reports] { ++reports; });
     TWatchedDevice<QFile> file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     for (int place = 0; place < bytes.size(); place += 1000)
         QCOMPARE(file.read(1000), QByteArray(1000, 'x'));
-    QVERIFY(told > 10);
+    QVERIFY(reports > 10);
 }
 
 void TestWorkWatch::reading_and_writing_images_notifies_the_watch_data()
@@ -109,24 +109,24 @@ void TestWorkWatch::reading_and_writing_images_notifies_the_watch()
     const QTemporaryDir folder;
     const QString path = folder.filePath("a." + format.toLower());
     QVERIFY(Noise().save(path, format));
-    int told = 0;
-    const TWorkWatch watch([&told] { ++told; });
+    int reports = 0;
+    const TWorkWatch watch([&reports] { ++reports; });
 
     // A single image consists of many blocks, so the watch is notified long before the image is
     // complete.
     const TPageImage image = TPageImage::From_File(path);
     QCOMPARE(image, QImage(path));
-    QVERIFY2(told > 5, qPrintable(QString::number(told)));
+    QVERIFY2(reports > 5, qPrintable(QString::number(reports)));
 
     if (format != "PNG") {
-        told = 0;
+        reports = 0;
         QVERIFY(!image.Png().isEmpty());
-        QVERIFY2(told > 5, qPrintable(QString::number(told)));
+        QVERIFY2(reports > 5, qPrintable(QString::number(reports)));
     }
     const TPageImage again = TPageImage::From_Bytes(image.Png());
-    told = 0;
+    reports = 0;
     QCOMPARE(again, QImage(path));
-    QVERIFY2(told > 5, qPrintable(QString::number(told)));
+    QVERIFY2(reports > 5, qPrintable(QString::number(reports)));
 }
 
 QTEST_MAIN(TestWorkWatch)

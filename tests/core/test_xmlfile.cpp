@@ -101,7 +101,7 @@ private slots:
     void a_failed_parse_leaves_identification_and_root();
     void another_root_does_not_match();
     void names_with_placeholders_are_inserted_literally();
-    void a_missing_version_matters_only_when_asked_for();
+    void a_missing_version_fails_only_if_requested();
     void versions_are_decimal_data();
     void versions_are_decimal();
     void a_missing_version_comes_after_identification_and_doctype();
@@ -409,7 +409,7 @@ void TestXmlFile::names_with_placeholders_are_inserted_literally()
         QString("ERR:  Cannot write file '" + file.d_file_path + "'.  Reason: ")));
 }
 
-void TestXmlFile::a_missing_version_matters_only_when_asked_for()
+void TestXmlFile::a_missing_version_fails_only_if_requested()
 {
     TXmlFile file;
     int version = 99;

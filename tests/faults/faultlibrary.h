@@ -14,7 +14,7 @@ enum TKind { Fail, Short, Kill, Kill_After };
 
 extern "C" {
 
-/// Starts watching files below the given folders and lets one call fail.
+/// Starts watching files below the given folders and injects one fault.
 /// @param folders  up to four paths, separated by colons.
 /// @param at       number of the call among its kind, from 1; 0 just counts and logs.
 void Quillet_Arm_Fault(const char* folders, int call, int kind, int at);

@@ -366,7 +366,7 @@ private slots:
                  QString());
     }
 
-    void given_header_lines_take_the_place_of_the_document_s_data()
+    void given_header_lines_replace_those_of_the_document_data()
     {
         QTest::addColumn<QString>("header_1");
         QTest::addColumn<QString>("header_2");
@@ -375,7 +375,7 @@ private slots:
         QTest::newRow("other scripts")
             << QString::fromUtf8("Ωμέγα – Привет") << QString::fromUtf8("図面 😀 \"%1\"");
     }
-    void given_header_lines_take_the_place_of_the_document_s()
+    void given_header_lines_replace_those_of_the_document()
     {
         QFETCH(const QString, header_1);
         QFETCH(const QString, header_2);

@@ -1,5 +1,5 @@
-// Editing commands: model, view and panels are kept in line, and the document is marked as changed
-// exactly when it should be.
+// Editing commands: they keep model, view and panels consistent, and mark the document as changed
+// exactly when they should.
 
 #include "support/modal.h"
 #include "support/support.h"
@@ -32,40 +32,40 @@ private slots:
     void a_label_is_added_to_model_view_and_list();
     void a_label_takes_the_chosen_border();
     void values_count_up();
-    void a_typed_value_comes_first();
+    void a_typed_value_is_used_first();
     void two_labels_within_one_second_get_different_ids();
     void the_hundredth_attempt_fails_even_if_the_view_takes_it();
     void a_label_at_a_point_is_moved_there();
     void a_label_at_a_point_stays_at_the_origin_until_the_view_reports();
     void removing_labels_needs_a_selection();
-    void removing_labels_asks_data();
-    void removing_labels_asks();
+    void removing_labels_asks_first_data();
+    void removing_labels_asks_first();
     void removing_many_labels_reports_few_selections();
     void removed_labels_leave_the_border_of_the_last_one();
     void changing_a_label_reaches_model_and_view();
     void the_list_selects_in_view_and_model();
-    void the_list_brings_its_selection_into_sight();
+    void selecting_in_the_list_scrolls_to_the_label();
     void a_click_in_the_view_selects_in_the_list_without_scrolling();
-    void a_click_on_nothing_clears_the_selection();
+    void a_click_beside_all_labels_clears_the_selection();
     void a_drag_reaches_the_model();
-    void a_drag_without_a_page_is_nothing();
+    void a_drag_without_a_page_does_nothing();
     void adding_a_page_changes_the_document();
-    void removing_pages_asks_data();
-    void removing_pages_asks();
+    void removing_pages_asks_first_data();
+    void removing_pages_asks_first();
     void removing_the_last_page_disables_the_document_actions();
     void removing_one_of_two_pages_keeps_the_document_actions();
-    void the_document_actions_are_off_while_pages_go();
+    void the_document_actions_are_disabled_while_pages_are_removed();
     void showing_a_page_fills_list_and_view();
-    void showing_a_page_is_no_change_data();
-    void showing_a_page_is_no_change();
+    void showing_a_page_is_not_a_change_data();
+    void showing_a_page_is_not_a_change();
     void an_unknown_page_shows_the_default_picture();
     void a_page_without_an_image_shows_the_default_picture();
-    void a_new_document_asks_data();
-    void a_new_document_asks();
+    void a_new_document_asks_first_data();
+    void a_new_document_asks_first();
     void a_new_document_does_not_ask_when_nothing_changed();
     void label_sizes_give_their_font_sizes_data();
     void label_sizes_give_their_font_sizes();
-    void a_color_reaches_the_view_and_is_no_change();
+    void a_color_reaches_the_view_and_is_not_a_change();
     void the_tracking_option_reaches_the_view();
     void a_display_format_rebuilds_the_list();
     void a_display_format_without_a_page_shows_the_default_picture();
@@ -182,7 +182,7 @@ void TestEditing::values_count_up()
     }
 }
 
-void TestEditing::a_typed_value_comes_first()
+void TestEditing::a_typed_value_is_used_first()
 {
     Show_New_Page();
     auto* editor = Support::By_Tool_Tip<QLineEdit>(*d_window, "Item Value");
@@ -224,7 +224,7 @@ void TestEditing::the_hundredth_attempt_fails_even_if_the_view_takes_it()
     QCOMPARE(List()->count(), 0);
     QCOMPARE(Support::Labels(*d_window->d_display_widget).size(), taken.size() + 1);
     QVERIFY(d_window->d_data_changed);
-    // The value is spent.
+    // The value is used up.
     QCOMPARE(d_window->d_label_widget->Take_Label_Index(), 2);
 }
 
@@ -262,7 +262,7 @@ void TestEditing::removing_labels_needs_a_selection()
     QVERIFY(!d_window->d_data_changed);
 }
 
-void TestEditing::removing_labels_asks_data()
+void TestEditing::removing_labels_asks_first_data()
 {
     QTest::addColumn<bool>("yes");
     QTest::newRow("No") << false;
@@ -280,7 +280,7 @@ static void Look_At_Question(QMessageBox* box, const QString& text, const QStrin
     QCOMPARE(box->defaultButton(), box->button(QMessageBox::No));
 }
 
-void TestEditing::removing_labels_asks()
+void TestEditing::removing_labels_asks_first()
 {
     QFETCH(bool, yes);
     Show_New_Page();
@@ -305,8 +305,8 @@ void TestEditing::removing_labels_asks()
     QCOMPARE(d_window->d_data_changed, yes);
 }
 
-// Everybody looks at the whole selection when it changes, so that a report for every removed label
-// would make thousands of them take minutes.
+// Each report of a change costs a pass over the whole selection. With a report for each removed
+// label, removing thousands of labels would take minutes.
 void TestEditing::removing_many_labels_reports_few_selections()
 {
     Show_New_Page();
@@ -323,7 +323,7 @@ void TestEditing::removing_many_labels_reports_few_selections()
     QVERIFY2(reports.count() <= 3, qPrintable(QString::number(reports.count())));
 }
 
-// The last label is selected alone before it goes, and the combo box keeps showing what it had.
+// The last label is selected alone before it is removed, so the combo box still shows its border.
 void TestEditing::removed_labels_leave_the_border_of_the_last_one()
 {
     Show_New_Page();
@@ -387,7 +387,7 @@ void TestEditing::the_list_selects_in_view_and_model()
     QVERIFY(!d_window->d_data_changed);
 }
 
-void TestEditing::the_list_brings_its_selection_into_sight()
+void TestEditing::selecting_in_the_list_scrolls_to_the_label()
 {
     const int id = Add_Page_With(Support::Picture(3000, 3000));
     d_window->d_page_widget->Set_Active_Page(id);
@@ -420,7 +420,7 @@ void TestEditing::a_click_in_the_view_selects_in_the_list_without_scrolling()
                         view->mapFromScene(60, 60));
 }
 
-void TestEditing::a_click_on_nothing_clears_the_selection()
+void TestEditing::a_click_beside_all_labels_clears_the_selection()
 {
     Show_New_Page();
     d_window->Add_Item(QPointF(60, 60));
@@ -449,7 +449,7 @@ void TestEditing::a_drag_reaches_the_model()
     QVERIFY(d_window->d_data_changed);
 }
 
-void TestEditing::a_drag_without_a_page_is_nothing()
+void TestEditing::a_drag_without_a_page_does_nothing()
 {
     d_window->Update_Item_Position(5, QPointF(1, 1));
     QVERIFY(!d_window->d_data_changed);
@@ -462,16 +462,16 @@ void TestEditing::adding_a_page_changes_the_document()
     QCOMPARE(d_window->d_page_widget->Page_Ids(), QList<int>({1}));
     QCOMPARE(d_window->d_page_widget->Page_Name(1), QStringLiteral("Page 1"));
     QVERIFY(d_window->d_data_changed);
-    // Only removing, importing and opening look at the actions.
+    // Only removing, importing and opening update the actions.
     QCOMPARE(Enabled_Actions(), QList<bool>({false, false, false, false}));
 }
 
-void TestEditing::removing_pages_asks_data()
+void TestEditing::removing_pages_asks_first_data()
 {
-    removing_labels_asks_data();
+    removing_labels_asks_first_data();
 }
 
-void TestEditing::removing_pages_asks()
+void TestEditing::removing_pages_asks_first()
 {
     QFETCH(bool, yes);
     Show_New_Page();
@@ -495,7 +495,7 @@ void TestEditing::removing_pages_asks()
     QCOMPARE(
         Support::Difference(Background(), yes ? Default_Background() : Support::Picture(200, 150)),
         QString());
-    // Also when the user declines.
+    // Even if the user declines.
     QVERIFY(d_window->d_data_changed);
 }
 
@@ -521,7 +521,7 @@ void TestEditing::removing_one_of_two_pages_keeps_the_document_actions()
     QCOMPARE(d_window->d_page_widget->Page_Ids(), QList<int>({2}));
 }
 
-void TestEditing::the_document_actions_are_off_while_pages_go()
+void TestEditing::the_document_actions_are_disabled_while_pages_are_removed()
 {
     Show_New_Page();
     Add_Page_With(Support::Picture(20, 20));
@@ -559,14 +559,14 @@ void TestEditing::showing_a_page_fills_list_and_view()
     QCOMPARE(labels[1]->data(17).toInt(), 0);
 }
 
-void TestEditing::showing_a_page_is_no_change_data()
+void TestEditing::showing_a_page_is_not_a_change_data()
 {
     QTest::addColumn<bool>("changed");
     QTest::newRow("unchanged stays unchanged") << false;
     QTest::newRow("changed stays changed") << true;
 }
 
-void TestEditing::showing_a_page_is_no_change()
+void TestEditing::showing_a_page_is_not_a_change()
 {
     QFETCH(bool, changed);
     Show_New_Page();
@@ -600,12 +600,12 @@ void TestEditing::a_page_without_an_image_shows_the_default_picture()
     QVERIFY(!d_window->d_label_widget->isEnabled());
 }
 
-void TestEditing::a_new_document_asks_data()
+void TestEditing::a_new_document_asks_first_data()
 {
-    removing_labels_asks_data();
+    removing_labels_asks_first_data();
 }
 
-void TestEditing::a_new_document_asks()
+void TestEditing::a_new_document_asks_first()
 {
     QFETCH(bool, yes);
     Show_New_Page();
@@ -671,7 +671,7 @@ void TestEditing::label_sizes_give_their_font_sizes()
         QString());
 }
 
-void TestEditing::a_color_reaches_the_view_and_is_no_change()
+void TestEditing::a_color_reaches_the_view_and_is_not_a_change()
 {
     Show_New_Page();
     d_window->Add_Item(QPointF(60, 60));

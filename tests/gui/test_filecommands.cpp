@@ -268,7 +268,7 @@ private slots:
         QCOMPARE(Describe(&window), QStringList{"page 1 mine 9x9"});
     }
 
-    void a_half_loaded_project_stays_and_counts_as_unchanged()
+    void a_partly_loaded_project_stays_and_counts_as_unchanged()
     {
         Support::Write_File(Path("a.quillet"),
                             Support::Header(41, "#0a141e", "", "", 1) +

@@ -92,8 +92,8 @@ private slots:
     void a_drop_fills_an_empty_page();
     void image_names_data();
     void image_names();
-    void what_is_no_image_file_is_refused_data();
-    void what_is_no_image_file_is_refused();
+    void files_other_than_images_are_refused_data();
+    void files_other_than_images_are_refused();
     void a_drop_imports_only_the_images_among_its_files();
     void files_are_copied_and_never_moved();
     void a_drop_waits_for_no_dialog();
@@ -676,7 +676,7 @@ void TestGestures::image_names()
     QCOMPARE(ImageFiles::Is_Image_Name(path), taken);
 }
 
-void TestGestures::what_is_no_image_file_is_refused_data()
+void TestGestures::files_other_than_images_are_refused_data()
 {
     QTest::addColumn<QStringList>("urls");
     QTest::newRow("nothing") << QStringList();
@@ -686,7 +686,7 @@ void TestGestures::what_is_no_image_file_is_refused_data()
     QTest::newRow("elsewhere") << QStringList({"https://quillet.example/a.png"});
 }
 
-void TestGestures::what_is_no_image_file_is_refused()
+void TestGestures::files_other_than_images_are_refused()
 {
     QFETCH(QStringList, urls);
     Support::Write_File(d_folder->filePath("notes.txt"), "some text");

@@ -23,14 +23,14 @@ private slots:
     void three_images_become_three_pages_in_order();
     void an_import_marks_the_document_and_moves_the_working_folder();
     void the_next_dialog_opens_in_that_folder();
-    void a_file_that_is_no_image_is_skipped();
+    void a_file_that_is_not_an_image_is_skipped();
     void an_unreadable_first_file_still_sets_the_working_folder();
     void an_empty_active_page_is_filled();
     void the_second_image_of_a_selection_fills_the_page_again_while_it_has_no_labels();
     void an_import_never_fills_a_page_with_labels();
     void every_format_of_the_filter_is_read_data();
     void every_format_of_the_filter_is_read();
-    void an_image_that_promises_too_many_pixels_is_passed_over();
+    void an_image_that_declares_too_many_pixels_is_not_decoded();
 
 private:
     QString Import(const QStringList& paths);
@@ -147,7 +147,7 @@ void TestImport::the_next_dialog_opens_in_that_folder()
     QCOMPARE(folder, d_folder->filePath("scans"));
 }
 
-void TestImport::a_file_that_is_no_image_is_skipped()
+void TestImport::a_file_that_is_not_an_image_is_skipped()
 {
     Support::Write_File(d_folder->filePath("broken.png"), "no image at all");
     QCOMPARE(Import({Picture_File("a.png", 1), d_folder->filePath("broken.png"),
@@ -232,7 +232,7 @@ void TestImport::every_format_of_the_filter_is_read()
     QCOMPARE(Support::Difference(Page_Image(1), QImage(path)), QString());
 }
 
-void TestImport::an_image_that_promises_too_many_pixels_is_passed_over()
+void TestImport::an_image_that_declares_too_many_pixels_is_not_decoded()
 {
     // Qt could decode both images: black and white, 400 and 501.76 megapixels.
     const auto save = [this](const QString& name, int edge) {

@@ -1,5 +1,5 @@
-// Undo and redo by the keys that a user presses: each kind of step, what becomes one step and what
-// is none, what is shown afterwards, and what steps leave alone.
+// Undo and redo with the keyboard: each kind of step, which changes form one step or none, what the
+// window shows afterwards, and what steps do not change.
 
 #include "support/modal.h"
 #include "support/pages.h"
@@ -51,63 +51,63 @@ private slots:
     void changing_the_label_size();
     void changing_the_label_color();
 
-    // What is one step, and what is none.
+    // Which changes form one step, and which form none.
     void keystrokes_in_one_editor_on_one_label_are_one_step();
     void keystrokes_in_the_name_editor_on_one_page_are_one_step();
     void the_same_editor_on_another_label_is_another_step();
-    void turning_to_an_editor_again_begins_another_step();
+    void focusing_an_editor_again_begins_another_step();
     void a_selection_ends_a_run_of_nudges();
     void dragging_the_size_slider_is_one_step();
     void importing_several_images_is_one_step();
-    void what_changes_nothing_is_no_step_data();
-    void what_changes_nothing_is_no_step();
-    void typing_and_typing_back_is_no_step();
-    void two_hundred_steps_can_be_taken_back();
-    void a_new_step_forgets_what_could_be_done_again();
+    void a_command_that_changes_nothing_is_not_a_step_data();
+    void a_command_that_changes_nothing_is_not_a_step();
+    void typing_and_restoring_a_text_is_not_a_step();
+    void two_hundred_steps_can_be_undone();
+    void a_new_step_clears_the_steps_to_redo();
 
     // The keys.
-    void both_keys_do_again_data();
-    void both_keys_do_again();
+    void both_keys_redo_data();
+    void both_keys_redo();
     void the_keys_work_anywhere_in_the_window();
-    void an_editor_undoes_what_is_not_taken_over_yet();
-    void an_editor_leaves_what_is_taken_over_to_the_document();
-    void the_value_of_the_next_label_is_the_editors_own();
-    void an_editor_keeps_what_is_not_taken_over_when_something_is_done_again();
-    void the_keyboard_stays_where_it_is_data();
-    void the_keyboard_stays_where_it_is();
+    void an_editor_undoes_text_that_is_not_applied_yet();
+    void applied_text_is_undone_by_the_document();
+    void the_editor_undoes_the_value_of_the_next_label();
+    void redo_keeps_text_that_is_not_applied_yet();
+    void undo_keeps_the_keyboard_focus_data();
+    void undo_keeps_the_keyboard_focus();
     void the_keys_work_in_a_floating_dock();
-    void nothing_to_take_back_is_nothing();
+    void undo_without_steps_does_nothing();
 
-    // What is shown.
+    // What the window shows.
     void model_view_and_panels_agree();
-    void the_page_that_the_step_touched_is_shown();
-    void a_page_that_comes_back_is_shown();
-    void the_selection_is_as_it_was();
-    void the_view_stays_where_it_was_scrolled_to();
-    void a_label_that_is_being_dragged_goes_back_to_its_place();
-    void a_text_that_is_typed_when_its_page_is_removed_is_a_step_of_its_own();
-    void a_page_without_a_picture_comes_back_as_one();
-    void a_label_size_that_the_slider_does_not_reach_comes_back();
-    void the_next_value_goes_back_with_the_label();
-    void a_typed_next_value_is_kept_by_other_steps();
+    void the_changed_page_is_shown();
+    void a_restored_page_is_shown();
+    void the_selection_is_restored();
+    void the_scroll_position_is_kept();
+    void undo_during_a_drag_restores_the_position();
+    void text_pending_when_its_page_is_removed_is_a_separate_step();
+    void a_page_without_a_picture_is_restored_without_one();
+    void a_label_size_beyond_the_slider_is_restored();
+    void undoing_a_label_restores_the_next_value();
+    void other_steps_keep_a_typed_next_value();
     void the_status_bar_names_the_step();
 
     // The document.
-    void ids_come_back_as_they_were();
+    void ids_are_restored();
     void the_changed_flag_is_set();
     void the_document_actions_follow();
     void a_new_document_clears_the_steps();
     void opening_clears_the_steps();
     void a_refused_file_keeps_the_steps();
-    void a_file_that_breaks_off_clears_the_steps();
+    void a_truncated_file_clears_the_steps();
     void saving_keeps_the_steps();
-    void a_removed_page_keeps_its_encoded_image_only();
+    void a_removed_page_keeps_only_its_encoded_image();
     void nothing_appears_in_menus_and_tool_bar();
     void signals_are_the_same_while_recording();
-    void the_page_view_tells_of_undo();
+    void the_page_view_describes_the_undo_keys();
 
     // Safety.
-    void a_killed_run_leaves_the_document_as_it_stood_after_undo();
+    void the_recovery_copy_after_a_kill_contains_the_undone_document();
     void undo_never_changes_a_saved_file();
 
 private:
@@ -177,8 +177,8 @@ void TestUndo::cleanup()
     d_window.reset();
 }
 
-/// Presses a key for a widget. Without a window manager nobody gives the window its activation back
-/// after a dialog.
+/// Presses a key in a widget. Activates the window first: without a window manager, it stays
+/// inactive after a dialog.
 void TestUndo::Press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
     QApplication::setActiveWindow(d_window.get());
@@ -191,7 +191,7 @@ void TestUndo::Redo()
     Press(Window().d_display_widget, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
 }
 
-/// All of the document but the selection.
+/// Describes the document without the selection.
 QStringList TestUndo::Document()
 {
     QStringList lines = Support::Describe(&Window());
@@ -201,7 +201,7 @@ QStringList TestUndo::Document()
     return lines << Support::Describe_Appearance(Window());
 }
 
-/// What view and panels show.
+/// Describes what the view and the panels show.
 QStringList TestUndo::Shown() const
 {
     QStringList lines = Support::View_In_Words(Window());
@@ -212,7 +212,7 @@ QStringList TestUndo::Shown() const
     return lines << Value_Editor()->text() << Text_Editor()->text() << Name_Editor()->text();
 }
 
-/// A command is one step that goes back and forth again.
+/// Checks that a command is one step that can be undone and redone repeatedly.
 void TestUndo::Check(const std::function<void()>& command, const QString& name)
 {
     const QStringList before = Document();
@@ -247,7 +247,7 @@ void TestUndo::Import(const QStringList& paths)
              QString());
 }
 
-/// @param option  which radio button of the dialog.
+/// @param option  index of the dialog's radio button.
 void TestUndo::Renumber(int option)
 {
     const auto choose = [option](QWidget* dialog) {
@@ -258,7 +258,7 @@ void TestUndo::Renumber(int option)
              QString());
 }
 
-/// As the list does it when a row is dropped: the row is out of it for a moment.
+/// Moves a page as dragging it does: the row is removed and inserted again.
 void TestUndo::Drop_Page(int from, int to)
 {
     QListWidgetItem* const row = Pages()->takeItem(from);
@@ -267,7 +267,7 @@ void TestUndo::Drop_Page(int from, int to)
     QCoreApplication::processEvents();
 }
 
-/// Drags a label with the mouse, in pixels of the view at its first size.
+/// Drags a label with the mouse, by a distance in pixels at the original zoom.
 void TestUndo::Drag(int id, const QPoint& way)
 {
     TDisplayWidget* const view = Window().d_display_widget;
@@ -371,7 +371,7 @@ void TestUndo::dragging_a_page()
 
 void TestUndo::moving_pages_by_keys()
 {
-    // Which of two neighbours has moved is seen by the selection alone.
+    // Only the selection shows which of two neighbours was moved.
     Check([this] { Press(Pages(), Qt::Key_Down, Qt::AltModifier); }, "move 1 page");
     QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 3, 2}));
     Undo();
@@ -474,7 +474,7 @@ void TestUndo::the_same_editor_on_another_label_is_another_step()
     QCOMPARE(Value_Of(0), 1);
 }
 
-void TestUndo::turning_to_an_editor_again_begins_another_step()
+void TestUndo::focusing_an_editor_again_begins_another_step()
 {
     Support::Click_Row(Labels(), 0);
     Press(Value_Editor(), Qt::Key_7);
@@ -535,7 +535,7 @@ void TestUndo::importing_several_images_is_one_step()
     Check([this] { Import({In("1.png"), In("2.png"), In("3.png")}); }, "import 3 images");
 }
 
-void TestUndo::what_changes_nothing_is_no_step_data()
+void TestUndo::a_command_that_changes_nothing_is_not_a_step_data()
 {
     QTest::addColumn<std::function<void(TestUndo*)>>("command");
     const auto add = [](const char* name, const std::function<void(TestUndo*)>& command) {
@@ -564,7 +564,7 @@ void TestUndo::what_changes_nothing_is_no_step_data()
     add("an unknown label", [](TestUndo* test) { test->Window().Change_Item_Text(99, "x"); });
 }
 
-void TestUndo::what_changes_nothing_is_no_step()
+void TestUndo::a_command_that_changes_nothing_is_not_a_step()
 {
     using TCommand = std::function<void(TestUndo*)>;
     QFETCH(TCommand, command);
@@ -575,7 +575,7 @@ void TestUndo::what_changes_nothing_is_no_step()
     QVERIFY(!Window().d_history->Can_Undo());
 }
 
-void TestUndo::typing_and_typing_back_is_no_step()
+void TestUndo::typing_and_restoring_a_text_is_not_a_step()
 {
     Support::Click_Row(Labels(), 0);
     Press(Value_Editor(), Qt::Key_End);
@@ -591,7 +591,7 @@ void TestUndo::typing_and_typing_back_is_no_step()
     QVERIFY(!Window().d_history->Can_Undo());
 }
 
-void TestUndo::two_hundred_steps_can_be_taken_back()
+void TestUndo::two_hundred_steps_can_be_undone()
 {
     const QStringList before = Document();
     for (int i = 0; i < 250; ++i)
@@ -605,7 +605,7 @@ void TestUndo::two_hundred_steps_can_be_taken_back()
     QCOMPARE(Document(), after);
 }
 
-void TestUndo::a_new_step_forgets_what_could_be_done_again()
+void TestUndo::a_new_step_clears_the_steps_to_redo()
 {
     Window().Add_Item(QPointF(10, 10));
     Undo();
@@ -615,7 +615,7 @@ void TestUndo::a_new_step_forgets_what_could_be_done_again()
     QCOMPARE(Value_Of(0), 1);
 }
 
-void TestUndo::both_keys_do_again_data()
+void TestUndo::both_keys_redo_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
@@ -623,7 +623,7 @@ void TestUndo::both_keys_do_again_data()
     QTest::newRow("Ctrl+Y") << int(Qt::Key_Y) << int(Qt::ControlModifier);
 }
 
-void TestUndo::both_keys_do_again()
+void TestUndo::both_keys_redo()
 {
     QFETCH(int, key);
     QFETCH(int, modifiers);
@@ -653,7 +653,7 @@ void TestUndo::the_keys_work_anywhere_in_the_window()
     QVERIFY(tried >= 15);
 }
 
-void TestUndo::an_editor_undoes_what_is_not_taken_over_yet()
+void TestUndo::an_editor_undoes_text_that_is_not_applied_yet()
 {
     Support::Click_Row(Labels(), 0);
     Window().Change_Item_Border(11, 8);
@@ -668,12 +668,12 @@ void TestUndo::an_editor_undoes_what_is_not_taken_over_yet()
         QCOMPARE(Text_Editor()->text(), QString("abc"));
         Press(Text_Editor(), Qt::Key_Z, Qt::ControlModifier);
     }
-    // Nothing of its own is left: now it is the document's turn.
+    // The editor has nothing left to undo, so the key undoes the document's last step.
     Press(Text_Editor(), Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(Window().d_data.Item(0).border_type, 2);
 }
 
-void TestUndo::an_editor_leaves_what_is_taken_over_to_the_document()
+void TestUndo::applied_text_is_undone_by_the_document()
 {
     Support::Click_Row(Labels(), 0);
     Press(Text_Editor(), Qt::Key_End);
@@ -688,7 +688,7 @@ void TestUndo::an_editor_leaves_what_is_taken_over_to_the_document()
     QCOMPARE(Text_Editor()->text(), QString("abc"));
 }
 
-void TestUndo::the_value_of_the_next_label_is_the_editors_own()
+void TestUndo::the_editor_undoes_the_value_of_the_next_label()
 {
     Window().Change_Item_Border(11, 8);
     Labels()->clearSelection();
@@ -700,7 +700,7 @@ void TestUndo::the_value_of_the_next_label_is_the_editors_own()
     QCOMPARE(Window().d_data.Item(0).border_type, 8);
 }
 
-void TestUndo::an_editor_keeps_what_is_not_taken_over_when_something_is_done_again()
+void TestUndo::redo_keeps_text_that_is_not_applied_yet()
 {
     Support::Click_Row(Labels(), 0);
     Window().Change_Item_Border(11, 8);
@@ -714,14 +714,14 @@ void TestUndo::an_editor_keeps_what_is_not_taken_over_when_something_is_done_aga
     QCOMPARE(Window().d_data.Item(0).text, QString("abc"));
 }
 
-void TestUndo::the_keyboard_stays_where_it_is_data()
+void TestUndo::undo_keeps_the_keyboard_focus_data()
 {
     QTest::addColumn<QString>("editor");
     for (const char* editor : {"Item Value", "Item Text", "Page Item Name"})
         QTest::newRow(editor) << editor;
 }
 
-void TestUndo::the_keyboard_stays_where_it_is()
+void TestUndo::undo_keeps_the_keyboard_focus()
 {
     QFETCH(QString, editor);
     Support::Click_Row(Labels(), 0);
@@ -751,7 +751,7 @@ void TestUndo::the_keys_work_in_a_floating_dock()
     QCOMPARE(Value_Of(0), 1000);
 }
 
-void TestUndo::nothing_to_take_back_is_nothing()
+void TestUndo::undo_without_steps_does_nothing()
 {
     const QStringList before = Document();
     Undo();
@@ -781,7 +781,7 @@ void TestUndo::model_view_and_panels_agree()
     QCOMPARE(Text_Editor()->text(), QString());
 }
 
-void TestUndo::the_page_that_the_step_touched_is_shown()
+void TestUndo::the_changed_page_is_shown()
 {
     Window().Change_Item_Value(12, 55);
     Support::Click_Row(Pages(), 2);
@@ -795,7 +795,7 @@ void TestUndo::the_page_that_the_step_touched_is_shown()
     QCOMPARE(Value_Of(1), 55);
 }
 
-void TestUndo::a_page_that_comes_back_is_shown()
+void TestUndo::a_restored_page_is_shown()
 {
     Support::Click_Row(Pages(), 1);
     Support::Click_Row(Pages(), 2, Qt::ControlModifier);
@@ -811,7 +811,7 @@ void TestUndo::a_page_that_comes_back_is_shown()
     QCOMPARE(Window().d_page_widget->Selected_Pages(), std::vector<int>{4});
 }
 
-void TestUndo::the_selection_is_as_it_was()
+void TestUndo::the_selection_is_restored()
 {
     Support::Click_Row(Labels(), 0);
     Support::Click_Row(Labels(), 2, Qt::ControlModifier);
@@ -835,7 +835,7 @@ void TestUndo::the_selection_is_as_it_was()
         !Support::By_Tool_Tip<QToolButton>(*Window().d_label_widget, "Remove Item")->isEnabled());
 }
 
-void TestUndo::the_view_stays_where_it_was_scrolled_to()
+void TestUndo::the_scroll_position_is_kept()
 {
     Window().Track_Item_Option_Changed(true);
     Window().d_zoom_slider->setValue(100);
@@ -851,7 +851,7 @@ void TestUndo::the_view_stays_where_it_was_scrolled_to()
     QCOMPARE(bar->value(), place);
 }
 
-void TestUndo::a_label_that_is_being_dragged_goes_back_to_its_place()
+void TestUndo::undo_during_a_drag_restores_the_position()
 {
     TDisplayWidget* const view = Window().d_display_widget;
     Window().Change_Item_Value(13, 55);
@@ -873,7 +873,7 @@ void TestUndo::a_label_that_is_being_dragged_goes_back_to_its_place()
     QCOMPARE(Value_Of(2), 55);
 }
 
-void TestUndo::a_text_that_is_typed_when_its_page_is_removed_is_a_step_of_its_own()
+void TestUndo::text_pending_when_its_page_is_removed_is_a_separate_step()
 {
     Support::Click_Row(Labels(), 0);
     Press(Text_Editor(), Qt::Key_End);
@@ -891,7 +891,7 @@ void TestUndo::a_text_that_is_typed_when_its_page_is_removed_is_a_step_of_its_ow
     QVERIFY(!Window().d_history->Can_Undo());
 }
 
-void TestUndo::a_page_without_a_picture_comes_back_as_one()
+void TestUndo::a_page_without_a_picture_is_restored_without_one()
 {
     Window().Add_Page();
     Window().d_page_widget->Set_Active_Page(4);
@@ -903,7 +903,7 @@ void TestUndo::a_page_without_a_picture_comes_back_as_one()
     QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 2, 3, 4}));
 }
 
-void TestUndo::a_label_size_that_the_slider_does_not_reach_comes_back()
+void TestUndo::a_label_size_beyond_the_slider_is_restored()
 {
     Window().Label_Size_Changed(300);
     Window().d_history->Finish_Step();
@@ -916,7 +916,7 @@ void TestUndo::a_label_size_that_the_slider_does_not_reach_comes_back()
     QCOMPARE(Size_Slider()->value(), 50);
 }
 
-void TestUndo::the_next_value_goes_back_with_the_label()
+void TestUndo::undoing_a_label_restores_the_next_value()
 {
     Window().Add_Item(QPointF(10, 10));
     QCOMPARE(Value_Of(3), 4);
@@ -933,7 +933,7 @@ void TestUndo::the_next_value_goes_back_with_the_label()
     QCOMPARE(Value_Editor()->text(), QString("5"));
 }
 
-void TestUndo::a_typed_next_value_is_kept_by_other_steps()
+void TestUndo::other_steps_keep_a_typed_next_value()
 {
     Window().Change_Item_Value(11, 9);
     Labels()->clearSelection();
@@ -954,7 +954,7 @@ void TestUndo::the_status_bar_names_the_step()
     QCOMPARE(Window().statusBar()->currentMessage(), QString("Redone: remove 3 labels"));
 }
 
-void TestUndo::ids_come_back_as_they_were()
+void TestUndo::ids_are_restored()
 {
     Answer([this] { Window().Remove_Pages({2}); }, QMessageBox::Yes);
     Undo();
@@ -965,7 +965,7 @@ void TestUndo::ids_come_back_as_they_were()
     Undo();
     Redo();
     QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 2, 3, 4}));
-    // An id is given once: what is added after an undo gets another one.
+    // Ids are never reused: a page added after an undo gets a new one.
     Undo();
     Window().Add_Page();
     QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 2, 3, 5}));
@@ -1037,7 +1037,7 @@ void TestUndo::a_refused_file_keeps_the_steps()
     QCOMPARE(Document(), before);
 }
 
-void TestUndo::a_file_that_breaks_off_clears_the_steps()
+void TestUndo::a_truncated_file_clears_the_steps()
 {
     const QString path = In("short.quillet");
     QVERIFY(Window().Save_Data(path));
@@ -1047,7 +1047,7 @@ void TestUndo::a_file_that_breaks_off_clears_the_steps()
     Window().d_data_changed = false;
     Answer([&] { Window().Open_File(path); }, QMessageBox::Ok);
     QVERIFY(!Window().d_history->Can_Undo());
-    // What was read before the fault is there to be worked on.
+    // The pages read before the fault can be edited.
     const QStringList before = Document();
     Pages()->item(0)->setText("Roof");
     Undo();
@@ -1063,7 +1063,7 @@ void TestUndo::saving_keeps_the_steps()
     QCOMPARE(Document(), before);
 }
 
-void TestUndo::a_removed_page_keeps_its_encoded_image_only()
+void TestUndo::a_removed_page_keeps_only_its_encoded_image()
 {
     QVERIFY(TPageImage::Stored_Bytes() > 0);
     Answer([this] { Window().Remove_Pages({1, 2, 3}); }, QMessageBox::Yes);
@@ -1091,7 +1091,7 @@ void TestUndo::nothing_appears_in_menus_and_tool_bar()
         QVERIFY(!action->shortcuts().contains(QKeySequence(Qt::CTRL + Qt::Key_Z)));
 }
 
-/// The same commands in a window that records and in one that does not.
+/// Compares the signals of a window that records steps with those of one that does not.
 void TestUndo::signals_are_the_same_while_recording()
 {
     const auto log = [this] {
@@ -1123,13 +1123,13 @@ void TestUndo::signals_are_the_same_while_recording()
     QCOMPARE(log(), recorded);
 }
 
-void TestUndo::the_page_view_tells_of_undo()
+void TestUndo::the_page_view_describes_the_undo_keys()
 {
     QVERIFY(Window().d_display_widget->whatsThis().contains("Ctrl+Z"));
     QVERIFY(Window().d_display_widget->whatsThis().contains("Ctrl+Y"));
 }
 
-void TestUndo::a_killed_run_leaves_the_document_as_it_stood_after_undo()
+void TestUndo::the_recovery_copy_after_a_kill_contains_the_undone_document()
 {
     const Support::TChildResult child = Support::Run_In_Child([this] {
         Window().Add_Item(QPointF(10, 10));

@@ -1,7 +1,7 @@
-// A random walk through all commands that change the document, with undo and redo in between,
-// against a plain copy of the document that the test keeps: a list of states, and an index into it.
+// A random walk through all commands that change the document, undo and redo. The test compares the
+// window with its own copies of all states of the document.
 //
-// QUILLET_WALK_SEED and QUILLET_WALK_STEPS in the environment ask for another walk.
+// The environment variables QUILLET_WALK_SEED and QUILLET_WALK_STEPS select another walk.
 
 #include "support/modal.h"
 #include "support/project.h"
@@ -24,7 +24,7 @@
 #include <algorithm>
 #include <random>
 
-/// Whether two labels are the same in all but their selection.
+/// Whether two labels are equal except for their selection.
 static bool operator==(const TDataItem& left, const TDataItem& right)
 {
     return left.id == right.id && left.value == right.value && left.text == right.text &&
@@ -37,7 +37,7 @@ constexpr int default_steps = 10000;
 constexpr unsigned int default_seed = 20240229;
 constexpr int picture_count = 4;
 
-/// A page as the test knows it.
+/// The test's copy of a page.
 struct TPlainPage
 {
     int id = 0;
@@ -46,10 +46,10 @@ struct TPlainPage
     QVector<TDataItem> labels;
 };
 
-/// The document as the test knows it; cheap to copy.
+/// The test's copy of the document; cheap to copy.
 struct TPlainDocument
 {
-    QVector<TPlainPage> pages; ///< in the order in which the model has them
+    QVector<TPlainPage> pages; ///< in the model's order
     QVector<int> order;        ///< ids, as in the page list
     int label_size = 0;
     QColor label_color;
@@ -106,7 +106,7 @@ private:
     QString Shown_Difference();
     QString Selection_Difference();
 
-    // Each returns whether there was something to do.
+    // Each command returns false if it does not apply to the current state.
     bool Add_Label_At_Point();
     bool Add_Label_In_Corner();
     bool Remove_Labels();
@@ -138,7 +138,7 @@ private:
     std::unique_ptr<TOpenWindow> d_window;
     TPlainDocument d_plain;
     std::vector<TPlainDocument> d_states;
-    std::size_t d_state = 0; ///< index of the present one
+    std::size_t d_state = 0; ///< index of the current one
 };
 
 const TestUndoWalk::TChoice TestUndoWalk::choices[] = {
@@ -242,7 +242,8 @@ TDataItem* TestUndoWalk::Label(int id)
     return nullptr;
 }
 
-/// A command was done: what could be done again is gone, and a state is added if it is a new one.
+/// Call this after a command. If it changed the document, removes the undone states and adds the
+/// new one.
 void TestUndoWalk::Remember()
 {
     if (d_plain == d_states[d_state])
@@ -279,7 +280,7 @@ QString TestUndoWalk::Page_List_Difference() const
 {
     const TPageWidget& list = *d_window->d_page_widget;
     if (list.Page_Ids().toVector() != d_plain.order)
-        return "the page list has another order";
+        return "the order of the page list differs";
     for (const TPlainPage& page : d_plain.pages) {
         if (list.Page_Name(page.id) != page.name)
             return QString("page %1 is named %2").arg(page.id).arg(list.Page_Name(page.id));
@@ -313,7 +314,7 @@ QString TestUndoWalk::Model_Difference(const TPlainPage& page)
     return QString();
 }
 
-/// The view and the item list against the page that is shown, and the looks.
+/// Compares the view and the item list with the current page, size and colour.
 QString TestUndoWalk::Shown_Difference()
 {
     const TDisplayWidget& view = *d_window->d_display_widget;
@@ -345,13 +346,13 @@ QString TestUndoWalk::Shown_Difference()
     }
     if (d_window->d_settings_widget->Label_Size() != d_plain.label_size ||
         view.Label_Size() != QSize(d_plain.label_size, d_plain.label_size))
-        return "the label size is another";
+        return "the label size differs";
     if (d_window->d_settings_widget->Label_Color() != d_plain.label_color ||
         view.Label_Color() != d_plain.label_color)
-        return "the label color is another";
+        return "the label color differs";
     const QPixmap none(":/images/background_default.png");
     if (view.Background_Pixmap().size() != (page ? d_pictures[page->picture].size() : none.size()))
-        return "the view shows another picture";
+        return "the view shows the wrong picture";
     return QString();
 }
 
@@ -363,7 +364,7 @@ QString TestUndoWalk::Selection_Difference()
     for (const QGraphicsPixmapItem* const item : shown) {
         const bool is_highlighted = item->data(TDisplayWidget::Selected_Key).toInt() != 0;
         if (is_highlighted != listed.contains(item->data(TDisplayWidget::Id_Key).toInt()))
-            return "view and list differ in what is selected";
+            return "view and list have different selections";
     }
     return QString();
 }
@@ -456,7 +457,7 @@ bool TestUndoWalk::Change_Border()
         return false;
     auto* const box = Support::Only<QComboBox>(*d_window->d_label_widget);
     const int place = Number_Below(box->count());
-    // Choosing what is shown already reports nothing.
+    // Choosing the current entry again emits nothing.
     if (place != box->currentIndex()) {
         box->setCurrentIndex(place);
         for (const int id : ids)
@@ -479,7 +480,7 @@ bool TestUndoWalk::Move_Label()
     return true;
 }
 
-/// An uninterrupted run of nudges.
+/// Nudges the selected labels one to three times in a row, as one step.
 bool TestUndoWalk::Nudge_Labels()
 {
     const std::vector<int> selected = Selected_Labels();
@@ -540,7 +541,7 @@ bool TestUndoWalk::Rename_Page()
     return true;
 }
 
-/// As a drop does it: the row is taken out and put in elsewhere.
+/// Moves a page as dragging it does: removes the row and inserts it elsewhere.
 bool TestUndoWalk::Move_Page()
 {
     if (d_plain.pages.size() < 2)
@@ -581,7 +582,7 @@ bool TestUndoWalk::Renumber()
     const int first = Number_Below(500);
     const bool current_page = Number_Below(2) == 0;
     const bool is_page_active = d_window->d_data.Active_Page() >= 0;
-    // A page without a picture is refreshed as it is: empty, until it is shown the next time.
+    // Renumbering would refresh an active page without a picture, which the copy does not model.
     if (is_page_active ? !Shown_Page() : current_page)
         return false;
     if (!d_window->d_reindex_dialog)
@@ -643,7 +644,7 @@ bool TestUndoWalk::Select_Labels()
     return true;
 }
 
-/// Without a window manager nobody gives the window its activation back after a dialog.
+/// Activates the window first: without a window manager, it stays inactive after a dialog.
 void TestUndoWalk::Press_Control(Qt::Key key)
 {
     QApplication::setActiveWindow(d_window.get());

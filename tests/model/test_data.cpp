@@ -159,7 +159,7 @@ private slots:
         QCOMPARE(data.Active_Page(), 1);
     }
 
-    void removing_pages_keeps_the_active_page_until_it_goes_itself()
+    void the_active_page_stays_until_it_is_removed_itself()
     {
         TData data;
         for (int count = 0; count < 4; ++count)
@@ -230,7 +230,7 @@ private slots:
         QVERIFY(data.Page_Image().isNull());
     }
 
-    void bytes_that_are_no_image_make_a_page_without_a_valid_image()
+    void bytes_that_are_not_an_image_make_a_page_without_a_valid_image()
     {
         TData data;
         data.Set_Active_Page(data.Add_Page(TPageImage::From_Bytes("no image")));
@@ -262,7 +262,7 @@ private slots:
         QVERIFY(!data.Item_Exists(2));
     }
 
-    void labels_are_copied_in_whole_and_keep_their_order()
+    void labels_are_copied_completely_and_keep_their_order()
     {
         TData data;
         Fill(&data, {});
@@ -399,7 +399,7 @@ private slots:
         QCOMPARE(data.Item(2).value, -4);
     }
 
-    void an_unknown_id_is_no_error()
+    void an_unknown_id_is_not_an_error()
     {
         TData data;
         Fill(&data, {1});
@@ -592,7 +592,7 @@ private slots:
             QCOMPARE(data.Item(index).value, index * 2 + 1);
     }
 
-    void operations_without_an_active_page_are_stopped_data()
+    void operations_without_an_active_page_fail_an_assertion_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<TOperation>("operation");
@@ -600,7 +600,7 @@ private slots:
             QTest::addRow("%s", entry.name) << QString::fromLatin1(entry.name) << entry.operation;
     }
 
-    void operations_without_an_active_page_are_stopped()
+    void operations_without_an_active_page_fail_an_assertion()
     {
         QFETCH(const QString, name);
         QFETCH(const TOperation, operation);

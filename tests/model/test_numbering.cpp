@@ -86,7 +86,7 @@ private slots:
         QTest::addColumn<int>("after");
         QTest::addColumn<int>("start");
 
-        // -1 / 10 = 0, (0 + 1) * 10 = 10: zero is not a start when one comes from below it.
+        // -1 / 10 = 0, (0 + 1) * 10 = 10: from below, zero is not a start.
         QTest::newRow("10X just below zero") << 1 << -1 << 10;
         QTest::newRow("10X last above minus ten") << 1 << -9 << 10;
         QTest::newRow("10X minus ten") << 1 << -10 << 0;

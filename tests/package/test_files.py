@@ -21,13 +21,13 @@ class TestFiles(unittest.TestCase):
         self.assertEqual([path for path in installed.files_below(stage)
                           if not path.startswith(below + "/")], [])
 
-    def test_everybody_may_read_each_file_that_is_installed(self):
+    def test_installed_files_are_readable_by_all_users(self):
         # Modes of folders depend on the umask during the installation.
         for path in installed.files_below(installed.prefix()):
             mode = 0o755 if path.startswith("bin/") else 0o644
             self.assertEqual(stat.S_IMODE(os.stat(installed.installed(path)).st_mode), mode, path)
 
-    def test_compressed_files_hold_no_name_and_no_time(self):
+    def test_compressed_files_contain_no_name_and_no_time(self):
         for name in ("share/doc/quillet/changelog.gz", "share/man/man1/quillet.1.gz",
                      "share/man/man1/quillet-cli.1.gz"):
             with open(installed.installed(name), "rb") as file:
@@ -36,7 +36,7 @@ class TestFiles(unittest.TestCase):
             self.assertEqual(header[4:8], bytes(4), name)
             self.assertEqual(header[8], 2, f"{name} is not compressed as well as it can be")
 
-    def test_links_between_the_installed_documents_lead_somewhere(self):
+    def test_links_between_installed_documents_are_valid(self):
         folder = installed.installed("share/doc/quillet")
         for name in ("guide.md", "file-formats.md"):
             for link in re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", read(os.path.join(folder, name))):
@@ -89,7 +89,7 @@ class TestLicence(unittest.TestCase):
         metainfo = ElementTree.parse(installed.installed("share/metainfo", ID + ".metainfo.xml"))
         self.assertEqual(metainfo.findtext("project_license"), "LicenseRef-proprietary")
 
-    def test_nothing_is_linked_that_the_copyright_file_does_not_name(self):
+    def test_the_copyright_file_names_every_linked_library(self):
         permitted = re.compile(r"libQt5(Core|Gui|Widgets|Xml|PrintSupport)\.so\.5"
                                r"|lib(stdc\+\+|gcc_s|c|m)\.so\.\d|ld-linux\S*")
         for program in ("quillet", "quillet-cli"):

@@ -123,7 +123,7 @@ class TestReportGeometry : public QObject
                                Layout(paper.code, has_header_1, has_header_2));
     }
 
-    /// What does not depend on what the headers hold but on where their rule lies.
+    /// Compares the parts of the layout that depend only on the position of the header rule.
     static void Compare_Frame(const TReportGeometry& geometry, const TPaper& paper, int hy)
     {
         const TPlaces& p = paper.places;

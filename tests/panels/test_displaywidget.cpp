@@ -111,8 +111,8 @@ private slots:
     void selecting_nothing_clears_every_selection();
     void a_selected_label_can_be_removed_before_others_are_selected();
     void selecting_scrolls_to_the_last_label_in_list_order();
-    void selecting_scrolls_only_when_asked_and_tracking_data();
-    void selecting_scrolls_only_when_asked_and_tracking();
+    void selecting_scrolls_only_when_requested_and_tracking_data();
+    void selecting_scrolls_only_when_requested_and_tracking();
     void selecting_unknown_ids_does_not_scroll();
     void the_label_size_is_five_less_than_the_pixmap();
     void changing_the_label_size_redraws_and_keeps_the_centres();
@@ -632,7 +632,7 @@ void TestDisplayWidget::selecting_scrolls_to_the_last_label_in_list_order()
     QCOMPARE(d_view->verticalScrollBar()->value(), 400 - port.height() / 2);
 }
 
-void TestDisplayWidget::selecting_scrolls_only_when_asked_and_tracking_data()
+void TestDisplayWidget::selecting_scrolls_only_when_requested_and_tracking_data()
 {
     QTest::addColumn<bool>("center");
     QTest::addColumn<bool>("track");
@@ -642,7 +642,7 @@ void TestDisplayWidget::selecting_scrolls_only_when_asked_and_tracking_data()
     QTest::newRow("both") << true << true;
 }
 
-void TestDisplayWidget::selecting_scrolls_only_when_asked_and_tracking()
+void TestDisplayWidget::selecting_scrolls_only_when_requested_and_tracking()
 {
     QFETCH(bool, center);
     QFETCH(bool, track);

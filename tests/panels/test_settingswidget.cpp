@@ -264,7 +264,7 @@ void TestSettingsWidget::the_icon_comes_with_the_first_resize()
     QCOMPARE(d_color->icon().availableSizes(), QList<QSize>({icon_size}));
     QCOMPARE(Support::Difference(Button_Image(), Filled(icon_size, first_color)), QString());
 
-    // The same size again, reached by hand: the button's layout before any icon was there.
+    // Compute the expected size with a second panel: that of the button's content without an icon.
     TSettingsWidget twin(nullptr, Qt::WindowFlags());
     twin.resize(d_panel->size());
     twin.ensurePolished();
@@ -388,7 +388,7 @@ void TestSettingsWidget::setting_the_colour_redraws_the_icon_and_reports_nothing
     QCOMPARE(d_color->grab().toImage().pixelColor(d_color->rect().center()), color);
     QCOMPARE(colors.count(), 0);
 
-    // A colour that is set before the panel is shown is the one that it shows then.
+    // A colour set before the panel is shown appears with the panel.
     TSettingsWidget other(nullptr, Qt::WindowFlags());
     other.Set_Label_Color(color);
     other.show();

@@ -19,10 +19,10 @@ namespace {
 
 const QString c_source_root = QDir::cleanPath(QStringLiteral(QUILLET_TEST_DATA "/../.."));
 
-/// The sizes at which icons are looked at: lists and combo boxes, small tool bars, our tool bar.
+/// Sizes at which icons are shown: in lists and combo boxes, in small tool bars, in our tool bar.
 constexpr int c_icon_sizes[] = {16, 22, 32};
 
-/// What a symbol needs against the surface that it is on to be told from it by most people.
+/// Minimum contrast at which most people can see a symbol on its background (WCAG 2.1).
 constexpr double c_least_contrast = 3.0;
 
 const QStringList& Background_Names()
@@ -62,7 +62,7 @@ QString At_2x(const QString& name)
     return QString(name).replace(".png", "@2x.png");
 }
 
-/// One channel of an sRGB colour as light, 0 to 1 (WCAG 2.1, relative luminance).
+/// Converts an sRGB channel to linear light, 0 to 1 (WCAG 2.1, relative luminance).
 double Linear(int channel)
 {
     const double c = channel / 255.0;
@@ -83,7 +83,7 @@ double Contrast(QRgb a, QRgb b)
     return std::max(la, lb) / std::min(la, lb);
 }
 
-/// An icon as a tool bar or a list shows it: scaled by QIcon, on a plain surface.
+/// Draws an icon as a tool bar or a list does: scaled by QIcon, on a plain background.
 QImage Shown(const QString& name, int size, const QColor& surface)
 {
     QImage image(size, size, QImage::Format_RGB32);
@@ -93,11 +93,11 @@ QImage Shown(const QString& name, int size, const QColor& surface)
     return image;
 }
 
-/// The pixels that stand out from the surface: how many, and the rectangle that they span.
+/// The pixels that contrast with the background.
 struct TInk
 {
     int count = 0;
-    QRect extent;
+    QRect extent; ///< bounding box
 };
 
 TInk Ink(const QImage& shown, const QColor& surface)
@@ -137,8 +137,8 @@ QStringList Listed_Files()
 
 } // namespace
 
-/// The built-in images: they are all there, as large as they are asked for, rendered from the
-/// sources beside them, and they can be seen on light and dark desktops.
+/// The built-in images exist in the right sizes, match their sources, and are visible on light and
+/// dark desktops.
 class TestResources : public QObject
 {
     Q_OBJECT
@@ -148,16 +148,16 @@ private slots:
     void every_name_loads_and_has_a_variant_of_twice_the_size();
     void icons_have_the_size_at_which_they_are_shown();
     void both_backgrounds_fit_the_page_view_of_a_first_start();
-    void the_two_backgrounds_can_be_told_apart();
-    void background_words_are_on_a_sheet_of_their_own();
+    void the_two_backgrounds_differ();
+    void background_texts_have_a_sheet_behind_them();
     void icons_are_legible_on_light_and_dark_palettes_data();
     void icons_are_legible_on_light_and_dark_palettes();
     void no_two_icons_look_alike_in_the_smallest_size();
-    void outline_icons_show_the_border_that_they_stand_for_data();
-    void outline_icons_show_the_border_that_they_stand_for();
+    void outline_icons_show_their_border_data();
+    void outline_icons_show_their_border();
     void every_listed_picture_has_its_source_beside_it();
     void every_picture_in_the_tree_is_listed();
-    void every_picture_is_what_its_source_gives();
+    void every_picture_matches_its_source();
 };
 
 void TestResources::every_name_loads_and_has_a_variant_of_twice_the_size_data()
@@ -187,8 +187,8 @@ void TestResources::icons_have_the_size_at_which_they_are_shown()
 
 void TestResources::both_backgrounds_fit_the_page_view_of_a_first_start()
 {
-    // 45 % of the default window's 800 pixels less the view's frame, and what menu bar, tool bar
-    // and status bar leave of its 600.
+    // The default window is 800 x 600. The view gets 45 % of the width, less its frame, and the
+    // height that menu bar, tool bar and status bar leave.
     const QSize page_view(356, 430);
     for (const QString& name : Background_Names()) {
         const QSize size = QImage(name).size();
@@ -197,16 +197,16 @@ void TestResources::both_backgrounds_fit_the_page_view_of_a_first_start()
     }
 }
 
-void TestResources::the_two_backgrounds_can_be_told_apart()
+void TestResources::the_two_backgrounds_differ()
 {
     QVERIFY(
         !Support::Difference(QImage(Background_Names().first()), QImage(Background_Names().last()))
              .isEmpty());
 }
 
-void TestResources::background_words_are_on_a_sheet_of_their_own()
+void TestResources::background_texts_have_a_sheet_behind_them()
 {
-    // All but the rounded corners is opaque: no palette shows through behind the words.
+    // Everything except the rounded corners is opaque, so texts do not depend on the palette.
     for (const QString& name : Background_Names()) {
         const QImage image(name);
         QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
@@ -236,14 +236,14 @@ void TestResources::icons_are_legible_on_light_and_dark_palettes()
     QFETCH(int, size);
     QFETCH(QColor, surface);
     const TInk ink = Ink(Shown(name, size, surface), surface);
-    const QByteArray measured = QString("%1 pixels stand out, over %2 x %3")
+    const QByteArray measured = QString("%1 contrasting pixels, over %2 x %3")
                                     .arg(ink.count)
                                     .arg(ink.extent.width())
                                     .arg(ink.extent.height())
                                     .toLocal8Bit();
-    // A tenth of the square is what a thin frame takes; less is a speck.
+    // A thin frame covers a tenth of the square. Less is hardly visible.
     QVERIFY2(ink.count * 10 >= size * size, measured);
-    // What stands out must be the whole symbol and not one part of it.
+    // The whole symbol must be visible and not just a part of it.
     QVERIFY2(ink.extent.width() * 4 >= size * 3, measured);
     QVERIFY2(ink.extent.height() * 4 >= size * 3, measured);
 }
@@ -267,7 +267,7 @@ void TestResources::no_two_icons_look_alike_in_the_smallest_size()
     }
 }
 
-void TestResources::outline_icons_show_the_border_that_they_stand_for_data()
+void TestResources::outline_icons_show_their_border_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QVector<QPoint>>("on_the_line");
@@ -295,7 +295,7 @@ void TestResources::outline_icons_show_the_border_that_they_stand_for_data()
                              << TPoints{centre, top_left, bottom_left, bottom_right};
 }
 
-void TestResources::outline_icons_show_the_border_that_they_stand_for()
+void TestResources::outline_icons_show_their_border()
 {
     QFETCH(QString, name);
     QFETCH(QVector<QPoint>, on_the_line);
@@ -330,7 +330,7 @@ void TestResources::every_picture_in_the_tree_is_listed()
     QCOMPARE(found, Listed_Files());
 }
 
-void TestResources::every_picture_is_what_its_source_gives()
+void TestResources::every_picture_matches_its_source()
 {
     QProcess script;
     script.start(c_source_root + "/script/render-resources", {"--check"});

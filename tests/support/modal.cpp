@@ -41,7 +41,7 @@ QString Run_Answering(const std::function<void()>& command, std::vector<TAnswer>
             answered = nullptr;
             return;
         }
-        // One instance may be shown twice in a row, but never without having been away between.
+        // Still the same dialog. One that is shown again was hidden in between.
         if (dialog == answered) {
             // An answer whose check failed leaves its dialog open.
             if (++idle_polls == patience) {

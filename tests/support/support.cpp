@@ -88,7 +88,7 @@ QString Byte_Difference(const QByteArray& actual, const QByteArray& expected)
 
 namespace {
 
-/// Reads a descriptor to its end or until the time is up; tells whether the end was reached.
+/// Reads a descriptor to its end. Returns false if nothing arrives for the given time.
 bool Read_All(int descriptor, int seconds, QByteArray* output)
 {
     char block[4096];
@@ -114,16 +114,15 @@ TChildResult Run_In_Child(const std::function<int()>& function, int seconds)
     int ends[2];
     if (pipe(ends) != 0)
         return result;
-    // A child has none of the threads that the toolkit keeps for large images, but would wait for
-    // them to do their part; this sends them away.
+    // Qt processes large images in a thread pool. A forked child would wait forever for the pool's
+    // threads, which exist in the parent only, so end them first.
     QThreadPool::globalInstance()->waitForDone();
     const pid_t child = fork();
     if (child == 0) {
         close(ends[0]);
         dup2(ends[1], STDERR_FILENO);
         close(ends[1]);
-        // QtTest prints a report of its own when a test is stopped by a signal; the child is to die
-        // of it plainly.
+        // QtTest's handlers would print a report when a signal kills the child.
         std::signal(SIGABRT, SIG_DFL);
         std::signal(SIGSEGV, SIG_DFL);
         _exit(function());
@@ -150,7 +149,7 @@ void Obey_File_Permissions()
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     __user_cap_data_struct sets[_LINUX_CAPABILITY_U32S_3] = {};
     if (syscall(SYS_capset, &header, sets) != 0)
-        qFatal("cannot give up capabilities");
+        qFatal("cannot drop capabilities");
 }
 
 QString Assertion_Failure(const std::function<void()>& function, const QString& source,

@@ -17,8 +17,8 @@ private slots:
 
     void every_change_is_undone_and_redone_data();
     void every_change_is_undone_and_redone();
-    void what_changes_nothing_is_void_data();
-    void what_changes_nothing_is_void();
+    void a_step_that_changes_nothing_is_void_data();
+    void a_step_that_changes_nothing_is_void();
     void facts_are_exchanged();
     void changed_facts_are_a_step();
     void the_active_page_stays_unless_it_is_removed();
@@ -26,7 +26,7 @@ private slots:
     void a_page_that_moves_is_not_touched();
     void a_removed_page_keeps_no_pixels();
     void a_changed_page_shares_its_image();
-    void bytes_count_labels_and_images_of_the_step_alone();
+    void bytes_count_only_labels_and_images_of_the_step();
     void a_random_walk_returns_to_its_beginning();
 
 private:
@@ -165,7 +165,7 @@ void TestDocumentStep::every_change_is_undone_and_redone()
     }
 }
 
-void TestDocumentStep::what_changes_nothing_is_void_data()
+void TestDocumentStep::a_step_that_changes_nothing_is_void_data()
 {
     QTest::addColumn<TCommand>("command");
     const auto add = [](const char* name, const TCommand& command) {
@@ -199,7 +199,7 @@ void TestDocumentStep::what_changes_nothing_is_void_data()
     add("another active page", [](TData* data) { data->Set_Active_Page(2); });
 }
 
-void TestDocumentStep::what_changes_nothing_is_void()
+void TestDocumentStep::a_step_that_changes_nothing_is_void()
 {
     QFETCH(const TCommand, command);
     const QStringList before = In_Words(*d_data);
@@ -299,7 +299,7 @@ void TestDocumentStep::a_changed_page_shares_its_image()
     QVERIFY(d_data->Pages()[0].image.Is_Copy_Of(image));
 }
 
-void TestDocumentStep::bytes_count_labels_and_images_of_the_step_alone()
+void TestDocumentStep::bytes_count_only_labels_and_images_of_the_step()
 {
     const qint64 nothing = Run([](TData*) {}).Bytes();
     const auto labels = static_cast<qint64>(3 * sizeof(TDataItem));

@@ -10,26 +10,26 @@ class TestUndoHistory : public QObject
 private slots:
     void init();
 
-    void what_is_shown_is_read_once_for_a_run_that_changes_nothing();
+    void a_run_that_changes_nothing_reads_the_shown_state_once();
     void a_run_that_begins_with_nothing_is_one_step();
     void a_finished_run_that_changed_nothing_is_not_continued();
     void changes_of_one_kind_to_one_subject_are_one_step();
     void changes_of_another_kind_or_subject_are_another_step();
     void some_kinds_are_never_continued();
-    void a_run_that_returns_to_its_beginning_is_no_step();
+    void a_run_without_a_net_change_is_not_a_step();
     void nested_scopes_are_one_step();
     void a_scope_without_a_history_records_nothing();
-    void a_selection_is_no_step();
+    void a_selection_is_not_a_step();
     void steps_share_a_selection_that_stays();
     void a_cleared_history_starts_again();
     void a_new_step_removes_undone_steps();
-    void the_outcome_has_what_was_shown_before_and_after();
+    void the_outcome_contains_the_shown_state_before_and_after();
     void the_message_counts();
     void the_look_is_undone_and_redone();
     void a_renamed_page_is_a_step();
     void moved_pages_are_a_step_that_touches_none();
     void rows_are_recorded_on_return_to_the_event_loop();
-    void a_row_that_is_missing_for_a_moment_is_no_step();
+    void a_row_missing_during_a_drag_is_not_a_step();
     void rows_that_change_within_a_step_belong_to_it();
     void the_oldest_steps_are_dropped_beyond_the_budget();
     void two_hundred_steps_are_kept_whatever_they_need();
@@ -95,7 +95,7 @@ void TestUndoHistory::Change_Value(int id, int value)
     Record(TStepKind::Change_Value, id, [&] { d_model.Change_Item_Value(id, value); });
 }
 
-void TestUndoHistory::what_is_shown_is_read_once_for_a_run_that_changes_nothing()
+void TestUndoHistory::a_run_that_changes_nothing_reads_the_shown_state_once()
 {
     QSignalSpy recorded(d_history.get(), &TUndoHistory::Step_Recorded);
     Change_Border(1, 2);
@@ -171,7 +171,7 @@ void TestUndoHistory::some_kinds_are_never_continued()
     QVERIFY(d_history->Can_Undo());
 }
 
-void TestUndoHistory::a_run_that_returns_to_its_beginning_is_no_step()
+void TestUndoHistory::a_run_without_a_net_change_is_not_a_step()
 {
     Change_Value(2, 20);
     Change_Value(1, 10);
@@ -213,7 +213,7 @@ void TestUndoHistory::a_scope_without_a_history_records_nothing()
     QCOMPARE(d_reads, 0);
 }
 
-void TestUndoHistory::a_selection_is_no_step()
+void TestUndoHistory::a_selection_is_not_a_step()
 {
     Record(TStepKind::Change_Value, 1, [&] { d_model.Change_Item_Selection(1, true); });
     QVERIFY(!d_history->Can_Undo());
@@ -261,7 +261,7 @@ void TestUndoHistory::a_new_step_removes_undone_steps()
     QVERIFY(!d_history->Undo().has_value());
 }
 
-void TestUndoHistory::the_outcome_has_what_was_shown_before_and_after()
+void TestUndoHistory::the_outcome_contains_the_shown_state_before_and_after()
 {
     Change_Value(1, 10);
     const auto undone = d_history->Undo();
@@ -351,7 +351,7 @@ void TestUndoHistory::rows_are_recorded_on_return_to_the_event_loop()
     QCOMPARE(d_history->Undo()->message, QString("Undone: rename page"));
 }
 
-void TestUndoHistory::a_row_that_is_missing_for_a_moment_is_no_step()
+void TestUndoHistory::a_row_missing_during_a_drag_is_not_a_step()
 {
     const TPageRows rows = std::exchange(d_rows, {});
     d_list.setItem(0, new QStandardItem("taken out"));

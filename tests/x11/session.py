@@ -1,4 +1,4 @@
-"""What the tests of the running program share: one session of work, and checks of its results.
+"""Shared by the tests of the running program: one session of work, and checks of its results.
 
 A session is a Program with a set of page images, the places of its widgets and a results folder.
 """
@@ -62,7 +62,7 @@ def check_label_colour(picture, centre, colour, where):
 
 
 def noise_page(folder, seed=1):
-    """Writes an image in which every piece is unique; its path."""
+    """Writes an image in which every piece is unique; returns its path."""
     path = os.path.join(folder, f"noise-{seed}.ppm")
     with open(path, "wb") as file:
         file.write(b"P6 %d %d 255\n" % (NOISE_EDGE, NOISE_EDGE) +
@@ -73,7 +73,7 @@ def noise_page(folder, seed=1):
 class Session:
     """The running program, the places of its widgets, and the page images that a test works with.
 
-    `images` are the paths of the page images. A test stores what it expects of the document here.
+    `images` are the paths of the page images. Tests add attributes for the expected document.
     """
 
     def __init__(self, quillet, results, images):
@@ -272,7 +272,7 @@ def close_discarding(session):
 
 
 def close_unchanged(session):
-    """Closes the program, which has nothing to ask."""
+    """Closes the program, which asks no question because nothing has changed."""
     session.program.close()
     check("exit code", session.program.ended(), 0)
 
