@@ -80,10 +80,10 @@ public:
     /// @throws TXmlFileException on bad content; labels read before the fault stay.
     void Read_Items(const QByteArray& document);
 
-    /// Writes the document to a project file; false leaves the reason in d_error_text.
+    /// Writes the document to a project file. On failure, returns false and sets d_error_text.
     bool Save_Data(const QString& file_name);
-    /// Opens a project file; false leaves the reason in d_error_text. What was read before a fault
-    /// stays.
+    /// Opens a project file. On failure, returns false, sets d_error_text, and keeps everything
+    /// read before the fault.
     bool Load_Data(const QString& file_name);
     /// Opens a document of an earlier generation.
     /// @param base_name  path of the pair of files without ".qld" and ".qli".
@@ -93,8 +93,8 @@ public:
     /// The same for version 2.
     void Load_Legacy_V2(TXmlFile* xml_file, std::vector<TDataItem>* items);
 
-    /// Writes each page with its labels as a PNG file into a folder. Returns false if there is no
-    /// page, or stops with false at a file that cannot be written.
+    /// Writes each page with its labels as a PNG file into a folder. Stops and returns false when a
+    /// file cannot be written. Returns false when there are no pages.
     bool Export_Images(const QString& folder, const QList<int>& page_ids);
     /// Writes pages as a PDF report, in the given order; false if nothing could be written.
     bool Export_PDF(const QString& file, const QList<int>& pages, const TReportSettings& settings);

@@ -81,10 +81,10 @@ bool TQuillet::Open_For_Saving(QFile* file, qint64 size)
     return is_open;
 }
 
-/// Ends the recovery copy of a document that another one replaces.
-/// @param loss_confirmed  the user agreed to lose unsaved changes, so the copy is deleted;
-/// otherwise
-///                        it stays for the next start.
+/// Ends the recovery copy of a document that another one replaces. The copy stays for the next
+/// start unless the loss of changes is confirmed.
+/// @param loss_confirmed  whether the user agreed to lose unsaved changes; the copy is then
+///                        deleted.
 void TQuillet::End_Recovery(bool loss_confirmed)
 {
     if (loss_confirmed)

@@ -158,9 +158,9 @@ struct TPageImage::TContent
 };
 
 /// Returns the original pixels or those in the cache, or decodes the source.
-/// @param caching  Uncached for pixels that are used only once, so that they do not replace those
-/// of
-///                 displayed pages.
+///
+/// Pixels that are used only once are not cached, so that they do not replace those of displayed
+/// pages.
 QImage TPageImage::TContent::Pixels(TCaching caching)
 {
     if (!pixels.isNull() || state == Undecodable)

@@ -46,7 +46,7 @@ public:
     /// Returns a function that calls Step. It must not outlive this object.
     TStepReport Steps();
 
-    /// Shows that the current step goes on.
+    /// Shows that the current step continues.
     void Update();
 
     /// How long an operation runs before its progress is shown.

@@ -13,8 +13,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/// The reader written from the description of the format alone finds everything that the program
-/// wrote.
+/// Checks that a reader written from docs/file-formats.md alone reads everything that the program
+/// writes.
 class TestUnpackProject : public QObject
 {
     Q_OBJECT

@@ -1,4 +1,4 @@
-"""Tests the Debian package: its content, its fields and lintian's opinion."""
+"""Tests the Debian package: its content, its fields and lintian's findings."""
 import glob
 import os
 import re

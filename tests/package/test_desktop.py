@@ -50,11 +50,11 @@ class TestDesktopEntry(unittest.TestCase):
     def test_it_starts_an_installed_program(self):
         self.assertTrue(os.access(installed.installed("bin", self.entry["Exec"]), os.X_OK))
 
-    def test_it_hands_no_files_to_a_program_that_ignores_them(self):
+    def test_it_passes_no_files_to_a_program_that_ignores_them(self):
         self.assertNotIn("%", self.entry["Exec"])
         self.assertNotIn("MimeType", self.entry)
 
-    def test_its_icon_is_there_in_all_sizes(self):
+    def test_its_icon_exists_in_all_sizes(self):
         self.assertEqual(self.entry["Icon"], ID)
         for size in ICON_SIZES:
             path = f"share/icons/hicolor/{size}x{size}/apps/{ID}.png"
@@ -111,7 +111,7 @@ class TestFileType(unittest.TestCase):
         return (re.search(r"standard::content-type: (.*)", text)[1],
                 re.search(r"standard::icon: (.*)", text)[1].split(", "))
 
-    def test_the_database_is_made_without_complaint(self):
+    def test_the_database_is_built_without_warnings(self):
         self.assertNotRegex(self.complaints.lower(), "error|warning|unknown|invalid")
         self.assertIn(":application/x-quillet:*.quillet",
                       installed.read(os.path.join(self.share, "mime/globs2")))
@@ -120,18 +120,18 @@ class TestFileType(unittest.TestCase):
         self.assertEqual(run("xmllint", "--noout", os.path.join(
             self.share, "mime/packages", ID + ".xml")), "")
 
-    def test_a_file_is_known_by_its_extension(self):
+    def test_a_file_is_recognized_by_its_extension(self):
         self.assertEqual(self.look("text.quillet", b"text")[0], "application/x-quillet")
 
-    def test_a_file_is_known_by_its_first_bytes(self):
+    def test_a_file_is_recognized_by_its_first_bytes(self):
         self.assertEqual(self.look("project", MAGIC + bytes(16))[0], "application/x-quillet")
 
-    def test_bytes_elsewhere_are_nothing(self):
+    def test_the_bytes_elsewhere_do_not_count(self):
         self.assertNotEqual(self.look("late", b"\0" + MAGIC + bytes(16))[0], "application/x-quillet")
         self.assertNotEqual(self.look("reversed", MAGIC[::-1] + bytes(16))[0],
                             "application/x-quillet")
 
-    def test_its_icon_is_there_in_all_sizes(self):
+    def test_its_icon_exists_in_all_sizes(self):
         icon = self.look("with-icon.quillet", MAGIC)[1][0]
         self.assertEqual(icon, "application-x-quillet")
         for size in ICON_SIZES:
@@ -152,7 +152,7 @@ class TestThumbnailer(unittest.TestCase):
             page, project, thumbnail = (os.path.join(folder, name)
                                         for name in ("page.png", "a b.quillet", "thumbnail.png"))
             write_png(page, 400, 300)
-            # File managers make the file first and have the program fill it.
+            # File managers create the file before they run the program.
             write(thumbnail, b"")
             tool = installed.installed("bin", self.entry["TryExec"])
             run(tool, "create", page, "--output", project)

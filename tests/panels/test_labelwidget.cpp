@@ -37,7 +37,7 @@ TDataItem Item(int id, int value, const QString& text = QString(), int border_ty
     return item;
 }
 
-/// Empty when an icon shows the picture with this resource name.
+/// Compares an icon with the picture of a resource. Empty if they are equal.
 QString Icon_Difference(const QIcon& icon, const QString& resource)
 {
     const QSize size(16, 16);

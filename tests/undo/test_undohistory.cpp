@@ -42,7 +42,7 @@ private:
     int Value(int place) const { return d_model.Item(place).value; }
 
     TData d_model;
-    int d_reads = 0;    ///< how often what is shown was read
+    int d_reads = 0;    ///< number of reads of the shown state
     int d_selected = 0; ///< selected label; 0 for another one each time
     TPageRows d_rows;
     TLabelLook d_look;
@@ -343,7 +343,7 @@ void TestUndoHistory::rows_are_recorded_on_return_to_the_event_loop()
     QVERIFY(!d_history->Can_Undo());
     QCoreApplication::processEvents();
     QVERIFY(d_history->Can_Undo());
-    // Or before, when another step begins.
+    // If another step begins first, it records them.
     d_rows[0].name = "Cellar";
     d_list.setItem(0, new QStandardItem("renamed again"));
     Change_Value(1, 10);

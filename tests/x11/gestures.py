@@ -16,7 +16,7 @@ from session import (BORDERS, COLOUR, DIAMOND, TRIANGLE, check, check_labels, ch
                      close_unchanged, import_pages, label_at, run_steps, save_as, start_working)
 
 FIRST_PAGE, LAST_PAGE = 16, 18
-# The page to work with, which has a page before it and another one after it.
+# The page of this test, with one page before it and one after it.
 PAGE = 1
 # How many times to press Tab from the page view to the border's box while a label is selected.
 TO_BORDER = 6
