@@ -281,9 +281,18 @@ void TLabelWidget::Current_Text_Changed()
     if (row == nullptr)
         return;
     const QString text = d_text_editor->text().simplified();
+    d_text_editor->setModified(false);
     row->setData(Text_Role, text);
     Update_Row_Text(row);
     Q_EMIT Change_Item_Text(row->data(TRowList::Id_Role).toInt(), text);
+}
+
+void TLabelWidget::Commit_Text()
+{
+    const QListWidgetItem* const row = d_list->Only_Selected_Row();
+    if (row != nullptr && d_text_editor->isModified() &&
+        d_text_editor->text() != row->data(Text_Role).toString())
+        Current_Text_Changed();
 }
 
 void TLabelWidget::Update_Row_Text(QListWidgetItem* row) const

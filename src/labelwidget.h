@@ -59,6 +59,9 @@ public:
     /// Format of the rows' texts; see ItemFormat. Existing rows keep their texts.
     QString d_display_format;
 
+    /// Takes over a text that the user has typed but not finished, as the return key does.
+    void Commit_Text();
+
 Q_SIGNALS:
     /// The user requests a new label.
     void Add_Item();

@@ -8,6 +8,7 @@
 #include "src/messagebox.h"
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
+#include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 #include "src/widgets/parentwidget.h"
 #include "src/widgets/undokeys.h"
@@ -85,6 +86,7 @@ void TQuillet::setVisible(bool visible)
 
 void TQuillet::closeEvent(QCloseEvent* event)
 {
+    Commit_Editors();
     Write_Settings();
     Copy_Pending_Work();
     if (!d_data_changed) {
@@ -161,6 +163,14 @@ TProgress TQuillet::New_Progress(const QString& pattern) const
     QRect area = statusBar()->contentsRect().adjusted(margin, margin, 0, -margin);
     area.setRight(d_zoom_slider->parentWidget()->x() - 2 * margin);
     return TProgress(statusBar(), area, pattern, d_progress_clock);
+}
+
+/// Takes over what the user has typed into an editor but not finished, as the return key does.
+/// Neither a shortcut nor the tool bar takes the focus from the editor.
+void TQuillet::Commit_Editors()
+{
+    d_label_widget->Commit_Text();
+    d_settings_widget->Commit_Display_Format();
 }
 
 void TQuillet::Mark_Changed()

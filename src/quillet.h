@@ -190,6 +190,7 @@ private:
     TProgress New_Progress(const QString& pattern) const;
 
     // The document and what follows from it.
+    void Commit_Editors();
     void Mark_Changed();
     void Update_Document_Actions();
     void Enable_Document_Actions(bool enable);

@@ -15,6 +15,7 @@
 
 void TQuillet::File_Export_Images()
 {
+    Commit_Editors();
     Copy_Pending_Work();
     const QString folder = QFileDialog::getExistingDirectory(
         this, tr("Export image files"), d_working_dir.absolutePath(), QFileDialog::ShowDirsOnly);
@@ -38,6 +39,7 @@ bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
 
 void TQuillet::File_Export_Pdf()
 {
+    Commit_Editors();
     Copy_Pending_Work();
     if (Header_Dialog()->exec() != QDialog::Accepted)
         return;

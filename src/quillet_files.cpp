@@ -22,6 +22,7 @@
 
 void TQuillet::File_New()
 {
+    Commit_Editors();
     if (!Confirm_Loss())
         return;
     End_Recovery(d_data_changed);
@@ -38,6 +39,7 @@ void TQuillet::File_New()
 
 void TQuillet::File_Open()
 {
+    Commit_Editors();
     if (!Confirm_Loss())
         return;
     Copy_Pending_Work();
@@ -83,6 +85,7 @@ bool TQuillet::Load_Quietly(const std::function<bool()>& load)
 
 void TQuillet::File_Save()
 {
+    Commit_Editors();
     if (d_file_name.isEmpty())
         File_SaveAs();
     else
@@ -91,6 +94,7 @@ void TQuillet::File_Save()
 
 void TQuillet::File_SaveAs()
 {
+    Commit_Editors();
     Copy_Pending_Work();
     const QString name =
         QFileDialog::getSaveFileName(this, tr("Save quillet file"), d_working_dir.absolutePath(),

@@ -23,6 +23,7 @@ void TQuillet::File_Import()
 /// Imports image files, possibly none, as one step.
 void TQuillet::Import_Files(const QStringList& paths)
 {
+    Commit_Editors();
     TProgress progress = New_Progress(tr("Importing image %1 of %2"));
     int number = 0;
     const TStepScope step = Record_Step(TStepKind::Import, 0, paths.size());

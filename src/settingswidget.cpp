@@ -73,7 +73,8 @@ TSettingsWidget::TSettingsWidget(const QWidget* parent, Qt::WindowFlags flags)
 void TSettingsWidget::Create_Widgets()
 {
     // The Tab key visits the widgets in the order of their creation.
-    d_format_editor = new QLineEdit(QString::fromLatin1(ItemFormat::Initial_Format), this);
+    d_format = QString::fromLatin1(ItemFormat::Initial_Format);
+    d_format_editor = new QLineEdit(d_format, this);
     d_format_editor->setAlignment(Qt::AlignCenter);
     d_color_button = new QToolButton(this);
     d_color_button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
@@ -163,7 +164,14 @@ QString TSettingsWidget::Display_Format() const
 
 void TSettingsWidget::Set_Display_Format(const QString& format)
 {
+    d_format = format;
     d_format_editor->setText(format);
+}
+
+void TSettingsWidget::Commit_Display_Format()
+{
+    if (d_format_editor->isModified() && d_format_editor->text() != d_format)
+        Display_Format_Updated();
 }
 
 int TSettingsWidget::PDF_Orientation() const
@@ -221,6 +229,7 @@ void TSettingsWidget::Display_Format_Updated()
     const QString format = ItemFormat::Clean(d_format_editor->text());
     if (format != d_format_editor->text())
         d_format_editor->setText(format);
+    d_format = format;
     Q_EMIT Item_Display_Format_Changed(format);
 }
 

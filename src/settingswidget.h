@@ -33,6 +33,8 @@ public:
     QString Display_Format() const;
     /// Sets the format unchanged, without reporting it.
     void Set_Display_Format(const QString& format);
+    /// Takes over a format that the user has typed but not finished, as the return key does.
+    void Commit_Display_Format();
     /// 0 portrait, 1 landscape.
     int PDF_Orientation() const;
     /// @param orientation  0 for portrait; any other code for landscape.
@@ -75,6 +77,7 @@ private:
     QComboBox* d_orientation_box = nullptr;
     QComboBox* d_resolution_box = nullptr;
     QCheckBox* d_track_box = nullptr;
+    QString d_format; ///< the last one that was set or reported
     QColor d_label_color;
     bool d_first_resize = true;
 };
