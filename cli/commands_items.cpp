@@ -33,7 +33,7 @@ std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& 
     return labels;
 }
 
-/// Replaces line breaks by blanks. A project file drops line breaks, which would join words.
+/// Replaces line breaks by blanks: a label has one line.
 QString In_One_Line(QString text)
 {
     static const QRegularExpression line_break(QStringLiteral("\\r\\n|\\r|\\n"));

@@ -299,6 +299,24 @@ void TXmlFile::Write_Text_Node(QDomElement* node, int value)
     Write_Text_Node(node, QString::number(value));
 }
 
+void TXmlFile::Write_Lines(QDomElement* node, const QString& text)
+{
+    const bool is_good = XmlGuard::Is_Text(text);
+    if (is_good && !text.isEmpty() && text.trimmed().isEmpty()) {
+        const TAcceptAnyText scope;
+        node->appendChild(createCDATASection(text));
+        return;
+    }
+    // The message about a bad text contains all of it.
+    const QStringList lines = is_good ? text.split(QLatin1Char('\n')) : QStringList(text);
+    Write_Text_Node(node, lines.first());
+    for (int place = 1; place < lines.size(); ++place) {
+        const TAcceptAnyText scope;
+        node->appendChild(createEntityReference(QStringLiteral("#10")));
+        Write_Text_Node(node, lines.at(place));
+    }
+}
+
 void TXmlFile::Write_Attribute(QDomElement* node, const QString& name, const QString& value)
 {
     assert(node);

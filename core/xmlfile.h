@@ -96,6 +96,10 @@ public:
     /// @param precision  decimals, in fixed notation.
     void Write_Text_Node(QDomElement* node, const double& value, int precision);
     void Write_Text_Node(QDomElement* node, int value);
+    /// Appends a text like Write_Text_Node, but so that its line breaks stay in a compact document
+    /// and a text of white space alone is not mistaken for a missing one. Of the latter, line
+    /// breaks are still lost.
+    void Write_Lines(QDomElement* node, const QString& text);
     /// Sets an attribute; throws for an empty name.
     void Write_Attribute(QDomElement* node, const QString& name, const QString& value);
     /// @param precision  decimals, in fixed notation.

@@ -28,7 +28,8 @@ void Write_Item(TXmlFile* xml_file, const TDataItem& item)
     QDomElement node = xml_file->Create_Node(&xml_file->d_root_element, ItemXml::Item_Name);
     Write_Child(xml_file, &node, ItemXml::Id_Name, item.id);
     Write_Child(xml_file, &node, ItemXml::Value_Name, item.value);
-    Write_Child(xml_file, &node, text_name, item.text);
+    QDomElement text = xml_file->Create_Node(&node, text_name);
+    xml_file->Write_Lines(&text, item.text);
     Write_Child(xml_file, &node, ItemXml::Border_Name, item.border_type);
     const QString position =
         Coordinate_Text(item.position.x()) + QLatin1Char(',') + Coordinate_Text(item.position.y());

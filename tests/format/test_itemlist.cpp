@@ -91,16 +91,6 @@ private slots:
         QCOMPARE(ItemList::Write({}), declaration + "<Quillet_Data File_Version=\"1\"/>");
     }
 
-    void line_breaks_in_a_text_are_lost()
-    {
-        TItems items;
-        items.push_back({1, 1, QStringLiteral("one\ntwo\r\nthree"), 0, QPointF(), false});
-        const QByteArray document = ItemList::Write(items);
-        QVERIFY(!document.contains('\n'));
-        QVERIFY(!document.contains('\r'));
-        QVERIFY(document.contains("<Text>onetwo"));
-    }
-
     void a_control_character_in_a_text_cannot_be_written()
     {
         TItems items;
@@ -330,6 +320,41 @@ private slots:
         QCOMPARE(copy[0].position, QPointF(1.0, 3.0));
         QCOMPARE(copy[1].position, QPointF(-3.5, 123456.78));
         QCOMPARE(ItemList::Write(copy), document);
+    }
+
+    void white_space_in_a_text_is_kept_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QByteArray>("written");
+        QTest::newRow("repeated blanks") << "  a   b  " << QByteArray("  a   b  ");
+        QTest::newRow("line break") << "a\nb" << QByteArray("a&#10;b");
+        QTest::newRow("line breaks at both ends") << "\n\na\n" << QByteArray("&#10;&#10;a&#10;");
+        QTest::newRow("carriage return") << "a\r\nb" << QByteArray("a&#xd;&#10;b");
+        QTest::newRow("tab") << "a\tb" << QByteArray("a\tb");
+        QTest::newRow("line break and markup") << "<\n&" << QByteArray("&lt;&#10;&amp;");
+        QTest::newRow("nothing but blanks") << "  " << QByteArray("<![CDATA[  ]]>");
+        QTest::newRow("no-break space")
+            << QString(QChar(0xa0)) << QByteArray("<![CDATA[\xc2\xa0]]>");
+        QTest::newRow("surrogate pairs") << QString::fromUtf8("\xf0\x9f\x98\x80\n\xf0\x9f\x98\x80")
+                                         << QByteArray("\xf0\x9f\x98\x80&#10;\xf0\x9f\x98\x80");
+    }
+
+    void white_space_in_a_text_is_kept()
+    {
+        QFETCH(const QString, text);
+        QFETCH(const QByteArray, written);
+        const QByteArray document = ItemList::Write({{1, 2, text, 4, QPointF(3, 4), false}});
+        QVERIFY2(document.contains("<Text>" + written + "</Text>"), document.constData());
+        TItems copy;
+        Read(document, &copy);
+        QCOMPARE(copy.at(0).text, text);
+    }
+
+    void line_breaks_of_a_text_without_other_characters_are_lost()
+    {
+        TItems copy;
+        Read(ItemList::Write({{1, 2, QStringLiteral("\n"), 4, QPointF(3, 4), false}}), &copy);
+        QCOMPARE(copy.at(0).text, QString());
     }
 
     void thousands_of_labels_are_written_and_read()
