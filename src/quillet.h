@@ -179,6 +179,7 @@ private:
     void Show_Selection(const TShownState& shown, const std::vector<int>& pages);
 
     // Questions and messages.
+    static constexpr int Message_Milliseconds = 5000; ///< in the status bar
     QMessageBox::StandardButton Show_Message(const QString& text, const QString& informative_text,
                                              const QString& detailed_text,
                                              QMessageBox::StandardButtons buttons,

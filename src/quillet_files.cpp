@@ -19,6 +19,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QScopedValueRollback>
+#include <QStatusBar>
 
 void TQuillet::File_New()
 {
@@ -138,6 +139,10 @@ bool TQuillet::Save_Data(const QString& file_name)
     const bool saved = Write_Data(file_name);
     if (!saved)
         d_safety_net->After_Failed_Save(file_name);
+    else if (ProjectFile::Loses_Headers(Appearance(), d_data.Page_Count()))
+        statusBar()->showMessage(
+            tr("Without pages, a document cannot store all characters of its header lines."),
+            Message_Milliseconds);
     // It may have been the kept work that was saved.
     Show_Recovery_Notice();
     return saved;

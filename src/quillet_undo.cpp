@@ -97,8 +97,7 @@ void TQuillet::Show_Outcome(const std::optional<TStepOutcome>& outcome)
 
     Update_Document_Actions();
     Mark_Changed();
-    constexpr int message_milliseconds = 5000;
-    statusBar()->showMessage(outcome->message, message_milliseconds);
+    statusBar()->showMessage(outcome->message, Message_Milliseconds);
 }
 
 void TQuillet::Show_Look(const TLabelLook& look)

@@ -82,15 +82,27 @@ def read_label(item):
     }
 
 
-def read_labels(document):
+def read_document(document):
     root = xml.etree.ElementTree.fromstring(document)
     if root.tag != "Quillet_Data" or root.get("File_Version") != "1":
         raise ProjectError("XML Version not recognized")
+    return root
+
+
+def read_labels(root):
     labels = {}
     for item in root.findall("Item"):
         label = read_label(item)
         labels.setdefault(label["id"], label)
     return list(labels.values())
+
+
+def full_text(text, root, attribute):
+    """The text in an attribute of the root, if it is the field's apart from replaced characters."""
+    full = root.get(attribute, "")
+    units = full.encode("utf-16-le", "surrogatepass")
+    replaced = "".join(chr(low) if high == 0 else "?" for low, high in zip(units[::2], units[1::2]))
+    return full if replaced == text else text
 
 
 def write_json(path, value):
@@ -110,15 +122,19 @@ def unpack(content, folder):
         "page_count": max(0, reader.integer()),
     }
     folder.mkdir(parents=True, exist_ok=True)
-    write_json(folder / "header.json", header)
     for number in range(1, header["page_count"] + 1):
         name = reader.text()
         image = reader.blob()
-        labels = read_labels(reader.blob())
+        root = read_document(reader.blob())
+        if number == 1:
+            header["header_1"] = full_text(header["header_1"], root, "Header_1")
+            header["header_2"] = full_text(header["header_2"], root, "Header_2")
+        name = full_text(name, root, "Page_Name")
         stem = folder / "page_{:04}".format(number)
-        write_json(stem.with_suffix(".json"), {"name": name, "labels": labels})
+        write_json(stem.with_suffix(".json"), {"name": name, "labels": read_labels(root)})
         if image:
             stem.with_suffix(".png").write_bytes(image)
+    write_json(folder / "header.json", header)
 
 
 def main(arguments):

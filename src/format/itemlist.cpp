@@ -60,7 +60,8 @@ TDataItem Writable(TDataItem item, ItemList::TBadText bad_text)
 
 } // namespace
 
-QByteArray ItemList::Write(const std::vector<TDataItem>& items, TBadText bad_text)
+QByteArray ItemList::Write(const std::vector<TDataItem>& items, TBadText bad_text,
+                           const TPageTexts& texts)
 {
     TXmlFile xml_file;
     xml_file.Reset(ItemXml::Root_Name, Version);
@@ -68,7 +69,10 @@ QByteArray ItemList::Write(const std::vector<TDataItem>& items, TBadText bad_tex
         Write_Item(&xml_file, Writable(item, bad_text));
     QByteArray document;
     xml_file.Write_Data(&document, true);
-    return document;
+    // Not by the DOM: it writes several attributes in random order.
+    const int root_name_end =
+        document.indexOf(ItemXml::Root_Name.data()) + ItemXml::Root_Name.size();
+    return document.insert(root_name_end, PageTexts::Attributes(texts));
 }
 
 TDataItem ItemList::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
@@ -87,7 +91,8 @@ TDataItem ItemList::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
     return item;
 }
 
-void ItemList::Read(const QByteArray& document, const std::function<void(const TDataItem&)>& add)
+void ItemList::Read(const QByteArray& document, const std::function<void(const TDataItem&)>& add,
+                    TPageTexts* texts)
 {
     TXmlFile xml_file;
     int version = 0;
@@ -95,6 +100,8 @@ void ItemList::Read(const QByteArray& document, const std::function<void(const T
     if (version != Version)
         throw TXmlFileException(QStringLiteral("XML Version not recognized"),
                                 TXmlFileException::Data_Error);
+    if (texts)
+        *texts = PageTexts::Read(xml_file);
     QDomElement node = xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, true);
     while (!node.isNull()) {
         add(Read_Item(xml_file, node));

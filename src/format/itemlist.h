@@ -1,5 +1,6 @@
 #pragma once
 
+#include "src/format/pagetexts.h"
 #include "src/model/pageitem.h"
 
 #include <QByteArray>
@@ -24,13 +25,17 @@ enum class TBadText {
 };
 
 /// Writes labels as compact UTF-8 XML. The selection is not stored.
+/// @param texts  become attributes of the root where Latin-1 cannot represent them.
 /// @throws TXmlFileException on a text that XML cannot hold, unless it is cleaned.
-QByteArray Write(const std::vector<TDataItem>& items, TBadText bad_text = TBadText::Refuse);
+QByteArray Write(const std::vector<TDataItem>& items, TBadText bad_text = TBadText::Refuse,
+                 const TPageTexts& texts = {});
 
 /// Reads the labels of a document, unselected.
-/// @param add  is called with each label, also with those before a fault.
+/// @param add    is called with each label, also with those before a fault.
+/// @param texts  receives the texts in the root's attributes, also before a fault; may be null.
 /// @throws TXmlFileException on bad content.
-void Read(const QByteArray& document, const std::function<void(const TDataItem&)>& add);
+void Read(const QByteArray& document, const std::function<void(const TDataItem&)>& add,
+          TPageTexts* texts = nullptr);
 
 /// Reads one label, unselected.
 /// @param node  its element in an opened document.

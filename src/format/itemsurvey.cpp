@@ -17,6 +17,7 @@
 
 namespace {
 
+constexpr char root_begin[] = "<Quillet_Data";
 constexpr char item_begin[] = "<Item";
 constexpr char item_end[] = "</Item>";
 constexpr int item_begin_size = sizeof(item_begin) - 1;
@@ -69,9 +70,12 @@ public:
     }
 
     std::vector<TDataItem> Survey();
+    /// The texts in the attributes of the root, after Survey.
+    const TPageTexts& Texts() const { return d_texts; }
 
 private:
     void Read_Document(const TXmlFile& xml_file);
+    void Read_Root_Alone();
     void Read_Alone();
     void Read_Fragment(const QByteArray& fragment);
     void Read_Item(const TXmlFile& xml_file, const QDomElement& node);
@@ -92,6 +96,7 @@ private:
     }
 
     const QByteArray d_document;
+    TPageTexts d_texts;
     std::vector<TProjectDefect>* d_defects;
     std::vector<TDataItem> d_items;
     std::vector<int> d_item_numbers; ///< for each of d_items
@@ -110,9 +115,11 @@ std::vector<TDataItem> TItemSurveyor::Survey()
             d_defects->push_back({0, tr("XML Version not recognized")});
         if (!Is_Utf8(d_document))
             d_defects->push_back({0, tr("holds bytes that are no UTF-8")});
+        d_texts = PageTexts::Read(xml_file);
         Read_Document(xml_file);
     } catch (const TXmlFileException& exception) {
         d_defects->push_back({0, exception.Message()});
+        Read_Root_Alone();
         Read_Alone();
     }
     Give_Ids();
@@ -134,6 +141,25 @@ void TItemSurveyor::Read_Document(const TXmlFile& xml_file)
     for (const QDomElement& node : nodes) {
         Begin_Label(*place++);
         Read_Item(xml_file, node);
+    }
+}
+
+/// Reads the root's begin tag of a document that is not well-formed.
+void TItemSurveyor::Read_Root_Alone()
+{
+    const int begin = d_document.indexOf(root_begin);
+    const int end = d_document.indexOf('>', begin);
+    if (begin < 0 || end < 0)
+        return;
+    QByteArray tag = d_document.mid(begin, end - begin);
+    if (!tag.endsWith('/'))
+        tag += '/';
+    try {
+        TXmlFile xml_file;
+        xml_file.Open_Data(tag + '>', ItemXml::Root_Name, nullptr, true);
+        d_texts = PageTexts::Read(xml_file);
+    } catch (const TXmlFileException&) {
+        // The defect is in the tag, and has been reported.
     }
 }
 
@@ -250,8 +276,12 @@ void TItemSurveyor::Give_Ids()
 } // namespace
 
 std::vector<TDataItem> ItemSurvey::Survey(const QByteArray& document,
-                                          std::vector<TProjectDefect>* defects)
+                                          std::vector<TProjectDefect>* defects, TPageTexts* texts)
 {
     assert(defects);
-    return TItemSurveyor(document, defects).Survey();
+    TItemSurveyor surveyor(document, defects);
+    std::vector<TDataItem> items = surveyor.Survey();
+    if (texts)
+        *texts = surveyor.Texts();
+    return items;
 }

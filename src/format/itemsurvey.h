@@ -1,5 +1,6 @@
 #pragma once
 
+#include "src/format/pagetexts.h"
 #include "src/model/pageitem.h"
 
 #include <QByteArray>
@@ -24,6 +25,9 @@ namespace ItemSurvey {
 /// and memory are proportional to the size of the document.
 /// @param defects  receives the defects with their offsets within the document: of a label, where
 ///                 its element begins (0 when that is not certain); of the document, 0.
-std::vector<TDataItem> Survey(const QByteArray& document, std::vector<TProjectDefect>* defects);
+/// @param texts    receives the texts in the attributes of the root, if its tag is readable; may be
+///                 null.
+std::vector<TDataItem> Survey(const QByteArray& document, std::vector<TProjectDefect>* defects,
+                              TPageTexts* texts = nullptr);
 
 } // namespace ItemSurvey

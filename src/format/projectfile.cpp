@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QIODevice>
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <cassert>
@@ -134,13 +135,14 @@ void Write_Header(const TAppearance& appearance, int page_count, TProjectWriter*
     writer->Write_Integer(page_count);
 }
 
-void Write_Page(const QString& name, const TPageItem& page, bool is_copy, TProjectWriter* writer)
+void Write_Page(const TPageTexts& texts, const TPageItem& page, bool is_copy,
+                TProjectWriter* writer)
 {
-    writer->Write_Text(name);
+    writer->Write_Text(texts.name);
     writer->Write_Image(page.image, is_copy ? TProjectWriter::TImageBytes::Source
                                             : TProjectWriter::TImageBytes::Png);
-    writer->Write_Bytes(ItemList::Write(page.data_items, is_copy ? ItemList::TBadText::Leave_Out
-                                                                 : ItemList::TBadText::Refuse));
+    const auto bad_text = is_copy ? ItemList::TBadText::Leave_Out : ItemList::TBadText::Refuse;
+    writer->Write_Bytes(ItemList::Write(page.data_items, bad_text, texts));
 }
 
 /// False when a field has a negative length.
@@ -162,7 +164,7 @@ bool Read_Header(TProjectReader* reader, TFileContent* content)
 
 /// False when a field has a negative length; the page is then left out.
 /// @throws TXmlFileException on bad labels; those before the fault are added.
-bool Read_Page(TProjectReader* reader, std::vector<TFilePage>* pages)
+bool Read_Page(TProjectReader* reader, TFileContent* content)
 {
     TFilePage page;
     page.name = reader->Read_Text();
@@ -170,18 +172,30 @@ bool Read_Page(TProjectReader* reader, std::vector<TFilePage>* pages)
     const QByteArray items = reader->Read_Bytes();
     if (!reader->Is_Valid())
         return false;
-    pages->push_back(page);
-    ItemList::Read(items, [pages](const TDataItem& item) { pages->back().items.push_back(item); });
+    content->pages->push_back(page);
+    TPageTexts texts;
+    // Also when the labels have a fault.
+    const auto restore = qScopeGuard([content, &texts] {
+        PageTexts::Restore(texts.name, &content->pages->back().name);
+        if (content->pages->size() > 1)
+            return;
+        PageTexts::Restore(texts.header_1, &content->header_1);
+        PageTexts::Restore(texts.header_2, &content->header_2);
+    });
+    ItemList::Read(
+        items, [content](const TDataItem& item) { content->pages->back().items.push_back(item); },
+        &texts);
     return true;
 }
 
-bool Read_Pages(TProjectReader* reader, const TStepReport& report, std::vector<TFilePage>* pages)
+bool Read_Pages(TProjectReader* reader, const TStepReport& report, TFileContent* content)
 {
+    content->pages.emplace();
     const int page_count = reader->Read_Integer();
     for (int number = 1; number <= page_count; ++number) {
         if (report)
             report(number, page_count);
-        if (!Read_Page(reader, pages))
+        if (!Read_Page(reader, content))
             return false;
     }
     return true;
@@ -210,6 +224,12 @@ bool Skip_Fields(QIODevice* device, qint64 count)
 
 } // namespace
 
+bool ProjectFile::Loses_Headers(const TAppearance& appearance, int page_count)
+{
+    return page_count == 0 && !(PageTexts::Is_Latin1(appearance.header_1) &&
+                                PageTexts::Is_Latin1(appearance.header_2));
+}
+
 QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
                            const TData& data, TPurpose purpose, const TStepReport& report,
                            TProjectWriter* writer)
@@ -222,11 +242,17 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
     try {
         int number = 0;
         for (const TNamedPage& page : written) {
+            ++number;
             if (report)
-                report(++number, total);
+                report(number, total);
             const int index = data.Page_Index(page.page_id);
             assert(index >= 0);
-            Write_Page(page.name, data.Pages()[static_cast<std::size_t>(index)], is_copy, writer);
+            TPageTexts texts{page.name, QString(), QString()};
+            if (number == 1) {
+                texts.header_1 = appearance.header_1;
+                texts.header_2 = appearance.header_2;
+            }
+            Write_Page(texts, data.Pages()[static_cast<std::size_t>(index)], is_copy, writer);
         }
     } catch (const TXmlFileException& exception) {
         return exception.Message();
@@ -241,7 +267,7 @@ TFileContent ProjectFile::Read(const QByteArray& bytes, const TStepReport& repor
     bool is_valid = reader.Read_Magic() && Read_Header(&reader, &content);
     try {
         if (is_valid)
-            is_valid = Read_Pages(&reader, report, &content.pages.emplace());
+            is_valid = Read_Pages(&reader, report, &content);
     } catch (const TXmlFileException& exception) {
         content.fault = exception.Message();
     }

@@ -109,6 +109,10 @@ enum class TPurpose {
                   ///< document does not have are left out: an incomplete copy is better than none
 };
 
+/// Whether a file would store header lines with replaced characters: it keeps the others with the
+/// first page.
+bool Loses_Headers(const TAppearance& appearance, int page_count);
+
 /// Writes a document.
 /// @param pages   the pages in the order in which they are written.
 /// @param report  is called before each page.

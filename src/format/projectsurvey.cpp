@@ -53,7 +53,7 @@ private:
     void Check_Record(const TPageRecord& record);
     QString Text(const QString& what, const TFileField& field);
     TPageImage Image(const TFileField& field);
-    std::vector<TDataItem> Items(const TFileField& field);
+    void Read_Items(const TFileField& field, TSurveyedPage* page);
 
     QByteArray Content(const TFileField& field) const
     {
@@ -214,7 +214,7 @@ void TSurveyor::Read_Record(const TPageRecord& record)
     if (record.image)
         page.image = Image(*record.image);
     if (record.items)
-        page.items = Items(*record.items);
+        Read_Items(*record.items, &page);
     page.is_whole = d_survey.defects.size() == defect_count;
     d_survey.pages.push_back(page);
 }
@@ -312,13 +312,18 @@ TPageImage TSurveyor::Image(const TFileField& field)
     return image;
 }
 
-std::vector<TDataItem> TSurveyor::Items(const TFileField& field)
+void TSurveyor::Read_Items(const TFileField& field, TSurveyedPage* page)
 {
     std::vector<TProjectDefect> defects;
-    std::vector<TDataItem> items = ItemSurvey::Survey(Content(field), &defects);
+    TPageTexts texts;
+    page->items = ItemSurvey::Survey(Content(field), &defects, &texts);
+    PageTexts::Restore(texts.name, &page->name);
+    if (d_record_count == 1) {
+        PageTexts::Restore(texts.header_1, &d_survey.appearance.header_1);
+        PageTexts::Restore(texts.header_2, &d_survey.appearance.header_2);
+    }
     for (const TProjectDefect& defect : defects)
         Report(field.begin + defect.offset, defect.what);
-    return items;
 }
 
 } // namespace

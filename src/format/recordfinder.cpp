@@ -18,7 +18,7 @@ constexpr char root_end[] = "</Quillet_Data>";
 constexpr char item_end[] = "</Item>";
 constexpr char declaration_begin[] = "<?xml";
 constexpr int longest_declaration = 128; ///< bytes between a document's beginning and its root
-constexpr int longest_tag = 256;         ///< bytes of a root's begin tag
+constexpr int longest_tag = 16384;       ///< bytes of a root's begin tag, with the page's texts
 constexpr qint64 longest_name = 1024;    ///< bytes of a page name that is looked for backwards
 
 /// The first of ascending places that is not before an offset; -1 if there is none.

@@ -348,6 +348,72 @@ private slots:
         QVERIFY(!QFile::exists(Path("out")));
     }
 
+    void names_beyond_latin_1_survive_every_command()
+    {
+        const QString name = QString::fromUtf8("Ω = \xf0\x9f\x98\x80");
+        QCOMPARE(Page_Names_Of({name + ".png"}), QStringList{name});
+        QCOMPARE(Run({"check", "out.quillet"}).status, 0);
+        QCOMPARE(Run({"reindex", "out.quillet", "--first", "1", "--over-page", "1", "--output",
+                      "reindexed.quillet"})
+                     .status,
+                 0);
+        QCOMPARE(Page_Names("reindexed.quillet"), QStringList{name});
+        Write("damaged.quillet", Support::Read_File(Path("out.quillet")) + "x");
+        QCOMPARE(Run({"recover", "damaged.quillet", "--output", "recovered.quillet"}).status, 0);
+        QCOMPARE(Page_Names("recovered.quillet"), QStringList{name});
+        QDir(d_folder->path()).mkdir("exported");
+        QCOMPARE(Run({"export-images", "out.quillet", "--folder", "exported"}).errors, QString());
+        const QStringList exported = QDir(Path("exported")).entryList(QDir::Files);
+        QCOMPARE(exported.size(), 1);
+        QVERIFY2(exported.first().startsWith(name + "-"), qPrintable(exported.first()));
+    }
+
+    void header_lines_beyond_latin_1_survive_renumbering()
+    {
+        const QByteArray list = Item_List({}, " Header_2=\"\xce\xa9\"");
+        const QByteArray document =
+            Header(32, "#f79741", "one", "?", 1) + Page_Record("a", QByteArray(), list);
+        Write("a.quillet", document);
+        QCOMPARE(Information("a.quillet").value("header_2"), QJsonValue(QString::fromUtf8("Ω")));
+        QCOMPARE(Run({"reindex", "a.quillet", "--first", "1", "--over-page", "1", "--output",
+                      "out.quillet"})
+                     .errors,
+                 QString());
+        QCOMPARE(Support::Byte_Difference(Support::Read_File(Path("out.quillet")), document),
+                 QString());
+    }
+
+    void line_breaks_and_blanks_survive_renumbering()
+    {
+        const QByteArray text = "two&#10;&#10;lines  ";
+        Write("a.quillet",
+              Header(32, "#f79741", "", "", 1) +
+                  Page_Record("a", QByteArray(),
+                              Item_List(Item_Element("5", "7", text, "1", "1.00,2.00"))));
+        QCOMPARE(Run({"reindex", "a.quillet", "--first", "1", "--over-page", "1", "--output",
+                      "out.quillet"})
+                     .errors,
+                 QString());
+        QVERIFY(Support::Read_File(Path("out.quillet")).contains("<Text>" + text + "</Text>"));
+    }
+
+    void a_legacy_text_keeps_its_line_breaks()
+    {
+        Write("a.qli", Picture());
+        Write("a.qld", "<Quillet_Data File_Version=\"2\" Page_Name=\"\xce\xa9\">"
+                       "<Item_Size><Width>32</Width></Item_Size>"
+                       "<Colors><Foreground>#ff0000</Foreground></Colors>"
+                       "<Item><ID>1</ID><ID_Text>two\n  lines</ID_Text>"
+                       "<Border_Type>1</Border_Type><Position>1,2</Position></Item>"
+                       "</Quillet_Data>");
+        QCOMPARE(
+            Run({"reindex", "a.qld", "--first", "1", "--over-page", "1", "--output", "out.quillet"})
+                .errors,
+            QString());
+        QVERIFY(Support::Read_File(Path("out.quillet")).contains("<Text>two&#10;  lines</Text>"));
+        QCOMPARE(Page_Names("out.quillet"), QStringList{"Page 1"});
+    }
+
     void a_document_can_be_renumbered_in_place()
     {
         Write("a.quillet", Two_Pages());

@@ -171,14 +171,14 @@ private slots:
         QCOMPARE(record.items->begin, qint64(junk.size() + (belongs ? 0 : distance)));
     }
 
-    void an_empty_root_is_closed_by_a_tag_of_up_to_256_bytes_data()
+    void an_empty_root_is_closed_by_a_tag_of_up_to_16384_bytes_data()
     {
         QTest::addColumn<int>("size");
         QTest::addColumn<bool>("is_closed");
-        QTest::newRow("256 bytes") << 256 << true;
-        QTest::newRow("257 bytes") << 257 << false;
+        QTest::newRow("16384 bytes") << 16384 << true;
+        QTest::newRow("16385 bytes") << 16385 << false;
     }
-    void an_empty_root_is_closed_by_a_tag_of_up_to_256_bytes()
+    void an_empty_root_is_closed_by_a_tag_of_up_to_16384_bytes()
     {
         QFETCH(const int, size);
         QFETCH(const bool, is_closed);

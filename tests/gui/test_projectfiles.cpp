@@ -94,8 +94,9 @@ private:
                          "120.50,33.00") +
             Item_Element("-3", "-12", "", "8", "-0.13,1000000.00");
         return Header(48, color, "Head\xe9r", "", 3) +
-               Page_Record("caf\xe9 ?", Support::Png(first), Item_List(items)) +
-               Page_Record("??", "", Item_List()) +
+               Page_Record("caf\xe9 ?", Support::Png(first),
+                           Item_List(items, " Page_Name=\"caf\xc3\xa9 \xe2\x82\xac\"")) +
+               Page_Record("??", "", Item_List({}, " Page_Name=\"\xf0\x9f\x98\x80\"")) +
                Page_Record("", Support::Png(second), Item_List());
     }
 
@@ -147,6 +148,44 @@ private slots:
         QCOMPARE(Describe(&window), (QStringList{"page 1 c 4x4", "page 2 a 4x4", "page 3 b 4x4"}));
     }
 
+    void names_header_lines_and_texts_keep_every_character()
+    {
+        const QString name = QString::fromUtf8("Ω \xf0\x9f\x98\x80 = ?");
+        const QString text = QStringLiteral(" two\n\nlines  ");
+        TOpenWindow window;
+        Add_Pages(&window, {{name, QImage(), {Support::Label(5, 7, text, 2, {1, 2})}},
+                            {name + "2", QImage(), {}}});
+        window.Header_Dialog()->Set_Header1_Text(name + "3");
+        QVERIFY(window.Save_Data(Path()));
+        QVERIFY(window.statusBar()->currentMessage().isEmpty());
+
+        TOpenWindow copy;
+        QVERIFY(copy.Load_Data(Path()));
+        const QList<int> ids = copy.d_page_widget->Page_Ids();
+        QCOMPARE(copy.d_page_widget->Page_Name(ids[0]), name);
+        QCOMPARE(copy.d_page_widget->Page_Name(ids[1]), name + "2");
+        QCOMPARE(copy.d_header_dialog->Header1_Text(), name + "3");
+        QCOMPARE(copy.d_header_dialog->Header2_Text(), QString());
+        copy.d_data.Set_Active_Page(ids[0]);
+        QCOMPARE(copy.d_data.Item(0).text, text);
+        const QByteArray saved = Support::Read_File(Path());
+        QVERIFY(copy.Save_Data(Path()));
+        QCOMPARE(Support::Byte_Difference(Support::Read_File(Path()), saved), QString());
+    }
+
+    void a_document_without_pages_warns_of_header_lines_beyond_latin_1()
+    {
+        TOpenWindow window;
+        window.Header_Dialog()->Set_Header2_Text(QString::fromUtf8("café"));
+        QVERIFY(window.Save_Data(Path()));
+        QCOMPARE(window.statusBar()->currentMessage(), QString());
+        window.Header_Dialog()->Set_Header2_Text(QString::fromUtf8("Ω"));
+        QVERIFY(window.Save_Data(Path()));
+        QCOMPARE(window.statusBar()->currentMessage(),
+                 QStringLiteral("Without pages, a document cannot store all characters of its "
+                                "header lines."));
+    }
+
     void a_round_trip_keeps_everything_but_ids_selection_and_further_decimals()
     {
         const QImage first = Support::Picture(31, 17, 1);
@@ -163,9 +202,10 @@ private slots:
         Prepare(&window);
         QVERIFY(window.Load_Data(Path()));
         QCOMPARE(Describe(&window),
-                 (QStringList{QString::fromUtf8("page 1 café ? 31x17"),
+                 (QStringList{QString::fromUtf8("page 1 café € 31x17"),
                               QString::fromUtf8("label 1804289383 7 'Pump <&> ä€' 2 120.5,33"),
-                              "label -3 -12 '' 8 0.13,-99.99", "page 2 ?? 0x0", "page 3  8x5"}));
+                              "label -3 -12 '' 8 0.13,-99.99",
+                              QString::fromUtf8("page 2 \xf0\x9f\x98\x80 0x0"), "page 3  8x5"}));
         QCOMPARE(Describe_Appearance(window), QString::fromUtf8("48 #0a141e headers 'Headér' ''"));
         QCOMPARE(window.d_data.Active_Page(), 3);
         QCOMPARE(Support::Difference(window.d_data.Page_Image(), second), QString());

@@ -103,6 +103,38 @@ private slots:
         QCOMPARE(Support::Difference(QImage(Path("unpacked/page_0003.png")), third), QString());
     }
 
+    void texts_beyond_latin_1_are_unpacked()
+    {
+        const QString name = QString::fromUtf8("Ω \xf0\x9f\x98\x80 = <&>\"' ?");
+        const QString text = QString::fromUtf8("two\n\nlines  Ω ");
+        TOpenWindow window;
+        Support::Add_Pages(&window, {{name, QImage(), {Support::Label(1, 2, text, 2, {3, 4})}},
+                                     {name + "2", QImage(), {}}});
+        window.Header_Dialog()->Set_Header1_Text(name + "3");
+        window.Header_Dialog()->Set_Header2_Text(QStringLiteral("plain"));
+        QVERIFY(window.Save_Data(Path("file.quillet")));
+        QCOMPARE(Unpack(0), QByteArray());
+        QCOMPARE(Json("header.json").value(QStringLiteral("header_1")), QJsonValue(name + "3"));
+        QCOMPARE(Json("header.json").value(QStringLiteral("header_2")),
+                 QJsonValue(QStringLiteral("plain")));
+        QCOMPARE(
+            Json("page_0001.json"),
+            (QJsonObject{{QStringLiteral("name"), name},
+                         {QStringLiteral("labels"), QJsonArray{Json_Label(1, 2, text, 2, 3, 4)}}}));
+        QCOMPARE(Json("page_0002.json").value(QStringLiteral("name")), QJsonValue(name + "2"));
+    }
+
+    void an_attribute_that_does_not_match_is_not_unpacked()
+    {
+        const QByteArray list = Support::Item_List({}, " Page_Name=\"\xce\xa9\"");
+        Support::Write_File(Path("file.quillet"),
+                            Support::Header(32, "#f79741", "", "", 1) +
+                                Support::Page_Record("renamed", QByteArray(), list));
+        QCOMPARE(Unpack(0), QByteArray());
+        QCOMPARE(Json("page_0001.json").value(QStringLiteral("name")),
+                 QJsonValue(QStringLiteral("renamed")));
+    }
+
     void a_document_without_pages_is_its_header()
     {
         TOpenWindow window;

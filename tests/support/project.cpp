@@ -39,10 +39,10 @@ QByteArray Page_Record(const QByteArray& name, const QByteArray& image, const QB
     return Field(name) + Field(image) + Field(items);
 }
 
-QByteArray Item_List(const QByteArray& content)
+QByteArray Item_List(const QByteArray& content, const QByteArray& attributes)
 {
-    const QByteArray root = "<?xml version=\"1.0\" encoding=\"utf-8\"?>"
-                            "<Quillet_Data File_Version=\"1\"";
+    const QByteArray root = "<?xml version=\"1.0\" encoding=\"utf-8\"?><Quillet_Data" + attributes +
+                            " File_Version=\"1\"";
     return content.isEmpty() ? root + "/>" : root + '>' + content + "</Quillet_Data>";
 }
 

@@ -29,7 +29,9 @@ QByteArray Header(quint32 label_size, const QByteArray& color, const QByteArray&
 QByteArray Page_Record(const QByteArray& name, const QByteArray& image, const QByteArray& items);
 
 /// An item-list document with this content below its root.
-QByteArray Item_List(const QByteArray& content = QByteArray());
+/// @param attributes  of the root besides its version, each after a blank.
+QByteArray Item_List(const QByteArray& content = QByteArray(),
+                     const QByteArray& attributes = QByteArray());
 
 /// One label of such a document, with all values verbatim.
 QByteArray Item_Element(const QByteArray& id, const QByteArray& value, const QByteArray& text,
