@@ -21,7 +21,10 @@ TDocument Load_Project(const QString& path)
     const TProjectSurvey survey = ProjectSurvey::Survey(bytes);
     if (!survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
-    return TDocument(ProjectFile::Read(bytes));
+    const TFileContent content = ProjectFile::Read(bytes);
+    if (!content.fault.isEmpty())
+        throw TJobError{path, content.fault};
+    return TDocument(content);
 }
 
 } // namespace

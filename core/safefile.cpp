@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -225,7 +226,8 @@ bool TSafeFile::Sync(const QString& path)
     const int descriptor = open(System_Path(path).constData(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
-    const bool synced = fsync(descriptor) == 0;
+    // Some file systems do not support fsync on folders (EINVAL): there is nothing to wait for.
+    const bool synced = fsync(descriptor) == 0 || errno == EINVAL;
     return close(descriptor) == 0 && synced;
 }
 

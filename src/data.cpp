@@ -13,6 +13,22 @@
     assert(!(d_active_page_index < 0));                                                            \
     assert(static_cast<unsigned int>(d_active_page_index) < d_page_items.size())
 
+namespace {
+
+/// Selects in a page those labels that are selected in another version of it.
+void Copy_Selection(const TPageItem& from, TPageItem* to)
+{
+    QSet<int> selected;
+    for (const TDataItem& item : from.data_items) {
+        if (item.selected)
+            selected.insert(item.id);
+    }
+    for (TDataItem& item : to->data_items)
+        item.selected = selected.contains(item.id);
+}
+
+} // namespace
+
 int TData::d_next_page_id = 1;
 
 TData::TData()
@@ -274,6 +290,11 @@ void TData::Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages)
     for (TPageItem& page : *pages)
         sources.insert(page.page_id, &page);
 
+    for (const TPageItem& page : present) {
+        TPageItem* const source = sources.value(page.page_id);
+        if (source != &page)
+            Copy_Selection(page, source);
+    }
     d_page_items.clear();
     d_page_items.reserve(order->size());
     for (const int page_id : *order) {

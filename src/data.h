@@ -96,7 +96,7 @@ public:
     /// Replaces the document's pages by those with the ids in `order`, in this order. Takes a page
     /// from `pages` if it is there, otherwise from the document, and skips unknown ids. Afterwards
     /// `order` and `pages` contain the previous state, so a second call restores it. The active
-    /// page stays active unless it is removed.
+    /// page stays active unless it is removed, and labels that both states have stay selected.
     void Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages);
 
 private:

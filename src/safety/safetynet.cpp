@@ -10,11 +10,12 @@
 
 namespace {
 
-/// Syncs a file and, since it may be a new one, its folder entry.
+/// Syncs a file and, since it may be a new one, its folder entry. A folder that cannot be opened
+/// for reading cannot be synced; the file then counts as saved all the same.
 bool Sync_To_Disk(const QString& path)
 {
-    return TSafeFile::Sync(path) &&
-           TSafeFile::Sync(QFileInfo(QFileInfo(path).canonicalFilePath()).path());
+    const QFileInfo folder(QFileInfo(QFileInfo(path).canonicalFilePath()).path());
+    return TSafeFile::Sync(path) && (!folder.isReadable() || TSafeFile::Sync(folder.filePath()));
 }
 
 } // namespace

@@ -45,7 +45,7 @@ public:
     bool Fits(const QString& text)
     {
         const std::optional<qreal> width = Sum_Of_Letters(text);
-        return width && *width <= d_widest_text;
+        return d_size.isValid() && width && *width <= d_widest_text;
     }
 
     /// Measures a row. Returns whether the size of the rows has changed.

@@ -574,6 +574,20 @@ private slots:
         QCOMPARE(Item_Ids(data), (QVector<int>{5, 9}));
     }
 
+    void swapping_pages_keeps_the_selection()
+    {
+        TData data;
+        Fill(&data, {5, 3});
+        std::vector<TPageItem> previous = {data.Pages()[0]};
+        data.Change_Item_Value(5, 50);
+        data.Change_Item_Selection(5, true);
+        std::vector<int> order = {1};
+        data.Swap_Pages(&order, &previous);
+        QCOMPARE(data.Pages()[0].data_items[0].value, 0);
+        QVERIFY(data.Pages()[0].data_items[0].selected);
+        QVERIFY(!data.Pages()[0].data_items[1].selected);
+    }
+
     void thousands_of_labels_are_found_and_removed()
     {
         constexpr int Count = 20000;

@@ -62,6 +62,7 @@ private Q_SLOTS:
     void the_widest_row_decides_the_size_in_another_font();
     void the_highest_row_decides_the_size();
     void clearing_the_list_resets_the_row_size();
+    void rows_without_text_have_a_height();
 
 private:
     void Fill(const QList<int>& ids);
@@ -359,6 +360,13 @@ void TestRowList::clearing_the_list_resets_the_row_size()
     QCoreApplication::processEvents();
     QCOMPARE(d_list->horizontalScrollBar()->maximum(), 0);
     QVERIFY(d_list->visualItemRect(d_list->item(0)).height() < height);
+}
+
+void TestRowList::rows_without_text_have_a_height()
+{
+    d_list->clear();
+    d_list->addItem(QString());
+    QVERIFY(d_list->sizeHintForRow(0) > 0);
 }
 
 QTEST_MAIN(TestRowList)
