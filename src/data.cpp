@@ -27,6 +27,13 @@ void Copy_Selection(const TPageItem& from, TPageItem* to)
         item.selected = selected.contains(item.id);
 }
 
+/// Asserts that a page was found, by the condition that all operations on a page assert.
+int Checked_Index(int d_active_page_index)
+{
+    assert(!(d_active_page_index < 0));
+    return d_active_page_index;
+}
+
 } // namespace
 
 int TData::d_next_page_id = 1;
@@ -102,6 +109,11 @@ int TData::Page_Count() const
 const std::vector<TPageItem>& TData::Pages() const
 {
     return d_page_items;
+}
+
+const TPageItem& TData::Page(int page_id) const
+{
+    return d_page_items[Checked_Index(Page_Index(page_id))];
 }
 
 const TPageItem* TData::Active_Page_Item() const

@@ -44,6 +44,8 @@ public:
     int Page_Count() const;
     /// All pages with their labels. Valid until the next change of the document.
     const std::vector<TPageItem>& Pages() const;
+    /// The page with an id, which must exist. Valid as long as Pages().
+    const TPageItem& Page(int page_id) const;
     /// The active page with its labels; null if there is none. Valid as long as Pages().
     const TPageItem* Active_Page_Item() const;
     /// Pixels of the active page's image.

@@ -21,9 +21,7 @@ TDocument::TDocument(const TFileContent& content)
 
 const TPageItem& TDocument::Content(const TNamedPage& page) const
 {
-    const int index = data.Page_Index(page.page_id);
-    assert(index >= 0);
-    return data.Pages()[static_cast<std::size_t>(index)];
+    return data.Page(page.page_id);
 }
 
 QList<int> TDocument::Page_Ids() const

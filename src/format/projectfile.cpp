@@ -245,14 +245,12 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
             ++number;
             if (report)
                 report(number, total);
-            const int index = data.Page_Index(page.page_id);
-            assert(index >= 0);
             TPageTexts texts{page.name, QString(), QString()};
             if (number == 1) {
                 texts.header_1 = appearance.header_1;
                 texts.header_2 = appearance.header_2;
             }
-            Write_Page(texts, data.Pages()[static_cast<std::size_t>(index)], is_copy, writer);
+            Write_Page(texts, data.Page(page.page_id), is_copy, writer);
         }
     } catch (const TXmlFileException& exception) {
         return exception.Message();

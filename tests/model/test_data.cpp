@@ -178,6 +178,18 @@ private slots:
         QCOMPARE(data.Page_Id(0), 2);
     }
 
+    void a_page_is_found_by_its_id_and_must_exist()
+    {
+        TData data;
+        data.Add_Page();
+        const int page_id = data.Add_Page();
+        QCOMPARE(data.Page(page_id).page_id, page_id);
+        const QString difference =
+            Support::Assertion_Failure([&data] { data.Page(99); }, QStringLiteral("src/data"),
+                                       QStringLiteral("!(d_active_page_index < 0)"));
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
     void removing_an_unknown_page_changes_nothing()
     {
         TData data;
