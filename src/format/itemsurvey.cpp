@@ -22,10 +22,8 @@ constexpr char item_begin[] = "<Item";
 constexpr char item_end[] = "</Item>";
 constexpr int item_begin_size = sizeof(item_begin) - 1;
 constexpr int item_end_size = sizeof(item_end) - 1;
-/// Every label has a position: elements without one are not parsed.
-constexpr char position_begin[] = "<Position";
 
-/// Offsets of everything that looks like the beginning of an "Item" element.
+/// Offsets of everything that looks like the begin tag of an "Item" element.
 std::vector<int> Item_Places(const QByteArray& document)
 {
     std::vector<int> places;
@@ -57,7 +55,6 @@ bool Is_Utf8(const QByteArray& document)
     return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
-/// Surveys one label document.
 class TItemSurveyor
 {
     Q_DECLARE_TR_FUNCTIONS(ItemSurvey)
@@ -76,13 +73,13 @@ public:
 private:
     void Read_Document(const TXmlFile& xml_file);
     void Read_Root_Alone();
-    void Read_Alone();
-    void Read_Fragment(const QByteArray& fragment);
+    void Read_Separately();
+    void Read_Element(const QByteArray& element);
     void Read_Item(const TXmlFile& xml_file, const QDomElement& node);
     TDataItem Checked(TDataItem item, const TXmlFile& xml_file, const QDomElement& node);
     void Check_Integer(const TXmlFile& xml_file, const QDomElement& node, const QString& name);
     void Check_Position(const TXmlFile& xml_file, const QDomElement& node);
-    void Give_Ids();
+    void Replace_Repeated_Ids();
 
     void Begin_Label(int place)
     {
@@ -99,10 +96,10 @@ private:
     TPageTexts d_texts;
     std::vector<TProjectDefect>* d_defects;
     std::vector<TDataItem> d_items;
-    std::vector<int> d_item_numbers; ///< for each of d_items
-    std::vector<int> d_item_places;  ///< for each of d_items
-    int d_number = 0;                ///< of the current label, from 1
-    int d_place = 0;                 ///< offset of the current label
+    QSet<int> d_ids;
+    std::vector<std::size_t> d_repeated; ///< indices of labels whose id an earlier label has
+    int d_number = 0;                    ///< of the current label, from 1
+    int d_place = 0;                     ///< offset of the current label
 };
 
 std::vector<TDataItem> TItemSurveyor::Survey()
@@ -114,15 +111,15 @@ std::vector<TDataItem> TItemSurveyor::Survey()
         if (version != ItemList::Version)
             d_defects->push_back({0, tr("XML Version not recognized")});
         if (!Is_Utf8(d_document))
-            d_defects->push_back({0, tr("holds bytes that are no UTF-8")});
+            d_defects->push_back({0, tr("the label document is not valid UTF-8")});
         d_texts = PageTexts::Read(xml_file);
         Read_Document(xml_file);
     } catch (const TXmlFileException& exception) {
         d_defects->push_back({0, exception.Message()});
         Read_Root_Alone();
-        Read_Alone();
+        Read_Separately();
     }
-    Give_Ids();
+    Replace_Repeated_Ids();
     return std::move(d_items);
 }
 
@@ -163,66 +160,64 @@ void TItemSurveyor::Read_Root_Alone()
     }
 }
 
-/// Reads the labels of a document that is not well-formed, one by one.
-void TItemSurveyor::Read_Alone()
+/// Reads the labels of a document that is not well-formed, each in a document of its own.
+void TItemSurveyor::Read_Separately()
 {
-    const std::vector<int> places = Item_Places(d_document);
-    int end = 0;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        const int begin = places[i];
-        const int limit = i + 1 < places.size() ? places[i + 1] : d_document.size();
-        Begin_Label(begin);
-        if (end >= 0 && end < begin)
-            end = d_document.indexOf(item_end, begin);
-        if (end >= 0 && end < limit)
-            Read_Fragment(d_document.mid(begin, end + item_end_size - begin));
+    std::vector<int> places = Item_Places(d_document);
+    places.push_back(d_document.size());
+    for (std::size_t i = 0; i + 1 < places.size(); ++i) {
+        Begin_Label(places[i]);
+        const QByteArray element = d_document.mid(places[i], places[i + 1] - places[i]);
+        const int end = element.indexOf(item_end);
+        if (end < 0)
+            Report(tr("the element is not closed"));
         else
-            Report(tr("its element is not closed"));
+            Read_Element(element.left(end + item_end_size));
     }
 }
 
-void TItemSurveyor::Read_Fragment(const QByteArray& fragment)
+void TItemSurveyor::Read_Element(const QByteArray& element)
 {
-    if (!fragment.contains(position_begin)) {
-        Report(tr("has no position"));
-        return;
-    }
     try {
         TXmlFile xml_file;
         int version = 0;
-        xml_file.Open_Data(Alone(fragment), ItemXml::Root_Name, &version, true);
+        xml_file.Open_Data(Alone(element), ItemXml::Root_Name, &version, true);
         Read_Item(xml_file, xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, false));
     } catch (const TXmlFileException&) {
-        // The parser's message has a position that does not exist in this document.
-        Report(tr("is no well-formed element"));
+        // The position in the parser's message is not one in this document.
+        Report(tr("the element is not well-formed"));
     }
 }
 
 void TItemSurveyor::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
 {
     try {
-        d_items.push_back(Checked(ItemList::Read_Item(xml_file, node), xml_file, node));
-        d_item_numbers.push_back(d_number);
-        d_item_places.push_back(d_place);
+        const TDataItem item = Checked(ItemList::Read_Item(xml_file, node), xml_file, node);
+        if (d_ids.contains(item.id)) {
+            Report(tr("an earlier label has the same Id %1").arg(item.id));
+            d_repeated.push_back(d_items.size());
+        }
+        d_ids.insert(item.id);
+        d_items.push_back(item);
     } catch (const TXmlFileException& exception) {
         Report(exception.Message());
     }
 }
 
-/// Returns a readable label; values that are not read as written are reported.
+/// Reports the values of a label that are not read as written, and makes its position finite.
 TDataItem TItemSurveyor::Checked(TDataItem item, const TXmlFile& xml_file, const QDomElement& node)
 {
     Check_Integer(xml_file, node, ItemXml::Id_Name);
     Check_Integer(xml_file, node, ItemXml::Value_Name);
     Check_Integer(xml_file, node, ItemXml::Border_Name);
     if (!Is_Border_Type(item.border_type))
-        Report(tr("there is no border with the code %1").arg(item.border_type));
+        Report(tr("unknown border code %1").arg(item.border_type));
     Check_Position(xml_file, node);
     // A label without finite coordinates can be neither drawn nor moved.
-    if (!std::isfinite(item.position.x()))
-        item.position.setX(0);
-    if (!std::isfinite(item.position.y()))
-        item.position.setY(0);
+    for (qreal* coordinate : {&item.position.rx(), &item.position.ry()}) {
+        if (!std::isfinite(*coordinate))
+            *coordinate = 0;
+    }
     return item;
 }
 
@@ -233,7 +228,7 @@ void TItemSurveyor::Check_Integer(const TXmlFile& xml_file, const QDomElement& n
     bool is_number = false;
     text.toInt(&is_number);
     if (!is_number)
-        Report(tr("%1 \"%2\" is no number and reads as 0").arg(name, text));
+        Report(tr("%1 \"%2\" is not a number and is read as 0").arg(name, text));
 }
 
 void TItemSurveyor::Check_Position(const TXmlFile& xml_file, const QDomElement& node)
@@ -245,31 +240,16 @@ void TItemSurveyor::Check_Position(const TXmlFile& xml_file, const QDomElement& 
         return std::isfinite(part.toDouble(&is_number)) && is_number;
     });
     if (!are_numbers)
-        Report(tr("Position \"%1\" does not consist of two numbers").arg(text));
+        Report(tr("Position \"%1\" is not a pair of numbers").arg(text));
 }
 
-/// Gives each label whose id an earlier label has a free id.
-void TItemSurveyor::Give_Ids()
+void TItemSurveyor::Replace_Repeated_Ids()
 {
-    QSet<int> ids;
-    for (const TDataItem& item : d_items)
-        ids.insert(item.id);
-    QSet<int> seen;
     int free_id = 0;
-    for (std::size_t i = 0; i < d_items.size(); ++i) {
-        const int id = d_items[i].id;
-        if (!seen.contains(id)) {
-            seen.insert(id);
-            continue;
-        }
-        d_number = d_item_numbers[i];
-        d_place = d_item_places[i];
-        Report(tr("another label before it has the same Id %1").arg(id));
-        while (ids.contains(free_id))
+    for (const std::size_t index : d_repeated) {
+        while (d_ids.contains(free_id))
             ++free_id;
-        d_items[i].id = free_id;
-        ids.insert(free_id);
-        seen.insert(free_id);
+        d_items[index].id = free_id++;
     }
 }
 

@@ -8,7 +8,7 @@
 
 #include <vector>
 
-/// Something in a file that readers drop, change or refuse.
+/// Something in a file that a reader would drop, change or refuse.
 struct TProjectDefect
 {
     qint64 offset = 0; ///< in bytes, from the beginning of the surveyed data
@@ -17,14 +17,14 @@ struct TProjectDefect
 
 namespace ItemSurvey {
 
-/// Reads all labels that are readable in a label document, and reports its defects.
+/// Reads all readable labels of a label document, and reports its defects.
 ///
 /// A document without defects is read by ItemList::Read to the same labels. In a document that is
-/// not well-formed, every label whose element is well-formed is read. A label whose id an earlier
-/// one has gets a free id. A number that cannot be parsed reads as 0, as in ItemList::Read. Time
-/// and memory are proportional to the size of the document.
-/// @param defects  receives the defects with their offsets within the document: of a label, where
-///                 its element begins (0 when that is not certain); of the document, 0.
+/// not well-formed, every label whose element is well-formed is read. A label that repeats the id
+/// of an earlier one gets a free id. A number that cannot be parsed is read as 0, as in
+/// ItemList::Read. Time and memory are proportional to the size of the document.
+/// @param defects  receives the defects with their offsets within the document: that of the label's
+///                 element (0 when it is not certain), or 0 for a defect of the whole document.
 /// @param texts    receives the texts in the attributes of the root, if its tag is readable; may be
 ///                 null.
 std::vector<TDataItem> Survey(const QByteArray& document, std::vector<TProjectDefect>* defects,

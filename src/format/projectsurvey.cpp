@@ -70,11 +70,10 @@ private:
     const TStepReport d_report;
     const TRecordFinder d_finder;
     TProjectSurvey d_survey;
-    QString d_place; ///< prefix of messages: the current page
+    QString d_place; ///< the current page, as a prefix of messages
     std::optional<int> d_page_count;
     qint64 d_count_place = 0;
     int d_record_count = 0;
-    bool d_has_zero_bytes = false;   ///< whether a text has any
     qint64 d_position = color_begin; ///< of the next page record
 };
 
@@ -102,7 +101,7 @@ bool TSurveyor::Read_Start()
     if (d_finder.Integer_At(0) == ProjectLayout::Magic)
         return true;
     Report(0, tr("the file does not begin with the magic number of a project file"));
-    // The defects of any other file are of no interest.
+    // In any other file this is the only defect.
     return d_finder.Has_Record_After(color_place);
 }
 
@@ -128,7 +127,7 @@ bool TSurveyor::Read_Color(qint64* place)
 {
     std::optional<TFileField> field = d_finder.Field_At(*place);
     const bool is_good = field && Is_Color(Content(*field));
-    // A valid name of the usual size means that its length is damaged.
+    // If a valid name of the usual length is there, only the stored length is damaged.
     const TFileField usual{color_begin, color_length};
     if (!is_good && d_bytes.size() >= usual.End() && Is_Color(Content(usual)))
         field = usual;
@@ -139,7 +138,7 @@ bool TSurveyor::Read_Color(qint64* place)
     const QString name = Text(tr("the colour name"), *field);
     const QColor color = TAppearance::Color(name);
     if (!color.isValid())
-        Report(field->begin, tr("there is no colour \"%1\"").arg(name));
+        Report(field->begin, tr("unknown colour \"%1\"").arg(name));
     d_survey.appearance.color_name = color.name();
     return true;
 }
@@ -165,21 +164,18 @@ bool TSurveyor::Read_Page_Count(qint64 place)
     }
     if (!Are_Lengths_Wrong())
         return true;
-    Report(color_place, tr("the lengths at the beginning do not lead to the first page"));
+    Report(color_place, tr("the lengths in the header do not lead to the first page"));
     d_page_count.reset();
     return false;
 }
 
-/// Whether the lengths of the header are wrong although they do not exceed the file.
+/// Whether the lengths of the header lead close to the first page or past it, but not to it.
 bool TSurveyor::Are_Lengths_Wrong() const
 {
     if (d_finder.Is_Boundary(d_position) || !d_finder.Has_Record_After(color_begin))
         return false;
-    // A length that is too large includes other lengths, which have zero bytes. One that is
-    // slightly wrong ends close to the first page.
-    const TPageRecord record = d_finder.Find_After(color_begin);
-    const qint64 distance = record.name ? qAbs(record.begin - d_position) : 0;
-    return d_has_zero_bytes || (distance > 0 && distance < Least_Page);
+    const TPageRecord first = d_finder.Find_After(color_begin);
+    return first.name && first.begin != d_position && first.begin < d_position + Least_Page;
 }
 
 void TSurveyor::Read_Pages(bool begin_is_sure)
@@ -219,29 +215,22 @@ void TSurveyor::Read_Record(const TPageRecord& record)
     d_survey.pages.push_back(page);
 }
 
-/// Reports lengths of a record that are not those of its fields.
+/// Reports the lengths of a record that are not those of its fields, up to a missing field.
 void TSurveyor::Check_Record(const TPageRecord& record)
 {
-    const bool is_anything_known = record.name || record.image || record.items;
     qint64 place = record.begin;
-    const auto check = [&](const QString& what, const std::optional<TFileField>& field,
-                           bool is_followed) {
-        if (!field && is_followed) {
-            Report(place, tr("%1 is lost").arg(what));
-            return true;
-        }
+    const auto check = [&](const QString& what, const std::optional<TFileField>& field) {
         Check_Length(what, field ? field->Length_Place() : place, field);
         place = field ? field->End() : place;
         return field.has_value();
     };
-    const bool is_complete = check(tr("the name"), record.name, record.image || record.items) &&
-                             check(tr("the image"), record.image, record.items.has_value()) &&
-                             check(tr("the label document"), record.items, false);
-    if (!is_complete && !is_anything_known)
-        Report(record.begin, tr("nothing can be read of %1 bytes").arg(record.end - record.begin));
+    if (!check(tr("the name"), record.name) && !record.image && !record.items)
+        Report(record.begin, tr("%1 bytes cannot be read").arg(record.end - record.begin));
+    else if (record.name && check(tr("the image"), record.image))
+        check(tr("the label document"), record.items);
 }
 
-/// Whether the length at a place is that of a field; reports why not.
+/// Whether the length at an offset is that of a field. Reports why not.
 /// @param field  the field that was found, if any.
 bool TSurveyor::Check_Length(const QString& what, qint64 place,
                              const std::optional<TFileField>& field)
@@ -256,14 +245,14 @@ bool TSurveyor::Check_Length(const QString& what, qint64 place,
         Report(place, tr("the length of %1 is negative: %2").arg(what).arg(*length));
     else if (*length > d_finder.Size() - place - Integer_Size)
         Report(place,
-               tr("the length of %1 leads past the end of the file: %2").arg(what).arg(*length));
+               tr("the length of %1 points past the end of the file: %2").arg(what).arg(*length));
     else if (field)
-        Report(place, tr("the length of %1 is %2, but there are %3 bytes of it")
+        Report(place, tr("the length of %1 is %2, but it has %3 bytes")
                           .arg(what)
                           .arg(*length)
                           .arg(field->length));
     else
-        Report(place, tr("the length of %1 leads into another page: %2").arg(what).arg(*length));
+        Report(place, tr("the length of %1 is wrong: %2").arg(what).arg(*length));
     return false;
 }
 
@@ -273,32 +262,24 @@ void TSurveyor::Check_Page_Count()
     if (!d_page_count)
         return;
     const int count = *d_page_count;
-    const qint64 room = (d_finder.Size() - d_count_place - Integer_Size) / Least_Page;
-    if (count < 0)
-        Report(d_count_place, tr("the page count is negative: %1").arg(count));
-    else if (count > room)
-        Report(d_count_place,
-               tr("the page count is more than the file has room for: %1").arg(count));
-    else if (count > d_record_count)
+    if (count > d_record_count)
         Report(d_finder.Size(),
                tr("the file ends after %1 of %2 pages").arg(d_record_count).arg(count));
     else if (count < d_record_count)
         Report(d_count_place,
                tr("the page count is %1, but there are %2 pages").arg(count).arg(d_record_count));
     if (d_position < d_finder.Size())
-        Report(d_position,
-               tr("%1 bytes are left over after the last page").arg(d_finder.Size() - d_position));
+        Report(d_position, tr("%1 bytes follow the last page").arg(d_finder.Size() - d_position));
 }
 
-/// A text up to its first zero byte, as TProjectReader reads it.
+/// The text of a field, cut at its first zero byte as by TProjectReader.
 QString TSurveyor::Text(const QString& what, const TFileField& field)
 {
     const QByteArray content = Content(field);
     const int zero = content.indexOf('\0');
     if (zero < 0)
         return QString::fromLatin1(content);
-    d_has_zero_bytes = true;
-    Report(field.begin + zero, tr("%1 is cut at a zero byte").arg(what));
+    Report(field.begin + zero, tr("%1 is cut off at a zero byte").arg(what));
     return QString::fromLatin1(content.left(zero));
 }
 

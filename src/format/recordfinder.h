@@ -3,7 +3,6 @@
 #include <QByteArray>
 
 #include <optional>
-#include <vector>
 
 /// A field of a project file. The four bytes before its content are its length.
 struct TFileField
@@ -15,7 +14,7 @@ struct TFileField
     qint64 Length_Place() const;
 };
 
-/// Where a page is in a project file. A field that was not found is empty.
+/// Where a page is in a project file. A field that cannot be found is empty.
 struct TPageRecord
 {
     std::optional<TFileField> name;
@@ -28,10 +27,10 @@ struct TPageRecord
 
 /// Finds page records in a project file, also after a damaged length.
 ///
-/// In a sound file the lengths lead from record to record, and nothing else is read. After a wrong
-/// length the record is rebuilt from unmistakable marks: the root element of a label document, the
-/// signature of a PNG image, and lengths that match the distance between them. The time is
-/// proportional to the size of the file.
+/// In a sound file the lengths lead from record to record. After a wrong length the record is
+/// rebuilt from distinctive marks: the root element of a label document, the signature of a PNG
+/// image, and lengths that match the distance between them. The time is proportional to the size of
+/// the file.
 class TRecordFinder
 {
 public:
@@ -44,37 +43,26 @@ public:
     /// The field whose length is at an offset; empty when it does not lie within the file.
     std::optional<TFileField> Field_At(qint64 offset) const;
 
-    /// Whether the file ends here, or what begins here looks like a page record.
+    /// Whether the file ends at an offset, or what looks like a page record begins there.
     bool Is_Boundary(qint64 offset) const;
-    /// Whether a page record begins here or further on.
+    /// Whether a page record begins at an offset or after it.
     bool Has_Record_After(qint64 offset) const;
 
-    /// The record that begins at an offset, or what is left of it. It has at least one byte before
-    /// the end of the file.
+    /// The record that begins at an offset, or what is left of it: at least one byte.
     TPageRecord Find(qint64 offset) const;
-    /// The first record after an offset where it is not certain that one begins.
+    /// The first record after an offset at which a record may not begin.
     TPageRecord Find_After(qint64 offset) const;
 
 private:
-    struct TDocument;
-
-    std::optional<TPageRecord> Chain_At(qint64 offset) const;
-    bool Is_Document(const TFileField& field) const;
-    std::optional<TDocument> Document_After(qint64 offset) const;
-    TFileField Fitted(const TFileField& items) const;
+    bool Begins_With(const TFileField& field, const QByteArray& what) const;
+    std::optional<TPageRecord> Record_At(qint64 offset) const;
+    TPageRecord Record_Up_To(qint64 end, qint64 offset) const;
+    std::optional<TPageRecord> Document_After(qint64 offset) const;
+    qint64 Document_End(int root, bool* is_sure) const;
     TPageRecord Rebuilt(qint64 offset, bool begins_here) const;
-    TPageRecord Remainder(qint64 offset) const;
-    TPageRecord Lost_Page(qint64 offset, qint64 end) const;
-    std::optional<TFileField> Image_Before(qint64 offset, const TDocument& document,
-                                           bool begins_here) const;
-    std::optional<TFileField> Name_Before(qint64 offset, qint64 end) const;
-    const std::vector<int>& Roots() const;
-    const std::vector<int>& Images() const;
-    const std::vector<int>& Places(std::optional<std::vector<int>>* places,
-                                   const QByteArray& what) const;
+    std::optional<TFileField> Image_Before(qint64 end, qint64 offset) const;
+    std::optional<TFileField> Name_Before(qint64 end, qint64 offset) const;
 
     const QByteArray d_bytes;
-    /// Filled on first use; sound files do not need them.
-    mutable std::optional<std::vector<int>> d_roots;
-    mutable std::optional<std::vector<int>> d_images;
+    const int d_last_root; ///< offset of the last label document's root, -1 for none
 };

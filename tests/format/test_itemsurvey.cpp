@@ -65,7 +65,7 @@ private slots:
         QCOMPARE(result.defects, QStringList());
     }
 
-    void an_empty_document_has_neither()
+    void an_empty_document_has_no_labels_and_no_defects()
     {
         const TResult result = Survey(Item_List());
         QCOMPARE(result.labels, QStringList());
@@ -78,12 +78,12 @@ private slots:
         const TResult result = Survey(Item_List(Item(5) + Item(5) + Item(0) + Item(5)));
         QCOMPARE(result.labels,
                  QStringList({Label_Line(5), Label_Line(1), Label_Line(0), Label_Line(2)}));
-        const QString repeated = "label %1: another label before it has the same Id 5";
+        const QString repeated = "label %1: an earlier label has the same Id 5";
         QCOMPARE(result.defects, QStringList({At(Begin() + size, repeated.arg(2)),
                                               At(Begin() + 3 * size, repeated.arg(4))}));
     }
 
-    void an_empty_element_is_a_label_without_parts()
+    void an_empty_element_is_reported_as_an_incomplete_label()
     {
         for (const QByteArray& empty : {QByteArray("<Item/>"), QByteArray("<Item />")}) {
             const TResult result = Survey(Item_List(Item(1) + empty + Item(2)));
@@ -95,21 +95,21 @@ private slots:
         }
     }
 
-    void other_elements_are_no_labels()
+    void other_elements_are_ignored()
     {
         const TResult result = Survey(Item_List("<Items/><Item_Size/>" + Item(1) + "<item/>"));
         QCOMPARE(result.labels, QStringList{Label_Line(1)});
         QCOMPARE(result.defects, QStringList());
     }
 
-    void a_label_in_a_comment_is_none()
+    void a_label_in_a_comment_is_ignored()
     {
         const TResult result = Survey(Item_List("<!-- " + Item(9) + " -->" + Item(1)));
         QCOMPARE(result.labels, QStringList{Label_Line(1)});
         QCOMPARE(result.defects, QStringList());
     }
 
-    void after_a_comment_with_a_label_defects_are_at_the_document_s_beginning()
+    void after_a_comment_with_a_label_defects_are_reported_at_the_beginning_of_the_document()
     {
         const TResult result = Survey(Item_List("<!-- <Item> -->" + Item(1) + "<Item/>"));
         QCOMPARE(result.labels, QStringList{Label_Line(1)});
@@ -118,7 +118,7 @@ private slots:
                                    "optional.")});
     }
 
-    void labels_of_a_document_that_is_cut_short_are_read_up_to_the_cut()
+    void labels_of_a_truncated_document_are_read_up_to_its_end()
     {
         const QByteArray whole = Item_List(Item(1) + Item(2));
         const TResult result = Survey(whole.left(whole.indexOf("</Item>", Begin() + 120)));
@@ -129,7 +129,7 @@ private slots:
                                              ": label 2: "));
     }
 
-    void a_label_of_a_damaged_document_needs_a_position()
+    void an_incomplete_label_of_a_damaged_document_is_reported()
     {
         const TResult result = Survey(Item_List("<" + Item(1) + "<Item><Id>2</Id></Item>"));
         QCOMPARE(result.labels, QStringList{Label_Line(1)});

@@ -1,5 +1,5 @@
-// Damaged project files looked through: every defect is named with its place, and what can be read
-// is read. What the window makes of the same bytes is the measure.
+// Surveys of damaged project files: every defect is reported with its offset, and everything
+// readable is read. A file without defects must look the same in the window.
 
 #include "support/project.h"
 #include "support/support.h"
@@ -58,7 +58,7 @@ QByteArray Empty_Page(const QByteArray& name)
     return Page_Record(name, QByteArray(), Item_List());
 }
 
-/// Three pages; the one in the middle is broken by the tests.
+/// A file with three pages. Tests damage the second.
 QByteArray Between(const QByteArray& page)
 {
     return Header(32, look, "one", "two", 3) + Good_Page("first") + page + Good_Page("third");
@@ -69,7 +69,7 @@ qint64 Middle()
     return (Header(32, look, "one", "two", 3) + Good_Page("first")).size();
 }
 
-/// A survey's pages in the words of Support::Describe.
+/// The pages of a survey in the format of Support::Describe.
 QStringList Describe(const TProjectSurvey& survey)
 {
     QStringList lines;
@@ -93,7 +93,7 @@ QStringList Page_Lines(int number, const QString& name)
             QStringLiteral("label 2 8 '' 8 3.5,4")};
 }
 
-/// All defects, each with its place.
+/// All defects, each with its offset.
 QStringList Defects(const TProjectSurvey& survey)
 {
     QStringList lines;
@@ -107,7 +107,7 @@ TProjectSurvey Survey(const QByteArray& bytes)
     return ProjectSurvey::Survey(bytes, TImages::Decode);
 }
 
-/// Empty unless a survey is not what surveys promise to be.
+/// Empty when the defects are in ascending order and within the file.
 QString Broken_Promise(const QByteArray& bytes, const TProjectSurvey& survey)
 {
     qint64 last = 0;
@@ -119,7 +119,7 @@ QString Broken_Promise(const QByteArray& bytes, const TProjectSurvey& survey)
     return QString();
 }
 
-/// Loads bytes in a window that has been prepared; empty when it shows what the survey says.
+/// Loads a file in a window; empty when the window shows what was surveyed.
 QString Window_Difference(const QByteArray& bytes, const TProjectSurvey& survey)
 {
     const QTemporaryDir folder;
@@ -144,8 +144,7 @@ QString Window_Difference(const QByteArray& bytes, const TProjectSurvey& survey)
                                    shown.join(QLatin1Char('|'));
 }
 
-/// Empty when a survey of bytes is sound; what it says about the document is compared with the
-/// window when there are no defects.
+/// Empty when the survey of a file is consistent, and equal to the window if it has no defects.
 QString Survey_Fault(const QByteArray& bytes)
 {
     const TProjectSurvey survey = Survey(bytes);
@@ -153,7 +152,7 @@ QString Survey_Fault(const QByteArray& bytes)
     return broken.isEmpty() && survey.defects.empty() ? Window_Difference(bytes, survey) : broken;
 }
 
-/// What is wrong with the files in tests/data/broken, and which of them the window opens whole.
+/// The defects of the files in tests/data/broken.
 QMap<QString, QStringList> Broken_Files()
 {
     const QString magic = "0: the file does not begin with the magic number of a project file";
@@ -172,49 +171,47 @@ QMap<QString, QStringList> Broken_Files()
          {"8: the file ends where the length of the colour name should be"}},
         {"ends_in_colour_length",
          {"8: the file ends where the length of the colour name should be"}},
-        {"ends_in_colour", {"8: the length of the colour name leads past the end of the file: 7"}},
+        {"ends_in_colour", {"8: the length of the colour name points past the end of the file: 7"}},
         {"ends_in_header_length",
          {"19: the file ends where the length of header line 1 should be"}},
         {"ends_in_page_count", {"27: the file ends where the page count should be"}},
-        {"ends_before_the_page", {"27: the page count is more than the file has room for: 1"}},
+        {"ends_before_the_page", {"31: the file ends after 0 of 1 pages"}},
         {"ends_in_image_length",
-         {"27: the page count is more than the file has room for: 1",
-          "40: page 1: the file ends where the length of the image should be"}},
+         {"40: page 1: the file ends where the length of the image should be"}},
         {"ends_in_image",
-         {"40: page 1: the length of the image leads past the end of the file: 83",
+         {"40: page 1: the length of the image points past the end of the file: 83",
           "44: page 1: the image cannot be decoded",
           "70: page 1: the file ends where the length of the label document should be"}},
         {"ends_in_items_length",
          {"127: page 1: the file ends where the length of the label document should be"}},
         {"ends_in_items",
-         {"127: page 1: the length of the label document leads past the end of the file: 195",
+         {"127: page 1: the length of the label document points past the end of the file: 195",
           "131: page 1: ERR: Reference data XML parse error at line unexpected end of file "
           "column 1: 57"}},
         {"more_pages_than_records", {"326: the file ends after 1 of 2 pages"}},
-        {"page_count_of_2_to_the_31",
-         {"27: the page count is more than the file has room for: 2147483647"}},
-        {"page_count_negative", {"27: the page count is negative: -1"}},
+        {"page_count_of_2_to_the_31", {"326: the file ends after 1 of 2147483647 pages"}},
+        {"page_count_negative", {"27: the page count is -1, but there are 1 pages"}},
         {"colour_length_negative", {"8: the length of the colour name is negative: -1"}},
         {"header_1_length_negative", {"19: the length of header line 1 is negative: -5"}},
         {"header_2_length_negative", {"23: the length of header line 2 is negative: -2147483648"}},
         {"colour_length_past_the_end",
-         {"8: the length of the colour name leads past the end of the file: 2147483647",
+         {"8: the length of the colour name points past the end of the file: 2147483647",
           "19: the file ends where the length of header line 1 should be"}},
-        {"colour_unknown", {"12: there is no colour \"colourless\""}},
+        {"colour_unknown", {"12: unknown colour \"colourless\""}},
         {"name_length_negative", {"326: page 2: the length of the name is negative: -1"}},
-        {"name_with_zero_byte", {"333: page 2: the name is cut at a zero byte"}},
+        {"name_with_zero_byte", {"333: page 2: the name is cut off at a zero byte"}},
         {"name_length_past_the_end",
-         {"326: page 2: the length of the name leads past the end of the file: 2147483647"}},
+         {"326: page 2: the length of the name points past the end of the file: 2147483647"}},
         {"image_length_negative", {"336: page 2: the length of the image is negative: -1"}},
         {"image_length_past_the_end",
-         {"336: page 2: the length of the image leads past the end of the file: 2147483647"}},
+         {"336: page 2: the length of the image points past the end of the file: 2147483647"}},
         {"image_no_picture", {"340: page 2: the image cannot be decoded"}},
         {"image_header_alone", {"340: page 2: the image cannot be decoded"}},
         {"image_of_900_megapixels", {"340: page 2: the image cannot be decoded"}},
         {"items_length_negative",
          {"340: page 2: the length of the label document is negative: -1"}},
         {"items_length_past_the_end",
-         {"340: page 2: the length of the label document leads past the end of the file: "
+         {"340: page 2: the length of the label document points past the end of the file: "
           "2147483647"}},
         {"items_empty", {parse.arg("unexpected end of file").arg(1)}},
         {"items_no_xml", {parse.arg("error occurred while parsing element").arg(1)}},
@@ -234,24 +231,24 @@ QMap<QString, QStringList> Broken_Files()
         {"items_empty_position", {position.arg(524).arg(2)}},
         {"items_without_text", {}},
         {"items_numbers_no_numbers",
-         {"413: page 2: label 1: Value \"five\" is no number and reads as 0"}},
+         {"413: page 2: label 1: Value \"five\" is not a number and is read as 0"}},
         {"items_position_three_parts", {position.arg(413).arg(1)}},
         {"items_position_one_part", {position.arg(413).arg(1)}},
-        {"items_id_twice", {"524: page 2: label 2: another label before it has the same Id 1"}},
+        {"items_id_twice", {"524: page 2: label 2: an earlier label has the same Id 1"}},
         {"items_entity_bomb",
          {parse
               .arg("The XML entity \"e3\" expands to a string that is too large to process (10000 "
                    "characters > 4096).")
               .arg(258),
-          "855: page 2: label 1: has no position"}},
+          "855: page 2: label 1: ERR: Node 'Id' is missing from node 'Item' and not optional."}},
         {"items_nested_10000_deep", {parse.arg("elements nested too deeply").arg(837)}},
         {"items_control_character",
          {parse.arg("invalid character").arg(113),
-          "413: page 2: label 1: is no well-formed element"}},
+          "413: page 2: label 1: the element is not well-formed"}},
     };
 }
 
-/// Every way in which one byte of a file is changed here.
+/// A file with one byte changed in several ways.
 QList<QByteArray> Changed_At(const QByteArray& whole, int place)
 {
     const char original = whole.at(place);
@@ -265,7 +262,7 @@ QList<QByteArray> Changed_At(const QByteArray& whole, int place)
     return variants;
 }
 
-/// Whether a page of a survey is the good page of that name, whatever its place.
+/// Whether a survey has the complete page with that name, at any index.
 bool Has_Page(const TProjectSurvey& survey, const QString& name)
 {
     const QString lines = Describe(survey).join(QLatin1Char('|'));
@@ -280,7 +277,7 @@ class TestProjectSurvey : public QObject
 {
     Q_OBJECT
 
-    /// The page in the middle of three is damaged; the two others are to be there.
+    /// Surveys a file whose second of three pages is damaged; the other two must be complete.
     /// @param defects  each with its offset from the beginning of the damaged page.
     static void Compare_Middle(const QByteArray& page, const QStringList& defects,
                                const QStringList& lines)
@@ -329,7 +326,7 @@ private slots:
         QCOMPARE(Broken_Files().keys(), files);
     }
 
-    void the_defects_of_a_broken_file_are_named_in_their_places_data()
+    void the_defects_of_a_broken_file_are_reported_with_their_offsets_data()
     {
         QTest::addColumn<QStringList>("defects");
         const QMap<QString, QStringList> files = Broken_Files();
@@ -337,7 +334,7 @@ private slots:
             QTest::newRow(qPrintable(file.key())) << file.value();
     }
 
-    void the_defects_of_a_broken_file_are_named_in_their_places()
+    void the_defects_of_a_broken_file_are_reported_with_their_offsets()
     {
         const QByteArray bytes =
             Support::Read_File(QStringLiteral(QUILLET_TEST_DATA "/broken/%1.quillet")
@@ -346,7 +343,7 @@ private slots:
         QCOMPARE(Survey_Fault(bytes), QString());
     }
 
-    void pages_before_a_cut_are_whole_wherever_it_is()
+    void all_pages_before_a_cut_are_whole()
     {
         const QByteArray whole = Between(Good_Page("second"));
         const QVector<int> ends{static_cast<int>(Middle()),
@@ -365,7 +362,7 @@ private slots:
         }
     }
 
-    void a_changed_byte_costs_no_other_page_and_no_change_goes_unnoticed_that_the_window_minds()
+    void a_changed_byte_loses_no_other_page_and_is_reported_if_the_window_refuses_it()
     {
         const QByteArray whole = Between(Good_Page("second"));
         const QVector<int> ends{static_cast<int>(Middle()),
@@ -408,7 +405,7 @@ private slots:
         QCOMPARE(Survey_Fault(Support::Empty_Project()), QString());
     }
 
-    void progress_tells_of_each_page()
+    void each_page_is_reported_before_it_is_read()
     {
         const QByteArray bytes = Header(32, look, "", "", 2) +
                                  Page_Record("a", QByteArray(), Good_Items()) +
@@ -418,11 +415,11 @@ private slots:
         ProjectSurvey::Survey(bytes, TImages::Leave_Alone, [&told](int number, int total) {
             told += QStringLiteral("%1/%2").arg(number).arg(total);
         });
-        // The third is one that the count leaves out.
+        // The third page is beyond the page count.
         QCOMPARE(told, QStringList({"1/2", "2/2", "3/3"}));
     }
 
-    void images_that_are_left_alone_are_no_defects()
+    void images_that_are_left_alone_are_not_checked()
     {
         const QByteArray bytes =
             Header(32, look, "", "", 1) + Page_Record("a", "none", Good_Items());
@@ -433,12 +430,12 @@ private slots:
         QCOMPARE(Defects(Survey(bytes)).size(), 1);
     }
 
-    void a_page_without_an_image_is_no_defect()
+    void a_page_without_an_image_is_not_a_defect()
     {
         QCOMPARE(Defects(Survey(Header(32, look, "", "", 1) + Empty_Page("a"))), QStringList());
     }
 
-    void a_damaged_header_is_named_and_the_pages_are_found_data()
+    void a_damaged_header_is_reported_and_the_pages_are_found_data()
     {
         QTest::addColumn<QByteArray>("header");
         QTest::addColumn<QStringList>("defects");
@@ -447,7 +444,7 @@ private slots:
         const QByteArray color = Field(look);
         const QByteArray lines = Field("one") + Field("two");
         const QString good = "32 #fa0832 one two";
-        const QString astray = "8: the lengths at the beginning do not lead to the first page";
+        const QString astray = "8: the lengths in the header do not lead to the first page";
         QTest::newRow("label size too small")
             << Header(15, look, "one", "two", 1)
             << QStringList{"4: the label size 15 is not between 16 and 128"}
@@ -465,26 +462,24 @@ private slots:
             << QStringList{"8: the length of the colour name is negative: -1"} << good;
         QTest::newRow("colour length too small")
             << start + Number(2) + look + lines + Number(1)
-            << QStringList{"8: the length of the colour name is 2, but there are 7 bytes of it"}
-            << good;
+            << QStringList{"8: the length of the colour name is 2, but it has 7 bytes"} << good;
         QTest::newRow("colour length too large")
             << start + Number(40) + look + lines + Number(1)
-            << QStringList{"8: the length of the colour name is 40, but there are 7 bytes of it"}
-            << good;
+            << QStringList{"8: the length of the colour name is 40, but it has 7 bytes"} << good;
         QTest::newRow("colour unknown")
             << Header(32, "colourless", "one", "two", 1)
-            << QStringList{"12: there is no colour \"colourless\""} << "32 #000000 one two";
+            << QStringList{"12: unknown colour \"colourless\""} << "32 #000000 one two";
         QTest::newRow("colour by another name")
             << Header(32, "navy", "one", "two", 1) << QStringList() << "32 #000080 one two";
         QTest::newRow("colour with zero byte")
             << Header(32, QByteArray("red\0x", 5), "one", "two", 1)
-            << QStringList{"15: the colour name is cut at a zero byte"} << "32 #ff0000 one two";
+            << QStringList{"15: the colour name is cut off at a zero byte"} << "32 #ff0000 one two";
         QTest::newRow("header line with zero byte")
             << Header(32, look, QByteArray("o\0e", 3), "two", 1)
-            << QStringList{"24: header line 1 is cut at a zero byte"} << "32 #fa0832 o two";
+            << QStringList{"24: header line 1 is cut off at a zero byte"} << "32 #fa0832 o two";
         QTest::newRow("header line 1 past the end")
             << start + color + Number(0x7fffffff) + "one" + Field("two") + Number(1)
-            << QStringList{"19: the length of header line 1 leads past the end of the file: "
+            << QStringList{"19: the length of header line 1 points past the end of the file: "
                            "2147483647"}
             << "32 #fa0832  ";
         QTest::newRow("header line 2 negative")
@@ -492,22 +487,24 @@ private slots:
             << QStringList{"26: the length of header line 2 is negative: -1"} << "32 #fa0832 one ";
         QTest::newRow("header line 2 swallows a page")
             << start + color + Field("one") + Number(60) + "two" + Number(1)
-            << QStringList{astray, "34: header line 2 is cut at a zero byte"} << QString();
+            << QStringList{astray, "34: header line 2 is cut off at a zero byte"} << QString();
         QTest::newRow("header line 2 too short by one")
             << start + color + Field("one") + Number(2) + "two" + Number(1) << QStringList{astray}
             << "32 #fa0832 one tw";
         QTest::newRow("page count negative")
             << start + color + lines + Number(negative)
-            << QStringList{"33: the page count is negative: -1"} << good;
+            << QStringList{"33: the page count is -1, but there are 1 pages"} << good;
         QTest::newRow("page count zero")
             << start + color + lines + Number(0)
             << QStringList{"33: the page count is 0, but there are 1 pages"} << good;
         QTest::newRow("page count too large")
             << start + color + lines + Number(100000)
-            << QStringList{"33: the page count is more than the file has room for: 100000"} << good;
+            << QStringList{QStringLiteral("%1: the file ends after 1 of 100000 pages")
+                               .arg(37 + Good_Page("first").size())}
+            << good;
     }
 
-    void a_damaged_header_is_named_and_the_pages_are_found()
+    void a_damaged_header_is_reported_and_the_pages_are_found()
     {
         QFETCH(const QByteArray, header);
         QFETCH(const QString, looks);
@@ -524,14 +521,14 @@ private slots:
         QCOMPARE(Survey_Fault(bytes), QString());
     }
 
-    void what_follows_the_last_page_is_named()
+    void bytes_after_the_last_page_are_reported()
     {
         const QByteArray whole = Header(32, look, "", "", 1) + Good_Page("first");
         for (const QByteArray& rest :
              {QByteArray("x"), QByteArray(12, '\0'), QByteArray(500, 'x')}) {
             const TProjectSurvey survey = Survey(whole + rest);
             QCOMPARE(Defects(survey),
-                     QStringList{QStringLiteral("%1: %2 bytes are left over after the last page")
+                     QStringList{QStringLiteral("%1: %2 bytes follow the last page")
                                      .arg(whole.size())
                                      .arg(rest.size())});
             QCOMPARE(Describe(survey), Page_Lines(1, "first"));
@@ -539,7 +536,7 @@ private slots:
         }
     }
 
-    void pages_that_the_count_leaves_out_are_found()
+    void pages_beyond_the_page_count_are_found()
     {
         const TProjectSurvey survey =
             Survey(Header(32, look, "", "", 1) + Good_Page("first") + Good_Page("second"));
@@ -556,7 +553,7 @@ private slots:
                 QStringList{"0: the file does not begin with the magic number of a project file"});
     }
 
-    void a_damaged_length_costs_nothing_data()
+    void a_damaged_length_loses_nothing_data()
     {
         Add_Columns();
         const QByteArray image = Png(Picture(3, 2));
@@ -566,7 +563,7 @@ private slots:
         const int items_place = image_place + 4 + image.size();
         const QList<std::pair<quint32, QString>> lengths{
             {negative, "is negative: -1"},
-            {0x7fffffff, "leads past the end of the file: 2147483647"}};
+            {0x7fffffff, "points past the end of the file: 2147483647"}};
         for (const auto& [length, what] : lengths) {
             QTest::newRow(qPrintable("name " + what))
                 << Number(length) + "second" + Field(image) + Field(items)
@@ -583,7 +580,7 @@ private slots:
                                what}
                 << page;
         }
-        const QString wrong = "%1: the length of %2 is %3, but there are %4 bytes of it";
+        const QString wrong = "%1: the length of %2 is %3, but it has %4 bytes";
         for (const int error : {-6, -1, 1, 2, 40, 300}) {
             const auto damaged = [error](const QByteArray& content) {
                 return Number(static_cast<quint32>(content.size() + error)) + content;
@@ -608,9 +605,9 @@ private slots:
         }
     }
 
-    void a_damaged_length_costs_nothing() { Compare_Middle_Row(); }
+    void a_damaged_length_loses_nothing() { Compare_Middle_Row(); }
 
-    void a_damaged_label_document_costs_no_readable_label_data()
+    void a_damaged_label_document_loses_no_readable_label_data()
     {
         Add_Columns();
         const QByteArray first = Item_Element("1", "7", "a", "2", "1.00,2.00");
@@ -638,23 +635,21 @@ private slots:
         row("position empty", Item_Element("2", "8", "b", "1", ""),
             at_item("XML Item position invalid"), around);
         row("id no number", Item_Element("two", "8", "b", "1", "3,4"),
-            at_item("Id \"two\" is no number and reads as 0"), kept("label 0 8 'b' 1 3,4"));
+            at_item("Id \"two\" is not a number and is read as 0"), kept("label 0 8 'b' 1 3,4"));
         row("value too large", Item_Element("2", "2147483648", "b", "1", "3,4"),
-            at_item("Value \"2147483648\" is no number and reads as 0"),
+            at_item("Value \"2147483648\" is not a number and is read as 0"),
             kept("label 2 0 'b' 1 3,4"));
         row("border no number", Item_Element("2", "8", "b", "round", "3,4"),
-            at_item("Border_Type \"round\" is no number and reads as 0"),
+            at_item("Border_Type \"round\" is not a number and is read as 0"),
             kept("label 2 8 'b' 0 3,4"));
         row("border unknown", Item_Element("2", "8", "b", "3", "3,4"),
-            at_item("there is no border with the code 3"), kept("label 2 8 'b' 3 3,4"));
+            at_item("unknown border code 3"), kept("label 2 8 'b' 3 3,4"));
         row("coordinate no number", Item_Element("2", "8", "b", "1", "left,4"),
-            at_item("Position \"left,4\" does not consist of two numbers"),
-            kept("label 2 8 'b' 1 0,4"));
+            at_item("Position \"left,4\" is not a pair of numbers"), kept("label 2 8 'b' 1 0,4"));
         row("coordinate not finite", Item_Element("2", "8", "b", "1", "3,inf"),
-            at_item("Position \"3,inf\" does not consist of two numbers"),
-            kept("label 2 8 'b' 1 3,0"));
+            at_item("Position \"3,inf\" is not a pair of numbers"), kept("label 2 8 'b' 1 3,0"));
         row("id twice", Item_Element("1", "8", "b", "1", "3,4"),
-            at_item("another label before it has the same Id 1"), kept("label 0 8 'b' 1 3,4"));
+            at_item("an earlier label has the same Id 1"), kept("label 0 8 'b' 1 3,4"));
 
         const QString parse =
             QStringLiteral("%1: ERR: Reference data XML parse error at line %2 column 1: %3")
@@ -663,21 +658,21 @@ private slots:
         row("element not closed",
             Item_Element("2", "8", "b", "1", "3,4").replace("</Item>", "</Itex>"),
             QStringList{parse.arg("tag mismatch").arg(column + 105)} +
-                at_item("its element is not closed"),
+                at_item("the element is not closed"),
             around);
         row("part not closed",
             Item_Element("2", "8", "b", "1", "3,4").replace("</Value>", "<Value>"),
             QStringList{parse.arg("tag mismatch").arg(column + 104)} +
-                at_item("is no well-formed element"),
+                at_item("the element is not well-formed"),
             around);
         row("ampersand alone", Item_Element("2", "8", "b & b", "1", "3,4"),
             QStringList{parse.arg("letter is expected").arg(column + 42)} +
-                at_item("is no well-formed element"),
+                at_item("the element is not well-formed"),
             around);
         row("between the labels", "<>",
             {parse.arg("error occurred while parsing content").arg(column + 2)}, around);
         row("bytes that are no UTF-8", Item_Element("2", "8", "Ri\xdf", "1", "3,4"),
-            {QStringLiteral("%1: holds bytes that are no UTF-8").arg(items_begin)},
+            {QStringLiteral("%1: the label document is not valid UTF-8").arg(items_begin)},
             kept(QString::fromUtf8("label 2 8 'Ri\xef\xbf\xbd' 1 3,4")));
         QTest::newRow("other version")
             << With_Items(
@@ -694,9 +689,9 @@ private slots:
                                << QStringList{parse.arg("unexpected end of file").arg(1)} << title;
     }
 
-    void a_damaged_label_document_costs_no_readable_label() { Compare_Middle_Row(); }
+    void a_damaged_label_document_loses_no_readable_label() { Compare_Middle_Row(); }
 
-    void a_changed_byte_costs_one_label_at_the_most()
+    void a_changed_byte_loses_at_most_one_label()
     {
         QByteArray labels;
         QStringList lines;
@@ -709,7 +704,7 @@ private slots:
         for (int place = whole.indexOf("<Item>"); place < whole.lastIndexOf("</Quillet_Data>");
              ++place) {
             for (const QByteArray& changed : Changed_At(whole, place)) {
-                // An id that another label has by now changes that label's, which nobody sees.
+                // Ids are not compared: a repeated one is replaced.
                 const QString found = Describe(Survey(changed)).join(QLatin1Char('|'));
                 const auto kept =
                     std::count_if(lines.cbegin(), lines.cend(),
@@ -719,13 +714,12 @@ private slots:
         }
     }
 
-    void a_page_between_others_that_cannot_be_read_is_counted()
+    void an_unreadable_page_between_others_is_counted()
     {
-        // Neither lengths nor a label document, only bytes up to the next page.
-        Compare_Middle(
-            QByteArray(200, '\xff'),
-            {"0: the length of the name is negative: -1", "0: nothing can be read of 200 bytes"},
-            {});
+        // No lengths and no label document, only bytes up to the next page.
+        Compare_Middle(QByteArray(200, '\xff'),
+                       {"0: the length of the name is negative: -1", "0: 200 bytes cannot be read"},
+                       {});
     }
 
     void a_page_whose_label_document_is_lost_keeps_its_image()
@@ -741,7 +735,7 @@ private slots:
                        {"page 2 second 3x2"});
     }
 
-    void hostile_bytes_take_time_and_memory_in_a_straight_line_data()
+    void hostile_bytes_take_linear_time_and_memory_data()
     {
         QTest::addColumn<QByteArray>("piece");
         const QByteArray image = Png(Picture(3, 2));
@@ -762,11 +756,11 @@ private slots:
         QTest::newRow("lengths of 1") << Number(1);
     }
 
-    void hostile_bytes_take_time_and_memory_in_a_straight_line()
+    void hostile_bytes_take_linear_time_and_memory()
     {
         QFETCH(const QByteArray, piece);
         constexpr int size = 300'000;
-        // What grew with the square of this would not end within the test's time limit.
+        // Quadratic time would exceed the time limit of the test.
         for (const QByteArray& head : {Header(32, look, "", "", 0x7fffffff),
                                        Header(32, look, "", "", 1) + Field("a") + Field(""),
                                        Header(32, look, "", "", 1) + Field("a") + Field("") +

@@ -53,7 +53,7 @@ class TestRecordFinder : public QObject
     Q_OBJECT
 
 private slots:
-    void an_integer_is_read_only_where_all_its_bytes_are()
+    void an_integer_must_be_complete()
     {
         const TRecordFinder finder("x" + Number(7));
         QCOMPARE(finder.Size(), qint64(5));
@@ -74,7 +74,7 @@ private slots:
         QVERIFY(TRecordFinder(Number(0)).Field_At(0));
     }
 
-    void a_record_whose_lengths_are_sound_is_taken_as_it_is_data()
+    void a_record_with_sound_lengths_is_found_unchanged_data()
     {
         QTest::addColumn<QByteArray>("image");
         QTest::addColumn<QByteArray>("items");
@@ -83,7 +83,7 @@ private slots:
         QTest::newRow("labels lost") << png << QByteArray();
         QTest::newRow("no document") << png << QByteArray("abc");
     }
-    void a_record_whose_lengths_are_sound_is_taken_as_it_is()
+    void a_record_with_sound_lengths_is_found_unchanged()
     {
         QFETCH(const QByteArray, image);
         QFETCH(const QByteArray, items);
@@ -106,21 +106,21 @@ private slots:
         QVERIFY(!TRecordFinder(Page_Record("a", "junk", "")).Is_Boundary(0));
     }
 
-    void a_damaged_name_length_is_worked_out_from_the_image()
+    void a_damaged_name_length_is_derived_from_the_image()
     {
         const QByteArray name = "name";
         const QByteArray file = negative + name + Field(png) + Field(Item_List());
         QCOMPARE(Describe(TRecordFinder(file).Find(0)), Sound(0, name, png, Item_List()));
     }
 
-    void a_name_whose_length_is_lost_has_at_most_1024_bytes_data()
+    void a_name_with_a_damaged_length_has_at_most_1024_bytes_data()
     {
         QTest::addColumn<int>("length");
         QTest::addColumn<bool>("is_found");
         QTest::newRow("1,024 bytes") << 1024 << true;
         QTest::newRow("1,025 bytes") << 1025 << false;
     }
-    void a_name_whose_length_is_lost_has_at_most_1024_bytes()
+    void a_name_with_a_damaged_length_has_at_most_1024_bytes()
     {
         QFETCH(const int, length);
         QFETCH(const bool, is_found);
@@ -132,7 +132,7 @@ private slots:
         QCOMPARE(record.image->length, qint64(png.size()));
     }
 
-    void a_name_is_looked_for_over_1024_bytes_data()
+    void a_name_is_searched_for_over_1024_bytes_data()
     {
         QTest::addColumn<int>("length");
         QTest::addColumn<bool>("is_found");
@@ -140,7 +140,7 @@ private slots:
         QTest::newRow("1,024 bytes") << 1024 << true;
         QTest::newRow("1,025 bytes") << 1025 << false;
     }
-    void a_name_is_looked_for_over_1024_bytes()
+    void a_name_is_searched_for_over_1024_bytes()
     {
         QFETCH(const int, length);
         QFETCH(const bool, is_found);
