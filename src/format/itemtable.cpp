@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QStringList>
 #include <QTextCodec>
 
@@ -16,6 +17,7 @@ namespace {
 constexpr char byte_order_mark[] = "\xef\xbb\xbf";
 const QChar quote = QLatin1Char('"');
 const QChar comma = QLatin1Char(',');
+const QLatin1String quote_pair("\"\"");
 
 enum TColumn { Page, Value, Text, Border, X, Y };
 
@@ -64,7 +66,7 @@ QString Quoted(const QString& field)
     });
     if (is_plain)
         return field;
-    return quote + QString(field).replace(quote, QStringLiteral("\"\"")) + quote;
+    return quote + QString(field).replace(quote, quote_pair) + quote;
 }
 
 QString Coordinate_Text(double coordinate)
@@ -79,19 +81,29 @@ QString Line(const QStringList& fields)
     return quoted.join(comma) + QStringLiteral("\r\n");
 }
 
+/// Number of line ends in a text. CR LF is one.
+int Line_Ends(const QString& text)
+{
+    return text.count(QLatin1Char('\n')) + text.count(QLatin1Char('\r')) -
+           text.count(QLatin1String("\r\n"));
+}
+
 /// One record of a table: its fields, and the line in which it begins.
 struct TRecord
 {
     QStringList fields;
     int line = 1;
 
-    /// Also so for what spreadsheets write of empty rows.
+    /// Spreadsheets write commas for an empty row.
     bool Is_Empty() const
     {
         return std::all_of(fields.cbegin(), fields.cend(),
                            [](const QString& field) { return field.isEmpty(); });
     }
 };
+
+/// Groups of the pattern of a field.
+enum TFieldGroup { Quoted_Content = 1, Plain_Content, Separator };
 
 /// Reads comma-separated values, record after record.
 class TRecordReader
@@ -109,26 +121,16 @@ public:
 
 private:
     TRecord Read_Record();
-    QString Read_Field();
-    QString Read_Quoted_Field();
-    void Pass_Line_End();
-
-    bool Is_At_End() const { return d_position >= d_text.size(); }
-    QChar Character() const { return Is_At_End() ? QChar() : d_text.at(d_position); }
-    bool Is_At_Line_End() const
-    {
-        return Character() == QLatin1Char('\n') || Character() == QLatin1Char('\r');
-    }
+    static QString Fault(const QRegularExpressionMatch& field);
 
     const QString d_text;
     int d_position = 0;
-    int d_line = 1;        ///< of the position
-    int d_record_line = 1; ///< in which the record began
+    int d_line = 1; ///< of the position
 };
 
 std::optional<TRecord> TRecordReader::Next()
 {
-    while (!Is_At_End()) {
+    while (d_position < d_text.size()) {
         TRecord record = Read_Record();
         if (!record.Is_Empty())
             return record;
@@ -138,68 +140,38 @@ std::optional<TRecord> TRecordReader::Next()
 
 TRecord TRecordReader::Read_Record()
 {
-    d_record_line = d_line;
+    // A field and the separator after it, in the groups of TFieldGroup.
+    static const QRegularExpression field_pattern(
+        QStringLiteral(R"regex((?:"([^"]*+(?:""[^"]*+)*+)"|([^",\r\n]*+))(,|\r\n?|\n|\z)?)regex"));
     TRecord record;
     record.line = d_line;
-    record.fields += Read_Field();
-    while (!Is_At_End() && Character() == comma) {
-        ++d_position;
-        record.fields += Read_Field();
-    }
-    if (!Is_At_End())
-        Pass_Line_End();
+    QRegularExpressionMatch field;
+    do {
+        // Checking the whole text for each field would take quadratic time.
+        field = field_pattern.match(d_text, d_position, QRegularExpression::NormalMatch,
+                                    QRegularExpression::AnchoredMatchOption |
+                                        QRegularExpression::DontCheckSubjectStringMatchOption);
+        if (field.capturedStart(Separator) < 0)
+            throw TItemTableException(Fault(field), record.line);
+        record.fields += field.capturedStart(Quoted_Content) < 0
+                             ? field.captured(Plain_Content)
+                             : field.captured(Quoted_Content).replace(quote_pair, quote);
+        d_position = field.capturedEnd();
+        d_line += Line_Ends(field.captured());
+    } while (field.capturedRef(Separator) == comma);
     return record;
 }
 
-QString TRecordReader::Read_Field()
+/// Why a field is not followed by a separator.
+QString TRecordReader::Fault(const QRegularExpressionMatch& field)
 {
-    if (!Is_At_End() && Character() == quote)
-        return Read_Quoted_Field();
-    const int begin = d_position;
-    while (!Is_At_End() && Character() != comma && !Is_At_Line_End()) {
-        if (Character() == quote)
-            throw TItemTableException(tr("a quote within a field that does not begin with one"),
-                                      d_record_line);
-        ++d_position;
-    }
-    return d_text.mid(begin, d_position - begin);
+    if (field.capturedStart(Quoted_Content) >= 0)
+        return tr("characters after a quoted field");
+    return field.capturedLength() == 0 ? tr("a quoted field is not closed")
+                                       : tr("a quote within an unquoted field");
 }
 
-QString TRecordReader::Read_Quoted_Field()
-{
-    QString field;
-    ++d_position;
-    while (!Is_At_End()) {
-        const int begin = d_position;
-        while (!Is_At_End() && Character() != quote && !Is_At_Line_End())
-            ++d_position;
-        field += d_text.midRef(begin, d_position - begin);
-        if (Is_At_Line_End()) {
-            const int line_end = d_position;
-            Pass_Line_End();
-            field += d_text.midRef(line_end, d_position - line_end);
-        } else if (!Is_At_End() && d_text.midRef(d_position + 1, 1) == quote) {
-            field += quote;
-            d_position += 2;
-        } else if (!Is_At_End()) {
-            ++d_position;
-            if (!Is_At_End() && Character() != comma && !Is_At_Line_End())
-                throw TItemTableException(tr("characters after the end of a quoted field"),
-                                          d_record_line);
-            return field;
-        }
-    }
-    throw TItemTableException(tr("a quoted field that does not end"), d_record_line);
-}
-
-void TRecordReader::Pass_Line_End()
-{
-    const bool is_pair = d_text.midRef(d_position, 2) == QLatin1String("\r\n");
-    d_position += is_pair ? 2 : 1;
-    ++d_line;
-}
-
-/// Makes labels of records.
+/// Converts records to labels.
 class TRowReader
 {
     Q_DECLARE_TR_FUNCTIONS(ItemTable)
@@ -226,7 +198,7 @@ TRowReader::TRowReader(const TRecord& header)
     : d_field_count(header.fields.size())
 {
     if (header.fields.size() == 1)
-        throw TItemTableException(tr("there is one column only: it takes commas between them"),
+        throw TItemTableException(tr("there is only one column: columns are separated by commas"),
                                   header.line);
     QStringList names;
     for (const QString& field : header.fields)
@@ -245,7 +217,7 @@ TItemRow TRowReader::Row(const TRecord& record) const
 {
     if (record.fields.size() != d_field_count)
         throw TItemTableException(
-            tr("%1 fields where there are %2 columns").arg(record.fields.size()).arg(d_field_count),
+            tr("%1 fields, but there are %2 columns").arg(record.fields.size()).arg(d_field_count),
             record.line);
     TItemRow row;
     row.page = Integer(record, Page);
@@ -298,15 +270,15 @@ int TRowReader::Border_Type(const TRecord& record) const
 void TRowReader::Refuse(const TRecord& record, TColumn column, const QString& field)
 {
     static const std::array<const char*, columns.size()> kinds{
-        {QT_TR_NOOP("\"%1\" is no page number"),
-         QT_TR_NOOP("\"%1\" is no value: it takes a whole number"), "",
-         QT_TR_NOOP("\"%1\" is no border: it takes none, square, ellipse, triangle or diamond"),
-         QT_TR_NOOP("\"%1\" is no x coordinate: it takes a number such as 12.5"),
-         QT_TR_NOOP("\"%1\" is no y coordinate: it takes a number such as 12.5")}};
+        {QT_TR_NOOP("\"%1\" is not a page number"),
+         QT_TR_NOOP("\"%1\" is not a value: expected a whole number"), "",
+         QT_TR_NOOP("\"%1\" is not a border: expected none, square, ellipse, triangle or diamond"),
+         QT_TR_NOOP("\"%1\" is not an x coordinate: expected a number such as 12.5"),
+         QT_TR_NOOP("\"%1\" is not a y coordinate: expected a number such as 12.5")}};
     throw TItemTableException(tr(kinds[column]).arg(field), record.line);
 }
 
-/// The text of a table, which has to be UTF-8.
+/// The text of a table, which must be UTF-8.
 QString Decoded(const QByteArray& table)
 {
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
@@ -314,7 +286,7 @@ QString Decoded(const QByteArray& table)
         QTextCodec::codecForName("UTF-8")->toUnicode(table.constData(), table.size(), &state);
     if (state.invalidChars == 0 && state.remainingChars == 0)
         return text;
-    // The line is that of the first character that could not be read.
+    // The line of the first invalid character.
     const int damage = text.indexOf(QChar(QChar::ReplacementCharacter));
     throw TItemTableException(QCoreApplication::translate("ItemTable", "the table is not in UTF-8"),
                               1 + text.leftRef(damage).count(QLatin1Char('\n')));

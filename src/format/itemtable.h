@@ -12,7 +12,7 @@ struct TItemRow
 {
     int page = 1;   ///< number of the page, from 1
     TDataItem item; ///< its id is not part of the table
-    int line = 0;   ///< of a table that was read, from 1: where the record begins; 0 otherwise
+    int line = 0;   ///< first line of its record in a table that was read, from 1; else 0
 };
 
 /// What ItemTable::Read throws, by value.

@@ -16,7 +16,7 @@ using Support::Label;
 namespace {
 
 const QByteArray header = "page,value,text,border,x,y\r\n";
-const QString number_hint = ": it takes a number such as 12.5";
+const QString number_hint = ": expected a number such as 12.5";
 
 /// Rows as lines of text.
 QStringList Describe(const std::vector<TItemRow>& rows)
@@ -58,7 +58,7 @@ private slots:
         QVERIFY(ItemTable::Read(header).empty());
     }
 
-    void labels_are_written_one_a_line_in_utf_8()
+    void each_label_is_written_in_one_line_in_utf_8()
     {
         const std::vector<TItemRow> rows{
             {1, Label(17, 5, QStringLiteral("Riß"), 2, {120.5, 33})},
@@ -68,7 +68,7 @@ private slots:
                  header + "1,5,Ri\xc3\x9f,ellipse,120.5,33\r\n12,-7,,none,-1.25,0\r\n");
     }
 
-    void borders_are_words_data()
+    void borders_are_written_as_words_data()
     {
         QTest::addColumn<int>("code");
         QTest::addColumn<QByteArray>("word");
@@ -79,7 +79,7 @@ private slots:
         QTest::newRow("diamond") << 8 << QByteArray("diamond");
     }
 
-    void borders_are_words()
+    void borders_are_written_as_words()
     {
         QFETCH(const int, code);
         QFETCH(const QByteArray, word);
@@ -97,7 +97,7 @@ private slots:
         QCOMPARE(ItemTable::Write({{1, Label(1, 1, QString(), 3, {})}}), header + "1,1,,3,0,0\r\n");
     }
 
-    void texts_are_quoted_where_they_have_to_be_and_come_back_data()
+    void texts_are_quoted_when_necessary_and_read_back_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QByteArray>("field");
@@ -118,7 +118,7 @@ private slots:
         QTest::newRow("mark within") << QString(QChar(0xfeff)) << QByteArray("\xef\xbb\xbf");
     }
 
-    void texts_are_quoted_where_they_have_to_be_and_come_back()
+    void texts_are_quoted_when_necessary_and_read_back()
     {
         QFETCH(const QString, text);
         QFETCH(const QByteArray, field);
@@ -130,14 +130,14 @@ private slots:
         QCOMPARE(rows.at(0).item.position, QPointF(3, 4));
     }
 
-    void coordinates_come_back_to_the_last_bit()
+    void coordinates_are_read_back_exactly()
     {
         for (const double number :
              {0.1, 1.0 / 3, -2e-17, 123456789.987654321, 1e300, 5e-324,
               std::numeric_limits<double>::max(), std::nextafter(1.0, 2.0), -0.0, 1048576.01}) {
             const std::vector<TItemRow> rows = ItemTable::Read(
                 ItemTable::Write({{1, Label(1, 1, QString(), 0, {number, -number})}}));
-            // The exact number: a tolerance is what this is about.
+            // Compare exactly: QCOMPARE allows a tolerance.
             QVERIFY(std::equal_to<>()(rows.at(0).item.position.x(), number));
             QVERIFY(std::equal_to<>()(rows.at(0).item.position.y(), -number));
         }
@@ -193,7 +193,7 @@ private slots:
         QCOMPARE(Describe(ItemTable::Read(header + "1,2,,,3,4\n")), QStringList{"1: 2 '' 0 3,4"});
     }
 
-    void a_defect_is_told_with_its_line_data()
+    void a_defect_is_reported_with_its_line_data()
     {
         QTest::addColumn<QByteArray>("table");
         QTest::addColumn<QString>("refusal");
@@ -210,64 +210,65 @@ private slots:
         for (const char* separator : {";", "\t"})
             QTest::addRow("separated by '%s'", separator)
                 << QByteArray(header + good).replace(",", separator)
-                << QStringLiteral("1: there is one column only: it takes commas between them");
+                << QStringLiteral("1: there is only one column: columns are separated by commas");
         QTest::newRow("column twice")
             << QByteArray("\npage,value,x,y,Value\n") << "2: there are two columns \"value\"";
         QTest::newRow("too few fields") << header + good + "1,2,t,none,3\r\n"
-                                        << "3: 5 fields where there are 6 columns";
+                                        << "3: 5 fields, but there are 6 columns";
         QTest::newRow("too many fields") << header + "1,2,a,b,none,3,4\r\n"
-                                         << "2: 7 fields where there are 6 columns";
+                                         << "2: 7 fields, but there are 6 columns";
         QTest::newRow("page no number") << header + "one,2,t,none,3,4"
-                                        << "2: \"one\" is no page number";
+                                        << "2: \"one\" is not a page number";
         QTest::newRow("page 0") << header + "0,2,t,none,3,4"
-                                << "2: \"0\" is no page number";
+                                << "2: \"0\" is not a page number";
         QTest::newRow("page empty") << header + ",2,t,none,3,4"
-                                    << "2: \"\" is no page number";
-        QTest::newRow("value with fraction") << header + "1,2.5,t,none,3,4"
-                                             << "2: \"2.5\" is no value: it takes a whole number";
+                                    << "2: \"\" is not a page number";
+        QTest::newRow("value with fraction")
+            << header + "1,2.5,t,none,3,4"
+            << "2: \"2.5\" is not a value: expected a whole number";
         QTest::newRow("value too large")
             << header + "1,2147483648,t,none,3,4"
-            << "2: \"2147483648\" is no value: it takes a whole number";
+            << "2: \"2147483648\" is not a value: expected a whole number";
         for (const char* border : {"round", "3", "-1", "16"})
             QTest::addRow("border %s", border)
                 << header + "1,2,t," + border + ",3,4"
-                << QStringLiteral("2: \"%1\" is no border: it takes none, square, ellipse, "
+                << QStringLiteral("2: \"%1\" is not a border: expected none, square, ellipse, "
                                   "triangle or diamond")
                        .arg(QLatin1String(border));
         QTest::newRow("x no number") << header + "1,2,t,none,left,4"
-                                     << "2: \"left\" is no x coordinate" + number_hint;
+                                     << "2: \"left\" is not an x coordinate" + number_hint;
         QTest::newRow("x infinite") << header + "1,2,t,none,inf,4"
-                                    << "2: \"inf\" is no x coordinate" + number_hint;
+                                    << "2: \"inf\" is not an x coordinate" + number_hint;
         QTest::newRow("y nan") << header + "1,2,t,none,3,nan"
-                               << "2: \"nan\" is no y coordinate" + number_hint;
+                               << "2: \"nan\" is not a y coordinate" + number_hint;
         QTest::newRow("y in another locale") << header + "1,2,t,none,3,\"4,5\""
-                                             << "2: \"4,5\" is no y coordinate" + number_hint;
+                                             << "2: \"4,5\" is not a y coordinate" + number_hint;
         QTest::newRow("quote not closed") << header + "1,2,\"t,none,3,4\r\n\r\n"
-                                          << "2: a quoted field that does not end";
+                                          << "2: a quoted field is not closed";
         QTest::newRow("quote within") << header + good + "1,2,2\" pipe,none,3,4"
-                                      << "3: a quote within a field that does not begin with one";
+                                      << "3: a quote within an unquoted field";
         QTest::newRow("after a quoted field") << header + "1,2,\"t\" ,none,3,4"
-                                              << "2: characters after the end of a quoted field";
+                                              << "2: characters after a quoted field";
         QTest::newRow("not utf-8") << header + good + "1,2,Ri\xdf,none,3,4"
                                    << "3: the table is not in UTF-8";
         QTest::newRow("cut in a character") << header + "1,2,Ri\xc3"
                                             << "2: the table is not in UTF-8";
     }
 
-    void a_defect_is_told_with_its_line()
+    void a_defect_is_reported_with_its_line()
     {
         QFETCH(const QByteArray, table);
         QTEST(Refusal(table), "refusal");
     }
 
-    void the_line_is_that_in_which_the_record_begins()
+    void the_reported_line_is_the_first_of_the_record()
     {
         QCOMPARE(
             Refusal(header + "1,2,\"two\r\nlines\",none,3,4\r\n1,2,\"three\n\n\",none,3,bad\n"),
-            "4: \"bad\" is no y coordinate" + number_hint);
+            "4: \"bad\" is not a y coordinate" + number_hint);
     }
 
-    void a_large_table_is_read_in_a_straight_line()
+    void a_large_table_is_read_in_linear_time()
     {
         constexpr int count = 20000;
         std::vector<TItemRow> rows;
