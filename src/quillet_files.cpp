@@ -1,4 +1,4 @@
-// The file commands New, Open, Save and Save As, and the project file they read and write.
+// The file commands New, Open, Save and Save As, and reading and writing project files.
 
 #include "src/quillet.h"
 
@@ -61,8 +61,8 @@ void TQuillet::Open_File(const QString& name)
     const TFileStamp stamp = TFileStamp::Of(name);
     const bool loaded =
         Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
-    // Not before loading: if the file crashes the program, the old work can still be recovered. A
-    // file that is refused at once leaves the old document open.
+    // Only after loading: if the file crashes the program, the old work can still be recovered. If
+    // the file was refused at once, the old document is still open.
     if (d_has_new_document)
         End_Recovery(loss_confirmed);
     if (loaded)
@@ -77,7 +77,7 @@ void TQuillet::Open_File(const QString& name)
     d_data_changed = false;
 }
 
-/// Loads without recording changes and steps: they are not the user's.
+/// Loads without recording changes and undo steps.
 bool TQuillet::Load_Quietly(const std::function<bool()>& load)
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
@@ -143,15 +143,15 @@ bool TQuillet::Save_Data(const QString& file_name)
         statusBar()->showMessage(
             tr("Without pages, a document cannot store all characters of its header lines."),
             Message_Milliseconds);
-    // It may have been the kept work that was saved.
+    // The saved document may have been the recovered work that the notice is about.
     Show_Recovery_Notice();
     return saved;
 }
 
 bool TQuillet::Write_Data(const QString& file_name)
 {
-    // Building the document takes long and comes first: the old file is still complete if the
-    // program is killed meanwhile. A fault is only reported once the file is open, and thus empty.
+    // Build the document first, since it takes long: if the program is killed meanwhile, the old
+    // file is still complete. A fault is reported only after the file was opened, and so emptied.
     TProgress progress = New_Progress(tr("Saving page %1 of %2"));
     TProjectWriter writer;
     const QString fault = Write_Project(&writer, ProjectFile::TPurpose::Save, progress.Steps());
@@ -171,16 +171,16 @@ bool TQuillet::Write_Data(const QString& file_name)
     return true;
 }
 
-/// Puts the document into a writer. Returns why a page's labels could not be written; empty when
-/// all went well.
+/// Writes the document to a writer.
 /// @param report  is called before each page.
+/// @return why the labels of a page could not be written; empty on success.
 QString TQuillet::Write_Project(TProjectWriter* writer, ProjectFile::TPurpose purpose,
                                 const TStepReport& report) const
 {
     return ProjectFile::Write(Appearance(), Named_Pages(), d_data, purpose, report, writer);
 }
 
-/// What the panels and the header dialog have of the document.
+/// The label settings of the panel and the lines of the header dialog.
 TAppearance TQuillet::Appearance() const
 {
     return {d_settings_widget->Label_Size(), d_settings_widget->Label_Color().name(),
@@ -188,7 +188,7 @@ TAppearance TQuillet::Appearance() const
             d_header_dialog ? d_header_dialog->Header2_Text() : QString()};
 }
 
-/// The pages as the page list has them.
+/// The pages in the order of the page list, with their names.
 std::vector<TNamedPage> TQuillet::Named_Pages() const
 {
     std::vector<TNamedPage> pages;
@@ -209,14 +209,14 @@ bool TQuillet::Load_Data(const QString& file_name)
     return Show_Content(ProjectFile::Read(file.readAll(), progress.Steps()), &progress);
 }
 
-/// Shows what was read of a file; false, with the reason, when that is not everything.
+/// Shows the content of a file. If it has a fault, sets d_error_text and returns false.
 bool TQuillet::Show_Content(const TFileContent& content, TProgress* progress)
 {
     if (content.label_size)
         d_settings_widget->Set_Label_Size(*content.label_size);
     if (content.color_name)
         Set_Label_Color(*content.color_name);
-    // A document without header lines leaves those of the document before.
+    // A document without header lines keeps those of the previous document.
     if (!content.header_1.isEmpty() || !content.header_2.isEmpty()) {
         Header_Dialog()->Set_Header1_Text(content.header_1);
         d_header_dialog->Set_Header2_Text(content.header_2);

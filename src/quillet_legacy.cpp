@@ -1,5 +1,4 @@
-// Documents of the two earlier generations: an item list (".qld") with one image (".qli") beside
-// it.
+// Documents of the two earlier generations: an item list (".qld") and an image (".qli").
 
 #include "src/quillet.h"
 
@@ -43,7 +42,7 @@ void TQuillet::Load_Legacy_V2(TXmlFile* xml_file, std::vector<TDataItem>* items)
     Read_Legacy_List(*xml_file, 2, items);
 }
 
-/// Applies each label setting as soon as it is read, so that it stays when a later one is missing.
+/// Applies each label setting as soon as it is read: it stays even if a later one is missing.
 void TQuillet::Read_Legacy_List(const TXmlFile& xml_file, int version,
                                 std::vector<TDataItem>* items)
 {

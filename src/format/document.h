@@ -23,7 +23,7 @@ struct TDocument
     /// The document that the window shows after it has opened a file with this content.
     explicit TDocument(const TFileContent& content);
 
-    /// Image and labels of a page of the list.
+    /// Image and labels of a page in the list.
     const TPageItem& Content(const TNamedPage& page) const;
     /// Ids of the pages, in order.
     QList<int> Page_Ids() const;
@@ -33,7 +33,7 @@ struct TDocument
     void Add_Page(const TFilePage& page);
 };
 
-/// Numbers the labels of pages one after the other.
+/// Numbers the labels of pages consecutively.
 /// @param method  one of TNumbering::TMethod.
-/// @return the value that comes next.
+/// @return the next value.
 int Number_Pages(const QList<int>& page_ids, int first_value, int method, TData* data);

@@ -8,16 +8,15 @@
 #include <optional>
 #include <vector>
 
-/// A page as a file has it.
+/// A page in a file.
 struct TFilePage
 {
     QString name;
-    TPageImage image;             ///< may be undecodable
+    TPageImage image;             ///< may not be decodable
     std::vector<TDataItem> items; ///< ids may repeat
 };
 
-/// The content of a document's file, as far as it could be read. What was read before a fault is
-/// there.
+/// The content of a document's file. After a fault, what was read before it.
 struct TFileContent
 {
     std::optional<int> label_size; ///< as stored, also when it is out of range

@@ -18,12 +18,12 @@ extern const QLatin1String Border_Name;
 extern const QLatin1String Position_Name;
 
 /// The text of a required child element.
-/// @param optional_text  whether the text may be missing; it is empty then.
+/// @param optional_text  whether the element may be empty.
 /// @throws TXmlFileException when the element, or a required text, is missing.
 QString Read_Text(const TXmlFile& xml_file, const QDomElement& parent, const QString& name,
                   bool optional_text = false);
 
-/// The same as an integer; 0 for a text that is not a number.
+/// The same as an integer; 0 if the text is not a number.
 int Read_Integer(const TXmlFile& xml_file, const QDomElement& parent, const QString& name);
 
 /// Reads "x,y". A coordinate that is not a number is 0; false unless there are exactly two parts.

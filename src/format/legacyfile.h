@@ -26,8 +26,8 @@ QString Base_Name(const QString& path);
 using TReadList =
     std::function<void(TXmlFile* xml_file, int version, std::vector<TDataItem>* items)>;
 
-/// Reads a pair of files as a page with the name of a first page.
-/// @param read_list  is not called for other versions: the image is then all that is read.
+/// Reads a pair of files as a page with the default name of page 1.
+/// @param read_list  is not called for other versions: then only the image is read.
 /// @throws TXmlFileException when one of the files cannot be read.
 TFilePage Read_Pair(const QString& base_name, const TReadList& read_list);
 
@@ -43,7 +43,7 @@ int Read_Label_Size(const TXmlFile& xml_file);
 QString Read_Color_Name(const TXmlFile& xml_file);
 
 /// Appends the labels in document order. A label whose position does not have two parts is skipped.
-/// Labels have texts in version 2 only; a text that is an integer counts as none.
+/// Labels have texts in version 2 only; a text that is an integer is dropped.
 void Read_Items(const TXmlFile& xml_file, int version, std::vector<TDataItem>* items);
 
 /// Border type code of a border number in a list.

@@ -34,7 +34,7 @@ class TestDocument : public QObject
     Q_OBJECT
 
 private slots:
-    void a_new_document_looks_as_the_window_does_at_its_first_start()
+    void a_new_document_has_the_appearance_of_a_new_window()
     {
         const TDocument document;
         QCOMPARE(document.appearance.label_size, 32);
@@ -45,7 +45,7 @@ private slots:
         QCOMPARE(document.data.Active_Page(), -1);
     }
 
-    void the_font_is_four_tenths_of_the_label_rounded_half_up_data()
+    void the_font_size_is_four_tenths_of_the_label_size_rounded_half_up_data()
     {
         QTest::addColumn<int>("size");
         QTest::addColumn<int>("font_size");
@@ -55,14 +55,14 @@ private slots:
         QTest::newRow("40: 16.0") << 40 << 16;
         QTest::newRow("128: 51.2") << 128 << 51;
     }
-    void the_font_is_four_tenths_of_the_label_rounded_half_up()
+    void the_font_size_is_four_tenths_of_the_label_size_rounded_half_up()
     {
         QFETCH(const int, size);
         QFETCH(const int, font_size);
         QCOMPARE(TAppearance::Font_Size(size), font_size);
     }
 
-    void a_colour_s_name_is_what_the_toolkit_takes()
+    void a_colour_may_have_any_name_that_qt_accepts()
     {
         QCOMPARE(TAppearance::Color("#0a141e"), QColor(10, 20, 30));
         QCOMPARE(TAppearance::Color("blue"), QColor(Qt::blue));
@@ -70,12 +70,12 @@ private slots:
         QVERIFY(!TAppearance::Color(QString()).isValid());
     }
 
-    void a_page_is_called_by_its_number()
+    void the_default_name_of_a_page_is_its_number()
     {
         QCOMPARE(TNamedPage::Default_Name(7), QStringLiteral("Page 7"));
     }
 
-    void content_of_a_file_becomes_a_document()
+    void a_document_is_made_from_the_content_of_a_file()
     {
         const QImage picture = Support::Picture(12, 10);
         TFileContent content;
@@ -99,7 +99,7 @@ private slots:
         QCOMPARE(document.Content(document.pages[1]).data_items[0].text, QStringLiteral("Pump"));
     }
 
-    void content_without_settings_becomes_a_document_with_default_appearance()
+    void content_without_settings_gives_the_default_appearance()
     {
         const TDocument document{TFileContent()};
         QCOMPARE(document.appearance.label_size, 32);
@@ -107,7 +107,7 @@ private slots:
         QVERIFY(document.pages.empty());
     }
 
-    void a_label_size_is_brought_into_its_range_data()
+    void a_label_size_out_of_range_is_clamped_data()
     {
         QTest::addColumn<int>("size");
         QTest::addColumn<int>("shown");
@@ -116,7 +116,7 @@ private slots:
         QTest::newRow("largest") << 128 << 128;
         QTest::newRow("too large") << 129 << 128;
     }
-    void a_label_size_is_brought_into_its_range()
+    void a_label_size_out_of_range_is_clamped()
     {
         QFETCH(const int, size);
         TFileContent content;
@@ -124,7 +124,7 @@ private slots:
         QTEST(TDocument(content).appearance.label_size, "shown");
     }
 
-    void an_invalid_colour_is_black()
+    void an_invalid_colour_becomes_black()
     {
         TFileContent content;
         content.color_name = QStringLiteral("bluish");

@@ -91,7 +91,7 @@ private slots:
         QCOMPARE(ItemList::Write({}), declaration + "<Quillet_Data File_Version=\"1\"/>");
     }
 
-    void a_control_character_in_a_text_cannot_be_written()
+    void a_control_character_in_a_text_is_refused()
     {
         TItems items;
         const QString text = QStringLiteral("a\u0001b");
@@ -120,7 +120,7 @@ private slots:
         QVERIFY(!item.selected);
     }
 
-    void missing_pieces_are_named_data()
+    void the_message_names_the_missing_element_data()
     {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QByteArray>("replacement");
@@ -151,7 +151,7 @@ private slots:
         QTest::newRow("empty third part") << position << Element(position, "1,2,") << invalid;
     }
 
-    void missing_pieces_are_named()
+    void the_message_names_the_missing_element()
     {
         QFETCH(const QByteArray, name);
         QFETCH(const QByteArray, replacement);
@@ -179,7 +179,7 @@ private slots:
         QVERIFY(items[0].text.isEmpty());
     }
 
-    void numbers_that_are_none_are_0_data()
+    void text_that_is_not_a_number_is_read_as_0_data()
     {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QByteArray>("content");
@@ -206,7 +206,7 @@ private slots:
                                 << label(5, 10, 4, 3, 4);
     }
 
-    void numbers_that_are_none_are_0()
+    void text_that_is_not_a_number_is_read_as_0()
     {
         QFETCH(const QByteArray, name);
         QFETCH(const QByteArray, content);
@@ -221,7 +221,7 @@ private slots:
         QCOMPARE(item.position, expected.position);
     }
 
-    void documents_of_another_kind_are_refused_data()
+    void other_documents_are_refused_data()
     {
         QTest::addColumn<QByteArray>("document");
         QTest::addColumn<QString>("message");
@@ -237,7 +237,7 @@ private slots:
             << QStringLiteral("ERR:  Identification 'Quillet_Data' does not match 'quillet_data'");
     }
 
-    void documents_of_another_kind_are_refused()
+    void other_documents_are_refused()
     {
         QFETCH(const QByteArray, document);
         QFETCH(const QString, message);
@@ -246,7 +246,7 @@ private slots:
         QCOMPARE(Count(items), 0);
     }
 
-    void what_is_no_xml_is_refused_data()
+    void malformed_xml_is_refused_data()
     {
         QTest::addColumn<QByteArray>("document");
         QTest::newRow("nothing") << QByteArray();
@@ -254,7 +254,7 @@ private slots:
         QTest::newRow("cut short") << Document(Item_With()).chopped(10);
     }
 
-    void what_is_no_xml_is_refused()
+    void malformed_xml_is_refused()
     {
         QFETCH(const QByteArray, document);
         TItems items;
@@ -369,7 +369,7 @@ private slots:
         QCOMPARE(copy[count - 1].text, QString::number(count - 1));
     }
 
-    void characters_that_xml_does_not_know_can_be_left_out_data()
+    void characters_that_xml_cannot_hold_can_be_left_out_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("left");
@@ -384,7 +384,7 @@ private slots:
         QTest::newRow("all fine") << face + " <&>\t" << face + " <&>\t";
     }
 
-    void characters_that_xml_does_not_know_can_be_left_out()
+    void characters_that_xml_cannot_hold_can_be_left_out()
     {
         QFETCH(const QString, text);
         QFETCH(const QString, left);
@@ -397,7 +397,7 @@ private slots:
         QCOMPARE(copy[0].text, left);
         QCOMPARE(copy[0].position, QPointF(3, 4));
         QCOMPARE(copy[1].text, QStringLiteral("next"));
-        // Who asks for nothing special is told.
+        // By default such a text is refused.
         bool refused = false;
         try {
             ItemList::Write(items);

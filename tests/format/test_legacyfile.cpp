@@ -138,13 +138,13 @@ private slots:
         QCOMPARE(LegacyFile::Read_Color_Name(xml_file), QStringLiteral("#0000ff"));
     }
 
-    void a_label_size_that_is_no_number_is_0()
+    void a_label_size_that_is_not_a_number_is_read_as_0()
     {
         QCOMPARE(LegacyFile::Read_Label_Size(Opened("<Item_Size><Width>big</Width></Item_Size>")),
                  0);
     }
 
-    void missing_settings_are_named_data()
+    void the_message_names_the_missing_setting_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("size_message");
@@ -159,7 +159,7 @@ private slots:
             << Missing_Text("Width") << Missing_Text("Foreground");
     }
 
-    void missing_settings_are_named()
+    void the_message_names_the_missing_setting()
     {
         QFETCH(const QByteArray, content);
         QFETCH(const QString, size_message);
@@ -220,9 +220,9 @@ private slots:
         QVERIFY(Items_Of(reader, size_node + color_node).empty());
     }
 
-    void labels_come_in_document_order_with_repeated_ids_data() { Add_Versions(); }
+    void labels_are_read_in_document_order_also_with_repeated_ids_data() { Add_Versions(); }
 
-    void labels_come_in_document_order_with_repeated_ids()
+    void labels_are_read_in_document_order_also_with_repeated_ids()
     {
         QFETCH(const TReader, reader);
         const std::vector<TDataItem> items = Items_Of(
@@ -234,16 +234,16 @@ private slots:
         QCOMPARE(ids, (QVector<int>{3, 1, 3}));
     }
 
-    void labels_join_those_collected_before()
+    void labels_are_appended_to_those_already_collected()
     {
         std::vector<TDataItem> items(1);
         LegacyFile::Read_Items(Opened(Item_With()), 1, &items);
         QCOMPARE(static_cast<int>(items.size()), 2);
     }
 
-    void numbers_that_are_none_are_0_data() { Add_Versions(); }
+    void text_that_is_not_a_number_is_read_as_0_data() { Add_Versions(); }
 
-    void numbers_that_are_none_are_0()
+    void text_that_is_not_a_number_is_read_as_0()
     {
         QFETCH(const TReader, reader);
         const TDataItem no_id = Items_Of(reader, Item_With("ID", "<ID>x</ID>")).front();
@@ -255,7 +255,7 @@ private slots:
         QCOMPARE(Items_Of(reader, Item_With("Position", position)).front().position, QPointF());
     }
 
-    void a_malformed_position_drops_its_label_alone_data()
+    void a_malformed_position_drops_only_its_label_data()
     {
         QTest::addColumn<QByteArray>("position");
         QTest::newRow("one part") << QByteArray("12");
@@ -263,7 +263,7 @@ private slots:
         QTest::newRow("empty third part") << QByteArray("1,2,");
     }
 
-    void a_malformed_position_drops_its_label_alone()
+    void a_malformed_position_drops_only_its_label()
     {
         QFETCH(const QByteArray, position);
         const QByteArray content = Item_With("ID", "<ID>1</ID>") +
@@ -277,7 +277,7 @@ private slots:
         }
     }
 
-    void missing_pieces_are_named_data()
+    void the_message_names_the_missing_element_data()
     {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<bool>("in_version_1");
@@ -286,7 +286,7 @@ private slots:
         QTest::newRow("ID_Text") << QByteArray("ID_Text") << false;
     }
 
-    void missing_pieces_are_named()
+    void the_message_names_the_missing_element()
     {
         QFETCH(const QByteArray, name);
         QFETCH(const bool, in_version_1);
@@ -326,7 +326,7 @@ private slots:
         QCOMPARE(page.items.front().text, text);
     }
 
-    void another_version_gives_the_picture_alone()
+    void another_version_has_only_the_image()
     {
         for (const int version : {0, 3}) {
             const TFileContent content =
@@ -338,7 +338,7 @@ private slots:
         }
     }
 
-    void a_list_without_its_picture_is_refused()
+    void a_list_without_an_image_is_refused()
     {
         const QString path = Write_Pair(2, size_node + color_node);
         QVERIFY(QFile::remove(d_folder.filePath("old.qli")));

@@ -160,7 +160,7 @@ private slots:
         QCOMPARE(writer.Size(), qint64(expected.size()));
     }
 
-    void an_empty_writer_has_the_magic_number()
+    void a_new_writer_contains_the_magic_number()
     {
         const TProjectWriter writer;
         QCOMPARE(Bytes_Of(writer), magic);
@@ -216,7 +216,7 @@ private slots:
         QCOMPARE(bytes.size(), text.size());
     }
 
-    void an_image_is_written_as_its_png_data()
+    void an_image_is_written_as_png_data()
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QByteArray>("expected");
@@ -228,7 +228,7 @@ private slots:
         QTest::newRow("nothing") << QByteArray() << QByteArray();
     }
 
-    void an_image_is_written_as_its_png()
+    void an_image_is_written_as_png()
     {
         QFETCH(const QByteArray, bytes);
         QFETCH(const QByteArray, expected);
@@ -237,12 +237,12 @@ private slots:
         QCOMPARE(Bytes_Of(writer), magic + Field(expected));
     }
 
-    void the_writer_keeps_an_image_s_bytes_alive()
+    void the_writer_keeps_the_bytes_of_an_image_alive()
     {
         const QByteArray content = Field(Support::Png(Support::Picture(60, 40)));
         TProjectWriter writer;
         {
-            // A deep copy of its own, which nobody else refers to.
+            // A deep copy that is not shared.
             QByteArray file(content.constData(), content.size());
             TProjectReader reader(file);
             writer.Write_Image(reader.Read_Image());
@@ -259,14 +259,14 @@ private slots:
         QCOMPARE(writer.Size(), qint64(1000008));
     }
 
-    void a_device_that_is_full_ends_the_writing_data()
+    void a_full_device_ends_the_writing_data()
     {
         QTest::addColumn<int>("room");
         for (const int room : {0, 3, 4, 7, 8, 10, 16})
             QTest::addRow("%d bytes", room) << room;
     }
 
-    void a_device_that_is_full_ends_the_writing()
+    void a_full_device_ends_the_writing()
     {
         QFETCH(const int, room);
         TProjectWriter writer;
@@ -280,7 +280,7 @@ private slots:
         QVERIFY(writer.Write_To(&large_enough));
     }
 
-    void a_device_that_is_not_open_takes_nothing()
+    void writing_to_a_closed_device_fails()
     {
         QBuffer buffer;
         QTest::ignoreMessage(QtWarningMsg, "QIODevice::write (QBuffer): device not open");
@@ -326,7 +326,7 @@ private slots:
         QVERIFY(reader.Is_Valid());
     }
 
-    void an_image_s_bytes_are_shared_with_the_file_and_not_decoded()
+    void an_image_shares_the_bytes_of_the_file_and_is_not_decoded()
     {
         const QByteArray png = Support::Png(Support::Picture(30, 20));
         const QByteArray file = Field("x") + Field(png);
@@ -380,9 +380,9 @@ private slots:
         QVERIFY(at_the_end.Is_Valid());
     }
 
-    void reading_on_after_a_clipped_field_is_stopped_data() { Add_Field_Kinds(); }
+    void reading_after_a_clipped_field_fails_an_assertion_data() { Add_Field_Kinds(); }
 
-    void reading_on_after_a_clipped_field_is_stopped()
+    void reading_after_a_clipped_field_fails_an_assertion()
     {
         QFETCH(const TFieldKind, kind);
         for (const quint32 length : {4u, 0x7fffffffu}) {
@@ -408,7 +408,7 @@ private slots:
             QVERIFY(reader.Is_Valid());
             QVERIFY(Read_Field(&reader, kind).isEmpty());
             QVERIFY(!reader.Is_Valid());
-            // More often than there are fields: nothing is read, so nothing is past the end.
+            // More often than there are fields: the reader must not read past the end.
             for (int count = 0; count < 10; ++count) {
                 QVERIFY(reader.Read_Text().isEmpty());
                 QVERIFY(reader.Read_Bytes().isEmpty());
@@ -419,14 +419,14 @@ private slots:
         }
     }
 
-    void a_negative_integer_that_is_no_length_is_read_as_it_is()
+    void a_negative_integer_that_is_not_a_length_is_valid()
     {
         TProjectReader reader(Number(0xfffffffe));
         QCOMPARE(reader.Read_Integer(), -2);
         QVERIFY(reader.Is_Valid());
     }
 
-    void a_file_of_8_bytes_is_stopped_at_the_colour()
+    void reading_the_colour_of_a_file_of_8_bytes_fails_an_assertion()
     {
         const QString difference = Support::Assertion_Failure(
             [] {
@@ -439,14 +439,13 @@ private slots:
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 
-    void a_whole_document_is_described()
+    void a_complete_file_is_read_field_by_field()
     {
         QCOMPARE(Describe(Small_Document()), QByteArray("32|#fa0832|one||page|picture|<items/>"));
     }
 
-    // A file cut short ends in one of two ways: with a shorter last field, or, within or before an
-    // integer, with the assertion.
-    void every_truncation_is_read_clipped_or_stopped()
+    // A cut within the last field shortens it; any other cut fails the assertion on integers.
+    void every_truncated_file_is_clipped_or_fails_an_assertion()
     {
         const QByteArray whole = Small_Document();
         const int last_field = whole.size() - QByteArray("<items/>").size();
@@ -467,7 +466,7 @@ private slots:
         }
     }
 
-    void every_changed_byte_ends_in_an_allowed_way()
+    void every_changed_byte_has_an_allowed_outcome()
     {
         const QByteArray whole = Small_Document();
         for (int place = 0; place < whole.size(); ++place) {
@@ -533,7 +532,7 @@ private slots:
         QCOMPARE(steps, QStringList({"1 of 2", "2 of 2"}));
     }
 
-    void a_text_that_cannot_be_written_is_a_fault_of_a_save_alone()
+    void a_text_that_cannot_be_written_is_a_fault_only_of_a_save()
     {
         const QString bad_text = QStringLiteral("a") + QChar(1) + QStringLiteral("b");
         TDocument document;
@@ -564,7 +563,7 @@ private slots:
                  Header(32, "#f79741", "", "", 1) + Page_Record("a", Bmp(picture), Item_List()));
     }
 
-    void a_recovery_copy_leaves_out_pages_that_only_the_list_has()
+    void a_recovery_copy_omits_pages_that_are_only_in_the_list()
     {
         TDocument document;
         document.Add_Page("a", TPageImage());
@@ -622,7 +621,7 @@ private slots:
         QCOMPARE(steps, QStringList({"1 of 2", "2 of 2"}));
     }
 
-    void what_comes_before_a_fault_is_read_data()
+    void everything_before_a_fault_is_read_data()
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("fault");
@@ -655,7 +654,7 @@ private slots:
             << "40 red one [a 1] [b 0]";
     }
 
-    void what_comes_before_a_fault_is_read()
+    void everything_before_a_fault_is_read()
     {
         QFETCH(const QByteArray, bytes);
         const TFileContent content = ProjectFile::Read(bytes);

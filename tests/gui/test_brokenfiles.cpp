@@ -1,5 +1,5 @@
-// Damaged files opened in the window: each is refused with its message or stopped where that is
-// meant.
+// Damaged files opened in the window: each is loaded, refused with its message, or fails an
+// assertion.
 
 #include "support/project.h"
 #include "support/support.h"
@@ -27,7 +27,7 @@ using Support::Describe_Appearance;
 
 namespace {
 
-/// What may become of a file.
+/// What may happen when a file is opened.
 enum TOutcome { Loaded, Refused, Stopped };
 
 constexpr int memory_exit_code = 3;
@@ -52,7 +52,7 @@ std::unique_ptr<TOpenWindow> Prepared_Window()
     return window;
 }
 
-/// Most memory that this process has had, in KiB.
+/// Peak memory of this process in KiB.
 long Peak_Memory()
 {
     rusage usage = {};
@@ -60,8 +60,8 @@ long Peak_Memory()
     return usage.ru_maxrss;
 }
 
-/// Stops whoever takes more memory than small files can need. A sanitizer takes address space for
-/// itself, so that only the memory in use tells there.
+/// Limits the memory to what small files can need. A sanitizer reserves much address space: only
+/// Peak_Memory() is checked there.
 void Limit_Memory()
 {
 #if !defined(__SANITIZE_ADDRESS__)
@@ -73,7 +73,7 @@ void Limit_Memory()
     setrlimit(RLIMIT_CORE, &no_core);
 }
 
-bool Is_Specified_Assertion(const Support::TChildResult& result)
+bool Is_Integer_Assertion(const Support::TChildResult& result)
 {
     return result.signal == SIGABRT && result.error_output.contains("core/conversion.cpp") &&
            result.error_output.contains(
@@ -81,7 +81,7 @@ bool Is_Specified_Assertion(const Support::TChildResult& result)
                "`(index + sizeof(int) -1) < static_cast<unsigned int>(array.size())' failed");
 }
 
-/// Memory that all children of a test share with it: how far they have come.
+/// Number of the next file to try, in memory that a test shares with its child processes.
 class TProgress
 {
 public:
@@ -101,7 +101,7 @@ private:
     int* d_next;
 };
 
-/// Tries those files again that stop nobody. Leaks are only found in the process that started.
+/// Tries the files that fail no assertion again, in this process: leaks in children are not found.
 void Try_Here(int count, const QSet<int>& stopped, const std::function<void(int)>& try_file)
 {
 #if defined(__SANITIZE_ADDRESS__)
@@ -116,9 +116,9 @@ void Try_Here(int count, const QSet<int>& stopped, const std::function<void(int)
 #endif
 }
 
-/// Tries files one after the other in children; one that stops its child is followed by a new one.
-/// @param try_file  loads the file of a number.
-/// @return  what was not allowed; empty when everything was.
+/// Tries files one after the other in child processes, with a new one after each failed assertion.
+/// @param try_file  loads the file with a number.
+/// @return the first outcome that is not allowed; empty when there is none.
 QString Try_All(int count, const std::function<void(int)>& try_file, bool may_stop)
 {
     constexpr int seconds = 60;
@@ -140,8 +140,8 @@ QString Try_All(int count, const std::function<void(int)>& try_file, bool may_st
                 return 0;
             },
             seconds);
-        const bool is_allowed = (result.exited && result.exit_code == 0) ||
-                                (may_stop && Is_Specified_Assertion(result));
+        const bool is_allowed =
+            (result.exited && result.exit_code == 0) || (may_stop && Is_Integer_Assertion(result));
         if (!is_allowed)
             return QStringLiteral("file %1: exit code %2, signal %3%4, output: %5")
                 .arg(progress.Next() - 1)
@@ -156,7 +156,7 @@ QString Try_All(int count, const std::function<void(int)>& try_file, bool may_st
     return QString();
 }
 
-/// Every way in which one byte of a file is changed here.
+/// A file with one byte changed in several ways.
 QList<QByteArray> Changed_At(const QByteArray& whole, int place)
 {
     const char original = whole.at(place);
@@ -179,7 +179,7 @@ QList<QByteArray> Truncations(const QByteArray& whole)
     return variants;
 }
 
-/// A small document with a page that has everything and one that has nothing.
+/// A small document with a complete page and an empty one.
 QByteArray Small_Project()
 {
     return Support::Header(32, "#fa0832", "one", "", 2) +
@@ -189,7 +189,7 @@ QByteArray Small_Project()
            Support::Page_Record("", "", Support::Item_List());
 }
 
-/// Where a project's lengths, counts, numbers and texts are: everything but pictures and labels.
+/// Offsets of a project's lengths, counts, numbers and texts: everything but images and labels.
 QList<int> Structural_Places(const QByteArray& project)
 {
     const int image_begin = project.indexOf("\x89PNG");
@@ -233,7 +233,7 @@ QString Parse_Error(const char* source, const char* reason, const char* line, in
         .arg(column);
 }
 
-/// What a broken file has to lead to.
+/// The expected outcome of opening a broken file.
 struct TRow
 {
     const char* file;
@@ -403,7 +403,7 @@ private:
             QTest::newRow(row.file) << row.outcome << row.reason << row.appearance << row.document;
     }
 
-    /// Loads variants of a file by a function, each in a process that may end of it.
+    /// Loads variants of a file in child processes.
     QString Try_Variants(const QList<QByteArray>& variants, const char* name,
                          const std::function<void(TOpenWindow*)>& load, bool may_stop) const
     {
@@ -436,7 +436,7 @@ private:
 private slots:
     void initTestCase() { QVERIFY(d_folder.isValid()); }
 
-    void the_files_are_those_that_the_script_makes()
+    void the_script_makes_the_same_files()
     {
         const QDir made(d_folder.filePath(QStringLiteral("made")));
         QVERIFY(made.mkpath(QStringLiteral(".")));
@@ -465,9 +465,9 @@ private slots:
         QCOMPARE(listed, files);
     }
 
-    void a_broken_project_ends_as_the_table_says_data() { Add_Rows(Project_Rows()); }
+    void a_broken_project_has_the_outcome_in_the_table_data() { Add_Rows(Project_Rows()); }
 
-    void a_broken_project_ends_as_the_table_says()
+    void a_broken_project_has_the_outcome_in_the_table()
     {
         QFETCH(const TOutcome, outcome);
         const QString path = Data_Path(
@@ -480,7 +480,7 @@ private slots:
                 window->Load_Data(path);
                 return 0;
             });
-            QVERIFY2(Is_Specified_Assertion(result), result.error_output.constData());
+            QVERIFY2(Is_Integer_Assertion(result), result.error_output.constData());
             return;
         }
         const long memory = Peak_Memory();
@@ -492,9 +492,9 @@ private slots:
         QVERIFY(Peak_Memory() - memory < most_memory);
     }
 
-    void a_broken_legacy_pair_ends_as_the_table_says_data() { Add_Rows(Legacy_Rows()); }
+    void a_broken_legacy_pair_has_the_outcome_in_the_table_data() { Add_Rows(Legacy_Rows()); }
 
-    void a_broken_legacy_pair_ends_as_the_table_says()
+    void a_broken_legacy_pair_has_the_outcome_in_the_table()
     {
         QFETCH(const TOutcome, outcome);
         const QString base =
@@ -507,12 +507,12 @@ private slots:
         QTEST(Describe(window.get()), "document");
     }
 
-    void a_project_cut_anywhere_ends_in_an_allowed_way()
+    void a_project_cut_anywhere_has_an_allowed_outcome()
     {
         QCOMPARE(Try_Projects(Truncations(Small_Project())), QString());
     }
 
-    void a_project_with_a_changed_structure_ends_in_an_allowed_way()
+    void a_project_with_a_changed_structure_has_an_allowed_outcome()
     {
         const QByteArray whole = Small_Project();
         QList<QByteArray> variants;
@@ -521,7 +521,7 @@ private slots:
         QCOMPARE(Try_Projects(variants), QString());
     }
 
-    void a_project_with_a_changed_content_ends_in_an_allowed_way()
+    void a_project_with_changed_content_has_an_allowed_outcome()
     {
         const QByteArray whole = Small_Project();
         const QList<int> structure = Structural_Places(whole);
@@ -541,7 +541,7 @@ private slots:
         QCOMPARE(Try_Legacy(variants, "old.qld"), QString());
     }
 
-    void a_legacy_picture_cut_or_changed_anywhere_is_loaded_or_refused()
+    void a_legacy_image_cut_or_changed_anywhere_is_loaded_or_refused()
     {
         const QByteArray whole = Support::Png(Support::Picture(3, 2));
         QList<QByteArray> variants = Truncations(whole);

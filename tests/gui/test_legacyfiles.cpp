@@ -118,14 +118,14 @@ private slots:
         QCOMPARE(window.d_label_widget->Take_Label_Index(), 10);
     }
 
-    void another_version_gives_the_picture_alone_data()
+    void another_version_loads_the_image_only_data()
     {
         QTest::addColumn<int>("version");
         for (const int version : {3, 0, -1})
             QTest::newRow(qPrintable(QString::number(version))) << version;
     }
 
-    void another_version_gives_the_picture_alone()
+    void another_version_loads_the_image_only()
     {
         QFETCH(const int, version);
         TOpenWindow window;
@@ -159,7 +159,7 @@ private slots:
         QTEST(window.d_label_widget->Take_Label_Index(), "next");
     }
 
-    void of_labels_with_the_same_id_only_the_first_counts()
+    void only_the_first_of_several_labels_with_the_same_id_is_added()
     {
         TOpenWindow window;
         QVERIFY(Load(&window,
@@ -167,7 +167,7 @@ private slots:
         QCOMPARE(Describe(&window), (QStringList{"page 1 Page 1 12x10", "label 4 4 '' 1 1,1"}));
     }
 
-    void a_colour_that_is_none_is_invalid()
+    void an_unknown_colour_name_gives_an_invalid_colour()
     {
         TOpenWindow window;
         QVERIFY(Load(&window, Document(1, QByteArray(look).replace("blue", "no colour"))));
@@ -175,7 +175,7 @@ private slots:
         QCOMPARE(Support::View_Difference(window, 48, QColor()), QString());
     }
 
-    void without_its_picture_nothing_is_read_data()
+    void without_the_image_nothing_is_read_data()
     {
         QTest::addColumn<QByteArray>("image");
         QTest::addColumn<bool>("is_there");
@@ -186,7 +186,7 @@ private slots:
             << Support::Png(Support::Picture(12, 10)).left(20) << true;
     }
 
-    void without_its_picture_nothing_is_read()
+    void without_the_image_nothing_is_read()
     {
         QFETCH(const QByteArray, image);
         QFETCH(const bool, is_there);
@@ -202,7 +202,7 @@ private slots:
         QCOMPARE(Describe_Appearance(window), appearance);
     }
 
-    void a_missing_list_is_named_by_its_path()
+    void the_message_about_a_missing_list_contains_its_path()
     {
         TOpenWindow window;
         Prepare(&window);
@@ -214,7 +214,7 @@ private slots:
         QCOMPARE(Describe(&window), Prepared());
     }
 
-    void a_fault_leaves_the_document_but_not_the_look_read_before_it_data()
+    void after_a_fault_the_document_stays_but_label_settings_may_change_data()
     {
         QTest::addColumn<QByteArray>("document");
         QTest::addColumn<QString>("reason");
@@ -251,7 +251,7 @@ private slots:
             << "ERR: Node Text for 'Position' is not optional." << new_look;
     }
 
-    void a_fault_leaves_the_document_but_not_the_look_read_before_it()
+    void after_a_fault_the_document_stays_but_label_settings_may_change()
     {
         QFETCH(const QByteArray, document);
         TOpenWindow window;
@@ -264,7 +264,7 @@ private slots:
         QCOMPARE(window.d_label_widget->Take_Label_Index(), 55);
     }
 
-    void a_malformed_position_drops_its_label_alone()
+    void a_malformed_position_drops_only_its_label()
     {
         TOpenWindow window;
         QVERIFY(
@@ -274,14 +274,14 @@ private slots:
         QCOMPARE(window.d_label_widget->Take_Label_Index(), 4);
     }
 
-    void a_missing_document_is_a_programming_error_data()
+    void a_null_document_fails_an_assertion_data()
     {
         QTest::addColumn<int>("version");
         QTest::newRow("version 1") << 1;
         QTest::newRow("version 2") << 2;
     }
 
-    void a_missing_document_is_a_programming_error()
+    void a_null_document_fails_an_assertion()
     {
         QFETCH(const int, version);
         TOpenWindow window;
@@ -297,7 +297,7 @@ private slots:
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 
-    void an_opened_document_s_labels_are_collected()
+    void labels_of_an_opened_document_are_collected()
     {
         Write_Pair(Document(2, look + Item("3", "A", "3", "1.5,2")), QByteArray());
         TXmlFile xml_file;
@@ -315,7 +315,7 @@ private slots:
         QCOMPARE(window.d_data.Page_Count(), 0);
     }
 
-    void the_pair_is_not_written()
+    void the_pair_is_never_written()
     {
         const QByteArray document = Document(1, look + Item("4", "", "1", "1,1"));
         const QByteArray image = Support::Png(Support::Picture(12, 10));

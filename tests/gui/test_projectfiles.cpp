@@ -41,6 +41,12 @@ QString Integer_Bound()
     return QStringLiteral("(index + sizeof(int) -1) < static_cast<unsigned int>(array.size())");
 }
 
+/// What the model asserts before an operation on a page.
+QString No_Active_Page()
+{
+    return QStringLiteral("!(d_active_page_index < 0)");
+}
+
 /// A label document with one label.
 QByteArray One_Label(int value)
 {
@@ -75,7 +81,7 @@ private:
         return window->Load_Data(Path());
     }
 
-    /// A window with a document of its own, to be replaced or to stay.
+    /// Gives a window a document, which loading replaces or keeps.
     static void Prepare(TOpenWindow* window)
     {
         const QList<int> ids = Add_Pages(
@@ -100,7 +106,7 @@ private:
                Page_Record("", Support::Png(second), Item_List());
     }
 
-    /// A document with everything in which files differ.
+    /// Gives a window a document with characters, numbers and pages that are hard to write.
     static QList<int> Fill_Special(TOpenWindow* window, const QImage& first, const QImage& second)
     {
         window->d_settings_widget->Set_Label_Size(48);
@@ -223,7 +229,7 @@ private slots:
         QCOMPARE(Support::Byte_Difference(Support::Read_File(Path()), bytes), QString());
     }
 
-    void loaded_pictures_of_another_format_are_saved_as_png()
+    void loaded_images_of_another_format_are_saved_as_png()
     {
         const QImage image = Support::Picture(6, 4);
         QByteArray bitmap;
@@ -242,7 +248,7 @@ private slots:
                      Page_Record("p", Support::Png(loaded), Item_List()));
     }
 
-    void a_picture_that_cannot_be_decoded_is_none()
+    void a_page_whose_image_cannot_be_decoded_has_no_image()
     {
         TOpenWindow window;
         QVERIFY(Load(&window,
@@ -286,7 +292,7 @@ private slots:
         QCOMPARE(Describe_Appearance(window), QStringLiteral("40 #0a141e no headers"));
     }
 
-    void bytes_after_the_last_page_are_passed_over()
+    void bytes_after_the_last_page_are_ignored()
     {
         TOpenWindow window;
         QVERIFY(Load(&window, One_Page() + "rest"));
@@ -327,6 +333,34 @@ private slots:
         QVERIFY(window.d_label_widget->isEnabled());
     }
 
+    void writing_items_without_an_active_page_fails_an_assertion()
+    {
+        const TOpenWindow window;
+        const QString difference = Support::Assertion_Failure(
+            [&window] { window.Write_Items(); }, QStringLiteral("src/data"), No_Active_Page());
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
+    void saving_a_listed_page_that_the_model_does_not_have_fails_an_assertion()
+    {
+        TOpenWindow window;
+        window.d_page_widget->Add_Page(99);
+        const QString difference =
+            Support::Assertion_Failure([this, &window] { window.Save_Data(Path()); },
+                                       QStringLiteral("src/data"), No_Active_Page());
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
+    void reading_items_ignores_ids_that_the_page_already_has()
+    {
+        TOpenWindow window;
+        Prepare(&window);
+        window.Read_Items(Item_List(Item_Element("5", "1", "repeated", "2", "1,2") +
+                                    Item_Element("6", "7", "new", "2", "1,2") +
+                                    Item_Element("6", "8", "repeated", "2", "1,2")));
+        QCOMPARE(Describe(&window), Prepared() + QStringList{"label 6 7 'new' 2 1,2"});
+    }
+
     void label_size_and_colour_reach_panel_and_view()
     {
         TOpenWindow window;
@@ -336,7 +370,7 @@ private slots:
         QCOMPARE(Support::View_Difference(window, 40, QColor(10, 20, 30)), QString());
     }
 
-    void a_name_that_is_no_colour_gives_an_invalid_one_data()
+    void an_unknown_colour_name_gives_an_invalid_colour_data()
     {
         QTest::addColumn<QByteArray>("name");
         QTest::newRow("empty") << QByteArray();
@@ -344,7 +378,7 @@ private slots:
         QTest::newRow("cut at a zero byte") << QByteArray("#0a\0000", 5);
     }
 
-    void a_name_that_is_no_colour_gives_an_invalid_one()
+    void an_unknown_colour_name_gives_an_invalid_colour()
     {
         QFETCH(const QByteArray, name);
         TOpenWindow window;
@@ -434,7 +468,7 @@ private slots:
         QCOMPARE(Describe(&window), (QStringList{"page 1 p 0x0", "label 1 7 '' 2 1,2"}));
     }
 
-    void a_file_that_ends_within_an_integer_stops_the_program_data()
+    void a_file_that_ends_within_an_integer_fails_an_assertion_data()
     {
         QTest::addColumn<QByteArray>("bytes");
         const QByteArray whole = One_Page();
@@ -446,7 +480,7 @@ private slots:
         QTest::newRow("image length") << whole.left(31 + 8 + 2);
     }
 
-    void a_file_that_ends_within_an_integer_stops_the_program()
+    void a_file_that_ends_within_an_integer_fails_an_assertion()
     {
         QFETCH(const QByteArray, bytes);
         TOpenWindow window;
@@ -457,7 +491,7 @@ private slots:
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 
-    void a_file_that_is_no_project_changes_nothing_data()
+    void a_file_that_is_not_a_project_changes_nothing_data()
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("empty") << QByteArray();
@@ -466,7 +500,7 @@ private slots:
         QTest::newRow("magic the other way round") << QByteArray::fromHex("0001606220000000");
     }
 
-    void a_file_that_is_no_project_changes_nothing()
+    void a_file_that_is_not_a_project_changes_nothing()
     {
         QFETCH(const QByteArray, bytes);
         TOpenWindow window;
@@ -524,7 +558,7 @@ private slots:
         QCOMPARE(Support::Read_File(Path("plain")), QByteArray("plain"));
     }
 
-    void the_result_of_the_writing_is_not_looked_at()
+    void a_failed_write_is_not_reported()
     {
         TOpenWindow window;
         Prepare(&window);
@@ -552,7 +586,7 @@ private slots:
         QCOMPARE(window.d_data.Active_Page(), ids.first());
     }
 
-    void not_opening_comes_before_not_being_able_to_write()
+    void a_file_that_cannot_be_opened_is_reported_before_a_label_that_cannot_be_written()
     {
         TOpenWindow window;
         Add_Pages(&window, {{QStringLiteral("a"),
@@ -562,7 +596,7 @@ private slots:
         QCOMPARE(window.d_error_text, QStringLiteral("Cannot open file for writing"));
     }
 
-    void a_damaged_label_document_leaves_what_was_read_before_it_data()
+    void what_was_read_before_a_damaged_label_document_stays_data()
     {
         QTest::addColumn<QByteArray>("items");
         QTest::addColumn<QString>("reason");
@@ -589,7 +623,7 @@ private slots:
             << "ERR: Node 'Border_Type' is missing from node 'Item' and not optional." << kept;
     }
 
-    void a_damaged_label_document_leaves_what_was_read_before_it()
+    void what_was_read_before_a_damaged_label_document_stays()
     {
         QFETCH(const QByteArray, items);
         QFETCH(const QStringList, labels);
@@ -610,7 +644,7 @@ private slots:
         QCOMPARE(window.d_label_widget->Take_Label_Index(), 55);
     }
 
-    void a_negative_length_is_refused_where_it_stands_data()
+    void a_negative_length_ends_the_reading_data()
     {
         QTest::addColumn<int>("field");
         QTest::addColumn<QString>("appearance");
@@ -629,7 +663,7 @@ private slots:
         QTest::newRow("second labels") << 8 << new_look << first;
     }
 
-    void a_negative_length_is_refused_where_it_stands()
+    void a_negative_length_ends_the_reading()
     {
         QFETCH(const int, field);
         QByteArray bytes = Magic() + Number(40);
@@ -651,12 +685,12 @@ private slots:
 
     void a_document_beyond_2_gib_is_refused_before_the_file_is_touched()
     {
-        // The pages share one array of bytes, so that the document is large but the memory is not.
+        // The pages share one array of bytes: the document is large, but needs little memory.
         constexpr int size = 64 * 1024 * 1024;
         constexpr int pages = 33;
         const TPageImage image =
             TPageImage::From_Bytes("\x89PNG\r\n\x1a\n" + QByteArray(size, 'x'));
-        // No safety copy of all that: there is no folder for it.
+        // Without a folder for it, no safety copy is written.
         const QString settings_folder = QDir::home().filePath(QStringLiteral(".quillet"));
         QVERIFY(QDir(settings_folder).removeRecursively());
         Support::Write_File(settings_folder, "in the way");
