@@ -55,6 +55,7 @@ bool Is_Utf8(const QByteArray& document)
     return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
+/// Surveys one label document.
 class TItemSurveyor
 {
     Q_DECLARE_TR_FUNCTIONS(ItemSurvey)
