@@ -24,11 +24,6 @@ inline bool operator==(const TLabelLook& left, const TLabelLook& right)
     return left.size == right.size && left.color == right.color;
 }
 
-inline bool operator!=(const TLabelLook& left, const TLabelLook& right)
-{
-    return !(left == right);
-}
-
 /// The part of the document that is outside the model.
 struct TDocumentFacts
 {

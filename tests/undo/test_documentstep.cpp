@@ -25,6 +25,7 @@ private slots:
     void touched_pages_are_listed_once();
     void a_page_that_moves_is_not_touched();
     void a_removed_page_keeps_no_pixels();
+    void a_replaced_image_keeps_no_pixels();
     void a_changed_page_shares_its_image();
     void bytes_count_only_labels_and_images_of_the_step();
     void a_random_walk_returns_to_its_beginning();
@@ -285,6 +286,17 @@ void TestDocumentStep::a_removed_page_keeps_no_pixels()
     step.Swap(d_data.get(), &facts);
     QCOMPARE(Support::Difference(d_data->Pages()[2].image, Support::Picture(40, 20)), QString());
     step.Swap(d_data.get(), &facts);
+    QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+}
+
+void TestDocumentStep::a_replaced_image_keeps_no_pixels()
+{
+    d_data->Set_Active_Page(1);
+    d_data->Set_Page_Image(TPageImage::From_Bytes(d_data->Pages()[1].image.Png()));
+    QCOMPARE(d_data->Pages()[0].image.width(), 40);
+    QVERIFY(TPageImage::Stored_Bytes() > 0);
+    const TDocumentStep step =
+        Run([](TData* data) { data->Set_Page_Image(Support::Picture(10, 10)); });
     QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
 }
 

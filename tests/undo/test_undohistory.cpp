@@ -17,6 +17,14 @@ private slots:
     void changes_of_another_kind_or_subject_are_another_step();
     void some_kinds_are_never_continued();
     void a_run_without_a_net_change_is_not_a_step();
+    void only_some_kinds_of_steps_are_continued_data();
+    void only_some_kinds_of_steps_are_continued();
+    void the_step_before_a_run_without_a_net_change_is_not_continued();
+    void a_run_that_began_before_clearing_is_not_continued();
+    void values_are_set_if_the_step_changed_them_data();
+    void values_are_set_if_the_step_changed_them();
+    void every_change_of_the_page_list_is_noticed_data();
+    void every_change_of_the_page_list_is_noticed();
     void nested_scopes_are_one_step();
     void a_scope_without_a_history_records_nothing();
     void a_selection_is_not_a_step();
@@ -44,6 +52,8 @@ private:
     TData d_model;
     int d_reads = 0;    ///< number of reads of the shown state
     int d_selected = 0; ///< selected label; 0 for another one each time
+    TShownState
+        d_values; ///< values that are shown; a next value of 0 stands for another one each time
     TPageRows d_rows;
     TLabelLook d_look;
     QStandardItemModel d_list{1, 1}; ///< stands in for the model behind the page list
@@ -59,8 +69,10 @@ void TestUndoHistory::init()
         d_model.Add_Item({id, id, QString(), id == 3 ? 1 : 2, QPointF(id, id), false});
     d_reads = 0;
     d_selected = 0;
+    d_values = {};
     d_rows = {{1, "Page 1"}};
     d_look = {32, Qt::red};
+    d_list.setItem(0, new QStandardItem("Page 1"));
     Start(TUndoHistory::Memory_Budget);
 }
 
@@ -68,7 +80,10 @@ void TestUndoHistory::Start(qint64 budget)
 {
     const auto shown = [this] {
         ++d_reads;
-        return TShownState{{1}, {d_selected ? d_selected : d_reads}, d_reads, 0};
+        return TShownState{{1},
+                           {d_selected ? d_selected : d_reads},
+                           d_values.next_value ? d_values.next_value : d_reads,
+                           d_values.value_without_selection};
     };
     d_history = std::make_unique<TUndoHistory>(
         &d_model,
@@ -180,12 +195,101 @@ void TestUndoHistory::a_run_without_a_net_change_is_not_a_step()
     QCOMPARE(Value(1), 2);
     QVERIFY(!d_history->Can_Undo());
     d_history->Redo();
+    QVERIFY(!d_history->Can_Redo());
     Change_Value(1, 10);
     Change_Value(1, 1);
     Change_Value(1, 30);
     d_history->Undo();
     QCOMPARE(Value(0), 1);
     QCOMPARE(Value(1), 20);
+}
+
+void TestUndoHistory::only_some_kinds_of_steps_are_continued_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<bool>("is_continued");
+    const QVector<TStepKind> continued = {TStepKind::Change_Value, TStepKind::Change_Border,
+                                          TStepKind::Nudge_Labels, TStepKind::Rename_Page,
+                                          TStepKind::Change_Size};
+    for (int kind = 0; kind <= static_cast<int>(TStepKind::Change_Color); ++kind)
+        QTest::newRow(qPrintable(StepKind::Name(static_cast<TStepKind>(kind), 1)))
+            << kind << continued.contains(static_cast<TStepKind>(kind));
+}
+
+void TestUndoHistory::only_some_kinds_of_steps_are_continued()
+{
+    QFETCH(int, kind);
+    QFETCH(bool, is_continued);
+    for (const int value : {5, 6})
+        Record(static_cast<TStepKind>(kind), 0, [&] { d_model.Change_Item_Value(1, value); });
+    d_history->Undo();
+    QCOMPARE(Value(0), is_continued ? 1 : 5);
+}
+
+void TestUndoHistory::the_step_before_a_run_without_a_net_change_is_not_continued()
+{
+    Change_Value(1, 10);
+    d_history->Finish_Step();
+    Change_Value(1, 20);
+    Change_Value(1, 10);
+    Change_Value(1, 30);
+    d_history->Undo();
+    QCOMPARE(Value(0), 10);
+}
+
+void TestUndoHistory::a_run_that_began_before_clearing_is_not_continued()
+{
+    Change_Border(1, 2);
+    d_history->Clear();
+    Change_Border(3, 2);
+    QCOMPARE(d_history->Undo()->shown.labels, QVector<int>{2});
+}
+
+void TestUndoHistory::values_are_set_if_the_step_changed_them_data()
+{
+    QTest::addColumn<int>("next_value");
+    QTest::addColumn<int>("value_without_selection");
+    QTest::addColumn<bool>("sets_values");
+    QTest::newRow("neither") << 7 << 3 << false;
+    QTest::newRow("next value") << 8 << 3 << true;
+    QTest::newRow("value without selection") << 7 << 4 << true;
+}
+
+void TestUndoHistory::values_are_set_if_the_step_changed_them()
+{
+    QFETCH(int, next_value);
+    QFETCH(int, value_without_selection);
+    d_values.next_value = 7;
+    d_values.value_without_selection = 3;
+    Record(TStepKind::Change_Value, 1, [&] {
+        d_model.Change_Item_Value(1, 10);
+        d_values.next_value = next_value;
+        d_values.value_without_selection = value_without_selection;
+    });
+    QTEST(d_history->Undo()->sets_values, "sets_values");
+}
+
+void TestUndoHistory::every_change_of_the_page_list_is_noticed_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char* const change : {"data", "insertion", "removal", "reset"})
+        QTest::newRow(change) << change;
+}
+
+void TestUndoHistory::every_change_of_the_page_list_is_noticed()
+{
+    QFETCH(QString, change);
+    d_rows[0].name = "Roof";
+    if (change == "data")
+        d_list.setData(d_list.index(0, 0), "Roof");
+    else if (change == "insertion")
+        d_list.insertRow(0);
+    else if (change == "removal")
+        d_list.removeRow(0);
+    else
+        d_list.clear();
+    QCoreApplication::processEvents();
+    QVERIFY(d_history->Can_Undo());
 }
 
 void TestUndoHistory::nested_scopes_are_one_step()
@@ -347,7 +451,9 @@ void TestUndoHistory::rows_are_recorded_on_return_to_the_event_loop()
     d_rows[0].name = "Cellar";
     d_list.setItem(0, new QStandardItem("renamed again"));
     Change_Value(1, 10);
-    QCOMPARE(d_history->Undo()->message, QString("Undone: change value"));
+    const auto undone = d_history->Undo();
+    QCOMPARE(undone->message, QString("Undone: change value"));
+    QCOMPARE(undone->facts.rows[0].name, QString("Cellar"));
     QCOMPARE(d_history->Undo()->message, QString("Undone: rename page"));
 }
 
