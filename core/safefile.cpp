@@ -186,8 +186,7 @@ QString TSafeFile::Make_Visible()
     const QString base = d_target + QLatin1String(".new");
     constexpr int attempts = 100;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
-        const QString path =
-            attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
+        QString path = attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
         struct stat state = {};
         if (lstat(System_Path(path).constData(), &state) == 0)
             continue;

@@ -6,7 +6,6 @@
 #include <atomic>
 #include <climits>
 #include <csignal>
-#include <cstring>
 #include <unistd.h>
 
 namespace {
@@ -42,7 +41,7 @@ TUnfinishedFile::TUnfinishedFile(const QString& path)
         TSlot& slot = slots_in_use.at(static_cast<std::size_t>(i));
         if (slot.is_used)
             continue;
-        std::strcpy(slot.path, system_path.constData());
+        qstrncpy(slot.path, system_path.constData(), PATH_MAX);
         slot.is_used = true;
         d_slot = i;
         return;

@@ -124,6 +124,7 @@ bool TQuillet::Fail(const QString& reason)
 QByteArray TQuillet::Write_Items() const
 {
     std::vector<TDataItem> items;
+    items.reserve(static_cast<std::size_t>(d_data.Item_Count()));
     for (int index = 0; index < d_data.Item_Count(); ++index)
         items.push_back(d_data.Item(index));
     return ItemList::Write(items);

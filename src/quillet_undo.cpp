@@ -130,7 +130,7 @@ std::vector<int> TQuillet::Pages_To_Show(const TStepOutcome& outcome) const
     const auto is_touched = [&outcome](int page_id) {
         return std::binary_search(outcome.pages.cbegin(), outcome.pages.cend(), page_id);
     };
-    const std::vector<int> selected(outcome.shown.pages.cbegin(), outcome.shown.pages.cend());
+    std::vector<int> selected(outcome.shown.pages.cbegin(), outcome.shown.pages.cend());
     if (selected.size() == 1 && is_touched(selected.front()))
         return selected;
     for (const TNamedPage& row : outcome.facts.rows) {

@@ -99,8 +99,7 @@ QString TKeptFolder::Claim_Name(const QString& prefix, TKeptNote* note) const
     // Several processes may start within a second, and clocks are set back.
     constexpr int attempts = 100;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
-        const QString name =
-            attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
+        QString name = attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
         if (!QFile::exists(Copy_Path(name)) &&
             note->Open(Note_Path(name), TKeptNote::TExisting::Refuse))
             return name;

@@ -95,14 +95,14 @@ void TDocumentStep::Swap(TData* data, TDocumentFacts* facts)
 /// Drops the pixels of images that the document no longer has, and updates the size of the step.
 void TDocumentStep::Release_Images(const TData& data)
 {
-    d_bytes = static_cast<qint64>(sizeof(*this) + d_page_order.size() * sizeof(int));
+    std::size_t bytes = sizeof(*this) + d_page_order.size() * sizeof(int);
     for (TPageItem& stored : d_pages) {
-        d_bytes +=
-            static_cast<qint64>(sizeof(stored) + stored.data_items.size() * sizeof(TDataItem));
+        bytes += sizeof(stored) + stored.data_items.size() * sizeof(TDataItem);
         const TPageItem* const page = Find_Page(data, stored.page_id);
         if (page && page->image.Is_Copy_Of(stored.image))
             continue;
         stored.image = stored.image.Encoded();
-        d_bytes += stored.image.Source_Bytes().size();
+        bytes += static_cast<std::size_t>(stored.image.Source_Bytes().size());
     }
+    d_bytes = static_cast<qint64>(bytes);
 }

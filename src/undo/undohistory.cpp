@@ -12,6 +12,7 @@ template <typename TPages>
 std::vector<int> Sorted_Ids(const TPages& pages)
 {
     std::vector<int> ids;
+    ids.reserve(static_cast<std::size_t>(pages.size()));
     for (const auto& page : pages)
         ids.push_back(page.page_id);
     std::sort(ids.begin(), ids.end());
