@@ -119,7 +119,7 @@ TPageRecord TRecordFinder::Record_Up_To(qint64 end, qint64 offset) const
         if (length < 0 || begin > end)
             return record;
         *field = TFileField{begin, qMin<qint64>(length, end - begin)};
-        begin += length + Integer_Size;
+        begin += qint64{length} + Integer_Size;
     }
     if (begin < end)
         record.items = TFileField{begin, end - begin};
