@@ -1,5 +1,6 @@
 #pragma once
 
+#include "src/format/fileplaces.h"
 #include "src/model/pageimage.h"
 #include "src/model/pageitem.h"
 
@@ -14,6 +15,7 @@ struct TFilePage
     QString name;
     TPageImage image;             ///< may not be decodable
     std::vector<TDataItem> items; ///< ids may repeat
+    TPagePlace place{};           ///< only project files have one
 };
 
 /// The content of a document's file. After a fault, what was read before it.

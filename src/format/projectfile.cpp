@@ -46,6 +46,25 @@ void TProjectWriter::Write_Image(const TPageImage& image, TImageBytes which)
     Append(bytes, image);
 }
 
+void TProjectWriter::Write_Page(const QString& name, const TPageImage& image, TImageBytes which,
+                                const QByteArray& items)
+{
+    TPagePlace place;
+    Write_Text(name);
+    Write_Image(image, which);
+    place.image = Last_Field();
+    place.image_ends = TPagePlace::Ends_Of(d_pieces.back().bytes);
+    Write_Bytes(items);
+    place.items = Last_Field();
+    d_places.push_back(place);
+}
+
+TFilePart TProjectWriter::Last_Field() const
+{
+    const int length = d_pieces.back().bytes.size();
+    return {d_size - length, length};
+}
+
 void TProjectWriter::Append(const QByteArray& bytes, const TPageImage& owner)
 {
     d_pieces.push_back({bytes, owner});
@@ -111,7 +130,8 @@ TProjectReader::TField TProjectReader::Read_Field()
     // The position cannot be past the end: the length before it has just been read.
     const int offset = static_cast<int>(d_position);
     d_position += length;
-    return {offset, std::min(length, d_bytes.size() - offset)};
+    d_last_field = {offset, std::min(length, d_bytes.size() - offset)};
+    return d_last_field;
 }
 
 namespace {
@@ -138,11 +158,11 @@ void Write_Header(const TAppearance& appearance, int page_count, TProjectWriter*
 void Write_Page(const TPageTexts& texts, const TPageItem& page, bool is_copy,
                 TProjectWriter* writer)
 {
-    writer->Write_Text(texts.name);
-    writer->Write_Image(page.image, is_copy ? TProjectWriter::TImageBytes::Source
-                                            : TProjectWriter::TImageBytes::Png);
+    const auto image =
+        is_copy ? TProjectWriter::TImageBytes::Source : TProjectWriter::TImageBytes::Png;
     const auto bad_text = is_copy ? ItemList::TBadText::Leave_Out : ItemList::TBadText::Refuse;
-    writer->Write_Bytes(ItemList::Write(page.data_items, bad_text, texts));
+    writer->Write_Page(texts.name, page.image, image,
+                       ItemList::Write(page.data_items, bad_text, texts));
 }
 
 /// False when a field has a negative length.
@@ -169,7 +189,10 @@ bool Read_Page(TProjectReader* reader, TFileContent* content)
     TFilePage page;
     page.name = reader->Read_Text();
     page.image = reader->Read_Image();
+    page.place.image = reader->Last_Field();
+    page.place.image_ends = TPagePlace::Ends_Of(page.image.Source_Bytes());
     const QByteArray items = reader->Read_Bytes();
+    page.place.items = reader->Last_Field();
     if (!reader->Is_Valid())
         return false;
     content->pages->push_back(page);

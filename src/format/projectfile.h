@@ -2,6 +2,7 @@
 
 #include "core/stepreport.h"
 #include "src/format/filecontent.h"
+#include "src/format/fileplaces.h"
 #include "src/format/projectlayout.h"
 #include "src/model/namedpage.h"
 
@@ -40,8 +41,15 @@ public:
     /// Appends a length and a page's image; the length is 0 for a null image without bytes.
     void Write_Image(const TPageImage& image, TImageBytes which = TImageBytes::Png);
 
+    /// Appends the three fields of a page and records their places.
+    void Write_Page(const QString& name, const TPageImage& image, TImageBytes which,
+                    const QByteArray& items);
+
     /// Size of the whole file in bytes.
     qint64 Size() const;
+
+    /// Where the file has the pages of Write_Page().
+    const TFilePlaces& Places() const { return d_places; }
 
     /// Writes everything to an open device. Stops and returns false after a short write.
     bool Write_To(QIODevice* device) const;
@@ -54,8 +62,10 @@ private:
         TPageImage owner;
     };
     void Append(const QByteArray& bytes, const TPageImage& owner = TPageImage());
+    TFilePart Last_Field() const;
 
     std::vector<TPiece> d_pieces;
+    TFilePlaces d_places;
     qint64 d_size = 0;
 };
 
@@ -85,6 +95,9 @@ public:
     /// False after a field with a negative length.
     bool Is_Valid() const { return d_valid; }
 
+    /// Where the file has the content of the last field, clipped to the file's end.
+    TFilePart Last_Field() const { return {d_last_field.offset, d_last_field.length}; }
+
 private:
     /// Where a field's content is in the file, clipped to the file's end.
     struct TField
@@ -95,6 +108,7 @@ private:
     TField Read_Field();
 
     QByteArray d_bytes;
+    TField d_last_field{0, 0};
     /// Of the next field; past the end when the last length pointed there.
     qint64 d_position = 0;
     bool d_valid = true;

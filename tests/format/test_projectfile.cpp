@@ -374,6 +374,8 @@ private slots:
             TProjectReader reader(Number(length) + "abc");
             QCOMPARE(Read_Field(&reader, kind), QByteArray("abc"));
             QVERIFY(reader.Is_Valid());
+            QCOMPARE(reader.Last_Field().offset, qint64{4});
+            QCOMPARE(reader.Last_Field().length, qint64{3});
         }
         TProjectReader at_the_end(Number(12));
         QVERIFY(Read_Field(&at_the_end, kind).isEmpty());
@@ -599,6 +601,45 @@ private slots:
         QCOMPARE(content.pages->back().name, QStringLiteral("second"));
         QVERIFY(content.pages->back().image.isNull());
         QVERIFY(content.pages->back().items.empty());
+    }
+
+    void places_of_pages_are_where_the_file_has_them()
+    {
+        TDocument document;
+        document.appearance.header_1 = QStringLiteral("one");
+        const QImage picture = Support::Picture(60, 40);
+        document.Add_Page({"first", picture, {Label(5, 7, "Pump", 2, {1, 2.5})}, {}});
+        document.Add_Page("second", TPageImage());
+        document.Add_Page({"third", picture, {}, {}});
+        TProjectWriter writer;
+        Write(document, TPurpose::Save, &writer);
+        const QByteArray file = Bytes_Of(writer);
+        const auto part = [&file](const TFilePart& place) {
+            return file.mid(static_cast<int>(place.offset), static_cast<int>(place.length));
+        };
+        const QByteArray png = Support::Png(picture);
+        const TFilePlaces& written = writer.Places();
+        QCOMPARE(written.size(), std::size_t{3});
+        QCOMPARE(part(written[0].image), png);
+        QCOMPARE(part(written[0].items),
+                 Item_List(Item_Element("5", "7", "Pump", "2", "1.00,2.50")));
+        QCOMPARE(written[0].image_ends, png.left(32) + png.right(32));
+        QVERIFY(written[1].image.offset > 0);
+        QCOMPARE(written[1].image.length, qint64{0});
+        QCOMPARE(written[1].image_ends, QByteArray());
+        QCOMPARE(part(written[2].image), png);
+        QCOMPARE(part(written[2].items), Item_List());
+
+        const TFileContent content = ProjectFile::Read(file);
+        QCOMPARE(content.pages.value().size(), written.size());
+        for (std::size_t i = 0; i < written.size(); ++i) {
+            const TPagePlace& read = content.pages->at(i).place;
+            QCOMPARE(read.image.offset, written[i].image.offset);
+            QCOMPARE(read.image.length, written[i].image.length);
+            QCOMPARE(read.image_ends, written[i].image_ends);
+            QCOMPARE(read.items.offset, written[i].items.offset);
+            QCOMPARE(read.items.length, written[i].items.length);
+        }
     }
 
     void a_document_without_pages_is_read()

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <vector>
+
+/// A part of a file, in bytes.
+struct TFilePart
+{
+    qint64 offset = -1;
+    qint64 length = 0;
+};
+
+/// Where a project file has one page. The parts are the contents of the fields, without their
+/// lengths.
+struct TPagePlace
+{
+    /// Number of bytes at the beginning and at the end of an image in image_ends.
+    static constexpr int End_Length = 32;
+
+    quint64 revision = 0;  ///< of the page when the file was read or written
+    quint64 image_id = 0;  ///< TPageImage::Id()
+    TFilePart image;       ///< empty for a page without an image
+    TFilePart items;       ///< the document of the labels
+    QByteArray image_ends; ///< first and last bytes of the image; all bytes of a tiny one
+
+    /// The value of image_ends for an image.
+    static QByteArray Ends_Of(const QByteArray& image)
+    {
+        return image.size() <= 2 * End_Length ? image
+                                              : image.left(End_Length) + image.right(End_Length);
+    }
+};
+
+/// The places of all pages, in the order of the file.
+using TFilePlaces = std::vector<TPagePlace>;
