@@ -71,8 +71,14 @@ bool TKeptFolder::Prepare() const
     if (folder.isSymLink() || QFileInfo(folder.path()).isSymLink())
         return false;
     const QByteArray path = QFile::encodeName(d_path);
-    if (!folder.isDir() && mkdir(path.constData(), folder_mode) != 0)
-        return false;
+    if (!folder.isDir()) {
+        if (mkdir(path.constData(), folder_mode) != 0)
+            return false;
+        // Otherwise a power cut could remove the folder with all copies. The settings folder that
+        // contains it may be new as well.
+        TSafeFile::Sync(folder.path());
+        TSafeFile::Sync(QFileInfo(folder.path()).path());
+    }
     struct stat state = {};
     if (stat(path.constData(), &state) != 0)
         return false;

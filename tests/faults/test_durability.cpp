@@ -50,6 +50,7 @@ private slots:
     void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy();
     void a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy();
     void saved_files_are_synced_only_for_a_recovery_copy();
+    void a_new_folder_is_on_the_disk_and_so_is_its_parent();
     void a_note_that_cannot_be_written_does_not_fail_the_backup();
     void the_file_system_copies_where_it_can_data();
     void the_file_system_copies_where_it_can();
@@ -104,8 +105,8 @@ void TestDurability::initTestCase()
 void TestDurability::init()
 {
     d_folder = std::make_unique<QTemporaryDir>();
-    for (const char* const name : {"documents", "settings"})
-        QVERIFY(QDir(d_folder->path()).mkdir(name));
+    for (const char* const name : {"documents", "settings/recovery", "settings/backup"})
+        QVERIFY(QDir(d_folder->path()).mkpath(name));
     d_recovery = std::make_unique<TRecovery>(In("settings/recovery"));
     Write_File(In("documents/a.quillet"), Empty_Project(32));
 }
@@ -439,6 +440,17 @@ void TestDurability::saved_files_are_synced_only_for_a_recovery_copy()
     }
     // The first save deletes the copy.
     QCOMPARE(syncs, QList<int>({2, 0}));
+}
+
+void TestDurability::a_new_folder_is_on_the_disk_and_so_is_its_parent()
+{
+    QVERIFY(QDir(d_folder->path()).mkpath("home/settings"));
+    const TKeptFolder folder(In("home/settings/recovery"));
+    Arm(Faults::Sync, Faults::Fail, 0);
+    QVERIFY(folder.Prepare());
+    QVERIFY(folder.Prepare());
+    Disarm();
+    QCOMPARE(Logged("sync"), QStringList({"sync home/settings", "sync home"}));
 }
 
 void TestDurability::a_note_that_cannot_be_written_does_not_fail_the_backup()
