@@ -1,10 +1,13 @@
 // A library that tests preload. It makes the n-th system call of a kind on files below given
-// folders fail, fall short or kill the process, and logs the calls.
+// folders fail, fall short or kill the process, and logs the calls. It passes all successful calls
+// to the recorder.
 //
 // Tests find its functions with dlsym(). Files are identified through /proc/self/fd, so it does not
 // matter how they were opened.
 
 #include "faultlibrary.h"
+
+#include "recorder.h"
 
 #include <cerrno>
 #include <climits>
@@ -12,8 +15,10 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -162,6 +167,19 @@ int Disturbed_Rename(const char* call, const char* from, const char* to, const T
     return result;
 }
 
+template <typename TRemove>
+int Disturbed_Remove(const char* path, const TRemove& remove_it)
+{
+    if (!fault.armed || !Is_Watched(path))
+        return remove_it();
+    Log("unlink", path);
+    if (Judge(Remove) == Refuse)
+        return Refused(EIO);
+    const int result = remove_it();
+    After(Remove);
+    return result;
+}
+
 template <typename TSync>
 int Disturbed_Sync(int descriptor, const TSync& sync_it)
 {
@@ -192,10 +210,87 @@ int Disturbed_Open(const char* path, int flags, const TOpen& open_it)
     return result;
 }
 
+template <typename TOpen>
+int Opened(const char* path, int flags, const TOpen& open_it)
+{
+    const bool is_new = Recorder::Is_New(path);
+    const int descriptor = Disturbed_Open(path, flags, open_it);
+    if (descriptor >= 0)
+        Recorder::Opened(descriptor, flags, is_new);
+    return descriptor;
+}
+
+template <typename TResize>
+int Truncated(int descriptor, off64_t size, const TResize& resize_it)
+{
+    // There is no half of a truncation.
+    const auto resize_all = [&](size_t part) -> ssize_t { return part > 0 ? resize_it() : 0; };
+    const auto result = static_cast<int>(Disturbed_Write(Write, descriptor, 1, resize_all));
+    if (result == 0)
+        Recorder::Truncated(descriptor, size);
+    return result;
+}
+
+template <typename TWrite>
+ssize_t Written(int descriptor, size_t size, off64_t place, const TWrite& write_part)
+{
+    const ssize_t written = Disturbed_Write(Write, descriptor, size, write_part);
+    Recorder::Wrote(descriptor, written, place);
+    return written;
+}
+
+template <typename TRename>
+int Renamed(const char* from, const char* to, const TRename& rename_it)
+{
+    const int result = Disturbed_Rename("rename", from, to, rename_it);
+    if (result == 0)
+        Recorder::Renamed(from, to);
+    return result;
+}
+
+template <typename TLink>
+int Linked(const char* from, const char* to, const TLink& link_it)
+{
+    const int result = Disturbed_Rename("link", from, to, link_it);
+    if (result == 0)
+        Recorder::Linked(to);
+    return result;
+}
+
+template <typename TRemove>
+int Removed(const char* path, const TRemove& remove_it)
+{
+    const int result = Disturbed_Remove(path, remove_it);
+    if (result == 0)
+        Recorder::Unlinked(path);
+    return result;
+}
+
+template <typename TSync>
+int Synced(int descriptor, const TSync& sync_it)
+{
+    const int result = Disturbed_Sync(descriptor, sync_it);
+    if (result == 0)
+        Recorder::Synced(descriptor);
+    return result;
+}
+
+std::time_t clock_lead = 0; // in seconds
+
 mode_t Mode_Of(int flags, va_list arguments)
 {
     return flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, mode_t) : 0;
 }
+
+// The mode of an open call, which only files to be created have.
+#define QUILLET_READ_MODE(mode)                                                                    \
+    va_list arguments;                                                                             \
+    va_start(arguments, flags);                                                                    \
+    const mode_t mode = Mode_Of(flags, arguments);                                                 \
+    va_end(arguments)
+
+// The intercepted function of the C library.
+#define QUILLET_NEXT(name) static const auto next = Next<decltype(&name)>(#name)
 
 } // namespace
 
@@ -231,87 +326,136 @@ const char* Quillet_Logged_Calls()
     return call_log;
 }
 
+void Quillet_Advance_Clock(int seconds)
+{
+    clock_lead += seconds;
+}
+
 int open(const char* path, int flags, ...)
 {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = Mode_Of(flags, arguments);
-    va_end(arguments);
-    static const auto next = Next<int (*)(const char*, int, mode_t)>("open");
-    return Disturbed_Open(path, flags, [&] { return next(path, flags, mode); });
+    QUILLET_READ_MODE(mode);
+    QUILLET_NEXT(open);
+    return Opened(path, flags, [&] { return next(path, flags, mode); });
 }
 
 int open64(const char* path, int flags, ...)
 {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = Mode_Of(flags, arguments);
-    va_end(arguments);
-    static const auto next = Next<int (*)(const char*, int, mode_t)>("open64");
-    return Disturbed_Open(path, flags, [&] { return next(path, flags, mode); });
+    QUILLET_READ_MODE(mode);
+    QUILLET_NEXT(open64);
+    return Opened(path, flags, [&] { return next(path, flags, mode); });
+}
+
+int openat(int folder, const char* path, int flags, ...)
+{
+    QUILLET_READ_MODE(mode);
+    QUILLET_NEXT(openat);
+    return Opened(path, flags, [&] { return next(folder, path, flags, mode); });
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t size)
 {
-    static const auto next = Next<ssize_t (*)(int, const void*, size_t)>("write");
-    return Disturbed_Write(Write, descriptor, size,
-                           [&](size_t part) { return next(descriptor, bytes, part); });
+    QUILLET_NEXT(write);
+    return Written(descriptor, size, -1,
+                   [&](size_t part) { return next(descriptor, bytes, part); });
 }
 
 ssize_t pwrite(int descriptor, const void* bytes, size_t size, off_t place)
 {
-    static const auto next = Next<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite");
-    return Disturbed_Write(Write, descriptor, size,
-                           [&](size_t part) { return next(descriptor, bytes, part, place); });
+    QUILLET_NEXT(pwrite);
+    return Written(descriptor, size, place,
+                   [&](size_t part) { return next(descriptor, bytes, part, place); });
+}
+
+ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t place)
+{
+    QUILLET_NEXT(pwrite64);
+    return Written(descriptor, size, place,
+                   [&](size_t part) { return next(descriptor, bytes, part, place); });
 }
 
 ssize_t copy_file_range(int from, off64_t* from_place, int to, off64_t* to_place, size_t size,
                         unsigned int flags)
 {
-    static const auto next =
-        Next<ssize_t (*)(int, off64_t*, int, off64_t*, size_t, unsigned int)>("copy_file_range");
-    return Disturbed_Write(fault.call == Clone ? Clone : Write, to, size, [&](size_t part) {
+    QUILLET_NEXT(copy_file_range);
+    const off64_t place = to_place ? *to_place : -1;
+    const TCall call = fault.call == Clone ? Clone : Write;
+    const ssize_t copied = Disturbed_Write(call, to, size, [&](size_t part) {
         return next(from, from_place, to, to_place, part, flags);
     });
+    Recorder::Wrote(to, copied, place);
+    return copied;
+}
+
+int ftruncate(int descriptor, off_t size)
+{
+    QUILLET_NEXT(ftruncate);
+    return Truncated(descriptor, size, [&] { return next(descriptor, size); });
+}
+
+int ftruncate64(int descriptor, off64_t size)
+{
+    QUILLET_NEXT(ftruncate64);
+    return Truncated(descriptor, size, [&] { return next(descriptor, size); });
 }
 
 int rename(const char* from, const char* to)
 {
-    static const auto next = Next<int (*)(const char*, const char*)>("rename");
-    return Disturbed_Rename("rename", from, to, [&] { return next(from, to); });
+    QUILLET_NEXT(rename);
+    return Renamed(from, to, [&] { return next(from, to); });
+}
+
+int renameat2(int from_folder, const char* from, int to_folder, const char* to, unsigned int flags)
+{
+    QUILLET_NEXT(renameat2);
+    return Renamed(from, to, [&] { return next(from_folder, from, to_folder, to, flags); });
 }
 
 int link(const char* from, const char* to)
 {
-    static const auto next = Next<int (*)(const char*, const char*)>("link");
-    return Disturbed_Rename("link", from, to, [&] { return next(from, to); });
+    QUILLET_NEXT(link);
+    return Linked(from, to, [&] { return next(from, to); });
 }
 
 int linkat(int from_folder, const char* from, int to_folder, const char* to, int flags)
 {
-    static const auto next = Next<int (*)(int, const char*, int, const char*, int)>("linkat");
-    return Disturbed_Rename("link", from, to,
-                            [&] { return next(from_folder, from, to_folder, to, flags); });
+    QUILLET_NEXT(linkat);
+    return Linked(from, to, [&] { return next(from_folder, from, to_folder, to, flags); });
 }
 
 int unlink(const char* path)
 {
-    static const auto next = Next<int (*)(const char*)>("unlink");
-    if (fault.armed && Is_Watched(path))
-        Log("unlink", path);
-    return next(path);
+    QUILLET_NEXT(unlink);
+    return Removed(path, [&] { return next(path); });
+}
+
+int mkdir(const char* path, mode_t mode)
+{
+    QUILLET_NEXT(mkdir);
+    const int result = next(path, mode);
+    if (result == 0)
+        Recorder::Made_Folder(path);
+    return result;
 }
 
 int fsync(int descriptor)
 {
-    static const auto next = Next<int (*)(int)>("fsync");
-    return Disturbed_Sync(descriptor, [&] { return next(descriptor); });
+    QUILLET_NEXT(fsync);
+    return Synced(descriptor, [&] { return next(descriptor); });
 }
 
 int fdatasync(int descriptor)
 {
-    static const auto next = Next<int (*)(int)>("fdatasync");
-    return Disturbed_Sync(descriptor, [&] { return next(descriptor); });
+    QUILLET_NEXT(fdatasync);
+    return Synced(descriptor, [&] { return next(descriptor); });
+}
+
+int clock_gettime(clockid_t clock, struct timespec* time)
+{
+    QUILLET_NEXT(clock_gettime);
+    const int result = next(clock, time);
+    if (result == 0 && clock == CLOCK_MONOTONIC)
+        time->tv_sec += clock_lead;
+    return result;
 }
 
 } // extern "C"

@@ -3,8 +3,9 @@
 /// Interface of the preloaded fault library, for tests that find its functions by name.
 namespace Faults {
 
-/// Kinds of calls. Clone is copy_file_range(), which counts as a Write as well.
-enum TCall { Open, Write, Rename, Sync, Clone };
+/// Kinds of calls. A truncation counts as a Write, and so does copy_file_range(), which is also a
+/// Clone. A link counts as a Rename.
+enum TCall { Open, Write, Rename, Sync, Clone, Remove };
 
 /// What happens to the call: it fails, does half its work and fails from then on, or the process is
 /// killed before or after it.
@@ -26,5 +27,11 @@ int Quillet_Disarm_Fault();
 /// "sync PATH", "rename FROM TO", "link FROM TO" or "unlink PATH". Consecutive writes to one file
 /// are one line.
 const char* Quillet_Logged_Calls();
+
+/// Moves the monotonic clock of the process forward.
+void Quillet_Advance_Clock(int seconds);
+
+/// Adds a line to the records of tests/faults/recorder.h.
+void Quillet_Record_Mark(const char* text);
 
 } // extern "C"

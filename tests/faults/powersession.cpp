@@ -1,0 +1,79 @@
+// An editing session for tests/faults/powerloss: opens a document, adds labels, imports a page,
+// saves and loses the focus now and then. It ends without closing the document, like a power cut.
+//
+// Usage: powersession DOCUMENT IMAGE
+//
+// Needs tests/faults/faultlibrary.cpp preloaded, which records the session and moves the clock one
+// second forward before each edit. Marks in the records: "edit N" after the N-th label, "safe N"
+// when the first N labels have to survive any power cut.
+
+#include "faultlibrary.h"
+
+#include "src/pagewidget.h"
+#include "support/window.h"
+
+#include <cstdlib>
+#include <dlfcn.h>
+
+namespace {
+
+constexpr int edits = 40;
+constexpr int edits_per_save = 13;
+constexpr int edits_per_pause = 9;
+constexpr int import_at = 7;
+
+template <typename TFunction>
+TFunction* From_Library(const char* name)
+{
+    auto* const function = reinterpret_cast<TFunction*>(dlsym(RTLD_DEFAULT, name));
+    if (!function)
+        qFatal("the fault library is not preloaded");
+    return function;
+}
+
+void Mark(const char* text, int edit)
+{
+    static const auto mark = From_Library<decltype(Quillet_Record_Mark)>("Quillet_Record_Mark");
+    mark(qPrintable(QStringLiteral("%1 %2").arg(QLatin1String(text)).arg(edit)));
+}
+
+void Lose_Focus(TOpenWindow* window)
+{
+    QApplication::setActiveWindow(window);
+    QApplication::setActiveWindow(nullptr);
+}
+
+void Edit(TOpenWindow* window, int edit)
+{
+    static const auto advance =
+        From_Library<decltype(Quillet_Advance_Clock)>("Quillet_Advance_Clock");
+    advance(1);
+    window->Add_Item(QPointF(10 + 3 * edit, 20 + edit));
+    Mark("edit", edit);
+}
+
+} // namespace
+
+int main(int argument_count, char** arguments)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argument_count, arguments);
+    if (argument_count != 3)
+        return 2;
+    TOpenWindow window;
+    window.show();
+    window.Open_File(QFile::decodeName(arguments[1]));
+    for (int edit = 1; edit <= edits; ++edit) {
+        if (edit == import_at)
+            window.Import_Files({QFile::decodeName(arguments[2])});
+        Edit(&window, edit);
+        QCoreApplication::processEvents();
+        if (edit % edits_per_pause == 0)
+            Lose_Focus(&window);
+        if (edit % edits_per_save == 0)
+            window.File_Save();
+        if (edit % edits_per_pause == 0 || edit % edits_per_save == 0)
+            Mark("safe", edit);
+    }
+    std::_Exit(0);
+}

@@ -1,0 +1,26 @@
+// Does what the program does with abandoned work when it starts.
+//
+// Usage: recoverall
+//
+// Reads paths of settings folders from the standard input, one a line, and prints "done" after
+// each.
+
+#include "src/safety/safetynet.h"
+
+#include <QFile>
+#include <QGuiApplication>
+
+#include <iostream>
+#include <string>
+
+int main(int argument_count, char** arguments)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argument_count, arguments);
+    std::string folder;
+    while (std::getline(std::cin, folder)) {
+        TSafetyNet net(QFile::decodeName(folder.c_str()), nullptr);
+        std::cout << "done" << std::endl;
+    }
+    return 0;
+}
