@@ -37,6 +37,7 @@ int Checked_Index(int d_active_page_index)
 } // namespace
 
 int TData::d_next_page_id = 1;
+quint64 TData::d_last_revision = 0;
 
 TData::TData()
 {
@@ -55,7 +56,7 @@ int TData::Add_Page(const QImage& image)
 
 int TData::Add_Page(const TPageImage& image)
 {
-    d_page_items.push_back({d_next_page_id, image, {}});
+    d_page_items.push_back({d_next_page_id, image, {}, ++d_last_revision});
     return d_next_page_id++;
 }
 
@@ -331,11 +332,14 @@ void TData::Make_Active(int page_index)
     d_active_page_index = page_index;
 }
 
-/// Passes a page to the recorder. Every operation calls this before it changes the page.
-void TData::Record(int page_index) const
+/// Passes a page to the recorder and gives it a new revision. Every operation calls this before it
+/// changes the page.
+void TData::Record(int page_index)
 {
+    TPageItem& page = d_page_items[page_index];
     if (d_recorder)
-        d_recorder(d_page_items[page_index]);
+        d_recorder(page);
+    page.revision = ++d_last_revision;
 }
 
 void TData::Build_Index() const

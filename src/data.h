@@ -103,7 +103,7 @@ public:
 
 private:
     void Make_Active(int page_index);
-    void Record(int page_index) const;
+    void Record(int page_index);
     void Build_Index() const;
     int Find(int id) const;
     template <typename TChange>
@@ -112,6 +112,7 @@ private:
     std::vector<TPageItem> d_page_items;
     int d_active_page_index = -1;
     static int d_next_page_id;
+    static quint64 d_last_revision;
 
     /// Positions of the active page's labels in its data_items, by id. Out of date when it has
     /// another number of entries.

@@ -15,6 +15,12 @@ struct TAppearance
     QString header_1; ///< may be empty
     QString header_2; ///< may be empty
 
+    friend bool operator==(const TAppearance& left, const TAppearance& right)
+    {
+        return left.label_size == right.label_size && left.color_name == right.color_name &&
+               left.header_1 == right.header_1 && left.header_2 == right.header_2;
+    }
+
     /// Colour of labels before settings or a document are read.
     static QColor Initial_Color() { return {250, 8, 50}; }
 

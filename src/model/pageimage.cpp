@@ -122,6 +122,12 @@ QImage Decode(const QByteArray& bytes, const QByteArray& format)
     return QImageReader(&buffer, format).read();
 }
 
+quint64 Next_Id()
+{
+    static quint64 last = 0;
+    return ++last;
+}
+
 /// The format that Qt detects from the content.
 QByteArray Format_Of(const QByteArray& bytes)
 {
@@ -137,7 +143,11 @@ QByteArray Format_Of(const QByteArray& bytes)
 struct TPageImage::TContent
 {
     // Creates the cache first, so that it is destroyed after every static content.
-    TContent() { Store(); }
+    TContent()
+        : id(Next_Id())
+    {
+        Store();
+    }
     ~TContent() { Store().Remove(this); }
     Q_DISABLE_COPY(TContent)
 
@@ -147,6 +157,7 @@ struct TPageImage::TContent
 
     enum TState { Not_Decoded, Decodable, Undecodable };
 
+    quint64 id;
     QImage pixels;                    ///< null for an image that was constructed from bytes
     QByteArray source;                ///< the original bytes; may be a part of owner
     QByteArray owner;                 ///< array that contains the source
@@ -285,13 +296,23 @@ QByteArray TPageImage::Source_Bytes() const
                : Png();
 }
 
+quint64 TPageImage::Id() const
+{
+    return d_content ? d_content->id : 0;
+}
+
 TPageImage TPageImage::Encoded() const
 {
     if (!d_content)
         return TPageImage();
-    if (d_content->source.isEmpty())
-        return From_Bytes(Png());
+    if (d_content->source.isEmpty()) {
+        TPageImage encoded = From_Bytes(Png());
+        if (encoded.d_content)
+            encoded.d_content->id = d_content->id;
+        return encoded;
+    }
     auto content = std::make_shared<TContent>();
+    content->id = d_content->id;
     content->source = d_content->source;
     content->owner = d_content->owner;
     content->format = d_content->format;

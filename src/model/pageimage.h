@@ -59,6 +59,10 @@ public:
     /// format cannot be detected from its bytes alone.
     QByteArray Source_Bytes() const;
 
+    /// A number that images with the same source bytes share if one is a copy of the other, also
+    /// one made by Encoded(). Unique in this process; 0 without bytes and pixels.
+    quint64 Id() const;
+
     /// Whether two images share their content: one is a copy of the other.
     bool Is_Copy_Of(const TPageImage& other) const { return d_content == other.d_content; }
 

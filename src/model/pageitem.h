@@ -25,6 +25,9 @@ struct TPageItem
     int page_id = 0;  ///< unique within the document
     TPageImage image; ///< null for a page that was added without one
     std::vector<TDataItem> data_items;
+    /// Changes with the labels and the image, but not with the selection. Two pages of a process
+    /// with the same revision have the same content; undo restores the revision with the content.
+    quint64 revision = 0;
 };
 
 /// Whether two labels are equal except for their selection.

@@ -600,6 +600,74 @@ private slots:
         QVERIFY(!data.Pages()[0].data_items[1].selected);
     }
 
+    void every_change_of_a_page_gives_it_a_new_revision_data()
+    {
+        QTest::addColumn<TOperation>("change");
+        QTest::addColumn<bool>("is_new");
+        const auto row = [](const char* name, const TOperation& change, bool is_new) {
+            QTest::newRow(name) << change << is_new;
+        };
+        row(
+            "add a label", [](TData* data) { data->Add_Item(Make_Item(9)); }, true);
+        row(
+            "add a label again", [](TData* data) { data->Add_Item(Make_Item(5)); }, false);
+        row(
+            "remove a label", [](TData* data) { data->Remove_Item(5); }, true);
+        row(
+            "remove no label", [](TData* data) { data->Remove_Item(6); }, false);
+        row(
+            "value", [](TData* data) { data->Change_Item_Value(5, 7); }, true);
+        row(
+            "same value", [](TData* data) { data->Change_Item_Value(5, 0); }, false);
+        row(
+            "text", [](TData* data) { data->Change_Item_Text(5, "text"); }, true);
+        row(
+            "border", [](TData* data) { data->Change_Item_Border(5, Ellipse_Border); }, true);
+        row(
+            "position",
+            [](TData* data) {
+                data->Change_Item_Position(5, {7, 7});
+            },
+            true);
+        row(
+            "numbers", [](TData* data) { data->Number_Items(1, false, [] { return 7; }); }, true);
+        row(
+            "image", [](TData* data) { data->Set_Page_Image(QImage()); }, true);
+        row(
+            "selection", [](TData* data) { data->Change_Item_Selection(5, true); }, false);
+        row(
+            "no selection", [](TData* data) { data->Clear_Selection(); }, false);
+        row(
+            "other page", [](TData* data) { data->Add_Page(); }, false);
+    }
+
+    void every_change_of_a_page_gives_it_a_new_revision()
+    {
+        QFETCH(const TOperation, change);
+        QFETCH(const bool, is_new);
+        TData data;
+        Fill(&data, {5, 3});
+        const quint64 before = data.Pages()[0].revision;
+        change(&data);
+        QCOMPARE(data.Pages()[0].revision != before, is_new);
+        TData other;
+        Fill(&other, {});
+        QVERIFY(other.Pages()[0].revision > data.Pages()[0].revision);
+    }
+
+    void a_restored_page_has_its_previous_revision()
+    {
+        TData data;
+        Fill(&data, {5, 3});
+        std::vector<TPageItem> previous;
+        data.Set_Recorder([&previous](const TPageItem& page) { previous.push_back(page); });
+        const quint64 before = data.Pages()[0].revision;
+        data.Change_Item_Value(5, 50);
+        std::vector<int> order = {1};
+        data.Swap_Pages(&order, &previous);
+        QCOMPARE(data.Pages()[0].revision, before);
+    }
+
     void thousands_of_labels_are_found_and_removed()
     {
         constexpr int Count = 20000;

@@ -662,6 +662,21 @@ private slots:
         QVERIFY(!image.Is_Copy_Of(other) && !image.Is_Same(other));
     }
 
+    void copies_have_the_same_id_even_when_encoded()
+    {
+        const QImage picture = Support::Picture(8, 8);
+        const QByteArray png = Support::Png(picture);
+        for (const TPageImage& image : {TPageImage(picture), TPageImage::From_Bytes(png)}) {
+            const TPageImage copy = image;
+            QCOMPARE(copy.Id(), image.Id());
+            QCOMPARE(image.Encoded().Id(), image.Id());
+            QVERIFY(TPageImage::From_Bytes(png).Id() != image.Id());
+            QVERIFY(image.Id() != 0);
+        }
+        QCOMPARE(TPageImage().Id(), quint64(0));
+        QCOMPARE(TPageImage(QImage()).Id(), quint64(0));
+    }
+
     void images_are_compared_by_their_pixels()
     {
         const QImage picture = Support::Picture(40, 30);
