@@ -75,6 +75,17 @@ QByteArray ItemList::Write(const std::vector<TDataItem>& items, TBadText bad_tex
     return document.insert(root_name_end, PageTexts::Attributes(texts));
 }
 
+QByteArray ItemList::With_Texts(const QByteArray& document, const TPageTexts& texts)
+{
+    // What Write() begins a document without texts with.
+    const QByteArray plain_start = Write({}).chopped(static_cast<int>(qstrlen("/>"))) + '>';
+    if (document.startsWith(plain_start) && PageTexts::Attributes(texts).isEmpty())
+        return document;
+    std::vector<TDataItem> items;
+    Read(document, [&items](const TDataItem& item) { items.push_back(item); });
+    return Write(items, TBadText::Leave_Out, texts);
+}
+
 TDataItem ItemList::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
 {
     TDataItem item;

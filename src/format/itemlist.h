@@ -30,6 +30,10 @@ enum class TBadText {
 QByteArray Write(const std::vector<TDataItem>& items, TBadText bad_text = TBadText::Refuse,
                  const TPageTexts& texts = {});
 
+/// Returns a label document with other texts in its root.
+/// @throws TXmlFileException on bad content, unless there is nothing to replace.
+QByteArray With_Texts(const QByteArray& document, const TPageTexts& texts);
+
 /// Reads the labels of a document, unselected.
 /// @param add    is called with each label, also with those before a fault.
 /// @param texts  receives the texts in the root's attributes, also before a fault; may be null.

@@ -83,6 +83,13 @@ bool TProjectWriter::Write_To(QIODevice* device) const
     });
 }
 
+bool TProjectWriter::Flush_To(QIODevice* device)
+{
+    const bool is_written = Write_To(device);
+    d_pieces.clear();
+    return is_written;
+}
+
 TProjectReader::TProjectReader(const QByteArray& bytes)
     : d_bytes(bytes)
 {

@@ -53,6 +53,8 @@ public:
 
     /// Writes everything to an open device. Stops and returns false after a short write.
     bool Write_To(QIODevice* device) const;
+    /// The same for what was not flushed before, and drops it.
+    bool Flush_To(QIODevice* device);
 
 private:
     /// Bytes, and for the bytes of an image the image that keeps them alive.

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <algorithm>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -16,6 +17,9 @@ namespace {
 
 const char* const copy_suffix = ".quillet";
 const char* const note_suffix = ".note";
+const char* const log_suffix = ".log";
+const char* const log_tail_suffix = ".log-wal"; // the name that SQLite gives it
+const char* const base_suffix = ".base";
 
 constexpr mode_t folder_mode = S_IRWXU;
 constexpr mode_t file_mode = S_IRUSR | S_IWUSR;
@@ -45,9 +49,11 @@ bool TKeptNote::Open(const QString& path, TExisting existing)
     return false;
 }
 
-bool TKeptNote::Write(const QString& document) const
+bool TKeptNote::Write(const QString& document, int missing_images) const
 {
-    const QByteArray text = document.toUtf8();
+    QByteArray text = document.toUtf8();
+    if (missing_images > 0)
+        text += '\0' + QByteArray::number(missing_images);
     return pwrite(d_descriptor, text.constData(), static_cast<size_t>(text.size()), 0) ==
                text.size() &&
            ftruncate(d_descriptor, text.size()) == 0;
@@ -88,14 +94,29 @@ bool TKeptFolder::Prepare() const
     return QFileInfo(d_path).isWritable();
 }
 
+QString TKeptFolder::Path(const QString& name, const char* suffix) const
+{
+    return d_path + QLatin1Char('/') + name + QLatin1String(suffix);
+}
+
 QString TKeptFolder::Copy_Path(const QString& name) const
 {
-    return d_path + QLatin1Char('/') + name + QLatin1String(copy_suffix);
+    return Path(name, copy_suffix);
 }
 
 QString TKeptFolder::Note_Path(const QString& name) const
 {
-    return d_path + QLatin1Char('/') + name + QLatin1String(note_suffix);
+    return Path(name, note_suffix);
+}
+
+QString TKeptFolder::Log_Path(const QString& name) const
+{
+    return Path(name, log_suffix);
+}
+
+QString TKeptFolder::Base_Path(const QString& name) const
+{
+    return Path(name, base_suffix);
 }
 
 QString TKeptFolder::Claim_Name(const QString& prefix, TKeptNote* note) const
@@ -106,7 +127,7 @@ QString TKeptFolder::Claim_Name(const QString& prefix, TKeptNote* note) const
     constexpr int attempts = 100;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
         QString name = attempt == 1 ? base : base + QLatin1Char('-') + QString::number(attempt);
-        if (!QFile::exists(Copy_Path(name)) &&
+        if (!QFile::exists(Copy_Path(name)) && !QFile::exists(Log_Path(name)) &&
             note->Open(Note_Path(name), TKeptNote::TExisting::Refuse))
             return name;
     }
@@ -144,17 +165,28 @@ int TKeptFolder::Links_To(const struct stat& file) const
 void TKeptFolder::Remove(const QString& name) const
 {
     QFile::remove(Copy_Path(name));
+    Remove_Log(name);
     QFile::remove(Note_Path(name));
+}
+
+void TKeptFolder::Remove_Log(const QString& name) const
+{
+    // First the log: a log without the other files would be an incomplete document.
+    QFile::remove(Log_Path(name));
+    QFile::remove(Path(name, log_tail_suffix));
+    QFile::remove(Base_Path(name));
 }
 
 void TKeptFolder::Clean_Up() const
 {
-    const QString notes = QLatin1Char('*') + QLatin1String(note_suffix);
-    const QFileInfoList files = QDir(d_path).entryInfoList({notes, TSafeFile::Unfinished_Pattern()},
-                                                           QDir::Files | QDir::Hidden);
-    for (const QFileInfo& file : files) {
-        const bool is_note = file.fileName().endsWith(QLatin1String(note_suffix));
-        const bool is_in_use = is_note && QFile::exists(Copy_Path(Name_Of(file.filePath())));
+    QStringList patterns = {TSafeFile::Unfinished_Pattern()};
+    for (const char* const suffix : {note_suffix, log_tail_suffix, base_suffix})
+        patterns += QLatin1Char('*') + QLatin1String(suffix);
+    for (const QFileInfo& file : QDir(d_path).entryInfoList(patterns, QDir::Files | QDir::Hidden)) {
+        const QString name = Name_Of(file.filePath());
+        const bool is_in_use = QFile::exists(Log_Path(name)) ||
+                               (file.fileName().endsWith(QLatin1String(note_suffix)) &&
+                                QFile::exists(Copy_Path(name)));
         if (!is_in_use && !Is_Recent(file) && Is_Free(file.filePath()))
             QFile::remove(file.filePath());
     }
@@ -162,21 +194,37 @@ void TKeptFolder::Clean_Up() const
 
 std::vector<TKeptFile> TKeptFolder::List() const
 {
-    const QFileInfoList copies = QDir(d_path).entryInfoList(
-        {QLatin1Char('*') + QLatin1String(copy_suffix)}, QDir::Files, QDir::Time);
+    return List(copy_suffix);
+}
+
+std::vector<TKeptFile> TKeptFolder::List_Logs() const
+{
+    std::vector<TKeptFile> logs = List(log_suffix);
+    const auto is_in_use = [this](const TKeptFile& log) {
+        return !Is_Free(Note_Path(Name_Of(log.path)));
+    };
+    logs.erase(std::remove_if(logs.begin(), logs.end(), is_in_use), logs.end());
+    return logs;
+}
+
+std::vector<TKeptFile> TKeptFolder::List(const char* suffix) const
+{
+    const QFileInfoList found = QDir(d_path).entryInfoList(
+        {QLatin1Char('*') + QLatin1String(suffix)}, QDir::Files, QDir::Time);
     std::vector<TKeptFile> files;
-    for (const QFileInfo& copy : copies) {
-        QFile note(Note_Path(Name_Of(copy.filePath())));
-        const QString document =
-            note.open(QIODevice::ReadOnly) ? QString::fromUtf8(note.readAll()) : QString();
-        files.push_back({copy.filePath(), document, copy.lastModified(), copy.size()});
+    for (const QFileInfo& info : found) {
+        QFile note(Note_Path(Name_Of(info.filePath())));
+        const QList<QByteArray> fields =
+            note.open(QIODevice::ReadOnly) ? note.readAll().split('\0') : QList<QByteArray>();
+        files.push_back({info.filePath(), QString::fromUtf8(fields.value(0)), info.lastModified(),
+                         info.size(), fields.value(1).toInt()});
     }
     return files;
 }
 
-QString TKeptFolder::Name_Of(const QString& copy_path)
+QString TKeptFolder::Name_Of(const QString& path)
 {
-    return QFileInfo(copy_path).completeBaseName();
+    return QFileInfo(path).completeBaseName();
 }
 
 bool TKeptFolder::Contains(const QString& path) const

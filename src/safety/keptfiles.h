@@ -8,16 +8,19 @@
 
 struct stat;
 
-/// A safety copy: a project file in a folder beside the settings.
+/// A safety copy, a project file in a folder beside the settings, or a work log that was not
+/// converted to one.
 struct TKeptFile
 {
-    QString path;     ///< of the copy; File > Open accepts it
-    QString document; ///< path of the document it belongs to; empty if it was never saved
-    QDateTime time;   ///< of the last write
-    qint64 size = 0;  ///< in bytes
+    QString path;           ///< of the copy, which File > Open accepts, or of the log
+    QString document;       ///< path of the document it belongs to; empty if it was never saved
+    QDateTime time;         ///< of the last change
+    qint64 size = 0;        ///< in bytes
+    int missing_images = 0; ///< pages whose image could not be recovered
 };
 
-/// The open and locked note of a safety copy. The note holds the path of the copy's document.
+/// The open and locked note of a safety copy or work log. The note holds the path of the document
+/// and, after a zero byte, the number of missing images.
 ///
 /// The kernel releases the lock when the process ends, even after SIGKILL. Unlike a process id, a
 /// lock is never stale.
@@ -35,8 +38,8 @@ public:
     /// Opens or creates a note and locks it; false on failure and while another process holds the
     /// lock. Symbolic links are refused.
     bool Open(const QString& path, TExisting existing);
-    /// Replaces the document path in the note.
-    bool Write(const QString& document) const;
+    /// Replaces the content of the note.
+    bool Write(const QString& document, int missing_images = 0) const;
     /// Releases the lock.
     void Close();
 
@@ -44,8 +47,8 @@ private:
     int d_descriptor = -1;
 };
 
-/// A folder of safety copies. Each copy NAME.quillet has a note NAME.note. Folder and files are
-/// accessible to their owner only (modes 0700 and 0600).
+/// A folder of safety copies and work logs. Each copy NAME.quillet and each log NAME.log has a note
+/// NAME.note. Folder and files are accessible to their owner only (modes 0700 and 0600).
 class TKeptFolder
 {
 public:
@@ -56,9 +59,12 @@ public:
     /// is a symbolic link: the target may be readable by others.
     bool Prepare() const;
 
-    /// Paths of the copy with the given name and of its note.
+    /// Paths of the copy with the given name, its note, its work log, and the protected base file
+    /// of the log.
     QString Copy_Path(const QString& name) const;
     QString Note_Path(const QString& name) const;
+    QString Log_Path(const QString& name) const;
+    QString Base_Path(const QString& name) const;
 
     /// Opens a new note and returns its unused name: the prefix and the local time. Empty on
     /// failure.
@@ -72,18 +78,22 @@ public:
     /// Number of copies that are hard links to a file.
     int Links_To(const struct stat& file) const;
 
-    /// Deletes a copy and its note.
+    /// Deletes a copy, its work log and its note.
     void Remove(const QString& name) const;
+    /// Deletes a work log with the files that belong to it.
+    void Remove_Log(const QString& name) const;
 
-    /// Deletes stale files of ended processes: unfinished files, and notes without a copy. Locked
-    /// and recent files stay.
+    /// Deletes stale files of ended processes: unfinished files, and notes and parts of a log
+    /// without a copy or log. Locked and recent files stay.
     void Clean_Up() const;
 
     /// All copies, newest first.
     std::vector<TKeptFile> List() const;
+    /// All work logs of ended processes, newest first.
+    std::vector<TKeptFile> List_Logs() const;
 
-    /// Name of a copy: its file name without the suffix.
-    static QString Name_Of(const QString& copy_path);
+    /// Name of a copy or log: its file name without the suffix.
+    static QString Name_Of(const QString& path);
 
     /// Whether a path is directly in this folder.
     bool Contains(const QString& path) const;
@@ -92,5 +102,8 @@ public:
     static bool Is_Free(const QString& path);
 
 private:
+    QString Path(const QString& name, const char* suffix) const;
+    std::vector<TKeptFile> List(const char* suffix) const;
+
     QString d_path;
 };

@@ -1,0 +1,131 @@
+#include "src/safety/logconversion.h"
+
+#include "src/format/itemlist.h"
+#include "src/format/projectfile.h"
+#include "src/safety/keptfiles.h"
+#include "src/safety/logreader.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+namespace {
+
+QString Tr(const char* text)
+{
+    return QCoreApplication::translate("LogConversion", text);
+}
+
+void Write_Header(const TLogReader& log, TProjectWriter* writer)
+{
+    const TAppearance& appearance = log.Appearance();
+    writer->Write_Integer(appearance.label_size);
+    writer->Write_Text(appearance.color_name);
+    writer->Write_Text(appearance.header_1);
+    writer->Write_Text(appearance.header_2);
+    writer->Write_Integer(static_cast<int>(log.Pages().size()));
+}
+
+/// Returns false if the image or the labels are missing.
+bool Write_Page(TLogReader* log, const TLoggedPage& page, bool is_first, TProjectWriter* writer)
+{
+    TPageTexts texts{page.name, QString(), QString()};
+    if (is_first) {
+        texts.header_1 = log->Appearance().header_1;
+        texts.header_2 = log->Appearance().header_2;
+    }
+    const std::optional<QByteArray> image = log->Image(page);
+    const std::optional<QByteArray> items = log->Items(page, texts);
+    writer->Write_Page(page.name, TPageImage::From_Bytes(image.value_or(QByteArray())),
+                       TProjectWriter::TImageBytes::Source,
+                       items ? *items : ItemList::Write({}, ItemList::TBadText::Leave_Out, texts));
+    return image && items;
+}
+
+/// Writes the pages one by one, so that only one image is in memory.
+bool Write_Project(TLogReader* log, QIODevice* device, const TStepReport& report,
+                   TProjectWriter* writer, int* missing_images)
+{
+    Write_Header(*log, writer);
+    const int total = static_cast<int>(log->Pages().size());
+    int number = 0;
+    for (const TLoggedPage& page : log->Pages()) {
+        ++number;
+        if (report)
+            report(number, total);
+        if (!Write_Page(log, page, number == 1, writer))
+            ++*missing_images;
+        if (!writer->Flush_To(device))
+            return false;
+    }
+    return writer->Flush_To(device);
+}
+
+/// Sets the time of a copy to that of the last change.
+void Set_Time(const QString& path, const QDateTime& time)
+{
+    QFile file(path);
+    if (file.open(QIODevice::ReadWrite))
+        file.setFileTime(time, QFileDevice::FileModificationTime);
+}
+
+/// Converts one log. Returns why it cannot be converted; empty on success and if its process runs.
+QString Convert(const TKeptFolder& folder, const QString& name, const QString& backup_folder,
+                const TStepReport& report)
+{
+    TKeptNote note;
+    if (!note.Open(folder.Note_Path(name), TKeptNote::TExisting::Reuse))
+        return QString();
+    TLogReader log;
+    const TLogReader::TContent content = log.Open(folder.Log_Path(name), backup_folder);
+    if (content == TLogReader::TContent::Unreadable)
+        return log.Problem();
+    if (content == TLogReader::TContent::Nothing) {
+        folder.Remove(name);
+        return QString();
+    }
+    const QString copy = folder.Copy_Path(name);
+    const LogConversion::TResult result =
+        LogConversion::Write(&log, copy, TSafeFile::TKind::Private, report);
+    if (!result.is_written)
+        return log.Is_Whole() ? Tr("the recovered document cannot be written")
+                              : Tr("it is damaged");
+    note.Write(log.Document(), result.missing_images);
+    Set_Time(copy, log.Changed());
+    folder.Remove_Log(name);
+    return QString();
+}
+
+} // namespace
+
+LogConversion::TResult LogConversion::Write(TLogReader* log, const QString& path,
+                                            TSafeFile::TKind kind, const TStepReport& report)
+{
+    TResult result;
+    TSafeFile target(path, kind);
+    QFile file(target.Path_To_Write());
+    TProjectWriter writer;
+    const bool is_private = kind == TSafeFile::TKind::Private;
+    if ((is_private && !(target.Is_Beside() && log->Check())) || !file.open(QIODevice::WriteOnly) ||
+        !Write_Project(log, &file, report, &writer, &result.missing_images) || !file.flush() ||
+        (is_private && !log->Is_Whole()))
+        return result;
+    file.close();
+    result.is_written = target.Commit([&writer](const QString& written) {
+        return TSafeFile::Is_Complete(written, writer.Size(), QByteArray());
+    });
+    return result;
+}
+
+QStringList LogConversion::Convert_Abandoned(const TKeptFolder& folder,
+                                             const QString& backup_folder,
+                                             const TStepReport& report)
+{
+    QStringList problems;
+    for (const TKeptFile& log : folder.List_Logs()) {
+        const QString name = TKeptFolder::Name_Of(log.path);
+        const QString problem = Convert(folder, name, backup_folder, report);
+        if (!problem.isEmpty())
+            problems += log.path + QLatin1String(": ") + problem;
+    }
+    return problems;
+}

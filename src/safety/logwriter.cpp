@@ -1,0 +1,296 @@
+#include "src/safety/logwriter.h"
+
+#include "src/data.h"
+#include "src/safety/basefile.h"
+#include "src/safety/logschema.h"
+#include "src/safety/workstate.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QSet>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+/// The write-ahead log may have this size, in bytes, besides the images.
+constexpr qint64 log_limit = 4LL * 1024 * 1024;
+
+} // namespace
+
+struct TLogWriter::TStatements
+{
+    explicit TStatements(TDatabase* database)
+        : set_document(database, "INSERT OR REPLACE INTO document VALUES(1, ?, ?, ?, ?, ?, ?)")
+        , set_base(database, "INSERT INTO base VALUES(1, ?, ?, ?, ?, ?, ?)")
+        , refer_to_image(database, "INSERT INTO images VALUES(?, NULL, ?, ?, ?)")
+        , set_image(database, "INSERT OR REPLACE INTO images VALUES(?, ?, NULL, NULL, NULL)")
+        , set_page(database, "INSERT OR REPLACE INTO pages VALUES(?, ?, ?, ?, NULL, NULL)")
+        , refer_to_page(database, "INSERT OR REPLACE INTO pages VALUES(?, ?, ?, ?, ?, ?)")
+        , remove_page(database, "DELETE FROM pages WHERE page_id=?")
+        , add_label(database, "INSERT INTO labels VALUES(?, ?, ?, ?, ?, ?, ?, ?)")
+        , change_label(database, "UPDATE labels SET value=?, text=?, border=?, x=?, y=?"
+                                 " WHERE page_id=? AND label_id=?")
+        , remove_label(database, "DELETE FROM labels WHERE page_id=? AND label_id=?")
+        , remove_labels(database, "DELETE FROM labels WHERE page_id=?")
+    {
+    }
+
+    TStatement set_document;
+    TStatement set_base;
+    TStatement refer_to_image;
+    TStatement set_image;
+    TStatement set_page;
+    TStatement refer_to_page;
+    TStatement remove_page;
+    TStatement add_label;
+    TStatement change_label;
+    TStatement remove_label;
+    TStatement remove_labels;
+};
+
+TLogWriter::TLogWriter() = default;
+
+TLogWriter::~TLogWriter() = default;
+
+bool TLogWriter::Create(const QString& path)
+{
+    if (!d_database.Create(path) || !d_database.Execute("BEGIN") ||
+        !d_database.Execute(LogSchema::Creation) || !d_database.Execute("COMMIT"))
+        return false;
+    d_statements = std::make_unique<TStatements>(&d_database);
+    return true;
+}
+
+bool TLogWriter::Update(const TWorkState& state, const TBaseFile& base, const QString& document)
+{
+    return End((d_is_known || Start_Over()) && Remove_Other_Pages(state) && Write_Base(base) &&
+               Write_Pages(state, base) && Write_Document(state.appearance, document));
+}
+
+/// Runs a statement in a transaction, which begins with the first statement.
+template <typename... TValue>
+bool TLogWriter::Run(TStatement* statement, const TValue&... values)
+{
+    return (d_database.Is_In_Transaction() || d_database.Execute("BEGIN")) &&
+           statement->Run(values...);
+}
+
+/// Ends the transaction, if one began.
+/// @param is_complete  whether to commit it.
+bool TLogWriter::End(bool is_complete)
+{
+    if (is_complete && !d_database.Is_In_Transaction())
+        return true;
+    if (is_complete && d_database.Execute("COMMIT")) {
+        d_has_document = true;
+        d_is_synced = false;
+        return true;
+    }
+    // SQLite may have rolled back already.
+    if (d_database.Is_In_Transaction())
+        d_database.Execute("ROLLBACK");
+    d_is_known = false;
+    return false;
+}
+
+/// Removes all pages, so that they are written again. Images stay.
+bool TLogWriter::Start_Over()
+{
+    d_pages.clear();
+    d_images.clear();
+    d_appearance = TAppearance();
+    d_document.clear();
+    TStatement images(&d_database, "SELECT image_id, bytes IS NULL FROM images");
+    images.Start();
+    while (images.Next())
+        d_images.insert(static_cast<quint64>(images.Integer(0)), images.Integer(1) != 0);
+    TStatement base(&d_database, "SELECT id FROM base");
+    base.Start();
+    d_has_base = base.Next();
+    const bool has_failed = images.Has_Failed() || base.Has_Failed();
+    base.Reset();
+    images.Reset();
+    d_is_known = !has_failed && d_database.Execute("BEGIN") &&
+                 d_database.Execute("DELETE FROM pages; DELETE FROM labels");
+    return d_is_known;
+}
+
+/// Writes the document's row if it differs, or if anything else was written: it has the time.
+bool TLogWriter::Write_Document(const TAppearance& appearance, const QString& document)
+{
+    if (d_has_document && !d_database.Is_In_Transaction() && appearance == d_appearance &&
+        document == d_document)
+        return true;
+    d_appearance = appearance;
+    d_document = document;
+    return Run(&d_statements->set_document, QFile::encodeName(document),
+               QDateTime::currentMSecsSinceEpoch(), appearance.label_size, appearance.color_name,
+               appearance.header_1, appearance.header_2);
+}
+
+bool TLogWriter::Write_Base(const TBaseFile& base)
+{
+    if (d_has_base || !base.Exists())
+        return true;
+    d_has_base = true;
+    const TFileIdentity& file = base.Identity();
+    return Run(&d_statements->set_base, QFile::encodeName(file.path), file.device, file.inode,
+               file.stamp.size, file.stamp.seconds, file.stamp.nanoseconds);
+}
+
+bool TLogWriter::Remove_Other_Pages(const TWorkState& state)
+{
+    QSet<int> present;
+    present.reserve(static_cast<int>(state.pages.size()));
+    for (const TNamedPage& row : state.pages)
+        present.insert(row.page_id);
+    for (auto page = d_pages.begin(); page != d_pages.end();) {
+        if (present.contains(page->first)) {
+            ++page;
+            continue;
+        }
+        if (!Run(&d_statements->remove_page, page->first) ||
+            !Run(&d_statements->remove_labels, page->first))
+            return false;
+        page = d_pages.erase(page);
+    }
+    return true;
+}
+
+bool TLogWriter::Write_Pages(const TWorkState& state, const TBaseFile& base)
+{
+    QHash<int, const TPageItem*> pages;
+    pages.reserve(state.data->Page_Count());
+    for (const TPageItem& page : state.data->Pages())
+        pages.insert(page.page_id, &page);
+    int position = 0;
+    for (const TNamedPage& row : state.pages) {
+        // While a page is added or removed, the page list may have rows that the document has not.
+        const TPageItem* const page = pages.value(row.page_id);
+        if (page && !Write_Page(row, position++, *page, base))
+            return false;
+    }
+    return true;
+}
+
+bool TLogWriter::Write_Page(const TNamedPage& named, int position, const TPageItem& page,
+                            const TBaseFile& base)
+{
+    TPage& logged = d_pages[named.page_id];
+    TRow row = logged.row;
+    row.position = position;
+    row.name = named.name;
+    return (logged.revision == page.revision || Write_Content(page, base, &logged, &row)) &&
+           Write_Row(named.page_id, row, &logged);
+}
+
+/// Writes labels and image of a changed page, or refers to those in the base file.
+bool TLogWriter::Write_Content(const TPageItem& page, const TBaseFile& base, TPage* logged,
+                               TRow* row)
+{
+    logged->revision = page.revision;
+    row->image_id = page.image.Id();
+    if (row->image_id != 0 && !d_images.contains(row->image_id) && !Write_Image(page.image, base))
+        return false;
+    const TPagePlace* const place = base.Find_Page(page.revision);
+    row->reference = place ? place->items : TFilePart();
+    if (!place)
+        return Write_Labels(page, logged);
+    if (logged->items.empty())
+        return true;
+    logged->items.clear();
+    return Run(&d_statements->remove_labels, page.page_id);
+}
+
+/// Writes the difference between the labels of a page and those in the database.
+bool TLogWriter::Write_Labels(const TPageItem& page, TPage* logged)
+{
+    auto next = page.data_items.cbegin();
+    const auto end = page.data_items.cend();
+    for (const TDataItem& item : std::as_const(logged->items)) {
+        if (next == end || next->id != item.id) {
+            // If it only moved, it is added again at its new place.
+            if (!Run(&d_statements->remove_label, page.page_id, item.id))
+                return false;
+            continue;
+        }
+        if (!Has_Same_Content(*next, item) &&
+            !Run(&d_statements->change_label, next->value, next->text, next->border_type,
+                 next->position.x(), next->position.y(), page.page_id, next->id))
+            return false;
+        ++next;
+    }
+    for (; next != end; ++next) {
+        if (!Run(&d_statements->add_label, page.page_id, next->id, logged->next_rank++, next->value,
+                 next->text, next->border_type, next->position.x(), next->position.y()))
+            return false;
+    }
+    logged->items = page.data_items;
+    return true;
+}
+
+/// Writes an image, or a reference to it.
+bool TLogWriter::Write_Image(const TPageImage& image, const TBaseFile& base)
+{
+    const quint64 id = image.Id();
+    if (const TPagePlace* const place = base.Find_Image(id)) {
+        d_images.insert(id, true);
+        return Run(&d_statements->refer_to_image, id, place->image.offset, place->image.length,
+                   place->image_ends);
+    }
+    const QByteArray bytes = image.Source_Bytes();
+    d_images.insert(id, false);
+    d_image_bytes += bytes.size();
+    return Run(&d_statements->set_image, id, bytes);
+}
+
+bool TLogWriter::Write_Row(int page_id, const TRow& row, TPage* logged)
+{
+    if (row == logged->row)
+        return true;
+    logged->row = row;
+    if (row.Is_Reference())
+        return Run(&d_statements->refer_to_page, page_id, row.position, row.name, row.image_id,
+                   row.reference.offset, row.reference.length);
+    return Run(&d_statements->set_page, page_id, row.position, row.name, row.image_id);
+}
+
+bool TLogWriter::Has_References() const
+{
+    return std::any_of(d_pages.cbegin(), d_pages.cend(), [this](const auto& page) {
+        return page.second.row.Is_Reference() || d_images.value(page.second.row.image_id);
+    });
+}
+
+bool TLogWriter::Store_Reference(const TData& data)
+{
+    // Labels first: they are small, and nobody else may have them.
+    auto found = std::find_if(d_pages.begin(), d_pages.end(),
+                              [](const auto& page) { return page.second.row.Is_Reference(); });
+    if (found != d_pages.end()) {
+        TRow row = found->second.row;
+        row.reference = TFilePart();
+        return End(Write_Labels(data.Page(found->first), &found->second) &&
+                   Write_Row(found->first, row, &found->second));
+    }
+    found = std::find_if(d_pages.begin(), d_pages.end(), [this](const auto& page) {
+        return d_images.value(page.second.row.image_id);
+    });
+    return found == d_pages.end() || End(Write_Image(data.Page(found->first).image, TBaseFile()));
+}
+
+bool TLogWriter::Sync()
+{
+    d_is_synced = d_is_synced || d_database.Sync();
+    return d_is_synced;
+}
+
+bool TLogWriter::Shorten()
+{
+    if (d_database.Log_Size() <= log_limit + 2 * d_image_bytes)
+        return true;
+    d_image_bytes = 0;
+    return d_database.Checkpoint();
+}
