@@ -380,6 +380,7 @@ private slots:
         QTest::newRow("halves of characters")
             << QChar(0xd800) + QString("a") + QChar(0xdc00) + QChar(0xd800) << "a";
         QTest::newRow("a half before a whole one") << QChar(0xd800) + face << face;
+        QTest::newRow("a pair before one") << face + QChar(1) << face;
         QTest::newRow("not a character") << "a" + QString(QChar(0xffff)) << "a";
         QTest::newRow("all fine") << face + " <&>\t" << face + " <&>\t";
     }

@@ -576,6 +576,17 @@ private slots:
                  Header(32, "#f79741", "", "", 1) + Page_Record("a", QByteArray(), Item_List()));
     }
 
+    void a_recovery_copy_counts_the_pages_that_it_has()
+    {
+        TDocument document;
+        document.Add_Page("a", TPageImage());
+        document.data.Add_Page();
+        TProjectWriter writer;
+        Write(document, TPurpose::Recovery_Copy, &writer);
+        QCOMPARE(Bytes_Of(writer),
+                 Header(32, "#f79741", "", "", 1) + Page_Record("a", QByteArray(), Item_List()));
+    }
+
     void a_document_is_read_as_it_was_written()
     {
         TDocument document;

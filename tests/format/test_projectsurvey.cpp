@@ -477,6 +477,9 @@ private slots:
         QTest::newRow("header line with zero byte")
             << Header(32, look, QByteArray("o\0e", 3), "two", 1)
             << QStringList{"24: header line 1 is cut off at a zero byte"} << "32 #fa0832 o two";
+        QTest::newRow("header line that begins with a zero byte")
+            << Header(32, look, QByteArray("\0ne", 3), "two", 1)
+            << QStringList{"23: header line 1 is cut off at a zero byte"} << "32 #fa0832  two";
         QTest::newRow("header line 1 past the end")
             << start + color + Number(0x7fffffff) + "one" + Field("two") + Number(1)
             << QStringList{"19: the length of header line 1 points past the end of the file: "
