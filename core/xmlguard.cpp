@@ -208,14 +208,11 @@ std::optional<TDefect> Find_Defect(const QByteArray& data, bool namespace_proces
 {
     QBuffer buffer;
     buffer.setData(data);
-    buffer.open(QIODevice::ReadOnly);
     TScout scout(&buffer);
     QXmlSimpleReader reader;
-    // The DOM parser sets these two in the same way.
+    // The DOM parser sets it in the same way.
     reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespaces"),
                       namespace_processing);
-    reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespace-prefixes"),
-                      !namespace_processing);
     reader.setFeature(QStringLiteral("http://qt-project.org/xml/features/report-start-end-entity"),
                       true);
     reader.setContentHandler(&scout);

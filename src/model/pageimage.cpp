@@ -113,7 +113,6 @@ QImage Decode(const QByteArray& bytes, const QByteArray& format)
 {
     TWatchedDevice<QBuffer> buffer;
     buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
     // Use a new reader: reading the size has moved the first one on in its data.
     QImageReader header_reader(&buffer, format);
     if (Declares_Too_Many_Pixels(&header_reader))
@@ -283,7 +282,6 @@ QByteArray TPageImage::Png() const
         if (image.isNull())
             return d_content->source;
         TWatchedDevice<QBuffer> buffer(&d_content->png);
-        buffer.open(QIODevice::WriteOnly);
         image.save(&buffer, "PNG");
     }
     return d_content->png;

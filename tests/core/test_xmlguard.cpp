@@ -194,6 +194,12 @@ void TestXmlGuard::ruinous_documents_are_refused_data()
                     QByteArray("&e;").repeated(XmlGuard::Expansion_Limit / 2000 + 1))
         << too_far;
 
+    // The search among all entities costs as much as 128 characters.
+    QTest::newRow("one reference too many to one of many entities")
+        << Document(Row(XmlGuard::Entity_Limit, Entity),
+                    QByteArray("&e511;").repeated(XmlGuard::Expansion_Limit / 130 + 1))
+        << too_far;
+
     QTest::newRow("control character") << QByteArray("<R>a\x01</R>") << invalid;
     QTest::newRow("control character by reference") << QByteArray("<R>&#1;</R>") << invalid;
     QTest::newRow("zero by reference") << QByteArray("<R>&#0;</R>") << invalid;
@@ -289,6 +295,9 @@ void TestXmlGuard::ordinary_documents_are_accepted_data()
     QTest::newRow("as many characters from entities as allowed")
         << Document("<!ENTITY e '" + QByteArray(1999, 'x') + "'>",
                     QByteArray("&e;").repeated(XmlGuard::Expansion_Limit / 2000));
+    QTest::newRow("as many references to one of many entities as allowed")
+        << Document(Row(XmlGuard::Entity_Limit, Entity),
+                    QByteArray("&e511;").repeated(XmlGuard::Expansion_Limit / 130));
     QTest::newRow("a long list")
         << "<R>" +
                QByteArray("<Item><Id>1</Id><Value>1</Value><Text>a = b</Text></Item>")

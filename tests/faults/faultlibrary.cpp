@@ -110,10 +110,10 @@ TVerdict Judge(TCall call)
         return Pass;
     if (fault.kind == Fail)
         return Refuse;
-    const bool is_write = call == Write || call == Clone;
-    if (fault.kind == Kill && !is_write)
+    const bool has_size = call == Write || call == Clone || call == Read;
+    if (fault.kind == Kill && !has_size)
         Die();
-    return is_write ? Halve : Pass;
+    return has_size ? Halve : Pass;
 }
 
 void After(TCall call)
@@ -128,7 +128,27 @@ int Refused(int reason)
     return -1;
 }
 
-// Writes half of the bytes; then the disk is full, or the process dies.
+// Transfers half of the bytes; then the disk is full or broken, or the process dies.
+template <typename TTransfer>
+ssize_t Disturbed_Transfer(TCall call, size_t size, const TTransfer& transfer)
+{
+    const int reason = call == Read ? EIO : ENOSPC;
+    const TVerdict verdict = Judge(call);
+    if (verdict == Refuse)
+        return call == Clone && fault.is_full ? 0 : Refused(reason);
+    if (verdict == Pass)
+        return transfer(size);
+    if (fault.kind == Kill_After) {
+        transfer(size);
+        Die();
+    }
+    const ssize_t done = size > 1 ? transfer(size / 2) : 0;
+    if (fault.kind == Kill)
+        Die();
+    fault.is_full = true;
+    return done > 0 || call == Clone ? done : Refused(reason);
+}
+
 template <typename TWrite>
 ssize_t Disturbed_Write(TCall call, int descriptor, size_t size, const TWrite& write_part)
 {
@@ -138,20 +158,7 @@ ssize_t Disturbed_Write(TCall call, int descriptor, size_t size, const TWrite& w
     if (!Is_Watched(path.text))
         return write_part(size);
     Log("write", path.text);
-    const TVerdict verdict = Judge(call);
-    if (verdict == Refuse)
-        return Refused(ENOSPC);
-    if (verdict == Pass)
-        return write_part(size);
-    if (fault.kind == Kill_After) {
-        write_part(size);
-        Die();
-    }
-    const ssize_t written = size > 1 ? write_part(size / 2) : 0;
-    if (fault.kind == Kill)
-        Die();
-    fault.is_full = true;
-    return written > 0 ? written : Refused(ENOSPC);
+    return Disturbed_Transfer(call, size, write_part);
 }
 
 template <typename TRename>
@@ -373,12 +380,33 @@ ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t place)
                    [&](size_t part) { return next(descriptor, bytes, part, place); });
 }
 
+ssize_t read(int descriptor, void* bytes, size_t size)
+{
+    QUILLET_NEXT(read);
+    const auto read_part = [&](size_t part) { return next(descriptor, bytes, part); };
+    if (!fault.armed || fault.call != Read || !Is_Watched(Path_Of(descriptor).text))
+        return read_part(size);
+    return Disturbed_Transfer(Read, size, read_part);
+}
+
+int close(int descriptor)
+{
+    QUILLET_NEXT(close);
+    if (!fault.armed || fault.call != Close || !Is_Watched(Path_Of(descriptor).text))
+        return next(descriptor);
+    const bool is_refused = Judge(Close) == Refuse;
+    const int result = next(descriptor);
+    After(Close);
+    return is_refused ? Refused(EIO) : result;
+}
+
 ssize_t copy_file_range(int from, off64_t* from_place, int to, off64_t* to_place, size_t size,
                         unsigned int flags)
 {
     QUILLET_NEXT(copy_file_range);
     const off64_t place = to_place ? *to_place : -1;
-    const TCall call = fault.call == Clone ? Clone : Write;
+    const bool is_counted_apart = fault.call == Clone || fault.call == Read;
+    const TCall call = is_counted_apart ? static_cast<TCall>(fault.call) : Write;
     const ssize_t copied = Disturbed_Write(call, to, size, [&](size_t part) {
         return next(from, from_place, to, to_place, part, flags);
     });

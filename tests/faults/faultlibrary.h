@@ -3,12 +3,13 @@
 /// Interface of the preloaded fault library, for tests that find its functions by name.
 namespace Faults {
 
-/// Kinds of calls. A truncation counts as a Write, and so does copy_file_range(), which is also a
-/// Clone. A link counts as a Rename.
-enum TCall { Open, Write, Rename, Sync, Clone, Remove };
+/// Kinds of calls. A truncation counts as a Write. So does copy_file_range(), which is also a Clone
+/// and a Read. A link counts as a Rename.
+enum TCall { Open, Write, Rename, Sync, Clone, Remove, Read, Close };
 
 /// What happens to the call: it fails, does half its work and fails from then on, or the process is
-/// killed before or after it.
+/// killed before or after it. A Clone that did half its work copies nothing from then on, as at the
+/// end of a file.
 enum TKind { Fail, Short, Kill, Kill_After };
 
 } // namespace Faults

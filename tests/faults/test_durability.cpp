@@ -55,6 +55,8 @@ private slots:
     void the_file_system_copies_where_it_can_data();
     void the_file_system_copies_where_it_can();
     void a_copy_that_the_file_system_does_not_finish_is_complete();
+    void a_copy_of_an_unreadable_file_fails();
+    void a_failing_close_fails_the_sync();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -504,6 +506,24 @@ void TestDurability::a_copy_that_the_file_system_does_not_finish_is_complete()
     QVERIFY(Disarm() > 0);
     QVERIFY(kept);
     QVERIFY(Read_File(TBackup(In("settings/backup")).Path_For(document)) == content);
+}
+
+void TestDurability::a_copy_of_an_unreadable_file_fails()
+{
+    Write_File(In("documents/source"), QByteArray(3'000'000, 'c'));
+    TSafeFile copy(In("documents/copy"));
+    Arm(Faults::Read, Faults::Short, 1);
+    const bool copied = copy.Copy_From(In("documents/source"));
+    QVERIFY(Disarm() > 1);
+    QVERIFY(!copied);
+}
+
+void TestDurability::a_failing_close_fails_the_sync()
+{
+    Arm(Faults::Close, Faults::Fail, 1);
+    const bool synced = TSafeFile::Sync(In("documents/a.quillet"));
+    QCOMPARE(Disarm(), 1);
+    QVERIFY(!synced);
 }
 
 QTEST_MAIN(TestDurability)

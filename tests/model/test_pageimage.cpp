@@ -12,6 +12,9 @@
 #include <QTest>
 #include <QtEndian>
 
+#include <cstdlib>
+#include <malloc.h>
+
 namespace {
 
 QByteArray Encoded(const QImage& image, const char* format)
@@ -549,6 +552,36 @@ private slots:
         QVERIFY(TPageImage::From_File(folder.filePath(QStringLiteral("missing.png"))).isNull());
     }
 
+    void an_image_keeps_its_pixels_if_its_file_vanishes_while_it_is_read_data()
+    {
+        QTest::addColumn<bool>("is_removed");
+        QTest::newRow("removed") << true;
+        QTest::newRow("emptied") << false;
+    }
+
+    void an_image_keeps_its_pixels_if_its_file_vanishes_while_it_is_read()
+    {
+        QFETCH(const bool, is_removed);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("picture.png"));
+        const QImage picture = Support::Picture(40, 30);
+        Support::Write_File(path, Support::Png(picture));
+        // The decoder has the only block of the file when the watch is notified of the next one.
+        int blocks = 0;
+        const TWorkWatch watch([&] {
+            if (++blocks < 2)
+                return;
+            if (is_removed)
+                QFile::remove(path);
+            else
+                QFile::resize(path, 0);
+        });
+        const TPageImage image = TPageImage::From_File(path);
+        QVERIFY(QFileInfo(path).size() == 0);
+        QCOMPARE(Support::Difference(image, picture), QString());
+        QCOMPARE(image.Source_Bytes(), Support::Png(picture));
+    }
+
     void a_png_file_is_kept_byte_for_byte()
     {
         const QTemporaryDir folder;
@@ -601,6 +634,21 @@ private slots:
         QCOMPARE(QImage(large).cacheKey(), key);
         QVERIFY(!QImage(small).isNull());
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(40 * 30 * 4));
+    }
+
+    void an_image_may_outlive_main()
+    {
+        const Support::TChildResult result = Support::Run_In_Child([] {
+            // The C library overwrites freed memory, so that any use of it crashes.
+            mallopt(M_PERTURB, 0xa5);
+            static TPageImage image = TPageImage::From_Bytes(Support::Png(Support::Picture(9, 9)));
+            const bool is_cached = !image.isNull() && TPageImage::Stored_Bytes() > 0;
+            // Destroys static objects in the reverse order of their construction.
+            std::exit(is_cached ? 0 : 1);
+            return 1;
+        });
+        QCOMPARE(result.signal, 0);
+        QCOMPARE(result.exit_code, 0);
     }
 
     void an_encoded_image_behaves_like_the_original_data() { Add_Samples(); }
