@@ -52,12 +52,6 @@ bool Inverted(int number, T&& condition)
 }
 
 template <typename T>
-bool Left_Out(int number, bool neutral, T&& condition)
-{
-    return Is_Active(number) ? neutral : static_cast<bool>(condition);
-}
-
-template <typename T>
 T Off_By_One(int number, T value)
 {
     return Is_Active(number) ? static_cast<T>(value + 1) : value;
