@@ -11,7 +11,6 @@ TPageView::TPageView(TDocument* document, const TStepReport& report)
     // an image depends on the pages shown before.
     if (document->pages.empty())
         return;
-    d_view.Clear();
     document->data.Set_Active_Page(document->pages.back().page_id);
     if (document->data.Page_Image_Valid())
         d_view.Show_Page(*document->data.Active_Page_Item());

@@ -103,8 +103,14 @@ private slots:
         const TToolResult result = Run({option});
         QCOMPARE(result.status, 0);
         QCOMPARE(result.errors, QString());
-        for (const QString& name : command_names)
-            QVERIFY2(result.output.contains("\n  " + name + ' '), qPrintable(name));
+        const int column =
+            result.output.indexOf("Show this help.") - result.output.indexOf("  -h, --help");
+        for (const QString& name : command_names) {
+            // The summaries of commands and options begin in the same column.
+            const QString summary = Run({name, "--help"}).output.section('\n', 1, 1);
+            const QString line = QString("  " + name).leftJustified(column) + summary;
+            QVERIFY2(result.output.contains('\n' + line + '\n'), qPrintable(name));
+        }
     }
 
     void version_prints_the_project_version_data()
@@ -305,6 +311,31 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
 
+    void a_failed_overwrite_names_the_complete_new_file()
+    {
+        // A file with two names is overwritten, which the system refuses while it runs as a
+        // program.
+        const QString out = QDir(QDir(d_folder->path()).canonicalPath()).filePath("out");
+        QVERIFY(QFile::copy("/bin/sleep", out));
+        QCOMPARE(link(QFile::encodeName(out).constData(),
+                      QFile::encodeName(d_folder->filePath("other")).constData()),
+                 0);
+        QProcess program;
+        program.start(out, {"60"});
+        QVERIFY(program.waitForStarted());
+        const TToolResult result =
+            Run({"export-items", "sound.quillet", "--csv", "out", "--force"});
+        program.kill();
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(
+            result.errors,
+            QString("quillet-cli: '%1' is incomplete; the complete new version is in '%1.new'\n"
+                    "quillet-cli: out: cannot be written\n")
+                .arg(out));
+        QCOMPARE(result.status, 1);
+        QVERIFY(Content("out.new").startsWith("page,"));
+    }
+
     void a_missing_output_folder_is_refused_data() { Add_Writing_Commands(); }
     void a_missing_output_folder_is_refused()
     {
@@ -476,6 +507,8 @@ private slots:
         const QByteArray erase = "\r\033[K";
         const QByteArray looking = erase + "Checking page 1 of 1" + erase;
         const QByteArray saving = erase + "Saving page 1 of 1" + erase;
+        QTest::newRow("create") << "create image.png --output b"
+                                << erase + "Reading image 1 of 1" + erase + saving;
         QTest::newRow("reindex") << "reindex sound.quillet --first 1 --over-page 1 --output b"
                                  << saving;
         QTest::newRow("check") << "check sound.quillet"

@@ -214,19 +214,37 @@ private slots:
         QCOMPARE(Support::Entries(Path("out")), QStringList{"r.pdf"});
     }
 
-    void texts_of_the_settings_panel_are_valid_resolutions_data()
+    void each_report_setting_has_several_names_data()
     {
-        QTest::addColumn<QString>("text");
-        for (const char* const text : {"96", "180", "276", "372", "96 DPI", "180 dpi", "276 Dpi",
-                                       "372 DPI", "1", "2", "3", "4"})
-            QTest::newRow(text) << text;
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<bool>("is_default");
+        const auto row = [](const char* option, const QStringList& names, bool is_default = false) {
+            QTest::newRow(qPrintable(names.first())) << QString(option) << names << is_default;
+        };
+        row("--orientation", {"portrait", "0"}, true);
+        row("--orientation", {"landscape", "LANDSCAPE", "1"});
+        row("--resolution", {"96", "96 DPI", "1"});
+        row("--resolution", {"180", "180 dpi", "2"}, true);
+        row("--resolution", {"276", "276 Dpi", "3"});
+        row("--resolution", {"372", "372 DPI", "4"});
     }
-    void texts_of_the_settings_panel_are_valid_resolutions()
+    void each_report_setting_has_several_names()
     {
-        QFETCH(const QString, text);
+        QFETCH(const QString, option);
+        QFETCH(const QStringList, names);
+        QFETCH(const bool, is_default);
         Write_Project(Page("a", Picture(20, 10)), 1);
-        QCOMPARE(Run({"export-pdf", "a.quillet", "--output", "r.pdf", "--resolution", text}).status,
-                 0);
+        const auto report = [this](const QStringList& options) {
+            const QStringList command{"export-pdf", "a.quillet", "--output", "r.pdf", "--force"};
+            const int status = Run(command + options).status;
+            return status == 0 ? Support::Timeless_Pdf(Path("r.pdf")) : QByteArray();
+        };
+        const QByteArray expected = report({option, names.first()});
+        QVERIFY(!expected.isEmpty());
+        for (const QString& name : names.mid(1))
+            QCOMPARE(Support::Byte_Difference(report({option, name}), expected), QString());
+        QCOMPARE(report({}) == expected, is_default);
     }
 
     void a_large_page_is_scaled_down_for_the_thumbnail_data()

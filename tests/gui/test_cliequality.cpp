@@ -47,14 +47,6 @@ QList<QImage> Report_Pages(const QString& file, const QString& folder)
     return pages;
 }
 
-/// A PDF file without its creation time.
-QByteArray Timeless(const QString& file)
-{
-    QByteArray content = Support::Read_File(file);
-    const int begin = content.indexOf("/CreationDate");
-    return content.remove(begin, content.indexOf('\n', begin) - begin);
-}
-
 } // namespace
 
 /// The tool and the window write the same files. Each test has a document of four pages, one of
@@ -313,9 +305,9 @@ private slots:
             Support::Run_Tool(arguments + QStringList{"settled.pdf"},
                               {QDir::homePath(), d_folder->path(), QString(), QString()});
         QCOMPARE(result.errors, QString());
-        QCOMPARE(
-            Support::Byte_Difference(Timeless(Path("settled.pdf")), Timeless(Path("plain.pdf"))),
-            QString());
+        QCOMPARE(Support::Byte_Difference(Support::Timeless_Pdf(Path("settled.pdf")),
+                                          Support::Timeless_Pdf(Path("plain.pdf"))),
+                 QString());
         QCOMPARE(Support::Read_File(settings), before);
     }
 
@@ -362,7 +354,8 @@ private slots:
                                      settings));
         Run(QStringList{"export-pdf", "document.quillet", "--output", "tool.pdf"} + options);
         Compare_Reports();
-        QCOMPARE(Support::Byte_Difference(Timeless(Path("tool.pdf")), Timeless(Path("window.pdf"))),
+        QCOMPARE(Support::Byte_Difference(Support::Timeless_Pdf(Path("tool.pdf")),
+                                          Support::Timeless_Pdf(Path("window.pdf"))),
                  QString());
     }
 

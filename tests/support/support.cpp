@@ -187,6 +187,13 @@ QByteArray Read_File(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+QByteArray Timeless_Pdf(const QString& path)
+{
+    QByteArray content = Read_File(path);
+    const int begin = content.indexOf("/CreationDate");
+    return content.remove(begin, content.indexOf('\n', begin) - begin);
+}
+
 QStringList Entries(const QString& folder)
 {
     return QDir(folder).entryList(

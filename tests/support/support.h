@@ -54,6 +54,9 @@ void Write_File(const QString& path, const QByteArray& content);
 /// The content of a file; empty when it cannot be read.
 QByteArray Read_File(const QString& path);
 
+/// A PDF file without its creation time.
+QByteArray Timeless_Pdf(const QString& path);
+
 /// Sorted names of everything in a folder, including hidden files.
 QStringList Entries(const QString& folder);
 
