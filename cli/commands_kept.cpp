@@ -10,7 +10,7 @@
 #include "src/safety/keptfiles.h"
 #include "src/safety/safetynet.h"
 
-#include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <limits>
@@ -28,7 +28,7 @@ struct TListedFile
 /// Returns all copies, newest first.
 std::vector<TListedFile> Listed_Files()
 {
-    const QString settings_folder = QDir::home().filePath(QStringLiteral(".quillet"));
+    const QString settings_folder = Files::Settings_Folder();
     std::vector<TListedFile> files;
     const auto add = [&files](const QString& kind, const QString& folder) {
         for (const TKeptFile& file : TKeptFolder(folder).List())
@@ -62,7 +62,7 @@ void Print_List(const std::vector<TListedFile>& files)
 
 void Copy_Kept_File(const TKeptFile& file, const QString& output)
 {
-    TSafeFile target(output);
+    TSafeFile target(output, TSafeFile::TKind::Like_Target, Files::Protecting_Links(output));
     const bool is_written = target.Copy_From(file.path) && target.Commit([&](const QString& path) {
         return TSafeFile::Is_Complete(path, QFileInfo(file.path).size(), QByteArray());
     });

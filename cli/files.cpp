@@ -7,7 +7,9 @@
 #include "core/xmlfile.h"
 #include "src/format/legacyfile.h"
 #include "src/format/projectfile.h"
+#include "src/safety/safetynet.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -88,9 +90,19 @@ void Files::Check_Is_No_Input(const QString& output, const QStringList& inputs)
         throw TJobError{output, Tr("is an input and cannot be overwritten")};
 }
 
+QString Files::Settings_Folder()
+{
+    return QDir::home().filePath(QStringLiteral(".quillet"));
+}
+
+int Files::Protecting_Links(const QString& path)
+{
+    return TSafetyNet::Links_To(path, Settings_Folder());
+}
+
 void Files::Write(const QString& path, const QByteArray& content)
 {
-    if (!TSafeFile::Replace(path, content))
+    if (!TSafeFile::Replace(path, content, Protecting_Links(path)))
         Throw_Write_Error(path);
 }
 
@@ -105,7 +117,7 @@ void Files::Save(const QString& path, const TDocument& document)
         throw TJobError{path, fault};
     if (project.Size() > ProjectLayout::Largest_File)
         throw TJobError{path, Tr("would be larger than 2 GiB")};
-    TSafeFile target(path);
+    TSafeFile target(path, TSafeFile::TKind::Like_Target, Protecting_Links(path));
     if (!target.Is_Beside() || !ProjectFile::Commit(project, &target))
         Throw_Write_Error(path);
 }

@@ -27,6 +27,12 @@ void Check_Output(const QString& path, bool force);
 /// inputs and outputs of the calling commands are of different types.
 void Check_Is_No_Input(const QString& output, const QStringList& inputs);
 
+/// The settings folder of the window.
+QString Settings_Folder();
+
+/// Number of hard links to a file that protect unsaved work or are backups.
+int Protecting_Links(const QString& path);
+
 /// Writes a file completely, or leaves it unchanged.
 void Write(const QString& path, const QByteArray& content);
 

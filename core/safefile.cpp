@@ -45,11 +45,12 @@ bool Copy_Mode(const QString& from, const QString& to)
 }
 
 /// Whether the target must keep its inode: another user owns it, or it has several hard links.
-bool Must_Keep_Inode(const QString& target)
+bool Must_Keep_Inode(const QString& target, int extra_links)
 {
+    const auto replaceable_links = nlink_t{1} + static_cast<nlink_t>(extra_links);
     struct stat state = {};
     return stat(System_Path(target).constData(), &state) == 0 && S_ISREG(state.st_mode) &&
-           (state.st_uid != geteuid() || state.st_nlink > 1);
+           (state.st_uid != geteuid() || state.st_nlink > replaceable_links);
 }
 
 /// Copies the content of an open file to another one, block by block.
@@ -104,9 +105,10 @@ QString Target_Of(const QString& path)
 
 } // namespace
 
-TSafeFile::TSafeFile(const QString& path, TKind kind)
+TSafeFile::TSafeFile(const QString& path, TKind kind, int extra_links)
     : d_target(Target_Of(path))
     , d_kind(kind)
+    , d_extra_links(extra_links)
 {
     const QFileInfo target(d_target);
     // A device or a write-protected file is opened directly, with the same success or failure.
@@ -154,7 +156,7 @@ bool TSafeFile::Commit(const std::function<bool(const QString&)>& is_complete, T
 
 bool TSafeFile::Replace_Target(TReach reach)
 {
-    if (d_kind == TKind::Like_Target && Must_Keep_Inode(d_target))
+    if (d_kind == TKind::Like_Target && Must_Keep_Inode(d_target, d_extra_links))
         return Overwrite_Target(reach);
     if (!Rename(Path_To_Write(), d_target))
         return false;
@@ -207,9 +209,9 @@ bool TSafeFile::Is_Complete(const QString& path, qint64 size, const QByteArray& 
     return file.seek(file.size() - end.size()) && file.read(end.size()) == end;
 }
 
-bool TSafeFile::Replace(const QString& path, const QByteArray& content)
+bool TSafeFile::Replace(const QString& path, const QByteArray& content, int extra_links)
 {
-    TSafeFile target(path);
+    TSafeFile target(path, TKind::Like_Target, extra_links);
     QFile file(target.Path_To_Write());
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
         return false;

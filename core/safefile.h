@@ -36,8 +36,9 @@ public:
         Disk    ///< a crash of the system or a power failure
     };
 
-    /// @param path  the target; symbolic links are followed. Its folder must exist.
-    explicit TSafeFile(const QString& path, TKind kind = TKind::Like_Target);
+    /// @param path         the target; symbolic links are followed. Its folder must exist.
+    /// @param extra_links  number of hard links to the target that need not stay the same file.
+    explicit TSafeFile(const QString& path, TKind kind = TKind::Like_Target, int extra_links = 0);
     /// Removes the temporary file if it was not committed.
     ~TSafeFile();
     TSafeFile(const TSafeFile&) = delete;
@@ -66,7 +67,8 @@ public:
 
     /// Replaces the content of a file. On failure, returns false and the file is unchanged,
     /// unless it was written directly or in place.
-    static bool Replace(const QString& path, const QByteArray& content);
+    /// @param extra_links  as for the constructor.
+    static bool Replace(const QString& path, const QByteArray& content, int extra_links = 0);
 
     /// Writes a file's content, or a folder's entries, to the disk.
     static bool Sync(const QString& path);
@@ -86,4 +88,5 @@ private:
     std::optional<TUnfinishedFile> d_registration; ///< of d_file
     std::unique_ptr<QTemporaryFile> d_file;        ///< null when the target is written directly
     TKind d_kind;
+    int d_extra_links;
 };

@@ -57,11 +57,11 @@ QString Name_For(const QString& document)
 
 /// Whether a new file can replace a document without a visible difference: a regular file of this
 /// user with a single name, without extended attributes or an ACL, in a writable folder.
-/// @param own_links  number of further names in the backup folder.
-bool Is_Replaceable(const QString& document, const struct stat& state, int own_links)
+/// @param extra_links  number of names that do not count.
+bool Is_Replaceable(const QString& document, const struct stat& state, int extra_links)
 {
     return S_ISREG(state.st_mode) && state.st_uid == geteuid() &&
-           state.st_nlink == nlink_t{1} + static_cast<nlink_t>(own_links) &&
+           state.st_nlink == nlink_t{1} + static_cast<nlink_t>(extra_links) &&
            llistxattr(System_Path(document).constData(), nullptr, 0) <= 0 &&
            QFileInfo(QFileInfo(document).absolutePath()).isWritable();
 }
@@ -134,7 +134,7 @@ bool TBackup::Move(QFile* document, const QString& copy, const TOptions& options
     const QString path = document->fileName();
     struct stat state = {};
     if (lstat(System_Path(path).constData(), &state) != 0 ||
-        !Is_Replaceable(path, state, d_folder.Links_To(state)))
+        !Is_Replaceable(path, state, d_folder.Links_To(state) + options.extra_links))
         return false;
     // In the backup folder, where Clean_Up() deletes it after a crash.
     QTemporaryFile empty(d_folder.Unfinished_Template());

@@ -22,6 +22,8 @@ public:
         bool force_to_disk = true; ///< wait until the backup is on the disk
         bool is_separate = false;  ///< under a new name, which later backups do not replace
         qint64 new_size = 0;       ///< size of the version to be saved, in bytes
+        int extra_links = 0; ///< names of the document that are not in the backup folder, and need
+                             ///< not become names of the new version
     };
 
     /// @param folder  folder of the backups; created on first use.

@@ -152,14 +152,13 @@ int TKeptFolder::Links_To(const struct stat& file) const
     // The usual case costs nothing.
     if (file.st_nlink == 1)
         return 0;
-    int count = 0;
-    for (const TKeptFile& copy : List()) {
-        struct stat state = {};
-        if (lstat(QFile::encodeName(copy.path).constData(), &state) == 0 &&
-            state.st_dev == file.st_dev && state.st_ino == file.st_ino)
-            ++count;
-    }
-    return count;
+    const QFileInfoList files = QDir(d_path).entryInfoList(QDir::Files | QDir::Hidden);
+    return static_cast<int>(
+        std::count_if(files.cbegin(), files.cend(), [&file](const QFileInfo& name) {
+            struct stat state = {};
+            return lstat(QFile::encodeName(name.filePath()).constData(), &state) == 0 &&
+                   state.st_dev == file.st_dev && state.st_ino == file.st_ino;
+        }));
 }
 
 void TKeptFolder::Remove(const QString& name) const

@@ -75,7 +75,7 @@ public:
     QString Unfinished_Template() const;
     QString Unfinished_Path() const;
 
-    /// Number of copies that are hard links to a file.
+    /// Number of files in the folder that are hard links to a file.
     int Links_To(const struct stat& file) const;
 
     /// Deletes a copy, its work log and its note.

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace {
 
@@ -39,6 +40,15 @@ QString TSafetyNet::Backup_Folder(const QString& settings_folder)
 QString TSafetyNet::Recovery_Folder(const QString& settings_folder)
 {
     return settings_folder + QStringLiteral("/recovery");
+}
+
+int TSafetyNet::Links_To(const QString& path, const QString& settings_folder)
+{
+    struct stat state = {};
+    if (stat(QFile::encodeName(path).constData(), &state) != 0)
+        return 0;
+    return TKeptFolder(Backup_Folder(settings_folder)).Links_To(state) +
+           TKeptFolder(Recovery_Folder(settings_folder)).Links_To(state);
 }
 
 void TSafetyNet::Record_Change(const QString& document)

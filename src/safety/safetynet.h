@@ -28,6 +28,9 @@ public:
     static QString Backup_Folder(const QString& settings_folder);
     static QString Recovery_Folder(const QString& settings_folder);
 
+    /// Number of names in both folders that are hard links to a file.
+    static int Links_To(const QString& path, const QString& settings_folder);
+
     /// @param settings_folder  contains both folders.
     /// @param write_project    called for each recovery copy.
     TSafetyNet(const QString& settings_folder, TWriteProject write_project);

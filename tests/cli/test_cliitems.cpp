@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <unistd.h>
+
 using Support::Header;
 using Support::Item_Element;
 using Support::Item_List;
@@ -241,6 +243,31 @@ private slots:
         QCOMPARE(Content("out"), QByteArray("old"));
         QCOMPARE(Run({"kept", "--copy", "1", "--output", "out", "--force"}).status, 0);
         QCOMPARE(Content("out"), Support::Empty_Project(40));
+    }
+
+    void a_link_that_protects_unsaved_work_keeps_the_old_content_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::newRow("file") << QStringList({"export-items", "a.quillet", "--csv", "out"});
+        QTest::newRow("project") << QStringList(
+            {"reindex", "a.quillet", "--first", "1", "--over-page", "1", "--output", "out"});
+        QTest::newRow("copy") << QStringList({"kept", "--copy", "1", "--output", "out"});
+    }
+
+    void a_link_that_protects_unsaved_work_keeps_the_old_content()
+    {
+        QFETCH(QStringList, command);
+        Support::Write_File(Path("a.quillet"), Support::Empty_Project(40));
+        Keep("recovery/one", Support::Empty_Project(50), "", 100);
+        Support::Write_File(Path("out"), "old");
+        const QString base = Path("home/.quillet/recovery/two.base");
+        QVERIFY(link(QFile::encodeName(Path("out")).constData(),
+                     QFile::encodeName(base).constData()) == 0);
+        const TToolResult result = Run(command << "--force");
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QVERIFY(Content("out") != "old");
+        QCOMPARE(Support::Read_File(base), QByteArray("old"));
     }
 
     void kept_refuses_a_number_beyond_the_list()

@@ -71,6 +71,8 @@ private slots:
     void a_link_is_followed();
     void a_link_to_a_missing_file_creates_that_file();
     void a_file_with_two_names_keeps_both();
+    void an_extra_link_keeps_the_old_content();
+    void a_file_with_more_names_than_extra_links_keeps_all();
     void a_file_of_another_user_keeps_its_owner_data();
     void a_file_of_another_user_keeps_its_owner();
     void a_failed_overwrite_leaves_the_complete_new_file_data();
@@ -227,6 +229,24 @@ void TestSafeFile::a_file_with_two_names_keeps_both()
     QVERIFY(TSafeFile::Replace(In("one"), "new"));
     QCOMPARE(Read_File(In("two")), QByteArray("new"));
     QCOMPARE(Entries(d_folder->path()), QStringList({"one", "two"}));
+}
+
+void TestSafeFile::an_extra_link_keeps_the_old_content()
+{
+    Write_File_With_Two_Names("one");
+    QVERIFY(TSafeFile::Replace(In("one"), "new", 1));
+    QCOMPARE(Read_File(In("one")), QByteArray("new"));
+    QCOMPARE(Read_File(In("two")), QByteArray("old and long"));
+}
+
+void TestSafeFile::a_file_with_more_names_than_extra_links_keeps_all()
+{
+    Write_File_With_Two_Names("one");
+    QVERIFY(link(QFile::encodeName(In("one")).constData(),
+                 QFile::encodeName(In("three")).constData()) == 0);
+    QVERIFY(TSafeFile::Replace(In("one"), "new", 1));
+    QCOMPARE(Read_File(In("two")), QByteArray("new"));
+    QCOMPARE(Read_File(In("three")), QByteArray("new"));
 }
 
 /// Writes a file with the given name and the name "two".

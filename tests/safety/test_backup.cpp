@@ -59,6 +59,7 @@ private slots:
     void a_document_in_a_read_only_folder_is_copied();
     void a_document_that_leaves_no_room_for_a_second_version_is_copied();
     void a_document_that_an_interrupted_save_linked_becomes_the_backup();
+    void extra_links_of_a_document_do_not_count();
     void the_time_of_a_backup_is_that_of_the_save();
     void a_separate_backup_stays_when_the_next_one_is_made();
     void separate_backups_count_towards_the_limit();
@@ -495,6 +496,16 @@ void TestBackup::a_document_that_an_interrupted_save_linked_becomes_the_backup()
     }
     QVERIFY(Moves(document));
     QCOMPARE(Entries(In("settings/backup")).size(), 3);
+}
+
+void TestBackup::extra_links_of_a_document_do_not_count()
+{
+    const QString document = Document("a.quillet", "content");
+    Add_Name(document);
+    QVERIFY(!Moves(document));
+    QFile file(document);
+    QVERIFY(Backup().Keep(&file, {true, false, 0, 1}));
+    QVERIFY(file.isOpen());
 }
 
 void TestBackup::the_time_of_a_backup_is_that_of_the_save()

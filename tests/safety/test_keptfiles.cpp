@@ -49,6 +49,7 @@ private slots:
     void a_folder_that_cannot_be_created_is_refused();
     void copy_and_note_share_a_name();
     void removing_deletes_one_copy_and_its_note();
+    void links_of_all_files_in_the_folder_are_counted();
     void the_list_has_all_copies_newest_first();
     void a_copy_without_a_note_has_no_document();
     void only_project_files_are_listed();
@@ -294,6 +295,29 @@ void TestKeptFiles::removing_deletes_one_copy_and_its_note()
     Add_Copy("b", "/b", 0);
     Folder().Remove("a");
     QCOMPARE(Entries(Path()), QStringList({"b.note", "b.quillet"}));
+}
+
+void TestKeptFiles::links_of_all_files_in_the_folder_are_counted()
+{
+    const TKeptFolder folder(In("kept"));
+    QVERIFY(folder.Prepare());
+    Write_File(In("file"), "content");
+    Write_File(In("kept/other.quillet"), "content");
+    const auto links = [this, &folder] {
+        struct stat state = {};
+        lstat(QFile::encodeName(In("file")).constData(), &state);
+        return folder.Links_To(state);
+    };
+    QCOMPARE(links(), 0);
+    int count = 0;
+    for (const char* const name : {"a.quillet", "b.base", ".quillet-abcdef"}) {
+        QVERIFY(link(QFile::encodeName(In("file")).constData(),
+                     QFile::encodeName(In("kept/") + name).constData()) == 0);
+        QCOMPARE(links(), ++count);
+    }
+    QVERIFY(link(QFile::encodeName(In("file")).constData(),
+                 QFile::encodeName(In("elsewhere")).constData()) == 0);
+    QCOMPARE(links(), count);
 }
 
 void TestKeptFiles::the_list_has_all_copies_newest_first()
