@@ -1,12 +1,68 @@
 #include "src/safety/basefile.h"
 
+#include "core/conversion.h"
 #include "core/safefile.h"
+#include "src/format/projectlayout.h"
 
 #include <QFile>
 
+#include <algorithm>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+
+namespace {
+
+constexpr mode_t file_mode = S_IRUSR | S_IWUSR;
+
+/// Gives an open file another name. Unlike its path, its descriptor cannot become another file.
+bool Link(int descriptor, const QString& path)
+{
+    const QByteArray file = "/proc/self/fd/" + QByteArray::number(descriptor);
+    return linkat(AT_FDCWD, file.constData(), AT_FDCWD, QFile::encodeName(path).constData(),
+                  AT_SYMLINK_FOLLOW) == 0;
+}
+
+/// Creates a file that shares the blocks of another one on the disk.
+bool Clone(int descriptor, const QString& path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    const int clone = open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, file_mode);
+    if (clone < 0)
+        return false;
+    const bool is_cloned = ioctl(clone, FICLONE, descriptor) == 0;
+    close(clone);
+    if (!is_cloned)
+        unlink(name.constData());
+    return is_cloned;
+}
+
+bool Has_Identity(const struct stat& state, const TFileIdentity& identity)
+{
+    return state.st_dev == identity.device && state.st_ino == identity.inode &&
+           TFileStamp::Of(state) == identity.stamp;
+}
+
+bool Is_At(const QString& path, const TFileIdentity& identity)
+{
+    struct stat state = {};
+    return stat(QFile::encodeName(path).constData(), &state) == 0 && Has_Identity(state, identity);
+}
+
+/// Whether a project file has a field exactly there. Moves to its content.
+bool Has_Field(QFile* file, const TFilePart& content)
+{
+    if (!file->seek(content.offset - ProjectLayout::Integer_Size))
+        return false;
+    const QByteArray length = file->read(ProjectLayout::Integer_Size);
+    return length.size() == ProjectLayout::Integer_Size &&
+           Conversion::Integer(0, length) == content.length;
+}
+
+} // namespace
 
 TBaseFile::TBaseFile(const QString& path, const TFileStamp& stamp, TFilePlaces places)
     : d_places(std::move(places))
@@ -39,52 +95,64 @@ const TPagePlace* TBaseFile::Find_Image(quint64 image_id) const
 void TBaseFile::Protect(const QString& path)
 {
     d_protection.clear();
-    if (!Is_Intact())
-        *this = TBaseFile();
-    else if (link(QFile::encodeName(d_identity.path).constData(),
-                  QFile::encodeName(path).constData()) == 0)
+    // It does not wait for the other side if the path is now that of a FIFO.
+    const int file =
+        open(QFile::encodeName(d_identity.path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0)
+        return;
+    struct stat state = {};
+    // A clone comes second: creating it waits until the disk has the content of the file.
+    if (fstat(file, &state) == 0 && Has_Identity(state, d_identity) &&
+        (Link(file, path) || Clone(file, path))) {
         d_protection = path;
+        d_protection_stamp = TFileStamp::Of(path);
+    }
+    close(file);
 }
 
 bool TBaseFile::Is_Intact() const
 {
-    return Exists() &&
-           TFileStamp::Of(Is_Protected() ? d_protection : d_identity.path) == d_identity.stamp;
+    if (Is_Protected())
+        return TFileStamp::Of(d_protection) == d_protection_stamp;
+    return Exists() && TFileStamp::Of(d_identity.path) == d_identity.stamp;
 }
 
 bool TBaseFile::Sync()
 {
-    d_is_synced = d_is_synced || TSafeFile::Sync(Is_Protected() ? d_protection : d_identity.path);
+    d_is_synced = d_is_synced || !Exists() ||
+                  TSafeFile::Sync(Is_Protected() ? d_protection : d_identity.path);
     return d_is_synced;
 }
 
-TBaseReader::TBaseReader(TFileIdentity identity, QStringList candidates)
-    : d_identity(std::move(identity))
+TBaseReader::TBaseReader(const TFileIdentity& identity, QStringList candidates)
+    : d_size(identity.stamp.size)
     , d_candidates(std::move(candidates))
 {
+    // Of two versions with the same size, the unchanged file is the right one.
+    std::stable_partition(d_candidates.begin(), d_candidates.end(),
+                          [&identity](const QString& path) { return Is_At(path, identity); });
 }
 
 std::optional<QByteArray> TBaseReader::Read_Image(const TFilePart& part,
                                                   const QByteArray& ends) const
 {
-    const std::optional<QByteArray> bytes = Read(part);
-    return bytes && TPagePlace::Ends_Of(*bytes) == ends ? bytes : std::nullopt;
+    return Read(part,
+                [&ends](const QByteArray& image) { return TPagePlace::Ends_Of(image) == ends; });
 }
 
 std::optional<QByteArray> TBaseReader::Read_Items(const TFilePart& part) const
 {
-    return Read(part);
+    return Read(part, [](const QByteArray&) { return true; });
 }
 
-std::optional<QByteArray> TBaseReader::Read(const TFilePart& part) const
+std::optional<QByteArray> TBaseReader::Read(const TFilePart& part, const TCheck& is_right) const
 {
     for (const QString& path : d_candidates) {
         QFile file(path);
-        if (!file.open(QIODevice::ReadOnly) || file.size() != d_identity.stamp.size ||
-            !file.seek(part.offset))
+        if (!file.open(QIODevice::ReadOnly) || file.size() != d_size || !Has_Field(&file, part))
             continue;
         const QByteArray bytes = file.read(part.length);
-        if (bytes.size() == part.length)
+        if (bytes.size() == part.length && is_right(bytes))
             return bytes;
     }
     return std::nullopt;

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 /// A file at one moment: another file, or another version of it, differs in at least one value.
@@ -22,8 +23,8 @@ struct TFileIdentity
 /// The project file that the document was last read from or saved to. Unsaved work refers to its
 /// pages instead of storing them again.
 ///
-/// The file may be changed, replaced or deleted at any time, so the work protects it by a second
-/// name or a clone.
+/// The file may be changed, replaced or deleted at any time. A second name protects its content
+/// unless another program overwrites it in place; a clone, which shares its blocks, always does.
 class TBaseFile
 {
 public:
@@ -43,9 +44,9 @@ public:
     const TPagePlace* Find_Page(quint64 revision) const;
     const TPagePlace* Find_Image(quint64 image_id) const;
 
-    /// Protects the content of the file against its loss, without copying it. Never blocks. If the
-    /// file is not at its path any more, there is no base afterwards.
-    /// @param path  of the clone or hard link to create. It must not exist.
+    /// Protects the content of the file against its loss, without copying it. No-op if the file is
+    /// not at its path any more, or if the file system supports neither links nor clones.
+    /// @param path  of the hard link or clone to create. It must not exist.
     void Protect(const QString& path);
 
     /// Whether the content is protected against the loss of the file.
@@ -54,7 +55,7 @@ public:
     /// Whether the protected content, or the file if it is not protected, is unchanged.
     bool Is_Intact() const;
 
-    /// Syncs the content to the disk. No-op if it was synced before.
+    /// Syncs the content to the disk. No-op if it was synced before or there is no file.
     bool Sync();
 
 private:
@@ -62,17 +63,21 @@ private:
     TFilePlaces d_places;
     QHash<quint64, int> d_pages;  ///< indexes of places by revision
     QHash<quint64, int> d_images; ///< indexes of places by image id
-    QString d_protection;         ///< path of the clone or link; empty without
+    QString d_protection;         ///< path of the link or clone; empty without
+    TFileStamp d_protection_stamp;
     bool d_is_synced = false;
 };
 
 /// Finds the parts of a base file when work that refers to them is recovered.
+///
+/// A file with another identity may have the same content: a clone, or a copy among the backups. It
+/// may also be another version of the document, so each part is checked.
 class TBaseReader
 {
 public:
     /// @param identity    of the base file.
     /// @param candidates  paths where it may be, best first.
-    TBaseReader(TFileIdentity identity, QStringList candidates);
+    TBaseReader(const TFileIdentity& identity, QStringList candidates);
 
     /// Reads an image.
     /// @param ends  its first and last bytes, as in TPagePlace.
@@ -83,8 +88,9 @@ public:
     std::optional<QByteArray> Read_Items(const TFilePart& part) const;
 
 private:
-    std::optional<QByteArray> Read(const TFilePart& part) const;
+    using TCheck = std::function<bool(const QByteArray&)>;
+    std::optional<QByteArray> Read(const TFilePart& part, const TCheck& is_right) const;
 
-    TFileIdentity d_identity;
+    qint64 d_size;
     QStringList d_candidates;
 };

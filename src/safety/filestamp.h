@@ -2,6 +2,8 @@
 
 #include <QString>
 
+struct stat;
+
 /// Size and modification time of a file, which differ after another program has changed it.
 ///
 /// Inode and device are left out: removable disks may get new ones at any time.
@@ -13,6 +15,7 @@ struct TFileStamp
 
     /// The stamp of the file at a path. Symbolic links are followed.
     static TFileStamp Of(const QString& path);
+    static TFileStamp Of(const struct stat& state);
 
     bool Exists() const { return size >= 0; }
 };

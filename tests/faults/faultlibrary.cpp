@@ -13,12 +13,16 @@
 #include <climits>
 #include <csignal>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/types.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -454,6 +458,24 @@ int unlink(const char* path)
 {
     QUILLET_NEXT(unlink);
     return Removed(path, [&] { return next(path); });
+}
+
+// Clones files by copying them, because the file system of the tests may not support clones.
+int ioctl(int descriptor, unsigned long request, ...)
+{
+    va_list arguments;
+    va_start(arguments, request);
+    void* const argument = va_arg(arguments, void*);
+    va_end(arguments);
+    QUILLET_NEXT(ioctl);
+    if (!fault.armed || request != FICLONE)
+        return next(descriptor, request, argument);
+    if (Judge(Clone) == Refuse)
+        return Refused(EOPNOTSUPP);
+    const int source = static_cast<int>(reinterpret_cast<intptr_t>(argument));
+    while (syscall(SYS_copy_file_range, source, nullptr, descriptor, nullptr, INT_MAX, 0) > 0) {
+    }
+    return 0;
 }
 
 int mkdir(const char* path, mode_t mode)

@@ -4,7 +4,7 @@
 namespace Faults {
 
 /// Kinds of calls. A truncation counts as a Write. So does copy_file_range(), which is also a Clone
-/// and a Read. A link counts as a Rename.
+/// and a Read. Cloning a whole file is a Clone, too. A link counts as a Rename.
 enum TCall { Open, Write, Rename, Sync, Clone, Remove, Read, Close };
 
 /// What happens to the call: it fails, does half its work and fails from then on, or the process is
