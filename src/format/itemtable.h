@@ -4,34 +4,17 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
 /// One label in a table.
 struct TItemRow
 {
-    int page = 1;   ///< number of the page, from 1
-    TDataItem item; ///< its id is not part of the table
-    int line = 0;   ///< first line of its record in a table that was read, from 1; else 0
-};
-
-/// What ItemTable::Read throws, by value.
-class TItemTableException
-{
-public:
-    TItemTableException(const QString& message, int line)
-        : d_message(message)
-        , d_line(line)
-    {
-    }
-
-    QString Message() const { return d_message; }
-    /// Line of the table, from 1, in which the unreadable record begins.
-    int Line() const { return d_line; }
-
-private:
-    QString d_message;
-    int d_line;
+    int page = 1;        ///< number of the page, from 1
+    TDataItem item;      ///< its id is not part of the table
+    int line = 0;        ///< first line of its record in a table that was read, from 1; else 0
+    QStringList cells{}; ///< of further columns, to be written behind the label's own
 };
 
 /// Labels as a table in comma-separated values (RFC 4180, UTF-8), for spreadsheets.
@@ -44,16 +27,23 @@ private:
 /// an untrusted table as text.
 namespace ItemTable {
 
+/// Returns the names of the columns, in the order in which they are written.
+QStringList Columns();
+
+/// Returns the word for a border, or its code as a number if there is none.
+QString Border_Text(int code);
+
 /// Writes a table with a header record; every line ends with CR LF. Coordinates have as many digits
 /// as are needed to read the same number back.
-QByteArray Write(const std::vector<TItemRow>& rows);
+/// @param headings  of the rows' further cells.
+QByteArray Write(const std::vector<TItemRow>& rows, const QStringList& headings = {});
 
 /// Reads a table whose lines end with CR LF, LF or CR. Skips a byte order mark and records whose
 /// fields are all empty. The header record names the columns in any order, in upper or lower case;
 /// other columns are ignored, and so are blanks around names, numbers and borders. page, value, x
 /// and y are required. text and border are optional and may be empty: no text, no border. A border
 /// may also be a code (0, 1, 2, 4, 8). The labels' ids are 0.
-/// @throws TItemTableException
+/// @throws TCsvException
 std::vector<TItemRow> Read(const QByteArray& table);
 
 } // namespace ItemTable

@@ -2,6 +2,7 @@
 
 #include "support/project.h"
 
+#include "src/format/csv.h"
 #include "src/format/itemtable.h"
 
 #include <QLocale>
@@ -39,7 +40,7 @@ QString Refusal(const QByteArray& table)
 {
     try {
         ItemTable::Read(table);
-    } catch (const TItemTableException& exception) {
+    } catch (const TCsvException& exception) {
         return QStringLiteral("%1: %2").arg(exception.Line()).arg(exception.Message());
     }
     return QString();

@@ -1,0 +1,150 @@
+#include "src/format/csv.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+#include <QTextCodec>
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+namespace {
+
+constexpr char byte_order_mark[] = "\xef\xbb\xbf";
+const QChar quote = QLatin1Char('"');
+const QChar comma = QLatin1Char(',');
+const QLatin1String quote_pair("\"\"");
+
+QString Quoted(const QString& field)
+{
+    const bool is_plain = std::none_of(field.cbegin(), field.cend(), [](QChar character) {
+        return character == quote || character == comma || character == QLatin1Char('\n') ||
+               character == QLatin1Char('\r');
+    });
+    if (is_plain)
+        return field;
+    return quote + QString(field).replace(quote, quote_pair) + quote;
+}
+
+/// Number of line ends in a text. CR LF is one.
+int Line_Ends(const QString& text)
+{
+    return text.count(QLatin1Char('\n')) + text.count(QLatin1Char('\r')) -
+           text.count(QLatin1String("\r\n"));
+}
+
+/// Whether a record has no content. Spreadsheets write commas for an empty row.
+bool Is_Empty(const TCsvRecord& record)
+{
+    return std::all_of(record.fields.cbegin(), record.fields.cend(),
+                       [](const QString& field) { return field.isEmpty(); });
+}
+
+/// Groups of the pattern of a field.
+enum TFieldGroup { Quoted_Content = 1, Plain_Content, Separator };
+
+/// Reads comma-separated values, record after record.
+class TRecordReader
+{
+    Q_DECLARE_TR_FUNCTIONS(Csv)
+
+public:
+    explicit TRecordReader(const QString& text)
+        : d_text(text)
+    {
+    }
+
+    /// The next record that is not empty; empty at the end.
+    std::optional<TCsvRecord> Next();
+
+private:
+    TCsvRecord Read_Record();
+    static QString Fault(const QRegularExpressionMatch& field);
+
+    const QString d_text;
+    int d_position = 0;
+    int d_line = 1; ///< of the position
+};
+
+std::optional<TCsvRecord> TRecordReader::Next()
+{
+    while (d_position < d_text.size()) {
+        TCsvRecord record = Read_Record();
+        if (!Is_Empty(record))
+            return record;
+    }
+    return std::nullopt;
+}
+
+TCsvRecord TRecordReader::Read_Record()
+{
+    // A field and the separator after it, in the groups of TFieldGroup.
+    static const QRegularExpression field_pattern(
+        QStringLiteral(R"regex((?:"([^"]*+(?:""[^"]*+)*+)"|([^",\r\n]*+))(,|\r\n?|\n|\z)?)regex"));
+    TCsvRecord record;
+    record.line = d_line;
+    QRegularExpressionMatch field;
+    do {
+        // Checking the whole text for each field would take quadratic time.
+        field = field_pattern.match(d_text, d_position, QRegularExpression::NormalMatch,
+                                    QRegularExpression::AnchoredMatchOption |
+                                        QRegularExpression::DontCheckSubjectStringMatchOption);
+        if (field.capturedStart(Separator) < 0)
+            throw TCsvException(Fault(field), record.line);
+        record.fields += field.capturedStart(Quoted_Content) < 0
+                             ? field.captured(Plain_Content)
+                             : field.captured(Quoted_Content).replace(quote_pair, quote);
+        d_position = field.capturedEnd();
+        d_line += Line_Ends(field.captured());
+    } while (field.capturedRef(Separator) == comma);
+    return record;
+}
+
+/// Why a field is not followed by a separator.
+QString TRecordReader::Fault(const QRegularExpressionMatch& field)
+{
+    if (field.capturedStart(Quoted_Content) >= 0)
+        return tr("characters after a quoted field");
+    return field.capturedLength() == 0 ? tr("a quoted field is not closed")
+                                       : tr("a quote within an unquoted field");
+}
+
+/// The text of a table, which must be UTF-8.
+QString Decoded(const QByteArray& table)
+{
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    QString text =
+        QTextCodec::codecForName("UTF-8")->toUnicode(table.constData(), table.size(), &state);
+    if (state.invalidChars == 0 && state.remainingChars == 0)
+        return text;
+    // The line of the first invalid character.
+    const int damage = text.indexOf(QChar(QChar::ReplacementCharacter));
+    throw TCsvException(QCoreApplication::translate("Csv", "the table is not in UTF-8"),
+                        1 + text.leftRef(damage).count(QLatin1Char('\n')));
+}
+
+} // namespace
+
+std::vector<TCsvRecord> Csv::Read(const QByteArray& table)
+{
+    const bool has_mark = table.startsWith(byte_order_mark);
+    const int mark_size = static_cast<int>(sizeof(byte_order_mark)) - 1;
+    TRecordReader reader(Decoded(has_mark ? table.mid(mark_size) : table));
+    std::vector<TCsvRecord> records;
+    for (std::optional<TCsvRecord> record = reader.Next(); record; record = reader.Next())
+        records.push_back(*record);
+    if (records.empty())
+        throw TCsvException(QCoreApplication::translate("Csv", "the table is empty"), 1);
+    if (records.front().fields.size() == 1)
+        throw TCsvException(QCoreApplication::translate(
+                                "Csv", "there is only one column: columns are separated by commas"),
+                            records.front().line);
+    return records;
+}
+
+QString Csv::Line(const QStringList& fields)
+{
+    QStringList quoted;
+    std::transform(fields.cbegin(), fields.cend(), std::back_inserter(quoted), Quoted);
+    return quoted.join(comma) + QStringLiteral("\r\n");
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+/// One record of a table.
+struct TCsvRecord
+{
+    QStringList fields;
+    int line = 1; ///< in which the record begins, from 1
+};
+
+/// A table that cannot be read. Thrown by value.
+class TCsvException
+{
+public:
+    TCsvException(const QString& message, int line)
+        : d_message(message)
+        , d_line(line)
+    {
+    }
+
+    QString Message() const { return d_message; }
+    /// The line in which the faulty record begins, from 1.
+    int Line() const { return d_line; }
+
+private:
+    QString d_message;
+    int d_line;
+};
+
+/// Tables in comma-separated values (RFC 4180, UTF-8).
+namespace Csv {
+
+/// The records of a table. There is at least one, and the first has several fields. Lines end with
+/// CR LF, LF or CR. Skips a byte order mark, empty lines, and records with nothing but empty
+/// fields.
+/// @throws TCsvException
+std::vector<TCsvRecord> Read(const QByteArray& table);
+
+/// Fields as a line, with quotes where they are needed and CR LF at its end.
+QString Line(const QStringList& fields);
+
+} // namespace Csv
