@@ -1,0 +1,151 @@
+#include "src/findings/findings.h"
+
+#include "src/data.h"
+#include "src/findings/findingstable.h"
+
+#include <QCoreApplication>
+#include <QHash>
+#include <QPair>
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <numeric>
+
+namespace {
+
+/// What rows and labels are matched by: page number and label value.
+using TKey = QPair<int, int>;
+
+/// Joins a table to labels.
+class TJoin
+{
+    Q_DECLARE_TR_FUNCTIONS(Findings)
+
+public:
+    explicit TJoin(const TFindingsTable& table)
+        : d_table(table)
+        , d_is_used(table.rows.size(), false)
+    {
+        for (std::size_t place = 0; place < table.rows.size(); ++place)
+            d_places[{table.rows[place].page, table.rows[place].value}].push_back(place);
+    }
+
+    /// Gives the labels of a page their cells.
+    /// @param number  of the page, from 1.
+    void Join_Page(int number, TFindingsPage* page);
+    /// Warns of the rows that no label got.
+    /// @param page_count  of the document.
+    void Report_Unused_Rows(int page_count);
+
+    QStringList Warnings() const { return d_warnings; }
+
+private:
+    QStringList Cells(const TKey& key, int place);
+    QString Unused_Row_Text(const TFindingsRow& row, int page_count) const;
+
+    const TFindingsTable& d_table;
+    QHash<TKey, std::vector<std::size_t>> d_places; ///< of rows in the table
+    std::vector<bool> d_is_used;                    ///< for each row of the table
+    QHash<TKey, int> d_label_counts;
+    QStringList d_warnings;
+};
+
+void TJoin::Join_Page(int number, TFindingsPage* page)
+{
+    for (TFinding& finding : page->rows) {
+        const TKey key(number, finding.label.value);
+        finding.cells = Cells(key, d_label_counts[key]++);
+        // The second label reports for all that follow.
+        if (d_label_counts[key] == 2)
+            d_warnings += tr("page %1: several labels have the number %2")
+                              .arg(number)
+                              .arg(finding.label.value);
+    }
+}
+
+/// The cells of a label.
+/// @param place  among the labels with the same key, from 0.
+QStringList TJoin::Cells(const TKey& key, int place)
+{
+    const std::vector<std::size_t> places = d_places.value(key);
+    if (places.empty()) {
+        d_warnings += tr("page %1: label %2 has no row").arg(key.first).arg(key.second);
+        QStringList empty;
+        std::fill_n(std::back_inserter(empty), d_table.headings.size(), QString());
+        return empty;
+    }
+    const std::size_t row = places[std::min(static_cast<std::size_t>(place), places.size() - 1)];
+    d_is_used[row] = true;
+    return d_table.rows[row].cells;
+}
+
+void TJoin::Report_Unused_Rows(int page_count)
+{
+    for (std::size_t place = 0; place < d_table.rows.size(); ++place) {
+        if (!d_is_used[place])
+            d_warnings += Unused_Row_Text(d_table.rows[place], page_count);
+    }
+}
+
+QString TJoin::Unused_Row_Text(const TFindingsRow& row, int page_count) const
+{
+    if (row.page > page_count)
+        return tr("line %1: there is no page %2").arg(row.line).arg(row.page);
+    const QString text = d_label_counts.contains({row.page, row.value})
+                             ? tr("line %1: page %2 has no further label %3")
+                             : tr("line %1: page %2 has no label %3");
+    return text.arg(row.line).arg(row.page).arg(row.value);
+}
+
+} // namespace
+
+QString TFindingsPage::Title(int number) const
+{
+    return name.trimmed().isEmpty() ? QCoreApplication::translate("Findings", "Page %1").arg(number)
+                                    : name;
+}
+
+int TFindings::Count() const
+{
+    return std::accumulate(pages.cbegin(), pages.cend(), 0,
+                           [](int count, const TFindingsPage& page) {
+                               return count + static_cast<int>(page.rows.size());
+                           });
+}
+
+bool TFindings::Has_Texts() const
+{
+    return std::any_of(pages.cbegin(), pages.cend(), [](const TFindingsPage& page) {
+        return std::any_of(page.rows.cbegin(), page.rows.cend(),
+                           [](const TFinding& finding) { return !finding.label.text.isEmpty(); });
+    });
+}
+
+TFindings Findings::Of(const TData& data, const std::vector<TNamedPage>& pages)
+{
+    QHash<int, const TPageItem*> items;
+    for (const TPageItem& page : data.Pages())
+        items.insert(page.page_id, &page);
+    TFindings findings;
+    for (const TNamedPage& page : pages) {
+        TFindingsPage entry{page.page_id, page.name, {}};
+        if (const TPageItem* const item = items.value(page.page_id)) {
+            for (const TDataItem& label : item->data_items)
+                entry.rows.push_back({label, {}});
+        }
+        findings.pages.push_back(std::move(entry));
+    }
+    return findings;
+}
+
+QStringList Findings::Join(const TFindingsTable& table, TFindings* findings)
+{
+    findings->headings = table.headings;
+    TJoin join(table);
+    int number = 0;
+    for (TFindingsPage& page : findings->pages)
+        join.Join_Page(++number, &page);
+    join.Report_Unused_Rows(number);
+    return join.Warnings();
+}

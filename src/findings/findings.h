@@ -1,0 +1,58 @@
+#pragma once
+
+#include "src/model/namedpage.h"
+#include "src/model/pageitem.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+class TData;
+struct TFindingsTable;
+
+/// A label and its cells in the list of findings.
+struct TFinding
+{
+    TDataItem label;
+    QStringList cells; ///< one for each heading; all empty for a label without a row
+};
+
+/// The labels of one page, in document order.
+struct TFindingsPage
+{
+    int page_id = 0;
+    QString name; ///< may be empty
+    std::vector<TFinding> rows;
+
+    /// The name; "Page 3" for a page without one.
+    /// @param number  of the page, from 1.
+    QString Title(int number) const;
+};
+
+/// The list of findings: every label of a document in document order, and the cells that a table
+/// adds. A plain value.
+struct TFindings
+{
+    QStringList headings; ///< of the cells; empty without a table
+    std::vector<TFindingsPage> pages;
+
+    /// Number of labels.
+    int Count() const;
+    /// Whether a label has a text. A list of labels without any needs no column for it.
+    bool Has_Texts() const;
+};
+
+namespace Findings {
+
+/// The labels of a document without further cells.
+/// @param pages  in document order.
+TFindings Of(const TData& data, const std::vector<TNamedPage>& pages);
+
+/// Adds the headings and cells of a table. Rows and labels are matched by page number and label
+/// value. Labels with the same value get the rows in order; the last row serves those left over.
+/// @return a warning for each row without a label, each label without a row, and each value that a
+/// page has more than once.
+QStringList Join(const TFindingsTable& table, TFindings* findings);
+
+} // namespace Findings
