@@ -182,7 +182,8 @@ void print_pictures(benchmark::State& state)
             for (const auto& scene : scenes) {
                 if (number > 0)
                     printer.newPage();
-                report.Draw_Page(Render(scene.get()), ++number);
+                report.Draw_Frame(++number);
+                report.Draw_Picture(Render(scene.get()));
             }
         });
 }

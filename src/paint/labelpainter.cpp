@@ -1,12 +1,10 @@
 #include "src/paint/labelpainter.h"
 
 #include <QBrush>
-#include <QFont>
+#include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
 #include <QPen>
-#include <QPolygon>
-#include <QRect>
 
 namespace LabelPainter {
 
@@ -17,7 +15,6 @@ namespace {
 const QColor background_color(255, 255, 255, 1);
 const QColor highlight_line_color(0, 0, 255, 128);
 const QColor highlight_fill_color(0, 0, 255, 64);
-constexpr double border_line_width = 2.0;    // pixels
 constexpr double highlight_line_width = 1.0; // pixels
 constexpr double text_width_share = 0.67;    // of the label's width
 constexpr double smallest_text_scale = 0.2;  // below, a text is not readable
@@ -38,68 +35,34 @@ void Prepare(QPainter* painter, const TLabelStyle& style)
 
 QPen Border_Pen(const TLabelStyle& style)
 {
-    return QPen(style.color, border_line_width);
+    return QPen(style.color, Border_Line_Width);
 }
 
 void Draw_Highlight(QPainter* painter, const TLabelStyle& style)
 {
-    const int extent = (style.width - 1) / 2;
     painter->setPen(QPen(highlight_line_color, highlight_line_width));
     painter->setBrush(highlight_fill_color);
-    painter->drawRect(-extent, -extent, style.width - 2, style.height - 2);
+    painter->drawRect(Highlight_Box(style));
 }
 
 void Draw_Border(QPainter* painter, const TLabelStyle& style, int border_type)
 {
-    const int r = Radius(style);
-    const QRect box(-r, -r, style.width - Margin - 1, style.height - Margin - 1);
     painter->setPen(Border_Pen(style));
     painter->setBrush(background_color);
     switch (border_type) {
     case Square_Border:
-        painter->drawRect(box);
+        painter->drawRect(Border_Box(style));
         break;
     case Ellipse_Border:
-        painter->drawEllipse(box);
+        painter->drawEllipse(Border_Box(style));
         break;
     case Triangle_Border:
-        painter->drawPolygon(QPolygon({{0, -r}, {-r, 0}, {-r, r}, {r, r}, {r, 0}}));
-        break;
     case Diamond_Border:
-        painter->drawPolygon(QPolygon({{0, -r}, {-r, 0}, {0, r}, {r, 0}}));
+        painter->drawPolygon(Border_Corners(style, border_type));
         break;
     default:
         break;
     }
-}
-
-/// Shrinks the painter's font if the text is too wide for the label, or returns "*" if it is much
-/// too wide.
-QString Fit_Text(QPainter* painter, const TLabelStyle& style, const QString& text)
-{
-    const int text_width = painter->boundingRect(QRect(0, 0, 0, 0), 0, text).width();
-    if (text_width <= 0)
-        return text;
-    const double scale = (style.width - Margin) * text_width_share / text_width;
-    if (scale < smallest_text_scale)
-        return QStringLiteral("*");
-    if (scale < 1.0) {
-        QFont font = painter->font();
-        font.setPointSizeF(scale * style.font_size);
-        painter->setFont(font);
-    }
-    return text;
-}
-
-/// The rectangle in which the text is centred.
-QRect Text_Box(const TLabelStyle& style, int border_type)
-{
-    const int r = Radius(style);
-    const int right = style.width - Margin - r - 1;
-    // A triangle has room for the text only in its base.
-    if (border_type == Triangle_Border)
-        return QRect(QPoint(-r, 0), QPoint(right, (style.height - Margin) / 2 - 1));
-    return QRect(QPoint(-r, -r), QPoint(right, style.height - Margin - r - 1));
 }
 
 } // namespace
@@ -114,6 +77,53 @@ QPixmap Template(const TLabelStyle& style)
 QPoint Centre(const TLabelStyle& style)
 {
     return QPoint(style.width / 2, style.height / 2);
+}
+
+QRect Border_Box(const TLabelStyle& style)
+{
+    const int r = Radius(style);
+    return QRect(-r, -r, style.width - Margin - 1, style.height - Margin - 1);
+}
+
+QRect Highlight_Box(const TLabelStyle& style)
+{
+    const int extent = (style.width - 1) / 2;
+    return QRect(-extent, -extent, style.width - 2, style.height - 2);
+}
+
+QPolygon Border_Corners(const TLabelStyle& style, int border_type)
+{
+    const int r = Radius(style);
+    if (border_type == Triangle_Border)
+        return QPolygon({{0, -r}, {-r, 0}, {-r, r}, {r, r}, {r, 0}});
+    if (border_type == Diamond_Border)
+        return QPolygon({{0, -r}, {-r, 0}, {0, r}, {r, 0}});
+    return QPolygon();
+}
+
+QRect Text_Box(const TLabelStyle& style, int border_type)
+{
+    const int r = Radius(style);
+    const int right = style.width - Margin - r - 1;
+    // A triangle has room for the text only in its base.
+    if (border_type == Triangle_Border)
+        return QRect(QPoint(-r, 0), QPoint(right, (style.height - Margin) / 2 - 1));
+    return QRect(QPoint(-r, -r), QPoint(right, style.height - Margin - r - 1));
+}
+
+TFittedText Fit_Text(const TLabelStyle& style, const QString& text)
+{
+    TFittedText fitted{text, QFont(QStringLiteral("Arial"), style.font_size, QFont::Bold)};
+    const int text_width =
+        QFontMetrics(fitted.font).boundingRect(QRect(0, 0, 0, 0), 0, text).width();
+    if (text_width <= 0)
+        return fitted;
+    const double scale = (style.width - Margin) * text_width_share / text_width;
+    if (scale < smallest_text_scale)
+        fitted.text = QStringLiteral("*");
+    else if (scale < 1.0)
+        fitted.font.setPointSizeF(scale * style.font_size);
+    return fitted;
 }
 
 void Paint(QPixmap* pixmap, const TLabelStyle& style, const QString& text, int border_type,
@@ -142,9 +152,9 @@ void Paint_Text(QPixmap* pixmap, const TLabelStyle& style, const QString& text, 
     QPainter painter(pixmap);
     Prepare(&painter, style);
     painter.setPen(Border_Pen(style));
-    painter.setFont(QFont(QStringLiteral("Arial"), style.font_size, QFont::Bold));
-    const QString fitted = Fit_Text(&painter, style, text);
-    painter.drawText(Text_Box(style, border_type), Qt::AlignCenter, fitted);
+    const TFittedText fitted = Fit_Text(style, text);
+    painter.setFont(fitted.font);
+    painter.drawText(Text_Box(style, border_type), Qt::AlignCenter, fitted.text);
 }
 
 } // namespace LabelPainter

@@ -4,8 +4,11 @@
 #include "src/model/bordertype.h"
 
 #include <QColor>
+#include <QFont>
 #include <QPixmap>
 #include <QPoint>
+#include <QPolygon>
+#include <QRect>
 #include <QString>
 
 /// The look that all labels of a page have in common.
@@ -28,6 +31,31 @@ QPixmap Template(const TLabelStyle& style);
 
 /// The point of a label's pixmap that marks its position, in whole pixels.
 QPoint Centre(const TLabelStyle& style);
+
+/// The box of a square or an ellipse, from the label's position.
+QRect Border_Box(const TLabelStyle& style);
+
+/// The box of the highlight, from the label's position.
+QRect Highlight_Box(const TLabelStyle& style);
+
+/// The corners of a triangle or a diamond, from the label's position; none for other codes.
+QPolygon Border_Corners(const TLabelStyle& style, int border_type);
+
+/// The box in which a label's text is centred, from the label's position.
+QRect Text_Box(const TLabelStyle& style, int border_type);
+
+/// A text as a label shows it.
+struct TFittedText
+{
+    QString text;
+    QFont font;
+};
+
+/// Fits a text into a label, as Paint does.
+TFittedText Fit_Text(const TLabelStyle& style, const QString& text);
+
+/// Width of the border's line, in pixels.
+constexpr double Border_Line_Width = 2.0;
 
 /// Draws a label: the highlight, the border, and the text, fitted and centred. The screen, exported
 /// images and the report all use it.

@@ -34,12 +34,11 @@ TReportPainter::TReportPainter(QPainter* painter, int resolution_code, const QSt
 {
 }
 
-void TReportPainter::Draw_Page(const QPixmap& picture, int number)
+void TReportPainter::Draw_Frame(int number)
 {
     Draw_Rules();
     Draw_Headers();
     Draw_Footer(number);
-    Draw_Picture(picture);
 }
 
 void TReportPainter::Draw_Rules()

@@ -22,16 +22,18 @@ public:
     /// Sets the page rectangle of a further page.
     void Set_Page(const QRect& page) { d_geometry.Set_Page(page); }
 
-    /// Draws a page.
-    /// @param picture  the page with its labels; scaled to fit.
-    /// @param number   page number in the footer.
-    void Draw_Page(const QPixmap& picture, int number);
+    /// Draws headers, rules and footer of one page.
+    /// @param number  page number in the footer.
+    void Draw_Frame(int number);
+    /// Draws a picture between the rules, scaled to fit.
+    void Draw_Picture(const QPixmap& picture);
+    /// The room between the rules, in device pixels.
+    QRect Room() const { return d_geometry.Target(); }
 
 private:
     void Draw_Rules();
     void Draw_Headers();
     void Draw_Footer(int number);
-    void Draw_Picture(const QPixmap& picture);
 
     QPainter* d_painter;
     int d_resolution_code;

@@ -134,7 +134,8 @@ private slots:
         QImage drawn = Blank();
         QPainter device(&drawn);
         TReportPainter report(&device, code, header_1, header_2, page);
-        report.Draw_Page(picture, 12);
+        report.Draw_Frame(12);
+        report.Draw_Picture(picture);
         device.end();
         QCOMPARE(Support::Difference(drawn, expected), QString());
     }
@@ -150,7 +151,8 @@ private slots:
         QImage drawn = Blank();
         QPainter device(&drawn);
         TReportPainter report(&device, 1, QString(), QString(), page);
-        report.Draw_Page(picture, 1);
+        report.Draw_Frame(1);
+        report.Draw_Picture(picture);
         device.end();
 
         const int width = target.height() / 2;
@@ -179,7 +181,8 @@ private slots:
         QImage drawn = Blank();
         QPainter device(&drawn);
         TReportPainter report(&device, 1, QString(), QString(), page);
-        report.Draw_Page(QPixmap::fromImage(stripes), 1);
+        report.Draw_Frame(1);
+        report.Draw_Picture(QPixmap::fromImage(stripes));
         device.end();
         for (const QPoint& place : {target.center(), target.center() + QPoint(0, 1)}) {
             const int grey = drawn.pixelColor(place).green();
@@ -197,7 +200,8 @@ private slots:
         QImage drawn = Blank();
         QPainter device(&drawn);
         TReportPainter report(&device, 1, QString(), QString(), page);
-        report.Draw_Page(QPixmap(), 1);
+        report.Draw_Frame(1);
+        report.Draw_Picture(QPixmap());
         device.end();
         QCOMPARE(Support::Difference(drawn, expected), QString());
     }
@@ -225,7 +229,8 @@ private slots:
         QPainter device(&drawn);
         TReportPainter report(&device, 1, QString(), QString(), page);
         report.Set_Page(QRect(5, 5, 390, 590));
-        report.Draw_Page(QPixmap(), 2);
+        report.Draw_Frame(2);
+        report.Draw_Picture(QPixmap());
         device.end();
         QCOMPARE(Support::Difference(drawn, expected), QString());
     }
