@@ -3,6 +3,7 @@
 #include "core/safefile.h"
 #include "core/workwatch.h"
 #include "src/displaywidget.h"
+#include "src/export/findingspainter.h"
 #include "src/paint/reportpainter.h"
 
 #include <QBuffer>
@@ -48,7 +49,8 @@ bool TPageExporter::Export_Images(const QList<int>& page_ids, const TPathOf& pat
 }
 
 TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QList<int>& page_ids,
-                                                  const TReportOptions& settings) const
+                                                  const TReportOptions& settings,
+                                                  const TFindings* list) const
 {
     if (page_ids.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
         return TOutcome::Not_Begun;
@@ -64,14 +66,21 @@ TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QLi
     TReportPainter report(&painter, settings.resolution, settings.header_1, settings.header_2,
                           Page_Rectangle(printer));
     int number = 0;
-    Draw_Pages(page_ids, [&](int, const QPixmap& picture) {
+    const auto begin_page = [&] {
         if (number > 0) {
             printer.newPage();
             report.Set_Page(Page_Rectangle(printer));
         }
-        report.Draw_Page(picture, ++number);
+        report.Draw_Frame(++number);
+        return report.Room();
+    };
+    Draw_Pages(page_ids, [&](int, const QPixmap& picture) {
+        begin_page();
+        report.Draw_Picture(picture);
         return true;
     });
+    if (list)
+        FindingsPainter::Draw(*list, begin_page, &painter);
     painter.end();
     return target.Commit(Is_Complete_Pdf) ? TOutcome::Complete : TOutcome::Incomplete;
 }

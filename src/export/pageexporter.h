@@ -11,6 +11,7 @@
 
 class QPixmap;
 class TDisplayWidget;
+struct TFindings;
 
 /// Exports the pages of a document as PNG files or as a PDF report. Draws them with a page view.
 ///
@@ -42,8 +43,9 @@ public:
 
     /// Writes pages as a PDF report, in the given order.
     /// @param file  replaced only by a complete report.
+    /// @param list  the list of findings, which follows the pages; null for none.
     TOutcome Export_Pdf(const QString& file, const QList<int>& page_ids,
-                        const TReportOptions& settings) const;
+                        const TReportOptions& settings, const TFindings* list = nullptr) const;
 
     /// Draws pages until the handler returns false. Returns false in that case and when there are
     /// no pages.
