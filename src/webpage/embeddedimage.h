@@ -1,0 +1,27 @@
+#pragma once
+
+#include "src/model/pageimage.h"
+
+#include <QByteArray>
+#include <QSize>
+
+/// A page image as a web page embeds it: as it is stored where browsers read its format, else as
+/// PNG.
+class TEmbeddedImage
+{
+public:
+    /// Reads the header only, unless the image has to be encoded.
+    explicit TEmbeddedImage(const TPageImage& image);
+
+    /// Size of the page image in pixels; empty when there is none or it cannot be read.
+    QSize Size() const { return d_size; }
+
+    /// The image as a data URL.
+    /// @param max_width  a wider image is scaled down to this many pixels; 0 for no limit.
+    QByteArray Data_Url(int max_width) const;
+
+private:
+    TPageImage d_image;
+    QByteArray d_stored_format; ///< one that browsers read; otherwise empty
+    QSize d_size;
+};

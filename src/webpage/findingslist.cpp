@@ -1,0 +1,82 @@
+#include "src/webpage/findingslist.h"
+
+#include "src/findings/findings.h"
+#include "src/webpage/markup.h"
+
+#include <QCoreApplication>
+
+using Markup::Escaped;
+
+namespace {
+
+QString Translated(const char* source)
+{
+    return QCoreApplication::translate("FindingsList", source);
+}
+
+QString Heading(const QString& text)
+{
+    return QStringLiteral("<th scope=\"col\">") + Escaped(text) + QStringLiteral("</th>");
+}
+
+/// A cell whose text has a direction of its own.
+QString Cell(const QString& text)
+{
+    return QStringLiteral("<td dir=\"auto\">") + Escaped(text) + QStringLiteral("</td>");
+}
+
+} // namespace
+
+TFindingsList::TFindingsList(const TFindings& findings)
+    : d_findings(findings)
+    , d_has_texts(findings.Has_Texts())
+{
+}
+
+QString TFindingsList::Begin() const
+{
+    QString row = Heading(Translated("No."));
+    if (d_has_texts)
+        row += Heading(Translated("Label"));
+    for (const QString& heading : d_findings.headings)
+        row += Heading(heading);
+    return QStringLiteral("<table>\n<thead><tr>") + row + QStringLiteral("</tr></thead>\n");
+}
+
+QString TFindingsList::Page(const TFindingsPage& page, int number, int first_number,
+                            const std::vector<bool>& is_on_sheet) const
+{
+    if (page.rows.empty())
+        return QString();
+    const int columns = 1 + (d_has_texts ? 1 : 0) + d_findings.headings.size();
+    QString body = QStringLiteral("<tbody>\n<tr class=\"page-row\"><th scope=\"rowgroup\" "
+                                  "colspan=\"%1\"><a href=\"#page-%2\">")
+                       .arg(columns)
+                       .arg(number) +
+                   Escaped(page.Title(number)) + QStringLiteral("</a></th></tr>\n");
+    for (std::size_t place = 0; place < page.rows.size(); ++place)
+        body += Row(page.rows[place], first_number + static_cast<int>(place), is_on_sheet[place]);
+    return body + QStringLiteral("</tbody>\n");
+}
+
+QString TFindingsList::End()
+{
+    return QStringLiteral("</table>\n");
+}
+
+QString TFindingsList::Row(const TFinding& finding, int number, bool is_on_sheet) const
+{
+    const QString value = QString::number(finding.label.value);
+    QString row =
+        QStringLiteral("<tr class=\"finding\" id=\"row-%1\"><th scope=\"row\">").arg(number);
+    if (is_on_sheet)
+        row +=
+            QStringLiteral("<a href=\"#label-%1\">%2</a></th>").arg(QString::number(number), value);
+    else
+        row += value + QStringLiteral("</th>");
+    if (d_has_texts)
+        row += Cell(finding.label.text);
+    for (const QString& cell : finding.cells)
+        row += Cell(cell);
+    return row + QStringLiteral("</tr>\n");
+}
