@@ -33,7 +33,7 @@ void TCommandLine::Add_Option(const char* option, const QString& value_name,
 {
     d_parser.addOption({QString::fromLatin1(option), description, value_name});
     if (need == TNeed::Required)
-        d_required_options += QString::fromLatin1(option);
+        d_required_options.push_back(option);
 }
 
 void TCommandLine::Add_Flag(const char* option, const QString& description)
@@ -64,14 +64,19 @@ bool TCommandLine::Parse()
     if (!is_valid)
         throw TUsageError{d_parser.errorText()};
     Check_Argument_Count();
-    for (const QString& option : std::as_const(d_required_options)) {
-        if (!d_parser.isSet(option))
-            throw TUsageError{Tr("Missing option '%1'.").arg(option)};
-        // A script passes an empty value when one of its variables is unset.
-        if (d_parser.value(option).isEmpty())
-            Throw_Invalid_Value(option);
-    }
+    for (const char* const option : d_required_options)
+        Require(option);
     return true;
+}
+
+void TCommandLine::Require(const char* option) const
+{
+    const QString name = QString::fromLatin1(option);
+    if (!d_parser.isSet(name))
+        throw TUsageError{Tr("Missing option '%1'.").arg(name)};
+    // A script passes an empty value when one of its variables is unset.
+    if (Text(option).isEmpty())
+        Throw_Invalid_Value(name);
 }
 
 void TCommandLine::Check_Argument_Count() const

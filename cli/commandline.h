@@ -4,12 +4,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 /// Names of the options that several commands share.
 namespace CommonOptions {
 
 constexpr char Output[] = "output";
 constexpr char Force[] = "force";
 constexpr char Csv[] = "csv";
+constexpr char Json[] = "json";
+constexpr char Findings[] = "findings";
 
 } // namespace CommonOptions
 
@@ -50,6 +54,9 @@ public:
     /// Parses the arguments. Returns false after printing the help, if the user asked for it.
     bool Parse();
 
+    /// Checks that an option is present and not empty.
+    void Require(const char* option) const;
+
     QStringList Arguments() const { return d_parser.positionalArguments(); }
     /// Returns the only argument; empty for a command without arguments.
     QString Argument() const { return Arguments().value(0); }
@@ -68,7 +75,7 @@ private:
 
     QCommandLineParser d_parser;
     QStringList d_arguments;
-    QStringList d_required_options;
+    std::vector<const char*> d_required_options;
     QString d_argument_name; ///< empty for a command without arguments
     TCount d_count = TCount::One;
 };

@@ -19,6 +19,7 @@ void Kept(TCommandLine* line);
 // Draw pages.
 void Export_Images(TCommandLine* line);
 void Export_Pdf(TCommandLine* line);
+void Export_Html(TCommandLine* line);
 void Thumbnail(TCommandLine* line);
 
 // Exchange labels as CSV tables.

@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/findingsoptions.h"
 #include "cli/pageview.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
@@ -22,6 +23,7 @@ const char* const orientation_option = "orientation";
 const char* const resolution_option = "resolution";
 const char* const header_1_option = "header-1";
 const char* const header_2_option = "header-2";
+const char* const list_option = "list";
 const char* const size_option = "size";
 
 constexpr std::array<TOptionValue, 4> orientations = {{
@@ -95,6 +97,8 @@ void Add_Report_Options(TCommandLine* line)
                      Tr("First header line; by default the document's own."));
     line->Add_Option(header_2_option, QStringLiteral("TEXT"),
                      Tr("Second header line; by default the document's own."));
+    line->Add_Flag(list_option, Tr("Append the list of findings."));
+    FindingsOptions::Add(line);
 }
 
 /// Returns the report's settings without the header lines, which may come from the document.
@@ -162,6 +166,10 @@ void Commands::Export_Pdf(TCommandLine* line)
 
     TReportOptions settings = Report_Settings(*line);
     const QString output = line->Text(CommonOptions::Output);
+    const bool has_list = line->Is_Set(list_option);
+    if (line->Is_Set(CommonOptions::Findings) && !has_list)
+        throw TUsageError{Tr("Option 'findings' needs option 'list'.")};
+    FindingsOptions::Check(*line, output);
     Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
     Files::Check_Is_No_Input(output, {line->Argument()});
     TDocument document = Load_Pages(line->Argument());
@@ -170,9 +178,12 @@ void Commands::Export_Pdf(TCommandLine* line)
     settings.header_2 =
         line->Is_Set(header_2_option) ? line->Text(header_2_option) : document.appearance.header_2;
 
+    const TFindings findings = FindingsOptions::Load(*line, document);
+
     TTerminalProgress progress(Tr("Exporting page %1 of %2"));
     const TPageView view(&document, progress.Steps());
-    if (view.Exporter().Export_Pdf(output, document.Page_Ids(), settings) !=
+    if (view.Exporter().Export_Pdf(output, document.Page_Ids(), settings,
+                                   has_list ? &findings : nullptr) !=
         TPageExporter::TOutcome::Complete)
         Files::Throw_Write_Error(output);
 }

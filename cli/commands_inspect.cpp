@@ -15,8 +15,6 @@
 
 namespace {
 
-const char* const json_option = "json";
-
 /// What `info` prints about a page.
 struct TPageSummary
 {
@@ -107,13 +105,13 @@ QStringList Defects(const QString& path)
 void Commands::Info(TCommandLine* line)
 {
     line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
-    line->Add_Flag(json_option, Tr("Print as JSON."));
+    line->Add_Flag(CommonOptions::Json, Tr("Print as JSON."));
     if (!line->Parse())
         return;
 
     const TDocument document = Files::Load(line->Argument());
     const std::vector<TPageSummary> pages = Summaries(document);
-    const auto print = line->Is_Set(json_option) ? Print_Json : Print_Text;
+    const auto print = line->Is_Set(CommonOptions::Json) ? Print_Json : Print_Text;
     print(line->Argument(), document.appearance, pages);
 }
 

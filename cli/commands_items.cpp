@@ -1,10 +1,14 @@
-// Commands that exchange labels with spreadsheets as CSV tables.
+// Commands that exchange labels with other programs: CSV tables and JSON.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/findingsoptions.h"
+#include "cli/terminal.h"
 #include "cli/translate.h"
+#include "src/findings/findingsdata.h"
+#include "src/format/csv.h"
 #include "src/format/itemtable.h"
 
 #include <QRegularExpression>
@@ -15,7 +19,7 @@ std::vector<TItemRow> Read_Table(const QString& path)
 {
     try {
         return ItemTable::Read(Files::Read(path));
-    } catch (const TItemTableException& exception) {
+    } catch (const TCsvException& exception) {
         throw TJobError{path, Tr("line %1: %2").arg(exception.Line()).arg(exception.Message())};
     }
 }
@@ -57,23 +61,29 @@ void Add_Labels(const std::vector<TDataItem>& labels, TData* data)
 void Commands::Export_Items(TCommandLine* line)
 {
     line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
-    line->Add_Output_Option(CommonOptions::Csv, QStringLiteral("ITEMS.csv"),
-                            Tr("The table to write (required)."));
+    line->Add_Option(CommonOptions::Csv, QStringLiteral("ITEMS.csv"),
+                     Tr("The table to write (required without --json)."));
+    line->Add_Flag(CommonOptions::Json, Tr("Print as JSON."));
+    FindingsOptions::Add(line);
+    line->Add_Force_Flag();
     if (!line->Parse())
         return;
 
+    const bool is_json = line->Is_Set(CommonOptions::Json);
+    if (!is_json || line->Is_Set(CommonOptions::Csv))
+        line->Require(CommonOptions::Csv);
     const QString output = line->Text(CommonOptions::Csv);
-    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
-    Files::Check_Is_No_Input(output, {line->Argument()});
-    const TDocument document = Files::Load(line->Argument());
-    std::vector<TItemRow> rows;
-    int number = 0;
-    for (const TNamedPage& page : document.pages) {
-        ++number;
-        for (const TDataItem& item : document.Content(page).data_items)
-            rows.push_back({number, item});
+    FindingsOptions::Check(*line, output);
+    if (!output.isEmpty()) {
+        Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+        Files::Check_Is_No_Input(output, {line->Argument()});
     }
-    Files::Write(output, ItemTable::Write(rows));
+    const TDocument document = Files::Load(line->Argument());
+    const TFindings findings = FindingsOptions::Load(*line, document);
+    if (!output.isEmpty())
+        Files::Write(output, FindingsData::Csv(findings));
+    if (is_json)
+        Terminal::Print_Raw(FindingsData::Json(findings));
 }
 
 void Commands::Import_Items(TCommandLine* line)

@@ -33,7 +33,7 @@ struct TCommand
     void (*run)(TCommandLine* line);
 };
 
-const std::array<TCommand, 11> commands = {{
+const std::array<TCommand, 12> commands = {{
     {"create", QT_TRANSLATE_NOOP("QuilletCli", "Create a project from page images."),
      TApplicationType::Core, Commands::Create},
     {"info", QT_TRANSLATE_NOOP("QuilletCli", "Show the content of a document."),
@@ -49,9 +49,13 @@ const std::array<TCommand, 11> commands = {{
      TApplicationType::Gui, Commands::Export_Images},
     {"export-pdf", QT_TRANSLATE_NOOP("QuilletCli", "Export all pages as a PDF report."),
      TApplicationType::Gui, Commands::Export_Pdf},
+    {"export-html",
+     QT_TRANSLATE_NOOP("QuilletCli", "Export all pages and the list of findings as a web page."),
+     TApplicationType::Gui, Commands::Export_Html},
     {"import-items", QT_TRANSLATE_NOOP("QuilletCli", "Add labels from a CSV table to a project."),
      TApplicationType::Core, Commands::Import_Items},
-    {"export-items", QT_TRANSLATE_NOOP("QuilletCli", "Export all labels as a CSV table."),
+    {"export-items",
+     QT_TRANSLATE_NOOP("QuilletCli", "Export all labels as a CSV table or as JSON."),
      TApplicationType::Core, Commands::Export_Items},
     {"kept",
      QT_TRANSLATE_NOOP("QuilletCli", "List or copy the backups and recovery copies of the window."),

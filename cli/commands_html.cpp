@@ -1,0 +1,56 @@
+// The web page.
+
+#include "cli/commandline.h"
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/findingsoptions.h"
+#include "cli/terminal.h"
+#include "cli/translate.h"
+#include "src/webpage/webpage.h"
+
+#include <QFileInfo>
+
+namespace {
+
+const char* const title_option = "title";
+const char* const max_width_option = "max-width";
+
+constexpr int largest_max_width = 100'000; // pixels
+
+} // namespace
+
+void Commands::Export_Html(TCommandLine* line)
+{
+    line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
+    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
+                            Tr("The web page to write (required)."));
+    FindingsOptions::Add(line);
+    line->Add_Option(title_option, QStringLiteral("TEXT"),
+                     Tr("Title of the web page; the first header line or the document's "
+                        "file name by default."));
+    line->Add_Option(max_width_option, QStringLiteral("PIXELS"),
+                     Tr("Scale wider images down to this width."));
+    if (!line->Parse())
+        return;
+
+    const QString input = line->Argument();
+    const QString output = line->Text(CommonOptions::Output);
+    const int max_width =
+        line->Is_Set(max_width_option) ? line->Number(max_width_option, 1, largest_max_width) : 0;
+    FindingsOptions::Check(*line, output);
+    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Input(output, {input});
+    const TDocument document = Files::Load(input);
+    if (document.pages.empty())
+        throw TJobError{input, Tr("has no pages")};
+    const TFindings findings = FindingsOptions::Load(*line, document);
+    TWebPage page = WebPage::Of(document.data, document.appearance, findings,
+                                QFileInfo(input).completeBaseName());
+    if (!line->Text(title_option).isEmpty())
+        page.title = line->Text(title_option);
+    page.max_width = max_width;
+    TTerminalProgress progress(Tr("Exporting page %1 of %2"));
+    if (!WebPage::Save(page, progress.Steps(), output))
+        Files::Throw_Write_Error(output);
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "src/findings/findings.h"
+
+class TCommandLine;
+struct TDocument;
+
+/// The options of the commands that write the list of findings.
+namespace FindingsOptions {
+
+/// Declares --findings and --strict.
+void Add(TCommandLine* line);
+
+/// Checks that --strict is not alone and that the table is not the output.
+void Check(const TCommandLine& line, const QString& output);
+
+/// The labels of a document, joined to the table if there is one. What does not match is a warning;
+/// with --strict it ends in a TReportedError.
+TFindings Load(const TCommandLine& line, const TDocument& document);
+
+} // namespace FindingsOptions
