@@ -186,8 +186,8 @@ void TQuillet::Update_Document_Actions()
 
 void TQuillet::Enable_Document_Actions(bool enable)
 {
-    for (QAction* action :
-         {d_action_export_pdf, d_action_export_images, d_action_reindex, d_action_save})
+    for (QAction* action : {d_action_export_pdf, d_action_export_images, d_action_export_web_page,
+                            d_action_reindex, d_action_save})
         action->setEnabled(enable);
 }
 

@@ -153,6 +153,7 @@ private:
     void Narrow_Docks();
     void Connect_Signals();
     void Add_Gestures();
+    void Add_Page_List_Menu();
 
     // Settings.
     QRect Saved_Geometry() const;
@@ -197,6 +198,7 @@ private:
     void Enable_Document_Actions(bool enable);
     void Set_Working_File(const QString& path);
     void Import_Files(const QStringList& paths);
+    void Export_Web_Page();
     void Show_No_Page();
     void Show_Label_Size(int size);
     void Fill_View();
@@ -260,6 +262,7 @@ private:
     bool d_filling_view = false;         ///< view is being filled from the document or a file
     bool d_has_new_document = false;     ///< the last file operation replaced the document
     QLabel* d_recovery_notice = nullptr; ///< null until one is shown
+    QAction* d_action_export_web_page = nullptr; ///< in the page list's context menu
 
     std::unique_ptr<TUndoHistory> d_history; ///< null while the window is being built
     std::unique_ptr<TUndoKeys> d_undo_keys;

@@ -1,4 +1,4 @@
-// Exports: annotated page images and the PDF report. The view draws each page for both.
+// Exports: annotated page images, the PDF report and the web page.
 
 #include "src/quillet.h"
 
@@ -8,9 +8,11 @@
 #include "src/pagewidget.h"
 #include "src/reportheaderdialog.h"
 #include "src/settingswidget.h"
+#include "src/webpage/webpage.h"
 
 #include <QDateTime>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QScopedValueRollback>
 
 void TQuillet::File_Export_Images()
@@ -65,6 +67,27 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
     const TPageExporter::TOutcome outcome = exporter.Export_Pdf(file, pages, settings);
     // An incomplete report is discarded without a message.
     return outcome != TPageExporter::TOutcome::Not_Begun;
+}
+
+/// Asks for a file and writes the web page into it.
+void TQuillet::Export_Web_Page()
+{
+    Commit_Editors();
+    Copy_Pending_Work();
+    const QString file = QFileDialog::getSaveFileName(
+        this, tr("Export web page"), d_working_dir.absolutePath(), tr("Web Page (*.html)"));
+    if (file.isEmpty())
+        return;
+    const QString title =
+        d_file_name.isEmpty() ? tr("Quillet") : QFileInfo(d_file_name).completeBaseName();
+    const TWebPage page =
+        WebPage::Of(d_data, Appearance(), Findings::Of(d_data, Named_Pages()), title);
+    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
+    if (!WebPage::Save(page, progress.Steps(), file)) {
+        Fail(tr("Cannot write %1").arg(file));
+        Show_File_Error(tr("Error Exporting Web Page"), tr("The web page cannot be written."));
+    }
+    Set_Working_File(file);
 }
 
 TReportHeaderDialog* TQuillet::Header_Dialog()

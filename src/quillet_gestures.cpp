@@ -5,12 +5,15 @@
 
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
+#include "src/pagewidget.h"
 #include "src/undo/undohistory.h"
 #include "src/widgets/focusframe.h"
 #include "src/widgets/imagedrop.h"
 #include "src/widgets/nudgekeys.h"
 #include "src/widgets/rowlist.h"
 #include "src/widgets/wheelzoom.h"
+
+#include <QAction>
 
 void TQuillet::Add_Gestures()
 {
@@ -24,6 +27,17 @@ void TQuillet::Add_Gestures()
         Copy_Pending_Work();
         Import_Files(paths);
     });
+    Add_Page_List_Menu();
+}
+
+/// Gives the page list a context menu.
+void TQuillet::Add_Page_List_Menu()
+{
+    d_action_export_web_page = new QAction(tr("Export web page ..."), d_page_widget);
+    d_action_export_web_page->setEnabled(false);
+    connect(d_action_export_web_page, &QAction::triggered, this, [this] { Export_Web_Page(); });
+    d_page_widget->addAction(d_action_export_web_page);
+    d_page_widget->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 /// Moves the selected labels.
