@@ -2,13 +2,18 @@
 
 #include "bench/documents.h"
 #include "bench/measure.h"
+#include "core/safefile.h"
 #include "src/displaywidget.h"
+#include "src/format/document.h"
+#include "src/format/projectfile.h"
 #include "src/pagewidget.h"
 #include "src/paint/reportgeometry.h"
 #include "src/paint/reportpainter.h"
 #include "src/quillet.h"
+#include "src/webpage/webpage.h"
 
 #include <QDir>
+#include <QFile>
 #include <QGraphicsPixmapItem>
 #include <QPainter>
 #include <QPrinter>
@@ -188,5 +193,53 @@ void print_pictures(benchmark::State& state)
         });
 }
 BENCH_SLOW(print_pictures);
+
+const QString& hundred_pages()
+{
+    static const QString path = Bench::Document_File(QStringLiteral("save.quillet"),
+                                                     Bench::Shape(100, 20, TGrain::Clean, 8));
+    return path;
+}
+
+/// Measures work on the document of a hundred pages, which is in the disk cache.
+/// @param run  gets an empty folder.
+template <typename TRun>
+void Measure_Hundred_Pages(benchmark::State* state, const TRun& run)
+{
+    QString folder;
+    Bench::Measure(
+        state,
+        [&] {
+            folder = Fresh_Folder();
+            Bench::Read_File(hundred_pages());
+        },
+        [&] { run(folder); });
+}
+
+void export_web_page(benchmark::State& state)
+{
+    Measure_Hundred_Pages(&state, [](const QString& folder) {
+        const TDocument document(ProjectFile::Read(Bench::Read_File(hundred_pages())));
+        const TWebPage page = WebPage::Of(document.data, document.appearance,
+                                          Findings::Of(document.data, document.pages), QString());
+        Require(WebPage::Save(page, nullptr, folder + QStringLiteral("/report.html")));
+    });
+}
+BENCH_SLOW(export_web_page);
+
+/// Reads the document, encodes its images and writes them to the disk.
+void encode_base64(benchmark::State& state)
+{
+    Measure_Hundred_Pages(&state, [](const QString& folder) {
+        const TFileContent content = ProjectFile::Read(Bench::Read_File(hundred_pages()));
+        QFile file(folder + QStringLiteral("/images.txt"));
+        Require(file.open(QIODevice::WriteOnly));
+        for (const TFilePage& page : *content.pages)
+            file.write(page.image.Source_Bytes().toBase64());
+        file.close();
+        Require(TSafeFile::Sync(file.fileName()));
+    });
+}
+BENCH_SLOW(encode_base64);
 
 } // namespace

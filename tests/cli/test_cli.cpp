@@ -14,8 +14,8 @@ using Support::TToolResult;
 namespace {
 
 const QStringList command_names = {"create",       "info",          "check",      "recover",
-                                   "reindex",      "export-images", "export-pdf", "import-items",
-                                   "export-items", "kept",          "thumbnail"};
+                                   "reindex",      "export-images", "export-pdf", "export-html",
+                                   "import-items", "export-items",  "kept",       "thumbnail"};
 
 QByteArray Sound_Project()
 {
@@ -71,6 +71,8 @@ class TestCli : public QObject
             "reindex", "sound.quillet", "--first", "1", "--over-page", "10", "--output", "out"};
         QTest::newRow("export-pdf")
             << QStringList{"export-pdf", "sound.quillet", "--output", "out"};
+        QTest::newRow("export-html")
+            << QStringList{"export-html", "sound.quillet", "--output", "out"};
         QTest::newRow("import-items") << QStringList{"import-items", "sound.quillet", "--csv",
                                                      "items.csv",    "--output",      "out"};
         QTest::newRow("export-items")

@@ -7,6 +7,7 @@ FOLDER gets screenshots to look at.
 import base64
 import os
 import re
+import struct
 import subprocess
 import sys
 import tempfile
@@ -65,12 +66,45 @@ def make_document(folder):
     run(TOOL, "import-items", empty, "--csv", items, "--output", document)
     page = os.path.join(folder, "report.html")
     run(TOOL, "export-html", document, "--findings", findings, "--title", ATTACK, "--output", page)
-    pictures = os.path.join(folder, "pictures")
-    os.mkdir(pictures)
-    run(TOOL, "export-images", document, "--folder", pictures)
+    return page, export_pictures(document, os.path.join(folder, "pictures"))
+
+
+def export_pictures(document, folder):
+    """Exports the pages of a document as images; their paths in the order of the pages."""
+    os.mkdir(folder)
+    run(TOOL, "export-images", document, "--folder", folder)
     # The running number is the last digit of the name.
-    return page, sorted((os.path.join(pictures, name) for name in os.listdir(pictures)),
-                        key=lambda path: path[-5])
+    return sorted((os.path.join(folder, name) for name in os.listdir(folder)), key=lambda path: path[-5])
+
+
+def turned_by_camera(jpeg):
+    """Adds EXIF data to a JPEG image that has viewers turn it by a quarter."""
+    tag = struct.pack(">HHIHH", 0x0112, 3, 1, 6, 0)
+    exif = b"Exif\0\0MM\0*" + struct.pack(">IH", 8, 1) + tag + bytes(4)
+    return jpeg[:2] + b"\xff\xe1" + struct.pack(">H", len(exif) + 2) + exif + jpeg[2:]
+
+
+def field(content):
+    """Bytes as a project file stores them."""
+    return struct.pack("<I", len(content)) + content
+
+
+def make_photograph(folder):
+    """Exports a document whose image is a JPEG file with an orientation; the paths of both exports."""
+    image, document = os.path.join(folder, "photograph.png"), os.path.join(folder, "photograph.quillet")
+    run("convert", "-size", "300x200", "xc:white", "-fill", "black", "-draw",
+        "rectangle 200,120 219,129", image)
+    run(TOOL, "create", image, "--output", document)
+    with open(image, "rb") as file:
+        png = field(file.read())
+    with open(document, "rb") as file:
+        project = file.read()
+    assert project.count(png) == 1
+    with open(document, "wb") as file:
+        file.write(project.replace(png, field(turned_by_camera(run("convert", image, "jpeg:-")))))
+    page = os.path.join(folder, "photograph.html")
+    run(TOOL, "export-html", document, "--output", page)
+    return page, export_pictures(document, os.path.join(folder, "photographs"))[0]
 
 
 class Picture:
@@ -102,6 +136,7 @@ class TestWebPage(unittest.TestCase):
         room = tempfile.TemporaryDirectory()
         cls.addClassCleanup(room.cleanup)
         cls.path, cls.pictures = make_document(room.name)
+        cls.photograph = make_photograph(room.name)
         cls.browser = chromium.start(os.path.join(room.name, "profile"))
         cls.addClassCleanup(cls.browser.quit)
 
@@ -193,6 +228,15 @@ class TestWebPage(unittest.TestCase):
             # So is the page image, which has a mark.
             if number == 1:
                 self.compare_boxes(shown, exported, (480, 680, 540, 730))
+
+    def test_the_orientation_of_a_camera_does_not_turn_the_image(self):
+        path, picture = self.photograph
+        self.browser.get("file://" + path)
+        with open(picture, "rb") as file:
+            exported = Picture(file.read())
+        shown = self.sheet_picture(1)
+        self.assertEqual((shown.width, shown.height), (300, 200))
+        self.compare_boxes(shown, exported, (180, 100, 240, 150))
 
     def test_user_texts_are_displayed_as_they_are(self):
         self.assertEqual(self.browser.title, ATTACK)
