@@ -34,6 +34,7 @@ class TDisplayWidget;
 class TLabelWidget;
 class TMessageBox;
 class TPageWidget;
+class TRecoveryNotice;
 class TReindexDialog;
 class TReportHeaderDialog;
 class TSafetyNet;
@@ -43,6 +44,7 @@ class TUndoHistory;
 class TUndoKeys;
 class TXmlFile;
 enum class TStepKind;
+struct TKeptFile;
 struct TLabelLook;
 struct TShownState;
 struct TStepOutcome;
@@ -161,11 +163,16 @@ private:
 
     // The safety net.
     void Set_Up_Safety_Net();
-    void Show_Recovery_Notice();
     bool Open_For_Saving(QFile* file, qint64 size);
     void Record_Change();
     void Copy_Pending_Work();
-    void End_Recovery(bool loss_confirmed);
+    void End_Recovery(bool loss_confirmed, const QString& opened = QString());
+
+    // Recovered work.
+    void Show_Recovery_Notice(const std::vector<TKeptFile>& copies);
+    void Update_Recovery_Notice();
+    void Dismiss_Recovered();
+    void Open_Recovered();
 
     // Undo and redo.
     void Start_History();
@@ -215,6 +222,7 @@ private:
     bool Fail(const QString& reason);
     TReportHeaderDialog* Header_Dialog();
     void Open_File(const QString& name);
+    bool Replace_Document(const QString& name);
     bool Load_Quietly(const std::function<bool()>& load);
     QString Write_Project(TProjectWriter* writer, ProjectFile::TPurpose purpose,
                           const TStepReport& report = nullptr) const;
@@ -259,10 +267,12 @@ private:
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
     TProgress::TClock d_progress_clock = TProgress::Machine_Time; ///< times long operations
-    bool d_filling_view = false;         ///< view is being filled from the document or a file
-    bool d_has_new_document = false;     ///< the last file operation replaced the document
-    QLabel* d_recovery_notice = nullptr; ///< null until one is shown
+    bool d_filling_view = false;     ///< view is being filled from the document or a file
+    bool d_has_new_document = false; ///< the last file operation replaced the document
     QAction* d_action_export_web_page = nullptr; ///< in the page list's context menu
+
+    std::vector<TKeptFile> d_recovered; ///< recovery copies that the notice is about, newest first
+    TRecoveryNotice* d_recovery_notice = nullptr; ///< null until one is shown
 
     std::unique_ptr<TUndoHistory> d_history; ///< null while the window is being built
     std::unique_ptr<TUndoKeys> d_undo_keys;

@@ -54,6 +54,17 @@ void TQuillet::File_Open()
 
 void TQuillet::Open_File(const QString& name)
 {
+    Replace_Document(name);
+    const bool is_legacy = LegacyFile::Is_Legacy(name);
+    // A legacy file is never overwritten: the next Save asks for a name.
+    d_file_name = is_legacy ? QString() : name;
+    Set_Working_File(is_legacy ? LegacyFile::Base_Name(name) : name);
+    d_data_changed = false;
+}
+
+/// Replaces the document by that of a file; on failure shows the error and returns false.
+bool TQuillet::Replace_Document(const QString& name)
+{
     const bool loss_confirmed = d_data_changed;
     d_has_new_document = false;
     const bool is_legacy = LegacyFile::Is_Legacy(name);
@@ -64,17 +75,14 @@ void TQuillet::Open_File(const QString& name)
     // Only after loading: if the file crashes the program, the old work can still be recovered. If
     // the file was refused at once, the old document is still open.
     if (d_has_new_document)
-        End_Recovery(loss_confirmed);
+        End_Recovery(loss_confirmed, name);
     if (loaded)
         d_safety_net->After_Open(name, stamp);
     else
         Show_File_Error(tr("Error Loading Data"),
                         is_legacy ? tr("The legacy Quillet file cannot be loaded")
                                   : tr("The Quillet file cannot be loaded"));
-    // A legacy file is never overwritten: the next Save asks for a name.
-    d_file_name = is_legacy ? QString() : name;
-    Set_Working_File(path);
-    d_data_changed = false;
+    return loaded;
 }
 
 /// Loads without recording changes and undo steps.
@@ -145,7 +153,7 @@ bool TQuillet::Save_Data(const QString& file_name)
             tr("Without pages, a document cannot store all characters of its header lines."),
             Message_Milliseconds);
     // The saved document may have been the recovered work that the notice is about.
-    Show_Recovery_Notice();
+    Update_Recovery_Notice();
     return saved;
 }
 

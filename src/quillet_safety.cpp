@@ -1,4 +1,4 @@
-// When the window calls the safety net, and the notice about abandoned recovery copies.
+// When the window calls the safety net.
 
 #include "src/quillet.h"
 
@@ -10,7 +10,6 @@
 #include <QEvent>
 #include <QFile>
 #include <QFileInfo>
-#include <QLabel>
 #include <QSettings>
 #include <QStatusBar>
 
@@ -20,35 +19,7 @@ void TQuillet::Set_Up_Safety_Net()
     d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this](TProjectWriter* writer) {
         Write_Project(writer, ProjectFile::TPurpose::Recovery_Copy);
     });
-    Show_Recovery_Notice();
-}
-
-/// Shows in the status bar which abandoned recovery copies exist; hides the notice if none is left.
-void TQuillet::Show_Recovery_Notice()
-{
-    QStringList paths;
-    for (const TKeptFile& file : d_safety_net->Abandoned()) {
-        if (QFile::exists(file.path))
-            paths += file.path;
-    }
-    if (paths.isEmpty()) {
-        if (d_recovery_notice)
-            d_recovery_notice->hide();
-        return;
-    }
-    if (!d_recovery_notice) {
-        d_recovery_notice = new QLabel(this);
-        d_recovery_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        // A path may look like rich text.
-        d_recovery_notice->setTextFormat(Qt::PlainText);
-        // A long path is clipped rather than widening the window; the tool tip has all of it.
-        d_recovery_notice->setMinimumWidth(1);
-        statusBar()->addWidget(d_recovery_notice, 1);
-    }
-    d_recovery_notice->setText(tr("Unsaved work can be recovered from %1").arg(paths.first()));
-    d_recovery_notice->setToolTip(tr("The program ended before this work was saved. To recover it, "
-                                     "open this file:\n%1")
-                                      .arg(paths.join(QLatin1Char('\n'))));
+    Show_Recovery_Notice(d_safety_net->Abandoned());
 }
 
 /// Reports a change by the user to the safety net.
@@ -85,10 +56,11 @@ bool TQuillet::Open_For_Saving(QFile* file, qint64 size)
 /// start unless the loss of changes is confirmed.
 /// @param loss_confirmed  whether the user agreed to lose unsaved changes; the copy is then
 ///                        deleted.
-void TQuillet::End_Recovery(bool loss_confirmed)
+/// @param opened          path of the other document, if it was read from a file.
+void TQuillet::End_Recovery(bool loss_confirmed, const QString& opened)
 {
     if (loss_confirmed)
-        d_safety_net->Discard();
+        d_safety_net->Discard(opened);
     else
         d_safety_net->Release();
 }

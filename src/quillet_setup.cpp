@@ -121,6 +121,8 @@ void TQuillet::Create_Status_Bar()
     d_zoom_slider->setRange(-100, 100);
     d_zoom_slider->setValue(0);
     d_zoom_slider->setToolTip(tr("Image Magnification"));
+    // Messages and notices beside it must not make it smaller.
+    d_zoom_slider->setMinimumWidth(d_zoom_slider->sizeHint().width());
     Accessibility::Describe(
         d_zoom_slider, tr("Image Magnification"),
         tr("The scale of the page. Ctrl and the mouse wheel over the page change "

@@ -126,11 +126,14 @@ void TSafetyNet::After_Save(const QString& document, qint64 size)
     if (QFileInfo(d_opened_path) != QFileInfo(document))
         d_recovery.Remove_Abandoned(d_opened_path);
     d_opened_path = document;
+    d_recovered_path.clear();
 }
 
-void TSafetyNet::Discard()
+void TSafetyNet::Discard(const QString& opened)
 {
     d_recovery.Discard();
+    if (QFileInfo(d_recovered_path) != QFileInfo(opened))
+        d_recovery.Remove_Abandoned(d_recovered_path);
     Release();
 }
 
@@ -138,6 +141,7 @@ void TSafetyNet::Release()
 {
     d_recovery.Release();
     d_opened_path.clear();
+    d_recovered_path.clear();
     d_stamp = TFileStamp();
     Reset();
 }
@@ -147,6 +151,17 @@ void TSafetyNet::After_Open(const QString& path, const TFileStamp& stamp)
     d_opened_path = path;
     d_stamped_path = path;
     d_stamp = stamp;
+}
+
+void TSafetyNet::After_Recovery(const TKeptFile& copy)
+{
+    d_recovered_path = copy.path;
+    d_stamped_path = copy.document;
+    // No version has this stamp. If the document was saved after the copy was written, it has
+    // changes that the copy lacks.
+    const TFileStamp newer = {0, 0, 0};
+    d_stamp =
+        QFileInfo(copy.document).lastModified() > copy.time ? newer : TFileStamp::Of(copy.document);
 }
 
 void TSafetyNet::Reset()

@@ -61,7 +61,8 @@ public:
     void After_Failed_Save(const QString& document) { Copy(document); }
 
     /// Discards the unsaved work, which the user agreed to lose.
-    void Discard();
+    /// @param opened  path of the file that was opened instead; it is not deleted.
+    void Discard(const QString& opened = QString());
 
     /// Ends the work on this document and leaves its recovery copy for the next start.
     void Release();
@@ -70,6 +71,10 @@ public:
     /// copy is deleted once the document has been saved elsewhere.
     /// @param stamp  the file's stamp before it was read.
     void After_Open(const QString& path, const TFileStamp& stamp);
+
+    /// Records that the abandoned recovery copy just opened is the unsaved work of its document.
+    /// Saving that document or discarding the work deletes the copy.
+    void After_Recovery(const TKeptFile& copy);
 
 private:
     void Back_Up(QFile* document, qint64 size, QString* other_version);
@@ -85,6 +90,7 @@ private:
     TCopyPolicy d_policy;
     QElapsedTimer d_clock;
     QString d_opened_path;     ///< file that the document was read from or saved to
+    QString d_recovered_path;  ///< recovery copy that is this document's unsaved work
     QString d_stamped_path;    ///< file that was last opened or saved
     TFileStamp d_stamp;        ///< of that file, after it was opened or saved
     QString d_incomplete_path; ///< target of the last save, if it was left incomplete

@@ -48,6 +48,13 @@ private slots:
     void a_document_that_cannot_be_opened_stays();
     void a_copy_is_abandoned_once_its_process_has_released_it();
     void an_opened_copy_is_deleted_after_a_save_elsewhere();
+    void recovered_work_is_deleted_after_a_save_of_its_document();
+    void discarding_recovered_work_deletes_it();
+    void recovered_work_that_is_opened_again_stays();
+    void recovered_work_stays_after_an_incomplete_save();
+    void releasing_leaves_recovered_work();
+    void a_document_saved_after_the_recovered_work_is_kept_separately_data();
+    void a_document_saved_after_the_recovered_work_is_kept_separately();
     void an_abandoned_copy_stays_otherwise_data();
     void an_abandoned_copy_stays_otherwise();
     void an_unusable_settings_folder_is_reported_once_data();
@@ -66,7 +73,8 @@ private:
         return Copies().size() == 1 ? Read_File(In("settings/recovery/" + Copies().first()))
                                     : QByteArray("not one copy");
     }
-    QString Abandon_Copy();
+    QString Abandon_Copy(const QString& document = QStringLiteral("/original.quillet"));
+    std::unique_ptr<TSafetyNet> Net_With_Recovered(const QString& document);
     void Save(TSafetyNet* net, const QString& path, const QByteArray& content);
 
     std::unique_ptr<QTemporaryDir> d_folder;
@@ -104,12 +112,22 @@ std::unique_ptr<TSafetyNet> TestSafetyNet::Net()
 }
 
 /// Leaves an abandoned copy; returns its path, or an empty one on failure.
-QString TestSafetyNet::Abandon_Copy()
+QString TestSafetyNet::Abandon_Copy(const QString& document)
 {
     d_label_size = 77;
-    Net()->Record_Change("/original.quillet");
+    Net()->Record_Change(document);
     d_label_size = 32;
     return Copies().size() == 1 ? In("settings/recovery/" + Copies().first()) : QString();
+}
+
+/// A new start that has opened the abandoned work of a document.
+std::unique_ptr<TSafetyNet> TestSafetyNet::Net_With_Recovered(const QString& document)
+{
+    const QString copy = Abandon_Copy(document);
+    auto net = Net();
+    net->After_Open(copy, TFileStamp::Of(copy));
+    net->After_Recovery(net->Abandoned().front());
+    return net;
 }
 
 /// Saves as the window does. The content may be incomplete.
@@ -432,6 +450,70 @@ void TestSafetyNet::an_opened_copy_is_deleted_after_a_save_elsewhere()
     QVERIFY(QFile::exists(kept));
     Save(net.get(), In("a.quillet"), Empty_Project());
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
+}
+
+void TestSafetyNet::recovered_work_is_deleted_after_a_save_of_its_document()
+{
+    const auto net = Net_With_Recovered(In("a.quillet"));
+    Save(net.get(), In("a.quillet"), Empty_Project());
+    QVERIFY(Entries(In("settings/recovery")).isEmpty());
+    // What the user discards from now on is not the recovered work.
+    Write_File(In("settings/recovery/other.quillet"), Empty_Project());
+    net->Discard();
+    QCOMPARE(Copies(), QStringList("other.quillet"));
+}
+
+void TestSafetyNet::discarding_recovered_work_deletes_it()
+{
+    const auto net = Net_With_Recovered(In("a.quillet"));
+    net->Record_Change(In("a.quillet"));
+    QCOMPARE(Copies().size(), 2);
+    net->Discard();
+    QVERIFY(Entries(In("settings/recovery")).isEmpty());
+}
+
+void TestSafetyNet::recovered_work_that_is_opened_again_stays()
+{
+    const auto net = Net_With_Recovered(In("a.quillet"));
+    net->Discard(net->Abandoned().front().path);
+    QCOMPARE(Only_Copy(), Empty_Project(77));
+}
+
+void TestSafetyNet::recovered_work_stays_after_an_incomplete_save()
+{
+    const auto net = Net_With_Recovered(In("a.quillet"));
+    Save(net.get(), In("a.quillet"), Empty_Project().left(20));
+    QCOMPARE(Copies().size(), 2);
+    Save(net.get(), In("a.quillet"), Empty_Project());
+    QVERIFY(Entries(In("settings/recovery")).isEmpty());
+}
+
+void TestSafetyNet::releasing_leaves_recovered_work()
+{
+    const auto net = Net_With_Recovered(In("a.quillet"));
+    net->Release();
+    net->Discard();
+    QCOMPARE(Only_Copy(), Empty_Project(77));
+}
+
+void TestSafetyNet::a_document_saved_after_the_recovered_work_is_kept_separately_data()
+{
+    QTest::addColumn<int>("age");
+    QTest::addColumn<bool>("is_kept");
+    QTest::newRow("before the crash") << 60 << false;
+    QTest::newRow("after the crash") << -60 << true;
+}
+
+void TestSafetyNet::a_document_saved_after_the_recovered_work_is_kept_separately()
+{
+    QFETCH(int, age);
+    QFETCH(bool, is_kept);
+    Write_File(In("a.quillet"), Empty_Project(50));
+    Support::Make_Old(In("a.quillet"), age);
+    const auto net = Net_With_Recovered(In("a.quillet"));
+    Save(net.get(), In("a.quillet"), Empty_Project());
+    QCOMPARE(!d_other_version.isEmpty(), is_kept);
+    QCOMPARE(is_kept ? Read_File(d_other_version) : Empty_Project(50), Empty_Project(50));
 }
 
 void TestSafetyNet::an_abandoned_copy_stays_otherwise_data()

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Closes the program with each answer to the question about unsaved work, and starts it again.
 
-A new start restores the window, a floating dock and the settings.
+A new start restores the window, a floating dock and the settings, and recovers the work of a killed
+program.
 
 Usage: restart.py QUILLET RESULTS
   QUILLET   the program
@@ -93,6 +94,37 @@ def open_again(session):
     check("unchanged after No", filecmp.cmp(again, session.project_path, False), True)
 
 
+def recover_after_a_kill(session):
+    """The next start after SIGKILL announces the unsaved work; "Open" and Save bring it back."""
+    session.start()
+    press("ctrl+o")
+    session.file_name("Select a Quillet file to open", session.project_path)
+    session.page_row(PAGE)
+    page = session.pages[PAGE]
+    spot = session.spots(page, (-60, 60))[0]
+    session.click_page(page, spot, button=3)
+    session.labels.append(label_at(spot, ELLIPSE))
+    saved = Project(session.project_path).pages[PAGE]["labels"]
+    session.program.process.kill()
+    session.program.process.wait()
+
+    session.start()
+    session.shoot("recovered-work")
+    # Only the zoom comes after the buttons of the notice.
+    press("shift+Tab", "shift+Tab", "shift+Tab", "space")
+    calm_screen()
+    session.shoot("recovered-work-opened")
+    check("unchanged before saving", Project(session.project_path).pages[PAGE]["labels"], saved)
+    press("ctrl+s")
+    wait_until("the end of the recovery copy", lambda: not recovery_copies())
+    check_labels(Project(session.project_path).pages[PAGE]["labels"], session.labels, "the page")
+    close_unchanged(session)
+
+
+def recovery_copies():
+    return glob.glob(os.path.expanduser("~/.quillet/recovery/*.quillet"))
+
+
 def float_a_dock(session):
     """A floating dock is visible where it was after a restart."""
     session.start()
@@ -130,7 +162,7 @@ def check_home(_session):
     for line in (f"Label_Size={NEW_SIZE}", "Label_Floating=true", "Page_Floating=false",
                  "Label_Color=#%02x%02x%02x" % NEW_COLOUR):
         check(f"{line} in the settings", line in settings, True)
-    check("recovery copies", glob.glob(os.path.expanduser("~/.quillet/recovery/*.quillet")), [])
+    check("recovery copies", recovery_copies(), [])
 
 
 def make_images(folder):
@@ -140,4 +172,4 @@ def make_images(folder):
 if __name__ == "__main__":
     run_steps(make_images,
               (first_look, import_pages, change_looks, label_page, close_with_cancel_then_yes,
-               open_again, float_a_dock, check_home))
+               open_again, recover_after_a_kill, float_a_dock, check_home))

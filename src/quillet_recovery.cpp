@@ -1,0 +1,119 @@
+// The notice about recovered work, and opening that work as unsaved changes of its document.
+
+#include "src/quillet.h"
+
+#include "src/safety/safetynet.h"
+#include "src/widgets/recoverynotice.h"
+
+#include <QFileInfo>
+#include <QStatusBar>
+
+#include <algorithm>
+
+namespace {
+
+/// The document that a recovery copy belongs to; empty if it was never saved among the user's
+/// files.
+QString Document_Of(const TKeptFile& copy)
+{
+    const bool is_hidden = QFileInfo(copy.document).path() == QFileInfo(copy.path).path();
+    return is_hidden ? QString() : copy.document;
+}
+
+/// The time for a notice, with the date unless it is today.
+QString Time_Text(const QDateTime& time)
+{
+    const bool is_today = time.date() == QDate::currentDate();
+    return time.toString(is_today ? QStringLiteral("hh:mm") : QStringLiteral("yyyy-MM-dd hh:mm"));
+}
+
+/// @param others  number of other recovery copies.
+QString Notice_Text(const TKeptFile& copy, std::size_t others)
+{
+    const QString document = Document_Of(copy);
+    const QString name =
+        document.isEmpty() ? TQuillet::tr("a new document") : QFileInfo(document).fileName();
+    // Both arguments at once: the name may contain "%2".
+    QString text = TQuillet::tr("Unsaved changes to %1 from %2 were recovered")
+                       .arg(name, Time_Text(copy.time));
+    if (copy.missing_images > 0)
+        text += TQuillet::tr("; missing images: %1").arg(copy.missing_images);
+    return others == 0 ? text : text + TQuillet::tr(" (%1 more)").arg(others);
+}
+
+/// The tool tip of the notice. Its first line has no names, which may look like rich text.
+QString Notice_Details(const TKeptFile& copy)
+{
+    const QString document = Document_Of(copy);
+    QString text =
+        TQuillet::tr("The program ended before this work was saved.\nRecovered work: ") + copy.path;
+    if (!document.isEmpty())
+        text += TQuillet::tr("\nDocument: ") + document;
+    if (!document.isEmpty() && !QFileInfo::exists(document))
+        text += TQuillet::tr("\nThe document does not exist any more. Saving creates it again.");
+    return text;
+}
+
+} // namespace
+
+/// Shows a notice for each of these recovery copies, one after the other.
+void TQuillet::Show_Recovery_Notice(const std::vector<TKeptFile>& copies)
+{
+    d_recovered = copies;
+    if (!d_recovery_notice && !d_recovered.empty()) {
+        d_recovery_notice = new TRecoveryNotice(this);
+        connect(d_recovery_notice, &TRecoveryNotice::Open_Requested, this,
+                &TQuillet::Open_Recovered);
+        connect(d_recovery_notice, &TRecoveryNotice::Dismissed, this, &TQuillet::Dismiss_Recovered);
+        statusBar()->addWidget(d_recovery_notice);
+    }
+    Update_Recovery_Notice();
+}
+
+/// Shows the notice for the next recovery copy that still exists, or hides it.
+void TQuillet::Update_Recovery_Notice()
+{
+    const auto end =
+        std::remove_if(d_recovered.begin(), d_recovered.end(),
+                       [](const TKeptFile& copy) { return !QFileInfo::exists(copy.path); });
+    d_recovered.erase(end, d_recovered.end());
+    if (!d_recovered.empty())
+        d_recovery_notice->Set_Text(Notice_Text(d_recovered.front(), d_recovered.size() - 1),
+                                    Notice_Details(d_recovered.front()));
+    else if (d_recovery_notice)
+        d_recovery_notice->hide();
+}
+
+/// Goes on to the next recovery copy. The file stays.
+void TQuillet::Dismiss_Recovered()
+{
+    d_recovered.erase(d_recovered.begin());
+    Update_Recovery_Notice();
+}
+
+/// Opens the recovery copy that the notice is about as unsaved changes of its document.
+void TQuillet::Open_Recovered()
+{
+    Commit_Editors();
+    if (!Confirm_Loss())
+        return;
+    Copy_Pending_Work();
+    TKeptFile copy = d_recovered.front();
+    const bool loaded = Replace_Document(copy.path);
+    if (!d_has_new_document) {
+        // Another window may have saved the work and deleted the copy.
+        Update_Recovery_Notice();
+        return;
+    }
+    // Save asks for a name if only a part was read: it must not replace the complete document.
+    d_file_name = loaded ? Document_Of(copy) : QString();
+    if (!d_file_name.isEmpty())
+        Set_Working_File(d_file_name);
+    d_data_changed = true;
+    if (loaded) {
+        copy.document = d_file_name;
+        d_safety_net->After_Recovery(copy);
+        Dismiss_Recovered();
+    }
+    Update_Document_Actions();
+}

@@ -1,0 +1,74 @@
+#include "src/widgets/recoverynotice.h"
+
+#include "src/widgets/accessibility.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QStyle>
+#include <QToolButton>
+
+namespace {
+
+/// One line of plain text, elided to the width of the label.
+class TElidedLabel : public QLabel
+{
+public:
+    explicit TElidedLabel(QWidget* parent)
+        : QLabel(parent)
+    {
+        // A file name may look like rich text.
+        setTextFormat(Qt::PlainText);
+    }
+
+    QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter painter(this);
+        style()->drawItemText(
+            &painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
+            fontMetrics().elidedText(text(), Qt::ElideRight, width()), foregroundRole());
+    }
+};
+
+QToolButton* New_Button(const QString& text, const QString& description, QWidget* parent)
+{
+    auto* const button = new QToolButton(parent);
+    button->setText(text);
+    button->setToolTip(description);
+    Accessibility::Describe(button, text, description);
+    return button;
+}
+
+} // namespace
+
+TRecoveryNotice::TRecoveryNotice(QWidget* parent)
+    : QWidget(parent)
+    , d_label(new TElidedLabel(this))
+{
+    auto* const open =
+        New_Button(tr("Open"), tr("Open the recovered work as unsaved changes"), this);
+    auto* const dismiss = New_Button(
+        tr("Dismiss"), tr("Hide this notice until the next start; the file stays"), this);
+    connect(open, &QToolButton::clicked, this, &TRecoveryNotice::Open_Requested);
+    connect(dismiss, &QToolButton::clicked, this, &TRecoveryNotice::Dismissed);
+
+    auto* const layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(d_label);
+    layout->addWidget(open);
+    layout->addWidget(dismiss);
+}
+
+void TRecoveryNotice::Set_Text(const QString& text, const QString& details)
+{
+    d_label->setText(text);
+    d_label->setToolTip(details);
+}
+
+QString TRecoveryNotice::Text() const
+{
+    return d_label->text();
+}
