@@ -1,6 +1,5 @@
 #include "src/model/pageitem.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -20,14 +19,4 @@ bool Has_Same_Content(const TDataItem& left, const TDataItem& right)
            left.border_type == right.border_type &&
            Is_Same(left.position.x(), right.position.x()) &&
            Is_Same(left.position.y(), right.position.y()) && left.text == right.text;
-}
-
-bool Has_Same_Content(const TPageItem& left, const TPageItem& right)
-{
-    const auto has_same_content = [](const TDataItem& one, const TDataItem& other) {
-        return Has_Same_Content(one, other);
-    };
-    return left.page_id == right.page_id && left.image.Is_Same(right.image) &&
-           std::equal(left.data_items.cbegin(), left.data_items.cend(), right.data_items.cbegin(),
-                      right.data_items.cend(), has_same_content);
 }

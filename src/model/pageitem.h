@@ -32,5 +32,3 @@ struct TPageItem
 
 /// Whether two labels are equal except for their selection.
 bool Has_Same_Content(const TDataItem& left, const TDataItem& right);
-/// Whether two pages are equal except for the selection of their labels.
-bool Has_Same_Content(const TPageItem& left, const TPageItem& right);

@@ -23,6 +23,27 @@ const TPageItem* Find_Page(const TData& data, int page_id)
     return index < 0 ? nullptr : &data.Pages()[static_cast<std::size_t>(index)];
 }
 
+std::size_t Bytes_Of(const QString& text)
+{
+    return static_cast<std::size_t>(text.size()) * sizeof(QChar);
+}
+
+std::size_t Text_Bytes(const TPageItem& page)
+{
+    std::size_t bytes = 0;
+    for (const TDataItem& item : page.data_items)
+        bytes += Bytes_Of(item.text);
+    return bytes;
+}
+
+std::size_t Text_Bytes(const TPageRows& rows)
+{
+    std::size_t bytes = 0;
+    for (const TNamedPage& row : rows)
+        bytes += Bytes_Of(row.name);
+    return bytes;
+}
+
 /// Ids of the rows that are not in the other list or have another name there.
 std::vector<int> Changed_Rows(const TPageRows& rows, const TPageRows& other)
 {
@@ -43,6 +64,7 @@ std::vector<int> Changed_Rows(const TPageRows& rows, const TPageRows& other)
 TDocumentStep::TDocumentStep(const TData& data, TDocumentFacts facts)
     : d_page_order(Page_Order(data))
     , d_facts(std::move(facts))
+    , d_text_bytes(Text_Bytes(d_facts.rows))
 {
 }
 
@@ -53,18 +75,46 @@ void TDocumentStep::Store_Page(const TPageItem& page)
     };
     const bool is_new =
         std::find(d_page_order.cbegin(), d_page_order.cend(), page.page_id) == d_page_order.cend();
-    if (!is_new && std::none_of(d_pages.cbegin(), d_pages.cend(), is_page))
-        d_pages.push_back(page);
+    if (is_new || std::any_of(d_pages.cbegin(), d_pages.cend(), is_page))
+        return;
+    d_pages.push_back(page);
+    d_text_bytes += Text_Bytes(page);
 }
 
 void TDocumentStep::Close(const TData& data)
 {
-    const auto is_unchanged = [&data](const TPageItem& stored) {
-        const TPageItem* const page = Find_Page(data, stored.page_id);
-        return page && Has_Same_Content(*page, stored);
+    const auto is_unchanged = [this, &data](const TPageItem& stored) {
+        return Is_Unchanged(data, stored);
     };
-    d_pages.erase(std::remove_if(d_pages.begin(), d_pages.end(), is_unchanged), d_pages.end());
+    const auto unchanged = std::remove_if(d_pages.begin(), d_pages.end(), is_unchanged);
+    if (unchanged != d_pages.end()) {
+        d_pages.erase(unchanged, d_pages.end());
+        Count_Texts();
+    }
     Release_Images(data);
+}
+
+/// Whether the document has a stored page with the same content.
+bool TDocumentStep::Is_Unchanged(const TData& data, const TPageItem& stored)
+{
+    const TPageItem* const page = Find_Page(data, stored.page_id);
+    if (!page)
+        return false;
+    const std::vector<TDataItem>& items = page->data_items;
+    const std::vector<TDataItem>& others = stored.data_items;
+    // The label that was changed last time usually still is. Comparing a large page after each
+    // keystroke would take too long.
+    if (d_difference < std::min(items.size(), others.size()) &&
+        !Has_Same_Content(items[d_difference], others[d_difference]))
+        return false;
+    const auto has_same_content = [](const TDataItem& one, const TDataItem& other) {
+        return Has_Same_Content(one, other);
+    };
+    const auto difference = std::mismatch(items.cbegin(), items.cend(), others.cbegin(),
+                                          others.cend(), has_same_content);
+    d_difference = static_cast<std::size_t>(difference.first - items.cbegin());
+    return difference.first == items.cend() && difference.second == others.cend() &&
+           page->image.Is_Same(stored.image);
 }
 
 bool TDocumentStep::Is_Void(const TData& data, const TDocumentFacts& facts) const
@@ -89,13 +139,16 @@ void TDocumentStep::Swap(TData* data, TDocumentFacts* facts)
 {
     data->Swap_Pages(&d_page_order, &d_pages);
     std::swap(d_facts, *facts);
+    Count_Texts();
     Release_Images(*data);
 }
 
 /// Drops the pixels of images that the document no longer has, and updates the size of the step.
 void TDocumentStep::Release_Images(const TData& data)
 {
-    std::size_t bytes = sizeof(*this) + d_page_order.size() * sizeof(int);
+    std::size_t bytes = sizeof(*this) + d_page_order.size() * sizeof(int) +
+                        static_cast<std::size_t>(d_facts.rows.size()) * sizeof(TNamedPage) +
+                        d_text_bytes;
     for (TPageItem& stored : d_pages) {
         bytes += sizeof(stored) + stored.data_items.size() * sizeof(TDataItem);
         const TPageItem* const page = Find_Page(data, stored.page_id);
@@ -105,4 +158,11 @@ void TDocumentStep::Release_Images(const TData& data)
         bytes += static_cast<std::size_t>(stored.image.Source_Bytes().size());
     }
     d_bytes = static_cast<qint64>(bytes);
+}
+
+void TDocumentStep::Count_Texts()
+{
+    d_text_bytes = Text_Bytes(d_facts.rows);
+    for (const TPageItem& page : d_pages)
+        d_text_bytes += Text_Bytes(page);
 }

@@ -56,15 +56,19 @@ public:
     /// Exchanges the stored state and the document's: undoes the step or redoes it.
     void Swap(TData* data, TDocumentFacts* facts);
 
-    /// Estimate of the memory that the step uses, in bytes: its pages, their labels, and the
-    /// encoded images that the document does not share. Label texts are left out; most are shared.
+    /// Upper bound of the memory that the step uses, in bytes: pages, labels, rows, and the encoded
+    /// images that the document does not share. Steps may share texts and rows.
     qint64 Bytes() const { return d_bytes; }
 
 private:
+    bool Is_Unchanged(const TData& data, const TPageItem& stored);
     void Release_Images(const TData& data);
+    void Count_Texts();
 
     std::vector<TPageItem> d_pages; ///< those that differ from the document's
     std::vector<int> d_page_order;  ///< ids of all pages, in the model's order
     TDocumentFacts d_facts;
+    std::size_t d_difference = 0; ///< index of a label that was changed when last compared
+    std::size_t d_text_bytes = 0; ///< of label texts and page names
     qint64 d_bytes = 0;
 };

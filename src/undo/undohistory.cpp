@@ -3,6 +3,7 @@
 #include <QAbstractItemModel>
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace {
@@ -97,7 +98,7 @@ void TUndoHistory::Begin(TStepKind kind, int subject, int count)
                            Current_Step().kind == kind && Current_Step().subject == subject;
     if (!continues) {
         d_may_continue = false;
-        d_new = TStep{kind, subject, count, TDocumentStep(*d_data, Facts()), Shown(), {}};
+        d_new = TStep{kind, subject, count, TDocumentStep(*d_data, Facts()), Shown(), {}, 0};
     }
     d_data->Set_Recorder(
         [this](const TPageItem& page) { Current_Step().document.Store_Page(page); });
@@ -117,12 +118,14 @@ void TUndoHistory::End()
     // thousands of labels that have it already would otherwise read the selection for each.
     if (d_new && is_void)
         return;
-    if (d_new) {
-        Push_New_Step();
-    } else if (is_void) {
-        d_steps.pop_back();
+    if (is_void) {
+        Drop_Newest_Step();
         --d_done_count;
         d_may_continue = false;
+    } else {
+        if (d_new)
+            Push_New_Step();
+        Measure(&Current_Step());
     }
     emit Step_Recorded();
 }
@@ -130,21 +133,32 @@ void TUndoHistory::End()
 void TUndoHistory::Push_New_Step()
 {
     d_new->after = Shown();
-    d_steps.erase(d_steps.begin() + static_cast<int>(d_done_count), d_steps.end());
+    while (Can_Redo())
+        Drop_Newest_Step();
     d_steps.push_back(std::move(*d_new));
     ++d_done_count;
     d_new.reset();
     d_may_continue = true;
-    Drop_Oldest_Steps();
 }
 
-void TUndoHistory::Drop_Oldest_Steps()
+void TUndoHistory::Drop_Newest_Step()
 {
-    qint64 bytes = 0;
-    for (const TStep& step : d_steps)
-        bytes += step.document.Bytes();
-    while (bytes > d_budget && d_steps.size() > Minimum_Steps) {
-        bytes -= d_steps.front().document.Bytes();
+    d_bytes -= d_steps.back().bytes;
+    d_steps.pop_back();
+}
+
+/// Updates the size of a step that was recorded, continued, undone or redone. If the budget is
+/// exceeded, drops the oldest steps, but never those that were undone or the last one that is done.
+void TUndoHistory::Measure(TStep* step)
+{
+    int selected = 0;
+    for (const TShownState* const shown : {&step->before, &step->after})
+        selected += shown->pages.size() + shown->labels.size();
+    d_bytes -= step->bytes;
+    step->bytes = step->document.Bytes() + selected * qint64{sizeof(int)};
+    d_bytes += step->bytes;
+    while (d_bytes > d_budget && d_steps.size() > Minimum_Steps && d_done_count > 1) {
+        d_bytes -= d_steps.front().bytes;
         d_steps.pop_front();
         --d_done_count;
     }
@@ -161,9 +175,11 @@ void TUndoHistory::Finish_Step()
 
 void TUndoHistory::Clear()
 {
+    assert(d_depth == 0);
     d_new.reset();
     d_may_continue = false;
     d_steps.clear();
+    d_bytes = 0;
     d_done_count = 0;
     d_shown = {};
     d_rows.clear();
@@ -172,6 +188,7 @@ void TUndoHistory::Clear()
 
 std::optional<TStepOutcome> TUndoHistory::Undo()
 {
+    assert(d_depth == 0);
     Finish_Step();
     if (!Can_Undo())
         return std::nullopt;
@@ -183,6 +200,7 @@ std::optional<TStepOutcome> TUndoHistory::Undo()
 
 std::optional<TStepOutcome> TUndoHistory::Redo()
 {
+    assert(d_depth == 0);
     Finish_Step();
     if (!Can_Redo())
         return std::nullopt;
@@ -204,6 +222,7 @@ TStepOutcome TUndoHistory::Swap(TStep* step, const TShownState& shown)
     outcome.facts = Facts();
     step->document.Swap(d_data, &outcome.facts);
     d_rows = outcome.facts.rows;
+    Measure(step);
     return outcome;
 }
 

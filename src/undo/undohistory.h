@@ -98,12 +98,14 @@ private:
         TDocumentStep document;
         TShownState before;
         TShownState after;
+        qint64 bytes; ///< as last measured
     };
 
     void Begin(TStepKind kind, int subject, int count);
     void End();
     void Push_New_Step();
-    void Drop_Oldest_Steps();
+    void Drop_Newest_Step();
+    void Measure(TStep* step);
     TStep& Current_Step();
     TDocumentFacts Facts() const;
     TShownState Shown();
@@ -114,6 +116,7 @@ private:
     qint64 d_budget;
 
     std::deque<TStep> d_steps;     ///< oldest first
+    qint64 d_bytes = 0;            ///< of all steps
     std::size_t d_done_count = 0;  ///< how many of them are done; the others were undone
     std::optional<TStep> d_new;    ///< a step that began and has changed nothing so far
     bool d_may_continue = false;   ///< whether further changes may belong to the last step

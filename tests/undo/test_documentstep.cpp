@@ -27,7 +27,8 @@ private slots:
     void a_removed_page_keeps_no_pixels();
     void a_replaced_image_keeps_no_pixels();
     void a_changed_page_shares_its_image();
-    void bytes_count_only_labels_and_images_of_the_step();
+    void a_label_that_changes_back_is_compared_with_the_others();
+    void bytes_count_labels_texts_rows_and_images_of_the_step();
     void a_random_walk_returns_to_its_beginning();
 
 private:
@@ -311,10 +312,38 @@ void TestDocumentStep::a_changed_page_shares_its_image()
     QVERIFY(d_data->Pages()[0].image.Is_Copy_Of(image));
 }
 
-void TestDocumentStep::bytes_count_only_labels_and_images_of_the_step()
+void TestDocumentStep::a_label_that_changes_back_is_compared_with_the_others()
+{
+    TDocumentStep step(*d_data, {});
+    d_data->Set_Recorder([&step](const TPageItem& page) { step.Store_Page(page); });
+    const auto is_void_after = [&](int id, int value) {
+        d_data->Change_Item_Value(id, value);
+        step.Close(*d_data);
+        return step.Is_Void(*d_data, {});
+    };
+    QVERIFY(!is_void_after(13, 9));
+    QVERIFY(!is_void_after(11, 9));
+    QVERIFY(!is_void_after(13, 3));
+    QVERIFY(is_void_after(11, 1));
+    // Removing the last label leaves no label to compare with it.
+    QVERIFY(!is_void_after(13, 9));
+    d_data->Remove_Item(13);
+    QVERIFY(!is_void_after(12, 2));
+}
+
+void TestDocumentStep::bytes_count_labels_texts_rows_and_images_of_the_step()
 {
     const qint64 nothing = Run([](TData*) {}).Bytes();
-    const auto labels = static_cast<qint64>(3 * sizeof(TDataItem));
+    // Three labels with the text "text", and two rows with names such as "Page 1".
+    const auto labels = static_cast<qint64>(3 * (sizeof(TDataItem) + 4 * sizeof(QChar)));
+    const auto rows = static_cast<qint64>(2 * (sizeof(TNamedPage) + 6 * sizeof(QChar)));
+    QCOMPARE(Run([](TData*) {}, {Rows({1, 2}), {}}).Bytes(), nothing + rows);
+    // A page that did not change after all does not count.
+    const auto change_back = [](TData* data) {
+        data->Change_Item_Value(12, 9);
+        data->Change_Item_Value(12, 2);
+    };
+    QCOMPARE(Run(change_back).Bytes(), nothing);
     const auto page = static_cast<qint64>(sizeof(TPageItem));
     QCOMPARE(Run([](TData* data) { data->Change_Item_Value(12, 9); }).Bytes(),
              nothing + page + labels);
@@ -324,6 +353,8 @@ void TestDocumentStep::bytes_count_only_labels_and_images_of_the_step()
     TDocumentFacts facts;
     removed.Swap(d_data.get(), &facts);
     QVERIFY(removed.Bytes() < nothing);
+    removed.Swap(d_data.get(), &facts);
+    QCOMPARE(removed.Bytes(), nothing + page + labels + image);
 }
 
 void TestDocumentStep::a_random_walk_returns_to_its_beginning()

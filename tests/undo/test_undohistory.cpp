@@ -1,5 +1,7 @@
 #include "src/undo/undohistory.h"
 
+#include "support/support.h"
+
 #include <QStandardItemModel>
 #include <QtTest>
 
@@ -40,6 +42,9 @@ private slots:
     void a_row_missing_during_a_drag_is_not_a_step();
     void rows_that_change_within_a_step_belong_to_it();
     void the_oldest_steps_are_dropped_beyond_the_budget();
+    void selections_count_towards_the_budget();
+    void a_continued_step_counts_towards_the_budget();
+    void an_undone_step_counts_towards_the_budget();
     void two_hundred_steps_are_kept_whatever_they_need();
 
 private:
@@ -47,11 +52,14 @@ private:
     void Record(TStepKind kind, int subject, const std::function<void()>& change, int count = 1);
     void Change_Border(int id, int border);
     void Change_Value(int id, int value);
+    void Change_Values(int steps);
+    int Undo_All();
     int Value(int place) const { return d_model.Item(place).value; }
 
     TData d_model;
     int d_reads = 0;    ///< number of reads of the shown state
     int d_selected = 0; ///< selected label; 0 for another one each time
+    int d_selection_size = 1;
     TShownState
         d_values; ///< values that are shown; a next value of 0 stands for another one each time
     TPageRows d_rows;
@@ -69,6 +77,7 @@ void TestUndoHistory::init()
         d_model.Add_Item({id, id, QString(), id == 3 ? 1 : 2, QPointF(id, id), false});
     d_reads = 0;
     d_selected = 0;
+    d_selection_size = 1;
     d_values = {};
     d_rows = {{1, "Page 1"}};
     d_look = {32, Qt::red};
@@ -81,7 +90,7 @@ void TestUndoHistory::Start(qint64 budget)
     const auto shown = [this] {
         ++d_reads;
         return TShownState{{1},
-                           {d_selected ? d_selected : d_reads},
+                           QVector<int>(d_selection_size, d_selected ? d_selected : d_reads),
                            d_values.next_value ? d_values.next_value : d_reads,
                            d_values.value_without_selection};
     };
@@ -108,6 +117,24 @@ void TestUndoHistory::Change_Border(int id, int border)
 void TestUndoHistory::Change_Value(int id, int value)
 {
     Record(TStepKind::Change_Value, id, [&] { d_model.Change_Item_Value(id, value); });
+}
+
+/// Makes one step after the other.
+void TestUndoHistory::Change_Values(int steps)
+{
+    for (int value = 100; value < 100 + steps; ++value) {
+        Change_Value(1, value);
+        d_history->Finish_Step();
+    }
+}
+
+/// Undoes all steps; returns how many there were.
+int TestUndoHistory::Undo_All()
+{
+    int steps = 0;
+    for (; d_history->Can_Undo(); ++steps)
+        d_history->Undo();
+    return steps;
 }
 
 void TestUndoHistory::a_run_that_changes_nothing_reads_the_shown_state_once()
@@ -492,28 +519,54 @@ void TestUndoHistory::the_oldest_steps_are_dropped_beyond_the_budget()
     const auto labels_bytes = static_cast<qint64>(3 * sizeof(TDataItem));
     const auto kept = static_cast<qint64>(TUndoHistory::Minimum_Steps) + 50;
     Start(kept * (labels_bytes + 300));
-    for (int value = 100; value < 1000; ++value) {
-        Change_Value(1, value);
-        d_history->Finish_Step();
-    }
-    qint64 steps = 0;
-    for (; d_history->Can_Undo(); ++steps)
-        d_history->Undo();
+    Change_Values(900);
+    const qint64 steps = Undo_All();
     QVERIFY2(steps >= kept && steps < 4 * kept, qPrintable(QString::number(steps)));
     QCOMPARE(Value(0), static_cast<int>(999 - steps));
+}
+
+void TestUndoHistory::selections_count_towards_the_budget()
+{
+    for (const int size : {1, 1000}) {
+        d_selection_size = size;
+        Start(1024 * 1024);
+        Change_Values(300);
+        QCOMPARE(Undo_All(), size == 1 ? 300 : 200);
+    }
+}
+
+void TestUndoHistory::a_continued_step_counts_towards_the_budget()
+{
+    const int large_page = d_model.Add_Page();
+    d_model.Set_Active_Page(large_page);
+    for (int id = 1; id <= 50000; ++id)
+        d_model.Add_Item({id, id, QString(), 2, QPointF(), false});
+    d_model.Set_Active_Page(1);
+    Start(1024 * 1024);
+    Change_Values(300);
+    Change_Border(1, 4);
+    d_model.Set_Active_Page(large_page);
+    Change_Border(1, 4);
+    QCOMPARE(Undo_All(), 200);
+}
+
+void TestUndoHistory::an_undone_step_counts_towards_the_budget()
+{
+    Start(1024 * 1024);
+    Change_Values(300);
+    QByteArray image(2 * 1024 * 1024, '\0');
+    image.prepend(Support::Png(Support::Picture(4, 4)));
+    Record(TStepKind::Import, 0, [&] { d_model.Add_Page(TPageImage::From_Bytes(image)); });
+    // With the page, its image becomes part of the step.
+    QVERIFY(d_history->Undo().has_value());
+    QCOMPARE(Undo_All(), 199);
 }
 
 void TestUndoHistory::two_hundred_steps_are_kept_whatever_they_need()
 {
     Start(0);
-    for (int value = 100; value < 350; ++value) {
-        Change_Value(1, value);
-        d_history->Finish_Step();
-    }
-    int steps = 0;
-    for (; d_history->Can_Undo(); ++steps)
-        d_history->Undo();
-    QCOMPARE(steps, 200);
+    Change_Values(250);
+    QCOMPARE(Undo_All(), 200);
     QCOMPARE(Value(0), 149);
     while (d_history->Can_Redo())
         d_history->Redo();
