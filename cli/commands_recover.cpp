@@ -36,13 +36,9 @@ void Commands::Recover(TCommandLine* line)
     TProjectSurvey survey = Files::Survey(path);
     if (survey.pages.empty() && !survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
-    TDocument document;
-    document.appearance = survey.appearance;
-    for (TSurveyedPage& page : survey.pages) {
+    for (TSurveyedPage& page : survey.pages)
         page.image = Sound_Image(page.image);
-        document.Add_Page(page);
-    }
-    Files::Save(output, document);
+    Files::Save(output, TDocument(survey));
 
     for (const TProjectDefect& defect : std::as_const(survey.defects))
         Terminal::Print(Tr("%1: damaged, %2").arg(path, Files::Describe(defect)));

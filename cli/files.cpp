@@ -19,14 +19,10 @@ namespace {
 
 TDocument Load_Project(const QString& path)
 {
-    const QByteArray bytes = Files::Read(path);
-    const TProjectSurvey survey = ProjectSurvey::Survey(bytes);
+    const TProjectSurvey survey = ProjectSurvey::Survey(Files::Read(path));
     if (!survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
-    const TFileContent content = ProjectFile::Read(bytes);
-    if (!content.fault.isEmpty())
-        throw TJobError{path, content.fault};
-    return TDocument(content);
+    return TDocument(survey);
 }
 
 } // namespace

@@ -19,6 +19,13 @@ TDocument::TDocument(const TFileContent& content)
         Add_Page(page);
 }
 
+TDocument::TDocument(const TProjectSurvey& survey)
+    : appearance(survey.appearance)
+{
+    for (const TFilePage& page : survey.pages)
+        Add_Page(page);
+}
+
 const TPageItem& TDocument::Content(const TNamedPage& page) const
 {
     return data.Page(page.page_id);

@@ -2,6 +2,7 @@
 
 #include "src/data.h"
 #include "src/format/filecontent.h"
+#include "src/format/projectsurvey.h"
 #include "src/model/appearance.h"
 #include "src/model/namedpage.h"
 
@@ -22,6 +23,9 @@ struct TDocument
     TDocument() = default;
     /// The document that the window shows after it has opened a file with this content.
     explicit TDocument(const TFileContent& content);
+    /// Everything that can be read of a project file. The same as the other constructor makes of a
+    /// file without defects.
+    explicit TDocument(const TProjectSurvey& survey);
 
     /// Image and labels of a page in the list.
     const TPageItem& Content(const TNamedPage& page) const;
