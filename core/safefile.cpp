@@ -89,7 +89,7 @@ bool Copy_Content(const QString& from, const QString& to)
         !copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered | QIODevice::ExistingOnly))
         return false;
     return Clone(source, copy, source.size()) ||
-           (source.seek(0) && copy.resize(0) && copy.seek(0) && Copy_Blocks(&source, &copy));
+           (source.seek(0) && copy.seek(0) && Copy_Blocks(&source, &copy));
 }
 
 /// The file that a path refers to. Replaces the target of a link, not the link itself.
@@ -203,9 +203,9 @@ QString TSafeFile::Make_Visible()
 bool TSafeFile::Is_Complete(const QString& path, qint64 size, const QByteArray& end)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || (size >= 0 && file.size() != size) ||
-        file.size() < end.size())
+    if (!file.open(QIODevice::ReadOnly) || (size >= 0 && file.size() != size))
         return false;
+    // Seeking to a negative position fails.
     return file.seek(file.size() - end.size()) && file.read(end.size()) == end;
 }
 

@@ -145,7 +145,6 @@ void TXmlFile::Open(const QString& identification, int* version, bool namespace_
     // Do not translate line ends: in UTF-16, a carriage-return byte may be half a character.
     file.setTextModeEnabled(false);
     const QByteArray data = file.readAll();
-    file.close();
     Load(data, namespace_processing,
          QStringLiteral("ERR: Reference file XML parse error at line %1 column %2: %3"));
     Identify(identification, version);
@@ -349,13 +348,11 @@ void TXmlFile::Write_File(bool compact) const
         Throw_Data_Error(QStringLiteral("ERR:  Cannot write file '%1'.  Reason: %2")
                              .arg(d_file_path, file.errorString()));
     Save_To(&file, compact);
-    file.close();
 }
 
 void TXmlFile::Write_Data(QByteArray* data, bool compact) const
 {
     assert(data);
-    data->clear();
     QBuffer buffer(data);
     buffer.open(QIODevice::WriteOnly);
     Save_To(&buffer, compact);

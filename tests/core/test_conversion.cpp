@@ -254,6 +254,7 @@ void TestConversion::ascii_ends_with_the_zero_byte_or_the_array()
     QFETCH(unsigned int, index);
     QFETCH(QByteArray, expected);
     QCOMPARE(Conversion::Ascii(index, QByteArray("AB\0CD", 5)), expected);
+    QCOMPARE(Conversion::Ascii(0, QByteArray("\0A", 2)), QByteArray("\0", 1));
 }
 
 void TestConversion::ascii_requires_an_index_within_the_array()

@@ -79,6 +79,8 @@ private slots:
     void a_failed_overwrite_leaves_the_complete_new_file();
     void a_kill_while_overwriting_leaves_the_complete_new_file();
     void existing_files_named_like_the_new_one_stay();
+    void the_visible_file_has_a_number_up_to_100_data();
+    void the_visible_file_has_a_number_up_to_100();
     void without_a_visible_name_the_target_is_not_overwritten();
     void a_private_file_replaces_one_name_only();
     void an_unfinished_file_is_locked();
@@ -93,9 +95,12 @@ private slots:
     void a_copy_has_the_content_of_its_source();
     void a_copy_of_a_missing_file_fails();
     void a_copy_that_comes_short_fails();
+    void a_copy_is_never_written_directly();
+    void a_committed_file_is_unlocked();
     void a_complete_file_has_the_right_size_and_end_data();
     void a_complete_file_has_the_right_size_and_end();
     void only_existing_files_can_be_synced();
+    void a_device_needs_no_sync();
     void a_file_is_synced_also_without_standard_input();
 
 private:
@@ -352,6 +357,27 @@ void TestSafeFile::existing_files_named_like_the_new_one_stay()
     QCOMPARE(Entries(d_folder->path()).size(), 4);
 }
 
+void TestSafeFile::the_visible_file_has_a_number_up_to_100_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("is_replaced");
+    QTest::newRow("the last one is unused") << 99 << true;
+    QTest::newRow("all are used") << 100 << false;
+}
+
+void TestSafeFile::the_visible_file_has_a_number_up_to_100()
+{
+    QFETCH(int, count);
+    QFETCH(bool, is_replaced);
+    Write_File_With_Two_Names("file");
+    Write_File(In("file.new"), "of the user");
+    for (int number = 2; number <= count; ++number)
+        Write_File(In("file.new-" + QString::number(number)), "of the user");
+    QCOMPARE(TSafeFile::Replace(In("file"), "new"), is_replaced);
+    QCOMPARE(Read_File(In("two")), QByteArray(is_replaced ? "new" : "old and long"));
+    QCOMPARE(Entries(d_folder->path()).size(), count + 2);
+}
+
 void TestSafeFile::without_a_visible_name_the_target_is_not_overwritten()
 {
     // With a suffix it would exceed the 255 bytes of a file name.
@@ -491,6 +517,31 @@ void TestSafeFile::a_copy_that_comes_short_fails()
     QCOMPARE(result.exit_code, 0);
 }
 
+void TestSafeFile::a_copy_is_never_written_directly()
+{
+    Write_File(In("source"), "new");
+    Write_File(In("file"), "old");
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        chmod(QFile::encodeName(d_folder->path()).constData(), 0500);
+        Support::Obey_File_Permissions();
+        TSafeFile copy(In("file"));
+        return copy.Is_Beside() || copy.Copy_From(In("source")) ? 1 : 0;
+    });
+    chmod(QFile::encodeName(d_folder->path()).constData(), 0700);
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(In("file")), QByteArray("old"));
+}
+
+void TestSafeFile::a_committed_file_is_unlocked()
+{
+    TSafeFile file(In("file"));
+    Write_File(file.Path_To_Write(), "new");
+    QVERIFY(file.Commit(Accept));
+    QFile committed(In("file"));
+    QVERIFY(committed.open(QIODevice::ReadOnly));
+    QCOMPARE(flock(committed.handle(), LOCK_EX | LOCK_NB), 0);
+}
+
 void TestSafeFile::a_complete_file_has_the_right_size_and_end_data()
 {
     QTest::addColumn<int>("size");
@@ -520,6 +571,11 @@ void TestSafeFile::only_existing_files_can_be_synced()
     QVERIFY(TSafeFile::Sync(In("file")));
     QVERIFY(TSafeFile::Sync(d_folder->path()));
     QVERIFY(!TSafeFile::Sync(In("missing")));
+}
+
+void TestSafeFile::a_device_needs_no_sync()
+{
+    QVERIFY(TSafeFile::Sync("/dev/null"));
 }
 
 void TestSafeFile::a_file_is_synced_also_without_standard_input()

@@ -4,9 +4,12 @@
 #include "core/unfinishedfile.h"
 #include "support/support.h"
 
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <climits>
 #include <csignal>
 #include <memory>
 #include <vector>
@@ -28,6 +31,7 @@ private slots:
     void finished_files_stay();
     void files_without_a_slot_stay();
     void without_the_handler_files_stay();
+    void a_path_that_is_too_long_is_not_cut();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -67,6 +71,7 @@ void TestUnfinishedFile::a_signal_deletes_unfinished_files_and_ends_the_process(
         std::signal(signal, SIG_DFL);
         TUnfinishedFile::Delete_On_Signals();
         const TSafeFile file(In("target"));
+        Write_File(file.Path_To_Write(), "new");
         const auto another = New_File("another");
         raise(signal);
         return 0;
@@ -127,6 +132,28 @@ void TestUnfinishedFile::without_the_handler_files_stay()
     });
     QCOMPARE(result.signal, SIGTERM);
     QCOMPARE(Entries(d_folder->path()), QStringList{"file"});
+}
+
+void TestUnfinishedFile::a_path_that_is_too_long_is_not_cut()
+{
+    QString path = d_folder->path();
+    constexpr int longest_name = 255;
+    while (path.size() + longest_name + 1 < PATH_MAX - 2) {
+        path += '/' + QString(longest_name, 'd');
+        QVERIFY(QDir().mkdir(path));
+    }
+    path += '/';
+    path = path.leftJustified(PATH_MAX - 1, 'f');
+    Write_File(path, "of the user");
+    QVERIFY(QFile::exists(path));
+    const Support::TChildResult result = Support::Run_In_Child([&path] {
+        TUnfinishedFile::Delete_On_Signals();
+        const TUnfinishedFile file(path + 'x');
+        raise(SIGTERM);
+        return 0;
+    });
+    QCOMPARE(result.signal, SIGTERM);
+    QVERIFY(QFile::exists(path));
 }
 
 QTEST_MAIN(TestUnfinishedFile)

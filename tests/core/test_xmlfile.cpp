@@ -132,6 +132,9 @@ private slots:
     void texts_are_written();
     void numbers_are_written_as_text();
     void invalid_texts_are_refused();
+    void lines_stay_in_compact_output_data();
+    void lines_stay_in_compact_output();
+    void the_error_about_invalid_lines_contains_all_of_them();
     void attributes_are_written();
     void attributes_require_a_name();
     void writers_require_pointers();
@@ -475,6 +478,7 @@ void TestXmlFile::ruinous_documents_are_parse_errors()
 {
     const QByteArray deep = QByteArray("<R>").repeated(1000000);
     TXmlFile file;
+    file.Open_Data("<R/>", QStringLiteral("R"), nullptr, true);
     COMPARE_THROWN(file.Open_Data(deep, "R", nullptr, true), Data_Error,
                    "ERR: Reference data XML parse error at line elements nested too deeply column "
                    "1: 771");
@@ -718,6 +722,8 @@ void TestXmlFile::siblings_of_any_kind_are_found_in_order()
         last = node;
     }
     QCOMPARE(found, QStringList({"A", "#text", "#comment", "B"}));
+    const QDomNode first = file.Get_First_Node(&file.d_root_element, false);
+    QVERIFY(file.Get_Sibling_Node(&first, false).isText());
     COMPARE_THROWN(file.Get_Sibling_Node(&last, false), Data_Error,
                    "ERR: Node 'B' does not have siblings and they are not optional.");
 }
@@ -878,6 +884,45 @@ void TestXmlFile::invalid_texts_are_refused()
     COMPARE_THROWN(file.Write_Text_Node(&file.d_root_element, "a\x01z"), Data_Error,
                    "ERR:  Cannot write node 'R' with data 'a\x01z'");
     QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\"/>");
+}
+
+void TestXmlFile::lines_stay_in_compact_output_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("none") << QString() << QByteArray();
+    QTest::newRow("one") << "one" << QByteArray("one");
+    QTest::newRow("three") << "one\ntwo\nthree" << QByteArray("one&#10;two&#10;three");
+    QTest::newRow("an empty one at each end") << "\none\n" << QByteArray("&#10;one&#10;");
+    QTest::newRow("blanks around a text") << " one " << QByteArray(" one ");
+    QTest::newRow("blanks alone") << " \t" << QByteArray("<![CDATA[ \t]]>");
+    QTest::newRow("beyond 16 bits")
+        << QString::fromUtf8("\xf0\x9f\x98\x80\n") << QByteArray("\xf0\x9f\x98\x80&#10;");
+    QTest::newRow("a blank beside it")
+        << QString::fromUtf8("\xf0\x9f\x98\x80 ") << QByteArray("\xf0\x9f\x98\x80 ");
+}
+
+void TestXmlFile::lines_stay_in_compact_output()
+{
+    QFETCH(const QString, text);
+    QFETCH(const QByteArray, content);
+    TXmlFile file;
+    file.Reset(QStringLiteral("R"), 1);
+    file.Write_Lines(&file.d_root_element, text);
+    QCOMPARE(Compact(file), declaration + "<R File_Version=\"1\">" + content + "</R>");
+}
+
+void TestXmlFile::the_error_about_invalid_lines_contains_all_of_them()
+{
+    TXmlFile file;
+    file.Reset(QStringLiteral("R"), 1);
+    const QString controls = QStringLiteral("\n\x01");
+    for (const QString& text : {QStringLiteral("one") + controls, controls}) {
+        const TThrown thrown = Thrown_By([&] { file.Write_Lines(&file.d_root_element, text); });
+        QCOMPARE(thrown.message, "ERR:  Cannot write node 'R' with data '" + text + '\'');
+        QCOMPARE(thrown.type, static_cast<int>(TXmlFileException::Data_Error));
+    }
+    QVERIFY(!file.d_root_element.hasChildNodes());
 }
 
 void TestXmlFile::attributes_are_written()

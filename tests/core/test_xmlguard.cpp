@@ -288,6 +288,10 @@ void TestXmlGuard::ordinary_documents_are_accepted_data()
         << "<?p " + QByteArray(XmlGuard::Attribute_Limit + 1, '=') + "?><R/>";
     QTest::newRow("equals signs in comments, with entities that hold elements") << Document(
         "<!ENTITY e '<b/>'>", QByteArray("<!-- = -->").repeated(XmlGuard::Attribute_Limit + 1));
+    QTest::newRow("equals signs between references to elements") << Document(
+        "<!ENTITY e '<b/>'>", QByteArray("= &e;").repeated(XmlGuard::Attribute_Limit + 1));
+    QTest::newRow("equals signs after a reference to an element")
+        << Document("<!ENTITY e '<b/>'>", "x&e;" + QByteArray(XmlGuard::Attribute_Limit, '='));
     QTest::newRow("parentheses side by side")
         << Document(QByteArray("<!ELEMENT R (a)>").repeated(XmlGuard::Nesting_Limit) +
                         Model(XmlGuard::Nesting_Limit),

@@ -57,6 +57,8 @@ private slots:
     void a_copy_that_the_file_system_does_not_finish_is_complete();
     void a_copy_of_an_unreadable_file_fails();
     void a_failing_close_fails_the_sync();
+    void a_file_that_need_not_reach_the_disk_is_not_synced_data();
+    void a_file_that_need_not_reach_the_disk_is_not_synced();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -524,6 +526,30 @@ void TestDurability::a_failing_close_fails_the_sync()
     const bool synced = TSafeFile::Sync(In("documents/a.quillet"));
     QCOMPARE(Disarm(), 1);
     QVERIFY(!synced);
+}
+
+void TestDurability::a_file_that_need_not_reach_the_disk_is_not_synced_data()
+{
+    QTest::addColumn<bool>("has_two_names");
+    QTest::newRow("replaced") << false;
+    QTest::newRow("overwritten") << true;
+}
+
+void TestDurability::a_file_that_need_not_reach_the_disk_is_not_synced()
+{
+    QFETCH(bool, has_two_names);
+    const QString document = In("documents/a.quillet");
+    if (has_two_names)
+        link(QFile::encodeName(document).constData(),
+             QFile::encodeName(In("documents/link")).constData());
+    TSafeFile target(document);
+    Write_File(target.Path_To_Write(), "new");
+    Arm(Faults::Sync, Faults::Fail, 0);
+    const bool committed =
+        target.Commit([](const QString&) { return true; }, TSafeFile::TReach::System);
+    QCOMPARE(Disarm(), 0);
+    QVERIFY(committed);
+    QCOMPARE(Read_File(document), QByteArray("new"));
 }
 
 QTEST_MAIN(TestDurability)
