@@ -2,6 +2,8 @@
 #include "support/support.h"
 #include "support/tool.h"
 
+#include "src/format/projectlayout.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -441,6 +443,15 @@ private slots:
             qPrintable(result.errors));
         QCOMPARE(result.errors.count('\n'), 1);
         QCOMPARE(Support::Entries(d_folder->path()), before);
+    }
+
+    void a_document_beyond_2_gib_is_refused()
+    {
+        QFile file(d_folder->filePath("sound.quillet"));
+        QVERIFY(file.resize(ProjectLayout::Largest_File + 1));
+        const TToolResult result = Run({"info", "sound.quillet"});
+        QCOMPARE(result.errors, QString("quillet-cli: sound.quillet: is larger than 2 GiB\n"));
+        QCOMPARE(result.status, 1);
     }
 
     void a_missing_document_is_reported_data()

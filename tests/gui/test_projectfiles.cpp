@@ -5,6 +5,7 @@
 #include "support/window.h"
 
 #include "src/displaywidget.h"
+#include "src/format/projectlayout.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/reportheaderdialog.h"
@@ -714,7 +715,7 @@ private slots:
         QFile file(Path());
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(One_Page());
-        QVERIFY(file.resize(0x80000000LL));
+        QVERIFY(file.resize(ProjectLayout::Largest_File + 1));
         file.close();
         TOpenWindow window;
         Prepare(&window);
