@@ -1,4 +1,4 @@
-// Command that lists and copies the backups and recovery copies made by the window.
+// Command that lists and copies the backups and the unsaved work that the window stored.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
@@ -29,13 +29,15 @@ struct TListedFile
 std::vector<TListedFile> Listed_Files()
 {
     const QString settings_folder = Files::Settings_Folder();
+    const TKeptFolder recovery(TSafetyNet::Recovery_Folder(settings_folder));
     std::vector<TListedFile> files;
-    const auto add = [&files](const QString& kind, const QString& folder) {
-        for (const TKeptFile& file : TKeptFolder(folder).List())
+    const auto add = [&files](const QString& kind, const std::vector<TKeptFile>& listed) {
+        for (const TKeptFile& file : listed)
             files.push_back({kind, file});
     };
-    add(Tr("recovery"), TSafetyNet::Recovery_Folder(settings_folder));
-    add(Tr("backup"), TSafetyNet::Backup_Folder(settings_folder));
+    add(Tr("recovery"), recovery.List());
+    add(Tr("work log"), recovery.Abandoned_Logs());
+    add(Tr("backup"), TKeptFolder(TSafetyNet::Backup_Folder(settings_folder)).List());
     std::stable_sort(files.begin(), files.end(),
                      [](const TListedFile& first, const TListedFile& second) {
                          return first.file.time > second.file.time;
@@ -56,12 +58,18 @@ void Print_List(const std::vector<TListedFile>& files)
                 .arg(++number)
                 .arg(listed.kind, file.time.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")))
                 .arg(file.size) +
+            (file.missing_images > 0 ? Tr("missing images: %1, ").arg(file.missing_images)
+                                     : QString()) +
             (file.document.isEmpty() ? Tr("never saved") : file.document));
     }
 }
 
 void Copy_Kept_File(const TKeptFile& file, const QString& output)
 {
+    if (Files::Is_Work_Log(file.path)) {
+        Terminal::Print(Files::Recover_Work_Log(file.path, output).join(QLatin1Char('\n')));
+        return;
+    }
     TSafeFile target(output, TSafeFile::TKind::Like_Target, Files::Protecting_Links(output));
     const bool is_written = target.Copy_From(file.path) && target.Commit([&](const QString& path) {
         return TSafeFile::Is_Complete(path, QFileInfo(file.path).size(), QByteArray());

@@ -1,4 +1,4 @@
-// Command that saves the readable parts of a damaged project.
+// Command that saves the readable parts of a damaged project or of a work log.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
@@ -21,7 +21,7 @@ TPageImage Sound_Image(const TPageImage& image)
 
 void Commands::Recover(TCommandLine* line)
 {
-    line->Add_Argument(QStringLiteral("FILE"), Tr("The damaged project."));
+    line->Add_Argument(QStringLiteral("FILE"), Tr("The damaged project, or a work log."));
     line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
                             Tr("The project to write (required)."));
     if (!line->Parse())
@@ -33,6 +33,10 @@ void Commands::Recover(TCommandLine* line)
     if (LegacyFile::Is_Legacy(path))
         throw TJobError{path,
                         Tr("is a file of an earlier generation; only projects can be recovered")};
+    if (Files::Is_Work_Log(path)) {
+        Terminal::Print(Files::Recover_Work_Log(path, output).join(QLatin1Char('\n')));
+        return;
+    }
     TProjectSurvey survey = Files::Survey(path);
     if (survey.pages.empty() && !survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};

@@ -7,6 +7,8 @@
 #include "core/xmlfile.h"
 #include "src/format/legacyfile.h"
 #include "src/format/projectfile.h"
+#include "src/safety/logconversion.h"
+#include "src/safety/logreader.h"
 #include "src/safety/safetynet.h"
 
 #include <QDir>
@@ -106,9 +108,8 @@ void Files::Save(const QString& path, const TDocument& document)
 {
     TTerminalProgress progress(Tr("Saving page %1 of %2"));
     TProjectWriter project;
-    const QString fault =
-        ProjectFile::Write(document.appearance, document.pages, document.data,
-                           ProjectFile::TPurpose::Save, progress.Steps(), &project);
+    const QString fault = ProjectFile::Write(document.appearance, document.pages, document.data,
+                                             progress.Steps(), &project);
     if (!fault.isEmpty())
         throw TJobError{path, fault};
     if (project.Size() > ProjectLayout::Largest_File)
@@ -116,6 +117,41 @@ void Files::Save(const QString& path, const TDocument& document)
     TSafeFile target(path, TSafeFile::TKind::Like_Target, Protecting_Links(path));
     if (!target.Is_Beside() || !ProjectFile::Commit(project, &target))
         Throw_Write_Error(path);
+}
+
+bool Files::Is_Work_Log(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) &&
+           file.peek(TDatabase::Signature().size()) == TDatabase::Signature();
+}
+
+QStringList Files::Recover_Work_Log(const QString& path, const QString& output)
+{
+    TLogReader log;
+    switch (log.Open(path, TSafetyNet::Backup_Folder(Settings_Folder()))) {
+    case TLogReader::TContent::Work:
+        break;
+    case TLogReader::TContent::Nothing:
+        throw TJobError{path, Tr("contains no document")};
+    case TLogReader::TContent::Unreadable:
+        throw TJobError{path, log.Problem()};
+    }
+    TTerminalProgress progress(Tr("Recovering page %1 of %2"));
+    TSafeFile target(output, TSafeFile::TKind::Like_Target, Protecting_Links(output));
+    const LogConversion::TResult result =
+        LogConversion::Write(&log, LogConversion::TDamage::Accept, &target, progress.Steps());
+    if (!result.is_written)
+        Throw_Write_Error(output);
+    QStringList messages;
+    if (!log.Is_Whole())
+        messages += Tr("%1: damaged, a part is not readable").arg(path);
+    // The path is substituted last: it may contain "%1".
+    messages += Tr("%3: pages: %1, missing images: %2")
+                    .arg(log.Pages().size())
+                    .arg(result.missing_images)
+                    .arg(output);
+    return messages;
 }
 
 QString Files::Describe(const TProjectDefect& defect)

@@ -39,6 +39,13 @@ void Write(const QString& path, const QByteArray& content);
 /// Writes a project file completely, or leaves an existing one unchanged.
 void Save(const QString& path, const TDocument& document);
 
+/// Whether a file looks like a work log of the window.
+bool Is_Work_Log(const QString& path);
+
+/// Writes the document in a work log as a project.
+/// @return what to tell the user about it.
+QStringList Recover_Work_Log(const QString& path, const QString& output);
+
 /// Describes a defect and its byte offset.
 QString Describe(const TProjectDefect& defect);
 

@@ -23,6 +23,7 @@
 #include <QStatusBar>
 
 #include <cmath>
+#include <utility>
 
 TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     : QMainWindow(Parent_Widget(parent), flags)
@@ -77,6 +78,8 @@ void TQuillet::Narrow_Docks()
 void TQuillet::setVisible(bool visible)
 {
     QMainWindow::setVisible(visible);
+    if (visible && !std::exchange(d_was_visible, true))
+        QMetaObject::invokeMethod(this, &TQuillet::Recover_Work, Qt::QueuedConnection);
     // Floating docks appeared before this window, so the window manager put it above them.
     for (QDockWidget* dock : {d_label_dock, d_settings_dock, d_page_dock}) {
         if (visible && dock->isFloating())
@@ -88,7 +91,7 @@ void TQuillet::closeEvent(QCloseEvent* event)
 {
     Commit_Editors();
     Write_Settings();
-    Copy_Pending_Work();
+    Flush_Work();
     if (!d_data_changed) {
         event->accept();
         return;
@@ -127,7 +130,7 @@ TQuillet::Show_Message(const QString& text, const QString& informative_text,
                        const QString& detailed_text, QMessageBox::StandardButtons buttons,
                        QMessageBox::StandardButton default_button, QMessageBox::Icon icon)
 {
-    Copy_Pending_Work();
+    Flush_Work();
     d_message_box->setText(text);
     d_message_box->setInformativeText(informative_text);
     d_message_box->setDetailedText(detailed_text);

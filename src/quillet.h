@@ -165,10 +165,11 @@ private:
     void Set_Up_Safety_Net();
     bool Open_For_Saving(QFile* file, qint64 size);
     void Record_Change();
-    void Copy_Pending_Work();
+    void Flush_Work();
     void End_Recovery(bool loss_confirmed, const QString& opened = QString());
 
     // Recovered work.
+    void Recover_Work();
     void Show_Recovery_Notice(const std::vector<TKeptFile>& copies);
     void Update_Recovery_Notice();
     void Dismiss_Recovered();
@@ -224,8 +225,6 @@ private:
     void Open_File(const QString& name);
     bool Replace_Document(const QString& name);
     bool Load_Quietly(const std::function<bool()>& load);
-    QString Write_Project(TProjectWriter* writer, ProjectFile::TPurpose purpose,
-                          const TStepReport& report = nullptr) const;
     TAppearance Appearance() const;
     std::vector<TNamedPage> Named_Pages() const;
     bool Show_Content(const TFileContent& content, TProgress* progress);
@@ -267,6 +266,8 @@ private:
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
     TProgress::TClock d_progress_clock = TProgress::Machine_Time; ///< times long operations
+    TFilePlaces d_file_places;       ///< of the pages of the file that was opened
+    bool d_was_visible = false;      ///< the window was shown before
     bool d_filling_view = false;     ///< view is being filled from the document or a file
     bool d_has_new_document = false; ///< the last file operation replaced the document
     QAction* d_action_export_web_page = nullptr; ///< in the page list's context menu

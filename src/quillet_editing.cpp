@@ -149,7 +149,7 @@ void TQuillet::Edit_Reindex()
     if (!d_reindex_dialog)
         d_reindex_dialog = new TReindexDialog(this, Qt::WindowFlags());
     Commit_Editors();
-    Copy_Pending_Work();
+    Flush_Work();
     if (d_reindex_dialog->exec() != QDialog::Accepted)
         return;
 

@@ -18,7 +18,7 @@
 void TQuillet::File_Export_Images()
 {
     Commit_Editors();
-    Copy_Pending_Work();
+    Flush_Work();
     const QString folder = QFileDialog::getExistingDirectory(
         this, tr("Export image files"), d_working_dir.absolutePath(), QFileDialog::ShowDirsOnly);
     if (folder.isEmpty())
@@ -42,7 +42,7 @@ bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
 void TQuillet::File_Export_Pdf()
 {
     Commit_Editors();
-    Copy_Pending_Work();
+    Flush_Work();
     if (Header_Dialog()->exec() != QDialog::Accepted)
         return;
     const QString file = QFileDialog::getSaveFileName(
@@ -73,7 +73,7 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
 void TQuillet::Export_Web_Page()
 {
     Commit_Editors();
-    Copy_Pending_Work();
+    Flush_Work();
     const QString file = QFileDialog::getSaveFileName(
         this, tr("Export web page"), d_working_dir.absolutePath(), tr("Web Page (*.html)"));
     if (file.isEmpty())

@@ -43,7 +43,7 @@ void TQuillet::File_Open()
     Commit_Editors();
     if (!Confirm_Loss())
         return;
-    Copy_Pending_Work();
+    Flush_Work();
     const QString name = QFileDialog::getOpenFileName(this, tr("Select a Quillet file to open"),
                                                       d_working_dir.absolutePath(),
                                                       tr("Quillet files (*.quillet *.qld)"));
@@ -70,6 +70,7 @@ bool TQuillet::Replace_Document(const QString& name)
     const bool is_legacy = LegacyFile::Is_Legacy(name);
     const QString path = is_legacy ? LegacyFile::Base_Name(name) : name;
     const TFileStamp stamp = TFileStamp::Of(name);
+    d_file_places.clear();
     const bool loaded =
         Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
     // Only after loading: if the file crashes the program, the old work can still be recovered. If
@@ -77,7 +78,7 @@ bool TQuillet::Replace_Document(const QString& name)
     if (d_has_new_document)
         End_Recovery(loss_confirmed, name);
     if (loaded)
-        d_safety_net->After_Open(name, stamp);
+        d_safety_net->After_Open(name, stamp, d_file_places);
     else
         Show_File_Error(tr("Error Loading Data"),
                         is_legacy ? tr("The legacy Quillet file cannot be loaded")
@@ -104,7 +105,7 @@ void TQuillet::File_Save()
 void TQuillet::File_SaveAs()
 {
     Commit_Editors();
-    Copy_Pending_Work();
+    Flush_Work();
     const QString name =
         QFileDialog::getSaveFileName(this, tr("Save quillet file"), d_working_dir.absolutePath(),
                                      tr("Quillet Files (*.quillet)"));
@@ -163,7 +164,8 @@ bool TQuillet::Write_Data(const QString& file_name)
     // file is still complete. A fault is reported only after the file was opened, and so emptied.
     TProgress progress = New_Progress(tr("Saving page %1 of %2"));
     TProjectWriter writer;
-    const QString fault = Write_Project(&writer, ProjectFile::TPurpose::Save, progress.Steps());
+    const QString fault =
+        ProjectFile::Write(Appearance(), Named_Pages(), d_data, progress.Steps(), &writer);
     if (writer.Size() > ProjectLayout::Largest_File)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
@@ -176,17 +178,8 @@ bool TQuillet::Write_Data(const QString& file_name)
     progress.Update();
     writer.Write_To(&file);
     file.close();
-    d_safety_net->After_Save(file_name, writer.Size());
+    d_safety_net->After_Save(file_name, writer.Size(), writer.Places());
     return true;
-}
-
-/// Writes the document to a writer.
-/// @param report  is called before each page.
-/// @return why the labels of a page could not be written; empty on success.
-QString TQuillet::Write_Project(TProjectWriter* writer, ProjectFile::TPurpose purpose,
-                                const TStepReport& report) const
-{
-    return ProjectFile::Write(Appearance(), Named_Pages(), d_data, purpose, report, writer);
 }
 
 /// The label settings of the panel and the lines of the header dialog.
@@ -259,5 +252,11 @@ void TQuillet::Show_Pages(const std::vector<TFilePage>& pages, int* largest_valu
         for (const TDataItem& item : page.items)
             d_data.Add_Item(item);
         *largest_value = qMax(*largest_value, d_data.Item_Max_Value());
+        // Only a project file has places.
+        if (page.place.items.length == 0)
+            continue;
+        d_file_places.push_back(page.place);
+        d_file_places.back().revision = d_data.Active_Page_Item()->revision;
+        d_file_places.back().image_id = page.image.Id();
     }
 }

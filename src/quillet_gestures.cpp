@@ -24,7 +24,7 @@ void TQuillet::Add_Gestures()
     new TWheelZoom(d_display_widget, d_zoom_slider);
     new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
     new TImageDrop(this, [this](const QStringList& paths) {
-        Copy_Pending_Work();
+        Flush_Work();
         Import_Files(paths);
     });
     Add_Page_List_Menu();

@@ -13,7 +13,7 @@
 
 void TQuillet::File_Import()
 {
-    Copy_Pending_Work();
+    Flush_Work();
     const QStringList paths = QFileDialog::getOpenFileNames(
         this, tr("Import one or more supported image files"), d_working_dir.absolutePath(),
         tr("Image Files (%1)").arg(ImageFiles::Patterns()));

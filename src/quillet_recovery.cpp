@@ -5,8 +5,11 @@
 #include "src/safety/safetynet.h"
 #include "src/widgets/recoverynotice.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QStatusBar>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -56,6 +59,21 @@ QString Notice_Details(const TKeptFile& copy)
 
 } // namespace
 
+/// Converts the work logs that killed processes left. May take long with large images.
+void TQuillet::Recover_Work()
+{
+    if (!d_safety_net->Has_Abandoned_Logs())
+        return;
+    // The progress is painted without an event loop, which needs a window on the screen.
+    constexpr int longest_wait = 1000; // milliseconds
+    const QDeadlineTimer deadline(longest_wait);
+    while (!windowHandle()->isExposed() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    TProgress progress = New_Progress(tr("Recovering page %1 of %2"));
+    d_safety_net->Convert_Abandoned_Logs(progress.Steps());
+    Show_Recovery_Notice(d_safety_net->Abandoned());
+}
+
 /// Shows a notice for each of these recovery copies, one after the other.
 void TQuillet::Show_Recovery_Notice(const std::vector<TKeptFile>& copies)
 {
@@ -97,7 +115,7 @@ void TQuillet::Open_Recovered()
     Commit_Editors();
     if (!Confirm_Loss())
         return;
-    Copy_Pending_Work();
+    Flush_Work();
     TKeptFile copy = d_recovered.front();
     const bool loaded = Replace_Document(copy.path);
     if (!d_has_new_document) {

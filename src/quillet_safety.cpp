@@ -2,7 +2,6 @@
 
 #include "src/quillet.h"
 
-#include "src/format/projectfile.h"
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
 #include "src/undo/undohistory.h"
@@ -16,8 +15,8 @@
 void TQuillet::Set_Up_Safety_Net()
 {
     const QString settings_folder = QFileInfo(d_settings->fileName()).absolutePath();
-    d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this](TProjectWriter* writer) {
-        Write_Project(writer, ProjectFile::TPurpose::Recovery_Copy);
+    d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this] {
+        return TWorkState{Appearance(), Named_Pages(), &d_data};
     });
     Show_Recovery_Notice(d_safety_net->Abandoned());
 }
@@ -30,14 +29,15 @@ void TQuillet::Record_Change()
         d_safety_net->Record_Change(d_file_name);
 }
 
-/// Copies pending changes. Called when the window loses focus and before a modal dialog opens.
-void TQuillet::Copy_Pending_Work()
+/// Writes unsaved changes to the disk. Called when the window loses focus and before a modal dialog
+/// opens.
+void TQuillet::Flush_Work()
 {
     if (!d_safety_net)
         return;
     if (d_history)
         d_history->Record_Page_List();
-    d_safety_net->Copy_Pending(d_file_name);
+    d_safety_net->Flush(d_file_name);
 }
 
 /// Backs up a document and opens it for writing. Shows where the backup is if another program or
@@ -52,10 +52,9 @@ bool TQuillet::Open_For_Saving(QFile* file, qint64 size)
     return is_open;
 }
 
-/// Ends the recovery copy of a document that another one replaces. The copy stays for the next
-/// start unless the loss of changes is confirmed.
-/// @param loss_confirmed  whether the user agreed to lose unsaved changes; the copy is then
-///                        deleted.
+/// Ends the work on a document that another one replaces. Its unsaved changes stay for the next
+/// start unless their loss is confirmed.
+/// @param loss_confirmed  whether the user agreed to lose unsaved changes, which are then deleted.
 /// @param opened          path of the other document, if it was read from a file.
 void TQuillet::End_Recovery(bool loss_confirmed, const QString& opened)
 {
@@ -69,5 +68,5 @@ void TQuillet::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && !isActiveWindow())
-        Copy_Pending_Work();
+        Flush_Work();
 }

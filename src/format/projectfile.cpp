@@ -46,12 +46,14 @@ void TProjectWriter::Write_Image(const TPageImage& image, TImageBytes which)
     Append(bytes, image);
 }
 
-void TProjectWriter::Write_Page(const QString& name, const TPageImage& image, TImageBytes which,
+void TProjectWriter::Write_Page(const QString& name, const TPageItem& page, TImageBytes which,
                                 const QByteArray& items)
 {
     TPagePlace place;
+    place.revision = page.revision;
+    place.image_id = page.image.Id();
     Write_Text(name);
-    Write_Image(image, which);
+    Write_Image(page.image, which);
     place.image = Last_Field();
     place.image_ends = TPagePlace::Ends_Of(d_pieces.back().bytes);
     Write_Bytes(items);
@@ -143,16 +145,6 @@ TProjectReader::TField TProjectReader::Read_Field()
 
 namespace {
 
-/// The pages that the document has. A recovery copy can be written while the page list has others.
-std::vector<TNamedPage> Known_Pages(std::vector<TNamedPage> pages, const TData& data)
-{
-    const auto is_unknown = [&data](const TNamedPage& page) {
-        return data.Page_Index(page.page_id) < 0;
-    };
-    pages.erase(std::remove_if(pages.begin(), pages.end(), is_unknown), pages.end());
-    return pages;
-}
-
 void Write_Header(const TAppearance& appearance, int page_count, TProjectWriter* writer)
 {
     writer->Write_Integer(appearance.label_size);
@@ -162,14 +154,10 @@ void Write_Header(const TAppearance& appearance, int page_count, TProjectWriter*
     writer->Write_Integer(page_count);
 }
 
-void Write_Page(const TPageTexts& texts, const TPageItem& page, bool is_copy,
-                TProjectWriter* writer)
+void Write_Page(const TPageTexts& texts, const TPageItem& page, TProjectWriter* writer)
 {
-    const auto image =
-        is_copy ? TProjectWriter::TImageBytes::Source : TProjectWriter::TImageBytes::Png;
-    const auto bad_text = is_copy ? ItemList::TBadText::Leave_Out : ItemList::TBadText::Refuse;
-    writer->Write_Page(texts.name, page.image, image,
-                       ItemList::Write(page.data_items, bad_text, texts));
+    writer->Write_Page(texts.name, page, TProjectWriter::TImageBytes::Png,
+                       ItemList::Write(page.data_items, ItemList::TBadText::Refuse, texts));
 }
 
 /// False when a field has a negative length.
@@ -261,17 +249,14 @@ bool ProjectFile::Loses_Headers(const TAppearance& appearance, int page_count)
 }
 
 QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
-                           const TData& data, TPurpose purpose, const TStepReport& report,
-                           TProjectWriter* writer)
+                           const TData& data, const TStepReport& report, TProjectWriter* writer)
 {
     assert(writer);
-    const bool is_copy = purpose == TPurpose::Recovery_Copy;
-    const std::vector<TNamedPage> written = is_copy ? Known_Pages(pages, data) : pages;
-    const int total = static_cast<int>(written.size());
-    Write_Header(appearance, is_copy ? total : data.Page_Count(), writer);
+    const int total = static_cast<int>(pages.size());
+    Write_Header(appearance, data.Page_Count(), writer);
     try {
         int number = 0;
-        for (const TNamedPage& page : written) {
+        for (const TNamedPage& page : pages) {
             ++number;
             if (report)
                 report(number, total);
@@ -280,7 +265,7 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
                 texts.header_1 = appearance.header_1;
                 texts.header_2 = appearance.header_2;
             }
-            Write_Page(texts, data.Page(page.page_id), is_copy, writer);
+            Write_Page(texts, data.Page(page.page_id), writer);
         }
     } catch (const TXmlFileException& exception) {
         return exception.Message();

@@ -42,7 +42,9 @@ public:
     void Write_Image(const TPageImage& image, TImageBytes which = TImageBytes::Png);
 
     /// Appends the three fields of a page and records their places.
-    void Write_Page(const QString& name, const TPageImage& image, TImageBytes which,
+    /// @param page   whose image is written, and whose revision is recorded.
+    /// @param items  the document of its labels.
+    void Write_Page(const QString& name, const TPageItem& page, TImageBytes which,
                     const QByteArray& items);
 
     /// Size of the whole file in bytes.
@@ -118,24 +120,16 @@ private:
 
 namespace ProjectFile {
 
-/// What a document is written for.
-enum class TPurpose {
-    Save,         ///< images become PNG; a text that XML cannot hold is a fault
-    Recovery_Copy ///< images keep their format; characters that XML cannot hold and pages that the
-                  ///< document does not have are left out: an incomplete copy is better than none
-};
-
 /// Whether a file would store header lines with replaced characters: it keeps the others with the
 /// first page.
 bool Loses_Headers(const TAppearance& appearance, int page_count);
 
-/// Writes a document.
+/// Writes a document. Images become PNG; a text that XML cannot hold is a fault.
 /// @param pages   the pages in the order in which they are written.
 /// @param report  is called before each page.
 /// @return why the labels of a page could not be written; empty on success.
 QString Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
-              const TData& data, TPurpose purpose, const TStepReport& report,
-              TProjectWriter* writer);
+              const TData& data, const TStepReport& report, TProjectWriter* writer);
 
 /// Reads a project file up to its first fault.
 ///

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Small pages, since most transactions change one row on each of two or three pages.
+static_assert(TDatabase::Page_Size == 2048, "as in the following text");
 const char* const creation =
     "PRAGMA page_size=2048; PRAGMA journal_mode=MEMORY; PRAGMA journal_mode=WAL;";
 

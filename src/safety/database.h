@@ -16,6 +16,11 @@ struct sqlite3_stmt;
 class TDatabase
 {
 public:
+    /// In bytes. Small, since most transactions change one row on each of two or three pages.
+    static constexpr int Page_Size = 2048;
+    /// First bytes of every database.
+    static QByteArray Signature() { return QByteArrayLiteral("SQLite format 3\0"); }
+
     TDatabase() = default;
     ~TDatabase() { Close(); }
     TDatabase(const TDatabase&) = delete;

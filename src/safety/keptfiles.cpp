@@ -161,6 +161,12 @@ int TKeptFolder::Links_To(const struct stat& file) const
         }));
 }
 
+int TKeptFolder::Links_To(const QString& path) const
+{
+    struct stat state = {};
+    return stat(QFile::encodeName(path).constData(), &state) == 0 ? Links_To(state) : 0;
+}
+
 void TKeptFolder::Remove(const QString& name) const
 {
     QFile::remove(Copy_Path(name));
@@ -181,7 +187,8 @@ void TKeptFolder::Clean_Up() const
     QStringList patterns = {TSafeFile::Unfinished_Pattern()};
     for (const char* const suffix : {note_suffix, log_tail_suffix, base_suffix})
         patterns += QLatin1Char('*') + QLatin1String(suffix);
-    for (const QFileInfo& file : QDir(d_path).entryInfoList(patterns, QDir::Files | QDir::Hidden)) {
+    const QFileInfoList files = QDir(d_path).entryInfoList(patterns, QDir::Files | QDir::Hidden);
+    for (const QFileInfo& file : files) {
         const QString name = Name_Of(file.filePath());
         const bool is_in_use = QFile::exists(Log_Path(name)) ||
                                (file.fileName().endsWith(QLatin1String(note_suffix)) &&
@@ -196,14 +203,35 @@ std::vector<TKeptFile> TKeptFolder::List() const
     return List(copy_suffix);
 }
 
-std::vector<TKeptFile> TKeptFolder::List_Logs() const
+std::vector<TKeptFile> TKeptFolder::Abandoned_Logs() const
 {
-    std::vector<TKeptFile> logs = List(log_suffix);
-    const auto is_in_use = [this](const TKeptFile& log) {
-        return !Is_Free(Note_Path(Name_Of(log.path)));
-    };
-    logs.erase(std::remove_if(logs.begin(), logs.end(), is_in_use), logs.end());
+    std::vector<TKeptFile> logs = Abandoned(List(log_suffix));
+    for (TKeptFile& log : logs) {
+        const QFileInfo tail(Path(Name_Of(log.path), log_tail_suffix));
+        log.size += tail.size();
+        log.time = qMax(log.time, tail.lastModified());
+    }
     return logs;
+}
+
+/// Leaves out the files whose notes are locked.
+std::vector<TKeptFile> TKeptFolder::Abandoned(std::vector<TKeptFile> files) const
+{
+    const auto is_in_use = [this](const TKeptFile& file) {
+        return !Is_Free(Note_Path(Name_Of(file.path)));
+    };
+    files.erase(std::remove_if(files.begin(), files.end(), is_in_use), files.end());
+    return files;
+}
+
+void TKeptFolder::Remove_Abandoned(const QString& path) const
+{
+    if (!Contains(path))
+        return;
+    for (const TKeptFile& file : Abandoned_Copies()) {
+        if (QFileInfo(file.path).fileName() == QFileInfo(path).fileName())
+            Remove(Name_Of(file.path));
+    }
 }
 
 std::vector<TKeptFile> TKeptFolder::List(const char* suffix) const

@@ -77,6 +77,7 @@ public:
 
     /// Number of files in the folder that are hard links to a file.
     int Links_To(const struct stat& file) const;
+    int Links_To(const QString& path) const;
 
     /// Deletes a copy, its work log and its note.
     void Remove(const QString& name) const;
@@ -89,8 +90,11 @@ public:
 
     /// All copies, newest first.
     std::vector<TKeptFile> List() const;
-    /// All work logs of ended processes, newest first.
-    std::vector<TKeptFile> List_Logs() const;
+    /// The copies and the work logs of ended processes, newest first.
+    std::vector<TKeptFile> Abandoned_Copies() const { return Abandoned(List()); }
+    std::vector<TKeptFile> Abandoned_Logs() const;
+    /// Deletes an abandoned copy and its note. A no-op for every other path.
+    void Remove_Abandoned(const QString& path) const;
 
     /// Name of a copy or log: its file name without the suffix.
     static QString Name_Of(const QString& path);
@@ -104,6 +108,7 @@ public:
 private:
     QString Path(const QString& name, const char* suffix) const;
     std::vector<TKeptFile> List(const char* suffix) const;
+    std::vector<TKeptFile> Abandoned(std::vector<TKeptFile> files) const;
 
     QString d_path;
 };

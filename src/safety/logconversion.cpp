@@ -1,5 +1,6 @@
 #include "src/safety/logconversion.h"
 
+#include "core/safefile.h"
 #include "src/format/itemlist.h"
 #include "src/format/projectfile.h"
 #include "src/safety/keptfiles.h"
@@ -35,8 +36,9 @@ bool Write_Page(TLogReader* log, const TLoggedPage& page, bool is_first, TProjec
     }
     const std::optional<QByteArray> image = log->Image(page);
     const std::optional<QByteArray> items = log->Items(page, texts);
-    writer->Write_Page(page.name, TPageImage::From_Bytes(image.value_or(QByteArray())),
-                       TProjectWriter::TImageBytes::Source,
+    TPageItem written;
+    written.image = TPageImage::From_Bytes(image.value_or(QByteArray()));
+    writer->Write_Page(page.name, written, TProjectWriter::TImageBytes::Source,
                        items ? *items : ItemList::Write({}, ItemList::TBadText::Leave_Out, texts));
     return image && items;
 }
@@ -84,11 +86,11 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
         return QString();
     }
     const QString copy = folder.Copy_Path(name);
+    TSafeFile target(copy, TSafeFile::TKind::Private);
     const LogConversion::TResult result =
-        LogConversion::Write(&log, copy, TSafeFile::TKind::Private, report);
+        LogConversion::Write(&log, LogConversion::TDamage::Refuse, &target, report);
     if (!result.is_written)
-        return log.Is_Whole() ? Tr("the recovered document cannot be written")
-                              : Tr("it is damaged");
+        return log.Is_Whole() ? Tr("the recovered document cannot be written") : Tr("is damaged");
     note.Write(log.Document(), result.missing_images);
     Set_Time(copy, log.Changed());
     folder.Remove_Log(name);
@@ -97,20 +99,20 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
 
 } // namespace
 
-LogConversion::TResult LogConversion::Write(TLogReader* log, const QString& path,
-                                            TSafeFile::TKind kind, const TStepReport& report)
+LogConversion::TResult LogConversion::Write(TLogReader* log, TDamage damage, TSafeFile* target,
+                                            const TStepReport& report)
 {
     TResult result;
-    TSafeFile target(path, kind);
-    QFile file(target.Path_To_Write());
+    QFile file(target->Path_To_Write());
     TProjectWriter writer;
-    const bool is_private = kind == TSafeFile::TKind::Private;
-    if ((is_private && !(target.Is_Beside() && log->Check())) || !file.open(QIODevice::WriteOnly) ||
+    const bool must_be_whole = damage == TDamage::Refuse;
+    if (!target->Is_Beside() || (must_be_whole && !log->Check()) ||
+        !file.open(QIODevice::WriteOnly) ||
         !Write_Project(log, &file, report, &writer, &result.missing_images) || !file.flush() ||
-        (is_private && !log->Is_Whole()))
+        (must_be_whole && !log->Is_Whole()))
         return result;
     file.close();
-    result.is_written = target.Commit([&writer](const QString& written) {
+    result.is_written = target->Commit([&writer](const QString& written) {
         return TSafeFile::Is_Complete(written, writer.Size(), QByteArray());
     });
     return result;
@@ -121,7 +123,7 @@ QStringList LogConversion::Convert_Abandoned(const TKeptFolder& folder,
                                              const TStepReport& report)
 {
     QStringList problems;
-    for (const TKeptFile& log : folder.List_Logs()) {
+    for (const TKeptFile& log : folder.Abandoned_Logs()) {
         const QString name = TKeptFolder::Name_Of(log.path);
         const QString problem = Convert(folder, name, backup_folder, report);
         if (!problem.isEmpty())

@@ -1,16 +1,21 @@
 #pragma once
 
-#include "core/safefile.h"
 #include "core/stepreport.h"
 
-#include <QString>
 #include <QStringList>
 
 class TKeptFolder;
 class TLogReader;
+class TSafeFile;
 
 /// Converts work logs to project files.
 namespace LogConversion {
+
+/// What to do with a damaged log.
+enum class TDamage {
+    Refuse, ///< write nothing
+    Accept  ///< write what is readable
+};
 
 struct TResult
 {
@@ -20,11 +25,9 @@ struct TResult
 
 /// Writes the document in a log as a project file. Images keep their format; a missing image leaves
 /// a page without one.
-/// @param path    target, which is replaced only when the new file is complete.
-/// @param kind    a private file is written only if the log is undamaged.
+/// @param target  is replaced only when the new file is complete.
 /// @param report  is called before each page.
-TResult Write(TLogReader* log, const QString& path, TSafeFile::TKind kind,
-              const TStepReport& report);
+TResult Write(TLogReader* log, TDamage damage, TSafeFile* target, const TStepReport& report);
 
 /// Converts the logs of processes that have ended to copies in the same folder, and deletes them.
 /// Logs that are not readable stay.

@@ -29,6 +29,25 @@ std::optional<qint64> Number(TDatabase* database, const char* query)
     return statement.Integer(0);
 }
 
+/// Number of transactions in the write-ahead log of a database, also of those that SQLite ignores
+/// because of damage.
+int Commits(const QString& path)
+{
+    constexpr int header_size = 32;
+    constexpr int frame_header_size = 24;
+    constexpr int commit_offset = 4; // 4 bytes that are zero unless the frame ends a transaction
+    QFile file(path + QLatin1String("-wal"));
+    file.open(QIODevice::ReadOnly);
+    const QByteArray bytes = file.readAll();
+    int commits = 0;
+    for (int frame = header_size; frame + frame_header_size <= bytes.size();
+         frame += frame_header_size + TDatabase::Page_Size) {
+        if (bytes.mid(frame + commit_offset, 4) != QByteArray(4, '\0'))
+            ++commits;
+    }
+    return commits;
+}
+
 /// A coordinate. SQLite stores NaN as null.
 double Coordinate(const TStatement& query, int column)
 {
@@ -48,16 +67,24 @@ TLogReader::TContent TLogReader::Open(const QString& path, const QString& backup
     if (!tables)
         return Unreadable(d_database.Error());
     if (*tables == 0)
-        return TContent::Nothing;
+        return Unreadable_Unless(Commits(path) == 0);
     if (Number(&d_database, "PRAGMA application_id") != LogSchema::Application_Id)
-        return Unreadable(Tr("it is not a work log"));
+        return Unreadable(Tr("is not a work log"));
     if (Number(&d_database, "PRAGMA user_version") != LogSchema::Version)
-        return Unreadable(Tr("it is from another version of the program"));
+        return Unreadable(Tr("is from another version of the program"));
+    // The first commit creates the tables.
     if (!Read_Document())
-        return d_is_whole ? TContent::Nothing : Unreadable(d_database.Error());
+        return Unreadable_Unless(d_is_whole && Commits(path) <= 1);
     Read_Base(path, backup_folder);
     Read_Pages();
     return TContent::Work;
+}
+
+/// Returns what a log without a document is: the process ended before it wrote one, or it is
+/// damaged.
+TLogReader::TContent TLogReader::Unreadable_Unless(bool is_unfinished)
+{
+    return is_unfinished ? TContent::Nothing : Unreadable(Tr("is damaged"));
 }
 
 TLogReader::TContent TLogReader::Unreadable(const QString& problem)

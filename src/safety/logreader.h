@@ -64,6 +64,7 @@ public:
 
 private:
     TContent Unreadable(const QString& problem);
+    TContent Unreadable_Unless(bool is_unfinished);
     bool Read_Document();
     void Read_Base(const QString& log_path, const QString& backup_folder);
     void Read_Pages();

@@ -2,12 +2,12 @@
 
 #include "core/safefile.h"
 #include "src/format/projectfile.h"
+#include "src/safety/logconversion.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #include <cstdio>
-#include <sys/stat.h>
 
 namespace {
 
@@ -21,13 +21,15 @@ bool Sync_To_Disk(const QString& path)
 
 } // namespace
 
-TSafetyNet::TSafetyNet(const QString& settings_folder, TWriteProject write_project)
-    : d_backup(Backup_Folder(settings_folder))
-    , d_recovery(Recovery_Folder(settings_folder))
-    , d_write_project(std::move(write_project))
-    , d_abandoned(d_recovery.Abandoned())
+TSafetyNet::TSafetyNet(const QString& settings_folder, TReadState read_state)
+    : d_settings_folder(settings_folder)
+    , d_backup(Backup_Folder(settings_folder))
+    , d_folder(Recovery_Folder(settings_folder))
+    , d_log(Recovery_Folder(settings_folder))
+    , d_read_state(std::move(read_state))
+    , d_abandoned(d_folder.Abandoned_Copies())
 {
-    d_recovery.Clean_Up();
+    d_folder.Clean_Up();
     d_backup.Clean_Up();
     d_clock.start();
 }
@@ -44,39 +46,89 @@ QString TSafetyNet::Recovery_Folder(const QString& settings_folder)
 
 int TSafetyNet::Links_To(const QString& path, const QString& settings_folder)
 {
-    struct stat state = {};
-    if (stat(QFile::encodeName(path).constData(), &state) != 0)
-        return 0;
-    return TKeptFolder(Backup_Folder(settings_folder)).Links_To(state) +
-           TKeptFolder(Recovery_Folder(settings_folder)).Links_To(state);
+    return TKeptFolder(Backup_Folder(settings_folder)).Links_To(path) +
+           TKeptFolder(Recovery_Folder(settings_folder)).Links_To(path);
+}
+
+bool TSafetyNet::Has_Abandoned_Logs() const
+{
+    return !d_folder.Abandoned_Logs().empty();
+}
+
+void TSafetyNet::Convert_Abandoned_Logs(const TStepReport& report)
+{
+    const QStringList problems =
+        LogConversion::Convert_Abandoned(d_folder, Backup_Folder(d_settings_folder), report);
+    for (const QString& problem : problems)
+        std::fprintf(stderr, "quillet: %s\n", qPrintable(problem));
+    d_abandoned = d_folder.Abandoned_Copies();
 }
 
 void TSafetyNet::Record_Change(const QString& document)
 {
     d_is_pending = true;
-    if (d_policy.Is_Due(d_clock.elapsed()))
-        Copy(document);
+    if (d_clock.elapsed() < d_retry_time || !Update(document))
+        return;
+    if (d_clock.elapsed() - d_sync_time > Sync_Interval)
+        Sync();
+    Store_References();
 }
 
-void TSafetyNet::Copy_Pending(const QString& document)
+void TSafetyNet::Flush(const QString& document)
 {
-    if (d_is_pending)
-        Copy(document);
+    // Changes of page names are not recorded one by one.
+    if ((d_is_pending || d_log.Exists()) && Update(document)) {
+        Sync();
+        d_log.Shorten();
+    }
 }
 
-void TSafetyNet::Copy(const QString& document)
+bool TSafetyNet::Update(const QString& document)
 {
     const qint64 begin = d_clock.elapsed();
-    // Building the document takes long; skip it if the copy cannot be written anyway.
-    const bool is_possible = d_recovery.Is_Possible();
-    TProjectWriter project;
-    if (is_possible)
-        d_write_project(&project);
-    if (is_possible && d_recovery.Write(project, document))
-        d_is_pending = false;
-    else
-        Report_Once(QStringLiteral("cannot write recovery copies to"));
-    d_policy.Record_Copy(begin, d_clock.elapsed());
+    if (!d_log.Exists())
+        d_sync_time = begin;
+    if (!d_log.Update(d_read_state(), &d_base, document)) {
+        Report_Once(QStringLiteral("cannot write unsaved work to"));
+        d_retry_time = Time_After_Rest(begin);
+        return false;
+    }
+    d_is_pending = false;
+    return true;
+}
+
+bool TSafetyNet::Sync()
+{
+    // Another program may have overwritten it.
+    if (!d_base.Is_Intact())
+        d_base = TBaseFile();
+    const bool is_synced = (!d_log.Has_References() || d_base.Sync()) && d_log.Sync();
+    if (!is_synced)
+        Report_Once(QStringLiteral("cannot sync unsaved work in"));
+    d_sync_time = d_clock.elapsed();
+    return is_synced;
+}
+
+/// Stores a part of the base file in the log if the file is not protected. Takes at most 2 % of the
+/// time.
+void TSafetyNet::Store_References()
+{
+    constexpr qint64 duration = 5; // milliseconds
+    const qint64 begin = d_clock.elapsed();
+    if (begin < d_store_time || d_base.Is_Protected())
+        return;
+    const TData& data = *d_read_state().data;
+    while (d_clock.elapsed() - begin < duration && d_log.Has_References() &&
+           d_log.Store_Reference(data)) {
+    }
+    d_store_time = Time_After_Rest(begin);
+}
+
+/// The time when an operation that began at another time may be repeated.
+qint64 TSafetyNet::Time_After_Rest(qint64 begin) const
+{
+    const qint64 now = d_clock.elapsed();
+    return now + Rest_Factor * qMax<qint64>(1, now - begin);
 }
 
 bool TSafetyNet::Open_For_Saving(QFile* document, qint64 size, QString* other_version)
@@ -92,13 +144,18 @@ void TSafetyNet::Back_Up(QFile* document, qint64 size, QString* other_version)
     // An incomplete file must not replace the backup of a complete one.
     if (!is_changed_elsewhere && path == d_incomplete_path && !ProjectFile::Is_Whole(path))
         return;
-    // With a recovery copy on the disk there is no need to wait for the backup.
-    const std::optional<QString> backup =
-        d_backup.Keep(document, {!d_recovery.Has_Copy(), is_changed_elsewhere, size});
-    if (!backup)
-        Report_Once(QStringLiteral("cannot write backups to"));
-    else if (is_changed_elsewhere)
+    // With all work on the disk there is no need to wait for the backup.
+    const bool is_work_on_disk = d_log.Exists() && Sync() && !d_log.Has_References();
+    const std::optional<QString> backup = d_backup.Keep(
+        document, {!is_work_on_disk, is_changed_elsewhere, size, d_folder.Links_To(path)});
+    if (backup && is_changed_elsewhere)
         *other_version = *backup;
+    if (backup)
+        return;
+    Report_Once(QStringLiteral("cannot write backups to"));
+    // The document may be the base file, which is about to be overwritten.
+    while (d_log.Has_References() && d_log.Store_Reference(*d_read_state().data)) {
+    }
 }
 
 /// Whether another program or window has changed a file since this one opened or saved it.
@@ -108,49 +165,59 @@ bool TSafetyNet::Is_Changed_Elsewhere(const QString& document) const
            TFileStamp::Of(document) != d_stamp;
 }
 
-void TSafetyNet::After_Save(const QString& document, qint64 size)
+void TSafetyNet::After_Save(const QString& document, qint64 size, const TFilePlaces& places)
 {
     d_stamped_path = document;
     d_stamp = TFileStamp::Of(document);
     const bool is_whole = d_stamp.size == size && ProjectFile::Is_Whole(document);
-    // The saved file must be on the disk before a recovery copy is deleted.
-    const bool replaces_copy = d_recovery.Has_Copy() || d_recovery.Contains(d_opened_path);
+    // The saved file must be on the disk before other copies of the work are deleted.
+    const bool replaces_copy = d_log.Exists() || d_folder.Contains(d_opened_path);
     if (!is_whole || (replaces_copy && !Sync_To_Disk(document))) {
         d_incomplete_path = document;
-        Copy(document);
+        After_Failed_Save(document);
         return;
     }
     d_incomplete_path.clear();
-    d_recovery.Discard();
+    d_log.Discard();
     Reset();
     if (QFileInfo(d_opened_path) != QFileInfo(document))
-        d_recovery.Remove_Abandoned(d_opened_path);
+        d_folder.Remove_Abandoned(d_opened_path);
     d_opened_path = document;
     d_recovered_path.clear();
+    d_base = TBaseFile(document, d_stamp, places);
+}
+
+void TSafetyNet::After_Failed_Save(const QString& document)
+{
+    if (Update(document))
+        Sync();
 }
 
 void TSafetyNet::Discard(const QString& opened)
 {
-    d_recovery.Discard();
+    d_log.Discard();
     if (QFileInfo(d_recovered_path) != QFileInfo(opened))
-        d_recovery.Remove_Abandoned(d_recovered_path);
+        d_folder.Remove_Abandoned(d_recovered_path);
     Release();
 }
 
 void TSafetyNet::Release()
 {
-    d_recovery.Release();
+    d_log.Sync();
+    d_log.Release();
+    d_base = TBaseFile();
     d_opened_path.clear();
     d_recovered_path.clear();
     d_stamp = TFileStamp();
     Reset();
 }
 
-void TSafetyNet::After_Open(const QString& path, const TFileStamp& stamp)
+void TSafetyNet::After_Open(const QString& path, const TFileStamp& stamp, const TFilePlaces& places)
 {
     d_opened_path = path;
     d_stamped_path = path;
     d_stamp = stamp;
+    d_base = TBaseFile(path, stamp, places);
 }
 
 void TSafetyNet::After_Recovery(const TKeptFile& copy)
@@ -166,8 +233,9 @@ void TSafetyNet::After_Recovery(const TKeptFile& copy)
 
 void TSafetyNet::Reset()
 {
-    d_policy.Reset();
     d_is_pending = false;
+    d_retry_time = 0;
+    d_store_time = 0;
 }
 
 void TSafetyNet::Report_Once(const QString& problem)

@@ -28,6 +28,9 @@ bool TWorkLog::Create(TBaseFile* base)
     if (!d_writer->Create(d_folder.Log_Path(d_name)))
         return false;
     base->Protect(d_folder.Base_Path(d_name));
+    // Another program may have replaced the file.
+    if (!base->Is_Intact())
+        *base = TBaseFile();
     return true;
 }
 
@@ -66,8 +69,10 @@ bool TWorkLog::Sync()
 void TWorkLog::Discard()
 {
     d_writer.reset();
-    if (!d_name.isEmpty())
+    if (!d_name.isEmpty()) {
+        d_folder.Remove_Log(d_name);
         d_folder.Remove(d_name);
+    }
     Release();
 }
 

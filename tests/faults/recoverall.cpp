@@ -20,6 +20,7 @@ int main(int argument_count, char** arguments)
     std::string folder;
     while (std::getline(std::cin, folder)) {
         TSafetyNet net(QFile::decodeName(folder.c_str()), nullptr);
+        net.Convert_Abandoned_Logs(nullptr);
         std::cout << "done" << std::endl;
     }
     return 0;

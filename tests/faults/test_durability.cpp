@@ -5,9 +5,9 @@
 #include "faultlibrary.h"
 
 #include "core/safefile.h"
-#include "src/format/projectfile.h"
 #include "src/safety/safetynet.h"
 #include "support/support.h"
+#include "support/worklogs.h"
 
 #include <QDir>
 #include <QFile>
@@ -38,18 +38,23 @@ private slots:
     void a_failing_sync_leaves_the_old_file();
     void the_backup_is_on_the_disk_before_the_document_is_replaced();
     void the_backup_is_on_the_disk_before_the_document_is_truncated();
-    void the_backup_is_not_synced_while_there_is_a_recovery_copy();
+    void the_backup_is_not_synced_while_the_log_has_all_work();
     void a_backup_that_cannot_be_synced_or_renamed_is_copied_data();
     void a_backup_that_cannot_be_synced_or_renamed_is_copied();
     void a_kill_while_the_backup_is_made_leaves_the_document_data();
     void a_kill_while_the_backup_is_made_leaves_the_document();
     void a_file_with_two_names_is_overwritten_from_a_complete_visible_file();
-    void the_saved_file_is_on_the_disk_before_the_recovery_copy_is_deleted();
+    void the_saved_file_is_on_the_disk_before_the_log_is_deleted();
     void the_saved_file_is_on_the_disk_before_the_opened_recovery_copy_is_deleted();
-    void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy_data();
-    void a_failing_sync_of_the_saved_file_keeps_the_recovery_copy();
+    void a_failing_sync_of_the_saved_file_keeps_the_log_data();
+    void a_failing_sync_of_the_saved_file_keeps_the_log();
     void a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy();
     void saved_files_are_synced_only_for_a_recovery_copy();
+    void the_log_is_on_the_disk_after_a_pause();
+    void the_log_is_synced_after_five_seconds();
+    void the_saved_file_is_on_the_disk_before_the_log_refers_to_it();
+    void a_recovered_copy_is_on_the_disk_before_its_log_is_deleted();
+    void a_failing_sync_of_a_recovered_copy_keeps_its_log();
     void a_new_folder_is_on_the_disk_and_so_is_its_parent();
     void a_note_that_cannot_be_written_does_not_fail_the_backup();
     void the_file_system_copies_where_it_can_data();
@@ -70,10 +75,12 @@ private:
     void Save(TSafetyNet* net) const;
     void Arm(Faults::TCall call, Faults::TKind kind, int at) const;
     QStringList Logged(const QString& calls) const;
-    QString Only_Recovery_Copy() const;
+    QString Only_File(const QString& pattern) const;
+    QString Only_Log() const { return Only_File("*.log"); }
+    QString Make_Recovery_Copy() const;
 
     std::unique_ptr<QTemporaryDir> d_folder;
-    std::unique_ptr<TRecovery> d_recovery;
+    TDocument d_document;
 };
 
 namespace {
@@ -89,16 +96,6 @@ int Disarm()
     return From_Library<decltype(Quillet_Disarm_Fault)>("Quillet_Disarm_Fault")();
 }
 
-TProjectWriter Project(int label_size)
-{
-    TProjectWriter writer;
-    writer.Write_Integer(label_size);
-    for (const char* const text : {"#f79741", "", ""})
-        writer.Write_Text(QString::fromLatin1(text));
-    writer.Write_Integer(0);
-    return writer;
-}
-
 } // namespace
 
 void TestDurability::initTestCase()
@@ -111,13 +108,12 @@ void TestDurability::init()
     d_folder = std::make_unique<QTemporaryDir>();
     for (const char* const name : {"documents", "settings/recovery", "settings/backup"})
         QVERIFY(QDir(d_folder->path()).mkpath(name));
-    d_recovery = std::make_unique<TRecovery>(In("settings/recovery"));
+    d_document = TDocument();
     Write_File(In("documents/a.quillet"), Empty_Project(32));
 }
 
 void TestDurability::cleanup()
 {
-    d_recovery.reset();
     d_folder.reset();
 }
 
@@ -125,7 +121,7 @@ void TestDurability::cleanup()
 void TestDurability::Add_Operations()
 {
     QTest::addColumn<QString>("operation");
-    for (const char* const operation : {"copied backup", "recovery copy", "file"})
+    for (const char* const operation : {"copied backup", "file"})
         QTest::newRow(operation) << operation;
 }
 
@@ -139,8 +135,6 @@ bool TestDurability::Write_New_File(const QString& operation, int label_size)
 {
     if (operation == "file")
         return TSafeFile::Replace(In("documents/a.quillet"), Empty_Project(label_size));
-    if (operation == "recovery copy")
-        return d_recovery->Write(Project(label_size), In("documents/a.quillet"));
     // Files with two names are copied.
     Write_File(In("documents/a.quillet"), Empty_Project(label_size));
     link(QFile::encodeName(In("documents/a.quillet")).constData(),
@@ -152,15 +146,13 @@ QString TestDurability::Target(const QString& operation) const
 {
     if (operation == "file")
         return In("documents/a.quillet");
-    if (operation == "recovery copy")
-        return d_recovery->Path();
     return TBackup(In("settings/backup")).Path_For(In("documents/a.quillet"));
 }
 
 std::unique_ptr<TSafetyNet> TestDurability::Net() const
 {
     return std::make_unique<TSafetyNet>(In("settings"),
-                                        [](TProjectWriter* writer) { *writer = Project(32); });
+                                        [this] { return Support::State_Of(d_document); });
 }
 
 /// Saves the document as the window does.
@@ -172,7 +164,7 @@ void TestDurability::Save(TSafetyNet* net) const
     QVERIFY(net->Open_For_Saving(&file, Empty_Project(40).size(), &other_version));
     file.write(Empty_Project(40));
     file.close();
-    net->After_Save(document, Empty_Project(40).size());
+    net->After_Save(document, Empty_Project(40).size(), {});
 }
 
 void TestDurability::Arm(Faults::TCall call, Faults::TKind kind, int at) const
@@ -192,10 +184,19 @@ QStringList TestDurability::Logged(const QString& calls) const
     return text.split('\n', Qt::SkipEmptyParts).filter(QRegularExpression("^(" + calls + ") "));
 }
 
-QString TestDurability::Only_Recovery_Copy() const
+/// Path of the only file in the recovery folder with such a name; empty if there are others.
+QString TestDurability::Only_File(const QString& pattern) const
 {
-    const QStringList copies = QDir(In("settings/recovery")).entryList({"*.quillet"});
-    return copies.size() == 1 ? "settings/recovery/" + copies.first() : QString();
+    const QStringList files = QDir(In("settings/recovery")).entryList({pattern});
+    return files.size() == 1 ? "settings/recovery/" + files.first() : QString();
+}
+
+/// Leaves a recovery copy and returns its path.
+QString TestDurability::Make_Recovery_Copy() const
+{
+    Net()->Record_Change(QString());
+    Net()->Convert_Abandoned_Logs(nullptr);
+    return Only_File("*.quillet");
 }
 
 void TestDurability::a_new_file_is_synced_then_renamed_then_its_folder_is_synced()
@@ -264,7 +265,7 @@ void TestDurability::the_backup_is_on_the_disk_before_the_document_is_truncated(
              QStringList({"sync settings/backup/NEW", "sync settings/backup"}));
 }
 
-void TestDurability::the_backup_is_not_synced_while_there_is_a_recovery_copy()
+void TestDurability::the_backup_is_not_synced_while_the_log_has_all_work()
 {
     const auto net = Net();
     net->Record_Change(In("documents/a.quillet"));
@@ -272,8 +273,14 @@ void TestDurability::the_backup_is_not_synced_while_there_is_a_recovery_copy()
     QFile file(In("documents/a.quillet"));
     QString other_version;
     QVERIFY(net->Open_For_Saving(&file, 1, &other_version));
-    QCOMPARE(Disarm(), 0);
-    QCOMPARE(Logged("rename").size(), 2);
+    Disarm();
+    const QStringList calls = Logged("sync|rename|link");
+    QCOMPARE(calls.filter("sync").filter("backup"), QStringList());
+    // The log is synced instead, before the document is moved away.
+    QVERIFY(calls.indexOf("sync " + Only_Log() + "-wal") >= 0);
+    QVERIFY2(calls.indexOf("sync settings/recovery") <
+                 calls.indexOf(calls.filter(QRegularExpression("^(rename|link)")).value(0)),
+             qPrintable(calls.join('\n')));
 }
 
 void TestDurability::a_backup_that_cannot_be_synced_or_renamed_is_copied_data()
@@ -364,28 +371,28 @@ void TestDurability::a_file_with_two_names_is_overwritten_from_a_complete_visibl
                      "sync documents/target", "unlink documents/target.new", "sync documents"}));
 }
 
-void TestDurability::the_saved_file_is_on_the_disk_before_the_recovery_copy_is_deleted()
+void TestDurability::the_saved_file_is_on_the_disk_before_the_log_is_deleted()
 {
     const auto net = Net();
     net->Record_Change(In("documents/a.quillet"));
-    const QString copy = Only_Recovery_Copy();
-    QVERIFY(!copy.isEmpty());
+    const QString log = Only_Log();
+    QVERIFY(!log.isEmpty());
     Arm(Faults::Sync, Faults::Fail, 0);
     Save(net.get());
     Disarm();
     const QStringList calls = Logged("write|sync|unlink");
-    QCOMPARE(calls.mid(calls.indexOf("write documents/a.quillet"), 4),
+    QCOMPARE(calls.mid(calls.indexOf("write documents/a.quillet"), 4).join('\n'),
              QStringList({"write documents/a.quillet", "sync documents/a.quillet", "sync documents",
-                          "unlink " + copy}));
+                          "unlink " + log})
+                 .join('\n'));
 }
 
 void TestDurability::the_saved_file_is_on_the_disk_before_the_opened_recovery_copy_is_deleted()
 {
-    Net()->Record_Change(QString());
-    const QString copy = Only_Recovery_Copy();
+    const QString copy = Make_Recovery_Copy();
     QVERIFY(!copy.isEmpty());
     const auto net = Net();
-    net->After_Open(In(copy), TFileStamp::Of(In(copy)));
+    net->After_Open(In(copy), TFileStamp::Of(In(copy)), {});
     Arm(Faults::Sync, Faults::Fail, 0);
     Save(net.get());
     Disarm();
@@ -395,55 +402,138 @@ void TestDurability::the_saved_file_is_on_the_disk_before_the_opened_recovery_co
                           "unlink " + copy}));
 }
 
-void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_recovery_copy_data()
+void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_log_data()
 {
-    QTest::addColumn<int>("at");
-    QTest::newRow("file") << 1;
-    QTest::newRow("folder") << 2;
+    QTest::addColumn<QString>("target");
+    QTest::newRow("file") << "documents/a.quillet";
+    QTest::newRow("folder") << "documents";
 }
 
-void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_recovery_copy()
+void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_log()
 {
-    QFETCH(int, at);
-    const auto net = Net();
-    net->Record_Change(In("documents/a.quillet"));
-    const QString copy = Only_Recovery_Copy();
-    Arm(Faults::Sync, Faults::Fail, at);
-    Save(net.get());
-    QVERIFY(Disarm() >= at);
-    QCOMPARE(Only_Recovery_Copy(), copy);
-    QVERIFY(!Logged("unlink").contains("unlink " + copy));
-    // The next save succeeds.
-    Save(net.get());
-    QVERIFY(!QFile::exists(In(copy)));
+    QFETCH(const QString, target);
+    // Finds out which of the calls it is.
+    int at = 0;
+    for (const bool is_rehearsal : {true, false}) {
+        const auto net = Net();
+        net->Record_Change(In("documents/a.quillet"));
+        const QString log = Only_Log();
+        Arm(Faults::Sync, Faults::Fail, at);
+        Save(net.get());
+        Disarm();
+        at = Logged("sync").indexOf("sync " + target) + 1;
+        QVERIFY(at > 0);
+        QCOMPARE(QFile::exists(In(log)), !is_rehearsal);
+        QCOMPARE(Logged("unlink").contains("unlink " + log), is_rehearsal);
+        // The next save succeeds.
+        Save(net.get());
+        QVERIFY(!QFile::exists(In(log)));
+    }
 }
 
 void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy()
 {
-    Net()->Record_Change(QString());
-    const QString copy = Only_Recovery_Copy();
+    const QString copy = Make_Recovery_Copy();
     const auto net = Net();
-    net->After_Open(In(copy), TFileStamp::Of(In(copy)));
+    net->After_Open(In(copy), TFileStamp::Of(In(copy)), {});
     Write_File(In("documents/a.quillet"), Empty_Project());
     Arm(Faults::Sync, Faults::Fail, 1);
-    net->After_Save(In("documents/a.quillet"), Empty_Project().size());
+    net->After_Save(In("documents/a.quillet"), Empty_Project().size(), {});
     Disarm();
     QVERIFY(QFile::exists(In(copy)));
 }
 
 void TestDurability::saved_files_are_synced_only_for_a_recovery_copy()
 {
-    Net()->Record_Change(QString());
+    const QString copy = Make_Recovery_Copy();
     const auto net = Net();
-    net->After_Open(In(Only_Recovery_Copy()), TFileStamp());
+    net->After_Open(In(copy), TFileStamp(), {});
     QList<int> syncs;
     for (int i = 0; i < 2; ++i) {
         Arm(Faults::Sync, Faults::Fail, 0);
-        net->After_Save(In("documents/a.quillet"), Empty_Project().size());
+        net->After_Save(In("documents/a.quillet"), Empty_Project().size(), {});
         syncs += Disarm();
     }
     // The first save deletes the copy.
     QCOMPARE(syncs, QList<int>({2, 0}));
+}
+
+void TestDurability::the_log_is_on_the_disk_after_a_pause()
+{
+    const auto net = Net();
+    Arm(Faults::Sync, Faults::Fail, 0);
+    net->Record_Change("/a");
+    net->Record_Change("/a");
+    QCOMPARE(Logged("sync"), QStringList());
+    net->Flush("/a");
+    const QStringList calls = Logged("sync");
+    QVERIFY(calls.contains("sync " + Only_Log()));
+    QVERIFY(calls.contains("sync " + Only_Log() + "-wal"));
+    QCOMPARE(calls.last(), "sync settings/recovery");
+    // Only changes are synced.
+    net->Flush("/a");
+    QCOMPARE(Logged("sync"), calls);
+    d_document.appearance.label_size = 40;
+    net->Flush("/a");
+    QCOMPARE(Disarm(), calls.size() + 2);
+}
+
+void TestDurability::the_log_is_synced_after_five_seconds()
+{
+    const auto advance = From_Library<decltype(Quillet_Advance_Clock)>("Quillet_Advance_Clock");
+    const auto net = Net();
+    Arm(Faults::Sync, Faults::Fail, 0);
+    constexpr int step = 3;
+    for (int seconds = 0; seconds <= 4 * step; seconds += step) {
+        ++d_document.appearance.label_size;
+        net->Record_Change("/a");
+        QCOMPARE(Logged("sync").count("sync " + Only_Log() + "-wal"), seconds / (2 * step));
+        advance(step);
+    }
+    Disarm();
+}
+
+void TestDurability::the_saved_file_is_on_the_disk_before_the_log_refers_to_it()
+{
+    Support::Add_Page(&d_document, "a", TPageImage(), 1);
+    const auto net = Net();
+    const QString path = In("documents/b.quillet");
+    TFilePlaces places;
+    Write_File(path, Support::Saved(d_document, &places));
+    net->After_Save(path, QFileInfo(path).size(), places);
+    ++d_document.appearance.label_size;
+    Arm(Faults::Sync, Faults::Fail, 0);
+    net->Record_Change(path);
+    net->Flush(path);
+    Disarm();
+    QCOMPARE(Logged("sync").value(0), "sync " + QString(Only_Log()).replace(".log", ".base"));
+}
+
+void TestDurability::a_recovered_copy_is_on_the_disk_before_its_log_is_deleted()
+{
+    Net()->Record_Change("/a");
+    const QString log = Only_Log();
+    const QString copy = QString(log).replace(".log", ".quillet");
+    Arm(Faults::Sync, Faults::Fail, 0);
+    Net()->Convert_Abandoned_Logs(nullptr);
+    Disarm();
+    const QStringList calls = Logged("sync|rename|unlink");
+    QCOMPARE(calls.mid(0, 4),
+             QStringList({"sync settings/recovery/NEW", "rename settings/recovery/NEW " + copy,
+                          "sync settings/recovery", "unlink " + log}));
+}
+
+void TestDurability::a_failing_sync_of_a_recovered_copy_keeps_its_log()
+{
+    Net()->Record_Change("/a");
+    const QString log = Only_Log();
+    Arm(Faults::Sync, Faults::Fail, 1);
+    Net()->Convert_Abandoned_Logs(nullptr);
+    Disarm();
+    QCOMPARE(Only_Log(), log);
+    QCOMPARE(Only_File("*.quillet"), QString());
+    Net()->Convert_Abandoned_Logs(nullptr);
+    QCOMPARE(Read_File(In(Only_File("*.quillet"))), Empty_Project(32));
 }
 
 void TestDurability::a_new_folder_is_on_the_disk_and_so_is_its_parent()

@@ -1,4 +1,4 @@
-// Injects a fault at every system call of a save, a recovery copy and an export, one call at a
+// Injects a fault at every system call of a save, a change and an export, one call at a
 // time. After each fault, at least one complete file has to hold the document.
 //
 // Needs tests/faults/faultlibrary.cpp preloaded. QUILLET_FAULT_TABLE names a file that gets a line
@@ -10,6 +10,7 @@
 
 #include "support/support.h"
 #include "support/window.h"
+#include "support/worklogs.h"
 
 #include "src/export/pageexporter.h"
 #include "src/pagewidget.h"
@@ -29,23 +30,43 @@ struct TFaultKind
     const char* name;
     TCall call;
     TKind kind;
-    int least_tries; ///< every operation makes the call at least this often
 };
 
 const TFaultKind fault_kinds[] = {
-    {"opening fails", Open, Fail, 5},
-    {"kill before opening", Open, Kill, 5},
-    {"kill after opening", Open, Kill_After, 5},
-    {"writing fails", Write, Fail, 1},
-    {"disk full half-way", Write, Short, 1},
-    {"kill half-way through a write", Write, Kill, 1},
-    {"kill after a write", Write, Kill_After, 1},
-    {"renaming fails", Rename, Fail, 2},
-    {"kill before renaming", Rename, Kill, 2},
-    {"kill after renaming", Rename, Kill_After, 2},
-    {"syncing fails", Sync, Fail, 1},
-    {"kill before syncing", Sync, Kill, 1},
-    {"kill after syncing", Sync, Kill_After, 1},
+    {"opening fails", Open, Fail},
+    {"kill before opening", Open, Kill},
+    {"kill after opening", Open, Kill_After},
+    {"writing fails", Write, Fail},
+    {"disk full half-way", Write, Short},
+    {"kill half-way through a write", Write, Kill},
+    {"kill after a write", Write, Kill_After},
+    {"renaming fails", Rename, Fail},
+    {"kill before renaming", Rename, Kill},
+    {"kill after renaming", Rename, Kill_After},
+    {"syncing fails", Sync, Fail},
+    {"kill before syncing", Sync, Kill},
+    {"kill after syncing", Sync, Kill_After},
+};
+
+/// What is disturbed, and how often it makes each call at least. Linking counts as renaming.
+struct TOperation
+{
+    const char* name;
+    int opens;
+    int writes;
+    int renames;
+    int syncs;
+
+    int Calls(TCall call) const
+    {
+        return call == Open ? opens : call == Write ? writes : call == Rename ? renames : syncs;
+    }
+};
+
+const TOperation operations[] = {
+    {"save", 5, 1, 2, 1},       {"save without unsaved work", 5, 1, 2, 1},
+    {"change", 1, 1, 0, 3},     {"first change", 5, 1, 1, 0},
+    {"PDF export", 5, 1, 2, 1}, {"image export", 5, 1, 2, 1},
 };
 
 template <typename TFunction>
@@ -93,7 +114,7 @@ private:
     static QString Settings() { return QDir::homePath() + "/.quillet"; }
     QString Document() const { return In("documents/a.quillet"); }
     void Lay_Out();
-    void Edit();
+    void Edit(const QString& operation);
     void Run(const QString& operation);
     int Count_Labels(const QString& path) const;
     int Best_Copy() const;
@@ -145,26 +166,26 @@ void TestFaults::Lay_Out()
     Support::Write_File(In("out/report.pdf"), d_old_report);
 }
 
-/// Opens the document and adds one label, which makes a recovery copy at once.
-void TestFaults::Edit()
+/// Opens the document and adds one label, which is stored at once, except before the first change.
+void TestFaults::Edit(const QString& operation)
 {
     d_window = std::make_unique<TOpenWindow>();
     d_window->Open_File(Document());
-    d_window->Add_Item(QPointF(30, 100));
+    if (operation != "first change")
+        d_window->Add_Item(QPointF(30, 100));
 }
 
 void TestFaults::Run(const QString& operation)
 {
     if (operation == "save") {
         d_window->File_Save();
-    } else if (operation == "save without recovery copy") {
+    } else if (operation == "save without unsaved work") {
         d_window->d_safety_net->Discard();
         d_window->File_Save();
-    } else if (operation == "copy of the work") {
+    } else if (operation == "change") {
         d_window->Add_Item(QPointF(60, 100));
-        d_window->Copy_Pending_Work();
-    } else if (operation == "first copy of the work") {
-        d_window->d_safety_net->Discard();
+        d_window->Flush_Work();
+    } else if (operation == "first change") {
         d_window->Add_Item(QPointF(60, 100));
     } else if (operation == "PDF export") {
         d_window->Export_PDF(In("out/report.pdf"), d_window->d_page_widget->Page_Ids(),
@@ -180,7 +201,8 @@ int TestFaults::Count_Labels(const QString& path) const
     return ProjectFile::Is_Whole(path) ? Support::Read_File(path).count("<Item>") : -1;
 }
 
-/// The largest number of labels in any file: the document, its previous version or a recovery copy.
+/// The largest number of labels in any file: the document, its previous version, a recovery copy or
+/// a work log.
 int TestFaults::Best_Copy() const
 {
     int best = Count_Labels(Document());
@@ -188,17 +210,23 @@ int TestFaults::Best_Copy() const
         for (const QString& name : QDir(Settings() + folder).entryList({"*.quillet"}))
             best = qMax(best, Count_Labels(Settings() + folder + '/' + name));
     }
+    for (const QString& name : QDir(Settings() + "/recovery").entryList({"*.log"})) {
+        int missing_images = 0;
+        Support::Write_File(In("recovered.quillet"),
+                            Support::Recovered(Settings() + "/recovery/" + name, &missing_images));
+        if (missing_images == 0)
+            best = qMax(best, Count_Labels(In("recovered.quillet")));
+    }
     return best;
 }
 
 /// What a try lost; empty when nothing.
 QString TestFaults::Loss(const QString& operation) const
 {
-    // The recovery copy has the label that was added before the fault. Without a recovery copy
-    // there is only the saved document.
-    const bool has_copy =
-        operation != "save without recovery copy" && !operation.startsWith("first");
-    const int wanted = has_copy ? labels_before + 1 : labels_before;
+    // The work log has the label that was added before the fault. Without one there is only the
+    // saved document.
+    const bool has_log = operation != "save without unsaved work" && operation != "first change";
+    const int wanted = has_log ? labels_before + 1 : labels_before;
     if (Best_Copy() < wanted)
         return QString("%1 labels are left").arg(Best_Copy());
     for (const QString& name : QDir(In("out")).entryList(QDir::Files)) {
@@ -226,12 +254,11 @@ void TestFaults::the_document_survives_data()
     QTest::addColumn<int>("call");
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("least_tries");
-    for (const char* const operation : {"save", "save without recovery copy", "copy of the work",
-                                        "first copy of the work", "PDF export", "image export"}) {
+    for (const TOperation& operation : operations) {
         for (const TFaultKind& fault : fault_kinds)
-            QTest::addRow("%s, %s", operation, fault.name)
-                << operation << fault.name << static_cast<int>(fault.call)
-                << static_cast<int>(fault.kind) << fault.least_tries;
+            QTest::addRow("%s, %s", operation.name, fault.name)
+                << operation.name << fault.name << static_cast<int>(fault.call)
+                << static_cast<int>(fault.kind) << operation.Calls(fault.call);
     }
 }
 
@@ -255,7 +282,7 @@ void TestFaults::the_document_survives()
         const int at = tries + 1;
         Lay_Out();
         const Support::TChildResult result = Support::Run_In_Child([&] {
-            Edit();
+            Edit(operation);
             arm(folders.constData(), call, kind, at);
             // A refused save shows a message, which is answered here.
             QTimer::singleShot(0, [] {
@@ -282,9 +309,8 @@ void TestFaults::the_document_survives()
 void TestFaults::a_full_disk_leaves_the_document_data()
 {
     QTest::addColumn<QString>("operation");
-    for (const char* const operation : {"save", "save without recovery copy", "copy of the work",
-                                        "first copy of the work", "PDF export", "image export"})
-        QTest::newRow(operation) << operation;
+    for (const TOperation& operation : operations)
+        QTest::newRow(operation.name) << operation.name;
 }
 
 void TestFaults::a_full_disk_leaves_the_document()
@@ -295,7 +321,7 @@ void TestFaults::a_full_disk_leaves_the_document()
     for (int step = 0; step < steps; ++step) {
         Lay_Out();
         const Support::TChildResult result = Support::Run_In_Child([&] {
-            Edit();
+            Edit(operation);
             const qint64 room = qint64{d_first_version.size()} * step / (steps - 2);
             if (Small_Disk().isEmpty())
                 Support::Limit_File_Size(room);

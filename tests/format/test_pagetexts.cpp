@@ -25,7 +25,7 @@ QByteArray Written(const TDocument& document)
 {
     TProjectWriter writer;
     ProjectFile::Write(document.appearance, document.pages, document.data,
-                       ProjectFile::TPurpose::Save, nullptr, &writer);
+                       nullptr, &writer);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     return writer.Write_To(&buffer) ? buffer.data() : QByteArray("not written");

@@ -12,7 +12,6 @@
 
 namespace {
 
-using ProjectFile::TPurpose;
 using Support::Field;
 using Support::Header;
 using Support::Item_Element;
@@ -28,10 +27,9 @@ QByteArray Bytes_Of(const TProjectWriter& writer)
     return writer.Write_To(&buffer) ? buffer.data() : QByteArray("not written");
 }
 
-QString Write(const TDocument& document, TPurpose purpose, TProjectWriter* writer)
+QString Write(const TDocument& document, TProjectWriter* writer)
 {
-    return ProjectFile::Write(document.appearance, document.pages, document.data, purpose, nullptr,
-                              writer);
+    return ProjectFile::Write(document.appearance, document.pages, document.data, nullptr, writer);
 }
 
 /// A picture as a file that is not PNG.
@@ -496,7 +494,7 @@ private slots:
         document.Add_Page({"first", picture, {Label(5, 7, "Pump", 2, {1, 2.5})}});
         document.Add_Page("second", TPageImage());
         TProjectWriter writer;
-        QCOMPARE(Write(document, TPurpose::Save, &writer), QString());
+        QCOMPARE(Write(document, &writer), QString());
         const QByteArray expected =
             Header(40, "#0a141e", "one", "two", 2) +
             Page_Record("first", Support::Png(picture),
@@ -513,7 +511,7 @@ private slots:
         std::swap(document.pages[0], document.pages[1]);
         QCOMPARE(document.Page_Ids(), QList<int>({2, 1}));
         TProjectWriter writer;
-        Write(document, TPurpose::Save, &writer);
+        Write(document, &writer);
         const QByteArray expected = Header(32, "#f79741", "", "", 2) +
                                     Page_Record("b", QByteArray(), Item_List()) +
                                     Page_Record("a", QByteArray(), Item_List());
@@ -530,61 +528,47 @@ private slots:
         const auto note = [&steps](int number, int total) {
             steps += QStringLiteral("%1 of %2").arg(number).arg(total);
         };
-        ProjectFile::Write({}, document.pages, document.data, TPurpose::Save, note, &writer);
+        ProjectFile::Write({}, document.pages, document.data, note, &writer);
         QCOMPARE(steps, QStringList({"1 of 2", "2 of 2"}));
     }
 
-    void a_text_that_cannot_be_written_is_a_fault_only_of_a_save()
+    void a_text_that_cannot_be_written_is_a_fault()
     {
         const QString bad_text = QStringLiteral("a") + QChar(1) + QStringLiteral("b");
         TDocument document;
         document.Add_Page({"a", {}, {Label(5, 7, bad_text, 2, {1, 2})}});
         TProjectWriter refused;
-        QVERIFY(!Write(document, TPurpose::Save, &refused).isEmpty());
-        TProjectWriter writer;
-        QCOMPARE(Write(document, TPurpose::Recovery_Copy, &writer), QString());
-        const QByteArray expected =
-            Header(32, "#f79741", "", "", 1) +
-            Page_Record("a", QByteArray(),
-                        Item_List(Item_Element("5", "7", "ab", "2", "1.00,2.00")));
-        QCOMPARE(Support::Byte_Difference(Bytes_Of(writer), expected), QString());
+        QVERIFY(!Write(document, &refused).isEmpty());
     }
 
-    void only_a_recovery_copy_keeps_the_format_of_images()
+    void images_become_png()
     {
         const QImage picture = Support::Picture(6, 4);
         TDocument document;
         document.Add_Page("a", TPageImage::From_Bytes(Bmp(picture)));
         TProjectWriter saved;
-        Write(document, TPurpose::Save, &saved);
+        Write(document, &saved);
         QCOMPARE(Bytes_Of(saved), Header(32, "#f79741", "", "", 1) +
                                       Page_Record("a", Support::Png(picture), Item_List()));
-        TProjectWriter copied;
-        Write(document, TPurpose::Recovery_Copy, &copied);
-        QCOMPARE(Bytes_Of(copied),
-                 Header(32, "#f79741", "", "", 1) + Page_Record("a", Bmp(picture), Item_List()));
     }
 
-    void a_recovery_copy_omits_pages_that_are_only_in_the_list()
+    void pages_are_written_one_by_one()
     {
-        TDocument document;
-        document.Add_Page("a", TPageImage());
-        document.pages.push_back({99, "unknown"});
-        TProjectWriter writer;
-        Write(document, TPurpose::Recovery_Copy, &writer);
-        QCOMPARE(Bytes_Of(writer),
-                 Header(32, "#f79741", "", "", 1) + Page_Record("a", QByteArray(), Item_List()));
-    }
-
-    void a_recovery_copy_counts_the_pages_that_it_has()
-    {
-        TDocument document;
-        document.Add_Page("a", TPageImage());
-        document.data.Add_Page();
-        TProjectWriter writer;
-        Write(document, TPurpose::Recovery_Copy, &writer);
-        QCOMPARE(Bytes_Of(writer),
-                 Header(32, "#f79741", "", "", 1) + Page_Record("a", QByteArray(), Item_List()));
+        const TPageItem page{1, TPageImage::From_Bytes("image"), {}};
+        TProjectWriter together;
+        TProjectWriter flushed;
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        for (int number = 0; number < 3; ++number) {
+            for (TProjectWriter* const writer : {&together, &flushed})
+                writer->Write_Page("a", page, TProjectWriter::TImageBytes::Source, "items");
+            QVERIFY(flushed.Flush_To(&buffer));
+        }
+        QCOMPARE(buffer.data(), Bytes_Of(together));
+        QCOMPARE(flushed.Size(), together.Size());
+        buffer.close();
+        flushed.Write_Integer(1);
+        QVERIFY(!flushed.Flush_To(&buffer));
     }
 
     void a_document_is_read_as_it_was_written()
@@ -595,7 +579,7 @@ private slots:
         document.Add_Page({"first", picture, {Label(5, 7, "Pump", 2, {1, 2.5})}});
         document.Add_Page("second", TPageImage());
         TProjectWriter writer;
-        Write(document, TPurpose::Save, &writer);
+        Write(document, &writer);
         const TFileContent content = ProjectFile::Read(Bytes_Of(writer));
         QCOMPARE(content.fault, QString());
         QCOMPARE(content.label_size.value(), 40);
@@ -623,7 +607,7 @@ private slots:
         document.Add_Page("second", TPageImage());
         document.Add_Page({"third", picture, {}, {}});
         TProjectWriter writer;
-        Write(document, TPurpose::Save, &writer);
+        Write(document, &writer);
         const QByteArray file = Bytes_Of(writer);
         const auto part = [&file](const TFilePart& place) {
             return file.mid(static_cast<int>(place.offset), static_cast<int>(place.length));

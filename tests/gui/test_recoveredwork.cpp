@@ -4,6 +4,7 @@
 #include "support/support.h"
 #include "support/widgets.h"
 #include "support/window.h"
+#include "support/worklogs.h"
 
 #include "src/displaywidget.h"
 #include "src/pagewidget.h"
@@ -81,11 +82,11 @@ void TestRecoveredWork::cleanup()
     d_folder.reset();
 }
 
-/// Paths of all recovery copies.
+/// Paths of all recovery copies and work logs.
 QStringList TestRecoveredWork::Copies()
 {
     QStringList paths;
-    for (const QString& name : QDir(Recovery()).entryList({"*.quillet"}))
+    for (const QString& name : QDir(Recovery()).entryList({"*.quillet", "*.log"}))
         paths += Recovery() + "/" + name;
     return paths;
 }
@@ -97,6 +98,8 @@ void TestRecoveredWork::Open_Window()
     d_window = std::make_unique<TOpenWindow>();
     d_window->show();
     QVERIFY(QTest::qWaitForWindowActive(d_window.get()));
+    // Recovers work.
+    QCoreApplication::processEvents();
 }
 
 void TestRecoveredWork::Save_As(const QString& path)
@@ -116,7 +119,7 @@ void TestRecoveredWork::Leave_Work(const QString& document, int labels)
         Save_As(document);
     for (int label = 0; label < labels; ++label)
         d_window->Add_Item(QPointF(50, 60));
-    d_window->Copy_Pending_Work();
+    d_window->Flush_Work();
     Open_Window();
 }
 
@@ -143,10 +146,12 @@ void TestRecoveredWork::Press(const QString& text)
     }
 }
 
-/// Number of labels on the first page of a project file; -1 if it does not open.
+/// Number of labels on the first page of a project file or work log; -1 if it does not open.
 int TestRecoveredWork::Labels_In(const QString& path)
 {
-    const TFileContent content = ProjectFile::Read(Read_File(path));
+    const bool is_log = path.endsWith(".log");
+    const TFileContent content =
+        ProjectFile::Read(is_log ? Support::Recovered(path) : Read_File(path));
     const bool is_readable = content.fault.isEmpty() && content.pages && !content.pages->empty();
     return is_readable ? static_cast<int>(content.pages->front().items.size()) : -1;
 }

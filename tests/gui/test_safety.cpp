@@ -1,9 +1,10 @@
-// The window and its safety net: when recovery copies and backups are written and deleted.
+// The window and its safety net: when unsaved work and backups are stored and deleted.
 
 #include "support/modal.h"
 #include "support/support.h"
 #include "support/widgets.h"
 #include "support/window.h"
+#include "support/worklogs.h"
 
 #include "src/displaywidget.h"
 #include "src/export/pageexporter.h"
@@ -35,14 +36,14 @@ private slots:
     void cleanup();
 
     void a_new_window_writes_no_copy_and_shows_no_notice();
-    void the_first_change_makes_a_copy_data();
-    void the_first_change_makes_a_copy();
+    void the_first_change_is_stored_data();
+    void the_first_change_is_stored();
     void there_is_no_copy_without_a_change();
     void a_copy_is_a_project_that_opens();
     void a_copy_skips_pages_that_only_the_list_has();
-    void losing_focus_copies_pending_changes();
-    void losing_focus_copies_a_new_page_name();
-    void a_modal_dialog_copies_pending_changes();
+    void losing_focus_stores_all_changes();
+    void losing_focus_stores_a_new_page_name();
+    void a_modal_dialog_stores_all_changes();
     void a_save_deletes_the_copy();
     void a_save_backs_up_the_previous_version();
     void two_windows_on_one_document_keep_both_versions();
@@ -56,7 +57,7 @@ private slots:
     void a_copy_leaves_out_characters_that_xml_does_not_allow();
     void every_image_format_can_be_read_from_the_copy_data();
     void every_image_format_can_be_read_from_the_copy();
-    void images_are_copied_in_their_original_encoding();
+    void images_are_stored_in_their_original_encoding();
     void closing_with_no_deletes_the_copy();
     void closing_with_cancel_keeps_the_copy();
     void closing_with_yes_saves_and_deletes_the_copy();
@@ -75,7 +76,7 @@ private slots:
     void a_recovery_copy_stays_when_only_the_original_is_opened();
     void a_recovery_copy_that_is_saved_in_place_stays();
     void two_windows_have_separate_copies();
-    void renumbering_is_copied();
+    void renumbering_is_stored();
     void an_unusable_settings_folder_does_not_stop_the_program_data();
     void an_unusable_settings_folder_does_not_stop_the_program();
     void a_full_disk_leaves_the_old_report();
@@ -97,6 +98,7 @@ private:
     void Mark_Saved();
 
     std::unique_ptr<QTemporaryDir> d_folder;
+    QTemporaryDir d_recovered; ///< copies of the work in logs
     std::unique_ptr<TOpenWindow> d_window;
 };
 
@@ -120,12 +122,18 @@ void TestSafety::Open_Window()
     d_window = std::make_unique<TOpenWindow>();
     d_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(d_window.get()));
+    // Recovers work.
+    QCoreApplication::processEvents();
 }
 
-/// Paths of all recovery copies.
+/// Paths of all recovery copies: those that exist, and those that work logs would be recovered to.
 QStringList TestSafety::Copies() const
 {
     QStringList paths;
+    for (const QString& name : QDir(Settings() + "/recovery").entryList({"*.log"})) {
+        paths += d_recovered.filePath(QString(name).replace(".log", ".quillet"));
+        Support::Write_File(paths.last(), Support::Recovered(Settings() + "/recovery/" + name));
+    }
     for (const QString& name : QDir(Settings() + "/recovery").entryList({"*.quillet"}))
         paths += Settings() + "/recovery/" + name;
     return paths;
@@ -199,7 +207,7 @@ void TestSafety::a_new_window_writes_no_copy_and_shows_no_notice()
     QCOMPARE(Notice(), QString());
 }
 
-void TestSafety::the_first_change_makes_a_copy_data()
+void TestSafety::the_first_change_is_stored_data()
 {
     QTest::addColumn<QString>("change");
     for (const char* const change :
@@ -208,7 +216,7 @@ void TestSafety::the_first_change_makes_a_copy_data()
         QTest::newRow(change) << change;
 }
 
-void TestSafety::the_first_change_makes_a_copy()
+void TestSafety::the_first_change_is_stored()
 {
     QFETCH(QString, change);
     Make_Document();
@@ -251,7 +259,7 @@ void TestSafety::there_is_no_copy_without_a_change()
     d_window->Track_Item_Option_Changed(false);
     d_window->Image_Zoom_Changed(10);
     d_window->Item_Selection_Changed();
-    d_window->Copy_Pending_Work();
+    d_window->Flush_Work();
     QCOMPARE(Copies(), QStringList());
 }
 
@@ -262,7 +270,7 @@ void TestSafety::a_copy_is_a_project_that_opens()
     d_window->Add_Item(QPointF(50, 60));
     const int id = d_window->d_data.Item(0).id;
     d_window->Change_Item_Text(id, "text");
-    d_window->Copy_Pending_Work();
+    d_window->Flush_Work();
     const QString copy = Only_Copy();
     TOpenWindow reader;
     QVERIFY(reader.Load_Data(copy));
@@ -285,7 +293,7 @@ void TestSafety::a_copy_skips_pages_that_only_the_list_has()
     QCOMPARE(reader.d_data.Page_Count(), known_pages.size());
 }
 
-void TestSafety::losing_focus_copies_pending_changes()
+void TestSafety::losing_focus_stores_all_changes()
 {
     Make_Document();
     d_window->activateWindow();
@@ -298,20 +306,17 @@ void TestSafety::losing_focus_copies_pending_changes()
     other.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&other));
     QCOMPARE(Labels_In(Only_Copy()), 4);
-    const QDateTime written = QFileInfo(Only_Copy()).lastModified();
-    d_window->Copy_Pending_Work();
-    QCOMPARE(QFileInfo(Only_Copy()).lastModified(), written);
 }
 
-void TestSafety::losing_focus_copies_a_new_page_name()
+void TestSafety::losing_focus_stores_a_new_page_name()
 {
     Make_Document();
     d_window->d_page_widget->Set_Page_Name(1, "Another name");
-    d_window->Copy_Pending_Work();
+    d_window->Flush_Work();
     QVERIFY(Read_File(Only_Copy()).contains("Another name"));
 }
 
-void TestSafety::a_modal_dialog_copies_pending_changes()
+void TestSafety::a_modal_dialog_stores_all_changes()
 {
     const std::vector<std::function<void()>> commands = {
         [this] { d_window->File_Import(); },     [this] { d_window->File_SaveAs(); },
@@ -540,7 +545,7 @@ void TestSafety::every_image_format_can_be_read_from_the_copy()
     QCOMPARE(Support::Difference(reader.d_data.Page_Image(), expected), QString());
 }
 
-void TestSafety::images_are_copied_in_their_original_encoding()
+void TestSafety::images_are_stored_in_their_original_encoding()
 {
     for (const char* const format : {"jpg", "bmp", "ppm", "png"}) {
         const QString path = In(QString("page.") + format);
@@ -548,7 +553,7 @@ void TestSafety::images_are_copied_in_their_original_encoding()
         d_window->Load_Image(path);
     }
     d_window->Mark_Changed();
-    d_window->Copy_Pending_Work();
+    d_window->Flush_Work();
     const QByteArray copy = Read_File(Only_Copy());
     for (const char* const format : {"jpg", "bmp", "ppm", "png"})
         QVERIFY2(copy.contains(Read_File(In(QString("page.") + format))), format);
@@ -618,7 +623,7 @@ void TestSafety::confirming_the_loss_deletes_the_copy()
              : Run_Answering([this] { d_window->File_New(); }, {Support::Press(QMessageBox::Yes)});
     QCOMPARE(fault, QString());
     QVERIFY(Entries(Settings() + "/recovery").isEmpty());
-    d_window->Copy_Pending_Work();
+    d_window->Flush_Work();
     QVERIFY(Copies().isEmpty());
 }
 
@@ -674,7 +679,7 @@ void TestSafety::a_file_that_opens_in_part_ends_the_copy_of_the_document_before(
                             Support::Press(QMessageBox::Ok)}),
              QString());
     QCOMPARE(d_window->d_data.Page_Count(), 1);
-    QVERIFY(!QFile::exists(copy));
+    QCOMPARE(Copies(), QStringList());
 }
 
 void TestSafety::a_recovery_copy_that_opens_in_part_is_not_deleted_by_a_save()
@@ -720,7 +725,7 @@ void TestSafety::opening_is_no_change()
     Open_Window();
     Open(In("a.quillet"));
     QVERIFY(!d_window->d_data_changed);
-    d_window->Copy_Pending_Work();
+    d_window->Flush_Work();
     QCOMPARE(Copies(), QStringList());
 }
 
@@ -813,14 +818,14 @@ void TestSafety::two_windows_have_separate_copies()
     QCOMPARE(Labels_In(first), 1);
 }
 
-void TestSafety::renumbering_is_copied()
+void TestSafety::renumbering_is_stored()
 {
     Make_Document();
     d_window->d_data.Add_Item({5, 41, "", 1, {10, 10}, false});
     QCOMPARE(Run_Answering([this] { d_window->Edit_Reindex(); },
                            {[](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->accept(); }}),
              QString());
-    d_window->Copy_Pending_Work();
+    d_window->Flush_Work();
     // The dialog starts with 100.
     QVERIFY(Read_File(Only_Copy()).contains("<Value>100</Value>"));
 }
@@ -850,10 +855,10 @@ void TestSafety::an_unusable_settings_folder_does_not_stop_the_program()
         Make_Document();
         d_window->Save_Data(In("a.quillet"));
         if (defect == "full")
-            Support::Limit_File_Size(QFileInfo(In("a.quillet")).size() / 2);
+            Support::Limit_File_Size(1000);
         for (int i = 0; i < 3; ++i) {
             d_window->Add_Item(QPointF(10 * i, 60));
-            d_window->Copy_Pending_Work();
+            d_window->Flush_Work();
         }
         if (defect != "full")
             d_window->Save_Data(In("a.quillet"));
@@ -862,7 +867,7 @@ void TestSafety::an_unusable_settings_folder_does_not_stop_the_program()
     chmod(QFile::encodeName(Settings()).constData(), 0700);
     QCOMPARE(result.exit_code, 3);
     QCOMPARE(result.error_output,
-             QByteArray("quillet: cannot write recovery copies to the settings folder\n"));
+             QByteArray("quillet: cannot write unsaved work to the settings folder\n"));
     QCOMPARE(Labels_In(In("a.quillet")), defect == "full" ? 0 : 3);
     QCOMPARE(Copies(), QStringList());
     QVERIFY(!Entries(In("elsewhere")).contains("recovery"));

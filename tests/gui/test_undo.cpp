@@ -1138,7 +1138,7 @@ void TestUndo::the_recovery_copy_after_a_kill_contains_the_undone_document()
         Undo();
         Undo();
         Redo();
-        Window().Copy_Pending_Work();
+        Window().Flush_Work();
         return std::raise(SIGKILL);
     });
     QCOMPARE(child.signal, SIGKILL);
@@ -1168,7 +1168,7 @@ void TestUndo::undo_never_changes_a_saved_file()
     Undo();
     Redo();
     Undo();
-    Window().Copy_Pending_Work();
+    Window().Flush_Work();
     QCOMPARE(Support::Byte_Difference(Support::Read_File(path), saved), QString());
     Window().File_Save();
     QVERIFY(Support::Read_File(path) != saved);

@@ -54,6 +54,11 @@ private slots:
     void a_copy_without_a_note_has_no_document();
     void only_project_files_are_listed();
     void a_folder_that_does_not_exist_has_no_copies();
+    void the_number_of_missing_images_is_listed();
+    void files_of_running_processes_are_not_abandoned();
+    void the_time_of_a_log_is_that_of_its_last_change();
+    void only_abandoned_copies_of_the_folder_can_be_removed();
+    void removing_a_log_leaves_the_copy();
     void stale_files_are_deleted_data();
     void stale_files_are_deleted();
     void locked_files_are_not_deleted();
@@ -363,6 +368,79 @@ void TestKeptFiles::a_folder_that_does_not_exist_has_no_copies()
     QVERIFY(!QFile::exists(Path()));
 }
 
+void TestKeptFiles::the_number_of_missing_images_is_listed()
+{
+    for (const int number : {3, 0}) {
+        Add_Copy("a", "", 0);
+        TKeptNote note;
+        QVERIFY(note.Open(Folder().Note_Path("a"), TKeptNote::TExisting::Reuse));
+        QVERIFY(note.Write("/document", number));
+        QCOMPARE(Folder().List().front().missing_images, number);
+        QCOMPARE(Folder().List().front().document, QString("/document"));
+    }
+    QCOMPARE(Read_File(Folder().Note_Path("a")), QByteArray("/document"));
+}
+
+void TestKeptFiles::files_of_running_processes_are_not_abandoned()
+{
+    for (const char* const name : {"one", "two"}) {
+        Add_Copy(name, "/a", 0);
+        Write_File(Folder().Log_Path(name), "log");
+    }
+    QCOMPARE(Folder().Abandoned_Copies().size(), size_t(2));
+    QCOMPARE(Folder().Abandoned_Logs().size(), size_t(2));
+    TKeptNote note;
+    QVERIFY(note.Open(Folder().Note_Path("one"), TKeptNote::TExisting::Reuse));
+    QCOMPARE(Folder().Abandoned_Copies().size(), size_t(1));
+    QCOMPARE(Folder().Abandoned_Logs().size(), size_t(1));
+    QCOMPARE(Folder().Abandoned_Logs().front().path, Folder().Log_Path("two"));
+    QCOMPARE(Folder().Abandoned_Logs().front().document, QString("/a"));
+}
+
+void TestKeptFiles::the_time_of_a_log_is_that_of_its_last_change()
+{
+    Write_File(Folder().Log_Path("a"), "log");
+    Make_Old(Folder().Log_Path("a"), 100);
+    Write_File(Folder().Log_Path("a") + "-wal", "last change");
+    const TKeptFile log = Folder().Abandoned_Logs().front();
+    QCOMPARE(log.time, QFileInfo(Folder().Log_Path("a") + "-wal").lastModified());
+    QCOMPARE(log.size, qint64(qstrlen("log") + qstrlen("last change")));
+}
+
+void TestKeptFiles::only_abandoned_copies_of_the_folder_can_be_removed()
+{
+    Add_Copy("one", "/a", 0);
+    Add_Copy("two", "/a", 0);
+    const QString path = Folder().Copy_Path("one");
+    // A user's copy of the file has the same name.
+    const QString same_name = In("one.quillet");
+    QVERIFY(QFile::copy(path, same_name));
+    const QStringList before = Entries(Path());
+    Folder().Remove_Abandoned(same_name);
+    Folder().Remove_Abandoned(QString());
+    TKeptNote note;
+    QVERIFY(note.Open(Folder().Note_Path("one"), TKeptNote::TExisting::Reuse));
+    Folder().Remove_Abandoned(path);
+    QCOMPARE(Entries(Path()), before);
+    note.Close();
+    Folder().Remove_Abandoned(Path() + "/../kept/one.quillet");
+    QCOMPARE(Entries(Path()), QStringList({"two.note", "two.quillet"}));
+    QVERIFY(QFile::exists(same_name));
+}
+
+void TestKeptFiles::removing_a_log_leaves_the_copy()
+{
+    Add_Copy("a", "/a", 0);
+    const QStringList copy = Entries(Path());
+    for (const char* const suffix : {".log", ".log-wal", ".base"})
+        Write_File(Path() + "/a" + suffix, "log");
+    Folder().Remove_Log("a");
+    QCOMPARE(Entries(Path()), copy);
+    Write_File(Folder().Log_Path("a"), "log");
+    Folder().Remove("a");
+    QCOMPARE(Entries(Path()), QStringList());
+}
+
 void TestKeptFiles::stale_files_are_deleted_data()
 {
     QTest::addColumn<QString>("name");
@@ -377,6 +455,14 @@ void TestKeptFiles::stale_files_are_deleted_data()
     QTest::newRow("recent note without a copy") << "alone.note" << recent << false;
     QTest::newRow("stale note of a copy") << "whole.note" << stale << false;
     QTest::newRow("stale copy") << "whole.quillet" << stale << false;
+    QTest::newRow("stale log") << "logged.log" << stale << false;
+    QTest::newRow("stale note of a log") << "logged.note" << stale << false;
+    QTest::newRow("stale tail of a log") << "logged.log-wal" << stale << false;
+    QTest::newRow("stale base of a log") << "logged.base" << stale << false;
+    QTest::newRow("stale tail without a log") << "alone.log-wal" << stale << true;
+    QTest::newRow("stale base without a log") << "alone.base" << stale << true;
+    QTest::newRow("stale base beside a copy") << "whole.base" << stale << true;
+    QTest::newRow("recent base without a log") << "alone.base" << recent << false;
     QTest::newRow("other stale file") << "quillet-abc123" << stale << false;
 }
 
@@ -386,6 +472,7 @@ void TestKeptFiles::stale_files_are_deleted()
     QFETCH(int, age);
     QFETCH(bool, deleted);
     Add_Copy("whole", "/a", 0);
+    Write_File(Path() + "/logged.log", "content");
     Write_File(Path() + '/' + name, "content");
     Make_Old(Path() + '/' + name, age);
     QStringList expected = Entries(Path());

@@ -1,21 +1,24 @@
-// Which backups and recovery copies exist after which event.
+// Which backups, work logs and recovery copies exist after which event.
 
 #include "src/format/projectfile.h"
 #include "src/safety/safetynet.h"
 #include "support/support.h"
+#include "support/worklogs.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
 
+#include <csignal>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using Support::Empty_Project;
 using Support::Entries;
 using Support::Read_File;
+using Support::Recovered;
 using Support::Write_File;
 
 class TestSafetyNet : public QObject
@@ -26,17 +29,17 @@ private slots:
     void init();
     void cleanup();
 
-    void the_first_change_is_copied_at_once_and_the_second_when_it_is_due();
-    void a_pause_copies_only_pending_changes();
-    void a_complete_save_deletes_the_copy();
-    void the_first_change_after_a_save_is_copied_at_once();
+    void every_change_is_stored_at_once();
+    void a_pause_stores_changes_that_were_not_recorded();
+    void a_complete_save_deletes_the_log();
+    void the_first_change_after_a_save_is_stored_at_once();
     void the_note_after_a_save_names_the_saved_file();
-    void an_incomplete_save_leaves_a_copy_data();
-    void an_incomplete_save_leaves_a_copy();
-    void a_saved_file_of_another_size_leaves_a_copy();
-    void a_failed_save_leaves_a_copy();
-    void discarding_deletes_the_copy();
-    void releasing_leaves_the_copy();
+    void an_incomplete_save_leaves_a_log_data();
+    void an_incomplete_save_leaves_a_log();
+    void a_saved_file_of_another_size_leaves_a_log();
+    void a_failed_save_leaves_a_log();
+    void discarding_deletes_the_log();
+    void releasing_leaves_the_log();
     void a_save_backs_up_the_previous_version();
     void an_incomplete_file_does_not_replace_the_backup();
     void a_damaged_document_is_backed_up();
@@ -46,7 +49,7 @@ private slots:
     void a_document_that_was_not_opened_has_one_backup();
     void a_deleted_document_is_saved_again();
     void a_document_that_cannot_be_opened_stays();
-    void a_copy_is_abandoned_once_its_process_has_released_it();
+    void a_log_is_recovered_once_its_process_has_released_it();
     void an_opened_copy_is_deleted_after_a_save_elsewhere();
     void recovered_work_is_deleted_after_a_save_of_its_document();
     void discarding_recovered_work_deletes_it();
@@ -61,27 +64,49 @@ private slots:
     void an_unusable_settings_folder_is_reported_once();
     void a_full_disk_is_reported_once();
     void stale_files_are_deleted_at_the_start();
-    void the_document_is_not_built_if_no_copy_can_be_written();
+    void unchanged_pages_are_not_stored_data();
+    void unchanged_pages_are_not_stored();
+    void a_save_after_a_save_leaves_a_whole_log();
+    void everything_is_stored_before_a_document_without_backup_is_overwritten();
+    void a_saved_file_that_is_overwritten_is_stored_bit_by_bit();
+    void a_saved_file_that_cannot_be_protected_is_stored_bit_by_bit();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
     QString Settings() const { return In("settings"); }
     std::unique_ptr<TSafetyNet> Net();
-    QStringList Copies() const { return QDir(In("settings/recovery")).entryList({"*.quillet"}); }
+    QStringList Logs() const { return QDir(In("settings/recovery")).entryList({"*.log"}); }
+    /// What the only log would be recovered to.
+    QByteArray Only_Log() const
+    {
+        return Logs().size() == 1 ? Recovered(In("settings/recovery/" + Logs().first()))
+                                  : QByteArray("not one log");
+    }
+    /// Names of all recovery copies and logs.
+    QStringList Copies() const
+    {
+        return QDir(In("settings/recovery")).entryList({"*.quillet", "*.log"});
+    }
     QByteArray Only_Copy() const
     {
         return Copies().size() == 1 ? Read_File(In("settings/recovery/" + Copies().first()))
                                     : QByteArray("not one copy");
     }
+    void Set_Label_Size(int size) { d_document.appearance.label_size = size; }
     QString Abandon_Copy(const QString& document = QStringLiteral("/original.quillet"));
     std::unique_ptr<TSafetyNet> Net_With_Recovered(const QString& document);
-    void Save(TSafetyNet* net, const QString& path, const QByteArray& content);
+    void Save(TSafetyNet* net, const QString& path, const QByteArray& content,
+              const TFilePlaces& places = {});
+    void Save_Document(TSafetyNet* net, const QString& path);
+    void Add_Pages();
+    QString Difference() const
+    {
+        return Support::Byte_Difference(Only_Log(), Support::Project_Of(d_document));
+    }
 
     std::unique_ptr<QTemporaryDir> d_folder;
     QString d_other_version; ///< from the last save
-    int d_label_size = 32;   ///< in the next copy
-    int d_copies = 0;        ///< number of documents built
-    int d_milliseconds = 0;  ///< duration of building one
+    TDocument d_document;
 };
 
 void TestSafetyNet::init()
@@ -89,9 +114,7 @@ void TestSafetyNet::init()
     d_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(QDir(d_folder->path()).mkdir("settings"));
     d_other_version.clear();
-    d_label_size = 32;
-    d_copies = 0;
-    d_milliseconds = 0;
+    d_document = TDocument();
 }
 
 void TestSafetyNet::cleanup()
@@ -101,23 +124,19 @@ void TestSafetyNet::cleanup()
 
 std::unique_ptr<TSafetyNet> TestSafetyNet::Net()
 {
-    return std::make_unique<TSafetyNet>(Settings(), [this](TProjectWriter* writer) {
-        ++d_copies;
-        QThread::msleep(static_cast<unsigned long>(d_milliseconds));
-        writer->Write_Integer(d_label_size);
-        for (const char* const text : {"#f79741", "", ""})
-            writer->Write_Text(QString::fromLatin1(text));
-        writer->Write_Integer(0);
-    });
+    return std::make_unique<TSafetyNet>(Settings(),
+                                        [this] { return Support::State_Of(d_document); });
 }
 
 /// Leaves an abandoned copy; returns its path, or an empty one on failure.
 QString TestSafetyNet::Abandon_Copy(const QString& document)
 {
-    d_label_size = 77;
+    Set_Label_Size(77);
     Net()->Record_Change(document);
-    d_label_size = 32;
-    return Copies().size() == 1 ? In("settings/recovery/" + Copies().first()) : QString();
+    Set_Label_Size(32);
+    Net()->Convert_Abandoned_Logs(nullptr);
+    const QStringList copies = QDir(In("settings/recovery")).entryList({"*.quillet"});
+    return copies.size() == 1 ? In("settings/recovery/" + copies.first()) : QString();
 }
 
 /// A new start that has opened the abandoned work of a document.
@@ -125,100 +144,98 @@ std::unique_ptr<TSafetyNet> TestSafetyNet::Net_With_Recovered(const QString& doc
 {
     const QString copy = Abandon_Copy(document);
     auto net = Net();
-    net->After_Open(copy, TFileStamp::Of(copy));
+    net->After_Open(copy, TFileStamp::Of(copy), {});
     net->After_Recovery(net->Abandoned().front());
     return net;
 }
 
 /// Saves as the window does. The content may be incomplete.
-void TestSafetyNet::Save(TSafetyNet* net, const QString& path, const QByteArray& content)
+void TestSafetyNet::Save(TSafetyNet* net, const QString& path, const QByteArray& content,
+                         const TFilePlaces& places)
 {
     d_other_version.clear();
     QFile file(path);
     QVERIFY(net->Open_For_Saving(&file, content.size(), &d_other_version));
     QCOMPARE(file.write(content), qint64{content.size()});
     file.close();
-    net->After_Save(path, Empty_Project().size());
+    net->After_Save(path, places.empty() ? Empty_Project().size() : content.size(), places);
 }
 
-void TestSafetyNet::the_first_change_is_copied_at_once_and_the_second_when_it_is_due()
+/// Saves the document with its pages.
+void TestSafetyNet::Save_Document(TSafetyNet* net, const QString& path)
+{
+    TFilePlaces places;
+    const QByteArray content = Support::Saved(d_document, &places);
+    Save(net, path, content, places);
+}
+
+void TestSafetyNet::Add_Pages()
+{
+    for (int page = 1; page <= 3; ++page)
+        Support::Add_Page(&d_document, QString("Page %1").arg(page), Support::Picture(9, 9, page),
+                          3);
+}
+
+void TestSafetyNet::every_change_is_stored_at_once()
 {
     const auto net = Net();
-    // The second change comes within fifty times this duration.
-    d_milliseconds = 100;
-    net->Record_Change("/a");
-    QCOMPARE(d_copies, 1);
-    QCOMPARE(Only_Copy(), Empty_Project(32));
-    d_label_size = 40;
-    net->Record_Change("/a");
-    QCOMPARE(d_copies, 1);
-
-    // After a fast copy the next one is due soon.
-    d_milliseconds = 0;
-    d_copies = 0;
-    net->Discard();
-    net->Record_Change("/a");
-    QTRY_VERIFY((net->Record_Change("/a"), d_copies == 2));
-    QCOMPARE(Only_Copy(), Empty_Project(40));
+    QVERIFY(!QFile::exists(In("settings/recovery")));
+    for (int size = 40; size < 50; ++size) {
+        Set_Label_Size(size);
+        net->Record_Change("/a");
+        QCOMPARE(Only_Log(), Empty_Project(size));
+    }
 }
 
-void TestSafetyNet::a_pause_copies_only_pending_changes()
+void TestSafetyNet::a_pause_stores_changes_that_were_not_recorded()
 {
     const auto net = Net();
-    net->Copy_Pending("/a");
-    QCOMPARE(d_copies, 0);
-    d_milliseconds = 100;
+    net->Flush("/a");
+    QVERIFY(Logs().isEmpty());
     net->Record_Change("/a");
-    net->Copy_Pending("/a");
-    QCOMPARE(d_copies, 1);
-    d_label_size = 40;
-    net->Record_Change("/a");
-    QCOMPARE(d_copies, 1);
-    net->Copy_Pending("/a");
-    QCOMPARE(d_copies, 2);
-    QCOMPARE(Only_Copy(), Empty_Project(40));
-    net->Copy_Pending("/a");
-    QCOMPARE(d_copies, 2);
+    Set_Label_Size(40);
+    net->Flush("/a");
+    QCOMPARE(Only_Log(), Empty_Project(40));
 }
 
-void TestSafetyNet::a_complete_save_deletes_the_copy()
+void TestSafetyNet::a_complete_save_deletes_the_log()
 {
     const auto net = Net();
     net->Record_Change("/a");
-    QCOMPARE(Copies().size(), 1);
+    QCOMPARE(Logs().size(), 1);
     Save(net.get(), In("a.quillet"), Empty_Project());
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
-    net->Copy_Pending("/a");
-    QCOMPARE(d_copies, 1);
+    net->Flush("/a");
+    QVERIFY(Entries(In("settings/recovery")).isEmpty());
 }
 
-void TestSafetyNet::the_first_change_after_a_save_is_copied_at_once()
+void TestSafetyNet::the_first_change_after_a_save_is_stored_at_once()
 {
     const auto net = Net();
-    d_milliseconds = 100;
     net->Record_Change("/a");
     Save(net.get(), In("a.quillet"), Empty_Project());
+    Set_Label_Size(40);
     net->Record_Change("/a");
-    QCOMPARE(d_copies, 2);
-    QCOMPARE(Copies().size(), 1);
+    QCOMPARE(Only_Log(), Empty_Project(40));
 }
 
 void TestSafetyNet::the_note_after_a_save_names_the_saved_file()
 {
     const auto net = Net();
-    const TKeptFolder folder(In("settings/recovery"));
+    const auto note = [this] {
+        return Read_File(In("settings/recovery/" + Logs().value(0).replace(".log", ".note")));
+    };
     net->Record_Change(QString());
-    QCOMPARE(folder.List().front().document, QString());
+    QCOMPARE(note(), QByteArray());
     for (const QString& path : {In("a.quillet"), In("a.quillet"), In("b.quillet")}) {
         Save(net.get(), path, Empty_Project());
-        QVERIFY(folder.List().empty());
+        QVERIFY(Logs().isEmpty());
         net->Record_Change(path);
-        QCOMPARE(folder.List().size(), size_t(1));
-        QCOMPARE(folder.List().front().document, path);
+        QCOMPARE(note(), path.toUtf8());
     }
 }
 
-void TestSafetyNet::an_incomplete_save_leaves_a_copy_data()
+void TestSafetyNet::an_incomplete_save_leaves_a_log_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("nothing") << QByteArray();
@@ -229,58 +246,55 @@ void TestSafetyNet::an_incomplete_save_leaves_a_copy_data()
     QTest::newRow("right length, wrong structure") << twisted;
 }
 
-void TestSafetyNet::an_incomplete_save_leaves_a_copy()
+void TestSafetyNet::an_incomplete_save_leaves_a_log()
 {
     QFETCH(QByteArray, content);
     const auto net = Net();
     // Even without an earlier copy.
     Save(net.get(), In("a.quillet"), content);
-    QCOMPARE(Only_Copy(), Empty_Project(32));
-    d_label_size = 40;
+    QCOMPARE(Only_Log(), Empty_Project(32));
+    Set_Label_Size(40);
     net->Record_Change(In("a.quillet"));
     Save(net.get(), In("a.quillet"), content);
-    QCOMPARE(Only_Copy(), Empty_Project(40));
+    QCOMPARE(Only_Log(), Empty_Project(40));
     QCOMPARE(Read_File(In("a.quillet")), content);
 }
 
-void TestSafetyNet::a_saved_file_of_another_size_leaves_a_copy()
+void TestSafetyNet::a_saved_file_of_another_size_leaves_a_log()
 {
     const auto net = Net();
     Write_File(In("a.quillet"), Empty_Project());
-    net->After_Save(In("a.quillet"), Empty_Project().size() + 1);
-    QCOMPARE(Only_Copy(), Empty_Project(32));
+    net->After_Save(In("a.quillet"), Empty_Project().size() + 1, {});
+    QCOMPARE(Only_Log(), Empty_Project(32));
 }
 
-void TestSafetyNet::a_failed_save_leaves_a_copy()
+void TestSafetyNet::a_failed_save_leaves_a_log()
 {
     const auto net = Net();
     net->After_Failed_Save("/a");
-    QCOMPARE(Only_Copy(), Empty_Project(32));
+    QCOMPARE(Only_Log(), Empty_Project(32));
 }
 
-void TestSafetyNet::discarding_deletes_the_copy()
+void TestSafetyNet::discarding_deletes_the_log()
 {
     const auto net = Net();
-    d_milliseconds = 100;
-    net->Record_Change("/a");
-    // Not due yet, hence pending.
     net->Record_Change("/a");
     net->Discard();
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
-    net->Copy_Pending("/a");
-    QVERIFY(Copies().isEmpty());
+    net->Flush("/a");
+    QVERIFY(Logs().isEmpty());
 }
 
-void TestSafetyNet::releasing_leaves_the_copy()
+void TestSafetyNet::releasing_leaves_the_log()
 {
     const auto net = Net();
     net->Record_Change("/a");
     net->Release();
-    d_label_size = 40;
+    Set_Label_Size(40);
     net->Record_Change("/b");
-    QCOMPARE(Copies().size(), 2);
+    QCOMPARE(Logs().size(), 2);
     net->Discard();
-    QCOMPARE(Only_Copy(), Empty_Project(32));
+    QCOMPARE(Only_Log(), Empty_Project(32));
 }
 
 void TestSafetyNet::a_save_backs_up_the_previous_version()
@@ -342,7 +356,7 @@ void TestSafetyNet::a_version_of_another_program_is_kept_separately()
     const QByteArray other = "of another program";
     Write_File(path, Empty_Project(41));
     if (known_from == "opened")
-        net->After_Open(path, TFileStamp::Of(path));
+        net->After_Open(path, TFileStamp::Of(path), {});
     else
         Save(net.get(), path, known_from == "saved" ? Empty_Project(42) : QByteArray("short"));
     QCOMPARE(d_other_version, QString());
@@ -371,7 +385,7 @@ void TestSafetyNet::a_document_that_only_this_program_writes_has_one_backup()
     const QString path = In("a.quillet");
     QVERIFY(QFile::link(path, In("symbolic")));
     Write_File(path, Empty_Project(40));
-    net->After_Open(path, TFileStamp::Of(path));
+    net->After_Open(path, TFileStamp::Of(path), {});
     for (int version = 41; version < 44; ++version) {
         Save(net.get(), version == 42 ? In("symbolic") : path, Empty_Project(version));
         QCOMPARE(d_other_version, QString());
@@ -384,7 +398,7 @@ void TestSafetyNet::a_document_that_was_not_opened_has_one_backup()
     const auto net = Net();
     for (const char* const name : {"a.quillet", "b.quillet"})
         Write_File(In(name), Empty_Project(40));
-    net->After_Open(In("a.quillet"), TFileStamp::Of(In("a.quillet")));
+    net->After_Open(In("a.quillet"), TFileStamp::Of(In("a.quillet")), {});
     // Save As over another document, and a new document with the name of the previous one.
     Save(net.get(), In("b.quillet"), Empty_Project(41));
     QCOMPARE(d_other_version, QString());
@@ -425,18 +439,23 @@ void TestSafetyNet::a_document_that_cannot_be_opened_stays()
     QCOMPARE(Read_File(path), Empty_Project(41));
 }
 
-void TestSafetyNet::a_copy_is_abandoned_once_its_process_has_released_it()
+void TestSafetyNet::a_log_is_recovered_once_its_process_has_released_it()
 {
     const auto running = Net();
-    QVERIFY(running->Abandoned().empty());
     running->Record_Change("/a");
-    QVERIFY(Net()->Abandoned().empty());
-    const QString abandoned_copy = Copies().first();
+    QVERIFY(!Net()->Has_Abandoned_Logs());
+    const QString name = Logs().first();
     running->Release();
     const auto later = Net();
+    QVERIFY(later->Has_Abandoned_Logs());
+    QVERIFY(later->Abandoned().empty());
+    later->Convert_Abandoned_Logs(nullptr);
+    QVERIFY(!later->Has_Abandoned_Logs());
     QCOMPARE(later->Abandoned().size(), size_t(1));
-    QCOMPARE(QFileInfo(later->Abandoned().front().path).fileName(), abandoned_copy);
+    QCOMPARE(QFileInfo(later->Abandoned().front().path).fileName(),
+             QString(name).replace(".log", ".quillet"));
     QCOMPARE(later->Abandoned().front().document, QString("/a"));
+    QCOMPARE(Net()->Abandoned().size(), size_t(1));
 }
 
 void TestSafetyNet::an_opened_copy_is_deleted_after_a_save_elsewhere()
@@ -444,7 +463,7 @@ void TestSafetyNet::an_opened_copy_is_deleted_after_a_save_elsewhere()
     const QString kept = Abandon_Copy();
     QVERIFY(!kept.isEmpty());
     const auto net = Net();
-    net->After_Open(kept, TFileStamp::Of(kept));
+    net->After_Open(kept, TFileStamp::Of(kept), {});
     net->Record_Change(kept);
     Save(net.get(), In("a.quillet"), "short");
     QVERIFY(QFile::exists(kept));
@@ -530,16 +549,16 @@ void TestSafetyNet::an_abandoned_copy_stays_otherwise()
     const QString kept = Abandon_Copy();
     const auto net = Net();
     if (what != "not opened")
-        net->After_Open(kept, TFileStamp::Of(kept));
+        net->After_Open(kept, TFileStamp::Of(kept), {});
     if (what == "released")
         net->Release();
     if (what == "discarded")
         net->Discard();
     if (what == "another file opened since")
-        net->After_Open(In("other.quillet"), TFileStamp::Of(In("other.quillet")));
+        net->After_Open(In("other.quillet"), TFileStamp::Of(In("other.quillet")), {});
     net->Record_Change("/a");
     Save(net.get(), In("a.quillet"), Empty_Project());
-    QCOMPARE(Only_Copy(), Empty_Project(77));
+    QCOMPARE(Read_File(kept), Empty_Project(77));
 }
 
 void TestSafetyNet::an_unusable_settings_folder_is_reported_once_data()
@@ -568,7 +587,7 @@ void TestSafetyNet::an_unusable_settings_folder_is_reported_once()
         const auto net = Net();
         for (int i = 0; i < 3; ++i) {
             net->Record_Change(In("a.quillet"));
-            net->Copy_Pending(In("a.quillet"));
+            net->Flush(In("a.quillet"));
             Save(net.get(), In("a.quillet"), Empty_Project());
         }
         return 0;
@@ -576,7 +595,7 @@ void TestSafetyNet::an_unusable_settings_folder_is_reported_once()
     QFile::setPermissions(Settings(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QCOMPARE(result.exit_code, 0);
     QCOMPARE(result.error_output,
-             QByteArray("quillet: cannot write recovery copies to the settings folder\n"));
+             QByteArray("quillet: cannot write unsaved work to the settings folder\n"));
     QVERIFY(Entries(In("elsewhere")).isEmpty());
     QCOMPARE(Read_File(In("a.quillet")), Empty_Project());
 }
@@ -588,13 +607,13 @@ void TestSafetyNet::a_full_disk_is_reported_once()
         const auto net = Net();
         for (int i = 0; i < 3; ++i) {
             net->Record_Change("/a");
-            net->Copy_Pending("/a");
+            net->Flush("/a");
         }
         return 0;
     });
     QCOMPARE(result.exit_code, 0);
     QCOMPARE(result.error_output,
-             QByteArray("quillet: cannot write recovery copies to the settings folder\n"));
+             QByteArray("quillet: cannot write unsaved work to the settings folder\n"));
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
 }
 
@@ -610,16 +629,101 @@ void TestSafetyNet::stale_files_are_deleted_at_the_start()
         QCOMPARE(Entries(In(name)), QStringList());
 }
 
-void TestSafetyNet::the_document_is_not_built_if_no_copy_can_be_written()
+void TestSafetyNet::unchanged_pages_are_not_stored_data()
 {
-    Write_File(In("settings/recovery"), "in the way");
-    const Support::TChildResult result = Support::Run_In_Child([this] {
+    QTest::addColumn<bool>("is_opened");
+    QTest::newRow("after opening") << true;
+    QTest::newRow("after a save") << false;
+}
+
+void TestSafetyNet::unchanged_pages_are_not_stored()
+{
+    QFETCH(const bool, is_opened);
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    Add_Pages();
+    TFilePlaces places;
+    Write_File(path, Support::Saved(d_document, &places));
+    if (is_opened)
+        net->After_Open(path, TFileStamp::Of(path), places);
+    else
+        Save_Document(net.get(), path);
+    d_document.data.Change_Item_Value(1, 100);
+    net->Record_Change(path);
+    QCOMPARE(Difference(), QString());
+    const QByteArray image = d_document.data.Page(1).image.Source_Bytes();
+    const QByteArray log = Read_File(In("settings/recovery/" + Logs().first() + "-wal"));
+    QVERIFY(!log.contains(image.mid(40, 40)));
+}
+
+void TestSafetyNet::a_save_after_a_save_leaves_a_whole_log()
+{
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    Add_Pages();
+    for (int save = 1; save <= 3; ++save) {
+        Save_Document(net.get(), path);
+        d_document.data.Change_Item_Value(1, 100 * save);
+        net->Record_Change(path);
+        QCOMPARE(Difference(), QString());
+        // The log refers to the version that this save replaces.
+        Save(net.get(), path, "short");
+        QCOMPARE(Difference(), QString());
+    }
+}
+
+void TestSafetyNet::everything_is_stored_before_a_document_without_backup_is_overwritten()
+{
+    const QString path = In("a.quillet");
+    Add_Pages();
+    Write_File(In("settings/backup"), "in the way");
+    const Support::TChildResult result = Support::Run_In_Child([&] {
         const auto net = Net();
-        net->Record_Change("/a");
-        net->Copy_Pending("/a");
-        return d_copies;
+        Save_Document(net.get(), path);
+        d_document.data.Change_Item_Value(1, 100);
+        net->Record_Change(path);
+        QFile file(path);
+        net->Open_For_Saving(&file, 1, &d_other_version);
+        kill(getpid(), SIGKILL);
+        return 0;
     });
-    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(result.signal, SIGKILL);
+    QCOMPARE(Read_File(path), QByteArray());
+    d_document.data.Change_Item_Value(1, 100);
+    QCOMPARE(Difference(), QString());
+}
+
+void TestSafetyNet::a_saved_file_that_is_overwritten_is_stored_bit_by_bit()
+{
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    Add_Pages();
+    Save_Document(net.get(), path);
+    d_document.data.Change_Item_Value(1, 100);
+    net->Record_Change(path);
+    Write_File(path, "overwritten");
+    QVERIFY(!Difference().isEmpty());
+    // The user pauses, which is when it is noticed, and goes on.
+    net->Flush(path);
+    QTRY_VERIFY((net->Record_Change(path), Difference().isEmpty()));
+}
+
+void TestSafetyNet::a_saved_file_that_cannot_be_protected_is_stored_bit_by_bit()
+{
+    QTemporaryDir elsewhere("/dev/shm/quillet-XXXXXX");
+    QVERIFY(elsewhere.isValid());
+    const auto net = Net();
+    const QString path = elsewhere.filePath("a.quillet");
+    Add_Pages();
+    Save_Document(net.get(), path);
+    d_document.data.Change_Item_Value(1, 100);
+    net->Record_Change(path);
+    QCOMPARE(Difference(), QString());
+    QTRY_VERIFY((net->Record_Change(path),
+                 Read_File(In("settings/recovery/" + Logs().first() + "-wal"))
+                     .contains(d_document.data.Page(2).image.Source_Bytes().mid(0, 40))));
+    QVERIFY(QFile::remove(path));
+    QTRY_VERIFY((net->Record_Change(path), Difference().isEmpty()));
 }
 
 QTEST_MAIN(TestSafetyNet)

@@ -13,7 +13,6 @@ public:
     {
     }
 
-    using TQuillet::Copy_Pending_Work;
     using TQuillet::d_action_about;
     using TQuillet::d_action_export_images;
     using TQuillet::d_action_export_pdf;
@@ -47,6 +46,7 @@ public:
     using TQuillet::d_zoom_label;
     using TQuillet::d_zoom_slider;
     using TQuillet::End_Recovery;
+    using TQuillet::Flush_Work;
     using TQuillet::Header_Dialog;
     using TQuillet::Import_Files;
     using TQuillet::Mark_Changed;

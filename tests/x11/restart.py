@@ -116,13 +116,13 @@ def recover_after_a_kill(session):
     session.shoot("recovered-work-opened")
     check("unchanged before saving", Project(session.project_path).pages[PAGE]["labels"], saved)
     press("ctrl+s")
-    wait_until("the end of the recovery copy", lambda: not recovery_copies())
+    wait_until("the end of the recovered work", lambda: not recovery_files())
     check_labels(Project(session.project_path).pages[PAGE]["labels"], session.labels, "the page")
     close_unchanged(session)
 
 
-def recovery_copies():
-    return glob.glob(os.path.expanduser("~/.quillet/recovery/*.quillet"))
+def recovery_files():
+    return glob.glob(os.path.expanduser("~/.quillet/recovery/*"))
 
 
 def float_a_dock(session):
@@ -162,7 +162,7 @@ def check_home(_session):
     for line in (f"Label_Size={NEW_SIZE}", "Label_Floating=true", "Page_Floating=false",
                  "Label_Color=#%02x%02x%02x" % NEW_COLOUR):
         check(f"{line} in the settings", line in settings, True)
-    check("recovery copies", recovery_copies(), [])
+    check("recovered work", recovery_files(), [])
 
 
 def make_images(folder):

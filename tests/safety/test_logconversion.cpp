@@ -1,0 +1,370 @@
+// Conversion of work logs to project files at the next start.
+
+#include "core/safefile.h"
+#include "src/format/projectfile.h"
+#include "src/safety/backup.h"
+#include "src/safety/logconversion.h"
+#include "src/safety/logreader.h"
+#include "src/safety/worklog.h"
+#include "support/support.h"
+#include "support/worklogs.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <unistd.h>
+
+using Support::Byte_Difference;
+using Support::Entries;
+using Support::Picture;
+using Support::Project_Of;
+using Support::Read_File;
+using Support::State_Of;
+
+class TestLogConversion : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void an_abandoned_log_becomes_a_copy();
+    void the_log_of_a_running_process_stays();
+    void a_log_without_a_document_is_deleted_data();
+    void a_log_without_a_document_is_deleted();
+    void an_unreadable_log_stays_data();
+    void an_unreadable_log_stays();
+    void a_missing_image_leaves_the_labels();
+    void the_base_file_is_found_data();
+    void the_base_file_is_found();
+    void a_renamed_page_has_only_its_new_name();
+    void a_new_first_page_has_the_header_lines();
+    void each_page_is_reported();
+    void a_killed_conversion_is_repeated_data();
+    void a_killed_conversion_is_repeated();
+    void a_full_disk_leaves_the_log();
+    void damage_neither_crashes_nor_deletes_data();
+    void damage_neither_crashes_nor_deletes();
+    void a_damaged_log_is_read_as_far_as_possible();
+
+private:
+    QString In(const QString& name) const { return d_folder->filePath(name); }
+    QStringList Files(const QString& pattern) const { return QDir(Folder()).entryList({pattern}); }
+    QString Folder() const { return In("recovery"); }
+    QString Log_Path() const { return Folder() + '/' + Files("*.log").value(0); }
+    QByteArray Copy() const { return Read_File(Folder() + '/' + Files("*.quillet").value(0)); }
+    bool Leave_Log();
+    QStringList Convert(const TStepReport& report = nullptr) const
+    {
+        return LogConversion::Convert_Abandoned(TKeptFolder(Folder()), In("backup"), report);
+    }
+    TData& Data() { return d_document->data; }
+
+    std::unique_ptr<QTemporaryDir> d_folder;
+    std::unique_ptr<TDocument> d_document;
+    TBaseFile d_base;
+};
+
+void TestLogConversion::init()
+{
+    d_folder = std::make_unique<QTemporaryDir>();
+    d_document = std::make_unique<TDocument>();
+    for (int page = 1; page <= 3; ++page)
+        Support::Add_Page(d_document.get(), QString("Page %1").arg(page), Picture(9, 9, page), 3);
+    d_base = TBaseFile();
+}
+
+void TestLogConversion::cleanup()
+{
+    d_document.reset();
+    d_folder.reset();
+}
+
+/// Leaves the log of a process that ended.
+bool TestLogConversion::Leave_Log()
+{
+    TWorkLog log(Folder());
+    return log.Update(State_Of(*d_document), &d_base, In("a.quillet"));
+}
+
+void TestLogConversion::an_abandoned_log_becomes_a_copy()
+{
+    QVERIFY(Leave_Log());
+    const QDateTime left = QDateTime::currentDateTime();
+    QTest::qWait(20);
+    const QString name = TKeptFolder::Name_Of(Log_Path());
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Entries(Folder()), QStringList({name + ".note", name + ".quillet"}));
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+    QCOMPARE(Support::Mode(Folder() + '/' + name + ".quillet"), QString("600"));
+    const std::vector<TKeptFile> copies = TKeptFolder(Folder()).Abandoned_Copies();
+    QCOMPARE(copies.size(), size_t(1));
+    QCOMPARE(copies.front().document, In("a.quillet"));
+    QCOMPARE(copies.front().missing_images, 0);
+    // The time of the last change, not of the conversion.
+    QVERIFY(copies.front().time <= left);
+    QVERIFY(copies.front().time.msecsTo(left) < 5000);
+}
+
+void TestLogConversion::the_log_of_a_running_process_stays()
+{
+    TWorkLog log(Folder());
+    QVERIFY(log.Update(State_Of(*d_document), &d_base, "/a.quillet"));
+    const QStringList before = Entries(Folder());
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Entries(Folder()), before);
+}
+
+void TestLogConversion::a_log_without_a_document_is_deleted_data()
+{
+    QTest::addColumn<QString>("state");
+    for (const char* const state : {"empty file", "no tables", "no document"})
+        QTest::newRow(state) << state;
+}
+
+void TestLogConversion::a_log_without_a_document_is_deleted()
+{
+    QFETCH(const QString, state);
+    QVERIFY(QDir(d_folder->path()).mkdir("recovery"));
+    const QString path = Folder() + "/a.log";
+    if (state == "empty file") {
+        Support::Write_File(path, QByteArray());
+    } else if (state == "no tables") {
+        TDatabase database;
+        QVERIFY(database.Create(path));
+    } else {
+        TLogWriter writer;
+        QVERIFY(writer.Create(path));
+    }
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Entries(Folder()), QStringList());
+}
+
+void TestLogConversion::an_unreadable_log_stays_data()
+{
+    QTest::addColumn<QByteArray>("change");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("no database") << QByteArray() << "not a database";
+    QTest::newRow("other database") << QByteArray("PRAGMA application_id=7") << "not a work log";
+    QTest::newRow("later version") << QByteArray("PRAGMA user_version=2") << "another version";
+    QTest::newRow("missing table") << QByteArray("DROP TABLE labels") << "damaged";
+}
+
+void TestLogConversion::an_unreadable_log_stays()
+{
+    QFETCH(const QByteArray, change);
+    QFETCH(const QString, reason);
+    QVERIFY(Leave_Log());
+    if (change.isEmpty()) {
+        Support::Write_File(Log_Path(), QByteArray(5000, 'x'));
+        QVERIFY(QFile::remove(Log_Path() + "-wal"));
+    } else {
+        TDatabase database;
+        QVERIFY(database.Open(Log_Path()) && database.Execute(change));
+    }
+    const QStringList before = Entries(Folder());
+    const QStringList problems = Convert();
+    QCOMPARE(problems.size(), 1);
+    QVERIFY2(problems.first().startsWith(Log_Path()) && problems.first().contains(reason),
+             qPrintable(problems.first()));
+    QCOMPARE(Entries(Folder()), before);
+    QCOMPARE(TKeptFolder(Folder()).Abandoned_Logs().size(), size_t(1));
+}
+
+void TestLogConversion::a_missing_image_leaves_the_labels()
+{
+    d_base = Support::Save_As_Base(*d_document, In("a.quillet"));
+    for (const int page_id : {1, 2}) {
+        Data().Set_Active_Page(page_id);
+        Data().Change_Item_Text(1, QString("Changed %1").arg(page_id));
+    }
+    Data().Set_Page_Image(Picture(7, 7));
+    QVERIFY(Leave_Log());
+    QVERIFY(QFile::remove(In("a.quillet")));
+    QVERIFY(QFile::remove(Log_Path().replace(".log", ".base")));
+    QCOMPARE(Convert(), QStringList());
+    const TFileContent content = ProjectFile::Read(Copy());
+    QVERIFY(content.pages && content.fault.isEmpty());
+    QCOMPARE(content.pages->size(), size_t(3));
+    QVERIFY(content.pages->at(0).image.isNull());
+    QCOMPARE(content.pages->at(0).items.at(0).text, QString("Changed 1"));
+    QVERIFY(content.pages->at(1).image == Picture(7, 7));
+    QCOMPARE(content.pages->at(1).items.at(0).text, QString("Changed 2"));
+    QCOMPARE(content.pages->at(2).name, QString("Page 3"));
+    QCOMPARE(TKeptFolder(Folder()).Abandoned_Copies().front().missing_images, 2);
+}
+
+void TestLogConversion::the_base_file_is_found_data()
+{
+    QTest::addColumn<QString>("where");
+    for (const char* const where : {"protected", "at its path", "backed up"})
+        QTest::newRow(where) << where;
+}
+
+void TestLogConversion::the_base_file_is_found()
+{
+    QFETCH(const QString, where);
+    const QString path = In("a.quillet");
+    d_base = Support::Save_As_Base(*d_document, path);
+    Data().Change_Item_Text(1, "Changed");
+    QVERIFY(Leave_Log());
+    if (where != "protected")
+        QVERIFY(QFile::remove(Log_Path().replace(".log", ".base")));
+    if (where == "backed up") {
+        QVERIFY(QDir(d_folder->path()).mkdir("backup"));
+        QVERIFY(QFile::copy(path, TBackup(In("backup")).Path_For(path)));
+    }
+    if (where != "at its path") {
+        QVERIFY(QFile::remove(path));
+        Support::Write_File(path, Support::Empty_Project());
+    }
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+}
+
+void TestLogConversion::a_renamed_page_has_only_its_new_name()
+{
+    // Latin-1 represents both names by the same characters.
+    for (TNamedPage& page : d_document->pages)
+        page.name = "План";
+    d_base = Support::Save_As_Base(*d_document, In("a.quillet"));
+    d_document->pages[0].name = "Цена";
+    d_document->pages[1].name = "Plan";
+    QVERIFY(Leave_Log());
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+}
+
+void TestLogConversion::a_new_first_page_has_the_header_lines()
+{
+    d_document->appearance.header_1 = "Заголовок";
+    d_base = Support::Save_As_Base(*d_document, In("a.quillet"));
+    std::swap(d_document->pages[0], d_document->pages[1]);
+    QVERIFY(Leave_Log());
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+}
+
+void TestLogConversion::each_page_is_reported()
+{
+    QVERIFY(Leave_Log());
+    QStringList steps;
+    Convert([&steps](int number, int total) { steps += QString("%1/%2").arg(number).arg(total); });
+    QCOMPARE(steps, QStringList({"1/3", "2/3", "3/3"}));
+}
+
+void TestLogConversion::a_killed_conversion_is_repeated_data()
+{
+    QTest::addColumn<int>("page");
+    for (int page = 1; page <= 3; ++page)
+        QTest::addRow("at page %d", page) << page;
+    QTest::newRow("before the log is deleted") << 4;
+}
+
+void TestLogConversion::a_killed_conversion_is_repeated()
+{
+    QFETCH(const int, page);
+    d_base = Support::Save_As_Base(*d_document, In("a.quillet"));
+    Data().Change_Item_Text(1, "Changed");
+    QVERIFY(Leave_Log());
+    const QString log = Log_Path();
+    if (page == 4) {
+        Support::Write_File(QString(log).replace(".log", ".quillet"), Project_Of(*d_document));
+    } else {
+        const Support::TChildResult result = Support::Run_In_Child([this, page] {
+            Convert([page](int number, int) {
+                if (number == page)
+                    kill(getpid(), SIGKILL);
+            });
+            return 1;
+        });
+        QCOMPARE(result.signal, SIGKILL);
+    }
+    QVERIFY(QFile::exists(log));
+    QCOMPARE(Convert(), QStringList());
+    QVERIFY(!QFile::exists(log));
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+    QCOMPARE(TKeptFolder(Folder()).Abandoned_Copies().size(), size_t(1));
+}
+
+void TestLogConversion::a_full_disk_leaves_the_log()
+{
+    QVERIFY(Leave_Log());
+    const QStringList before = Entries(Folder());
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(500);
+        return Convert().size() == 1 ? 0 : 1;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Entries(Folder()), before);
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+}
+
+void TestLogConversion::damage_neither_crashes_nor_deletes_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("database") << "";
+    QTest::newRow("write-ahead log") << "-wal";
+}
+
+void TestLogConversion::damage_neither_crashes_nor_deletes()
+{
+    QFETCH(const QString, suffix);
+    {
+        // Half of the rows are in the database.
+        TWorkLog log(Folder());
+        QVERIFY(log.Update(State_Of(*d_document), &d_base, "/a.quillet"));
+    }
+    if (suffix.isEmpty()) {
+        TDatabase database;
+        QVERIFY(database.Open(Log_Path()) && database.Checkpoint());
+    }
+    const QString name = TKeptFolder::Name_Of(Log_Path());
+    const QByteArray database = Read_File(Log_Path());
+    const QByteArray tail = Read_File(Log_Path() + "-wal");
+    const int size = suffix.isEmpty() ? database.size() : tail.size();
+    QVERIFY(size > 5000);
+    for (int offset = 0; offset < size; offset += 101) {
+        QByteArray damaged = suffix.isEmpty() ? database : tail;
+        damaged[offset] = static_cast<char>(~damaged[offset]);
+        Support::Write_File(Folder() + '/' + name + ".log", suffix.isEmpty() ? damaged : database);
+        Support::Write_File(Folder() + '/' + name + ".log-wal", suffix.isEmpty() ? tail : damaged);
+        const QStringList problems = Convert();
+        const QString copy = Folder() + '/' + name + ".quillet";
+        if (problems.isEmpty() && suffix.isEmpty())
+            QVERIFY2(ProjectFile::Is_Whole(copy), qPrintable(QString::number(offset)));
+        else if (!problems.isEmpty())
+            QVERIFY2(!QFile::exists(copy) && !Files("*.log").isEmpty(),
+                     qPrintable(QString::number(offset)));
+        QFile::remove(copy);
+    }
+}
+
+void TestLogConversion::a_damaged_log_is_read_as_far_as_possible()
+{
+    QVERIFY(Leave_Log());
+    {
+        TDatabase database;
+        QVERIFY(database.Open(Log_Path()) && database.Execute("DROP TABLE labels"));
+    }
+    TLogReader log;
+    QCOMPARE(log.Open(Log_Path(), In("backup")), TLogReader::TContent::Work);
+    TSafeFile target(In("recovered.quillet"));
+    const LogConversion::TResult result =
+        LogConversion::Write(&log, LogConversion::TDamage::Accept, &target, nullptr);
+    QVERIFY(result.is_written);
+    QVERIFY(!log.Is_Whole());
+    const TFileContent content = ProjectFile::Read(Read_File(In("recovered.quillet")));
+    QVERIFY(content.pages && content.fault.isEmpty());
+    QCOMPARE(content.pages->size(), size_t(3));
+    QVERIFY(content.pages->at(2).image == Picture(9, 9, 3));
+}
+
+QTEST_MAIN(TestLogConversion)
+#include "test_logconversion.moc"
