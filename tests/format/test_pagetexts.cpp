@@ -24,8 +24,7 @@ const QString face = QString::fromUtf8("a\xf0\x9f\x98\x80z");
 QByteArray Written(const TDocument& document)
 {
     TProjectWriter writer;
-    ProjectFile::Write(document.appearance, document.pages, document.data,
-                       nullptr, &writer);
+    ProjectFile::Write(document.appearance, document.pages, document.data, nullptr, &writer);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     return writer.Write_To(&buffer) ? buffer.data() : QByteArray("not written");

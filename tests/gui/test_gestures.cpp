@@ -6,6 +6,7 @@
 #include "support/support.h"
 #include "support/widgets.h"
 #include "support/window.h"
+#include "support/worklogs.h"
 
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
@@ -108,6 +109,7 @@ private slots:
     void an_import_shows_progress();
     void reading_one_large_image_shows_progress();
     void saving_and_opening_show_progress();
+    void recovering_work_shows_progress();
     void exports_show_progress();
     void short_work_shows_no_progress();
     void the_bar_fits_beside_the_zoom_control();
@@ -897,6 +899,21 @@ void TestGestures::saving_and_opening_show_progress()
     Support::Write_File(path, bytes);
     Shown_While([&] { QVERIFY(!d_window->Load_Data(path)); });
     QVERIFY(!d_window->findChild<QProgressBar*>());
+}
+
+void TestGestures::recovering_work_shows_progress()
+{
+    {
+        TDocument document;
+        for (const char* const name : {"A", "B", "C"})
+            Support::Add_Page(&document, name, Support::Picture(30, 20), 1);
+        TWorkLog log(QDir::homePath() + "/.quillet/recovery");
+        TBaseFile no_base;
+        QVERIFY(log.Update(Support::State_Of(document), &no_base, "/a.quillet"));
+    }
+    QCOMPARE(Shown_While([&] { d_window->Recover_Work(); }),
+             QStringList({"Recovering page 2 of 3", "Recovering page 3 of 3"}));
+    QCOMPARE(d_window->d_safety_net->Abandoned().size(), size_t(1));
 }
 
 void TestGestures::exports_show_progress()

@@ -1147,6 +1147,7 @@ void TestUndo::the_recovery_copy_after_a_kill_contains_the_undone_document()
     QStringList expected = Support::Describe(&Window()).filter("label");
     Window().d_safety_net->Discard();
 
+    Window().Recover_Work();
     const QStringList copies = QDir(Recovery()).entryList({"*.quillet"});
     QCOMPARE(copies.size(), 1);
     TOpenWindow reader;
