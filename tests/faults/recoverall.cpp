@@ -2,8 +2,8 @@
 //
 // Usage: recoverall
 //
-// Reads paths of settings folders from the standard input, one a line, and prints "done" after
-// each.
+// Prints "ready", then reads paths of settings folders from the standard input, one a line, and
+// prints "done" after each.
 
 #include "src/safety/safetynet.h"
 
@@ -17,6 +17,7 @@ int main(int argument_count, char** arguments)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argument_count, arguments);
+    std::cout << "ready" << std::endl;
     std::string folder;
     while (std::getline(std::cin, folder)) {
         TSafetyNet net(QFile::decodeName(folder.c_str()), nullptr);
