@@ -46,6 +46,9 @@ const TFaultKind fault_kinds[] = {
     {"syncing fails", Sync, Fail},
     {"kill before syncing", Sync, Kill},
     {"kill after syncing", Sync, Kill_After},
+    {"deleting fails", Remove, Fail},
+    {"kill before deleting", Remove, Kill},
+    {"kill after deleting", Remove, Kill_After},
 };
 
 /// What is disturbed, and how often it makes each call at least. Linking counts as renaming.
@@ -56,17 +59,30 @@ struct TOperation
     int writes;
     int renames;
     int syncs;
+    int deletions;
 
     int Calls(TCall call) const
     {
-        return call == Open ? opens : call == Write ? writes : call == Rename ? renames : syncs;
+        switch (call) {
+        case Open:
+            return opens;
+        case Write:
+            return writes;
+        case Rename:
+            return renames;
+        case Sync:
+            return syncs;
+        default:
+            return deletions;
+        }
     }
 };
 
 const TOperation operations[] = {
-    {"save", 5, 1, 2, 1},       {"save without unsaved work", 5, 1, 2, 1},
-    {"change", 1, 1, 0, 3},     {"first change", 5, 1, 1, 0},
-    {"PDF export", 5, 1, 2, 1}, {"image export", 5, 1, 2, 1},
+    {"save", 5, 1, 2, 1, 3},         {"save without unsaved work", 5, 1, 2, 1, 1},
+    {"change", 1, 1, 0, 3, 0},       {"first change", 5, 1, 1, 0, 0},
+    {"recovery", 5, 1, 2, 2, 2},     {"PDF export", 5, 1, 2, 1, 0},
+    {"image export", 5, 1, 2, 1, 0},
 };
 
 template <typename TFunction>
@@ -167,8 +183,17 @@ void TestFaults::Lay_Out()
 }
 
 /// Opens the document and adds one label, which is stored at once, except before the first change.
+/// Before a recovery, a process that is killed does so.
 void TestFaults::Edit(const QString& operation)
 {
+    if (operation == "recovery") {
+        Support::Run_In_Child([this] {
+            Edit("change");
+            raise(SIGKILL);
+            return 0;
+        });
+        return;
+    }
     d_window = std::make_unique<TOpenWindow>();
     d_window->Open_File(Document());
     if (operation != "first change")
@@ -187,6 +212,8 @@ void TestFaults::Run(const QString& operation)
         d_window->Flush_Work();
     } else if (operation == "first change") {
         d_window->Add_Item(QPointF(60, 100));
+    } else if (operation == "recovery") {
+        TSafetyNet(Settings(), nullptr).Convert_Abandoned_Logs(nullptr);
     } else if (operation == "PDF export") {
         d_window->Export_PDF(In("out/report.pdf"), d_window->d_page_widget->Page_Ids(),
                              {0, 2, "Header", ""});
