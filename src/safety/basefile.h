@@ -55,6 +55,9 @@ public:
     /// Whether the protected content, or the file if it is not protected, is unchanged.
     bool Is_Intact() const;
 
+    /// Forgets where the labels of the pages are, but not their images.
+    void Forget_Pages() { d_pages.clear(); }
+
     /// Syncs the content to the disk. No-op if it was synced before or there is no file.
     bool Sync();
 

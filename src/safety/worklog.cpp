@@ -28,9 +28,10 @@ bool TWorkLog::Create(TBaseFile* base)
     if (!d_writer->Create(d_folder.Log_Path(d_name)))
         return false;
     base->Protect(d_folder.Base_Path(d_name));
-    // Another program may have replaced the file.
+    // Another program may have replaced the file. The labels are stored at once, the images one by
+    // one, since that may take long.
     if (!base->Is_Intact())
-        *base = TBaseFile();
+        base->Forget_Pages();
     return true;
 }
 

@@ -1,6 +1,8 @@
 // The files of a work log: when they appear, what they are called, and when they disappear.
 
 #include "src/safety/worklog.h"
+
+#include "src/format/projectfile.h"
 #include "support/support.h"
 #include "support/worklogs.h"
 
@@ -47,7 +49,7 @@ private slots:
     void the_log_of_a_running_process_is_not_abandoned();
     void the_log_of_a_killed_process_is_abandoned();
     void the_base_file_is_protected_as_long_as_the_log_exists();
-    void a_base_file_that_was_replaced_is_not_referred_to();
+    void only_images_of_a_base_file_that_was_replaced_are_referred_to();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -287,12 +289,19 @@ void TestWorkLog::the_base_file_is_protected_as_long_as_the_log_exists()
     QVERIFY(Entries(Folder()).isEmpty());
 }
 
-void TestWorkLog::a_base_file_that_was_replaced_is_not_referred_to()
+void TestWorkLog::only_images_of_a_base_file_that_was_replaced_are_referred_to()
 {
     TWorkLog log(Folder());
     d_base = Support::Save_As_Base(*d_document, In("a.quillet"));
     Support::Write_File(In("a.quillet"), "other");
     QVERIFY(Update(&log));
+    QVERIFY(log.Has_References());
+    int missing_images = 0;
+    const TFileContent content = ProjectFile::Read(Recovered(Log_Path(), &missing_images));
+    QCOMPARE(missing_images, 1);
+    QCOMPARE(content.pages.value().size(), size_t(1));
+    QCOMPARE(content.pages->front().items.size(), size_t(3));
+    QVERIFY(log.Store_Reference(d_document->data));
     QVERIFY(!log.Has_References());
     QCOMPARE(Byte_Difference(Recovered(Log_Path()), Project_Of(*d_document)), QString());
 }
