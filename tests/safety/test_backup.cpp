@@ -40,6 +40,7 @@ private slots:
     void the_list_has_document_time_and_size_newest_first();
     void the_oldest_backups_are_deleted_beyond_the_limit();
     void backups_that_add_up_to_the_limit_stay();
+    void the_limit_is_2_gib();
     void the_newest_backup_stays_even_beyond_the_limit();
     void folder_and_files_are_accessible_to_their_owner_only();
     void a_folder_that_is_a_link_is_refused_data();
@@ -230,6 +231,20 @@ void TestBackup::backups_that_add_up_to_the_limit_stay()
     // One byte more is too much.
     QVERIFY(Keep_Limited(Document("c", QByteArray(101, 'x')), 300));
     QCOMPARE(Backup().List().size(), size_t(2));
+}
+
+void TestBackup::the_limit_is_2_gib()
+{
+    // The file has no blocks on the disk.
+    const QString large = Document("large", QByteArray());
+    QVERIFY(QFile::resize(large, 0x7fffffff));
+    QVERIFY(Keep(large));
+    Make_Old(Backup().Path_For(large), 1000);
+    QVERIFY(Keep(Document("a", "x")));
+    QCOMPARE(Backup().List().size(), size_t(2));
+    QVERIFY(Keep(Document("b", "x")));
+    QCOMPARE(Backup().List().size(), size_t(2));
+    QVERIFY(!QFile::exists(Backup().Path_For(large)));
 }
 
 void TestBackup::the_newest_backup_stays_even_beyond_the_limit()
