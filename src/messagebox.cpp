@@ -14,12 +14,29 @@ const char* const text_pattern =
 const char* const informative_text_pattern =
     "<span style=\"font-size:10pt; font-weight:400; color:#000000;\" >%1</span>";
 
+/// The colours of the box in every theme: its texts are always black.
+QPalette Light_Palette()
+{
+    const QPalette colors(QColor(239, 239, 239));
+    // Only brushes that are set one by one have priority over the theme.
+    QPalette palette;
+    for (int role = 0; role < QPalette::NColorRoles; ++role) {
+        for (const QPalette::ColorGroup group :
+             {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+            const auto color_role = static_cast<QPalette::ColorRole>(role);
+            palette.setBrush(group, color_role, colors.brush(group, color_role));
+        }
+    }
+    return palette;
+}
+
 } // namespace
 
 TMessageBox::TMessageBox(const QWidget* parent)
     : QMessageBox(Parent_Widget(parent))
     , d_fixed_width(box_width)
 {
+    setPalette(Light_Palette());
     setTextFormat(Qt::RichText);
     setStyleSheet(QString::fromLatin1(box_style));
 }
@@ -35,6 +52,12 @@ void TMessageBox::resizeEvent(QResizeEvent* event)
 void TMessageBox::showEvent(QShowEvent* event)
 {
     QMessageBox::showEvent(event);
+    // Below a widget with a style sheet, palettes are not inherited, and polishing resets them.
+    const auto parts = findChildren<QWidget*>();
+    for (QWidget* const part : parts) {
+        part->ensurePolished();
+        part->setPalette(palette());
+    }
     setFixedWidth(d_fixed_width);
 }
 

@@ -65,6 +65,8 @@ private Q_SLOTS:
     void escape_returns_the_rejecting_button();
     void buttons_have_no_icons();
     void buttons_have_a_fixed_order();
+    void texts_are_readable_in_every_theme_data();
+    void texts_are_readable_in_every_theme();
 };
 
 void TestMessageBox::initTestCase()
@@ -276,6 +278,46 @@ void TestMessageBox::buttons_have_a_fixed_order()
              static_cast<int>(QDialogButtonBox::MacLayout));
     // That layout puts the accepting button at the right end.
     QVERIFY(box.button(QMessageBox::Yes)->x() > box.button(QMessageBox::No)->x());
+}
+
+void TestMessageBox::texts_are_readable_in_every_theme_data()
+{
+    QTest::addColumn<QColor>("background");
+    QTest::addColumn<QColor>("text");
+    QTest::newRow("light") << QColor(239, 239, 239) << QColor(Qt::black);
+    QTest::newRow("dark") << QColor(45, 45, 48) << QColor(230, 230, 230);
+    QTest::newRow("high contrast") << QColor(Qt::black) << QColor(Qt::yellow);
+}
+
+void TestMessageBox::texts_are_readable_in_every_theme()
+{
+    QFETCH(QColor, background);
+    QFETCH(QColor, text);
+    const QPalette usual = QApplication::palette();
+    QPalette theme(background);
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        theme.setColor(role, text);
+    QApplication::setPalette(theme);
+    TMessageBox box(nullptr);
+    box.setText(QStringLiteral("Data Not Saved"));
+    box.setDetailedText(QStringLiteral("details"));
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.show();
+    const QImage image = box.grab().toImage();
+    QApplication::setPalette(usual);
+    // The text is always black.
+    QVERIFY(qGray(image.pixel(image.width() - 3, 3)) > 200);
+    const auto widgets = box.findChildren<QWidget*>();
+    for (const QWidget* const widget : widgets) {
+        const QPalette& colors = widget->palette();
+        QVERIFY(colors.color(QPalette::WindowText).value() < 50);
+        QVERIFY(colors.color(QPalette::Window).value() > 200);
+        QVERIFY(colors.color(QPalette::ButtonText).value() < 50);
+        QVERIFY(colors.color(QPalette::Button).value() > 200);
+        QVERIFY(colors.color(QPalette::Text).value() < 50);
+        QVERIFY(colors.color(QPalette::Base).value() > 200);
+    }
 }
 
 QTEST_MAIN(TestMessageBox)
