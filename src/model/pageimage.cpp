@@ -238,9 +238,11 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
     TWatchedDevice<QFile> watched(found_path);
     QImageReader reader(&watched, wanted_format);
     const QByteArray format = reader.format();
-    const QImage image = reader.read();
+    QImage image = reader.read();
     if (image.isNull())
         return TPageImage();
+    // Qt takes an image named "name@2x.png" for one of half the size.
+    image.setDevicePixelRatio(1.0);
     QFile file(found_path);
     const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (bytes.isEmpty() || bytes.size() != file.size())

@@ -513,6 +513,18 @@ private slots:
                  QString());
     }
 
+    void an_image_has_its_real_size_whatever_its_name()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("name@2x.png"));
+        Support::Write_File(path, Support::Png(Support::Picture(40, 30)));
+        const TPageImage image = TPageImage::From_File(path);
+        QCOMPARE(QImage(image).devicePixelRatio(), 1.0);
+        QCOMPARE(image.size(), QSize(40, 30));
+        QCOMPARE(QPixmap::fromImage(image).devicePixelRatio(), 1.0);
+        QCOMPARE(QImage(image.Encoded()).devicePixelRatio(), 1.0);
+    }
+
     void a_bmp_is_read_whatever_the_order_of_its_lines_data()
     {
         QTest::addColumn<bool>("is_top_down");
