@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QPainter>
 #include <QPrinter>
+#include <QScrollBar>
 
 #include <utility>
 
@@ -90,6 +91,9 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TPictureHandler
     if (page_ids.isEmpty())
         return false;
     const int active_page = d_data->Active_Page();
+    const QPixmap background = d_view->Background_Pixmap();
+    const QPoint scrolled(d_view->horizontalScrollBar()->value(),
+                          d_view->verticalScrollBar()->value());
     d_view->setUpdatesEnabled(false);
     bool succeeded = true;
     int number = 0;
@@ -105,6 +109,10 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TPictureHandler
     }
     d_data->Set_Active_Page(active_page);
     Reload_View();
+    if (!d_data->Page_Image_Valid())
+        d_view->Set_Background_Image(background);
+    d_view->horizontalScrollBar()->setValue(scrolled.x());
+    d_view->verticalScrollBar()->setValue(scrolled.y());
     d_view->setUpdatesEnabled(true);
     return succeeded;
 }

@@ -15,8 +15,8 @@ struct TFindings;
 
 /// Exports the pages of a document as PNG files or as a PDF report. Draws them with a page view.
 ///
-/// The view is rebuilt for each page with its updates disabled. Afterwards it shows the active page
-/// again, with no label selected.
+/// The view is rebuilt for each page with its updates disabled. Afterwards it shows what it showed
+/// before, with no label selected.
 class TPageExporter
 {
 public:

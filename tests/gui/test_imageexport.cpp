@@ -451,17 +451,45 @@ private slots:
         QCOMPARE(pages, QList<int>({1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 1, 1, 1, 1, 1}));
     }
 
-    void without_an_active_page_the_view_is_cleared()
+    void the_view_stays_without_an_active_page_data()
     {
+        QTest::addColumn<QList<int>>("selected");
+        QTest::newRow("none selected") << QList<int>{};
+        QTest::newRow("several selected") << QList<int>{0, 2};
+        QTest::newRow("a page without an image") << QList<int>{1};
+    }
+
+    void the_view_stays_without_an_active_page()
+    {
+        QFETCH(QList<int>, selected);
         Add_Page(Labels_Of_All_Kinds());
-        QCOMPARE(d_window->d_data.Active_Page(), -1);
+        Support::Add_Page(d_window.get(), QImage());
+        Add_Page(Labels_Of_All_Kinds());
+        for (const int row : std::as_const(selected))
+            Support::Click_Row(Support::Only<QListWidget>(*d_window->d_page_widget), row,
+                               Qt::ControlModifier);
+        const int active_page = d_window->d_data.Active_Page();
+        QVERIFY(!d_window->d_data.Page_Image_Valid());
+        const QStringList view = Support::View_In_Words(*d_window);
+        const QImage background = d_window->d_display_widget->Background_Pixmap().toImage();
         QVERIFY(d_window->Export_Images(d_folder->path(), Page_Ids()));
-        QCOMPARE(d_window->d_data.Active_Page(), -1);
-        QVERIFY(Support::Labels(*d_window->d_display_widget).isEmpty());
+        QCOMPARE(d_window->d_data.Active_Page(), active_page);
+        QCOMPARE(Support::View_In_Words(*d_window), view);
         QCOMPARE(Support::Difference(d_window->d_display_widget->Background_Pixmap().toImage(),
-                                     QPixmap(QStringLiteral(":/images/default.png")).toImage()),
+                                     background),
                  QString());
         QVERIFY(d_window->d_display_widget->updatesEnabled());
+    }
+
+    void the_view_stays_where_it_was_scrolled_to()
+    {
+        Show_Page(Support::Add_Page(d_window.get(), Support::Picture(2000, 3000)));
+        const TDisplayWidget* const view = d_window->d_display_widget;
+        view->horizontalScrollBar()->setValue(100);
+        view->verticalScrollBar()->setValue(200);
+        QVERIFY(d_window->Export_Images(d_folder->path(), Page_Ids()));
+        QCOMPARE(view->horizontalScrollBar()->value(), 100);
+        QCOMPARE(view->verticalScrollBar()->value(), 200);
     }
 
     void a_page_without_an_image_shows_in_nothing_but_its_file()
