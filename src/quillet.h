@@ -197,6 +197,7 @@ private:
     bool Confirm(const QString& text, const QString& question);
     bool Confirm_Loss();
     void Show_File_Error(const QString& text, const QString& informative_text);
+    void Show_Status(const QString& text);
     TProgress New_Progress(const QString& pattern) const;
 
     // The document and what follows from it.
@@ -206,6 +207,7 @@ private:
     void Enable_Document_Actions(bool enable);
     void Set_Working_File(const QString& path);
     void Import_Files(const QStringList& paths);
+    bool Import_Image(const QString& path);
     void Export_Web_Page();
     void Show_No_Page();
     void Show_Label_Size(int size);
@@ -218,6 +220,10 @@ private:
     void Nudge_Labels(const QPointF& step);
     void Select_In_Data(const std::vector<int>& ids);
     int Renumber_Active_Page(int first_value, bool selected_only);
+
+    // Exports.
+    template <typename TExport>
+    auto Export(const TExport& run);
 
     // Project files.
     bool Fail(const QString& reason);

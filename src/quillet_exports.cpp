@@ -15,6 +15,31 @@
 #include <QFileInfo>
 #include <QScopedValueRollback>
 
+namespace {
+
+/// @param target  file or folder, named in the message.
+QString Exported_Text(int pages, const QString& target)
+{
+    return pages == 1 ? TQuillet::tr("Exported 1 page to %1").arg(target)
+                      : TQuillet::tr("Exported %1 pages to %2").arg(QString::number(pages), target);
+}
+
+QString Unwritable_Text(const QString& path)
+{
+    return TQuillet::tr("Could not write %1").arg(QFileInfo(path).fileName());
+}
+
+} // namespace
+
+/// Runs an export with a progress bar.
+template <typename TExport>
+auto TQuillet::Export(const TExport& run)
+{
+    const QScopedValueRollback<bool> filling(d_filling_view, true);
+    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
+    return run(TPageExporter(&d_data, d_display_widget, progress.Steps()));
+}
+
 void TQuillet::File_Export_Images()
 {
     Commit_Editors();
@@ -29,14 +54,20 @@ void TQuillet::File_Export_Images()
 
 bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
 {
-    const QScopedValueRollback<bool> filling(d_filling_view, true);
     const QDateTime time = QDateTime::currentDateTime();
-    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
-    const TPageExporter exporter(&d_data, d_display_widget, progress.Steps());
-    return exporter.Export_Images(page_ids, [&](int page_id, int counter) {
-        return ExportNames::Image_Path(folder, d_page_widget->Page_Name(page_id), page_id, time,
-                                       counter);
+    QString path; // of the last image
+    const bool exported = Export([&](const TPageExporter& exporter) {
+        return exporter.Export_Images(page_ids, [&](int page_id, int counter) {
+            path = ExportNames::Image_Path(folder, d_page_widget->Page_Name(page_id), page_id, time,
+                                           counter);
+            return path;
+        });
     });
+    if (exported)
+        Show_Status(Exported_Text(page_ids.size(), QDir(folder).dirName() + QLatin1Char('/')));
+    else if (!path.isEmpty())
+        Show_Status(Unwritable_Text(path));
+    return exported;
 }
 
 void TQuillet::File_Export_Pdf()
@@ -61,12 +92,15 @@ void TQuillet::File_Export_Pdf()
 bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
                           const TReportSettings& settings)
 {
-    const QScopedValueRollback<bool> filling(d_filling_view, true);
-    TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
-    const TPageExporter exporter(&d_data, d_display_widget, progress.Steps());
-    const TPageExporter::TOutcome outcome = exporter.Export_Pdf(file, pages, settings);
-    // An incomplete report is discarded without a message.
-    return outcome != TPageExporter::TOutcome::Not_Begun;
+    using TOutcome = TPageExporter::TOutcome;
+    const TOutcome outcome = Export(
+        [&](const TPageExporter& exporter) { return exporter.Export_Pdf(file, pages, settings); });
+    if (outcome == TOutcome::Complete)
+        Show_Status(Exported_Text(pages.size(), QFileInfo(file).fileName()));
+    else if (!pages.isEmpty())
+        Show_Status(Unwritable_Text(file));
+    // An incomplete report is discarded without a question or a message box.
+    return outcome != TOutcome::Not_Begun;
 }
 
 /// Asks for a file and writes the web page into it.
@@ -83,7 +117,9 @@ void TQuillet::Export_Web_Page()
     const TWebPage page =
         WebPage::Of(d_data, Appearance(), Findings::Of(d_data, Named_Pages()), title);
     TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
-    if (!WebPage::Save(page, progress.Steps(), file)) {
+    if (WebPage::Save(page, progress.Steps(), file)) {
+        Show_Status(Exported_Text(d_data.Page_Count(), QFileInfo(file).fileName()));
+    } else {
         Fail(tr("Cannot write %1").arg(file));
         Show_File_Error(tr("Error Exporting Web Page"), tr("The web page cannot be written."));
     }

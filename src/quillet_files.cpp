@@ -18,6 +18,7 @@
 
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QScopedValueRollback>
 #include <QStatusBar>
 
@@ -119,8 +120,11 @@ void TQuillet::File_SaveAs()
 /// Saves and reports a failure; the document counts as saved either way.
 void TQuillet::Save_To(const QString& file_name)
 {
+    statusBar()->clearMessage();
     if (!Save_Data(file_name))
         Show_File_Error(tr("Error Saving Data"), tr("The Quillet file cannot be saved."));
+    else if (statusBar()->currentMessage().isEmpty())
+        Show_Status(tr("Saved %1").arg(QFileInfo(file_name).fileName()));
     d_data_changed = false;
 }
 
@@ -150,9 +154,8 @@ bool TQuillet::Save_Data(const QString& file_name)
     if (!saved)
         d_safety_net->After_Failed_Save(file_name);
     else if (ProjectFile::Loses_Headers(Appearance(), d_data.Page_Count()))
-        statusBar()->showMessage(
-            tr("Without pages, a document cannot store all characters of its header lines."),
-            Message_Milliseconds);
+        Show_Status(
+            tr("Without pages, a document cannot store all characters of its header lines."));
     // The saved document may have been the recovered work that the notice is about.
     Update_Recovery_Notice();
     return saved;
@@ -179,6 +182,10 @@ bool TQuillet::Write_Data(const QString& file_name)
     writer.Write_To(&file);
     file.close();
     d_safety_net->After_Save(file_name, writer.Size(), writer.Places());
+    // An incomplete file counts as saved, so this line stays until the next message.
+    if (QFileInfo(file_name).size() != writer.Size())
+        statusBar()->showMessage(
+            tr("%1 was not written completely").arg(QFileInfo(file_name).fileName()));
     return true;
 }
 

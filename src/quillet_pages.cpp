@@ -9,7 +9,27 @@
 #include "src/undo/undohistory.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QScopedValueRollback>
+
+namespace {
+
+/// @param files   number of files chosen, at least one.
+/// @param others  those that are not images.
+QString Imported_Text(int files, const QStringList& others)
+{
+    if (others.isEmpty())
+        return files == 1 ? TQuillet::tr("Imported 1 image")
+                          : TQuillet::tr("Imported %1 images").arg(files);
+    const QString name = QFileInfo(others.first()).fileName();
+    const QString text =
+        TQuillet::tr("Imported %1 of %2 images; ").arg(files - others.size()).arg(files);
+    return text + (others.size() == 1 ? TQuillet::tr("%1 is not an image").arg(name)
+                                      : TQuillet::tr("%1 and %2 more are not images")
+                                            .arg(name, QString::number(others.size() - 1)));
+}
+
+} // namespace
 
 void TQuillet::File_Import()
 {
@@ -26,31 +46,41 @@ void TQuillet::Import_Files(const QStringList& paths)
     Commit_Editors();
     TProgress progress = New_Progress(tr("Importing image %1 of %2"));
     int number = 0;
+    QStringList others;
     const TStepScope step = Record_Step(TStepKind::Import, 0, paths.size());
     for (const QString& path : paths) {
         progress.Step(++number, paths.size());
-        Load_Image(path);
+        if (!Import_Image(path))
+            others += path;
     }
     if (!paths.isEmpty()) {
         Set_Working_File(paths.first());
         Mark_Changed();
+        Show_Status(Imported_Text(paths.size(), others));
     }
     Update_Document_Actions();
 }
 
 void TQuillet::Load_Image(const QString& path)
 {
+    Import_Image(path);
+}
+
+/// Makes an image file a page or the image of the active page; false if it is not an image.
+bool TQuillet::Import_Image(const QString& path)
+{
     const TPageImage image = TPageImage::From_File(path);
     if (image.isNull())
-        return;
+        return false;
     const TStepScope step = Record_Step(TStepKind::Import);
     if (d_data.Active_Page() < 0 || d_data.Page_Has_Data()) {
         d_page_widget->Add_Page(d_data.Add_Page(image));
-        return;
+        return true;
     }
     d_data.Set_Page_Image(image);
     d_display_widget->Set_Background_Image(QPixmap::fromImage(image));
     d_label_widget->setEnabled(true);
+    return true;
 }
 
 void TQuillet::Add_Page()

@@ -256,6 +256,8 @@ void TestRecoveredWork::several_documents_are_announced_one_after_the_other()
     QVERIFY(Notice().endsWith(" were recovered"));
     d_window->File_Save();
     QCOMPARE(Labels_In(In("b.quillet")), 2);
+    // The line about the save covers the notice for some seconds.
+    d_window->statusBar()->clearMessage();
     QCOMPARE(Copies().size(), 2);
     QVERIFY(Notice().startsWith("Unsaved changes to a.quillet"));
 }

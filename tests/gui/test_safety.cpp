@@ -372,7 +372,7 @@ void TestSafety::two_windows_on_one_document_keep_both_versions()
     other.Add_Item(QPointF(10, 10));
     other.Add_Item(QPointF(20, 20));
     other.File_Save();
-    QCOMPARE(other.statusBar()->currentMessage(), QString());
+    QCOMPARE(other.statusBar()->currentMessage(), QString("Saved a.quillet"));
 
     d_window->Add_Item(QPointF(50, 60));
     d_window->File_Save();
