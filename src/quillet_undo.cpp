@@ -96,8 +96,11 @@ void TQuillet::Show_Outcome(const std::optional<TStepOutcome>& outcome)
         focus->setFocus();
 
     Update_Document_Actions();
-    Mark_Changed();
-    statusBar()->showMessage(outcome->message, Message_Milliseconds);
+    if (outcome->marks_document)
+        Mark_Changed();
+    else if (d_data.Page_Count() > 0)
+        Record_Change();
+    Show_Status(outcome->message);
 }
 
 void TQuillet::Show_Look(const TLabelLook& look)

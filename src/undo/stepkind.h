@@ -30,4 +30,7 @@ QString Name(TStepKind kind, int count);
 /// Whether further changes of the same kind to the same subject belong to the same step.
 bool May_Continue(TStepKind kind);
 
+/// Whether a step marks the document as changed, so that the program asks before it is lost.
+bool Marks_Document(TStepKind kind);
+
 } // namespace StepKind

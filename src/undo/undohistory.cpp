@@ -214,6 +214,7 @@ TStepOutcome TUndoHistory::Swap(TStep* step, const TShownState& shown)
 {
     TStepOutcome outcome;
     outcome.shown = shown;
+    outcome.marks_document = StepKind::Marks_Document(step->kind);
     outcome.sets_values =
         step->before.next_value != step->after.next_value ||
         step->before.value_without_selection != step->after.value_without_selection;

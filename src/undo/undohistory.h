@@ -28,9 +28,10 @@ struct TShownState
 struct TStepOutcome
 {
     TDocumentFacts facts;
-    TShownState shown;        ///< as it was before the step (undo) or after it (redo)
-    bool sets_values = false; ///< whether the step changed the values in `shown`
-    std::vector<int> pages;   ///< pages that the step touched; empty if it only moved pages
+    TShownState shown;           ///< as it was before the step (undo) or after it (redo)
+    bool sets_values = false;    ///< whether the step changed the values in `shown`
+    bool marks_document = false; ///< whether the step marks the document as changed
+    std::vector<int> pages;      ///< pages that the step touched; empty if it only moved pages
     QString message;
 };
 

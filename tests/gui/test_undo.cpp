@@ -217,8 +217,10 @@ void TestUndo::Check(const std::function<void()>& command, const QString& name)
 {
     const QStringList before = Document();
     const QStringList shown_before = Shown();
+    Window().d_data_changed = false;
     command();
     QCoreApplication::processEvents();
+    const bool marks = Window().d_data_changed;
     const QStringList after = Document();
     QVERIFY(before != after);
     for (int round = 0; round < 2; ++round) {
@@ -227,7 +229,8 @@ void TestUndo::Check(const std::function<void()>& command, const QString& name)
         QCOMPARE(Document(), before);
         QCOMPARE(Shown(), shown_before);
         QCOMPARE(Window().statusBar()->currentMessage(), "Undone: " + name);
-        QVERIFY(Window().d_data_changed);
+        // Undo marks the document as changed if the change itself does.
+        QCOMPARE(Window().d_data_changed, marks);
         QVERIFY(!Window().d_history->Can_Undo());
         Redo();
         QCOMPARE(Document(), after);
