@@ -85,7 +85,7 @@ void TQuillet::Restore_Settings()
     Set_Label_Color(Read_Setting(settings, "Label_Color", defaults.color_name));
     d_settings_widget->Set_PDF_Orientation(Read_Setting(settings, "PDF_Orientation", 0));
     d_settings_widget->Set_PDF_Resolution(Read_Setting(settings, "PDF_Resolution", 2));
-    d_label_widget->Set_Border_Type(Read_Setting(settings, "Border_Type", 2));
+    d_label_widget->Set_Border_Type(Read_Setting<int>(settings, "Border_Type", Ellipse_Border));
     Restore_Docks();
 }
 

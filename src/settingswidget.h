@@ -21,7 +21,7 @@ public:
 
     /// Width and height of a label in pixels of the page image.
     int Label_Size() const;
-    /// @param size  in pixels; clipped to the range from 16 to 128.
+    /// @param size  in pixels; clipped to the limits in TAppearance.
     void Set_Label_Size(int size);
     QColor Label_Color() const;
     /// Sets the colour without reporting it.

@@ -42,6 +42,15 @@ std::optional<int> Border_Code(const QString& text)
     return std::nullopt;
 }
 
+/// The words for all borders.
+QString Border_Words()
+{
+    QStringList words;
+    for (const TBorderName& border : Border_Names)
+        words += QLatin1String(border.name);
+    return words.join(QStringLiteral(", "));
+}
+
 QString Coordinate_Text(double coordinate)
 {
     return QString::number(coordinate, 'g', QLocale::FloatingPointShortest);
@@ -145,10 +154,13 @@ void TRowReader::Refuse(const TCsvRecord& record, TColumn column, const QString&
     static const std::array<const char*, columns.size()> kinds{
         {QT_TR_NOOP("\"%1\" is not a page number"),
          QT_TR_NOOP("\"%1\" is not a value: expected a whole number"), "",
-         QT_TR_NOOP("\"%1\" is not a border: expected none, square, ellipse, triangle or diamond"),
+         QT_TR_NOOP("\"%1\" is not a border: expected one of: "),
          QT_TR_NOOP("\"%1\" is not an x coordinate: expected a number such as 12.5"),
          QT_TR_NOOP("\"%1\" is not a y coordinate: expected a number such as 12.5")}};
-    throw TCsvException(tr(kinds[column]).arg(field), record.line);
+    QString message = tr(kinds[column]).arg(field);
+    if (column == Border)
+        message += Border_Words();
+    throw TCsvException(message, record.line);
 }
 
 } // namespace

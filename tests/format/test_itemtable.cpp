@@ -233,8 +233,8 @@ private slots:
         for (const char* border : {"round", "3", "-1", "16"})
             QTest::addRow("border %s", border)
                 << header + "1,2,t," + border + ",3,4"
-                << QStringLiteral("2: \"%1\" is not a border: expected none, square, ellipse, "
-                                  "triangle or diamond")
+                << QStringLiteral("2: \"%1\" is not a border: expected one of: none, square, "
+                                  "ellipse, triangle, diamond")
                        .arg(QLatin1String(border));
         QTest::newRow("x no number") << header + "1,2,t,none,left,4"
                                      << "2: \"left\" is not an x coordinate" + number_hint;

@@ -18,7 +18,7 @@ class TestImport : public QObject
 private slots:
     void init();
     void cleanup();
-    void the_dialog_opens_with_the_specified_state();
+    void the_dialog_opens_in_the_working_folder_for_several_images();
     void cancelling_only_updates_the_actions();
     void three_images_become_three_pages_in_order();
     void an_import_marks_the_document_and_moves_the_working_folder();
@@ -79,7 +79,7 @@ QImage TestImport::Page_Image(int page_id) const
     return image;
 }
 
-void TestImport::the_dialog_opens_with_the_specified_state()
+void TestImport::the_dialog_opens_in_the_working_folder_for_several_images()
 {
     const QString fault = Support::Run_Answering(
         [this] { d_window->File_Import(); }, {[this](QWidget* widget) {
