@@ -38,21 +38,19 @@ bool TDatabase::Create(const QString& path)
     // The umask may deny even the owner access. SQLite gives the write-ahead log the same mode.
     const bool is_private = fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
     close(descriptor);
-    return is_private && Connect(path, SQLITE_OPEN_READWRITE) && Execute(settings) &&
-           Execute(creation);
+    return is_private && Connect(path) && Execute(settings) && Execute(creation);
 }
 
 bool TDatabase::Open(const QString& path)
 {
-    return Connect(path, SQLITE_OPEN_READWRITE) && Execute(settings);
+    return Connect(path) && Execute(settings);
 }
 
-bool TDatabase::Connect(const QString& path, int flags)
+bool TDatabase::Connect(const QString& path)
 {
     Close();
-    constexpr int common_flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
-    return sqlite3_open_v2(QFile::encodeName(path).constData(), &d_database, flags | common_flags,
-                           nullptr) == SQLITE_OK &&
+    return sqlite3_open_v2(QFile::encodeName(path).constData(), &d_database,
+                           SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) == SQLITE_OK &&
            sqlite3_db_config(d_database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr) == SQLITE_OK;
 }
 

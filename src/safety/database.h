@@ -54,7 +54,7 @@ public:
 private:
     friend class TStatement;
 
-    bool Connect(const QString& path, int flags);
+    bool Connect(const QString& path);
     sqlite3_file* File(int which) const;
 
     sqlite3* d_database = nullptr;

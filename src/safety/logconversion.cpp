@@ -77,6 +77,9 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
     TKeptNote note;
     if (!note.Open(folder.Note_Path(name), TKeptNote::TExisting::Reuse))
         return QString();
+    // Another process may have converted it meanwhile.
+    if (!QFile::exists(folder.Log_Path(name)))
+        return QString();
     TLogReader log;
     const TLogReader::TContent content = log.Open(folder.Log_Path(name), backup_folder);
     if (content == TLogReader::TContent::Unreadable)

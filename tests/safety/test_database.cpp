@@ -26,6 +26,7 @@ private slots:
     void values_come_back_as_they_were();
     void numbers_and_nulls_come_back_as_they_were();
     void an_existing_file_is_not_overwritten();
+    void a_folder_behind_a_link_is_accepted();
     void files_are_accessible_to_their_owner_only();
     void a_failed_statement_reports_its_reason();
     void a_statement_that_cannot_be_prepared_fails_without_crashing();
@@ -107,6 +108,18 @@ void TestDatabase::an_existing_file_is_not_overwritten()
     TDatabase database;
     QVERIFY(!database.Create(Path()));
     QCOMPARE(Support::Read_File(Path()), QByteArray("other"));
+}
+
+void TestDatabase::a_folder_behind_a_link_is_accepted()
+{
+    // Homes may be behind links.
+    const QTemporaryDir elsewhere;
+    QVERIFY(QFile::link(elsewhere.path(), d_folder->filePath("link")));
+    TDatabase database;
+    QVERIFY2(database.Create(d_folder->filePath("link/a.log")), qPrintable(database.Error()));
+    QVERIFY(database.Execute("CREATE TABLE t(a)"));
+    database.Close();
+    QVERIFY(database.Open(d_folder->filePath("link/a.log")));
 }
 
 void TestDatabase::files_are_accessible_to_their_owner_only()
