@@ -10,10 +10,6 @@
 
 namespace {
 
-static_assert(TDatabase::Page_Size == 2048, "as in the following text");
-const char* const creation =
-    "PRAGMA page_size=2048; PRAGMA journal_mode=MEMORY; PRAGMA journal_mode=WAL;";
-
 /// Exclusive locking needs no shared memory file. Commits do not sync: the user would wait.
 const char* const settings =
     "PRAGMA locking_mode=EXCLUSIVE; PRAGMA synchronous=OFF;"
@@ -38,7 +34,10 @@ bool TDatabase::Create(const QString& path)
     // The umask may deny even the owner access. SQLite gives the write-ahead log the same mode.
     const bool is_private = fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
     close(descriptor);
-    return is_private && Connect(path) && Execute(settings) && Execute(creation);
+    return is_private && Connect(path) && Execute(settings) &&
+           Execute("PRAGMA page_size=" + QByteArray::number(Page_Size)) &&
+           // The change to WAL would create a journal file otherwise.
+           Execute("PRAGMA journal_mode=MEMORY; PRAGMA journal_mode=WAL");
 }
 
 bool TDatabase::Open(const QString& path)

@@ -7,8 +7,7 @@ constexpr int Application_Id = 0x514c4f47; ///< "QLOG"
 constexpr int Version = 1;
 
 /// Creates the tables of an empty log.
-constexpr const char* Creation =
-    "PRAGMA application_id=0x514c4f47; PRAGMA user_version=1;"
+constexpr const char* Tables =
     "CREATE TABLE document(id INTEGER PRIMARY KEY CHECK(id=1), path BLOB, changed INTEGER,"
     " label_size INTEGER, color BLOB, header_1 BLOB, header_2 BLOB);"
     "CREATE TABLE base(id INTEGER PRIMARY KEY CHECK(id=1), path BLOB, device INTEGER,"

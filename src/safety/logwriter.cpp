@@ -56,8 +56,14 @@ TLogWriter::~TLogWriter() = default;
 
 bool TLogWriter::Create(const QString& path)
 {
+    const QByteArray identification =
+        QStringLiteral("PRAGMA application_id=%1; PRAGMA user_version=%2")
+            .arg(LogSchema::Application_Id)
+            .arg(LogSchema::Version)
+            .toLatin1();
     if (!d_database.Create(path) || !d_database.Execute("BEGIN") ||
-        !d_database.Execute(LogSchema::Creation) || !d_database.Execute("COMMIT"))
+        !d_database.Execute(identification) || !d_database.Execute(LogSchema::Tables) ||
+        !d_database.Execute("COMMIT"))
         return false;
     d_statements = std::make_unique<TStatements>(&d_database);
     return true;
