@@ -150,10 +150,11 @@ void TSafetyNet::Back_Up(QFile* document, qint64 size, QString* other_version)
         document, {!is_work_on_disk, is_changed_elsewhere, size, d_folder.Links_To(path)});
     if (backup && is_changed_elsewhere)
         *other_version = *backup;
-    if (backup)
+    if (!backup)
+        Report_Once(QStringLiteral("cannot write backups to"));
+    if (backup && d_base.Exists())
         return;
-    Report_Once(QStringLiteral("cannot write backups to"));
-    // The document may be the base file, which is about to be overwritten.
+    // The backup does not have what the log refers to.
     while (d_log.Has_References() && d_log.Store_Reference(*d_read_state().data)) {
     }
 }

@@ -68,6 +68,7 @@ private slots:
     void unchanged_pages_are_not_stored();
     void a_save_after_a_save_leaves_a_whole_log();
     void everything_is_stored_before_a_document_without_backup_is_overwritten();
+    void everything_is_stored_before_an_overwritten_document_is_saved();
     void a_saved_file_that_is_overwritten_is_stored_bit_by_bit();
     void a_saved_file_that_cannot_be_protected_is_stored_bit_by_bit();
 
@@ -691,6 +692,21 @@ void TestSafetyNet::everything_is_stored_before_a_document_without_backup_is_ove
     QCOMPARE(Read_File(path), QByteArray());
     d_document.data.Change_Item_Value(1, 100);
     QCOMPARE(Difference(), QString());
+}
+
+void TestSafetyNet::everything_is_stored_before_an_overwritten_document_is_saved()
+{
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    Add_Pages();
+    Save_Document(net.get(), path);
+    d_document.data.Change_Item_Value(1, 100);
+    net->Record_Change(path);
+    Write_File(path, "overwritten");
+    QFile file(path);
+    QVERIFY(net->Open_For_Saving(&file, 1, &d_other_version));
+    QCOMPARE(Difference(), QString());
+    QCOMPARE(Read_File(d_other_version), QByteArray("overwritten"));
 }
 
 void TestSafetyNet::a_saved_file_that_is_overwritten_is_stored_bit_by_bit()
