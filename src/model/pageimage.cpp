@@ -96,6 +96,22 @@ bool Is_Icon_Too_Large(QIODevice* device)
                         qFromLittleEndian<qint32>(header.constData() + 8));
 }
 
+/// How to decode the bytes of a file.
+struct TDecoding
+{
+    QByteArray format; ///< tried first; empty to detect it from the bytes
+    int picture = 0;   ///< in a file with several pictures
+    TPageImage::TOrientation orientation = TPageImage::TOrientation::As_Stored;
+};
+
+/// Selects picture and orientation.
+/// @return false if there is no such picture.
+bool Prepare(const TDecoding& decoding, QImageReader* reader)
+{
+    reader->setAutoTransform(decoding.orientation == TPageImage::TOrientation::Upright);
+    return decoding.picture == 0 || reader->jumpToImage(decoding.picture);
+}
+
 /// Whether the header declares too many pixels. The reader cannot be used afterwards.
 bool Declares_Too_Many_Pixels(QImageReader* reader)
 {
@@ -108,17 +124,17 @@ bool Declares_Too_Many_Pixels(QImageReader* reader)
 }
 
 /// Decodes like QImage::fromData, but rejects headers that declare too many pixels.
-/// @param format  tried first; empty to detect the format from the content.
-QImage Decode(const QByteArray& bytes, const QByteArray& format)
+QImage Decode(const QByteArray& bytes, const TDecoding& decoding)
 {
     TWatchedDevice<QBuffer> buffer;
     buffer.setData(bytes);
     // Use a new reader: reading the size has moved the first one on in its data.
-    QImageReader header_reader(&buffer, format);
-    if (Declares_Too_Many_Pixels(&header_reader))
+    QImageReader header_reader(&buffer, decoding.format);
+    if (!Prepare(decoding, &header_reader) || Declares_Too_Many_Pixels(&header_reader))
         return QImage();
     buffer.seek(0);
-    return QImageReader(&buffer, format).read();
+    QImageReader reader(&buffer, decoding.format);
+    return Prepare(decoding, &reader) ? reader.read() : QImage();
 }
 
 quint64 Next_Id()
@@ -157,12 +173,12 @@ struct TPageImage::TContent
     enum TState { Not_Decoded, Decodable, Undecodable };
 
     quint64 id;
-    QImage pixels;                    ///< null for an image that was constructed from bytes
-    QByteArray source;                ///< the original bytes; may be a part of owner
-    QByteArray owner;                 ///< array that contains the source
-    QByteArray format;                ///< of the source; empty to detect it
+    QImage pixels;     ///< null for an image that was constructed from bytes
+    QByteArray source; ///< the original bytes; may be a part of owner
+    QByteArray owner;  ///< array that contains the source
+    TDecoding decoding;
     QByteArray png;                   ///< created on demand
-    bool is_format_detectable = true; ///< from the source alone
+    bool is_source_sufficient = true; ///< Qt reads the same pixels without `decoding`
     TState state = Not_Decoded;
     QSize size{0, 0}; ///< in pixels; set when the source is decoded
 };
@@ -177,7 +193,7 @@ QImage TPageImage::TContent::Pixels(TCaching caching)
         return pixels;
     QImage image = Store().Find(this);
     if (image.isNull()) {
-        image = Decode(source, format);
+        image = Decode(source, decoding);
         Keep_Decoded(image, caching);
     }
     return image;
@@ -228,7 +244,8 @@ TPageImage TPageImage::From_Part(const QByteArray& whole, int offset, int length
     return TPageImage(std::move(content));
 }
 
-TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_format)
+TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_format,
+                                 TOrientation orientation)
 {
     QImageReader header_reader(path, wanted_format);
     if (Declares_Too_Many_Pixels(&header_reader))
@@ -237,7 +254,9 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
     const QString found_path = header_reader.fileName();
     TWatchedDevice<QFile> watched(found_path);
     QImageReader reader(&watched, wanted_format);
-    const QByteArray format = reader.format();
+    const TDecoding decoding{reader.format(), 0, orientation};
+    Prepare(decoding, &reader);
+    const bool is_transformed = reader.autoTransform() && reader.transformation();
     QImage image = reader.read();
     if (image.isNull())
         return TPageImage();
@@ -248,10 +267,29 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
     if (bytes.isEmpty() || bytes.size() != file.size())
         return TPageImage(image);
     TPageImage result = From_Bytes(bytes);
-    result.d_content->format = format;
-    result.d_content->is_format_detectable = Format_Of(bytes) == format;
+    result.d_content->decoding = decoding;
+    result.d_content->is_source_sufficient = !is_transformed && Format_Of(bytes) == decoding.format;
     result.d_content->Keep_Decoded(image);
     return result;
+}
+
+int TPageImage::Picture_Count(const QString& path)
+{
+    QImageReader reader(path);
+    return reader.format() == "tiff" ? qMax(1, reader.imageCount()) : 1;
+}
+
+TPageImage TPageImage::Picture(int index) const
+{
+    if (index == 0 || !d_content)
+        return *this;
+    auto content = std::make_shared<TContent>();
+    content->source = d_content->source;
+    content->owner = d_content->owner;
+    content->decoding = d_content->decoding;
+    content->decoding.picture = index;
+    content->is_source_sufficient = false;
+    return content->Pixels().isNull() ? TPageImage() : TPageImage(std::move(content));
 }
 
 TPageImage::operator QImage() const
@@ -277,7 +315,7 @@ QByteArray TPageImage::Png() const
 {
     if (!d_content)
         return QByteArray();
-    if (d_content->source.startsWith(png_signature))
+    if (d_content->is_source_sufficient && d_content->source.startsWith(png_signature))
         return d_content->source;
     if (d_content->png.isEmpty()) {
         const QImage image = d_content->Pixels(TContent::Uncached);
@@ -291,7 +329,7 @@ QByteArray TPageImage::Png() const
 
 QByteArray TPageImage::Source_Bytes() const
 {
-    return d_content && !d_content->source.isEmpty() && d_content->is_format_detectable
+    return d_content && !d_content->source.isEmpty() && d_content->is_source_sufficient
                ? d_content->source
                : Png();
 }
@@ -315,9 +353,9 @@ TPageImage TPageImage::Encoded() const
     content->id = d_content->id;
     content->source = d_content->source;
     content->owner = d_content->owner;
-    content->format = d_content->format;
+    content->decoding = d_content->decoding;
     content->png = d_content->png;
-    content->is_format_detectable = d_content->is_format_detectable;
+    content->is_source_sufficient = d_content->is_source_sufficient;
     content->state = d_content->state;
     content->size = d_content->size;
     return TPageImage(std::move(content));

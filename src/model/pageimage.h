@@ -35,10 +35,23 @@ public:
     /// @param offset, length  the part, in bytes; clipped to the array.
     static TPageImage From_Part(const QByteArray& whole, int offset, int length);
 
+    /// Whether the orientation in the file, usually from a camera's EXIF data, is applied.
+    enum class TOrientation { As_Stored, Upright };
+
     /// Constructs an image from a file that QImage(path) accepts. Decodes it at once to check that
     /// it is an image; otherwise returns a null image.
     /// @param format  tried first; empty to detect the format.
-    static TPageImage From_File(const QString& path, const QByteArray& format = QByteArray());
+    static TPageImage From_File(const QString& path, const QByteArray& format = QByteArray(),
+                                TOrientation orientation = TOrientation::As_Stored);
+
+    /// Number of pictures in an image file. More than 1 only for TIFF: other formats store
+    /// animations or several sizes of the same picture.
+    static int Picture_Count(const QString& path);
+
+    /// Another picture of the file that From_File read, oriented in the same way. Decodes it at
+    /// once; null if that fails.
+    /// @param index  from 0; 0 is the picture that From_File returned.
+    TPageImage Picture(int index) const;
 
     /// The pixels; null when there are none or they cannot be decoded.
     operator QImage() const;
@@ -55,8 +68,8 @@ public:
     /// cannot be decoded are returned unchanged. Empty for an image without bytes and pixels.
     QByteArray Png() const;
 
-    /// The original bytes in any format. PNG for an image that was constructed from pixels or whose
-    /// format cannot be detected from its bytes alone.
+    /// The original bytes in any format. PNG for an image that was constructed from pixels, or if
+    /// Qt would not read the same pixels from the original bytes alone.
     QByteArray Source_Bytes() const;
 
     /// A number that images with the same source bytes share if one is a copy of the other, also

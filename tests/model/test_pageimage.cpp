@@ -3,6 +3,7 @@
 #include "src/model/pageimage.h"
 
 #include "core/workwatch.h"
+#include "support/inputfiles.h"
 #include "support/support.h"
 
 #include <QBuffer>
@@ -198,6 +199,37 @@ QByteArray Large_Png(int seed)
 }
 
 constexpr qint64 large_bytes = 64LL * 1024 * 1024;
+
+/// A white picture whose top left quarter is black.
+QImage Corner()
+{
+    QImage image(40, 20, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    for (int y = 0; y < 10; ++y) {
+        for (int x = 0; x < 20; ++x)
+            image.setPixelColor(x, y, Qt::black);
+    }
+    return image;
+}
+
+/// The black quarter of a picture: (0, 0) is the top left one, (1, 1) the bottom right one.
+QPoint Dark_Corner(const QImage& image)
+{
+    for (const QPoint& corner : {QPoint(0, 0), QPoint(1, 0), QPoint(0, 1), QPoint(1, 1)}) {
+        const QPoint middle(image.width() / 4 + corner.x() * image.width() / 2,
+                            image.height() / 4 + corner.y() * image.height() / 2);
+        if (image.pixelColor(middle).lightness() < 50)
+            return corner;
+    }
+    return {-1, -1};
+}
+
+/// Where the top left corner of a photo is when viewed, from the table in the EXIF standard.
+QPoint Corner_To_View(int orientation)
+{
+    const QPoint corners[] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 0}, {1, 0}, {1, 1}, {0, 1}};
+    return corners[orientation - 1];
+}
 
 } // namespace
 
@@ -605,6 +637,135 @@ private slots:
         Support::Write_File(path, bytes);
         QVERIFY(bytes != Support::Png(Support::Picture(40, 30)));
         QCOMPARE(TPageImage::From_File(path).Png(), bytes);
+    }
+
+    void an_upright_photo_is_turned_as_its_orientation_says_data()
+    {
+        QTest::addColumn<bool>("is_tiff");
+        QTest::addColumn<int>("orientation");
+        for (int orientation = 1; orientation <= 8; ++orientation) {
+            QTest::addRow("JPEG %d", orientation) << false << orientation;
+            QTest::addRow("TIFF %d", orientation) << true << orientation;
+        }
+    }
+
+    void an_upright_photo_is_turned_as_its_orientation_says()
+    {
+        QFETCH(const bool, is_tiff);
+        QFETCH(const int, orientation);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("photo"));
+        const QByteArray bytes = is_tiff ? Support::Tiff({Corner()}, orientation)
+                                         : Support::Exif_Jpeg(Corner(), orientation);
+        Support::Write_File(path, bytes);
+
+        const TPageImage upright =
+            TPageImage::From_File(path, QByteArray(), TPageImage::TOrientation::Upright);
+        QCOMPARE(upright.size(), orientation < 5 ? QSize(40, 20) : QSize(20, 40));
+        QCOMPARE(Dark_Corner(upright), Corner_To_View(orientation));
+        QCOMPARE(Dark_Corner(upright.Encoded()), Corner_To_View(orientation));
+        // What is saved is upright as well.
+        QCOMPARE(Support::Difference(QImage::fromData(upright.Png()), upright), QString());
+        QCOMPARE(Support::Difference(QImage::fromData(upright.Source_Bytes()), upright), QString());
+
+        const TPageImage stored = TPageImage::From_File(path);
+        QCOMPARE(stored.size(), QSize(40, 20));
+        QCOMPARE(Dark_Corner(stored), QPoint(0, 0));
+        QCOMPARE(stored.Source_Bytes(), bytes);
+    }
+
+    void an_upright_photo_without_rotation_keeps_its_bytes()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("photo"));
+        Support::Write_File(path, Support::Exif_Jpeg(Corner(), 1));
+        const TPageImage image =
+            TPageImage::From_File(path, QByteArray(), TPageImage::TOrientation::Upright);
+        QCOMPARE(image.Source_Bytes(), Support::Read_File(path));
+    }
+
+    void each_page_of_a_tiff_is_a_picture()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("scan.tif"));
+        const QVector<QImage> pages{Support::Picture(40, 30, 1), Support::Picture(25, 35, 2),
+                                    Support::Picture(40, 30, 3)};
+        Support::Write_File(path, Support::Tiff(pages));
+        const TPageImage first = TPageImage::From_File(path);
+        QCOMPARE(TPageImage::Picture_Count(path), 3);
+        for (int index = 0; index < pages.size(); ++index) {
+            const TPageImage image = first.Picture(index);
+            QCOMPARE(image.size(), pages[index].size());
+            QCOMPARE(Support::Difference(image, pages[index]), QString());
+            QCOMPARE(Support::Difference(image.Encoded(), pages[index]), QString());
+            QCOMPARE(Support::Difference(QImage::fromData(image.Png()), pages[index]), QString());
+            QCOMPARE(
+                Support::Difference(TPageImage::From_Bytes(image.Source_Bytes()), pages[index]),
+                QString());
+        }
+        QVERIFY(first.Picture(3).isNull());
+    }
+
+    void each_page_of_a_tiff_is_turned_upright()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("scan.tiff"));
+        Support::Write_File(path, Support::Tiff({Corner(), Corner()}, 6));
+        const TPageImage first =
+            TPageImage::From_File(path, QByteArray(), TPageImage::TOrientation::Upright);
+        QCOMPARE(Dark_Corner(first.Picture(1)), Corner_To_View(6));
+        QCOMPARE(first.Picture(1).size(), QSize(20, 40));
+    }
+
+    void a_damaged_page_of_a_tiff_gives_a_null_image()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("scan.tif"));
+        const QByteArray bytes =
+            Support::Tiff({Support::Picture(40, 30, 1), Support::Picture(40, 30, 2)});
+        Support::Write_File(path, bytes.left(bytes.size() - 3000));
+        const TPageImage first = TPageImage::From_File(path);
+        QVERIFY(!first.isNull());
+        QCOMPARE(TPageImage::Picture_Count(path), 2);
+        QVERIFY(first.Picture(1).isNull());
+    }
+
+    void a_page_of_a_tiff_must_not_be_too_large()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("scan.tif"));
+        QByteArray bytes =
+            Support::Tiff({Support::Picture(40, 30, 1), Support::Picture(40, 30, 2)});
+        // The width in the second directory.
+        const QByteArray width = QByteArray::fromHex("00010400010000002800");
+        const int place = bytes.lastIndexOf(width);
+        QVERIFY(place > bytes.indexOf(width));
+        bytes.replace(place, width.size() + 2, QByteArray::fromHex("000104000100000000ca9a3b"));
+        Support::Write_File(path, bytes);
+        const TPageImage first = TPageImage::From_File(path);
+        QVERIFY(!first.isNull());
+        QVERIFY(first.Picture(1).isNull());
+    }
+
+    void a_tiff_whose_directories_form_a_circle_has_a_last_page()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("scan.tif"));
+        QByteArray bytes = Support::Tiff({Support::Picture(40, 30)});
+        // The offset after the ten entries of the only directory.
+        bytes.replace(8 + 2 + 10 * 12, 4, QByteArray::fromHex("08000000"));
+        Support::Write_File(path, bytes);
+        QCOMPARE(TPageImage::Picture_Count(path), 1);
+    }
+
+    void other_images_have_one_picture()
+    {
+        const QTemporaryDir folder;
+        for (const char* const format : {"png", "jpg", "bmp", "webp"}) {
+            const QString path = folder.filePath(QString::fromLatin1(format));
+            QVERIFY(Support::Picture(40, 30).save(path, format));
+            QCOMPARE(TPageImage::Picture_Count(path), 1);
+        }
     }
 
     void the_store_is_bounded_and_drops_the_least_recently_used()
