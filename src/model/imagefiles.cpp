@@ -1,11 +1,15 @@
 #include "src/model/imagefiles.h"
 
+#include <QCollator>
 #include <QFileInfo>
-#include <QStringList>
+#include <QImageReader>
+
+#include <algorithm>
 
 namespace {
 
-const QStringList& Suffixes()
+/// Those that File > Import offers.
+const QStringList& Import_Suffixes()
 {
     static const QStringList suffixes = {
         QStringLiteral("bmp"), QStringLiteral("gif"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
@@ -18,10 +22,49 @@ const QStringList& Suffixes()
 
 QString ImageFiles::Patterns()
 {
-    return QStringLiteral("*.") + Suffixes().join(QStringLiteral(" *."));
+    return QStringLiteral("*.") + Import_Suffixes().join(QStringLiteral(" *."));
+}
+
+QStringList ImageFiles::Suffixes()
+{
+    const QList<QByteArray> formats = QImageReader::supportedImageFormats();
+    QStringList suffixes;
+    const QStringList candidates =
+        Import_Suffixes() +
+        QStringList{QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("webp")};
+    std::copy_if(candidates.cbegin(), candidates.cend(), std::back_inserter(suffixes),
+                 [&formats](const QString& suffix) { return formats.contains(suffix.toLatin1()); });
+    suffixes.sort();
+    return suffixes;
+}
+
+QStringList ImageFiles::Suffixes_And_Pdf()
+{
+    QStringList suffixes = Suffixes() + QStringList{QStringLiteral("pdf")};
+    suffixes.sort();
+    return suffixes;
 }
 
 bool ImageFiles::Is_Image_Name(const QString& path)
 {
-    return Suffixes().contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
+    static const QStringList suffixes = Suffixes();
+    return suffixes.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
+}
+
+bool ImageFiles::Is_Image_Or_Pdf_Name(const QString& path)
+{
+    static const QStringList suffixes = Suffixes_And_Pdf();
+    return suffixes.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
+}
+
+void ImageFiles::Sort(QStringList* paths)
+{
+    // A fixed locale: the C locale has no natural order, and the order of the pages must not depend
+    // on the user's locale.
+    QCollator collator{QLocale(QLocale::English)};
+    collator.setNumericMode(true);
+    std::stable_sort(paths->begin(), paths->end(),
+                     [&collator](const QString& left, const QString& right) {
+                         return collator(QFileInfo(left).fileName(), QFileInfo(right).fileName());
+                     });
 }
