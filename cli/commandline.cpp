@@ -98,6 +98,14 @@ int TCommandLine::Number(const char* option, int smallest, int largest) const
     return number;
 }
 
+std::vector<TPageRange> TCommandLine::Pages(const char* option) const
+{
+    const std::optional<std::vector<TPageRange>> ranges = PageRanges::Parse(Text(option));
+    if (!ranges)
+        Throw_Invalid_Value(QString::fromLatin1(option));
+    return *ranges;
+}
+
 void TCommandLine::Throw_Invalid_Value(const QString& option) const
 {
     throw TUsageError{

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/pageranges.h"
+
 #include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
@@ -64,6 +66,8 @@ public:
     QString Text(const char* option) const { return d_parser.value(QString::fromLatin1(option)); }
     /// Returns an option's value as an integer between two limits.
     int Number(const char* option, int smallest, int largest) const;
+    /// Returns an option's value as pages: "1-3,7".
+    std::vector<TPageRange> Pages(const char* option) const;
     /// Returns the code of an option's value, ignoring case.
     /// @param values  range of TOptionValue.
     template <typename TValues>

@@ -1,4 +1,4 @@
-// Commands that create projects from images and renumber labels.
+// Commands that create projects from images and PDFs and renumber labels.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
@@ -8,19 +8,23 @@
 #include "cli/translate.h"
 #include "src/model/imagefiles.h"
 #include "src/model/numbering.h"
+#include "src/pageinput/inputfile.h"
 
-#include <QCollator>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <numeric>
+#include <vector>
 
 namespace {
 
 const char* const names_option = "names-from-files";
+const char* const dpi_option = "dpi";
+const char* const pages_option = "pdf-pages";
+const char* const stored_option = "as-stored";
 const char* const first_option = "first";
 const char* const step_option = "over-page";
 
@@ -45,12 +49,9 @@ QStringList Images_In(const QString& folder)
     const QStringList entries = QDir(folder).entryList(QDir::Files | QDir::System, QDir::Name);
     std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names), is_image);
     if (names.isEmpty())
-        throw TJobError{folder, Tr("contains no images")};
-    // A fixed locale: the C locale has no natural order, and the order of the pages must not depend
-    // on the user's locale.
-    QCollator collator{QLocale(QLocale::English)};
-    collator.setNumericMode(true);
-    std::stable_sort(names.begin(), names.end(), collator);
+        throw TJobError{folder, Tr("contains no images; accepted formats: %1")
+                                    .arg(ImageFiles::Suffixes().join(QStringLiteral(", ")))};
+    ImageFiles::Sort(&names);
     QStringList paths;
     for (const QString& name : std::as_const(names))
         paths += QDir(folder).filePath(name);
@@ -70,47 +71,102 @@ QStringList Expand_Folders(const QStringList& arguments)
     return paths;
 }
 
-TPageImage Read_Image(const QString& path)
+void Add_Input_Options(TCommandLine* line)
 {
-    TPageImage image = TPageImage::From_File(path);
-    if (!image.isNull())
-        return image;
-    if (QFileInfo(path).isReadable())
-        throw TJobError{path, Tr("is not a readable image")};
-    QFile file(path);
-    file.open(QIODevice::ReadOnly);
-    throw TJobError{path, file.errorString()};
+    line->Add_Option(dpi_option, QStringLiteral("N"),
+                     Tr("Resolution for the pages of PDFs, from %1 to %2 dots per inch; %3 by "
+                        "default.")
+                         .arg(TPdfFile::Lowest_Resolution)
+                         .arg(TPdfFile::Highest_Resolution)
+                         .arg(TPdfFile::Default_Resolution));
+    line->Add_Option(pages_option, QStringLiteral("PAGES"),
+                     Tr("Pages to take from each PDF, for example 1-3,7; all by default."));
+    line->Add_Flag(stored_option, Tr("Do not rotate images as their EXIF orientation says."));
+}
+
+TInputOptions Input_Options(const TCommandLine& line)
+{
+    TInputOptions options;
+    if (line.Is_Set(dpi_option))
+        options.resolution =
+            line.Number(dpi_option, TPdfFile::Lowest_Resolution, TPdfFile::Highest_Resolution);
+    if (line.Is_Set(pages_option))
+        options.pdf_pages = line.Pages(pages_option);
+    if (line.Is_Set(stored_option))
+        options.orientation = TPageImage::TOrientation::As_Stored;
+    return options;
+}
+
+/// Counts the pages of all files.
+std::vector<TInputFile> Open_Inputs(const QStringList& paths, const TInputOptions& options)
+{
+    std::vector<TInputFile> files;
+    files.reserve(static_cast<std::size_t>(paths.size()));
+    for (const QString& path : paths) {
+        files.emplace_back(path, options);
+        const QString fault = files.back().Open();
+        if (!fault.isEmpty())
+            throw TJobError{path, fault};
+    }
+    return files;
+}
+
+/// Reads a page.
+TInputPage Read_Page(int index, TInputFile* file)
+{
+    TInputPage page = file->Read(index);
+    if (!page.image)
+        throw TJobError{file->Path(), page.message};
+    if (!page.message.isEmpty())
+        Terminal::Print_Error(file->Path(), Tr("warning: ") + page.message);
+    return page;
+}
+
+/// Reads all pages of all files.
+std::vector<TInputPage> Read_Pages(std::vector<TInputFile>* files)
+{
+    const int total =
+        std::accumulate(files->cbegin(), files->cend(), 0, [](int count, const TInputFile& file) {
+            return count + file.Page_Count();
+        });
+    TTerminalProgress progress(Tr("Reading page %1 of %2"));
+    std::vector<TInputPage> pages;
+    for (TInputFile& file : *files) {
+        for (int index = 0; index < file.Page_Count(); ++index) {
+            progress.Step(static_cast<int>(pages.size()) + 1, total);
+            pages.push_back(Read_Page(index, &file));
+        }
+    }
+    return pages;
 }
 
 } // namespace
 
 void Commands::Create(TCommandLine* line)
 {
-    line->Add_Argument(QStringLiteral("IMAGE"),
-                       Tr("Images and folders of images; each image becomes a page."),
+    line->Add_Argument(QStringLiteral("FILE"),
+                       Tr("Images, PDFs and folders of images; each image and each page becomes a "
+                          "page. Accepted formats: %1.")
+                           .arg(ImageFiles::Suffixes_And_Pdf().join(QStringLiteral(", "))),
                        TCommandLine::TCount::One_Or_More);
-    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
+    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("PROJECT"),
                             Tr("The project to write (required)."));
-    line->Add_Flag(names_option, Tr("Name the pages after the images."));
+    line->Add_Flag(names_option, Tr("Name the pages after the files."));
+    Add_Input_Options(line);
     if (!line->Parse())
         return;
 
+    const TInputOptions options = Input_Options(*line);
     const QString output = line->Text(CommonOptions::Output);
     Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
     const QStringList paths = Expand_Folders(line->Arguments());
     Files::Check_Is_No_Input(output, paths);
+    std::vector<TInputFile> files = Open_Inputs(paths, options);
     TDocument document;
-    {
-        TTerminalProgress progress(Tr("Reading image %1 of %2"));
-        int number = 0;
-        for (const QString& path : paths) {
-            progress.Step(++number, paths.size());
-            const TPageImage image = Read_Image(path);
-            const int page_id = document.Add_Page(QString(), image);
-            document.pages.back().name = line->Is_Set(names_option)
-                                             ? QFileInfo(path).completeBaseName()
-                                             : TNamedPage::Default_Name(page_id);
-        }
+    for (const TInputPage& page : Read_Pages(&files)) {
+        const int page_id = document.Add_Page(QString(), *page.image);
+        document.pages.back().name =
+            line->Is_Set(names_option) ? page.name : TNamedPage::Default_Name(page_id);
     }
     Files::Save(output, document);
 }

@@ -34,7 +34,7 @@ struct TCommand
 };
 
 const std::array<TCommand, 12> commands = {{
-    {"create", QT_TRANSLATE_NOOP("QuilletCli", "Create a project from page images."),
+    {"create", QT_TRANSLATE_NOOP("QuilletCli", "Create a project from images and PDFs."),
      TApplicationType::Core, Commands::Create},
     {"info", QT_TRANSLATE_NOOP("QuilletCli", "Show the content of a document."),
      TApplicationType::Core, Commands::Info},

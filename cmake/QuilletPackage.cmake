@@ -21,9 +21,9 @@ The package also contains the command-line tool quillet-cli, which creates,
 checks, recovers, renumbers and exports projects, and exchanges labels with
 spreadsheets.")
 # CPack finds the libraries that the programs need. The fonts are a dependency because labels and
-# reports must look the same on every machine.
+# reports must look the same on every machine; the others read PDFs, TIFF and WebP.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-liberation")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-liberation, poppler-utils, qt5-image-formats-plugins")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # No maintainer scripts: the triggers of desktop-file-utils, hicolor-icon-theme, shared-mime-info and
 # man-db update the caches.

@@ -158,9 +158,9 @@ private slots:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("complaint");
-        const auto row = [](const char* arguments, const char* complaint) {
-            QTest::newRow(arguments)
-                << QString(arguments).split(' ', Qt::SkipEmptyParts) << QString(complaint);
+        const auto row = [](const QString& arguments, const QString& complaint) {
+            QTest::newRow(qPrintable(arguments))
+                << arguments.split(' ', Qt::SkipEmptyParts) << complaint;
         };
         row("", "Missing command.");
         row("paint", "Unknown command 'paint'.");
@@ -172,7 +172,13 @@ private slots:
         row("info sound.quillet --paint", "Unknown option 'paint'.");
         row("info sound.quillet --json=1", "Unexpected value after '--json'.");
         row("check", "Missing argument 'FILE'.");
-        row("create --output out", "Missing argument 'IMAGE'.");
+        row("create --output out", "Missing argument 'FILE'.");
+        for (const QString value : {"35", "1201", "150dpi", "-1"})
+            row("create image.png --output out --dpi=" + value,
+                "Invalid value '" + value + "' for option 'dpi'.");
+        for (const QString value : {"", "0", "3-1", "1,,2", "all"})
+            row("create image.png --output out --pdf-pages=" + value,
+                "Invalid value '" + value + "' for option 'pdf-pages'.");
         row("create image.png", "Missing option 'output'.");
         row("create image.png --output", "Missing value after '--output'.");
         row("create image.png --output=", "Invalid value '' for option 'output'.");

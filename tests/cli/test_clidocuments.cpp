@@ -137,14 +137,17 @@ private slots:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("defect");
+        const QString images = "bmp, gif, jpeg, jpg, pbm, pgm, png, ppm, tif, tiff, webp, xbm, xpm";
+        const QString formats = QString(images).replace("pgm", "pdf, pgm");
         QTest::newRow("text") << "notes.txt"
-                              << "is not a readable image";
+                              << "is not a readable image; accepted formats: " + formats;
         QTest::newRow("missing") << "missing.png"
                                  << "No such file or directory";
         QTest::newRow("folder without images") << "empty"
-                                               << "contains no images";
-        QTest::newRow("damaged, in a folder") << "damaged"
-                                              << "damaged/a.png: is not a readable image";
+                                               << "contains no images; accepted formats: " + images;
+        QTest::newRow("damaged, in a folder")
+            << "damaged"
+            << "damaged/a.png: is not a readable image; accepted formats: " + formats;
         QTest::newRow("missing, in a folder") << "linked"
                                               << "linked/b.png: No such file or directory";
     }
@@ -162,7 +165,7 @@ private slots:
         const TToolResult result = Run({"create", "good.png", name, "--output", "out"});
         QCOMPARE(result.status, 1);
         const QString complaint =
-            "quillet-cli: " + (defect.contains(": ") ? QString() : name + ": ") + defect + '\n';
+            "quillet-cli: " + (defect.contains(".png: ") ? QString() : name + ": ") + defect + '\n';
         // libpng may print its own message before.
         QVERIFY2(result.errors.endsWith(complaint), qPrintable(result.errors));
         QVERIFY(!QFile::exists(Path("out")));

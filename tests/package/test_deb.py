@@ -57,11 +57,12 @@ class TestPackage(unittest.TestCase):
         self.assertEqual(self.field("Architecture"),
                          run("dpkg", "--print-architecture").strip())
 
-    def test_it_depends_on_its_libraries_and_the_font_of_labels(self):
+    def test_it_depends_on_its_libraries_the_font_of_labels_and_the_readers_of_formats(self):
         names = {re.match(r"\S+", part)[0] for part in self.field("Depends").split(", ")}
         self.assertLessEqual({"libc6", "libqt5core5a", "libqt5gui5", "libqt5printsupport5",
                               "libqt5widgets5", "libqt5xml5", "libsqlite3-0", "libstdc++6",
-                              "fonts-liberation"}, names)
+                              "fonts-liberation", "poppler-utils",
+                              "qt5-image-formats-plugins"}, names)
 
     def test_programs_are_stripped_and_hardened(self):
         for program in ("quillet", "quillet-cli"):

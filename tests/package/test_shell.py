@@ -8,7 +8,7 @@ import installed
 from installed import run, run_with
 
 TOOL = installed.installed("bin/quillet-cli")
-IMAGES = ("bmp", "gif", "jpeg", "jpg", "pbm", "pgm", "png", "ppm", "xbm", "xpm")
+IMAGES = ("bmp", "gif", "jpeg", "jpg", "pbm", "pgm", "png", "ppm", "tif", "tiff", "webp", "xbm", "xpm")
 
 
 def subcommands():
@@ -108,9 +108,9 @@ class TestCompletion(unittest.TestCase):
         self.assertEqual(self.complete("recover", ""), ["a.quillet", "folder"])
         self.assertEqual(self.complete("kept", ""), [])
 
-    def test_images_and_folders_for_a_new_document(self):
+    def test_images_pdfs_and_folders_for_a_new_document(self):
         self.assertEqual(self.complete("create", ""),
-                         ["folder"] + [f"page.{kind}" for kind in IMAGES])
+                         ["folder"] + [f"page.{kind}" for kind in IMAGES] + ["report.pdf"])
 
     def test_values_are_those_in_the_help(self):
         for subcommand, option in (("reindex", "over-page"), ("export-pdf", "orientation"),
