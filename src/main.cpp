@@ -19,6 +19,10 @@ int main(int argument_count, char** arguments)
 
     auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
     window->show();
+    // Once the event loop runs, so that a message about a file appears above the window.
+    QMetaObject::invokeMethod(
+        window.get(), [&window] { window->Open_Arguments(QApplication::arguments().mid(1)); },
+        Qt::QueuedConnection);
     const int exit_code = QApplication::exec();
     window.reset();
     return exit_code;

@@ -79,9 +79,14 @@ void TPageWidget::Connect_Widgets()
 
 void TPageWidget::Add_Page(int page_id)
 {
+    Insert_Page(page_id, d_list->count());
+}
+
+void TPageWidget::Insert_Page(int page_id, int place)
+{
     auto* const row = new QListWidgetItem(TNamedPage::Default_Name(page_id));
     row->setData(TRowList::Id_Role, page_id);
-    d_list->addItem(row);
+    d_list->insertItem(place, row);
 }
 
 void TPageWidget::Remove_Page(int page_id)

@@ -21,6 +21,8 @@ public:
 
     /// Appends a row named "Page" and the id. The selection does not change.
     void Add_Page(int page_id);
+    /// Inserts such a row at a place, counted from 0.
+    void Insert_Page(int page_id, int place);
     /// Removes the first row with this id; does nothing for an unknown id.
     void Remove_Page(int page_id);
     /// Selects only the first row with this id; does nothing for an unknown id.

@@ -7,6 +7,7 @@
 #include "src/labelwidget.h"
 #include "src/messagebox.h"
 #include "src/pagewidget.h"
+#include "src/safety/openmark.h"
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"

@@ -33,6 +33,8 @@ class QSlider;
 class TDisplayWidget;
 class TLabelWidget;
 class TMessageBox;
+class TOpenMark;
+class TPageImage;
 class TPageWidget;
 class TRecoveryNotice;
 class TReindexDialog;
@@ -44,6 +46,7 @@ class TUndoHistory;
 class TUndoKeys;
 class TXmlFile;
 enum class TStepKind;
+struct TInputOptions;
 struct TKeptFile;
 struct TLabelLook;
 struct TShownState;
@@ -94,6 +97,10 @@ public:
     void Load_Legacy_V1(TXmlFile* xml_file, std::vector<TDataItem>* items);
     /// The same for version 2.
     void Load_Legacy_V2(TXmlFile* xml_file, std::vector<TDataItem>* items);
+
+    /// Opens the first document among these paths, and inserts the pages of images and PDFs.
+    /// @param arguments  of the program; those that begin with "-" are ignored.
+    void Open_Arguments(const QStringList& arguments);
 
     /// Writes each page with its labels as a PNG file into a folder. Stops and returns false when a
     /// file cannot be written. Returns false when there are no pages.
@@ -208,11 +215,20 @@ private:
     void Set_Working_File(const QString& path);
     void Import_Files(const QStringList& paths);
     bool Import_Image(const QString& path);
+    void Set_File_Name(const QString& path);
     void Export_Web_Page();
     void Show_No_Page();
     void Show_Label_Size(int size);
     void Fill_View();
     void Refresh_Active_Page();
+
+    // Pages from image files and PDFs.
+    void Insert_Images_Here();
+    void Insert_Pdf_Pages();
+    void Insert_Dropped_Files(const QStringList& paths);
+    void Insert_Files(const QStringList& paths, const TInputOptions& options, int row);
+    void Insert_Pages(const std::vector<TPageImage>& images, int row);
+    int Row_After_Selected_Pages() const;
 
     // Labels.
     void Add_Label(const QPointF* point);
@@ -271,6 +287,7 @@ private:
     QString d_error_text;        ///< why the last file operation failed
 
     std::unique_ptr<TSafetyNet> d_safety_net; ///< null while the window is being built
+    std::unique_ptr<TOpenMark> d_open_mark;   ///< of the document in d_file_name
     TProgress::TClock d_progress_clock = TProgress::Machine_Time; ///< times long operations
     TFilePlaces d_file_places;       ///< of the pages of the file that was opened
     bool d_was_visible = false;      ///< the window was shown before

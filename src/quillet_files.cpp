@@ -10,6 +10,7 @@
 #include "src/model/numbering.h"
 #include "src/pagewidget.h"
 #include "src/reportheaderdialog.h"
+#include "src/safety/openmark.h"
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
@@ -34,7 +35,7 @@ void TQuillet::File_New()
     d_display_widget->Clear();
     Show_No_Page();
     Enable_Document_Actions(false);
-    d_file_name.clear();
+    Set_File_Name(QString());
     d_data_changed = false;
     d_history->Clear();
 }
@@ -58,7 +59,7 @@ void TQuillet::Open_File(const QString& name)
     Replace_Document(name);
     const bool is_legacy = LegacyFile::Is_Legacy(name);
     // A legacy file is never overwritten: the next Save asks for a name.
-    d_file_name = is_legacy ? QString() : name;
+    Set_File_Name(is_legacy ? QString() : name);
     Set_Working_File(is_legacy ? LegacyFile::Base_Name(name) : name);
     d_data_changed = false;
 }
@@ -87,6 +88,16 @@ bool TQuillet::Replace_Document(const QString& name)
     return loaded;
 }
 
+/// Sets the path of the document, and marks it as open in this window.
+/// @param path  empty for a document without a file.
+void TQuillet::Set_File_Name(const QString& path)
+{
+    d_file_name = path;
+    if (d_open_mark->Set(path))
+        statusBar()->showMessage(
+            tr("%1 is already open in another window").arg(QFileInfo(path).fileName()));
+}
+
 /// Loads without recording changes and undo steps.
 bool TQuillet::Load_Quietly(const std::function<bool()>& load)
 {
@@ -113,7 +124,7 @@ void TQuillet::File_SaveAs()
     if (name.isEmpty())
         return;
     Save_To(name);
-    d_file_name = name;
+    Set_File_Name(name);
     Set_Working_File(name);
 }
 

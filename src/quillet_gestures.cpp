@@ -1,4 +1,4 @@
-// Gestures familiar from other programs: the wheel zooms, image files can be dropped, arrow keys
+// Gestures familiar from other programs: the wheel zooms, files can be dropped, arrow keys
 // move the selected labels.
 
 #include "src/quillet.h"
@@ -23,20 +23,23 @@ void TQuillet::Add_Gestures()
         new TFocusFrame(list);
     new TWheelZoom(d_display_widget, d_zoom_slider);
     new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
-    new TImageDrop(this, [this](const QStringList& paths) {
-        Flush_Work();
-        Import_Files(paths);
-    });
+    new TImageDrop(this, [this](const QStringList& paths) { Insert_Dropped_Files(paths); });
     Add_Page_List_Menu();
 }
 
 /// Gives the page list a context menu.
 void TQuillet::Add_Page_List_Menu()
 {
-    d_action_export_web_page = new QAction(tr("Export web page ..."), d_page_widget);
+    const auto add = [this](const QString& text, void (TQuillet::*command)()) {
+        auto* const action = new QAction(text, d_page_widget);
+        connect(action, &QAction::triggered, this, command);
+        d_page_widget->addAction(action);
+        return action;
+    };
+    add(tr("Insert Images Here ..."), &TQuillet::Insert_Images_Here);
+    add(tr("Insert pages from PDF ..."), &TQuillet::Insert_Pdf_Pages);
+    d_action_export_web_page = add(tr("Export web page ..."), &TQuillet::Export_Web_Page);
     d_action_export_web_page->setEnabled(false);
-    connect(d_action_export_web_page, &QAction::triggered, this, [this] { Export_Web_Page(); });
-    d_page_widget->addAction(d_action_export_web_page);
     d_page_widget->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 

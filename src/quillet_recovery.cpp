@@ -124,7 +124,7 @@ void TQuillet::Open_Recovered()
         return;
     }
     // Save asks for a name if only a part was read: it must not replace the complete document.
-    d_file_name = loaded ? Document_Of(copy) : QString();
+    Set_File_Name(loaded ? Document_Of(copy) : QString());
     if (!d_file_name.isEmpty())
         Set_Working_File(d_file_name);
     d_data_changed = true;

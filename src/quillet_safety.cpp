@@ -3,6 +3,7 @@
 #include "src/quillet.h"
 
 #include "src/pagewidget.h"
+#include "src/safety/openmark.h"
 #include "src/safety/safetynet.h"
 #include "src/undo/undohistory.h"
 
@@ -18,6 +19,7 @@ void TQuillet::Set_Up_Safety_Net()
     d_safety_net = std::make_unique<TSafetyNet>(settings_folder, [this] {
         return TWorkState{Appearance(), Named_Pages(), &d_data};
     });
+    d_open_mark = std::make_unique<TOpenMark>(settings_folder + QStringLiteral("/open"));
     Show_Recovery_Notice(d_safety_net->Abandoned());
 }
 

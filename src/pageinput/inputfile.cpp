@@ -44,7 +44,7 @@ QString TInputFile::Open()
 
 QString TInputFile::Open_Pdf()
 {
-    const QString fault = d_pdf->Open();
+    QString fault = d_pdf->Open();
     if (!fault.isEmpty())
         return fault;
     std::vector<TPageRange> ranges = d_options.pdf_pages;

@@ -40,6 +40,8 @@ const TEntry entries[] = {
      QT_TRANSLATE_NOOP("TUndoHistory", "move %1 pages")},
     {TStepKind::Import, false, true, QT_TRANSLATE_NOOP("TUndoHistory", "import 1 image"),
      QT_TRANSLATE_NOOP("TUndoHistory", "import %1 images")},
+    {TStepKind::Insert_Pages, false, true, QT_TRANSLATE_NOOP("TUndoHistory", "insert 1 page"),
+     QT_TRANSLATE_NOOP("TUndoHistory", "insert %1 pages")},
     {TStepKind::Change_Size, true, true, QT_TRANSLATE_NOOP("TUndoHistory", "change label size"),
      nullptr},
     {TStepKind::Change_Color, false, false, QT_TRANSLATE_NOOP("TUndoHistory", "change label color"),

@@ -17,6 +17,7 @@ enum class TStepKind {
     Rename_Page,
     Move_Pages,
     Import,
+    Insert_Pages,
     Change_Size,
     Change_Color
 };

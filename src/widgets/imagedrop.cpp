@@ -12,14 +12,14 @@
 
 namespace {
 
-/// The paths of the image files in a drag.
+/// The paths of the image files and PDFs in a drag.
 QStringList Image_Paths(const QMimeData& dragged)
 {
     QStringList paths;
     const QList<QUrl> urls = dragged.urls();
     for (const QUrl& url : urls) {
         const QString path = url.toLocalFile();
-        if (ImageFiles::Is_Image_Name(path) && QFileInfo(path).isFile())
+        if (ImageFiles::Is_Image_Or_Pdf_Name(path) && QFileInfo(path).isFile())
             paths += path;
     }
     return paths;

@@ -527,7 +527,7 @@ private slots:
         const QByteArray looking = erase + "Checking page 1 of 1" + erase;
         const QByteArray saving = erase + "Saving page 1 of 1" + erase;
         QTest::newRow("create") << "create image.png --output b"
-                                << erase + "Reading image 1 of 1" + erase + saving;
+                                << erase + "Reading page 1 of 1" + erase + saving;
         QTest::newRow("reindex") << "reindex sound.quillet --first 1 --over-page 1 --output b"
                                  << saving;
         QTest::newRow("check") << "check sound.quillet"

@@ -205,8 +205,9 @@ private slots:
         Write("a.pdf", Support::Pdf({ordinary}, "nonsense"));
         const TToolResult result = Create({"a.pdf"});
         QCOMPARE(result.status, 0);
-        QVERIFY2(result.errors.startsWith("quillet-cli: a.pdf: warning: page 1: may be incomplete: "),
-                 qPrintable(result.errors));
+        QVERIFY2(
+            result.errors.startsWith("quillet-cli: a.pdf: warning: page 1: may be incomplete: "),
+            qPrintable(result.errors));
         QCOMPARE(Content(), Project({{"Page 1", Rendered("a.pdf", 1, 150)}}));
     }
 

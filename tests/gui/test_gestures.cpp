@@ -11,7 +11,6 @@
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/messagebox.h"
-#include "src/model/imagefiles.h"
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
 #include "src/widgets/rowlist.h"
@@ -86,13 +85,10 @@ private slots:
     void arrows_without_ctrl_scroll();
     void ctrl_and_arrows_in_a_list_move_no_label();
 
-    void dropped_images_become_pages();
+    void dropped_images_become_pages_sorted_by_name();
     void a_drop_works_everywhere_data();
     void a_drop_works_everywhere();
     void a_drop_on_a_floating_dock_works();
-    void a_drop_fills_an_empty_page();
-    void image_names_data();
-    void image_names();
     void files_other_than_images_are_refused_data();
     void files_other_than_images_are_refused();
     void a_drop_imports_only_the_images_among_its_files();
@@ -594,14 +590,14 @@ bool TestGestures::Drop_Files(QWidget* over, const QStringList& paths) const
            Drag(QEvent::Drop, over, dragged);
 }
 
-void TestGestures::dropped_images_become_pages()
+void TestGestures::dropped_images_become_pages_sorted_by_name()
 {
     QDir(d_folder->path()).mkdir("scans");
     const QStringList paths = {Picture_File("scans/c.png", 1), Picture_File("scans/a.PNG", 2),
                                Picture_File("b.png", 3)};
     QVERIFY(Drop_Files(Page(), paths));
     QCOMPARE(Support::Describe(d_window.get()),
-             QStringList({"page 1 Page 1 61x40", "page 2 Page 2 62x40", "page 3 Page 3 63x40"}));
+             QStringList({"page 1 Page 1 62x40", "page 2 Page 2 63x40", "page 3 Page 3 61x40"}));
     QVERIFY(d_window->d_data_changed);
     QCOMPARE(d_window->d_working_dir.absolutePath(), d_folder->filePath("scans"));
     for (const QAction* action : {d_window->d_action_export_images, d_window->d_action_export_pdf,
@@ -647,35 +643,6 @@ void TestGestures::a_drop_on_a_floating_dock_works()
     QVERIFY(Drop_Files(d_window->d_page_dock, {Picture_File("b.png")}));
     QCOMPARE(d_window->d_data.Page_Count(), 2);
     d_window->d_page_dock->setFloating(false);
-}
-
-void TestGestures::a_drop_fills_an_empty_page()
-{
-    d_window->Add_Page();
-    d_window->d_page_widget->Set_Active_Page(1);
-    QVERIFY(Drop_Files(Page(), {Picture_File("a.png")}));
-    QCOMPARE(Support::Describe(d_window.get()), QStringList({"page 1 Page 1 61x40"}));
-    QVERIFY(d_window->d_label_widget->isEnabled());
-}
-
-void TestGestures::image_names_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("taken");
-    for (const char* suffix :
-         {"bmp", "gif", "jpg", "jpeg", "png", "pbm", "pgm", "ppm", "xbm", "xpm", "PNG", "Jpg"})
-        QTest::newRow(suffix) << QString("/a/b.%1").arg(suffix) << true;
-    for (const char* name : {"png.txt", "pngx", "quillet", "svg", "pdf", ""})
-        QTest::newRow(name) << QString("/a.png/b.%1").arg(name) << false;
-    QTest::newRow("no suffix") << "/a/png" << false;
-    QTest::newRow("two suffixes") << "/a/b.txt.png" << true;
-}
-
-void TestGestures::image_names()
-{
-    QFETCH(QString, path);
-    QFETCH(bool, taken);
-    QCOMPARE(ImageFiles::Is_Image_Name(path), taken);
 }
 
 void TestGestures::files_other_than_images_are_refused_data()

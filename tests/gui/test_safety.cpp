@@ -369,6 +369,7 @@ void TestSafety::two_windows_on_one_document_keep_both_versions()
     Save_As(In("a.quillet"));
     TOpenWindow other;
     other.Open_File(In("a.quillet"));
+    other.statusBar()->clearMessage();
     other.Add_Item(QPointF(10, 10));
     other.Add_Item(QPointF(20, 20));
     other.File_Save();

@@ -48,11 +48,18 @@ class TestDesktopEntry(unittest.TestCase):
         self.assertEqual(run("desktop-file-validate", self.path), "")
 
     def test_it_starts_an_installed_program(self):
-        self.assertTrue(os.access(installed.installed("bin", self.entry["Exec"]), os.X_OK))
+        program, files = self.entry["Exec"].split()
+        self.assertTrue(os.access(installed.installed("bin", program), os.X_OK))
+        self.assertEqual(files, "%F")
 
-    def test_it_passes_no_files_to_a_program_that_ignores_them(self):
-        self.assertNotIn("%", self.entry["Exec"])
-        self.assertNotIn("MimeType", self.entry)
+    def test_it_opens_the_file_type(self):
+        self.assertEqual(self.entry["MimeType"], "application/x-quillet;")
+        with tempfile.TemporaryDirectory() as share:
+            folder = shutil.copytree(os.path.dirname(self.path), os.path.join(share, "applications"))
+            run("update-desktop-database", folder)
+            text = run_with({"XDG_DATA_DIRS": share}, "gio", "mime", "application/x-quillet")
+            self.assertIn(f"Default application for \u201capplication/x-quillet\u201d: {ID}.desktop",
+                          text)
 
     def test_its_icon_exists_in_all_sizes(self):
         self.assertEqual(self.entry["Icon"], ID)

@@ -49,6 +49,7 @@ public:
     using TQuillet::Flush_Work;
     using TQuillet::Header_Dialog;
     using TQuillet::Import_Files;
+    using TQuillet::Insert_Dropped_Files;
     using TQuillet::Mark_Changed;
     using TQuillet::New_Progress;
     using TQuillet::Open_File;

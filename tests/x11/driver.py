@@ -248,9 +248,9 @@ def calm_screen():
 class Program:
     """A running program with one main window."""
 
-    def __init__(self, path, title):
+    def __init__(self, path, title, *arguments):
         self.title = title
-        self.process = subprocess.Popen([path])
+        self.process = subprocess.Popen([path, *arguments])
         pattern = f"^{re.escape(title)}$"
         self.window = wait_until(f"window {title!r}", lambda: self.windows(pattern))[0]
         wait_until("the window to be the active one", lambda: self.active_window() == self.window)

@@ -102,8 +102,8 @@ class Session:
 
     # --- seeing --------------------------------------------------------------------------------
 
-    def start(self):
-        self.program = Program(self.quillet, "Quillet")
+    def start(self, *arguments):
+        self.program = Program(self.quillet, "Quillet", *arguments)
         calm_screen()
 
     def shoot(self, name):

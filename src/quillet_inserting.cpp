@@ -1,0 +1,186 @@
+// Pages from image files and PDFs: drops, the page list's context menu, and the command line.
+
+#include "src/quillet.h"
+
+#include "src/model/imagefiles.h"
+#include "src/pageinput/inputfile.h"
+#include "src/pagewidget.h"
+#include "src/undo/undohistory.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+/// Images that were read, and what the user should know about the others.
+struct TReadPages
+{
+    std::vector<TPageImage> images;
+    QStringList messages;
+    bool has_failed_pdf = false;
+
+    void Add_Message(const TInputFile& file, const QString& message)
+    {
+        messages += QFileInfo(file.Path()).fileName() + QStringLiteral(": ") + message;
+    }
+};
+
+/// Counts the pages of files. Leaves out those that cannot be opened.
+std::vector<TInputFile> Open_Files(const QStringList& paths, const TInputOptions& options,
+                                   TReadPages* pages)
+{
+    std::vector<TInputFile> files;
+    for (const QString& path : paths) {
+        TInputFile file(path, options);
+        const QString fault = file.Open();
+        if (fault.isEmpty()) {
+            files.push_back(std::move(file));
+            continue;
+        }
+        pages->Add_Message(file, fault);
+        if (file.Is_Pdf())
+            pages->has_failed_pdf = true;
+    }
+    return files;
+}
+
+/// Reads the pages of files. Skips the rest of a file after a page that cannot be read.
+void Read_Files(std::vector<TInputFile>* files, TProgress* progress, TReadPages* pages)
+{
+    const int total =
+        std::accumulate(files->cbegin(), files->cend(), 0, [](int count, const TInputFile& file) {
+            return count + file.Page_Count();
+        });
+    int number = 0;
+    for (TInputFile& file : *files) {
+        bool is_readable = true;
+        for (int index = 0; index < file.Page_Count(); ++index) {
+            progress->Step(++number, total);
+            if (!is_readable)
+                continue;
+            const TInputPage page = file.Read(index);
+            if (!page.message.isEmpty())
+                pages->Add_Message(file, page.message);
+            is_readable = page.image.has_value();
+            if (is_readable)
+                pages->images.push_back(*page.image);
+            else if (file.Is_Pdf())
+                pages->has_failed_pdf = true;
+        }
+    }
+}
+
+} // namespace
+
+void TQuillet::Insert_Images_Here()
+{
+    Flush_Work();
+    const QString patterns =
+        QStringLiteral("*.") + ImageFiles::Suffixes().join(QStringLiteral(" *."));
+    const QStringList paths =
+        QFileDialog::getOpenFileNames(this, tr("Insert images"), d_working_dir.absolutePath(),
+                                      tr("Image Files (%1)").arg(patterns));
+    Insert_Files(paths, TInputOptions(), Row_After_Selected_Pages());
+}
+
+void TQuillet::Insert_Pdf_Pages()
+{
+    Flush_Work();
+    const QStringList paths = QFileDialog::getOpenFileNames(
+        this, tr("Insert pages from PDF"), d_working_dir.absolutePath(), tr("PDF Files (*.pdf)"));
+    if (paths.isEmpty())
+        return;
+    TInputOptions options;
+    bool is_accepted = false;
+    options.resolution =
+        QInputDialog::getInt(this, tr("Insert pages from PDF"), tr("Resolution in dots per inch:"),
+                             TPdfFile::Default_Resolution, TPdfFile::Lowest_Resolution,
+                             TPdfFile::Highest_Resolution, 1, &is_accepted);
+    if (is_accepted)
+        Insert_Files(paths, options, Row_After_Selected_Pages());
+}
+
+/// Inserts files that were dropped on the window, at the end.
+void TQuillet::Insert_Dropped_Files(const QStringList& paths)
+{
+    Flush_Work();
+    Insert_Files(paths, TInputOptions(), d_page_widget->Page_Ids().size());
+}
+
+/// The row after the last selected page; without a selection, the row after all pages.
+int TQuillet::Row_After_Selected_Pages() const
+{
+    const QList<int> page_ids = d_page_widget->Page_Ids();
+    int row = -1;
+    for (const int page_id : d_page_widget->Selected_Pages())
+        row = qMax(row, page_ids.indexOf(page_id));
+    return row < 0 ? page_ids.size() : row + 1;
+}
+
+/// Inserts the pages of files, sorted by name, as one step.
+/// @param row  of the first new page in the page list.
+void TQuillet::Insert_Files(const QStringList& paths, const TInputOptions& options, int row)
+{
+    if (paths.isEmpty())
+        return;
+    Commit_Editors();
+    QStringList sorted_paths = paths;
+    ImageFiles::Sort(&sorted_paths);
+    TReadPages pages;
+    {
+        TProgress progress = New_Progress(tr("Reading page %1 of %2"));
+        std::vector<TInputFile> files = Open_Files(sorted_paths, options, &pages);
+        Read_Files(&files, &progress, &pages);
+        // Protecting the new pages may take long, too.
+        Insert_Pages(pages.images, row);
+    }
+    Set_Working_File(sorted_paths.first());
+    if (pages.has_failed_pdf)
+        Show_Message(tr("Error Inserting Pages"), pages.messages.join(QLatin1Char('\n')), QString(),
+                     QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Critical);
+    else if (!pages.messages.isEmpty())
+        Show_Status(pages.messages.first());
+    else
+        Show_Status(pages.images.size() == 1 ? tr("Inserted 1 page")
+                                             : tr("Inserted %1 pages").arg(pages.images.size()));
+}
+
+void TQuillet::Insert_Pages(const std::vector<TPageImage>& images, int row)
+{
+    if (images.empty())
+        return;
+    const TStepScope step =
+        Record_Step(TStepKind::Insert_Pages, 0, static_cast<int>(images.size()));
+    for (const TPageImage& image : images)
+        d_page_widget->Insert_Page(d_data.Add_Page(image), row++);
+    Mark_Changed();
+    Update_Document_Actions();
+}
+
+void TQuillet::Open_Arguments(const QStringList& arguments)
+{
+    QStringList documents;
+    QStringList pages;
+    for (const QString& argument : arguments) {
+        // Qt's own options are removed already.
+        if (argument.startsWith(QLatin1Char('-')))
+            continue;
+        const QString path = QFileInfo(argument).absoluteFilePath();
+        if (ImageFiles::Is_Image_Or_Pdf_Name(path))
+            pages += path;
+        else
+            documents += path;
+    }
+    if (!documents.isEmpty()) {
+        Open_File(documents.first());
+        Update_Document_Actions();
+    }
+    Insert_Dropped_Files(pages);
+    if (documents.size() > 1)
+        Show_Status(tr("%1 was not opened: a window shows one document")
+                        .arg(QFileInfo(documents.at(1)).fileName()));
+}
