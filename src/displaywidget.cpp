@@ -225,9 +225,13 @@ QSize TDisplayWidget::Label_Size() const
 void TDisplayWidget::Set_Label_Color(const QColor& color)
 {
     d_label_color = color;
-    Update_Label_Template();
-    for (QGraphicsPixmapItem* item : std::as_const(d_label_items))
-        item->setPixmap(Render_Item(*item));
+    Draw_Labels_Again();
+}
+
+void TDisplayWidget::Set_Label_Halo(bool has_halo)
+{
+    d_has_label_halo = has_halo;
+    Draw_Labels_Again();
 }
 
 QPixmap TDisplayWidget::Render_Pixmap(const QString& text, const int& border_type,
@@ -243,13 +247,20 @@ QPixmap TDisplayWidget::Render_Pixmap(int value, const int& border_type, bool se
 
 TLabelStyle TDisplayWidget::Label_Style() const
 {
-    return {d_label_width, d_label_height, d_font_size, d_label_color};
+    return {d_label_width, d_label_height, d_font_size, d_label_color, d_has_label_halo};
 }
 
 void TDisplayWidget::Update_Label_Template()
 {
     d_label_pixmap = LabelPainter::Template(Label_Style());
     d_label_cache.Set_Style(Label_Style(), d_label_pixmap);
+}
+
+void TDisplayWidget::Draw_Labels_Again()
+{
+    Update_Label_Template();
+    for (QGraphicsPixmapItem* item : std::as_const(d_label_items))
+        item->setPixmap(Render_Item(*item));
 }
 
 /// The top-left corner of a label that is centred on a point.

@@ -97,6 +97,8 @@ public:
     /// Sets the colour of all labels.
     void Set_Label_Color(const QColor& color);
     QColor Label_Color() const { return d_label_color; }
+    /// Sets whether labels have a thin light outline, which they do not have at first.
+    void Set_Label_Halo(bool has_halo);
     /// Draws a label as the view does.
     QPixmap Render_Pixmap(const QString& text, const int& border_type, bool selected) const;
     /// Draws a label without a text, which shows its value.
@@ -119,6 +121,7 @@ protected:
 private:
     TLabelStyle Label_Style() const;
     void Update_Label_Template();
+    void Draw_Labels_Again();
     QPointF Corner(const QPointF& centre) const;
     QPointF Visible_Corner() const;
     QPixmap Render_Item(const QGraphicsPixmapItem& item) const;
@@ -144,6 +147,7 @@ private:
     Qt::MouseButtons d_mouse_buttons;                ///< held at the last press
     QPointF d_last_scene_point;                      ///< of the last press or drag step
     QColor d_label_color = TLabelStyle().color;
+    bool d_has_label_halo = false;
 
 public:
     /// Whether selecting labels scrolls the view to them.

@@ -1,9 +1,10 @@
 #include "src/paint/labelpainter.h"
 
 #include <QBrush>
-#include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QImage>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPen>
 
 namespace LabelPainter {
@@ -17,7 +18,8 @@ const QColor highlight_line_color(0, 0, 255, 128);
 const QColor highlight_fill_color(0, 0, 255, 64);
 constexpr double highlight_line_width = 1.0; // pixels
 constexpr double text_width_share = 0.67;    // of the label's width
-constexpr double smallest_text_scale = 0.2;  // below, a text is not readable
+constexpr double points_per_inch = 72.0;
+constexpr double smallest_text_scale = 0.2; // below, a text is not readable
 
 /// Distance from the centre to the border. Uses the width for both directions, since labels are
 /// square; others are cut off at the top and the bottom.
@@ -45,10 +47,8 @@ void Draw_Highlight(QPainter* painter, const TLabelStyle& style)
     painter->drawRect(Highlight_Box(style));
 }
 
-void Draw_Border(QPainter* painter, const TLabelStyle& style, int border_type)
+void Draw_Shape(QPainter* painter, const TLabelStyle& style, int border_type)
 {
-    painter->setPen(Border_Pen(style));
-    painter->setBrush(background_color);
     switch (border_type) {
     case Square_Border:
         painter->drawRect(Border_Box(style));
@@ -63,6 +63,28 @@ void Draw_Border(QPainter* painter, const TLabelStyle& style, int border_type)
     default:
         break;
     }
+}
+
+void Draw_Border(QPainter* painter, const TLabelStyle& style, int border_type)
+{
+    if (style.has_halo) {
+        painter->setPen(QPen(Halo_Color(), Border_Halo_Width));
+        painter->setBrush(Qt::NoBrush);
+        Draw_Shape(painter, style, border_type);
+    }
+    painter->setPen(Border_Pen(style));
+    painter->setBrush(background_color);
+    Draw_Shape(painter, style, border_type);
+}
+
+void Draw_Text_Halo(QPainter* painter, const TLabelStyle& style, const TFittedText& fitted,
+                    int border_type)
+{
+    QPainterPath letters;
+    for (const TTextLine& line : Text_Lines(style, fitted, border_type))
+        letters.addText(line.start, fitted.font, line.text);
+    painter->strokePath(letters, QPen(Halo_Color(), Text_Halo_Width * Pixel_Size(fitted.font),
+                                      Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
 }
 
 } // namespace
@@ -126,6 +148,33 @@ TFittedText Fit_Text(const TLabelStyle& style, const QString& text)
     return fitted;
 }
 
+std::vector<TTextLine> Text_Lines(const TLabelStyle& style, const TFittedText& fitted,
+                                  int border_type)
+{
+    const QFontMetricsF metrics(fitted.font);
+    const QPointF centre = QRectF(Text_Box(style, border_type)).center();
+    const QStringList texts = fitted.text.split(QLatin1Char('\n'));
+    double baseline = centre.y() - texts.size() * metrics.height() / 2 + metrics.ascent();
+    std::vector<TTextLine> lines;
+    for (const QString& text : texts) {
+        const double length = metrics.horizontalAdvance(text);
+        lines.push_back({text, QPointF(centre.x() - length / 2, baseline), length});
+        baseline += metrics.height();
+    }
+    return lines;
+}
+
+QColor Halo_Color()
+{
+    return QColor(255, 255, 255, 204);
+}
+
+double Pixel_Size(const QFont& font)
+{
+    const QImage device(1, 1, QImage::Format_ARGB32);
+    return font.pointSizeF() * device.logicalDpiY() / points_per_inch;
+}
+
 void Paint(QPixmap* pixmap, const TLabelStyle& style, const QString& text, int border_type,
            bool selected)
 {
@@ -151,8 +200,10 @@ void Paint_Text(QPixmap* pixmap, const TLabelStyle& style, const QString& text, 
         return;
     QPainter painter(pixmap);
     Prepare(&painter, style);
-    painter.setPen(Border_Pen(style));
     const TFittedText fitted = Fit_Text(style, text);
+    if (style.has_halo)
+        Draw_Text_Halo(&painter, style, fitted, border_type);
+    painter.setPen(Border_Pen(style));
     painter.setFont(fitted.font);
     painter.drawText(Text_Box(style, border_type), Qt::AlignCenter, fitted.text);
 }

@@ -7,9 +7,12 @@
 #include <QFont>
 #include <QPixmap>
 #include <QPoint>
+#include <QPointF>
 #include <QPolygon>
 #include <QRect>
 #include <QString>
+
+#include <vector>
 
 /// The look that all labels of a page have in common.
 struct TLabelStyle
@@ -18,6 +21,7 @@ struct TLabelStyle
     int height = 32;
     int font_size = 12;                          ///< in points, before a long text is fitted
     QColor color = TAppearance::Initial_Color(); ///< of the border and the text
+    bool has_halo = false; ///< whether a light outline keeps it readable on dark pictures
 };
 
 namespace LabelPainter {
@@ -54,8 +58,32 @@ struct TFittedText
 /// Fits a text into a label, as Paint does.
 TFittedText Fit_Text(const TLabelStyle& style, const QString& text);
 
+/// A line of a label's text.
+struct TTextLine
+{
+    QString text;
+    QPointF start; ///< left end of the baseline, from the label's position
+    double length = 0;
+};
+
+/// The lines of a fitted text, where Paint draws them.
+std::vector<TTextLine> Text_Lines(const TLabelStyle& style, const TFittedText& fitted,
+                                  int border_type);
+
 /// Width of the border's line, in pixels.
 constexpr double Border_Line_Width = 2.0;
+
+/// The colour of a halo.
+QColor Halo_Color();
+
+/// Width of the line behind the border's line that makes its halo, in pixels.
+constexpr double Border_Halo_Width = 4.0;
+
+/// Width of the line around the letters that makes their halo, as a part of the font's size.
+constexpr double Text_Halo_Width = 0.14;
+
+/// Size of a font in pixels of a label.
+double Pixel_Size(const QFont& font);
 
 /// Draws a label: the highlight, the border, and the text, fitted and centred. The screen, exported
 /// images and the report all use it.

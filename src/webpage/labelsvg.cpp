@@ -4,9 +4,6 @@
 #include "src/model/appearance.h"
 #include "src/webpage/markup.h"
 
-#include <QFontMetricsF>
-#include <QImage>
-
 #include <cmath>
 
 using Markup::Escaped;
@@ -14,19 +11,10 @@ using Markup::Number;
 
 namespace {
 
-constexpr double points_per_inch = 72.0;
-
 /// A code that has a border of its own, or none.
 int Drawn_Border(int border_type)
 {
     return Is_Border_Type(border_type) ? border_type : No_Border;
-}
-
-/// Size of a font in pixels, which it has in a label's pixmap.
-double Pixel_Size(const QFont& font)
-{
-    const QImage device(1, 1, QImage::Format_ARGB32);
-    return font.pointSizeF() * device.logicalDpiY() / points_per_inch;
 }
 
 QString Box_Attributes(const QRectF& box)
@@ -105,20 +93,17 @@ QString TLabelSvg::Label(const TFinding& finding, int number, const QString& tit
 QString TLabelSvg::Text(const QString& text, int border_type) const
 {
     const LabelPainter::TFittedText fitted = LabelPainter::Fit_Text(d_style, text);
-    const QFontMetricsF metrics(fitted.font);
-    const QPointF centre = QRectF(LabelPainter::Text_Box(d_style, border_type)).center();
-    const QStringList lines = fitted.text.split(QLatin1Char('\n'));
-    double baseline = centre.y() - lines.size() * metrics.height() / 2 + metrics.ascent();
+    const QString size = Number(LabelPainter::Pixel_Size(fitted.font));
     QString elements;
-    for (const QString& line : lines) {
-        const double length = metrics.horizontalAdvance(line);
-        elements += QStringLiteral("<text x=\"%1\" y=\"%2\" font-size=\"%3\"")
-                        .arg(Number(centre.x()), Number(baseline), Number(Pixel_Size(fitted.font)));
-        if (length > 0)
+    for (const LabelPainter::TTextLine& line :
+         LabelPainter::Text_Lines(d_style, fitted, border_type)) {
+        elements +=
+            QStringLiteral("<text x=\"%1\" y=\"%2\" font-size=\"%3\"")
+                .arg(Number(line.start.x() + line.length / 2), Number(line.start.y()), size);
+        if (line.length > 0)
             elements += QStringLiteral(" textLength=\"%1\" lengthAdjust=\"spacingAndGlyphs\"")
-                            .arg(Number(length));
-        elements += QLatin1Char('>') + Escaped(line) + QStringLiteral("</text>");
-        baseline += metrics.height();
+                            .arg(Number(line.length));
+        elements += QLatin1Char('>') + Escaped(line.text) + QStringLiteral("</text>");
     }
     return elements;
 }
