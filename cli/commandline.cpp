@@ -76,7 +76,7 @@ void TCommandLine::Require(const char* option) const
         throw TUsageError{Tr("Missing option '%1'.").arg(name)};
     // A script passes an empty value when one of its variables is unset.
     if (Text(option).isEmpty())
-        Throw_Invalid_Value(name);
+        Throw_Invalid_Value(option);
 }
 
 void TCommandLine::Check_Argument_Count() const
@@ -94,7 +94,7 @@ int TCommandLine::Number(const char* option, int smallest, int largest) const
     bool is_number = false;
     const int number = Text(option).toInt(&is_number);
     if (!is_number || number < smallest || number > largest)
-        Throw_Invalid_Value(QString::fromLatin1(option));
+        Throw_Invalid_Value(option);
     return number;
 }
 
@@ -102,12 +102,12 @@ std::vector<TPageRange> TCommandLine::Pages(const char* option) const
 {
     const std::optional<std::vector<TPageRange>> ranges = PageRanges::Parse(Text(option));
     if (!ranges)
-        Throw_Invalid_Value(QString::fromLatin1(option));
+        Throw_Invalid_Value(option);
     return *ranges;
 }
 
-void TCommandLine::Throw_Invalid_Value(const QString& option) const
+void TCommandLine::Throw_Invalid_Value(const char* option) const
 {
     throw TUsageError{
-        Tr("Invalid value '%2' for option '%1'.").arg(option, d_parser.value(option))};
+        Tr("Invalid value '%2' for option '%1'.").arg(QLatin1String(option), Text(option))};
 }

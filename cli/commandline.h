@@ -16,6 +16,8 @@ constexpr char Force[] = "force";
 constexpr char Csv[] = "csv";
 constexpr char Json[] = "json";
 constexpr char Findings[] = "findings";
+constexpr char Folder[] = "folder";
+constexpr char Title[] = "title";
 
 } // namespace CommonOptions
 
@@ -73,9 +75,11 @@ public:
     template <typename TValues>
     int Code(const char* option, const TValues& values) const;
 
+    /// Throws the error of an option with an invalid value.
+    [[noreturn]] void Throw_Invalid_Value(const char* option) const;
+
 private:
     void Check_Argument_Count() const;
-    [[noreturn]] void Throw_Invalid_Value(const QString& option) const;
 
     QCommandLineParser d_parser;
     QStringList d_arguments;
@@ -92,5 +96,5 @@ int TCommandLine::Code(const char* option, const TValues& values) const
         if (text.compare(QLatin1String(value.text), Qt::CaseInsensitive) == 0)
             return value.code;
     }
-    Throw_Invalid_Value(QString::fromLatin1(option));
+    Throw_Invalid_Value(option);
 }

@@ -2,8 +2,8 @@
 
 class TCommandLine;
 
-/// The subcommands, one function each. A command that throws TUsageError or TJobError has not
-/// written anything; only a failed Export_Images may already have overwritten existing images.
+/// The subcommands, one function each. A command that throws an error leaves no new file. Only
+/// Export_Images and Export_Pdf with several outputs may already have overwritten existing files.
 namespace Commands {
 
 // Create and change projects.

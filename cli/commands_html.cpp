@@ -2,7 +2,6 @@
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
-#include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/findingsoptions.h"
 #include "cli/terminal.h"
@@ -13,7 +12,6 @@
 
 namespace {
 
-const char* const title_option = "title";
 const char* const max_width_option = "max-width";
 
 constexpr int largest_max_width = 100'000; // pixels
@@ -26,7 +24,7 @@ void Commands::Export_Html(TCommandLine* line)
     line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
                             Tr("The web page to write (required)."));
     FindingsOptions::Add(line);
-    line->Add_Option(title_option, QStringLiteral("TEXT"),
+    line->Add_Option(CommonOptions::Title, QStringLiteral("TEXT"),
                      Tr("Title of the web page; the first header line or the document's "
                         "file name by default."));
     line->Add_Option(max_width_option, QStringLiteral("PIXELS"),
@@ -41,14 +39,12 @@ void Commands::Export_Html(TCommandLine* line)
     FindingsOptions::Check(*line, output);
     Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
     Files::Check_Is_No_Input(output, {input});
-    const TDocument document = Files::Load(input);
-    if (document.pages.empty())
-        throw TJobError{input, Tr("has no pages")};
+    const TDocument document = Files::Load_Pages(input);
     const TFindings findings = FindingsOptions::Load(*line, document);
     TWebPage page = WebPage::Of(document.data, document.appearance, findings,
                                 QFileInfo(input).completeBaseName());
-    if (!line->Text(title_option).isEmpty())
-        page.title = line->Text(title_option);
+    if (!line->Text(CommonOptions::Title).isEmpty())
+        page.title = line->Text(CommonOptions::Title);
     page.max_width = max_width;
     TTerminalProgress progress(Tr("Exporting page %1 of %2"));
     if (!WebPage::Save(page, progress.Steps(), output))

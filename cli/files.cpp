@@ -60,6 +60,20 @@ TDocument Files::Load(const QString& path)
     }
 }
 
+TDocument Files::Load_Pages(const QString& path)
+{
+    TDocument document = Load(path);
+    if (document.pages.empty())
+        throw TJobError{path, Tr("has no pages")};
+    return document;
+}
+
+void Files::Check_Folder(const QString& path)
+{
+    if (!QFileInfo(path).isDir())
+        throw TJobError{path, Tr("is not a folder")};
+}
+
 void Files::Check_Output(const QString& path, bool force)
 {
     const QFileInfo file(path);

@@ -19,6 +19,12 @@ TProjectSurvey Survey(const QString& path);
 /// Loads a project or a file of an earlier generation. Rejects damaged files.
 TDocument Load(const QString& path);
 
+/// Loads a document. Rejects one without pages.
+TDocument Load_Pages(const QString& path);
+
+/// Checks that a folder exists.
+void Check_Folder(const QString& path);
+
 /// Checks that a file can be written. Commands call it before they start to work.
 /// @param force  accepts an existing file.
 void Check_Output(const QString& path, bool force);

@@ -1,12 +1,13 @@
 #include "cli/pageview.h"
 
-TPageView::TPageView(TDocument* document, const TStepReport& report)
+TPageView::TPageView(TDocument* document, const TStepReport& report, bool has_halo)
     : d_view(nullptr)
     , d_exporter(&document->data, &d_view, report)
 {
     const int size = document->appearance.label_size;
     d_view.Set_Label_Size(QSize(size, size), TAppearance::Font_Size(size));
     d_view.Set_Label_Color(TAppearance::Color(document->appearance.color_name));
+    d_view.Set_Label_Halo(has_halo);
     // Show the last page, as the window does after opening a document: the size of a page without
     // an image depends on the pages shown before.
     if (document->pages.empty())

@@ -13,7 +13,8 @@ class TPageView
 public:
     /// @param document  not owned; one of its pages becomes active.
     /// @param report    passed to the exporter; may be empty.
-    TPageView(TDocument* document, const TStepReport& report);
+    /// @param has_halo  whether labels have a thin light outline.
+    TPageView(TDocument* document, const TStepReport& report, bool has_halo = false);
 
     const TPageExporter& Exporter() const { return d_exporter; }
 

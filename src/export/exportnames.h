@@ -3,6 +3,16 @@
 #include <QDateTime>
 #include <QString>
 
+/// A page whose image gets a name by a pattern.
+struct TImagePage
+{
+    QString document; ///< file name without folder and extension
+    QString name;     ///< may be empty
+    int page_id = 0;
+    int number = 1; ///< in the document, from 1
+    int page_count = 1;
+};
+
 /// Generates the names of exported page images.
 namespace ExportNames {
 
@@ -16,5 +26,14 @@ namespace ExportNames {
 /// @param counter    running number of the page in this export, from 1.
 QString Image_Path(const QString& folder, const QString& page_name, int page_id,
                    const QDateTime& time, int counter);
+
+/// Whether a text is a pattern for file names: it contains no "/", and in braces nothing else than
+/// "document", "page", "number" or "time".
+bool Is_Pattern(const QString& text);
+
+/// The path of an exported page by a pattern. The number has as many digits as the number of pages;
+/// page name and time are those of Image_Path. ".png" is appended if it is missing.
+QString Pattern_Path(const QString& folder, const QString& pattern, const TImagePage& page,
+                     const QDateTime& time);
 
 } // namespace ExportNames

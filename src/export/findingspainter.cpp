@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QFontMetricsF>
 #include <QImage>
+#include <QPaintDevice>
 #include <QPainter>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -38,47 +39,49 @@ QFont Text_Font()
     return QFont(QStringLiteral("Helvetica"), font_points);
 }
 
-/// Lays out the list and draws it page by page.
-class TListPainter
+/// Lays out the list.
+class TListLayout
 {
     Q_DECLARE_TR_FUNCTIONS(FindingsPainter)
 
 public:
-    TListPainter(const TFindings& findings, QPainter* painter);
+    /// @param room  on a page, in pixels of the device.
+    TListLayout(const TFindings& findings, const QSizeF& room, QPaintDevice* device);
 
-    void Draw(const FindingsPainter::TBeginPage& begin_page);
+    /// A document for each page.
+    std::vector<std::unique_ptr<QTextDocument>> Documents() const;
 
 private:
     using TLines = std::vector<TLine>;
 
-    void Set_Widths(double room);
+    void Set_Widths();
     std::vector<double> Natural_Widths() const;
     double Scale() const;
     std::unique_ptr<QTextDocument> Document(const TLines& lines, const QSizeF& size) const;
     static void Fill_Row(QTextTable* table, int row, const TLine& line);
-    std::vector<double> Heights(double width) const;
-    std::vector<double> Table_Heights(const TLines& lines, double width) const;
-    std::vector<TLines> Pages(const QSizeF& room) const;
+    std::vector<double> Heights() const;
+    std::vector<double> Table_Heights(const TLines& lines) const;
+    std::vector<TLines> Pages() const;
 
-    QPainter* d_painter;
+    QSizeF d_room;
+    QPaintDevice* d_device;
     TLine d_headings;
     TLines d_lines;
     QVector<QTextLength> d_widths;
 };
 
-TListPainter::TListPainter(const TFindings& findings, QPainter* painter)
-    : d_painter(painter)
+TListLayout::TListLayout(const TFindings& findings, const QSizeF& room, QPaintDevice* device)
+    : d_room(room)
+    , d_device(device)
 {
     const bool has_texts = findings.Has_Texts();
     d_headings.texts += tr("No.");
     if (has_texts)
         d_headings.texts += tr("Label");
     d_headings.texts += findings.headings;
-    int number = 0;
     for (const TFindingsPage& page : findings.pages) {
-        ++number;
         if (!page.rows.empty())
-            d_lines.push_back({{page.Title(number)}, true});
+            d_lines.push_back({{page.Title()}, true});
         for (const TFinding& finding : page.rows) {
             QStringList texts{QString::number(finding.label.value)};
             if (has_texts)
@@ -86,32 +89,20 @@ TListPainter::TListPainter(const TFindings& findings, QPainter* painter)
             d_lines.push_back({texts + finding.cells, false});
         }
     }
+    Set_Widths();
 }
 
-void TListPainter::Draw(const FindingsPainter::TBeginPage& begin_page)
+std::vector<std::unique_ptr<QTextDocument>> TListLayout::Documents() const
 {
-    QRect room = begin_page();
-    Set_Widths(room.width());
-    bool is_begun = true;
-    for (const TLines& lines : Pages(room.size())) {
-        const auto document = Document(lines, room.size());
-        // Only a row that is higher than a page takes several.
-        for (int page = 0; page < document->pageCount(); ++page) {
-            if (!is_begun)
-                room = begin_page();
-            is_begun = false;
-            d_painter->save();
-            const double top = static_cast<double>(page) * room.height();
-            d_painter->translate(room.left(), room.top() - top);
-            document->drawContents(d_painter, QRectF(0, top, room.width(), room.height()));
-            d_painter->restore();
-        }
-    }
+    std::vector<std::unique_ptr<QTextDocument>> documents;
+    for (const TLines& lines : Pages())
+        documents.push_back(Document(lines, d_room));
+    return documents;
 }
 
 /// Gives each column the width of its widest text, or a fair share of the room where that is less.
 /// The widest column gets what is left.
-void TListPainter::Set_Widths(double room)
+void TListLayout::Set_Widths()
 {
     const std::vector<double> natural = Natural_Widths();
     std::vector<std::size_t> narrow_first(natural.size());
@@ -120,7 +111,7 @@ void TListPainter::Set_Widths(double room)
         narrow_first.begin(), narrow_first.end(),
         [&natural](std::size_t left, std::size_t right) { return natural[left] < natural[right]; });
     d_widths = QVector<QTextLength>(static_cast<int>(natural.size()));
-    double rest = room;
+    double rest = d_room.width();
     std::size_t rest_count = natural.size();
     for (const std::size_t column : narrow_first) {
         const double share = rest / static_cast<double>(rest_count);
@@ -132,11 +123,11 @@ void TListPainter::Set_Widths(double room)
 }
 
 /// The width of each column's widest line, in device pixels.
-std::vector<double> TListPainter::Natural_Widths() const
+std::vector<double> TListLayout::Natural_Widths() const
 {
     QFont bold = Text_Font();
     bold.setBold(true);
-    const QFontMetricsF metrics(bold, d_painter->device());
+    const QFontMetricsF metrics(bold, d_device);
     std::vector<double> widths(static_cast<std::size_t>(d_headings.texts.size()));
     const auto measure = [&](const TLine& line) {
         for (std::size_t column = 0; column < widths.size() && !line.is_page_name; ++column) {
@@ -151,17 +142,17 @@ std::vector<double> TListPainter::Natural_Widths() const
 }
 
 /// From pixels of a table to those of the device, as QTextDocument scales them.
-double TListPainter::Scale() const
+double TListLayout::Scale() const
 {
     const QImage table_device(1, 1, QImage::Format_RGB32);
-    return static_cast<double>(d_painter->device()->logicalDpiY()) / table_device.logicalDpiY();
+    return static_cast<double>(d_device->logicalDpiY()) / table_device.logicalDpiY();
 }
 
 /// A document with a table of the headings and lines.
-std::unique_ptr<QTextDocument> TListPainter::Document(const TLines& lines, const QSizeF& size) const
+std::unique_ptr<QTextDocument> TListLayout::Document(const TLines& lines, const QSizeF& size) const
 {
     auto document = std::make_unique<QTextDocument>();
-    document->documentLayout()->setPaintDevice(d_painter->device());
+    document->documentLayout()->setPaintDevice(d_device);
     document->setDefaultFont(Text_Font());
     document->setDocumentMargin(0);
     document->setUndoRedoEnabled(false);
@@ -189,7 +180,7 @@ std::unique_ptr<QTextDocument> TListPainter::Document(const TLines& lines, const
     return document;
 }
 
-void TListPainter::Fill_Row(QTextTable* table, int row, const TLine& line)
+void TListLayout::Fill_Row(QTextTable* table, int row, const TLine& line)
 {
     if (line.is_page_name)
         table->mergeCells(row, 0, 1, table->columns());
@@ -208,15 +199,15 @@ void TListPainter::Fill_Row(QTextTable* table, int row, const TLine& line)
 }
 
 /// The heights of the headings and of each line, in device pixels.
-std::vector<double> TListPainter::Heights(double width) const
+std::vector<double> TListLayout::Heights() const
 {
-    std::vector<double> heights = Table_Heights({}, width);
+    std::vector<double> heights = Table_Heights({});
     // The time that a table takes grows faster than its number of rows.
     constexpr std::ptrdiff_t lines_at_once = 25;
     auto begin = d_lines.cbegin();
     while (begin != d_lines.cend()) {
         const auto end = begin + std::min(lines_at_once, d_lines.cend() - begin);
-        const std::vector<double> part = Table_Heights({begin, end}, width);
+        const std::vector<double> part = Table_Heights({begin, end});
         heights.insert(heights.end(), std::next(part.cbegin()), part.cend());
         begin = end;
     }
@@ -224,10 +215,10 @@ std::vector<double> TListPainter::Heights(double width) const
 }
 
 /// The heights of a table's rows, that of the headings first.
-std::vector<double> TListPainter::Table_Heights(const TLines& lines, double width) const
+std::vector<double> TListLayout::Table_Heights(const TLines& lines) const
 {
     // Without a page height a document does not break pages.
-    const auto document = Document(lines, QSizeF(width, -1));
+    const auto document = Document(lines, QSizeF(d_room.width(), -1));
     const auto* const table =
         qobject_cast<QTextTable*>(document->rootFrame()->childFrames().constFirst());
     const auto top = [&](int row) {
@@ -242,9 +233,9 @@ std::vector<double> TListPainter::Table_Heights(const TLines& lines, double widt
 }
 
 /// The lines of each page. A page that begins within a document page repeats its name.
-std::vector<TListPainter::TLines> TListPainter::Pages(const QSizeF& room) const
+std::vector<TListLayout::TLines> TListLayout::Pages() const
 {
-    const std::vector<double> heights = Heights(room.width());
+    const std::vector<double> heights = Heights();
     std::vector<TLines> pages(1);
     double height = heights.front();
     std::size_t name = 0; // of the document page, among the lines
@@ -254,7 +245,7 @@ std::vector<TListPainter::TLines> TListPainter::Pages(const QSizeF& room) const
             name = place;
         // A name stays with the first row below it.
         const double needed = heights[place + 1] + (is_name ? heights[place + 2] : 0.0);
-        if (height + needed > room.height() && !pages.back().empty()) {
+        if (height + needed > d_room.height() && !pages.back().empty()) {
             pages.emplace_back();
             height = heights.front();
             if (!is_name) {
@@ -270,8 +261,33 @@ std::vector<TListPainter::TLines> TListPainter::Pages(const QSizeF& room) const
 
 } // namespace
 
-void FindingsPainter::Draw(const TFindings& findings, const TBeginPage& begin_page,
-                           QPainter* painter)
+TFindingsPainter::TFindingsPainter(const TFindings& findings, const QRect& room, QPainter* painter)
+    : d_room(room)
+    , d_painter(painter)
+    , d_documents(TListLayout(findings, room.size(), painter->device()).Documents())
 {
-    TListPainter(findings, painter).Draw(begin_page);
+}
+
+TFindingsPainter::~TFindingsPainter() = default;
+
+int TFindingsPainter::Page_Count() const
+{
+    return std::accumulate(d_documents.cbegin(), d_documents.cend(), 0,
+                           [](int count, const std::unique_ptr<QTextDocument>& document) {
+                               return count + document->pageCount();
+                           });
+}
+
+void TFindingsPainter::Draw(const std::function<void()>& begin_page) const
+{
+    for (const auto& document : d_documents) {
+        for (int page = 0; page < document->pageCount(); ++page) {
+            begin_page();
+            const int top = page * d_room.height();
+            d_painter->save();
+            d_painter->translate(d_room.left(), d_room.top() - top);
+            document->drawContents(d_painter, QRectF(0, top, d_room.width(), d_room.height()));
+            d_painter->restore();
+        }
+    }
 }

@@ -3,19 +3,37 @@
 #include <QRect>
 
 #include <functional>
+#include <memory>
+#include <vector>
 
 class QPainter;
+class QTextDocument;
 struct TFindings;
 
 /// Draws the list of findings on pages of the report.
-namespace FindingsPainter {
+///
+/// The list takes at least one page. Each page begins with the headings and the name of the
+/// document's page. Rows are split only if they are higher than a page.
+class TFindingsPainter
+{
+public:
+    /// Lays out the list.
+    /// @param room     for the list on each page, in pixels of the painter's device.
+    /// @param painter  active; not owned.
+    TFindingsPainter(const TFindings& findings, const QRect& room, QPainter* painter);
+    ~TFindingsPainter();
+    TFindingsPainter(const TFindingsPainter&) = delete;
+    TFindingsPainter& operator=(const TFindingsPainter&) = delete;
 
-/// Begins a page and returns the room for the list on it, in device pixels.
-using TBeginPage = std::function<QRect()>;
+    int Page_Count() const;
 
-/// Draws the list on as many pages as it takes, at least one. Each begins with the headings and the
-/// name of the document's page. Rows are split only if they are higher than a page.
-/// @param begin_page  all pages have the room of the first.
-void Draw(const TFindings& findings, const TBeginPage& begin_page, QPainter* painter);
+    /// Draws the list.
+    /// @param begin_page  is called before each page.
+    void Draw(const std::function<void()>& begin_page) const;
 
-} // namespace FindingsPainter
+private:
+    QRect d_room;
+    QPainter* d_painter;
+    /// One for each page; one with a row that is higher than a page has several pages.
+    std::vector<std::unique_ptr<QTextDocument>> d_documents;
+};

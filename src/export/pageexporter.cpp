@@ -3,15 +3,16 @@
 #include "core/safefile.h"
 #include "core/workwatch.h"
 #include "src/displaywidget.h"
+#include "src/export/fastpng.h"
 #include "src/export/findingspainter.h"
-#include "src/paint/reportpainter.h"
+#include "src/export/pdffile.h"
 
 #include <QBuffer>
-#include <QFile>
 #include <QPainter>
 #include <QPrinter>
 #include <QScrollBar>
 
+#include <optional>
 #include <utility>
 
 namespace {
@@ -22,14 +23,35 @@ QRect Page_Rectangle(const QPrinter& printer)
     return printer.pageLayout().paintRectPixels(printer.resolution());
 }
 
-void Prepare_Printer(const QString& path, const TReportOptions& settings, QPrinter* printer)
+void Prepare_Printer(const QString& path, const QString& title, const TReportOptions& settings,
+                     QPrinter* printer)
 {
+    printer->setDocName(title);
     printer->setPageOrientation(settings.orientation == 0 ? QPageLayout::Portrait
                                                           : QPageLayout::Landscape);
     printer->setOutputFormat(QPrinter::PdfFormat);
     printer->setOutputFileName(path);
     printer->setPageMargins(QMarginsF(), QPageLayout::Millimeter);
     printer->setResolution(TReportGeometry::Resolution(settings.resolution));
+}
+
+/// A picture as Qt encodes it by default; empty on failure.
+QByteArray Default_Png(const QPixmap& picture)
+{
+    QByteArray bytes;
+    TWatchedDevice<QBuffer> buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    // Every PNG ends with an empty chunk of this type and its checksum. Check for it before
+    // replacing an existing file.
+    const QByteArray end("IEND\xAE\x42\x60\x82", 8);
+    return picture.save(&buffer, "png") && bytes.endsWith(end) ? bytes : QByteArray();
+}
+
+bool Finish_Pdf(const QStringList& bookmarks, TSafeFile* target)
+{
+    if (!bookmarks.isEmpty() && !PdfFile::Add_Bookmarks(target->Path_To_Write(), bookmarks))
+        return false;
+    return target->Commit(PdfFile::Is_Complete);
 }
 
 } // namespace
@@ -41,17 +63,18 @@ TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TStepReport repo
 {
 }
 
-bool TPageExporter::Export_Images(const QList<int>& page_ids, const TPathOf& path_of) const
+bool TPageExporter::Export_Images(const QList<int>& page_ids, const TPathOf& path_of,
+                                  TPng png) const
 {
     int counter = 1;
     return Draw_Pages(page_ids, [&](int page_id, const QPixmap& picture) {
-        return Save_Png(picture, path_of(page_id, counter++));
+        return Save_Png(picture, path_of(page_id, counter++), png);
     });
 }
 
 TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QList<int>& page_ids,
                                                   const TReportOptions& settings,
-                                                  const TFindings* list) const
+                                                  const TReportExtras& extras) const
 {
     if (page_ids.isEmpty() || !TReportGeometry::Is_Resolution_Code(settings.resolution))
         return TOutcome::Not_Begun;
@@ -60,12 +83,17 @@ TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QLi
         return TOutcome::Not_Begun;
     TSafeFile target(file);
     QPrinter printer(QPrinter::HighResolution);
-    Prepare_Printer(target.Path_To_Write(), settings, &printer);
+    Prepare_Printer(target.Path_To_Write(), extras.title, settings, &printer);
     QPainter painter;
     if (!painter.begin(&printer))
         return TOutcome::Not_Begun;
     TReportPainter report(&painter, settings.resolution, settings.header_1, settings.header_2,
-                          Page_Rectangle(printer));
+                          Page_Rectangle(printer), extras.footer);
+    std::optional<TFindingsPainter> list;
+    if (extras.list)
+        list.emplace(*extras.list, report.Room(), &painter);
+    if (extras.has_page_count)
+        report.Set_Page_Count(page_ids.size() + (list ? list->Page_Count() : 0));
     int number = 0;
     const auto begin_page = [&] {
         if (number > 0) {
@@ -73,7 +101,6 @@ TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QLi
             report.Set_Page(Page_Rectangle(printer));
         }
         report.Draw_Frame(++number);
-        return report.Room();
     };
     Draw_Pages(page_ids, [&](int, const QPixmap& picture) {
         begin_page();
@@ -81,9 +108,9 @@ TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QLi
         return true;
     });
     if (list)
-        FindingsPainter::Draw(*list, begin_page, &painter);
+        list->Draw(begin_page);
     painter.end();
-    return target.Commit(Is_Complete_Pdf) ? TOutcome::Complete : TOutcome::Incomplete;
+    return Finish_Pdf(extras.bookmarks, &target) ? TOutcome::Complete : TOutcome::Incomplete;
 }
 
 bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TPictureHandler& handler) const
@@ -131,31 +158,9 @@ void TPageExporter::Reload_View() const
         d_view->Show_Page(*page);
 }
 
-bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path)
+bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path, TPng png)
 {
-    QByteArray bytes;
-    TWatchedDevice<QBuffer> buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    // Every PNG ends with an empty chunk of this type and its checksum. Check for it before
-    // replacing an existing file.
-    const QByteArray end("IEND\xAE\x42\x60\x82", 8);
-    return picture.save(&buffer, "png") && bytes.endsWith(end) && TSafeFile::Replace(path, bytes);
-}
-
-bool TPageExporter::Is_Complete_Pdf(const QString& path)
-{
-    // The last lines are "startxref", the offset of the table, and the end marker.
-    constexpr qint64 tail_length = 64;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || !file.seek(qMax<qint64>(0, file.size() - tail_length)))
-        return false;
-    const QList<QByteArray> lines = file.readAll().split('\n');
-    const int count = lines.size();
-    if (count < 4 || !lines.at(count - 1).isEmpty() || lines.at(count - 2) != "%%EOF" ||
-        lines.at(count - 4) != "startxref")
-        return false;
-    const QByteArray table = "xref\n";
-    bool is_number = false;
-    const qint64 offset = lines.at(count - 3).toLongLong(&is_number);
-    return is_number && file.seek(offset) && file.read(table.size()) == table;
+    const QByteArray bytes =
+        png == TPng::Fast ? FastPng::Encode(picture.toImage()) : Default_Png(picture);
+    return !bytes.isEmpty() && TSafeFile::Replace(path, bytes);
 }

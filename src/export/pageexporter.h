@@ -3,15 +3,27 @@
 #include "core/stepreport.h"
 #include "src/data.h"
 #include "src/model/reportoptions.h"
+#include "src/paint/reportpainter.h"
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
 class QPixmap;
 class TDisplayWidget;
 struct TFindings;
+
+/// What a report can have besides TReportOptions. The defaults are those of the window.
+struct TReportExtras
+{
+    TReportFooter footer;
+    bool has_page_count = false;     ///< whether the footer shows the number of pages
+    QString title;                   ///< in the properties of the file; may be empty
+    QStringList bookmarks;           ///< one for each of the first pages; empty for none
+    const TFindings* list = nullptr; ///< the list of findings, which follows the pages
+};
 
 /// Exports the pages of a document as PNG files or as a PDF report. Draws them with a page view.
 ///
@@ -26,6 +38,12 @@ public:
     /// Processes the picture of a page. Returns false to stop.
     using TPictureHandler = std::function<bool(int page_id, const QPixmap& picture)>;
 
+    /// How pictures are compressed.
+    enum class TPng {
+        Small, ///< as Qt does by default
+        Fast   ///< in a quarter of the time; see FastPng
+    };
+
     /// Result of a PDF export.
     enum class TOutcome {
         Not_Begun,  ///< there is nothing to print, or the file cannot be opened
@@ -39,24 +57,20 @@ public:
 
     /// Writes each page with its labels to a PNG file, replacing existing files. Stops and returns
     /// false when a file cannot be written. Returns false when there are no pages.
-    bool Export_Images(const QList<int>& page_ids, const TPathOf& path_of) const;
+    bool Export_Images(const QList<int>& page_ids, const TPathOf& path_of,
+                       TPng png = TPng::Small) const;
 
     /// Writes pages as a PDF report, in the given order.
     /// @param file  replaced only by a complete report.
-    /// @param list  the list of findings, which follows the pages; null for none.
     TOutcome Export_Pdf(const QString& file, const QList<int>& page_ids,
-                        const TReportOptions& settings, const TFindings* list = nullptr) const;
+                        const TReportOptions& settings, const TReportExtras& extras = {}) const;
 
     /// Draws pages until the handler returns false. Returns false in that case and when there are
     /// no pages.
     bool Draw_Pages(const QList<int>& page_ids, const TPictureHandler& handler) const;
 
     /// Saves a picture as PNG. On failure, returns false and an existing file is unchanged.
-    static bool Save_Png(const QPixmap& picture, const QString& path);
-
-    /// Whether a PDF file ends with its end marker and its cross-reference table is at the given
-    /// offset. Detects truncated files.
-    static bool Is_Complete_Pdf(const QString& path);
+    static bool Save_Png(const QPixmap& picture, const QString& path, TPng png = TPng::Small);
 
 private:
     void Report_Step(int number, int total) const;

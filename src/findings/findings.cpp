@@ -32,8 +32,7 @@ public:
     }
 
     /// Gives the labels of a page their cells.
-    /// @param number  of the page, from 1.
-    void Join_Page(int number, TFindingsPage* page);
+    void Join_Page(TFindingsPage* page);
     /// Warns of the rows that no label got.
     /// @param page_count  of the document.
     void Report_Unused_Rows(int page_count);
@@ -51,15 +50,15 @@ private:
     QStringList d_warnings;
 };
 
-void TJoin::Join_Page(int number, TFindingsPage* page)
+void TJoin::Join_Page(TFindingsPage* page)
 {
     for (TFinding& finding : page->rows) {
-        const TKey key(number, finding.label.value);
+        const TKey key(page->number, finding.label.value);
         finding.cells = Cells(key, d_label_counts[key]++);
         // The second label reports for all that follow.
         if (d_label_counts[key] == 2)
             d_warnings += tr("page %1: several labels have the number %2")
-                              .arg(number)
+                              .arg(page->number)
                               .arg(finding.label.value);
     }
 }
@@ -100,7 +99,7 @@ QString TJoin::Unused_Row_Text(const TFindingsRow& row, int page_count) const
 
 } // namespace
 
-QString TFindingsPage::Title(int number) const
+QString TFindingsPage::Title() const
 {
     return name.trimmed().isEmpty() ? QCoreApplication::translate("Findings", "Page %1").arg(number)
                                     : name;
@@ -128,8 +127,9 @@ TFindings Findings::Of(const TData& data, const std::vector<TNamedPage>& pages)
     for (const TPageItem& page : data.Pages())
         items.insert(page.page_id, &page);
     TFindings findings;
+    int number = 0;
     for (const TNamedPage& page : pages) {
-        TFindingsPage entry{page.page_id, page.name, {}};
+        TFindingsPage entry{page.page_id, ++number, page.name, {}};
         if (const TPageItem* const item = items.value(page.page_id)) {
             for (const TDataItem& label : item->data_items)
                 entry.rows.push_back({label, {}});
@@ -143,9 +143,8 @@ QStringList Findings::Join(const TFindingsTable& table, TFindings* findings)
 {
     findings->headings = table.headings;
     TJoin join(table);
-    int number = 0;
     for (TFindingsPage& page : findings->pages)
-        join.Join_Page(++number, &page);
-    join.Report_Unused_Rows(number);
+        join.Join_Page(&page);
+    join.Report_Unused_Rows(static_cast<int>(findings->pages.size()));
     return join.Warnings();
 }

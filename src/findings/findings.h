@@ -22,12 +22,12 @@ struct TFinding
 struct TFindingsPage
 {
     int page_id = 0;
-    QString name; ///< may be empty
+    int number = 1; ///< in the document, from 1
+    QString name;   ///< may be empty
     std::vector<TFinding> rows;
 
     /// The name; "Page 3" for a page without one.
-    /// @param number  of the page, from 1.
-    QString Title(int number) const;
+    QString Title() const;
 };
 
 /// The list of findings: every label of a document in document order, and the cells that a table

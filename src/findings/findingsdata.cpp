@@ -28,11 +28,9 @@ QJsonObject Label_Object(const TFinding& finding, const QStringList& headings)
 QByteArray FindingsData::Csv(const TFindings& findings)
 {
     std::vector<TItemRow> rows;
-    int number = 0;
     for (const TFindingsPage& page : findings.pages) {
-        ++number;
         for (const TFinding& finding : page.rows)
-            rows.push_back({number, finding.label, 0, finding.cells});
+            rows.push_back({page.number, finding.label, 0, finding.cells});
     }
     return ItemTable::Write(rows, findings.headings);
 }
@@ -44,7 +42,7 @@ QByteArray FindingsData::Json(const TFindings& findings)
         QJsonArray labels;
         for (const TFinding& finding : page.rows)
             labels.append(Label_Object(finding, findings.headings));
-        pages.append(QJsonObject{{QStringLiteral("number"), pages.size() + 1},
+        pages.append(QJsonObject{{QStringLiteral("number"), page.number},
                                  {QStringLiteral("name"), page.name},
                                  {QStringLiteral("labels"), labels}});
     }

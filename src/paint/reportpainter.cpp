@@ -20,17 +20,26 @@ TFontMeasure Measure(const QFont& font, const QPainter& painter)
 
 } // namespace
 
+QString Maker_Text()
+{
+    return QCoreApplication::translate("TReportPainter",
+                                       "The Quillet Project - www.quillet.example");
+}
+
 TReportPainter::TReportPainter(QPainter* painter, int resolution_code, const QString& header_1,
-                               const QString& header_2, const QRect& page)
+                               const QString& header_2, const QRect& page,
+                               const TReportFooter& footer)
     : d_painter(painter)
     , d_resolution_code(resolution_code)
     , d_header_1(header_1)
     , d_header_2(header_2)
     , d_heading_font(Report_Font(12))
     , d_footer_font(Report_Font(6))
+    , d_footer(footer)
     , d_geometry(page,
                  TReportLayout{resolution_code, !header_1.isEmpty(), !header_2.isEmpty(),
-                               Measure(d_heading_font, *painter), Measure(d_footer_font, *painter)})
+                               Measure(d_heading_font, *painter),
+                               footer.is_drawn ? Measure(d_footer_font, *painter) : TFontMeasure()})
 {
 }
 
@@ -60,12 +69,21 @@ void TReportPainter::Draw_Headers()
 
 void TReportPainter::Draw_Footer(int number)
 {
-    const QString maker =
-        QCoreApplication::translate("TReportPainter", "The Quillet Project - www.quillet.example");
-    const QString page = QCoreApplication::translate("TReportPainter", "Page %1").arg(number);
+    if (!d_footer.is_drawn)
+        return;
+    const QString page = d_footer.page_count > 0
+                             ? QCoreApplication::translate("TReportPainter", "Page %1 of %2")
+                                   .arg(number)
+                                   .arg(d_footer.page_count)
+                             : QCoreApplication::translate("TReportPainter", "Page %1").arg(number);
     d_painter->setFont(d_footer_font);
-    d_painter->drawText(d_geometry.Footer(), Qt::AlignLeft | Qt::AlignBottom, maker);
-    d_painter->drawText(d_geometry.Footer(), Qt::AlignRight | Qt::AlignBottom, page);
+    const QFontMetrics metrics(d_footer_font, d_painter->device());
+    const QRect box = d_geometry.Footer();
+    const int gap = metrics.height();
+    const QString text = metrics.elidedText(d_footer.text.simplified(), Qt::ElideRight,
+                                            box.width() - metrics.horizontalAdvance(page) - gap);
+    d_painter->drawText(box, Qt::AlignLeft | Qt::AlignBottom, text);
+    d_painter->drawText(box, Qt::AlignRight | Qt::AlignBottom, page);
 }
 
 void TReportPainter::Draw_Picture(const QPixmap& picture)

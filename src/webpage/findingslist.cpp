@@ -43,7 +43,7 @@ QString TFindingsList::Begin() const
     return QStringLiteral("<table>\n<thead><tr>") + row + QStringLiteral("</tr></thead>\n");
 }
 
-QString TFindingsList::Page(const TFindingsPage& page, int number, int first_number,
+QString TFindingsList::Page(const TFindingsPage& page, int first_number,
                             const std::vector<bool>& is_on_sheet) const
 {
     if (page.rows.empty())
@@ -52,8 +52,8 @@ QString TFindingsList::Page(const TFindingsPage& page, int number, int first_num
     QString body = QStringLiteral("<tbody>\n<tr class=\"page-row\"><th scope=\"rowgroup\" "
                                   "colspan=\"%1\"><a href=\"#page-%2\">")
                        .arg(columns)
-                       .arg(number) +
-                   Escaped(page.Title(number)) + QStringLiteral("</a></th></tr>\n");
+                       .arg(page.number) +
+                   Escaped(page.Title()) + QStringLiteral("</a></th></tr>\n");
     for (std::size_t place = 0; place < page.rows.size(); ++place)
         body += Row(page.rows[place], first_number + static_cast<int>(place), is_on_sheet[place]);
     return body + QStringLiteral("</tbody>\n");

@@ -17,10 +17,9 @@ public:
     /// The table's start with its heading row.
     QString Begin() const;
     /// The body of a page; empty for a page without labels.
-    /// @param number        of the page, from 1.
     /// @param first_number  of the page's first label in the document, from 1.
     /// @param is_on_sheet   for each label whether it can be seen on the page.
-    QString Page(const TFindingsPage& page, int number, int first_number,
+    QString Page(const TFindingsPage& page, int first_number,
                  const std::vector<bool>& is_on_sheet) const;
     /// The table's end.
     static QString End();

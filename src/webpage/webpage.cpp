@@ -2,6 +2,7 @@
 
 #include "core/safefile.h"
 #include "src/data.h"
+#include "src/paint/reportpainter.h"
 #include "src/webpage/embeddedimage.h"
 #include "src/webpage/findingslist.h"
 #include "src/webpage/labelsvg.h"
@@ -114,7 +115,7 @@ bool TWriter::Write(const TStepReport& report)
     Put(QStringLiteral("</main>\n"));
     Put_List();
     Put(QStringLiteral("</div>\n<dl id=\"card\" hidden></dl>\n<footer>%1</footer>\n<script>")
-            .arg(Escaped(tr("The Quillet Project - www.quillet.example"))));
+            .arg(Escaped(Maker_Text())));
     Put(Resource(QStringLiteral("webpage.js")));
     Put(QByteArray("</script>\n</body>\n") + end_of_file);
     return d_is_complete;
@@ -166,18 +167,17 @@ void TWriter::Put_Header()
 void TWriter::Put_Thumbnails()
 {
     Put(QStringLiteral("<nav aria-label=\"%1\">\n<ol>\n").arg(Escaped(tr("Pages"))));
-    int number = 0;
-    for (const TSheet& sheet : d_sheets) {
-        const QString title =
-            d_page.findings.pages[static_cast<std::size_t>(number)].Title(number + 1);
-        ++number;
-        QString link = QStringLiteral("<li><a class=\"thumbnail\" href=\"#page-%1\">").arg(number);
+    for (std::size_t place = 0; place < d_sheets.size(); ++place) {
+        const TSheet& sheet = d_sheets[place];
+        const TFindingsPage& page = d_page.findings.pages[place];
+        QString link =
+            QStringLiteral("<li><a class=\"thumbnail\" href=\"#page-%1\">").arg(page.number);
         if (!sheet.rectangle.isEmpty())
             link += QStringLiteral("<svg viewBox=\"%1\" aria-hidden=\"true\">"
                                    "<use href=\"#image-%2\"/></svg>")
                         .arg(View_Box(sheet.rectangle))
-                        .arg(number);
-        Put(link + QStringLiteral("<span dir=\"auto\">") + Escaped(title) +
+                        .arg(page.number);
+        Put(link + QStringLiteral("<span dir=\"auto\">") + Escaped(page.Title()) +
             QStringLiteral("</span></a></li>\n"));
     }
     Put(QStringLiteral("</ol>\n</nav>\n"));
@@ -185,11 +185,11 @@ void TWriter::Put_Thumbnails()
 
 void TWriter::Put_Page(std::size_t place)
 {
-    const int number = static_cast<int>(place) + 1;
+    const TFindingsPage& page = d_page.findings.pages[place];
     Put(QStringLiteral("<section class=\"page\" id=\"page-%1\" aria-labelledby=\"title-%1\">\n"
                        "<h2 id=\"title-%1\" dir=\"auto\">")
-            .arg(number) +
-        Escaped(d_page.findings.pages[place].Title(number)) + QStringLiteral("</h2>\n"));
+            .arg(page.number) +
+        Escaped(page.Title()) + QStringLiteral("</h2>\n"));
     if (d_sheets[place].rectangle.isEmpty())
         Put(QStringLiteral("<p class=\"empty\">%1</p>\n")
                 .arg(Escaped(tr("This page has no image."))));
@@ -202,7 +202,7 @@ void TWriter::Put_Sheet(std::size_t place)
 {
     const TSheet& sheet = d_sheets[place];
     const QRectF& rectangle = sheet.rectangle;
-    const int number = static_cast<int>(place) + 1;
+    const int number = d_page.findings.pages[place].number;
     Put(QStringLiteral("<svg class=\"sheet\" role=\"group\" aria-labelledby=\"title-%1\" "
                        "width=\"%2\" height=\"%3\" viewBox=\"%4\"><g id=\"image-%1\">")
             .arg(QString::number(number), Number(rectangle.width()), Number(rectangle.height()),
@@ -251,7 +251,7 @@ void TWriter::Put_List()
         std::vector<bool> is_on_sheet;
         for (const TFinding& finding : page.rows)
             is_on_sheet.push_back(d_labels.Is_On(d_sheets[place].rectangle, finding));
-        Put(list.Page(page, static_cast<int>(place) + 1, first_number, is_on_sheet));
+        Put(list.Page(page, first_number, is_on_sheet));
         first_number += static_cast<int>(page.rows.size());
     }
     Put(TFindingsList::End());

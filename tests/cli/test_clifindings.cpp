@@ -7,7 +7,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -16,6 +15,7 @@ using Support::Header;
 using Support::Item_Element;
 using Support::Item_List;
 using Support::Page_Record;
+using Support::Text_Of_Pages;
 using Support::TToolResult;
 
 namespace {
@@ -36,16 +36,6 @@ QByteArray Project(const QList<QByteArray>& pages)
         project += Page_Record("Sheet " + QByteArray::number(++number),
                                Support::Png(Support::Picture(60, 40)), Item_List(labels));
     return project;
-}
-
-QStringList Text_Of_Pages(const QString& pdf)
-{
-    QProcess process;
-    process.start(QStringLiteral("pdftotext"), {"-layout", pdf, "-"});
-    process.waitForFinished();
-    QStringList pages = QString::fromUtf8(process.readAllStandardOutput()).split('\f');
-    pages.removeLast();
-    return pages;
 }
 
 /// A report without the lines that hold its date.

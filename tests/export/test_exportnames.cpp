@@ -130,6 +130,69 @@ private slots:
         QVERIFY(result.exited);
         QCOMPARE(result.exit_code, 0);
     }
+
+    void a_pattern_has_only_known_placeholders_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("is_pattern");
+        const auto row = [](const char* text, bool is_pattern) {
+            QTest::newRow(text) << QString(text) << is_pattern;
+        };
+        row("plain", true);
+        row("{document}-{page}-{number}-{time}", true);
+        row("{number}{number}.png", true);
+        row("", false);
+        row("{Number}", false);
+        row("{}", false);
+        row("{page", false);
+        row("page}", false);
+        row("}page{", false);
+        row("{{page}}", false);
+        row("a/{page}", false);
+    }
+    void a_pattern_has_only_known_placeholders()
+    {
+        QFETCH(const QString, text);
+        QTEST(ExportNames::Is_Pattern(text), "is_pattern");
+    }
+
+    void placeholders_are_replaced_data()
+    {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("path");
+        const auto row = [](const char* pattern, const char* path) {
+            QTest::newRow(pattern) << QString(pattern) << QString(path);
+        };
+        row("{document}", "/out/site.v2.png");
+        row("{page}", "/out/a_b {number}.png");
+        row("{number}", "/out/007.png");
+        row("{time}", "/out/16112026070509.png");
+        row("x{number}y{number}z", "/out/x007y007z.png");
+        row("{number}.png", "/out/007.png");
+        row("{number}.PNG", "/out/007.PNG");
+    }
+    void placeholders_are_replaced()
+    {
+        QFETCH(const QString, pattern);
+        const TImagePage page{"site.v2", "a/b {number}", 3, 7, 100};
+        QTEST(ExportNames::Pattern_Path("/out", pattern, page, november), "path");
+    }
+
+    void the_number_has_the_digits_of_the_page_count()
+    {
+        const auto path = [](int number, int count) {
+            return ExportNames::Pattern_Path("/", "{number}", {"", "", 1, number, count}, november);
+        };
+        QCOMPARE(path(1, 9), QString("/1.png"));
+        QCOMPARE(path(1, 10), QString("/01.png"));
+        QCOMPARE(path(10, 10), QString("/10.png"));
+    }
+
+    void a_page_without_a_name_is_called_by_its_id_in_a_pattern()
+    {
+        QCOMPARE(ExportNames::Pattern_Path("/", "{page}", {"", "", 12, 1, 1}, november),
+                 QString("/Image_12.png"));
+    }
 };
 
 QTEST_MAIN(TestExportNames)

@@ -4,6 +4,7 @@
 
 #include "src/displaywidget.h"
 #include "src/export/pageexporter.h"
+#include "src/export/pdffile.h"
 #include "src/format/document.h"
 
 #include <QTemporaryDir>
@@ -119,7 +120,7 @@ private slots:
         QCOMPARE(Exporter().Export_Pdf(Path("missing/r.pdf"), {1}, settings), TOutcome::Not_Begun);
         QCOMPARE(Support::Entries(d_folder->path()), QStringList());
         QCOMPARE(Exporter().Export_Pdf(Path("r.pdf"), {1}, settings), TOutcome::Complete);
-        QVERIFY(TPageExporter::Is_Complete_Pdf(Path("r.pdf")));
+        QVERIFY(PdfFile::Is_Complete(Path("r.pdf")));
     }
 
     void an_incomplete_report_leaves_the_old_file()
@@ -136,31 +137,6 @@ private slots:
         QVERIFY2(result.exited, result.error_output.constData());
         QCOMPARE(result.exit_code, 0);
         QCOMPARE(Support::Read_File(Path("r.pdf")), QByteArray("old"));
-    }
-
-    void a_pdf_is_complete_if_its_table_is_at_the_offset_named_at_its_end_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<bool>("complete");
-        const QByteArray body = "%PDF-1.4\nbody\n";
-        const QByteArray table = "xref\n0 1\ntrailer\n";
-        const QByteArray end = "startxref\n14\n%%EOF\n";
-        QTest::newRow("whole") << body + table + end << true;
-        QTest::newRow("empty") << QByteArray() << false;
-        QTest::newRow("no end mark") << body + table + "startxref\n14\n" << false;
-        QTest::newRow("end mark cut") << body + table + "startxref\n14\n%%EO" << false;
-        QTest::newRow("a gap in the body") << body.mid(3) + table + end << false;
-        QTest::newRow("end mark alone") << QByteArray("%%EOF\n") << false;
-        QTest::newRow("offset past the end") << body + table + "startxref\n99999\n%%EOF\n" << false;
-        QTest::newRow("no number") << body + table + "startxref\nxx\n%%EOF\n" << false;
-        QTest::newRow("negative offset") << body + table + "startxref\n-14\n%%EOF\n" << false;
-    }
-
-    void a_pdf_is_complete_if_its_table_is_at_the_offset_named_at_its_end()
-    {
-        QFETCH(QByteArray, content);
-        Support::Write_File(Path("file.pdf"), content);
-        QTEST(TPageExporter::Is_Complete_Pdf(Path("file.pdf")), "complete");
     }
 };
 

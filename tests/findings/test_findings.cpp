@@ -87,9 +87,9 @@ private slots:
 
     void a_page_without_a_name_is_called_by_its_number()
     {
-        QCOMPARE((TFindingsPage{4, QString(), {}}.Title(2)), QStringLiteral("Page 2"));
-        QCOMPARE((TFindingsPage{4, QStringLiteral("  "), {}}.Title(2)), QStringLiteral("Page 2"));
-        QCOMPARE((TFindingsPage{4, QStringLiteral("Cellar"), {}}.Title(2)),
+        QCOMPARE((TFindingsPage{4, 2, QString(), {}}.Title()), QStringLiteral("Page 2"));
+        QCOMPARE((TFindingsPage{4, 2, QStringLiteral("  "), {}}.Title()), QStringLiteral("Page 2"));
+        QCOMPARE((TFindingsPage{4, 2, QStringLiteral("Cellar"), {}}.Title()),
                  QStringLiteral("Cellar"));
     }
 

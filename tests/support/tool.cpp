@@ -56,4 +56,14 @@ TToolResult Run_Tool(const QStringList& arguments, const TToolSurroundings& surr
     return result;
 }
 
+QStringList Text_Of_Pages(const QString& pdf)
+{
+    QProcess process;
+    process.start(QStringLiteral("pdftotext"), {"-layout", pdf, "-"});
+    process.waitForFinished();
+    QStringList pages = QString::fromUtf8(process.readAllStandardOutput()).split('\f');
+    pages.removeLast();
+    return pages;
+}
+
 } // namespace Support

@@ -31,4 +31,7 @@ QString Tool_Path();
 /// Runs the tool and waits for it.
 TToolResult Run_Tool(const QStringList& arguments, const TToolSurroundings& surroundings = {});
 
+/// The text of each page of a PDF file, as pdftotext lays it out.
+QStringList Text_Of_Pages(const QString& pdf);
+
 } // namespace Support

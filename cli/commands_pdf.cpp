@@ -1,0 +1,194 @@
+// The command that exports PDF reports.
+
+#include "cli/commandline.h"
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/exportjob.h"
+#include "cli/files.h"
+#include "cli/findingsoptions.h"
+#include "cli/pageview.h"
+#include "cli/terminal.h"
+#include "cli/translate.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonObject>
+
+#include <array>
+
+namespace {
+
+const char* const orientation_option = "orientation";
+const char* const resolution_option = "resolution";
+const char* const header_1_option = "header-1";
+const char* const header_2_option = "header-2";
+const char* const footer_option = "footer";
+const char* const no_footer_option = "no-footer";
+const char* const page_count_option = "page-count";
+const char* const bookmarks_option = "bookmarks";
+const char* const list_option = "list";
+
+constexpr std::array<TOptionValue, 4> orientations = {{
+    {"portrait", 0},
+    {"landscape", 1},
+    {"0", 0},
+    {"1", 1},
+}};
+
+/// The values with "DPI" are the texts of the settings panel.
+constexpr std::array<TOptionValue, 12> resolutions = {{
+    {"96", 1},
+    {"180", 2},
+    {"276", 3},
+    {"372", 4},
+    {"96 DPI", 1},
+    {"180 DPI", 2},
+    {"276 DPI", 3},
+    {"372 DPI", 4},
+    {"1", 1},
+    {"2", 2},
+    {"3", 3},
+    {"4", 4},
+}};
+
+constexpr int default_orientation = 0;
+constexpr int default_resolution = 2;
+
+void Add_Page_Options(TCommandLine* line)
+{
+    line->Add_Option(orientation_option, QStringLiteral("ORIENTATION"),
+                     Tr("Page orientation: portrait (default) or landscape."));
+    line->Add_Option(resolution_option, QStringLiteral("DPI"),
+                     Tr("Resolution in dots per inch: 96, 180 (default), 276 or 372, or its number "
+                        "from 1 to 4."));
+    line->Add_Option(header_1_option, QStringLiteral("TEXT"),
+                     Tr("First header line; by default the document's own."));
+    line->Add_Option(header_2_option, QStringLiteral("TEXT"),
+                     Tr("Second header line; by default the document's own."));
+    line->Add_Option(footer_option, QStringLiteral("TEXT"),
+                     Tr("Text at the left of the footer, instead of the program's name."));
+    line->Add_Flag(no_footer_option, Tr("Omit the footer."));
+    line->Add_Flag(page_count_option, Tr("Number the pages as in \"Page 3 of 12\"."));
+}
+
+void Add_Options(TCommandLine* line)
+{
+    TExportJob::Declare(line);
+    line->Add_Option(CommonOptions::Output, QStringLiteral("FILE"), Tr("The report to write."));
+    line->Add_Option(CommonOptions::Folder, QStringLiteral("DIR"),
+                     Tr("The folder for the reports, named after the documents; instead of "
+                        "--output."));
+    line->Add_Force_Flag();
+    Add_Page_Options(line);
+    line->Add_Option(CommonOptions::Title, QStringLiteral("TEXT"),
+                     Tr("Title in the properties of the PDF file."));
+    line->Add_Flag(bookmarks_option,
+                   Tr("Add a bookmark for each page, with its name, and for the list."));
+    line->Add_Flag(list_option, Tr("Append the list of findings."));
+    FindingsOptions::Add(line);
+}
+
+/// Checks which options are used together.
+void Check_Options(const TCommandLine& line)
+{
+    const auto exclude = [&line](const char* first, const char* second) {
+        if (line.Is_Set(first) && line.Is_Set(second))
+            throw TUsageError{Tr("Options '%1' and '%2' exclude each other.")
+                                  .arg(QLatin1String(first), QLatin1String(second))};
+    };
+    exclude(CommonOptions::Output, CommonOptions::Folder);
+    exclude(footer_option, no_footer_option);
+    exclude(page_count_option, no_footer_option);
+    const bool has_folder = line.Is_Set(CommonOptions::Folder);
+    line.Require(has_folder ? CommonOptions::Folder : CommonOptions::Output);
+    const bool has_several = line.Arguments().size() > 1;
+    if (has_several && !has_folder)
+        throw TUsageError{Tr("Several documents need option 'folder'.")};
+    if (line.Is_Set(CommonOptions::Findings) && !line.Is_Set(list_option))
+        throw TUsageError{Tr("Option 'findings' needs option 'list'.")};
+    if (line.Is_Set(CommonOptions::Findings) && has_several)
+        throw TUsageError{Tr("Option 'findings' is for one document.")};
+}
+
+TReportOptions Report_Options(const TCommandLine& line, const TAppearance& appearance)
+{
+    TReportOptions options{default_orientation, default_resolution, appearance.header_1,
+                           appearance.header_2};
+    if (line.Is_Set(orientation_option))
+        options.orientation = line.Code(orientation_option, orientations);
+    if (line.Is_Set(resolution_option))
+        options.resolution = line.Code(resolution_option, resolutions);
+    if (line.Is_Set(header_1_option))
+        options.header_1 = line.Text(header_1_option);
+    if (line.Is_Set(header_2_option))
+        options.header_2 = line.Text(header_2_option);
+    return options;
+}
+
+/// Everything else that a report has.
+TReportExtras Report_Extras(const TCommandLine& line, const TFindings& findings)
+{
+    TReportExtras extras;
+    if (line.Is_Set(footer_option))
+        extras.footer.text = line.Text(footer_option);
+    extras.footer.is_drawn = !line.Is_Set(no_footer_option);
+    extras.has_page_count = line.Is_Set(page_count_option);
+    extras.title = line.Text(CommonOptions::Title);
+    if (line.Is_Set(bookmarks_option)) {
+        for (const TFindingsPage& page : findings.pages)
+            extras.bookmarks += page.Title();
+        if (line.Is_Set(list_option))
+            extras.bookmarks += Tr("Findings");
+    }
+    if (line.Is_Set(list_option))
+        extras.list = &findings;
+    return extras;
+}
+
+/// The path of a document's report.
+QString Report_Path(const TCommandLine& line, const QString& document)
+{
+    if (!line.Is_Set(CommonOptions::Folder))
+        return line.Text(CommonOptions::Output);
+    const QString folder = line.Text(CommonOptions::Folder);
+    return QDir(folder).filePath(QFileInfo(document).completeBaseName() + QStringLiteral(".pdf"));
+}
+
+/// The labels of the chosen pages.
+TFindings Chosen_Findings(const TCommandLine& line, const TExportInput& input)
+{
+    const TFindings all = FindingsOptions::Load(line, input.document);
+    TFindings chosen{all.headings, {}};
+    for (const TExportPage& page : input.pages)
+        chosen.pages.push_back(all.pages[static_cast<std::size_t>(page.number) - 1]);
+    return chosen;
+}
+
+} // namespace
+
+void Commands::Export_Pdf(TCommandLine* line)
+{
+    Add_Options(line);
+    if (!line->Parse())
+        return;
+
+    Check_Options(*line);
+    Report_Options(*line, TAppearance()); // throws for invalid values
+    FindingsOptions::Check(*line, Report_Path(*line, line->Arguments().first()));
+    TExportJob job(*line);
+    if (line->Is_Set(CommonOptions::Folder))
+        Files::Check_Folder(line->Text(CommonOptions::Folder));
+    job.Run([&](TExportInput* input) {
+        const QString path = Report_Path(*line, input->path);
+        job.Add_File(path, {{QStringLiteral("document"), input->path},
+                            {QStringLiteral("pages"), static_cast<int>(input->pages.size())}});
+        const TFindings findings = Chosen_Findings(*line, *input);
+        TTerminalProgress progress(Tr("Exporting page %1 of %2"));
+        const TPageView view(&input->document, progress.Steps(), job.Has_Halo());
+        const TPageExporter::TOutcome outcome = view.Exporter().Export_Pdf(
+            path, input->Page_Ids(), Report_Options(*line, input->document.appearance),
+            Report_Extras(*line, findings));
+        if (outcome != TPageExporter::TOutcome::Complete)
+            Files::Throw_Write_Error(path);
+    });
+}
