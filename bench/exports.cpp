@@ -4,6 +4,7 @@
 #include "bench/measure.h"
 #include "core/safefile.h"
 #include "src/displaywidget.h"
+#include "src/export/fastpng.h"
 #include "src/format/document.h"
 #include "src/format/projectfile.h"
 #include "src/pagewidget.h"
@@ -12,6 +13,7 @@
 #include "src/quillet.h"
 #include "src/webpage/webpage.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QGraphicsPixmapItem>
@@ -117,6 +119,48 @@ void save_pictures(benchmark::State& state)
         });
 }
 BENCH_SLOW(save_pictures);
+
+/// Encodes the picture of one page in memory.
+template <typename TEncode>
+void Measure_Encoding(benchmark::State* state, TGrain grain, const TEncode& encode)
+{
+    const QImage file(Bench::Page_File(0, grain, QStringLiteral("png")));
+    const QImage page = file.convertToFormat(QImage::Format_RGB32);
+    Bench::Measure(
+        state, [] {}, [&] { Require(!encode(page).isEmpty()); });
+}
+
+QByteArray Encode_By_Default(const QImage& picture)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    picture.save(&buffer, "png");
+    return buffer.data();
+}
+
+void encode_fast_scan(benchmark::State& state)
+{
+    Measure_Encoding(&state, TGrain::Noisy, FastPng::Encode);
+}
+BENCH_SLOW(encode_fast_scan);
+
+void encode_scan(benchmark::State& state)
+{
+    Measure_Encoding(&state, TGrain::Noisy, Encode_By_Default);
+}
+BENCH_SLOW(encode_scan);
+
+void encode_fast_clean(benchmark::State& state)
+{
+    Measure_Encoding(&state, TGrain::Clean, FastPng::Encode);
+}
+BENCH_SLOW(encode_fast_clean);
+
+void encode_clean(benchmark::State& state)
+{
+    Measure_Encoding(&state, TGrain::Clean, Encode_By_Default);
+}
+BENCH_SLOW(encode_clean);
 
 /// Decodes the pages, which an export of a document just opened has to do as well.
 void decode_pages(benchmark::State& state)
