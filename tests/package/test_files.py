@@ -91,7 +91,7 @@ class TestLicence(unittest.TestCase):
 
     def test_the_copyright_file_names_every_linked_library(self):
         permitted = re.compile(r"libQt5(Core|Gui|Widgets|Xml|PrintSupport)\.so\.5"
-                               r"|libsqlite3\.so\.0|lib(stdc\+\+|gcc_s|c|m)\.so\.\d|ld-linux\S*")
+                               r"|libsqlite3\.so\.0|libpng16\.so\.16|lib(stdc\+\+|gcc_s|c|m)\.so\.\d|ld-linux\S*")
         for program in ("quillet", "quillet-cli"):
             dynamic = installed.run("readelf", "-dW", installed.installed("bin", program))
             libraries = re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic)
