@@ -5,7 +5,7 @@
 #include "src/displaywidget.h"
 #include "src/export/fastpng.h"
 #include "src/export/findingspainter.h"
-#include "src/export/pdffile.h"
+#include "src/export/printedpdf.h"
 
 #include <QBuffer>
 #include <QPainter>
@@ -49,9 +49,9 @@ QByteArray Default_Png(const QPixmap& picture)
 
 bool Finish_Pdf(const QStringList& bookmarks, TSafeFile* target)
 {
-    if (!bookmarks.isEmpty() && !PdfFile::Add_Bookmarks(target->Path_To_Write(), bookmarks))
+    if (!bookmarks.isEmpty() && !PrintedPdf::Add_Bookmarks(target->Path_To_Write(), bookmarks))
         return false;
-    return target->Commit(PdfFile::Is_Complete);
+    return target->Commit(PrintedPdf::Is_Complete);
 }
 
 } // namespace

@@ -5,8 +5,6 @@
 #include "support/support.h"
 #include "support/tool.h"
 
-#include "src/export/pdffile.h"
-
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -2,7 +2,7 @@
 #include "support/support.h"
 #include "support/tool.h"
 
-#include "src/export/pdffile.h"
+#include "src/export/printedpdf.h"
 #include "src/paint/labelpainter.h"
 
 #include <QPainter>
@@ -210,7 +210,7 @@ private slots:
     {
         Write_Project(Page("a", Picture(20, 10)), 1);
         QCOMPARE(Run({"export-pdf", "a.quillet", "--output", "out/r.pdf"}).status, 0);
-        QVERIFY(PdfFile::Is_Complete(Path("out/r.pdf")));
+        QVERIFY(PrintedPdf::Is_Complete(Path("out/r.pdf")));
         QCOMPARE(Support::Entries(Path("out")), QStringList{"r.pdf"});
     }
 

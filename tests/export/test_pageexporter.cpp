@@ -4,7 +4,7 @@
 
 #include "src/displaywidget.h"
 #include "src/export/pageexporter.h"
-#include "src/export/pdffile.h"
+#include "src/export/printedpdf.h"
 #include "src/format/document.h"
 
 #include <QTemporaryDir>
@@ -120,7 +120,7 @@ private slots:
         QCOMPARE(Exporter().Export_Pdf(Path("missing/r.pdf"), {1}, settings), TOutcome::Not_Begun);
         QCOMPARE(Support::Entries(d_folder->path()), QStringList());
         QCOMPARE(Exporter().Export_Pdf(Path("r.pdf"), {1}, settings), TOutcome::Complete);
-        QVERIFY(PdfFile::Is_Complete(Path("r.pdf")));
+        QVERIFY(PrintedPdf::Is_Complete(Path("r.pdf")));
     }
 
     void an_incomplete_report_leaves_the_old_file()

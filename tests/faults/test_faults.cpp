@@ -12,7 +12,7 @@
 #include "support/window.h"
 #include "support/worklogs.h"
 
-#include "src/export/pdffile.h"
+#include "src/export/printedpdf.h"
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
 
@@ -164,7 +164,7 @@ void TestFaults::init()
     QVERIFY(window.Export_PDF(In("report.pdf"), window.d_page_widget->Page_Ids(), {0, 1, "", ""}));
     d_first_version = Support::Read_File(Document());
     d_old_report = Support::Read_File(In("report.pdf"));
-    QVERIFY(PdfFile::Is_Complete(In("report.pdf")));
+    QVERIFY(PrintedPdf::Is_Complete(In("report.pdf")));
 }
 
 void TestFaults::cleanup()
@@ -258,7 +258,7 @@ QString TestFaults::Loss(const QString& operation) const
         return QString("%1 labels are left").arg(Best_Copy());
     for (const QString& name : QDir(In("out")).entryList(QDir::Files)) {
         const QString path = In("out/" + name);
-        if (name.endsWith(".pdf") && !PdfFile::Is_Complete(path))
+        if (name.endsWith(".pdf") && !PrintedPdf::Is_Complete(path))
             return name + " is incomplete";
         if (name.endsWith(".png") && QImage(path).isNull())
             return name + " is incomplete";

@@ -7,7 +7,7 @@
 #include "support/worklogs.h"
 
 #include "src/displaywidget.h"
-#include "src/export/pdffile.h"
+#include "src/export/printedpdf.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
@@ -910,7 +910,7 @@ void TestSafety::an_export_leaves_no_unfinished_files()
     const QList<int> pages = d_window->d_page_widget->Page_Ids();
     QVERIFY(d_window->Export_PDF(In("out/a.pdf"), pages, {0, 1, QString(), QString()}));
     QCOMPARE(Entries(In("out")), QStringList{"a.pdf"});
-    QVERIFY(PdfFile::Is_Complete(In("out/a.pdf")));
+    QVERIFY(PrintedPdf::Is_Complete(In("out/a.pdf")));
     QVERIFY(d_window->Export_Images(In("out"), pages));
     QCOMPARE(Entries(In("out")).size(), 2);
 }

@@ -1,4 +1,4 @@
-#include "src/export/pdffile.h"
+#include "src/export/printedpdf.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -156,13 +156,13 @@ QByteArray Neighbour(const char* key, int object, bool exists)
 
 } // namespace
 
-bool PdfFile::Is_Complete(const QString& path)
+bool PrintedPdf::Is_Complete(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) && Table_Offset(&file);
 }
 
-bool PdfFile::Add_Bookmarks(const QString& path, const QStringList& titles)
+bool PrintedPdf::Add_Bookmarks(const QString& path, const QStringList& titles)
 {
     QFile file(path);
     const auto table_offset = file.open(QIODevice::ReadWrite) ? Table_Offset(&file) : std::nullopt;

@@ -4,7 +4,7 @@
 #include <QStringList>
 
 /// PDF files as QPrinter writes them.
-namespace PdfFile {
+namespace PrintedPdf {
 
 /// Whether a file ends with its end marker and its cross-reference table is at the given offset.
 /// Detects truncated files.
@@ -15,4 +15,4 @@ bool Is_Complete(const QString& path);
 /// @param titles  one for each of the first pages.
 bool Add_Bookmarks(const QString& path, const QStringList& titles);
 
-} // namespace PdfFile
+} // namespace PrintedPdf

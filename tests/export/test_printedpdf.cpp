@@ -1,4 +1,4 @@
-#include "src/export/pdffile.h"
+#include "src/export/printedpdf.h"
 
 #include "support/support.h"
 
@@ -38,7 +38,7 @@ QStringList Bookmarks(const QString& path)
 } // namespace
 
 /// PDF files of Qt's printer.
-class TestPdfFile : public QObject
+class TestPrintedPdf : public QObject
 {
     Q_OBJECT
 
@@ -86,7 +86,7 @@ private slots:
     {
         QFETCH(QByteArray, content);
         Support::Write_File(d_path, content);
-        QTEST(PdfFile::Is_Complete(d_path), "complete");
+        QTEST(PrintedPdf::Is_Complete(d_path), "complete");
     }
 
     void each_bookmark_leads_to_its_page_data()
@@ -102,9 +102,9 @@ private slots:
         QFETCH(const QStringList, titles);
         Print(3);
         const QByteArray before = Support::Read_File(d_path);
-        QVERIFY(PdfFile::Add_Bookmarks(d_path, titles));
+        QVERIFY(PrintedPdf::Add_Bookmarks(d_path, titles));
         QVERIFY(Support::Read_File(d_path).startsWith(before));
-        QVERIFY(PdfFile::Is_Complete(d_path));
+        QVERIFY(PrintedPdf::Is_Complete(d_path));
         QVERIFY(!Output_Of("qpdf", {"--check", d_path}).isEmpty());
         QStringList expected;
         for (const QString& title : titles)
@@ -120,7 +120,7 @@ private slots:
         QStringList titles;
         for (int number = 1; number <= count; ++number)
             titles += QStringLiteral("Page %1").arg(number);
-        QVERIFY(PdfFile::Add_Bookmarks(d_path, titles));
+        QVERIFY(PrintedPdf::Add_Bookmarks(d_path, titles));
         const QStringList bookmarks = Bookmarks(d_path);
         QCOMPARE(bookmarks.size(), count);
         QCOMPARE(bookmarks.last(), QStringLiteral("Page 700: 700"));
@@ -130,7 +130,7 @@ private slots:
     {
         Print(2);
         const QByteArray before = Support::Read_File(d_path);
-        QVERIFY(!PdfFile::Add_Bookmarks(d_path, {"a", "b", "c"}));
+        QVERIFY(!PrintedPdf::Add_Bookmarks(d_path, {"a", "b", "c"}));
         QCOMPARE(Support::Read_File(d_path), before);
     }
 
@@ -148,10 +148,10 @@ private slots:
     {
         QFETCH(const QByteArray, content);
         Support::Write_File(d_path, content);
-        QVERIFY(!PdfFile::Add_Bookmarks(d_path, {"a"}));
+        QVERIFY(!PrintedPdf::Add_Bookmarks(d_path, {"a"}));
         QCOMPARE(Support::Read_File(d_path), content);
     }
 };
 
-QTEST_MAIN(TestPdfFile)
-#include "test_pdffile.moc"
+QTEST_MAIN(TestPrintedPdf)
+#include "test_printedpdf.moc"
