@@ -159,14 +159,14 @@ void TQuillet::Show_File_Error(const QString& text, const QString& informative_t
                  QMessageBox::Critical);
 }
 
-/// Shows a long operation in the left part of the status bar for as long as the returned object
-/// lives.
 /// Shows a line in the status bar for some seconds.
 void TQuillet::Show_Status(const QString& text)
 {
     statusBar()->showMessage(text, Message_Milliseconds);
 }
 
+/// Shows a long operation in the left part of the status bar for as long as the returned object
+/// lives.
 TProgress TQuillet::New_Progress(const QString& pattern) const
 {
     constexpr int margin = 2; // pixels

@@ -115,7 +115,7 @@ void TSafetyNet::Store_References()
 {
     constexpr qint64 duration = 5; // milliseconds
     const qint64 begin = d_clock.elapsed();
-    if (begin < d_store_time || d_base.Is_Protected())
+    if (begin < d_store_time || d_base.Is_Protected() || !d_log.Has_References())
         return;
     const TData& data = *d_read_state().data;
     while (d_clock.elapsed() - begin < duration && d_log.Has_References() &&

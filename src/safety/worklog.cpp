@@ -47,10 +47,7 @@ bool TWorkLog::Update(const TWorkState& state, TBaseFile* base, const QString& d
     // Save As may have changed the document's path.
     if (document != d_document && d_note.Write(document))
         d_document = document;
-    const bool is_written = d_writer->Update(state, *base, document);
-    if (!Exists())
-        Discard();
-    return is_written;
+    return d_writer->Update(state, *base, document);
 }
 
 bool TWorkLog::Store_Reference(const TData& data)

@@ -50,6 +50,7 @@ private slots:
     void a_full_disk_leaves_the_log();
     void damage_neither_crashes_nor_deletes_data();
     void damage_neither_crashes_nor_deletes();
+    void a_damaged_log_is_not_converted_even_if_it_is_readable();
     void a_damaged_log_is_read_as_far_as_possible();
 
 private:
@@ -316,11 +317,7 @@ void TestLogConversion::damage_neither_crashes_nor_deletes_data()
 void TestLogConversion::damage_neither_crashes_nor_deletes()
 {
     QFETCH(const QString, suffix);
-    {
-        // Half of the rows are in the database.
-        TWorkLog log(Folder());
-        QVERIFY(log.Update(State_Of(*d_document), &d_base, "/a.quillet"));
-    }
+    QVERIFY(Leave_Log());
     if (suffix.isEmpty()) {
         TDatabase database;
         QVERIFY(database.Open(Log_Path()) && database.Checkpoint());
@@ -337,13 +334,31 @@ void TestLogConversion::damage_neither_crashes_nor_deletes()
         Support::Write_File(Folder() + '/' + name + ".log-wal", suffix.isEmpty() ? tail : damaged);
         const QStringList problems = Convert();
         const QString copy = Folder() + '/' + name + ".quillet";
-        if (problems.isEmpty() && suffix.isEmpty())
+        if (problems.isEmpty())
             QVERIFY2(ProjectFile::Is_Whole(copy), qPrintable(QString::number(offset)));
-        else if (!problems.isEmpty())
+        else
             QVERIFY2(!QFile::exists(copy) && !Files("*.log").isEmpty(),
                      qPrintable(QString::number(offset)));
         QFile::remove(copy);
     }
+}
+
+void TestLogConversion::a_damaged_log_is_not_converted_even_if_it_is_readable()
+{
+    QVERIFY(Leave_Log());
+    {
+        TDatabase database;
+        QVERIFY(database.Open(Log_Path()) && database.Checkpoint());
+    }
+    // The number of unused pages, of which there are none.
+    constexpr int offset = 36;
+    QByteArray bytes = Read_File(Log_Path());
+    QCOMPARE(bytes.mid(offset, 4), QByteArray(4, '\0'));
+    bytes[offset + 3] = 1;
+    Support::Write_File(Log_Path(), bytes);
+    QCOMPARE(Convert().size(), 1);
+    QCOMPARE(Files("*.quillet"), QStringList());
+    QCOMPARE(Files("*.log").size(), 1);
 }
 
 void TestLogConversion::a_damaged_log_is_read_as_far_as_possible()
