@@ -215,25 +215,33 @@ bool TLogWriter::Write_Labels(const TPageItem& page, TPage* logged)
 {
     auto next = page.data_items.cbegin();
     const auto end = page.data_items.cend();
-    for (const TDataItem& item : std::as_const(logged->items)) {
+    // Copying all labels of a large page takes longer than writing one.
+    bool must_copy_all = false;
+    for (TDataItem& item : logged->items) {
         if (next == end || next->id != item.id) {
             // If it only moved, it is added again at its new place.
             if (!Run(&d_statements->remove_label, page.page_id, item.id))
                 return false;
+            must_copy_all = true;
             continue;
         }
-        if (!Has_Same_Content(*next, item) &&
-            !Run(&d_statements->change_label, next->value, next->text, next->border_type,
-                 next->position.x(), next->position.y(), page.page_id, next->id))
-            return false;
+        if (!Has_Same_Content(*next, item)) {
+            if (!Run(&d_statements->change_label, next->value, next->text, next->border_type,
+                     next->position.x(), next->position.y(), page.page_id, next->id))
+                return false;
+            item = *next;
+        }
         ++next;
     }
     for (; next != end; ++next) {
         if (!Run(&d_statements->add_label, page.page_id, next->id, logged->next_rank++, next->value,
                  next->text, next->border_type, next->position.x(), next->position.y()))
             return false;
+        if (!must_copy_all)
+            logged->items.push_back(*next);
     }
-    logged->items = page.data_items;
+    if (must_copy_all)
+        logged->items = page.data_items;
     return true;
 }
 
