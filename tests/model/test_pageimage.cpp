@@ -768,6 +768,17 @@ private slots:
         }
     }
 
+    void the_frames_of_an_animation_are_one_picture()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("animation.gif"));
+        const QByteArray frame = QByteArray::fromHex("2c0000000001000100000202440100");
+        Support::Write_File(path, QByteArray::fromHex("47494638396101000100800000000000ffffff") +
+                                      frame + frame + QByteArray::fromHex("3b"));
+        QCOMPARE(QImageReader(path).imageCount(), 2);
+        QCOMPARE(TPageImage::Picture_Count(path), 1);
+    }
+
     void the_store_is_bounded_and_drops_the_least_recently_used()
     {
         QVector<TPageImage> images;

@@ -57,7 +57,10 @@ class TestDesktopEntry(unittest.TestCase):
         with tempfile.TemporaryDirectory() as share:
             folder = shutil.copytree(os.path.dirname(self.path), os.path.join(share, "applications"))
             run("update-desktop-database", folder)
-            text = run_with({"XDG_DATA_DIRS": share}, "gio", "mime", "application/x-quillet")
+            # gio ignores an entry whose program it cannot find.
+            environment = {"XDG_DATA_DIRS": share,
+                           "PATH": installed.installed("bin") + ":" + os.environ["PATH"]}
+            text = run_with(environment, "gio", "mime", "application/x-quillet")
             self.assertIn(f"Default application for \u201capplication/x-quillet\u201d: {ID}.desktop",
                           text)
 

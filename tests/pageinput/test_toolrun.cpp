@@ -8,6 +8,8 @@
 
 #include <csignal>
 
+#include <sys/resource.h>
+
 namespace {
 
 ToolRun::TResult Run_Script(const QString& script, int time_limit = ToolRun::Time_Limit)
@@ -55,7 +57,14 @@ private slots:
 
     void no_core_files_are_written()
     {
+        rlimit limit = {};
+        QCOMPARE(getrlimit(RLIMIT_CORE, &limit), 0);
+        const rlim_t before = limit.rlim_cur;
+        limit.rlim_cur = limit.rlim_max;
+        QCOMPARE(setrlimit(RLIMIT_CORE, &limit), 0);
         QCOMPARE(Run_Script("ulimit -c").output, QByteArray("0\n"));
+        limit.rlim_cur = before;
+        setrlimit(RLIMIT_CORE, &limit);
     }
 
     void the_time_is_limited()
