@@ -163,6 +163,7 @@ private:
     void Connect_Signals();
     void Add_Gestures();
     void Add_Page_List_Menu();
+    void Add_Item_List_Menu();
 
     // Settings.
     QRect Saved_Geometry() const;
@@ -234,12 +235,14 @@ private:
     void Add_Label(const QPointF* point);
     std::optional<int> Add_Label_To_View(int value, int border);
     void Nudge_Labels(const QPointF& step);
+    void Move_Onto_Page();
     void Select_In_Data(const std::vector<int>& ids);
     int Renumber_Active_Page(int first_value, bool selected_only);
 
     // Exports.
     template <typename TExport>
     auto Export(const TExport& run);
+    QString Stray_Text(const QList<int>& page_ids) const;
 
     // Project files.
     bool Fail(const QString& reason);

@@ -6,10 +6,12 @@
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/model/numbering.h"
+#include "src/model/pageedge.h"
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
 #include "src/undo/undohistory.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 
@@ -142,6 +144,35 @@ void TQuillet::Update_Item_Position(int id, const QPointF& position)
         d_data.Change_Item_Position(id, position);
     }
     Mark_Changed();
+}
+
+/// Moves those of the selected labels that are outside of the page to its edge.
+void TQuillet::Move_Onto_Page()
+{
+    if (!d_data.Page_Image_Valid())
+        return;
+    const QSize page = d_data.Page_Content().size();
+    std::vector<int> ids = d_label_widget->Selected_Items();
+    const auto is_on_page = [&](int id) {
+        return PageEdge::Distance_Outside(d_display_widget->Item_Position(id), page) == 0.0;
+    };
+    ids.erase(std::remove_if(ids.begin(), ids.end(), is_on_page), ids.end());
+    if (ids.empty()) {
+        Show_Status(tr("No selected label is outside the page"));
+        return;
+    }
+    Finish_Step();
+    const int label_size = Label_Look().size;
+    {
+        const TStepScope scope =
+            Record_Step(TStepKind::Nudge_Labels, 0, static_cast<int>(ids.size()));
+        for (const int id : ids)
+            d_display_widget->Move_Item(
+                id,
+                PageEdge::Nearest_Inside(d_display_widget->Item_Position(id), page, label_size));
+    }
+    Finish_Step();
+    d_display_widget->Update_Scene_Rect();
 }
 
 void TQuillet::Edit_Reindex()

@@ -5,6 +5,7 @@
 #include "src/displaywidget.h"
 #include "src/export/exportnames.h"
 #include "src/export/pageexporter.h"
+#include "src/model/pageedge.h"
 #include "src/pagewidget.h"
 #include "src/reportheaderdialog.h"
 #include "src/settingswidget.h"
@@ -13,7 +14,10 @@
 #include <QDateTime>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLocale>
 #include <QScopedValueRollback>
+
+#include <cmath>
 
 namespace {
 
@@ -40,6 +44,32 @@ auto TQuillet::Export(const TExport& run)
     return run(TPageExporter(&d_data, d_display_widget, progress.Steps()));
 }
 
+/// Names a label that is outside of its page, as a further sentence; empty if there is none. Such a
+/// label enlarges the exported picture.
+QString TQuillet::Stray_Text(const QList<int>& page_ids) const
+{
+    QString text;
+    int others = 0;
+    for (const int page_id : page_ids) {
+        const int index = d_data.Page_Index(page_id);
+        if (index < 0)
+            continue;
+        const TPageItem& page = d_data.Pages()[static_cast<std::size_t>(index)];
+        for (const TDataItem& item : page.data_items) {
+            const double distance = PageEdge::Distance_Outside(item.position, page.image.size());
+            if (page.image.isNull() || distance == 0.0)
+                continue;
+            if (!text.isEmpty())
+                ++others;
+            else
+                text = tr(". %1: label %2 is %3 pixels outside the page")
+                           .arg(d_page_widget->Page_Name(page_id), QString::number(item.value),
+                                QLocale().toString(std::ceil(distance), 'f', 0));
+        }
+    }
+    return others == 0 ? text : text + tr(", and %1 more").arg(others);
+}
+
 void TQuillet::File_Export_Images()
 {
     Commit_Editors();
@@ -64,7 +94,8 @@ bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
         });
     });
     if (exported)
-        Show_Status(Exported_Text(page_ids.size(), QDir(folder).dirName() + QLatin1Char('/')));
+        Show_Status(Exported_Text(page_ids.size(), QDir(folder).dirName() + QLatin1Char('/')) +
+                    Stray_Text(page_ids));
     else if (!path.isEmpty())
         Show_Status(Unwritable_Text(path));
     return exported;
@@ -96,7 +127,7 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
     const TOutcome outcome = Export(
         [&](const TPageExporter& exporter) { return exporter.Export_Pdf(file, pages, settings); });
     if (outcome == TOutcome::Complete)
-        Show_Status(Exported_Text(pages.size(), QFileInfo(file).fileName()));
+        Show_Status(Exported_Text(pages.size(), QFileInfo(file).fileName()) + Stray_Text(pages));
     else if (!pages.isEmpty())
         Show_Status(Unwritable_Text(file));
     // An incomplete report is discarded without a question or a message box.

@@ -25,6 +25,7 @@ void TQuillet::Add_Gestures()
     new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
     new TImageDrop(this, [this](const QStringList& paths) { Insert_Dropped_Files(paths); });
     Add_Page_List_Menu();
+    Add_Item_List_Menu();
 }
 
 /// Gives the page list a context menu.
@@ -41,6 +42,15 @@ void TQuillet::Add_Page_List_Menu()
     d_action_export_web_page = add(tr("Export web page ..."), &TQuillet::Export_Web_Page);
     d_action_export_web_page->setEnabled(false);
     d_page_widget->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+/// Gives the item list a context menu.
+void TQuillet::Add_Item_List_Menu()
+{
+    auto* const action = new QAction(tr("Move onto the page"), d_label_widget);
+    connect(action, &QAction::triggered, this, [this] { Move_Onto_Page(); });
+    d_label_widget->addAction(action);
+    d_label_widget->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 /// Moves the selected labels.
