@@ -83,13 +83,13 @@ QRgb With_Grain(QRgb pixel, TRandom* random, int amplitude)
     return qRgb(shifted(qRed(pixel)), shifted(qGreen(pixel)), shifted(qBlue(pixel)));
 }
 
-/// @param share  on average, one pixel out of this many changes.
-void Draw_Grain(QImage* page, TRandom* random, int amplitude, int share)
+/// @param interval  one pixel in `interval` changes, on average.
+void Draw_Grain(QImage* page, TRandom* random, int amplitude, int interval)
 {
     for (int y = 0; y < page->height(); ++y) {
         auto* line = reinterpret_cast<QRgb*>(page->scanLine(y));
         for (int x = 0; x < page->width(); ++x) {
-            if (share == 1 || Pick(random, 1, share) == 1)
+            if (interval == 1 || Pick(random, 1, interval) == 1)
                 line[x] = With_Grain(line[x], random, amplitude);
         }
     }

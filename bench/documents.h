@@ -6,10 +6,10 @@
 #include <QString>
 
 /// Generates the documents for the benchmarks: the same bytes on every machine and in every run.
-/// Page images take long to generate and are cached in the build folder.
+/// Page images are slow to generate, so they are cached in the build folder.
 namespace Bench {
 
-/// How well a page can be compressed.
+/// How well a page compresses.
 enum class TGrain {
     Noisy, ///< a raw colour scan: every pixel differs from its neighbours
     Clean, ///< a colour scan after noise reduction, some megabytes as PNG
@@ -25,7 +25,7 @@ constexpr int Page_Height = 3508;
 /// @param number  from 0; every page has different strokes and grain.
 QImage Scan_Page(int number, TGrain grain);
 
-/// Returns the path of a page as an image file, which is generated if it does not exist.
+/// Returns the path of a page as an image file. Generates the file if it does not exist.
 /// @param format  "png", or "jpg" at quality 90.
 QString Page_File(int number, TGrain grain, const QString& format);
 

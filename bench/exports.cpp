@@ -81,7 +81,7 @@ void For_Each_Picture(const TUse& use)
     }
 }
 
-/// Measures an export of the document, just opened, into an empty folder.
+/// Measures the export of a newly opened document into an empty folder.
 /// @param run  returns whether it succeeded.
 template <typename TExport>
 void Measure_Export(benchmark::State* state, const TExport& run)
@@ -162,7 +162,7 @@ void encode_clean(benchmark::State& state)
 }
 BENCH_SLOW(encode_clean);
 
-/// Decodes the pages, which an export of a document just opened has to do as well.
+/// Decodes the pages, which the export of a newly opened document also requires.
 void decode_pages(benchmark::State& state)
 {
     Bench::Measure(

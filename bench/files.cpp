@@ -32,8 +32,8 @@ QString Jpeg(int number)
     return Bench::Page_File(number, TGrain::Noisy, QStringLiteral("jpg"));
 }
 
-/// Returns a path without a file, so that saving makes no backup. The cost of backups is measured
-/// in safety.cpp.
+/// Returns the path of a file that does not exist, so that saving makes no backup. The cost of
+/// backups is measured in safety.cpp.
 QString Fresh_Path()
 {
     const QString path = Bench::Output_Path(QStringLiteral("written.quillet"));

@@ -26,7 +26,7 @@ namespace {
 
 using Bench::TGrain;
 
-/// Number of labels on each page. The first page is shown before the page to be measured.
+/// Number of labels on each page. The first page is the one shown before each measurement.
 const QList<int> label_counts = {10, 10, 1000, 10000, 20000};
 
 /// A window that shows a document, with shortcuts to its panels.
@@ -44,9 +44,9 @@ struct TOpenWindow
         Bench::Paint_Changes();
     }
 
-    void Show_Page(int place)
+    void Show_Page(int index)
     {
-        pages->Set_Active_Page(page_ids[place]);
+        pages->Set_Active_Page(page_ids[index]);
         Bench::Paint_Changes();
     }
 
@@ -60,12 +60,12 @@ struct TOpenWindow
 TOpenWindow& Labelled_Pages()
 {
     static auto* const open = [] {
-        // Lives until the process ends: all cases share it.
+        // All cases share it, so it lives until the process ends.
         auto* const made = new TOpenWindow(QStringLiteral("labels.quillet"),
                                            Bench::TShape{label_counts, TGrain::Clean, 1});
         // Show every page once, so that its image is decoded.
-        for (int place = 0; place < label_counts.size(); ++place)
-            made->Show_Page(place);
+        for (int index = 0; index < label_counts.size(); ++index)
+            made->Show_Page(index);
         return made;
     }();
     return *open;
@@ -74,9 +74,9 @@ TOpenWindow& Labelled_Pages()
 void show_page(benchmark::State& state)
 {
     TOpenWindow& open = Labelled_Pages();
-    const int place = label_counts.lastIndexOf(static_cast<int>(state.range(0)));
+    const int index = label_counts.lastIndexOf(static_cast<int>(state.range(0)));
     Bench::Measure(
-        &state, [&] { open.Show_Page(0); }, [&] { open.Show_Page(place); });
+        &state, [&] { open.Show_Page(0); }, [&] { open.Show_Page(index); });
 }
 BENCH_QUICK(show_page, 5)->Arg(10)->Arg(1000)->Arg(10000)->Arg(20000);
 
@@ -133,20 +133,20 @@ void show_bare(benchmark::State& state)
 }
 BENCH_QUICK(show_bare, 5)->Arg(10000);
 
-void Send_Mouse(TDisplayWidget* view, QEvent::Type type, const QPoint& place)
+void Send_Mouse(TDisplayWidget* view, QEvent::Type type, const QPoint& point)
 {
     const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
     const Qt::MouseButtons buttons =
         type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, place, view->viewport()->mapToGlobal(place), button, buttons,
+    QMouseEvent event(type, point, view->viewport()->mapToGlobal(point), button, buttons,
                       Qt::NoModifier);
     QApplication::sendEvent(view->viewport(), &event);
 }
 
-void Click(TDisplayWidget* view, const QPoint& place)
+void Click(TDisplayWidget* view, const QPoint& point)
 {
-    Send_Mouse(view, QEvent::MouseButtonPress, place);
-    Send_Mouse(view, QEvent::MouseButtonRelease, place);
+    Send_Mouse(view, QEvent::MouseButtonPress, point);
+    Send_Mouse(view, QEvent::MouseButtonRelease, point);
     Bench::Paint_Changes();
 }
 
@@ -285,7 +285,8 @@ void undo_renumbering(benchmark::State& state)
     QShortcut* const undo = *std::find_if(shortcuts.cbegin(), shortcuts.cend(), is_undo);
     Bench::TStopwatch unused;
     // After an undo, the next first value may be the one that the labels already have, and
-    // renumbering would record no step. The second call always records one.
+    // The first value alternates, so after an undo it may equal the current one. Then the first
+    // call records no step, but the second one does.
     const auto renumber = [&open, &unused] {
         Renumber(&open, &unused);
         Renumber(&open, &unused);

@@ -1,4 +1,4 @@
-// Entry point of the benchmark programs. Sets up the application like the program, with an empty
+// Entry point of the benchmark programs. Sets up the application as Quillet does, with an empty
 // home folder.
 
 #include "bench/documents.h"

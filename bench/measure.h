@@ -40,8 +40,8 @@ private:
     std::chrono::steady_clock::time_point d_begin = std::chrono::steady_clock::now();
 };
 
-/// Measures work, without its preparation, once for each iteration.
-/// @param work  gets the stopwatch and may restart it after further preparation.
+/// Measures `work`, but not `prepare`, in each iteration.
+/// @param work  receives the stopwatch. Restarts it if it needs further preparation.
 template <typename TPrepare, typename TWork>
 void Measure_From(benchmark::State* state, const TPrepare& prepare, const TWork& work)
 {
@@ -59,7 +59,7 @@ void Measure_From(benchmark::State* state, const TPrepare& prepare, const TWork&
         benchmark::Counter(cpu_seconds * milliseconds, benchmark::Counter::kAvgIterations);
 }
 
-/// Measures work from its beginning.
+/// The same for work that needs no further preparation.
 template <typename TPrepare, typename TWork>
 void Measure(benchmark::State* state, const TPrepare& prepare, const TWork& work)
 {

@@ -2,7 +2,7 @@
 // through it.
 //
 // Usage: bench_memory window | paging
-// Prints figures as JSON, in bytes.
+// Prints the figures as JSON, in bytes.
 
 #include "bench/documents.h"
 #include "bench/measure.h"
@@ -21,7 +21,7 @@ namespace {
 
 constexpr int pages = 500;
 
-/// Writes the document in a child process, whose memory does not count. Returns its path.
+/// Writes the document in a child process, whose memory is not measured. Returns its path.
 QString Document()
 {
     const QString path = Bench::Output_Path(QStringLiteral("paging.quillet"));

@@ -69,7 +69,8 @@ std::unique_ptr<TOpenWindow> New_Window(bool with_net, int pages = 10)
     return window;
 }
 
-/// Measures saving over an existing file that is on the disk, as half a minute after the last save.
+/// Measures saving over an existing file that is already on the disk, as is usual half a minute
+/// after a save.
 void Measure_Save(benchmark::State* state, bool with_net)
 {
     const QString path = Bench::Output_Path(QStringLiteral("saved.quillet"));

@@ -38,9 +38,9 @@ void Read_Document(const QByteArray& file, const TProjectSurvey& survey)
     const TDocument document(ProjectFile::Read(file));
     if (document.pages.size() != survey.pages.size())
         std::abort();
-    for (std::size_t place = 0; place < survey.pages.size(); ++place) {
-        if (document.Content(document.pages[place]).data_items.size() !=
-            survey.pages[place].items.size())
+    for (std::size_t index = 0; index < survey.pages.size(); ++index) {
+        if (document.Content(document.pages[index]).data_items.size() !=
+            survey.pages[index].items.size())
             std::abort();
     }
 }
