@@ -58,7 +58,7 @@ QStringList Images_In(const QString& folder)
     return paths;
 }
 
-/// Replaces each folder by the images in it.
+/// Replaces each folder with the images in it.
 QStringList Expand_Folders(const QStringList& arguments)
 {
     QStringList paths;

@@ -37,7 +37,7 @@ std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& 
     return labels;
 }
 
-/// Replaces line breaks by blanks: a label has one line.
+/// Replaces line breaks with blanks: a label has one line.
 QString In_One_Line(QString text)
 {
     static const QRegularExpression line_break(QStringLiteral("\\r\\n|\\r|\\n"));
@@ -102,9 +102,9 @@ void Commands::Import_Items(TCommandLine* line)
     Files::Check_Is_No_Input(output, {table});
     TDocument document = Files::Load(line->Argument());
     const auto labels = Labels_By_Page(Read_Table(table), table, document.pages.size());
-    for (std::size_t place = 0; place < labels.size(); ++place) {
-        document.data.Set_Active_Page(document.pages[place].page_id);
-        Add_Labels(labels[place], &document.data);
+    for (std::size_t index = 0; index < labels.size(); ++index) {
+        document.data.Set_Active_Page(document.pages[index].page_id);
+        Add_Labels(labels[index], &document.data);
     }
     Files::Save(output, document);
 }

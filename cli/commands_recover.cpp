@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Returns the image, or a null image if it cannot be decoded. Its bytes would be a defect of the
-/// new file.
+/// Returns the image, or a null image if it cannot be decoded: undecodable bytes would be a defect
+/// of the new file.
 TPageImage Sound_Image(const TPageImage& image)
 {
     return image.isNull() ? TPageImage() : image;

@@ -29,8 +29,8 @@ void Check_Folder(const QString& path);
 /// @param force  accepts an existing file.
 void Check_Output(const QString& path, bool force);
 
-/// Checks that an output does not overwrite an input. Even --force does not allow that, because
-/// inputs and outputs of the calling commands are of different types.
+/// Checks that an output does not overwrite an input. Even --force does not allow that, because the
+/// inputs and outputs of these commands are different types of files.
 void Check_Is_No_Input(const QString& output, const QStringList& inputs);
 
 /// The settings folder of the window.

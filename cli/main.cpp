@@ -82,7 +82,7 @@ void Print_Help()
                        "invalid usage."));
 }
 
-/// @param command  whose help the user should read; empty for the tool's own help.
+/// @param command  the command whose help the message mentions; empty for the tool's own help.
 TExitStatus Report_Usage_Error(const QString& message, const QString& command)
 {
     Terminal::Print_Error(message);
@@ -152,7 +152,8 @@ void Choose_Platform()
         qunsetenv(setting);
 }
 
-/// Message handler that prints Qt's errors and hides its warnings, which concern the session.
+/// Message handler that prints Qt's errors and hides its warnings, which are about the desktop
+/// session.
 void Print_Qt_Errors(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
@@ -181,7 +182,7 @@ int main(int argument_count, char** raw_arguments)
     qInstallMessageHandler(Print_Qt_Errors);
     TUnfinishedFile::Delete_On_Signals();
     // The resolution of a desktop, and so of the window. It determines font sizes and is stored in
-    // images. Without a display Qt would assume another one.
+    // images. Without a display, Qt would use another resolution.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     QStringList arguments;
     try {

@@ -33,8 +33,8 @@ void Store(unsigned int index, const T& value, QByteArray* array)
 
 } // namespace
 
-// The assertions print their conditions verbatim, and others depend on these texts. So each
-// function contains its own, with unchanged spelling.
+// An assertion prints its condition verbatim, and this text must not change. So each function
+// spells out its own assertions.
 // clang-format off
 
 QByteArray Conversion::Ascii(unsigned int index, const QByteArray& array)

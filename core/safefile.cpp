@@ -92,7 +92,7 @@ bool Copy_Content(const QString& from, const QString& to)
            (source.seek(0) && copy.seek(0) && Copy_Blocks(&source, &copy));
 }
 
-/// The file that a path refers to. Replaces the target of a link, not the link itself.
+/// The file that a path refers to: a link's target, not the link itself.
 QString Target_Of(const QString& path)
 {
     const QFileInfo info(path);
@@ -148,7 +148,7 @@ bool TSafeFile::Commit(const std::function<bool(const QString&)>& is_complete, T
         (reach == TReach::Disk && !Sync(path)) || !Replace_Target(reach))
         return false;
     d_file.reset();
-    // After the rename there is no way back, so a failure to sync the folder is ignored.
+    // The rename cannot be undone, so a failure to sync the folder is ignored.
     if (reach == TReach::Disk)
         Sync(QFileInfo(d_target).path());
     return true;
@@ -172,7 +172,7 @@ bool TSafeFile::Overwrite_Target(TReach reach)
     if (complete.isEmpty())
         return false;
     if (!Copy_Content(complete, d_target) || (reach == TReach::Disk && !Sync(d_target))) {
-        // The tool prints it.
+        // The command-line tool prints critical messages.
         qCritical("'%s' is incomplete; the complete new version is in '%s'",
                   qUtf8Printable(d_target), qUtf8Printable(complete));
         return false;
@@ -227,7 +227,7 @@ bool TSafeFile::Sync(const QString& path)
     const int descriptor = open(System_Path(path).constData(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
-    // Some file systems do not support fsync on folders (EINVAL): there is nothing to wait for.
+    // Some file systems do not support fsync on folders (EINVAL). That is not a failure.
     const bool synced = fsync(descriptor) == 0 || errno == EINVAL;
     return close(descriptor) == 0 && synced;
 }

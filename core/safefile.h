@@ -18,10 +18,11 @@ class QTemporaryFile;
 /// not writable but the target is, the target is written directly.
 ///
 /// A target with several hard links or another owner is overwritten in place, since renaming would
-/// replace it by a different file. If that fails, the complete new file stays beside it as
+/// replace it with a different file. If that fails, the complete new file stays beside it as
 /// TARGET.new, and an error message with its path is logged.
 ///
-/// The temporary file has mode 0600 and is locked. A killed process leaves it behind unlocked.
+/// The temporary file has mode 0600 and is locked. If the process is killed, the file stays, but
+/// unlocked.
 class TSafeFile
 {
 public:

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-/// Reports that a step of a long operation begins. May be empty.
+/// Called when a step of a long operation begins. May be empty.
 /// @param number  of the step, from 1.
 /// @param total   number of all steps.
 using TStepReport = std::function<void(int number, int total)>;

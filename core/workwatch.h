@@ -4,18 +4,18 @@
 
 #include <functional>
 
-/// Calls a function, as long as this object lives, whenever long work makes progress.
+/// Calls a function whenever long work makes progress, for as long as this object lives.
 ///
 /// Reading, decoding or writing one image is a single call to Qt and can take many seconds. During
-/// that call, Qt only reads from a device or writes to it, block by block. A TWatchedDevice
-/// reports each block. GUI thread only.
+/// that call, Qt only reads from a device or writes to it, block by block. A TWatchedDevice reports
+/// each block. GUI thread only.
 class TWorkWatch
 {
 public:
     using TCallback = std::function<void()>;
 
-    /// @param callback  is called during the work, so it must not change the data in use. Until
-    ///                  this object is destroyed, it replaces the callback of an earlier watch.
+    /// @param callback  is called during the work, so it must not change the data in use. Replaces
+    ///                  the callback of an earlier watch until this object is destroyed.
     explicit TWorkWatch(TCallback callback);
     /// Restores the watch that was active before.
     ~TWorkWatch();

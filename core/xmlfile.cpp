@@ -27,10 +27,10 @@ const QLatin1String version_attribute("File_Version");
     throw TXmlFileException(message, TXmlFileException::File_Error);
 }
 
-[[noreturn]] void Throw_Missing_Node(const QString& name, const QString& place)
+[[noreturn]] void Throw_Missing_Node(const QString& name, const QString& parent_name)
 {
     Throw_Data_Error(QStringLiteral("ERR: Node '%1' is missing from node '%2' and not optional.")
-                         .arg(name, place));
+                         .arg(name, parent_name));
 }
 
 QString Child_Text(const QDomNode& node, const QString& name, bool optional)
@@ -77,9 +77,9 @@ QDomNode First_Child(const QDomNode& parent, const QString& parent_name, bool op
     return child;
 }
 
-/// Makes the DOM accept any text as long as this object lives. The DOM's own check rejects every
-/// character beyond 16 bits, and its parser crashes on the null node that results. XmlGuard checks
-/// the texts instead.
+/// Makes the DOM accept any text for as long as this object lives. The DOM's own check rejects
+/// every character beyond 16 bits, and its parser crashes on the null node that results. XmlGuard
+/// checks the texts instead.
 class TAcceptAnyText
 {
 public:
@@ -170,7 +170,7 @@ void TXmlFile::Load(const QByteArray& data, bool namespace_processing, const QSt
             defect = error;
     }
     // The parser's text comes first, then the line and the column, although the pattern suggests
-    // another order. Messages have always looked like this.
+    // another order. Existing messages have this order.
     if (defect)
         Throw_Data_Error(error_pattern.arg(defect->message, QString::number(defect->line),
                                            QString::number(defect->column)));
@@ -306,13 +306,13 @@ void TXmlFile::Write_Lines(QDomElement* node, const QString& text)
         node->appendChild(createCDATASection(text));
         return;
     }
-    // The message about a bad text contains all of it.
+    // Do not split an invalid text: the error message quotes all of it.
     const QStringList lines = is_good ? text.split(QLatin1Char('\n')) : QStringList(text);
     Write_Text_Node(node, lines.first());
-    for (int place = 1; place < lines.size(); ++place) {
+    for (int index = 1; index < lines.size(); ++index) {
         const TAcceptAnyText scope;
         node->appendChild(createEntityReference(QStringLiteral("#10")));
-        Write_Text_Node(node, lines.at(place));
+        Write_Text_Node(node, lines.at(index));
     }
 }
 

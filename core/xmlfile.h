@@ -30,21 +30,21 @@ private:
     TExceptionType d_type;
 };
 
-/// An XML document whose root element names its kind, with the version in the root's attribute
-/// "File_Version".
+/// An XML document. The name of the root element identifies the kind of document, and its attribute
+/// "File_Version" the version.
 ///
 /// Reset and the write operations create a document; Open and Open_Data load one. Reading starts at
 /// d_root_element. Write_File and Write_Data save the document. Elements and nodes are handles of
 /// the DOM; a null handle means that there is no such node.
 ///
-/// The last argument of every reader, optional, decides what happens when the requested piece is
-/// missing: the reader returns an empty string or a null node, or it throws TXmlFileException
-/// (Data_Error). To iterate over elements of one name, call Get_Node and then Get_Sibling_Node,
-/// both optional, until the result is null.
+/// The last argument of every reader, `optional`, decides what happens if the requested item is
+/// missing. If true, the reader returns an empty string or a null node; if false, it throws
+/// TXmlFileException (Data_Error). To iterate over the elements of one name, call Get_Node and then
+/// Get_Sibling_Node with `optional` set until the result is null.
 ///
 /// A null pointer is a programming error and fails an assertion, unless documented otherwise. A
-/// pointer to a null node throws (Data_Error). Get_First_Node and the nameless Get_Sibling_Node
-/// treat a null node as one without children and siblings instead.
+/// pointer to a null node throws (Data_Error), except in Get_First_Node and the Get_Sibling_Node
+/// without a name: there a null node has no children and no siblings.
 class TXmlFile : public QDomDocument
 {
 public:
@@ -61,7 +61,8 @@ public:
     /// Removes all nodes, including the root element.
     void Clear();
 
-    /// Loads d_file_path. Throws File_Error when the file cannot be opened, else like Open_Data.
+    /// Loads d_file_path. Throws File_Error when the file cannot be opened; otherwise like
+    /// Open_Data.
     void Open(const QString& identification, int* version, bool namespace_processing);
     /// Loads a document from memory. Throws Data_Error if it is not well-formed, if it exceeds the
     /// limits of XmlGuard, if the root element's name is not identification (case-sensitive), or if
@@ -96,9 +97,8 @@ public:
     /// @param precision  decimals, in fixed notation.
     void Write_Text_Node(QDomElement* node, const double& value, int precision);
     void Write_Text_Node(QDomElement* node, int value);
-    /// Appends a text like Write_Text_Node, but so that its line breaks stay in a compact document
-    /// and a text of white space alone is not mistaken for a missing one. Of the latter, line
-    /// breaks are still lost.
+    /// Appends a text like Write_Text_Node, but preserves its line breaks in a compact document.
+    /// Also preserves a text that consists of white space only, except for its line breaks.
     void Write_Lines(QDomElement* node, const QString& text);
     /// Sets an attribute; throws for an empty name.
     void Write_Attribute(QDomElement* node, const QString& name, const QString& value);

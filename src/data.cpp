@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Selects in a page those labels that are selected in another version of it.
+/// Selects those labels of a page that are selected in another version of it.
 void Copy_Selection(const TPageItem& from, TPageItem* to)
 {
     QSet<int> selected;
@@ -27,7 +27,7 @@ void Copy_Selection(const TPageItem& from, TPageItem* to)
         item.selected = selected.contains(item.id);
 }
 
-/// Asserts that a page was found, by the condition that all operations on a page assert.
+/// Asserts that a page was found, with the condition that all operations on the active page assert.
 int Checked_Index(int d_active_page_index)
 {
     assert(!(d_active_page_index < 0));
@@ -323,7 +323,8 @@ void TData::Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages)
     Set_Active_Page(active_page);
 }
 
-/// Makes the page at an index active, none for -1. The index of labels belongs to the active page.
+/// Makes the page at an index active, or none if the index is -1. Clears the index of labels, which
+/// is that of the active page.
 void TData::Make_Active(int page_index)
 {
     if (page_index == d_active_page_index)

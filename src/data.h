@@ -21,10 +21,11 @@
 class TData
 {
 public:
-    /// An empty document. Restarts the page ids of all documents at 1, since they share one count.
+    /// Constructs an empty document. Restarts the page ids of all documents at 1, since they share
+    /// one counter.
     TData();
 
-    /// Appends a page without an image and returns its new id. The active page stays.
+    /// Appends a page without an image and returns its new id. Does not change the active page.
     int Add_Page();
     /// Appends a page with an image and returns its new id.
     int Add_Page(const QImage& image);
@@ -78,8 +79,8 @@ public:
     /// labels it erased.
     int Remove_Items(const std::vector<int>& ids);
     bool Change_Item_Value(int id, int value);
-    /// Gives the labels of a page new values, in their order: each gets what `next` returns. The
-    /// page need not be active.
+    /// Assigns new values to the labels of a page, in order: each gets the next result of `next`.
+    /// The page need not be active.
     /// @param selected_only  skip labels that are not selected.
     void Number_Items(int page_id, bool selected_only, const std::function<int()>& next);
     bool Change_Item_Text(int id, const QString& text);
@@ -95,10 +96,11 @@ public:
     using TRecorder = std::function<void(const TPageItem&)>;
     /// Sets the recorder; an empty one stops recording. Selections and Clear are not recorded.
     void Set_Recorder(TRecorder recorder);
-    /// Replaces the document's pages by those with the ids in `order`, in this order. Takes a page
-    /// from `pages` if it is there, otherwise from the document, and skips unknown ids. Afterwards
-    /// `order` and `pages` contain the previous state, so a second call restores it. The active
-    /// page stays active unless it is removed, and labels that both states have stay selected.
+    /// Replaces the document's pages with those whose ids are in `order`, in this order. Takes a
+    /// page from `pages` if it is there, otherwise from the document, and skips unknown ids.
+    /// Afterwards `order` and `pages` contain the previous state, so a second call restores it. The
+    /// active page stays active unless it is removed, and labels that both states have stay
+    /// selected.
     void Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages);
 
 private:

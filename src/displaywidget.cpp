@@ -107,7 +107,7 @@ QGraphicsPixmapItem* TDisplayWidget::Add_Item(int id, int value, const QString& 
     if (Item_Exists(id))
         return nullptr;
     const QPointF corner = Visible_Corner();
-    // Set up before it joins the scene, which would process every change.
+    // Set up the item before adding it: a scene processes every change of its items.
     auto label = std::make_unique<QGraphicsPixmapItem>();
     label->setTransformationMode(Qt::SmoothTransformation);
     label->setPos(corner);
@@ -118,7 +118,7 @@ QGraphicsPixmapItem* TDisplayWidget::Add_Item(int id, int value, const QString& 
     label->setData(Centre_Key, corner + LabelPainter::Centre(Label_Style()));
     label->setData(Border_Key, border_type);
     label->setData(Selected_Key, 0);
-    // Not Render_Item, since reading the data back from the item is slow.
+    // Render_Item would read the data back from the item, which is slow.
     label->setPixmap(Render_Label(value, text, border_type, false));
 
     QGraphicsPixmapItem* item = label.release();

@@ -67,7 +67,7 @@ public:
     /// @param border_type  one of TBorderType.
     /// @return the label's graphics item, which the scene owns, or null when the id is taken.
     QGraphicsPixmapItem* Add_Item(int id, int value, const QString& text, int border_type);
-    /// Adds a label, unselected, at its position, which Update_Item_Position reports.
+    /// Adds an unselected label at its position. Emits Update_Item_Position.
     void Add_Item(const TDataItem& item);
     bool Item_Exists(int id) const;
     /// The centre of a label in scene coordinates; (0, 0) for an unknown id.
@@ -79,13 +79,13 @@ public:
     void Change_Item_Text(int id, const QString& text);
     void Change_Item_Border(int id, int border_type);
     /// Selects only the labels with these ids.
-    /// @param center  whether to scroll to the last added of them. No effect unless d_track_item is
-    ///                set.
+    /// @param center  whether to scroll to the one that was added last. No effect unless
+    ///                d_track_item is set.
     void Set_Selected_Items(const std::vector<int>& ids, bool center);
 
     /// Draws the page at its original size with its labels on white. Updates the scene rectangle,
-    /// so that the picture contains labels beyond the edges of the page image. Null when a label is
-    /// so far away that the picture would have more than 2^30 pixels.
+    /// so that the picture contains labels beyond the edges of the page image. Returns a null
+    /// pixmap if a label is so far away that the picture would have more than 2^30 pixels.
     QPixmap Pixmap();
 
     /// Sets the size of all labels. Their centres do not move.
@@ -101,13 +101,13 @@ public:
     void Set_Label_Halo(bool has_halo);
     /// Draws a label as the view does.
     QPixmap Render_Pixmap(const QString& text, const int& border_type, bool selected) const;
-    /// Draws a label without a text, which shows its value.
+    /// Draws a label that has no text and so shows its value.
     QPixmap Render_Pixmap(int value, const int& border_type, bool selected) const;
 
 signals:
     /// The right button was pressed.
     void Right_Mouse_Click(const QPointF& scene_point);
-    /// The user pressed a label with the left button; id is -1 for a click beside all labels.
+    /// The user pressed a label with the left button; id is -1 for a click outside all labels.
     void Item_Clicked(int id);
     /// A label was moved to this centre, or was clicked without being moved.
     void Update_Item_Position(int id, const QPointF& centre);

@@ -12,11 +12,11 @@
 
 namespace {
 
-/// Least distance by which a drag moves a label, as the sum of both directions in scene units. So a
-/// click with an unsteady hand does not move it.
+/// A drag moves a label only beyond this distance (horizontal plus vertical, in scene units), so
+/// that a click with an unsteady hand does not move it.
 constexpr double drag_threshold = 1.0;
 
-/// Rounds to the nearest integer; rounds halves up, also below zero.
+/// Rounds to the nearest integer, and halves up, even below zero.
 int Round_Half_Up(double number)
 {
     return static_cast<int>(std::floor(number + 0.5));
@@ -26,8 +26,8 @@ int Round_Half_Up(double number)
 
 void TDisplayWidget::mousePressEvent(QMouseEvent* event)
 {
-    // These are the buttons of the previous press: the first press on the page never pans it, so
-    // that a click that clears the selection does not show a hand cursor.
+    // These are the buttons of the previous press: the first press on the page never pans it, so a
+    // click that clears the selection does not show a hand cursor.
     if (d_mouse_buttons & Qt::LeftButton)
         setDragMode(QGraphicsView::ScrollHandDrag);
     QGraphicsView::mousePressEvent(event);
@@ -67,7 +67,7 @@ void TDisplayWidget::mouseReleaseEvent(QMouseEvent* event)
 
 void TDisplayWidget::mouseDoubleClickEvent(QMouseEvent*)
 {
-    // The presses before it have been handled already.
+    // The two single presses have been handled already.
 }
 
 /// The position of a mouse event in the scene, from whole pixels of the viewport.

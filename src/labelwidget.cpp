@@ -75,13 +75,13 @@ void TLabelWidget::Create_Widgets()
     d_list = new TRowList(this);
     Accessibility::Describe(
         d_list, tr("Item List"),
-        tr("The labels of the page. Delete removes the selected ones after a question; Alt with "
+        tr("The labels of the page. Delete removes the selected ones after confirmation; Alt with "
            "the up and down arrow keys moves them in the list."));
     d_add_button = PanelParts::New_Button(
         tr("+"), tr("Add Item"), tr("Adds a label in the corner of the visible part of the page."),
         this);
     d_remove_button = PanelParts::New_Button(
-        tr("-"), tr("Remove Item"), tr("Removes the selected labels after a question."), this);
+        tr("-"), tr("Remove Item"), tr("Removes the selected labels after confirmation."), this);
     d_value_editor = New_Editor(tr("Item Value"), this);
     d_text_editor = New_Editor(tr("Item Text"), this);
     d_border_box = new QComboBox(this);
@@ -130,7 +130,7 @@ void TLabelWidget::Connect_Widgets()
 
 void TLabelWidget::Add_Item(const TDataItem& item)
 {
-    // The row is complete before it joins the list, so that the list updates only once.
+    // Complete the row before adding it, so that the list updates only once.
     auto* const row = new QListWidgetItem;
     row->setText(ItemFormat::Row_Text(d_display_format, item.value, item.text));
     row->setIcon(Border_Icon(item.border_type));
@@ -177,11 +177,11 @@ int TLabelWidget::Border_Type() const
 
 void TLabelWidget::Set_Border_Type(int border_type)
 {
-    const int place = d_border_box->findData(border_type);
-    if (place < 0)
+    const int index = d_border_box->findData(border_type);
+    if (index < 0)
         return;
     const QSignalBlocker blocker(d_border_box);
-    d_border_box->setCurrentIndex(place);
+    d_border_box->setCurrentIndex(index);
 }
 
 void TLabelWidget::Set_Label_Index(int value)
@@ -303,9 +303,9 @@ void TLabelWidget::Update_Row_Text(QListWidgetItem* row) const
 
 const QIcon& TLabelWidget::Border_Icon(int border_type) const
 {
-    for (std::size_t place = 0; place < borders.size(); ++place) {
-        if (borders[place].code == border_type)
-            return d_border_icons[place];
+    for (std::size_t index = 0; index < borders.size(); ++index) {
+        if (borders[index].code == border_type)
+            return d_border_icons[index];
     }
     return d_border_icons.front();
 }

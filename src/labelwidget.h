@@ -56,10 +56,10 @@ public:
     /// Removes all rows.
     void Clear();
 
-    /// Format of the rows' texts; see ItemFormat. Existing rows keep their texts.
+    /// Pattern of the rows' texts; see ItemFormat. A change does not affect existing rows.
     QString d_display_format;
 
-    /// Takes over a text that the user has typed but not finished, as the return key does.
+    /// Commits a text that the user has typed but not finished, as the Return key does.
     void Commit_Text();
 
 Q_SIGNALS:

@@ -13,7 +13,7 @@ int main(int argument_count, char** arguments)
     QApplication application(argument_count, arguments);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillet.png")));
-    // The desktop entry's name, by which a desktop finds the entry of a window.
+    // The name of the desktop entry, by which a desktop matches the window with its entry.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.quillet"));
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 

@@ -3,7 +3,7 @@
 #include <QMessageBox>
 
 /// The message box for all questions and errors. It has a fixed width, no icons on the buttons, a
-/// bold text and a normal informative text.
+/// bold main text and an informative text of normal weight.
 ///
 /// One instance shows all messages. Callers set texts, buttons, default button and icon before each
 /// exec().

@@ -15,7 +15,7 @@ namespace {
 
 const QSize panel_size(280, 250); // pixels
 // Two rows. The list's own minimum would make the window too high for a small screen.
-const int least_list_height = 48; // pixels
+const int minimum_list_height = 48; // pixels
 const int no_page = -1;
 
 } // namespace
@@ -40,8 +40,8 @@ void TPageWidget::Create_Widgets()
     Accessibility::Describe(
         d_list, tr("Page List"),
         tr("The pages of the document; the selected one is shown. Delete removes the selected "
-           "ones after a question; Alt with the up and down arrow keys moves them."));
-    d_list->setMinimumHeight(least_list_height);
+           "ones after confirmation; Alt with the up and down arrow keys moves them."));
+    d_list->setMinimumHeight(minimum_list_height);
     d_name_editor = new QLineEdit(this);
     d_name_editor->setAlignment(Qt::AlignCenter);
     d_name_editor->setToolTip(tr("Page Item Name"));
@@ -51,7 +51,7 @@ void TPageWidget::Create_Widgets()
                                           tr("Adds an empty page at the end of the list."), this);
     d_remove_button = PanelParts::New_Button(
         tr("-"), tr("Remove Page"),
-        tr("Removes the selected pages with all their labels after a question."), this);
+        tr("Removes the selected pages with all their labels after confirmation."), this);
 }
 
 void TPageWidget::Arrange_Widgets()
@@ -116,8 +116,8 @@ QList<int> TPageWidget::Page_Ids() const
 {
     QList<int> page_ids;
     page_ids.reserve(d_list->count());
-    for (int place = 0; place < d_list->count(); ++place)
-        page_ids.append(d_list->item(place)->data(TRowList::Id_Role).toInt());
+    for (int index = 0; index < d_list->count(); ++index)
+        page_ids.append(d_list->item(index)->data(TRowList::Id_Role).toInt());
     return page_ids;
 }
 

@@ -38,7 +38,7 @@ public:
     /// Selects only the rows with these ids and updates the buttons and the name editor. Emits no
     /// signal.
     void Select_Pages(const std::vector<int>& page_ids);
-    /// The model of the list, whose signals report that the user renames or moves rows.
+    /// The model of the list, whose signals report renamed and moved rows.
     const QAbstractItemModel* Rows() const;
     /// Removes all rows.
     void Clear();

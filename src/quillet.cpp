@@ -1,5 +1,5 @@
-// The window as a whole: construction, geometry, closing, questions and messages, zoom, and what
-// follows from the state of the document.
+// The window as a whole: construction, geometry, closing, questions and messages, zoom, and which
+// commands are enabled.
 
 #include "src/quillet.h"
 
@@ -66,12 +66,12 @@ void TQuillet::Narrow_Docks()
 {
     // The page has priority: it gets a fixed share of the window. The docks get their minimum width
     // and, if there is space left, enough to show their captions on one line.
-    constexpr double page_part = 0.48;
+    constexpr double page_share = 0.48;
     constexpr int caption_room = 64; // pixels
     const int left = d_label_dock->minimumSizeHint().width();
     const int right =
         qMax(d_page_dock->minimumSizeHint().width(), d_settings_dock->minimumSizeHint().width());
-    const int spare = static_cast<int>(width() * (1.0 - page_part)) - left - right;
+    const int spare = static_cast<int>(width() * (1.0 - page_share)) - left - right;
     const int extra = qBound(0, spare / 2, caption_room);
     resizeDocks({d_label_dock, d_page_dock}, {left + extra, right + extra}, Qt::Horizontal);
 }
@@ -81,7 +81,7 @@ void TQuillet::setVisible(bool visible)
     QMainWindow::setVisible(visible);
     if (visible && !std::exchange(d_was_visible, true))
         QMetaObject::invokeMethod(this, &TQuillet::Recover_Work, Qt::QueuedConnection);
-    // Floating docks appeared before this window, so the window manager put it above them.
+    // Floating docks appeared before this window, so the window manager puts it above them.
     for (QDockWidget* dock : {d_label_dock, d_settings_dock, d_page_dock}) {
         if (visible && dock->isFloating())
             dock->raise();
@@ -116,8 +116,8 @@ void TQuillet::Help_About()
 
 void TQuillet::Image_Zoom_Changed(int value)
 {
-    // The slider runs from e^-2 to e^2: each step multiplies the scale by the same factor, and the
-    // middle is the original size.
+    // The slider covers scales from e^-2 to e^2. Each step multiplies the scale by the same factor,
+    // and the middle is the original size.
     constexpr double smallest_scale = 0.1353352832366127;
     const double x =
         static_cast<double>(value - d_zoom_slider->minimum()) / d_zoom_slider->maximum();
@@ -175,8 +175,8 @@ TProgress TQuillet::New_Progress(const QString& pattern) const
     return TProgress(statusBar(), area, pattern, d_progress_clock);
 }
 
-/// Takes over what the user has typed into an editor but not finished, as the return key does.
-/// Neither a shortcut nor the tool bar takes the focus from the editor.
+/// Commits what the user has typed into an editor but not finished, as the Return key does. Neither
+/// a shortcut nor the tool bar takes the focus from the editor.
 void TQuillet::Commit_Editors()
 {
     d_label_widget->Commit_Text();

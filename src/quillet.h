@@ -62,7 +62,7 @@ class TQuillet : public QMainWindow
     Q_OBJECT
 
 public:
-    /// What a report depends on besides the document.
+    /// The options of a PDF report.
     struct TReportSettings : TReportOptions
     {
     };
@@ -208,7 +208,7 @@ private:
     void Show_Status(const QString& text);
     TProgress New_Progress(const QString& pattern) const;
 
-    // The document and what follows from it.
+    // The document, and what depends on it.
     void Commit_Editors();
     void Mark_Changed();
     void Update_Document_Actions();

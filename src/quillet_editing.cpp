@@ -69,7 +69,7 @@ void TQuillet::Remove_Item()
     const TStepScope step = Record_Step(TStepKind::Remove_Labels, 0, static_cast<int>(ids.size()));
     d_data.Remove_Items(ids);
     // Removing a selected row changes the selection, and each change costs a pass over all selected
-    // labels. Selecting only the last one first leads to the same end without that cost.
+    // labels. Selecting only the last one first avoids that cost and gives the same result.
     if (ids.size() > 1)
         d_label_widget->Set_Selection(ids.back());
     for (const int id : ids) {

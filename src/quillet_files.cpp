@@ -75,8 +75,8 @@ bool TQuillet::Replace_Document(const QString& name)
     d_file_places.clear();
     const bool loaded =
         Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
-    // Only after loading: if the file crashes the program, the old work can still be recovered. If
-    // the file was refused at once, the old document is still open.
+    // Only after loading: if the file crashes the program, the old document can still be recovered.
+    // If the file is refused at once, the old document stays open.
     if (d_has_new_document)
         End_Recovery(loss_confirmed, name);
     if (loaded)

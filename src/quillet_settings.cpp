@@ -75,10 +75,10 @@ void TQuillet::Restore_Settings()
     const TAppearance defaults;
     const int label_size = Read_Setting(settings, "Label_Size", defaults.label_size);
     d_settings_widget->Set_Label_Size(label_size);
-    // The view draws any size, but a pixmap cannot have every size.
-    constexpr int least_view_size = 2;
+    // The view accepts any size, but the size of a pixmap is limited.
+    constexpr int smallest_view_size = 2;
     constexpr int largest_view_size = 2048;
-    Label_Size_Changed(qBound(least_view_size, label_size, largest_view_size));
+    Label_Size_Changed(qBound(smallest_view_size, label_size, largest_view_size));
 
     d_settings_widget->Set_Display_Format(Read_Setting(
         settings, "Item_Display_Format", QString::fromLatin1(ItemFormat::Initial_Format)));
@@ -97,7 +97,7 @@ void TQuillet::Restore_Docks()
     d_page_dock->setVisible(Read_Setting(settings, "Page_Visible", true));
     const auto restore_floating = [this, &settings](QDockWidget* dock, const char* key) {
         const bool is_floating = Read_Setting(settings, key, false);
-        // A floating dock shows itself at once and needs its parent window to exist.
+        // A floating dock is shown at once, which requires that its parent window exists.
         if (is_floating)
             create();
         dock->setFloating(is_floating);

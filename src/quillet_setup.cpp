@@ -95,7 +95,8 @@ void TQuillet::Create_Tool_Bar()
 {
     auto* tool_bar = new QToolBar(tr("Tool Bar"), this);
     addToolBar(Qt::TopToolBarArea, tool_bar);
-    // Qt's extension button, the only one so far, appears when the others do not fit.
+    // Qt's extension button, which appears when the others do not fit. It is the only button so
+    // far.
     Accessibility::Describe(tool_bar->findChild<QToolButton*>(), tr("More"),
                             tr("Shows the buttons that do not fit on the tool bar."));
     Add_Actions(tool_bar, {d_action_new, nullptr, d_action_open, d_action_save, nullptr,
@@ -205,8 +206,8 @@ void TQuillet::Create_Central_Widget()
 
 void TQuillet::Set_Focus_Order()
 {
-    // Page, labels, pages, settings, zoom. Each panel has its own order, which moving it into a
-    // dock loses.
+    // Page, labels, pages, settings, zoom. Each panel sets the order of its widgets, but loses it
+    // when it is moved into a dock.
     QList<QWidget*> order = {d_display_widget};
     for (const QWidget* panel :
          {static_cast<QWidget*>(d_label_widget), static_cast<QWidget*>(d_page_widget),

@@ -50,11 +50,11 @@ QComboBox* New_Box(const TChoices& choices, QWidget* parent)
     return box;
 }
 
-/// Selects the entry with this code, or the one at the given place when there is none.
-void Show_Choice(QComboBox* box, int code, int otherwise)
+/// Selects the entry with this code, or the one at `default_index` if there is none.
+void Show_Choice(QComboBox* box, int code, int default_index)
 {
-    const int place = box->findData(code);
-    box->setCurrentIndex(place >= 0 ? place : otherwise);
+    const int index = box->findData(code);
+    box->setCurrentIndex(index >= 0 ? index : default_index);
 }
 
 } // namespace
@@ -181,8 +181,8 @@ int TSettingsWidget::PDF_Orientation() const
 
 void TSettingsWidget::Set_PDF_Orientation(int orientation)
 {
-    const int landscape_place = 1;
-    Show_Choice(d_orientation_box, orientation, landscape_place);
+    const int landscape_index = 1;
+    Show_Choice(d_orientation_box, orientation, landscape_index);
 }
 
 int TSettingsWidget::PDF_Resolution() const
@@ -192,8 +192,8 @@ int TSettingsWidget::PDF_Resolution() const
 
 void TSettingsWidget::Set_PDF_Resolution(int resolution)
 {
-    const int lowest_place = 0;
-    Show_Choice(d_resolution_box, resolution, lowest_place);
+    const int lowest_index = 0;
+    Show_Choice(d_resolution_box, resolution, lowest_index);
 }
 
 QIcon TSettingsWidget::Create_Icon(const QSize& size, const QColor& color) const

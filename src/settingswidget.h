@@ -21,7 +21,7 @@ public:
 
     /// Width and height of a label in pixels of the page image.
     int Label_Size() const;
-    /// @param size  in pixels; clipped to the limits in TAppearance.
+    /// @param size  in pixels; clamped to the limits in TAppearance.
     void Set_Label_Size(int size);
     QColor Label_Color() const;
     /// Sets the colour without reporting it.
@@ -33,13 +33,14 @@ public:
     QString Display_Format() const;
     /// Sets the format unchanged, without reporting it.
     void Set_Display_Format(const QString& format);
-    /// Takes over a format that the user has typed but not finished, as the return key does.
+    /// Commits a format that the user has typed but not finished, as the Return key does.
     void Commit_Display_Format();
     /// 0 portrait, 1 landscape.
     int PDF_Orientation() const;
     /// @param orientation  0 for portrait; any other code for landscape.
     void Set_PDF_Orientation(int orientation);
-    /// Code of the resolution: 1 for 96, 2 for 180, 3 for 276, 4 for 372 dots per inch.
+    /// Code of the resolution, from 1 to 4. The combo box shows them as 96, 180, 276 and 372 DPI; a
+    /// report has 96 times the code in dots per inch.
     int PDF_Resolution() const;
     /// @param resolution  code from 1 to 4; any other code counts as 1.
     void Set_PDF_Resolution(int resolution);

@@ -21,7 +21,7 @@ struct TDocument
 
     /// A document with default appearance and no pages.
     TDocument() = default;
-    /// The document that the window shows after it has opened a file with this content.
+    /// The document that the window would show after opening a file with this content.
     explicit TDocument(const TFileContent& content);
     /// Everything that can be read of a project file. The same as the other constructor makes of a
     /// file without defects.
@@ -31,9 +31,9 @@ struct TDocument
     const TPageItem& Content(const TNamedPage& page) const;
     /// Ids of the pages, in order.
     QList<int> Page_Ids() const;
-    /// Appends a page and returns its id. The active page stays.
+    /// Appends a page and returns its id. Does not change the active page.
     int Add_Page(const QString& name, const TPageImage& image);
-    /// Appends a page with its labels. The active page stays.
+    /// Appends a page with its labels. Does not change the active page.
     void Add_Page(const TFilePage& page);
 };
 

@@ -18,13 +18,13 @@ struct TFilePage
     TPagePlace place{};           ///< only project files have one
 };
 
-/// The content of a document's file. After a fault, what was read before it.
+/// The content of a document's file, or the part of it before the first fault.
 struct TFileContent
 {
-    std::optional<int> label_size; ///< as stored, also when it is out of range
+    std::optional<int> label_size; ///< as stored, even if out of range
     std::optional<QString> color_name;
     QString header_1;
     QString header_2;
-    std::optional<std::vector<TFilePage>> pages; ///< empty when a fault comes before all pages
+    std::optional<std::vector<TFilePage>> pages; ///< empty if the fault is before the pages
     QString fault;                               ///< empty when everything was read
 };

@@ -36,7 +36,7 @@ void Write_Item(TXmlFile* xml_file, const TDataItem& item)
     Write_Child(xml_file, &node, ItemXml::Position_Name, position);
 }
 
-/// Returns a text without the characters that XML cannot hold.
+/// Returns a text without the characters that XML cannot represent.
 QString Cleaned(const QString& text)
 {
     QString cleaned;
@@ -69,7 +69,7 @@ QByteArray ItemList::Write(const std::vector<TDataItem>& items, TBadText bad_tex
         Write_Item(&xml_file, Writable(item, bad_text));
     QByteArray document;
     xml_file.Write_Data(&document, true);
-    // Not by the DOM: it writes several attributes in random order.
+    // Do not use the DOM: it writes several attributes in random order.
     const int root_name_end =
         document.indexOf(ItemXml::Root_Name.data()) + ItemXml::Root_Name.size();
     return document.insert(root_name_end, PageTexts::Attributes(texts));

@@ -18,15 +18,15 @@ namespace ItemList {
 /// The only version of the document.
 constexpr int Version = 1;
 
-/// What to do with characters that XML cannot hold, for example control characters.
+/// What to do with characters that XML cannot represent, such as control characters.
 enum class TBadText {
     Refuse,   ///< throw
     Leave_Out ///< write the text without them
 };
 
 /// Writes labels as compact UTF-8 XML. The selection is not stored.
-/// @param texts  become attributes of the root where Latin-1 cannot represent them.
-/// @throws TXmlFileException on a text that XML cannot hold, unless it is cleaned.
+/// @param texts  texts that Latin-1 cannot represent; become attributes of the root.
+/// @throws TXmlFileException if bad texts are refused and XML cannot represent one.
 QByteArray Write(const std::vector<TDataItem>& items, TBadText bad_text = TBadText::Refuse,
                  const TPageTexts& texts = {});
 
@@ -35,8 +35,8 @@ QByteArray Write(const std::vector<TDataItem>& items, TBadText bad_text = TBadTe
 QByteArray With_Texts(const QByteArray& document, const TPageTexts& texts);
 
 /// Reads the labels of a document, unselected.
-/// @param add    is called with each label, also with those before a fault.
-/// @param texts  receives the texts in the root's attributes, also before a fault; may be null.
+/// @param add    is called with each label, including those before a fault.
+/// @param texts  receives the texts in the root's attributes, even before a fault; may be null.
 /// @throws TXmlFileException on bad content.
 void Read(const QByteArray& document, const std::function<void(const TDataItem&)>& add,
           TPageTexts* texts = nullptr);

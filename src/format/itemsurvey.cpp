@@ -24,17 +24,17 @@ constexpr int item_begin_size = sizeof(item_begin) - 1;
 constexpr int item_end_size = sizeof(item_end) - 1;
 
 /// Offsets of everything that looks like the begin tag of an "Item" element.
-std::vector<int> Item_Places(const QByteArray& document)
+std::vector<int> Item_Offsets(const QByteArray& document)
 {
-    std::vector<int> places;
-    for (int place = document.indexOf(item_begin); place >= 0;
-         place = document.indexOf(item_begin, place + 1)) {
-        const int next = place + item_begin_size;
+    std::vector<int> offsets;
+    for (int offset = document.indexOf(item_begin); offset >= 0;
+         offset = document.indexOf(item_begin, offset + 1)) {
+        const int next = offset + item_begin_size;
         const char after = next < document.size() ? document.at(next) : '\0';
         if (after == '>' || after == '/' || std::isspace(static_cast<unsigned char>(after)))
-            places.push_back(place);
+            offsets.push_back(offset);
     }
-    return places;
+    return offsets;
 }
 
 /// A document with a single label.
@@ -55,7 +55,7 @@ bool Is_Utf8(const QByteArray& document)
     return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
-/// Surveys one label document.
+/// Reports the defects of a label document and reads its labels.
 class TItemSurveyor
 {
     Q_DECLARE_TR_FUNCTIONS(ItemSurvey)
@@ -82,15 +82,15 @@ private:
     void Check_Position(const TXmlFile& xml_file, const QDomElement& node);
     void Replace_Repeated_Ids();
 
-    void Begin_Label(int place)
+    void Begin_Label(int offset)
     {
         ++d_number;
-        d_place = place;
+        d_offset = offset;
     }
     /// Reports a defect of the current label.
     void Report(const QString& what)
     {
-        d_defects->push_back({d_place, tr("label %1: %2").arg(d_number).arg(what)});
+        d_defects->push_back({d_offset, tr("label %1: %2").arg(d_number).arg(what)});
     }
 
     const QByteArray d_document;
@@ -100,7 +100,7 @@ private:
     QSet<int> d_ids;
     std::vector<std::size_t> d_repeated; ///< indices of labels whose id an earlier label has
     int d_number = 0;                    ///< of the current label, from 1
-    int d_place = 0;                     ///< offset of the current label
+    int d_offset = 0;                    ///< of the current label
 };
 
 std::vector<TDataItem> TItemSurveyor::Survey()
@@ -132,12 +132,12 @@ void TItemSurveyor::Read_Document(const TXmlFile& xml_file)
          !node.isNull(); node = xml_file.Get_Sibling_Node(&node, ItemXml::Item_Name, true))
         nodes.push_back(node);
     // The parser has no offsets. A comment may contain what looks like a label.
-    std::vector<int> places = Item_Places(d_document);
-    if (places.size() != nodes.size())
-        places.assign(nodes.size(), 0);
-    auto place = places.cbegin();
+    std::vector<int> offsets = Item_Offsets(d_document);
+    if (offsets.size() != nodes.size())
+        offsets.assign(nodes.size(), 0);
+    auto offset = offsets.cbegin();
     for (const QDomElement& node : nodes) {
-        Begin_Label(*place++);
+        Begin_Label(*offset++);
         Read_Item(xml_file, node);
     }
 }
@@ -164,11 +164,11 @@ void TItemSurveyor::Read_Root_Alone()
 /// Reads the labels of a document that is not well-formed, each in a document of its own.
 void TItemSurveyor::Read_Separately()
 {
-    std::vector<int> places = Item_Places(d_document);
-    places.push_back(d_document.size());
-    for (std::size_t i = 0; i + 1 < places.size(); ++i) {
-        Begin_Label(places[i]);
-        const QByteArray element = d_document.mid(places[i], places[i + 1] - places[i]);
+    std::vector<int> offsets = Item_Offsets(d_document);
+    offsets.push_back(d_document.size());
+    for (std::size_t i = 0; i + 1 < offsets.size(); ++i) {
+        Begin_Label(offsets[i]);
+        const QByteArray element = d_document.mid(offsets[i], offsets[i + 1] - offsets[i]);
         const int end = element.indexOf(item_end);
         if (end < 0)
             Report(tr("the element is not closed"));
@@ -185,7 +185,7 @@ void TItemSurveyor::Read_Element(const QByteArray& element)
         xml_file.Open_Data(Alone(element), ItemXml::Root_Name, &version, true);
         Read_Item(xml_file, xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, false));
     } catch (const TXmlFileException&) {
-        // The position in the parser's message is not one in this document.
+        // Omit the parser's message: its position is not one in this document.
         Report(tr("the element is not well-formed"));
     }
 }
@@ -205,7 +205,7 @@ void TItemSurveyor::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
     }
 }
 
-/// Reports the values of a label that are not read as written, and makes its position finite.
+/// Reports values of a label that are not read as written. Makes its position finite.
 TDataItem TItemSurveyor::Checked(TDataItem item, const TXmlFile& xml_file, const QDomElement& node)
 {
     Check_Integer(xml_file, node, ItemXml::Id_Name);

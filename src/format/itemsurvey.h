@@ -19,12 +19,13 @@ namespace ItemSurvey {
 
 /// Reads all readable labels of a label document, and reports its defects.
 ///
-/// A document without defects is read by ItemList::Read to the same labels. In a document that is
+/// For a document without defects, ItemList::Read returns the same labels. In a document that is
 /// not well-formed, every label whose element is well-formed is read. A label that repeats the id
 /// of an earlier one gets a free id. A number that cannot be parsed is read as 0, as in
 /// ItemList::Read. Time and memory are proportional to the size of the document.
-/// @param defects  receives the defects with their offsets within the document: that of the label's
-///                 element (0 when it is not certain), or 0 for a defect of the whole document.
+/// @param defects  receives the defects with their offsets within the document. The offset is that
+///                 of the label's element, or 0 if it is uncertain or the defect concerns the whole
+///                 document.
 /// @param texts    receives the texts in the attributes of the root, if its tag is readable; may be
 ///                 null.
 std::vector<TDataItem> Survey(const QByteArray& document, std::vector<TProjectDefect>* defects,

@@ -21,7 +21,7 @@ struct TColumnName
     bool is_required;
 };
 
-/// In the order of TColumn, which is that in which they are written.
+/// In the order of TColumn. Columns are written in this order.
 constexpr std::array<TColumnName, 6> columns{{{"page", true},
                                               {"value", true},
                                               {"text", false},
@@ -29,7 +29,7 @@ constexpr std::array<TColumnName, 6> columns{{{"page", true},
                                               {"x", true},
                                               {"y", true}}};
 
-/// The code of a border that is given as a word or as a code.
+/// The code of a border, which is given as a word or a code.
 std::optional<int> Border_Code(const QString& text)
 {
     bool is_number = false;
@@ -62,8 +62,7 @@ class TRowReader
     Q_DECLARE_TR_FUNCTIONS(ItemTable)
 
 public:
-    /// @throws TCsvException unless the record names all required columns, none of them
-    /// twice.
+    /// @throws TCsvException if a required column is missing or a column is repeated.
     explicit TRowReader(const TCsvRecord& header);
 
     TItemRow Row(const TCsvRecord& record) const;
@@ -76,7 +75,7 @@ private:
     [[noreturn]] static void Refuse(const TCsvRecord& record, TColumn column, const QString& field);
 
     int d_field_count = 0;
-    std::array<int, columns.size()> d_places{}; ///< of the columns in a record, -1 for none
+    std::array<int, columns.size()> d_indexes{}; ///< of the columns in a record; -1 if missing
 };
 
 TRowReader::TRowReader(const TCsvRecord& header)
@@ -87,8 +86,8 @@ TRowReader::TRowReader(const TCsvRecord& header)
         names += field.trimmed().toLower();
     for (std::size_t column = 0; column < columns.size(); ++column) {
         const QString name = QString::fromLatin1(columns[column].name);
-        d_places[column] = names.indexOf(name);
-        if (d_places[column] < 0 && columns[column].is_required)
+        d_indexes[column] = names.indexOf(name);
+        if (d_indexes[column] < 0 && columns[column].is_required)
             throw TCsvException(tr("there is no column \"%1\"").arg(name), header.line);
         if (names.count(name) > 1)
             throw TCsvException(tr("there are two columns \"%1\"").arg(name), header.line);
@@ -115,7 +114,7 @@ TItemRow TRowReader::Row(const TCsvRecord& record) const
 
 QString TRowReader::Field(const TCsvRecord& record, TColumn column) const
 {
-    return d_places[column] < 0 ? QString() : record.fields.at(d_places[column]);
+    return d_indexes[column] < 0 ? QString() : record.fields.at(d_indexes[column]);
 }
 
 int TRowReader::Integer(const TCsvRecord& record, TColumn column) const

@@ -14,17 +14,18 @@ struct TItemRow
     int page = 1;        ///< number of the page, from 1
     TDataItem item;      ///< its id is not part of the table
     int line = 0;        ///< first line of its record in a table that was read, from 1; else 0
-    QStringList cells{}; ///< of further columns, to be written behind the label's own
+    QStringList cells{}; ///< of further columns, written after the label's own
 };
 
 /// Labels as a table in comma-separated values (RFC 4180, UTF-8), for spreadsheets.
 ///
 /// The first record names the columns: page, value, text, border, x, y. Borders are words (none,
-/// square, ellipse, triangle, diamond), numbers are in the C locale whatever the user's is.
+/// square, ellipse, triangle, diamond). Numbers have the format of the C locale, regardless of the
+/// user's locale.
 ///
-/// Texts are written unchanged, also those that begin with "=", "+", "-" or "@", which some
-/// spreadsheets interpret as a formula: reading a table gives the same texts. Import the columns of
-/// an untrusted table as text.
+/// Texts are written unchanged, so that reading a table returns the same texts. This includes texts
+/// that begin with "=", "+", "-" or "@", which some spreadsheets interpret as formulas. Import the
+/// columns of an untrusted table as text.
 namespace ItemTable {
 
 /// Returns the names of the columns, in the order in which they are written.
@@ -39,10 +40,10 @@ QString Border_Text(int code);
 QByteArray Write(const std::vector<TItemRow>& rows, const QStringList& headings = {});
 
 /// Reads a table whose lines end with CR LF, LF or CR. Skips a byte order mark and records whose
-/// fields are all empty. The header record names the columns in any order, in upper or lower case;
-/// other columns are ignored, and so are blanks around names, numbers and borders. page, value, x
-/// and y are required. text and border are optional and may be empty: no text, no border. A border
-/// may also be a code (0, 1, 2, 4, 8). The labels' ids are 0.
+/// fields are all empty. The header record names the columns in any order and in upper or lower
+/// case. Other columns are ignored, and so are blanks around names, numbers and borders. page,
+/// value, x and y are required; text and border are optional, and their fields may be empty. A
+/// border may also be a code (0, 1, 2, 4, 8). The labels' ids are 0.
 /// @throws TCsvException
 std::vector<TItemRow> Read(const QByteArray& table);
 

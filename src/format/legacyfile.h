@@ -27,7 +27,8 @@ using TReadList =
     std::function<void(TXmlFile* xml_file, int version, std::vector<TDataItem>* items)>;
 
 /// Reads a pair of files as a page with the default name of page 1.
-/// @param read_list  is not called for other versions: then only the image is read.
+/// @param read_list  reads a list of version 1 or 2. Not called for other versions, of which only
+///                   the image is read.
 /// @throws TXmlFileException when one of the files cannot be read.
 TFilePage Read_Pair(const QString& base_name, const TReadList& read_list);
 

@@ -5,8 +5,8 @@
 
 class TXmlFile;
 
-/// The texts of a project file that belong to a page. The file stores them as Latin-1; the page's
-/// label document carries those that Latin-1 cannot represent.
+/// The texts of a project file that belong to a page. The file stores them as Latin-1. The page's
+/// label document stores those that Latin-1 cannot represent.
 struct TPageTexts
 {
     QString name;
@@ -20,14 +20,14 @@ namespace PageTexts {
 bool Is_Latin1(const QString& text);
 
 /// Returns the attributes of a root element for the texts that Latin-1 cannot represent, each after
-/// a blank. Texts that XML cannot hold get none.
+/// a blank. Omits texts that XML cannot represent.
 QByteArray Attributes(const TPageTexts& texts);
 
 /// Reads the attributes of an opened label document.
 TPageTexts Read(const TXmlFile& xml_file);
 
-/// Replaces a text that was read from a Latin-1 field by the one of the label document. Does
-/// nothing if they differ in other than the replaced characters: another program changed the field.
+/// Replaces the text of a Latin-1 field with the full text from the label document. Does nothing if
+/// the full text does not match the field, which another program must have changed.
 void Restore(const QString& full_text, QString* text);
 
 } // namespace PageTexts

@@ -99,7 +99,7 @@ TProjectReader::TProjectReader(const QByteArray& bytes)
 
 bool TProjectReader::Read_Magic()
 {
-    return d_bytes.size() >= ProjectLayout::Least_File && Read_Integer() == ProjectLayout::Magic;
+    return d_bytes.size() >= ProjectLayout::Minimum_File && Read_Integer() == ProjectLayout::Magic;
 }
 
 int TProjectReader::Read_Integer()
@@ -160,7 +160,7 @@ void Write_Page(const TPageTexts& texts, const TPageItem& page, TProjectWriter* 
                        ItemList::Write(page.data_items, ItemList::TBadText::Refuse, texts));
 }
 
-/// False when a field has a negative length.
+/// Returns false if a field has a negative length.
 bool Read_Header(TProjectReader* reader, TFileContent* content)
 {
     content->label_size = reader->Read_Integer();
@@ -177,7 +177,7 @@ bool Read_Header(TProjectReader* reader, TFileContent* content)
     return true;
 }
 
-/// False when a field has a negative length; the page is then left out.
+/// Returns false if a field has a negative length; such a page is not added.
 /// @throws TXmlFileException on bad labels; those before the fault are added.
 bool Read_Page(TProjectReader* reader, TFileContent* content)
 {
@@ -192,7 +192,7 @@ bool Read_Page(TProjectReader* reader, TFileContent* content)
         return false;
     content->pages->push_back(page);
     TPageTexts texts;
-    // Also when the labels have a fault.
+    // Even if the labels have a fault.
     const auto restore = qScopeGuard([content, &texts] {
         PageTexts::Restore(texts.name, &content->pages->back().name);
         if (content->pages->size() > 1)

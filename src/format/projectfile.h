@@ -59,7 +59,7 @@ public:
     bool Flush_To(QIODevice* device);
 
 private:
-    /// Bytes, and for the bytes of an image the image that keeps them alive.
+    /// Bytes. For those of an image, also the image that keeps them alive.
     struct TPiece
     {
         QByteArray bytes;
@@ -120,11 +120,11 @@ private:
 
 namespace ProjectFile {
 
-/// Whether a file would store header lines with replaced characters: it keeps the others with the
-/// first page.
+/// Whether a file would lose characters of the header lines. Those that Latin-1 cannot represent
+/// are stored with the first page, so a document without pages loses them.
 bool Loses_Headers(const TAppearance& appearance, int page_count);
 
-/// Writes a document. Images become PNG; a text that XML cannot hold is a fault.
+/// Writes a document. Images become PNG; a text that XML cannot represent is a fault.
 /// @param pages   the pages in the order in which they are written.
 /// @param report  is called before each page.
 /// @return why the labels of a page could not be written; empty on success.
@@ -133,14 +133,13 @@ QString Write(const TAppearance& appearance, const std::vector<TNamedPage>& page
 
 /// Reads a project file up to its first fault.
 ///
-/// A file that ends where an integer should be fails an assertion; ProjectSurvey::Survey accepts
-/// any bytes.
+/// A file that ends within an integer fails an assertion; ProjectSurvey::Survey accepts any bytes.
 /// @param bytes   the whole file; the images keep it alive.
 /// @param report  is called before each page.
 TFileContent Read(const QByteArray& bytes, const TStepReport& report = nullptr);
 
-/// Writes a project to the temporary file of `target` and commits it; on failure the old file is
-/// left untouched.
+/// Writes a project to the temporary file of `target` and commits it. On failure, the old file is
+/// unchanged.
 bool Commit(const TProjectWriter& project, TSafeFile* target);
 
 /// Whether a file is a complete project file. Reads only the lengths of its fields.

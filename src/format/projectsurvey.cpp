@@ -12,11 +12,11 @@
 namespace {
 
 using ProjectLayout::Integer_Size;
-using ProjectLayout::Least_Page;
+using ProjectLayout::Minimum_Page;
 
-constexpr qint64 size_place = Integer_Size;               ///< of the label size
-constexpr qint64 color_place = ProjectLayout::Least_File; ///< of the colour's length
-constexpr qint64 color_begin = color_place + Integer_Size;
+constexpr qint64 size_offset = Integer_Size;                 ///< of the label size
+constexpr qint64 color_offset = ProjectLayout::Minimum_File; ///< of the colour's length
+constexpr qint64 color_begin = color_offset + Integer_Size;
 constexpr qint64 color_length = 7; ///< of "#rrggbb"
 
 bool Is_Color(const QByteArray& name)
@@ -42,14 +42,14 @@ public:
 private:
     bool Read_Start();
     bool Read_Header();
-    bool Read_Color(qint64* place);
-    bool Read_Header_Line(const QString& what, QString* line, qint64* place);
-    bool Read_Page_Count(qint64 place);
+    bool Read_Color(qint64* offset);
+    bool Read_Header_Line(const QString& what, QString* line, qint64* offset);
+    bool Read_Page_Count(qint64 offset);
     bool Are_Lengths_Wrong() const;
     void Read_Pages(bool begin_is_sure);
     void Read_Record(const TPageRecord& record);
     void Check_Page_Count();
-    bool Check_Length(const QString& what, qint64 place, const std::optional<TFileField>& field);
+    bool Check_Length(const QString& what, qint64 offset, const std::optional<TFileField>& field);
     void Check_Record(const TPageRecord& record);
     QString Text(const QString& what, const TFileField& field);
     TPageImage Image(const TFileField& field);
@@ -62,7 +62,7 @@ private:
     /// Reports a defect.
     void Report(qint64 offset, const QString& what)
     {
-        d_survey.defects.push_back({offset, d_place + what});
+        d_survey.defects.push_back({offset, d_prefix + what});
     }
 
     const QByteArray d_bytes;
@@ -70,9 +70,9 @@ private:
     const TStepReport d_report;
     const TRecordFinder d_finder;
     TProjectSurvey d_survey;
-    QString d_place; ///< the current page, as a prefix of messages
+    QString d_prefix; ///< for messages about the current page
     std::optional<int> d_page_count;
-    qint64 d_count_place = 0;
+    qint64 d_count_offset = 0;
     int d_record_count = 0;
     qint64 d_position = color_begin; ///< of the next page record
 };
@@ -94,47 +94,47 @@ TProjectSurvey TSurveyor::Survey()
 /// Whether the file is a project, or contains at least one page record.
 bool TSurveyor::Read_Start()
 {
-    if (d_bytes.size() < color_place) {
+    if (d_bytes.size() < color_offset) {
         Report(0, tr("the file is too short to be a project file: %1 bytes").arg(d_bytes.size()));
         return false;
     }
     if (d_finder.Integer_At(0) == ProjectLayout::Magic)
         return true;
     Report(0, tr("the file does not begin with the magic number of a project file"));
-    // In any other file this is the only defect.
-    return d_finder.Has_Record_After(color_place);
+    // For any other file, report nothing else.
+    return d_finder.Has_Record_After(color_offset);
 }
 
 /// Reads the header; false when it is not certain where the pages begin.
 bool TSurveyor::Read_Header()
 {
-    const int size = *d_finder.Integer_At(size_place);
+    const int size = *d_finder.Integer_At(size_offset);
     int* const label_size = &d_survey.appearance.label_size;
     *label_size = qBound(TAppearance::Smallest_Label, size, TAppearance::Largest_Label);
     if (*label_size != size)
-        Report(size_place, tr("the label size %1 is not between %2 and %3")
-                               .arg(size)
-                               .arg(TAppearance::Smallest_Label)
-                               .arg(TAppearance::Largest_Label));
-    qint64 place = color_place;
-    return Read_Color(&place) &&
-           Read_Header_Line(tr("header line 1"), &d_survey.appearance.header_1, &place) &&
-           Read_Header_Line(tr("header line 2"), &d_survey.appearance.header_2, &place) &&
-           Read_Page_Count(place);
+        Report(size_offset, tr("the label size %1 is not between %2 and %3")
+                                .arg(size)
+                                .arg(TAppearance::Smallest_Label)
+                                .arg(TAppearance::Largest_Label));
+    qint64 offset = color_offset;
+    return Read_Color(&offset) &&
+           Read_Header_Line(tr("header line 1"), &d_survey.appearance.header_1, &offset) &&
+           Read_Header_Line(tr("header line 2"), &d_survey.appearance.header_2, &offset) &&
+           Read_Page_Count(offset);
 }
 
-bool TSurveyor::Read_Color(qint64* place)
+bool TSurveyor::Read_Color(qint64* offset)
 {
-    std::optional<TFileField> field = d_finder.Field_At(*place);
+    std::optional<TFileField> field = d_finder.Field_At(*offset);
     const bool is_good = field && Is_Color(Content(*field));
     // If a valid name of the usual length is there, only the stored length is damaged.
     const TFileField usual{color_begin, color_length};
     if (!is_good && d_bytes.size() >= usual.End() && Is_Color(Content(usual)))
         field = usual;
-    Check_Length(tr("the colour name"), *place, field);
+    Check_Length(tr("the colour name"), *offset, field);
     if (!field)
         return false;
-    *place = field->End();
+    *offset = field->End();
     const QString name = Text(tr("the colour name"), *field);
     const QColor color = TAppearance::Color(name);
     if (!color.isValid())
@@ -143,28 +143,28 @@ bool TSurveyor::Read_Color(qint64* place)
     return true;
 }
 
-bool TSurveyor::Read_Header_Line(const QString& what, QString* line, qint64* place)
+bool TSurveyor::Read_Header_Line(const QString& what, QString* line, qint64* offset)
 {
-    const std::optional<TFileField> field = d_finder.Field_At(*place);
-    if (!Check_Length(what, *place, field))
+    const std::optional<TFileField> field = d_finder.Field_At(*offset);
+    if (!Check_Length(what, *offset, field))
         return false;
     *line = Text(what, *field);
-    *place = field->End();
+    *offset = field->End();
     return true;
 }
 
-bool TSurveyor::Read_Page_Count(qint64 place)
+bool TSurveyor::Read_Page_Count(qint64 offset)
 {
-    d_count_place = place;
-    d_position = place + Integer_Size;
-    d_page_count = d_finder.Integer_At(place);
+    d_count_offset = offset;
+    d_position = offset + Integer_Size;
+    d_page_count = d_finder.Integer_At(offset);
     if (!d_page_count) {
-        Report(place, tr("the file ends where the page count should be"));
+        Report(offset, tr("the file ends where the page count should be"));
         return true;
     }
     if (!Are_Lengths_Wrong())
         return true;
-    Report(color_place, tr("the lengths in the header do not lead to the first page"));
+    Report(color_offset, tr("the lengths in the header do not lead to the first page"));
     d_page_count.reset();
     return false;
 }
@@ -175,7 +175,7 @@ bool TSurveyor::Are_Lengths_Wrong() const
     if (d_finder.Is_Boundary(d_position) || !d_finder.Has_Record_After(color_begin))
         return false;
     const TPageRecord first = d_finder.Find_After(color_begin);
-    return first.name && first.begin != d_position && first.begin < d_position + Least_Page;
+    return first.name && first.begin != d_position && first.begin < d_position + Minimum_Page;
 }
 
 void TSurveyor::Read_Pages(bool begin_is_sure)
@@ -197,7 +197,7 @@ void TSurveyor::Read_Pages(bool begin_is_sure)
 
 void TSurveyor::Read_Record(const TPageRecord& record)
 {
-    d_place = tr("page %1: ").arg(++d_record_count);
+    d_prefix = tr("page %1: ").arg(++d_record_count);
     if (d_report)
         d_report(d_record_count, qMax(d_record_count, d_page_count.value_or(0)));
     const auto defect_count = d_survey.defects.size();
@@ -215,13 +215,13 @@ void TSurveyor::Read_Record(const TPageRecord& record)
     d_survey.pages.push_back(page);
 }
 
-/// Reports the lengths of a record that are not those of its fields, up to a missing field.
+/// Reports each length of a record that does not match its field, up to the first missing field.
 void TSurveyor::Check_Record(const TPageRecord& record)
 {
-    qint64 place = record.begin;
+    qint64 offset = record.begin;
     const auto check = [&](const QString& what, const std::optional<TFileField>& field) {
-        Check_Length(what, field ? field->Length_Place() : place, field);
-        place = field ? field->End() : place;
+        Check_Length(what, field ? field->Length_Offset() : offset, field);
+        offset = field ? field->End() : offset;
         return field.has_value();
     };
     if (!check(tr("the name"), record.name) && !record.image && !record.items)
@@ -230,35 +230,35 @@ void TSurveyor::Check_Record(const TPageRecord& record)
         check(tr("the label document"), record.items);
 }
 
-/// Whether the length at an offset is that of a field. Reports why not.
+/// Whether the length at an offset is that of a field. If not, reports why.
 /// @param field  the field that was found, if any.
-bool TSurveyor::Check_Length(const QString& what, qint64 place,
+bool TSurveyor::Check_Length(const QString& what, qint64 offset,
                              const std::optional<TFileField>& field)
 {
-    const std::optional<int> length = d_finder.Integer_At(place);
+    const std::optional<int> length = d_finder.Integer_At(offset);
     if (length && field && *length == field->length)
         return true;
     if (!length)
-        Report(qMin(place, d_finder.Size()),
+        Report(qMin(offset, d_finder.Size()),
                tr("the file ends where the length of %1 should be").arg(what));
     else if (*length < 0)
-        Report(place, tr("the length of %1 is negative: %2").arg(what).arg(*length));
-    else if (*length > d_finder.Size() - place - Integer_Size)
-        Report(place,
+        Report(offset, tr("the length of %1 is negative: %2").arg(what).arg(*length));
+    else if (*length > d_finder.Size() - offset - Integer_Size)
+        Report(offset,
                tr("the length of %1 points past the end of the file: %2").arg(what).arg(*length));
     else if (field)
-        Report(place, tr("the length of %1 is %2, but it has %3 bytes")
-                          .arg(what)
-                          .arg(*length)
-                          .arg(field->length));
+        Report(offset, tr("the length of %1 is %2, but it has %3 bytes")
+                           .arg(what)
+                           .arg(*length)
+                           .arg(field->length));
     else
-        Report(place, tr("the length of %1 is wrong: %2").arg(what).arg(*length));
+        Report(offset, tr("the length of %1 is wrong: %2").arg(what).arg(*length));
     return false;
 }
 
 void TSurveyor::Check_Page_Count()
 {
-    d_place.clear();
+    d_prefix.clear();
     if (!d_page_count)
         return;
     const int count = *d_page_count;
@@ -266,7 +266,7 @@ void TSurveyor::Check_Page_Count()
         Report(d_finder.Size(),
                tr("the file ends after %1 of %2 pages").arg(d_record_count).arg(count));
     else if (count < d_record_count)
-        Report(d_count_place,
+        Report(d_count_offset,
                tr("the page count is %1, but there are %2 pages").arg(count).arg(d_record_count));
     if (d_position < d_finder.Size())
         Report(d_position, tr("%1 bytes follow the last page").arg(d_finder.Size() - d_position));

@@ -19,20 +19,20 @@ struct TSurveyedPage : TFilePage
 /// Everything that can be read of a project file, and all its defects.
 struct TProjectSurvey
 {
-    TAppearance appearance; ///< with values that the window can show
+    TAppearance appearance; ///< with values that the window can display
     std::vector<TSurveyedPage> pages;
     std::vector<TProjectDefect> defects; ///< by ascending offset within the file
 };
 
-/// Reports each defect of a project file with its byte offset, and reads all that is readable.
+/// Reports each defect of a project file with its byte offset, and reads everything readable.
 ///
 /// ProjectFile::Read stops at the first fault, or fails an assertion. A survey accepts any bytes:
-/// it goes on after a damaged length, finds the next page and keeps every label that is
+/// it continues after a damaged length, finds the next page and keeps every label that is
 /// well-formed. Time and memory grow linearly with the number of bytes.
 ///
-/// A file without defects is read by ProjectFile::Read to the same document. Everything that a
-/// reader would drop or change silently is a defect: a page beyond the page count, a name cut at a
-/// zero byte, a label whose id another one has.
+/// For a file without defects, ProjectFile::Read returns the same document. Anything that a reader
+/// would drop or change silently is a defect: a page beyond the page count, a name cut at a zero
+/// byte, a label whose id another one has.
 namespace ProjectSurvey {
 
 enum class TImages {

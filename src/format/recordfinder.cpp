@@ -6,7 +6,7 @@
 namespace {
 
 using ProjectLayout::Integer_Size;
-using ProjectLayout::Least_Page;
+using ProjectLayout::Minimum_Page;
 
 constexpr char png_signature[] = "\x89PNG\r\n\x1a\n";
 constexpr char root_begin[] = "<Quillet_Data";
@@ -26,7 +26,7 @@ constexpr int Length(const char (&)[Size])
 
 } // namespace
 
-qint64 TFileField::Length_Place() const
+qint64 TFileField::Length_Offset() const
 {
     return begin - Integer_Size;
 }
@@ -92,7 +92,7 @@ bool TRecordFinder::Begins_With(const TFileField& field, const QByteArray& what)
     return field.length > 0 && d_bytes.mid(static_cast<int>(field.begin), what.size()) == what;
 }
 
-/// The record that the lengths describe; empty when they lead past the end of the file.
+/// The record that the lengths describe; empty when they point past the end of the file.
 std::optional<TPageRecord> TRecordFinder::Record_At(qint64 offset) const
 {
     TPageRecord record;
@@ -106,8 +106,8 @@ std::optional<TPageRecord> TRecordFinder::Record_At(qint64 offset) const
     return record;
 }
 
-/// A record that ends at a known place: the name and the image to which the lengths lead, and the
-/// rest as labels.
+/// A record that ends at a known offset. Its lengths locate the name and the image; the rest is the
+/// labels.
 TPageRecord TRecordFinder::Record_Up_To(qint64 end, qint64 offset) const
 {
     TPageRecord record;
@@ -126,7 +126,7 @@ TPageRecord TRecordFinder::Record_Up_To(qint64 end, qint64 offset) const
     return record;
 }
 
-/// The first label document after an offset, as a record without name and image.
+/// The first label document after an offset, as a record without a name and an image.
 std::optional<TPageRecord> TRecordFinder::Document_After(qint64 offset) const
 {
     if (offset > d_last_root)
@@ -145,7 +145,7 @@ std::optional<TPageRecord> TRecordFinder::Document_After(qint64 offset) const
 }
 
 /// Where a label document ends.
-/// @param is_sure  receives whether it is complete or the last one.
+/// @param is_sure  set to false if the document is not closed and another one follows.
 qint64 TRecordFinder::Document_End(int root, bool* is_sure) const
 {
     const bool is_last = root == d_last_root;
@@ -172,22 +172,22 @@ TPageRecord TRecordFinder::Rebuilt(qint64 offset, bool begins_here) const
         return Record_Up_To(Size(), offset);
     TPageRecord record = *document;
     record.begin = offset;
-    record.image = Image_Before(record.items->Length_Place(), offset);
+    record.image = Image_Before(record.items->Length_Offset(), offset);
     if (!record.image)
         return record;
-    const qint64 name_end = record.image->Length_Place();
+    const qint64 name_end = record.image->Length_Offset();
     record.name = Name_Before(name_end, offset);
-    const qint64 found = record.name ? record.name->Length_Place() : offset;
+    const qint64 found = record.name ? record.name->Length_Offset() : offset;
     if (!begins_here)
         record.begin = record.name ? found : name_end;
-    else if (found - offset >= Least_Page)
+    else if (found - offset >= Minimum_Page)
         return Record_Up_To(found, offset); // The document belongs to a later page.
     else if (name_end - offset - Integer_Size <= longest_name)
         record.name = TFileField{offset + Integer_Size, name_end - offset - Integer_Size};
     return record;
 }
 
-/// The image that ends at a place and begins after an offset.
+/// The image that begins after an offset and ends at `end`.
 std::optional<TFileField> TRecordFinder::Image_Before(qint64 end, qint64 offset) const
 {
     const std::optional<TFileField> name = Field_At(offset);
@@ -198,7 +198,7 @@ std::optional<TFileField> TRecordFinder::Image_Before(qint64 end, qint64 offset)
     for (int begin = d_bytes.indexOf(png_signature, static_cast<int>(offset) + Integer_Size);
          begin >= 0 && begin < end; begin = d_bytes.indexOf(png_signature, begin + 1)) {
         last = TFileField{begin, end - begin};
-        if (Integer_At(last->Length_Place()) == last->length)
+        if (Integer_At(last->Length_Offset()) == last->length)
             return last;
     }
     if (last)
@@ -210,7 +210,7 @@ std::optional<TFileField> TRecordFinder::Image_Before(qint64 end, qint64 offset)
     return std::nullopt;
 }
 
-/// The shortest name that ends at a place, begins after an offset and has a matching length.
+/// The shortest name that begins after an offset, ends at `end` and has a matching length.
 std::optional<TFileField> TRecordFinder::Name_Before(qint64 end, qint64 offset) const
 {
     const qint64 longest = qMin(longest_name, end - offset - Integer_Size);

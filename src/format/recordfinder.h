@@ -11,10 +11,10 @@ struct TFileField
     qint64 length = 0;
 
     qint64 End() const { return begin + length; }
-    qint64 Length_Place() const;
+    qint64 Length_Offset() const;
 };
 
-/// Where a page is in a project file. A field that cannot be found is empty.
+/// The location of a page in a project file. A field that cannot be found is empty.
 struct TPageRecord
 {
     std::optional<TFileField> name;
@@ -25,7 +25,7 @@ struct TPageRecord
     bool is_end_sure = true; ///< false when the next record must be searched for
 };
 
-/// Finds page records in a project file, also after a damaged length.
+/// Finds page records in a project file, even after a damaged length.
 ///
 /// In a sound file the lengths lead from record to record. After a wrong length the record is
 /// rebuilt from distinctive marks: the root element of a label document, the signature of a PNG
@@ -48,9 +48,9 @@ public:
     /// Whether a page record begins at an offset or after it.
     bool Has_Record_After(qint64 offset) const;
 
-    /// The record that begins at an offset, or what is left of it: at least one byte.
+    /// The record that begins at an offset, or what can be found of it: at least one byte.
     TPageRecord Find(qint64 offset) const;
-    /// The first record after an offset at which a record may not begin.
+    /// The first record after an offset at which no record need begin.
     TPageRecord Find_After(qint64 offset) const;
 
 private:

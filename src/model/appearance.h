@@ -3,8 +3,8 @@
 #include <QColor>
 #include <QString>
 
-/// What a document contains besides its pages: the look of its labels and the header lines of its
-/// report. A default-constructed value is that of a new document.
+/// The part of a document besides its pages: the look of its labels and the header lines of its
+/// report. A default-constructed value is the appearance of a new document.
 struct TAppearance
 {
     static constexpr int Smallest_Label = 16; ///< limit of label_size
@@ -24,7 +24,7 @@ struct TAppearance
     /// Colour of labels before settings or a document are read.
     static QColor Initial_Color() { return {250, 8, 50}; }
 
-    /// Font size in points for labels of a size: four tenths of it, rounded half up.
+    /// Font size in points for a label size: 40 % of it, rounded half up.
     static int Font_Size(int label_size) { return static_cast<int>(label_size * 0.4 + 0.5); }
 
     /// The colour with a name that QColor::setNamedColor accepts; otherwise an invalid colour.

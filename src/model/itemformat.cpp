@@ -23,8 +23,7 @@ QString Clean(const QString& typed)
     const int text_position = simplified.indexOf(text_marker);
     QString cleaned = simplified;
     cleaned.replace(percent, QLatin1Char('_'));
-    // Without the value, the rows use the default format anyway. So a format that lacks it keeps no
-    // marker at all.
+    // Rows use the default format if the value is missing, so keep no marker of such a format.
     if (value_position >= 0) {
         cleaned[value_position] = percent;
         if (text_position >= 0)

@@ -12,8 +12,8 @@ extern const char* const Default_Format;
 /// The format before the user chooses one.
 extern const char* const Initial_Format;
 
-/// Cleans a format that the user typed: simplifies white space, replaces an empty format by the
-/// default, and replaces every "%" except those of the first "%1" and the first "%2" by "_".
+/// Cleans a format that the user typed: simplifies white space, replaces an empty format with the
+/// default, and replaces every "%" with "_" except those of the first "%1" and the first "%2".
 QString Clean(const QString& typed);
 
 /// The row text of a label. Uses the default format if a format lacks "%1", and appends a blank and

@@ -22,34 +22,34 @@ class TPixelStore
 {
 public:
     /// Returns pixels and marks them as used; null when they are not in the cache.
-    QImage Find(const void* user)
+    QImage Find(const void* content)
     {
-        const auto place = d_places.constFind(user);
-        if (place == d_places.constEnd())
+        const auto entry = d_iterators.constFind(content);
+        if (entry == d_iterators.constEnd())
             return QImage();
-        d_entries.splice(d_entries.begin(), d_entries, place.value());
+        d_entries.splice(d_entries.begin(), d_entries, entry.value());
         return d_entries.front().second;
     }
 
     /// Adds pixels and drops the least recently used ones until the rest fits.
-    void Insert(const void* user, const QImage& pixels)
+    void Insert(const void* content, const QImage& pixels)
     {
-        Remove(user);
-        d_entries.emplace_front(user, pixels);
-        d_places.insert(user, d_entries.begin());
+        Remove(content);
+        d_entries.emplace_front(content, pixels);
+        d_iterators.insert(content, d_entries.begin());
         d_bytes += pixels.sizeInBytes();
         while (d_bytes > TPageImage::Store_Bytes && d_entries.size() > 1)
             Remove(d_entries.back().first);
     }
 
-    void Remove(const void* user)
+    void Remove(const void* content)
     {
-        const auto place = d_places.constFind(user);
-        if (place == d_places.constEnd())
+        const auto entry = d_iterators.constFind(content);
+        if (entry == d_iterators.constEnd())
             return;
-        d_bytes -= place.value()->second.sizeInBytes();
-        d_entries.erase(place.value());
-        d_places.erase(place);
+        d_bytes -= entry.value()->second.sizeInBytes();
+        d_entries.erase(entry.value());
+        d_iterators.erase(entry);
     }
 
     qint64 Bytes() const { return d_bytes; }
@@ -58,7 +58,7 @@ private:
     using TEntries = std::list<std::pair<const void*, QImage>>;
 
     TEntries d_entries;
-    QHash<const void*, TEntries::iterator> d_places;
+    QHash<const void*, TEntries::iterator> d_iterators;
     qint64 d_bytes = 0;
 };
 
@@ -78,9 +78,9 @@ bool Is_Too_Large(qint64 width, qint64 height)
 /// icon file has only one byte for a width, and QImageReader returns that instead of the true size.
 bool Is_Icon_Too_Large(QIODevice* device)
 {
-    constexpr int offset_place = 18;
+    constexpr int offset_position = 18;
     constexpr int header_size = 24;
-    if (!device->seek(offset_place))
+    if (!device->seek(offset_position))
         return false;
     const QByteArray offset = device->read(sizeof(quint32));
     if (offset.size() < static_cast<int>(sizeof(quint32)) ||
@@ -112,10 +112,11 @@ bool Prepare(const TDecoding& decoding, QImageReader* reader)
     return decoding.picture == 0 || reader->jumpToImage(decoding.picture);
 }
 
-/// Whether the header declares too many pixels. The reader cannot be used afterwards.
+/// Whether the header declares too many pixels. Do not use the reader afterwards.
 bool Declares_Too_Many_Pixels(QImageReader* reader)
 {
-    // Some formats, icons among them, are not detected any more once the size has been read.
+    // Query the format first: some formats, such as icons, are not detected after the size was
+    // read.
     const QByteArray format = reader->format();
     const QSize size = reader->size();
     if (Is_Too_Large(size.width(), size.height()))
@@ -128,7 +129,7 @@ QImage Decode(const QByteArray& bytes, const TDecoding& decoding)
 {
     TWatchedDevice<QBuffer> buffer;
     buffer.setData(bytes);
-    // Use a new reader: reading the size has moved the first one on in its data.
+    // Reading the size moves the first reader on in its data, so a second one decodes the image.
     QImageReader header_reader(&buffer, decoding.format);
     if (!Prepare(decoding, &header_reader) || Declares_Too_Many_Pixels(&header_reader))
         return QImage();
@@ -157,7 +158,7 @@ QByteArray Format_Of(const QByteArray& bytes)
 /// The data that all copies of a page image share.
 struct TPageImage::TContent
 {
-    // Creates the cache first, so that it is destroyed after every static content.
+    // Creates the cache first, so that it is destroyed after static page images.
     TContent()
         : id(Next_Id())
     {

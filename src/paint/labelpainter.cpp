@@ -19,7 +19,7 @@ const QColor highlight_fill_color(0, 0, 255, 64);
 constexpr double highlight_line_width = 1.0; // pixels
 constexpr double text_width_share = 0.67;    // of the label's width
 constexpr double points_per_inch = 72.0;
-constexpr double smallest_text_scale = 0.2; // below, a text is not readable
+constexpr double smallest_text_scale = 0.2; // below this, text is unreadable
 
 /// Distance from the centre to the border. Uses the width for both directions, since labels are
 /// square; others are cut off at the top and the bottom.

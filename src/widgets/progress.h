@@ -51,7 +51,8 @@ public:
 
     /// How long an operation runs before its progress is shown.
     static constexpr qint64 Delay = 500; ///< milliseconds
-    /// Least time between two updates of the bar, so that painting does not slow down quick steps.
+    /// Minimum time between two updates of the bar, so that painting does not slow down quick
+    /// steps.
     static constexpr qint64 Pause = 100; ///< milliseconds
 
 private:

@@ -41,7 +41,7 @@ public:
         d_size = QSize();
     }
 
-    /// Whether a row with this text certainly has room. A quick test before Measure.
+    /// Whether a row with this text certainly fits. A quick test before Measure.
     bool Fits(const QString& text)
     {
         const std::optional<qreal> width = Sum_Of_Letters(text);
@@ -73,7 +73,7 @@ private:
     /// with letters out of range.
     std::optional<qreal> Sum_Of_Letters(const QString& text)
     {
-        // Not done before there is a row, since it would slow down the start of the program.
+        // Only when there is a row: measuring earlier would slow down the start of the program.
         if (d_letter_widths.empty())
             Measure_Letters();
         qreal width = 0.0;
@@ -115,10 +115,10 @@ QListWidgetItem* TRowList::Row(int id) const
     if (d_rows.count(id) < 2)
         return d_rows.value(id);
     // The order of rows with the same id depends on how the user moved them.
-    int place = 0;
-    while (item(place)->data(Id_Role).toInt() != id)
-        ++place;
-    return item(place);
+    int index = 0;
+    while (item(index)->data(Id_Role).toInt() != id)
+        ++index;
+    return item(index);
 }
 
 void TRowList::Remove_Row(int id)
@@ -145,20 +145,20 @@ std::vector<int> TRowList::Selected_Ids() const
 
 void TRowList::Select_Rows(const std::vector<int>& ids)
 {
-    std::vector<int> places;
+    std::vector<int> rows;
     for (const int id : ids) {
         if (const QListWidgetItem* const found = Row(id))
-            places.push_back(row(found));
+            rows.push_back(row(found));
     }
-    const QModelIndex current = places.empty() ? QModelIndex() : model()->index(places.back(), 0);
-    std::sort(places.begin(), places.end());
+    const QModelIndex current = rows.empty() ? QModelIndex() : model()->index(rows.back(), 0);
+    std::sort(rows.begin(), rows.end());
 
     // One selection, so that the list reports one change. Adjacent rows form one range, since Qt
     // compares each range with each other.
     QItemSelection selection;
-    for (auto first = places.cbegin(); first != places.cend();) {
+    for (auto first = rows.cbegin(); first != rows.cend();) {
         auto end = std::next(first);
-        while (end != places.cend() && *end <= *std::prev(end) + 1)
+        while (end != rows.cend() && *end <= *std::prev(end) + 1)
             ++end;
         selection.select(model()->index(*first, 0), model()->index(*std::prev(end), 0));
         first = end;
@@ -192,29 +192,29 @@ void TRowList::keyPressEvent(QKeyEvent* event)
     }
 }
 
-/// Moves each selected row by one place. Does nothing when one of them cannot move.
+/// Moves each selected row up or down by one. Does nothing when one of them cannot move.
 /// @param step  -1 to move up, 1 to move down.
 void TRowList::Move_Selected_Rows(int step)
 {
-    std::vector<int> places;
+    std::vector<int> rows;
     const QModelIndexList selected = selectionModel()->selectedRows();
     for (const QModelIndex& row : selected)
-        places.push_back(row.row());
-    // The foremost row moves first, so that no selected row passes another.
-    std::sort(places.begin(), places.end(),
+        rows.push_back(row.row());
+    // Start at the end towards which the rows move, so that no selected row passes another.
+    std::sort(rows.begin(), rows.end(),
               [step](int left, int right) { return step < 0 ? left < right : left > right; });
-    if (places.empty() || places.front() + step < 0 || places.front() + step >= count())
+    if (rows.empty() || rows.front() + step < 0 || rows.front() + step >= count())
         return;
     // The list moves dragged rows with the same operation.
-    for (const int place : places)
-        model()->moveRow(QModelIndex(), place, QModelIndex(), step < 0 ? place - 1 : place + 2);
+    for (const int index : rows)
+        model()->moveRow(QModelIndex(), index, QModelIndex(), step < 0 ? index - 1 : index + 2);
     scrollTo(currentIndex());
 }
 
 void TRowList::rowsInserted(const QModelIndex& parent, int first, int last)
 {
-    for (int place = first; place <= last; ++place)
-        d_rows.insert(item(place)->data(Id_Role).toInt(), item(place));
+    for (int index = first; index <= last; ++index)
+        d_rows.insert(item(index)->data(Id_Role).toInt(), item(index));
     Measure_Rows(first, last);
     QListWidget::rowsInserted(parent, first, last);
 }
@@ -222,8 +222,8 @@ void TRowList::rowsInserted(const QModelIndex& parent, int first, int last)
 void TRowList::rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last)
 {
     QListWidget::rowsAboutToBeRemoved(parent, first, last);
-    for (int place = first; place <= last; ++place)
-        d_rows.remove(item(place)->data(Id_Role).toInt(), item(place));
+    for (int index = first; index <= last; ++index)
+        d_rows.remove(item(index)->data(Id_Role).toInt(), item(index));
 }
 
 void TRowList::dataChanged(const QModelIndex& top_left, const QModelIndex& bottom_right,
@@ -252,8 +252,8 @@ void TRowList::changeEvent(QEvent* event)
 void TRowList::Index_Rows() const
 {
     d_rows.clear();
-    for (int place = 0; place < count(); ++place)
-        d_rows.insert(item(place)->data(Id_Role).toInt(), item(place));
+    for (int index = 0; index < count(); ++index)
+        d_rows.insert(item(index)->data(Id_Role).toInt(), item(index));
     d_rows_outdated = false;
 }
 
@@ -261,9 +261,9 @@ void TRowList::Index_Rows() const
 bool TRowList::Measure_Rows(int first, int last)
 {
     bool has_changed = false;
-    for (int place = first; place <= last; ++place) {
-        if (!d_delegate->Fits(item(place)->text()))
-            has_changed |= d_delegate->Measure(viewOptions(), model()->index(place, 0));
+    for (int index = first; index <= last; ++index) {
+        if (!d_delegate->Fits(item(index)->text()))
+            has_changed |= d_delegate->Measure(viewOptions(), model()->index(index, 0));
     }
     return has_changed;
 }

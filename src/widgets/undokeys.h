@@ -20,8 +20,8 @@ class TUndoKeys : public QObject
 public:
     using TAction = std::function<void()>;
 
-    /// @param window      receives the keys; must outlive this object. Create its line editors and
-    ///                    sliders before.
+    /// @param window      receives the keys; must outlive this object. Its line editors and sliders
+    ///                    must already exist.
     /// @param begin_edit  is called when an editor or a slider gets the focus or is pressed. What
     ///                    the user does there begins a new step.
     TUndoKeys(QWidget* window, TAction undo, TAction redo, TAction begin_edit);
