@@ -443,10 +443,10 @@ private slots:
         QCOMPARE(result.status, 1);
         QCOMPARE(result.output, QString());
         // The file ends within the labels, so the length field of the labels is the first defect.
-        const int place = Sound_Project().indexOf("<?xml") - 4;
-        QVERIFY2(
-            result.errors.startsWith(QString("quillet-cli: damaged.quillet: byte %1: ").arg(place)),
-            qPrintable(result.errors));
+        const int offset = Sound_Project().indexOf("<?xml") - 4;
+        QVERIFY2(result.errors.startsWith(
+                     QString("quillet-cli: damaged.quillet: byte %1: ").arg(offset)),
+                 qPrintable(result.errors));
         QCOMPARE(result.errors.count('\n'), 1);
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }

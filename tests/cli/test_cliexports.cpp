@@ -59,8 +59,8 @@ class TestCliExports : public QObject
                             Header(32, color, "", "", static_cast<quint32>(count)) + pages);
     }
 
-    /// Writes a file for every name that a page's image can get within the next minute, and returns
-    /// the names in order.
+    /// Writes a file under each name that the image of a page can get within the next minute, and
+    /// returns the names in order.
     QStringList Write_Images_Of_Next_Minute(const QString& page_name, int number) const
     {
         const QDateTime now = QDateTime::currentDateTime();

@@ -220,7 +220,7 @@ private slots:
         QCOMPARE(Home(), before);
     }
 
-    void kept_copies_a_copy_and_keeps_it()
+    void kept_copies_a_file_without_removing_it()
     {
         Keep("backup/one", Support::Empty_Project(40), "/tmp/one.quillet", 100);
         Keep("recovery/two", Support::Empty_Project(50), "", 200);

@@ -86,14 +86,14 @@ private slots:
     void numbers_are_written_as_their_raw_bytes();
     void extreme_values_are_read_back();
     void values_need_no_alignment();
-    void numbers_end_with_the_array_data();
-    void numbers_end_with_the_array();
+    void numbers_must_lie_within_the_array_data();
+    void numbers_must_lie_within_the_array();
     void a_huge_index_does_not_wrap_data();
     void a_huge_index_does_not_wrap();
     void number_writers_require_an_array_data();
     void number_writers_require_an_array();
-    void ascii_ends_with_the_zero_byte_or_the_array_data();
-    void ascii_ends_with_the_zero_byte_or_the_array();
+    void ascii_ends_after_a_zero_byte_or_at_the_end_of_the_array_data();
+    void ascii_ends_after_a_zero_byte_or_at_the_end_of_the_array();
     void ascii_requires_an_index_within_the_array();
     void set_ascii_stores_bytes_without_a_terminating_zero();
     void set_ascii_accepts_empty_data_except_at_index_zero();
@@ -166,14 +166,14 @@ void TestConversion::values_need_no_alignment()
     }
 }
 
-void TestConversion::numbers_end_with_the_array_data()
+void TestConversion::numbers_must_lie_within_the_array_data()
 {
     QTest::addColumn<int>("number");
     for (int i = 0; i < static_cast<int>(Numbers().size()); ++i)
         QTest::newRow(Numbers().at(static_cast<std::size_t>(i)).type) << i;
 }
 
-void TestConversion::numbers_end_with_the_array()
+void TestConversion::numbers_must_lie_within_the_array()
 {
     QFETCH(int, number);
     const TNumber& type = Numbers().at(static_cast<std::size_t>(number));
@@ -203,7 +203,7 @@ void TestConversion::numbers_end_with_the_array()
 
 void TestConversion::a_huge_index_does_not_wrap_data()
 {
-    numbers_end_with_the_array_data();
+    numbers_must_lie_within_the_array_data();
 }
 
 void TestConversion::a_huge_index_does_not_wrap()
@@ -226,7 +226,7 @@ void TestConversion::a_huge_index_does_not_wrap()
 
 void TestConversion::number_writers_require_an_array_data()
 {
-    numbers_end_with_the_array_data();
+    numbers_must_lie_within_the_array_data();
 }
 
 void TestConversion::number_writers_require_an_array()
@@ -238,7 +238,7 @@ void TestConversion::number_writers_require_an_array()
              QString());
 }
 
-void TestConversion::ascii_ends_with_the_zero_byte_or_the_array_data()
+void TestConversion::ascii_ends_after_a_zero_byte_or_at_the_end_of_the_array_data()
 {
     QTest::addColumn<unsigned int>("index");
     QTest::addColumn<QByteArray>("expected");
@@ -249,7 +249,7 @@ void TestConversion::ascii_ends_with_the_zero_byte_or_the_array_data()
     QTest::newRow("the last byte") << 4U << QByteArray("D");
 }
 
-void TestConversion::ascii_ends_with_the_zero_byte_or_the_array()
+void TestConversion::ascii_ends_after_a_zero_byte_or_at_the_end_of_the_array()
 {
     QFETCH(unsigned int, index);
     QFETCH(QByteArray, expected);

@@ -70,9 +70,9 @@ private slots:
     void a_private_file_has_mode_0600_with_any_umask();
     void a_link_is_followed();
     void a_link_to_a_missing_file_creates_that_file();
-    void a_file_with_two_names_keeps_both();
+    void a_file_with_two_hard_links_keeps_both();
     void an_extra_link_keeps_the_old_content();
-    void a_file_with_more_names_than_extra_links_keeps_all();
+    void a_file_with_more_hard_links_than_extra_links_keeps_all();
     void a_file_of_another_user_keeps_its_owner_data();
     void a_file_of_another_user_keeps_its_owner();
     void a_failed_overwrite_leaves_the_complete_new_file_data();
@@ -82,7 +82,7 @@ private slots:
     void the_visible_file_has_a_number_up_to_100_data();
     void the_visible_file_has_a_number_up_to_100();
     void without_a_visible_name_the_target_is_not_overwritten();
-    void a_private_file_replaces_one_name_only();
+    void a_private_file_replaces_only_one_of_two_hard_links();
     void an_unfinished_file_is_locked();
     void a_target_that_became_a_folder_fails_the_commit_data();
     void a_target_that_became_a_folder_fails_the_commit();
@@ -94,18 +94,18 @@ private slots:
     void a_copy_has_the_content_of_its_source_data();
     void a_copy_has_the_content_of_its_source();
     void a_copy_of_a_missing_file_fails();
-    void a_copy_that_comes_short_fails();
+    void a_short_copy_fails();
     void a_copy_is_never_written_directly();
     void a_committed_file_is_unlocked();
     void a_complete_file_has_the_right_size_and_end_data();
     void a_complete_file_has_the_right_size_and_end();
     void only_existing_files_can_be_synced();
     void a_device_needs_no_sync();
-    void a_file_is_synced_also_without_standard_input();
+    void a_file_is_synced_even_without_standard_input();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
-    void Write_File_With_Two_Names(const QString& name) const;
+    void Write_File_With_Two_Hard_Links(const QString& name) const;
 
     std::unique_ptr<QTemporaryDir> d_folder;
 };
@@ -228,9 +228,9 @@ void TestSafeFile::a_link_to_a_missing_file_creates_that_file()
     QCOMPARE(Entries(d_folder->path()), QStringList({"file", "link"}));
 }
 
-void TestSafeFile::a_file_with_two_names_keeps_both()
+void TestSafeFile::a_file_with_two_hard_links_keeps_both()
 {
-    Write_File_With_Two_Names("one");
+    Write_File_With_Two_Hard_Links("one");
     QVERIFY(TSafeFile::Replace(In("one"), "new"));
     QCOMPARE(Read_File(In("two")), QByteArray("new"));
     QCOMPARE(Entries(d_folder->path()), QStringList({"one", "two"}));
@@ -238,15 +238,15 @@ void TestSafeFile::a_file_with_two_names_keeps_both()
 
 void TestSafeFile::an_extra_link_keeps_the_old_content()
 {
-    Write_File_With_Two_Names("one");
+    Write_File_With_Two_Hard_Links("one");
     QVERIFY(TSafeFile::Replace(In("one"), "new", 1));
     QCOMPARE(Read_File(In("one")), QByteArray("new"));
     QCOMPARE(Read_File(In("two")), QByteArray("old and long"));
 }
 
-void TestSafeFile::a_file_with_more_names_than_extra_links_keeps_all()
+void TestSafeFile::a_file_with_more_hard_links_than_extra_links_keeps_all()
 {
-    Write_File_With_Two_Names("one");
+    Write_File_With_Two_Hard_Links("one");
     QVERIFY(link(QFile::encodeName(In("one")).constData(),
                  QFile::encodeName(In("three")).constData()) == 0);
     QVERIFY(TSafeFile::Replace(In("one"), "new", 1));
@@ -254,8 +254,8 @@ void TestSafeFile::a_file_with_more_names_than_extra_links_keeps_all()
     QCOMPARE(Read_File(In("three")), QByteArray("new"));
 }
 
-/// Writes a file with the given name and the name "two".
-void TestSafeFile::Write_File_With_Two_Names(const QString& name) const
+/// Writes a file that has two hard links: the given name and "two".
+void TestSafeFile::Write_File_With_Two_Hard_Links(const QString& name) const
 {
     Write_File(In(name), "old and long");
     QVERIFY(link(QFile::encodeName(In(name)).constData(),
@@ -271,7 +271,7 @@ void TestSafeFile::a_file_of_another_user_keeps_its_owner_data()
 
 void TestSafeFile::a_file_of_another_user_keeps_its_owner()
 {
-    // Only root can give files away.
+    // Only root can change the owner of a file.
     QFETCH(int, folder_mode);
     const uid_t other_user = geteuid() == 0 ? 12345 : geteuid();
     Write_File(In("file"), "old and long");
@@ -303,7 +303,7 @@ void TestSafeFile::a_failed_overwrite_leaves_the_complete_new_file()
     if (has_other_owner)
         QVERIFY(chown(QFile::encodeName(In("file")).constData(), other_user, other_user) == 0);
     else
-        Write_File_With_Two_Names("file");
+        Write_File_With_Two_Hard_Links("file");
     const Support::TChildResult result = Support::Run_In_Child([this] {
         // The message goes to standard error.
         qInstallMessageHandler(nullptr);
@@ -325,7 +325,7 @@ void TestSafeFile::a_failed_overwrite_leaves_the_complete_new_file()
 
 void TestSafeFile::a_kill_while_overwriting_leaves_the_complete_new_file()
 {
-    Write_File_With_Two_Names("file");
+    Write_File_With_Two_Hard_Links("file");
     const Support::TChildResult result = Support::Run_In_Child([this] {
         TUnfinishedFile::Delete_On_Signals();
         TSafeFile file(In("file"));
@@ -347,7 +347,7 @@ void TestSafeFile::a_kill_while_overwriting_leaves_the_complete_new_file()
 
 void TestSafeFile::existing_files_named_like_the_new_one_stay()
 {
-    Write_File_With_Two_Names("file");
+    Write_File_With_Two_Hard_Links("file");
     for (const char* const name : {"file.new", "file.new-2"})
         Write_File(In(name), "of the user");
     QVERIFY(TSafeFile::Replace(In("file"), "new"));
@@ -382,13 +382,13 @@ void TestSafeFile::without_a_visible_name_the_target_is_not_overwritten()
 {
     // With a suffix it would exceed the 255 bytes of a file name.
     const QString longest(254, 'n');
-    Write_File_With_Two_Names(longest);
+    Write_File_With_Two_Hard_Links(longest);
     QVERIFY(!TSafeFile::Replace(In(longest), "new"));
     QCOMPARE(Read_File(In("two")), QByteArray("old and long"));
     QCOMPARE(Entries(d_folder->path()).size(), 2);
 }
 
-void TestSafeFile::a_private_file_replaces_one_name_only()
+void TestSafeFile::a_private_file_replaces_only_one_of_two_hard_links()
 {
     Write_File(In("one"), "old");
     QVERIFY(link(QFile::encodeName(In("one")).constData(),
@@ -506,7 +506,7 @@ void TestSafeFile::a_copy_of_a_missing_file_fails()
     QVERIFY(!copy.Copy_From(In("missing")));
 }
 
-void TestSafeFile::a_copy_that_comes_short_fails()
+void TestSafeFile::a_short_copy_fails()
 {
     Write_File(In("source"), QByteArray(2000, 'c'));
     const Support::TChildResult result = Support::Run_In_Child([this] {
@@ -578,7 +578,7 @@ void TestSafeFile::a_device_needs_no_sync()
     QVERIFY(TSafeFile::Sync("/dev/null"));
 }
 
-void TestSafeFile::a_file_is_synced_also_without_standard_input()
+void TestSafeFile::a_file_is_synced_even_without_standard_input()
 {
     Write_File(In("file"), "content");
     const Support::TChildResult result = Support::Run_In_Child([this] {

@@ -1,4 +1,4 @@
-// Which files a signal deletes that ends the process.
+// Which files are deleted when a signal ends the process.
 
 #include "core/safefile.h"
 #include "core/unfinishedfile.h"

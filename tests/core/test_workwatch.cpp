@@ -90,7 +90,7 @@ void TestWorkWatch::reading_a_file_notifies_the_watch()
     const TWorkWatch watch([&reports] { ++reports; });
     TWatchedDevice<QFile> file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    for (int place = 0; place < bytes.size(); place += 1000)
+    for (int offset = 0; offset < bytes.size(); offset += 1000)
         QCOMPARE(file.read(1000), QByteArray(1000, 'x'));
     QVERIFY(reports > 10);
 }

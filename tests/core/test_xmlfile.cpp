@@ -99,12 +99,12 @@ private slots:
     void parse_errors_fill_message_line_and_column_in_that_order_data();
     void parse_errors_fill_message_line_and_column_in_that_order();
     void a_failed_parse_leaves_identification_and_root();
-    void another_root_does_not_match();
+    void another_root_name_is_refused();
     void names_with_placeholders_are_inserted_literally();
     void a_missing_version_fails_only_if_requested();
     void versions_are_decimal_data();
     void versions_are_decimal();
-    void a_missing_version_comes_after_identification_and_doctype();
+    void identification_and_doctype_are_stored_before_a_missing_version_fails();
     void the_doctype_is_stored();
     void ruinous_documents_are_parse_errors();
     void characters_that_xml_does_not_allow_are_parse_errors_data();
@@ -144,7 +144,7 @@ private slots:
     void indentation_is_four_blanks();
     void write_data_replaces_the_data();
     void an_empty_document_writes_nothing();
-    void output_is_utf8_whatever_the_locale();
+    void output_is_utf8_in_any_locale();
     void output_has_the_declared_encoding();
     void a_file_is_written_as_the_data();
     void a_write_protected_file_is_a_file_error();
@@ -383,7 +383,7 @@ void TestXmlFile::a_failed_parse_leaves_identification_and_root()
     QCOMPARE(file.documentElement().tagName(), QStringLiteral("S"));
 }
 
-void TestXmlFile::another_root_does_not_match()
+void TestXmlFile::another_root_name_is_refused()
 {
     TXmlFile file;
     COMPARE_THROWN(file.Open_Data("<Other/>", "Wanted", nullptr, true), Data_Error,
@@ -452,7 +452,7 @@ void TestXmlFile::versions_are_decimal()
     }
 }
 
-void TestXmlFile::a_missing_version_comes_after_identification_and_doctype()
+void TestXmlFile::identification_and_doctype_are_stored_before_a_missing_version_fails()
 {
     TXmlFile file;
     int version = 0;
@@ -1036,7 +1036,7 @@ void TestXmlFile::an_empty_document_writes_nothing()
     QCOMPARE(Compact(file), QByteArray());
 }
 
-void TestXmlFile::output_is_utf8_whatever_the_locale()
+void TestXmlFile::output_is_utf8_in_any_locale()
 {
     const QString text = QStringLiteral("\u00e4\u20ac\u4e2d");
     for (const char* codec : {"UTF-8", "ISO-8859-1", "US-ASCII", "UTF-16"}) {

@@ -26,7 +26,8 @@ QByteArray Document(const QByteArray& declarations, const QByteArray& content)
     return "<!DOCTYPE R [" + declarations + "]><R>" + content + "</R>";
 }
 
-/// Entities a0, which contains the text, a1, ..., each with ten references to the previous one.
+/// The entity a0, which contains the text, and further entities a1, a2, ... Each of these has ten
+/// references to the previous one.
 QByteArray Laughs(int levels, const QByteArray& text)
 {
     QByteArray declarations = "<!ENTITY a0 '" + text + "'>";
@@ -36,7 +37,7 @@ QByteArray Laughs(int levels, const QByteArray& text)
     return declarations;
 }
 
-/// Concatenates pieces made from their numbers.
+/// Concatenates the results of `piece` for the numbers from 0 to count - 1.
 template <typename TPiece>
 QByteArray Row(int count, TPiece piece)
 {
@@ -385,7 +386,7 @@ void TestXmlGuard::attributes_are_counted_per_element()
     QCOMPARE(Message(Document("<!ENTITY e 'x'>", tag.repeated(50)), true), QString());
 }
 
-/// The reader gets a document in blocks, which may end anywhere.
+/// The reader receives a document in blocks, which may end anywhere.
 void TestXmlGuard::limits_hold_across_block_borders()
 {
     const QByteArray allowed = "<R" + Row(XmlGuard::Attribute_Limit, Attribute) + "/>";

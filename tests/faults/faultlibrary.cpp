@@ -1,6 +1,6 @@
 // A library that tests preload. It makes the n-th system call of a kind on files below given
-// folders fail, fall short or kill the process, and logs the calls. It passes all successful calls
-// to the recorder.
+// folders fail, do only half its work or kill the process. It logs the calls, and passes all
+// successful ones to the recorder.
 //
 // Tests find its functions with dlsym(). Files are identified through /proc/self/fd, so it does not
 // matter how they were opened.
@@ -243,10 +243,10 @@ int Truncated(int descriptor, off64_t size, const TResize& resize_it)
 }
 
 template <typename TWrite>
-ssize_t Written(int descriptor, size_t size, off64_t place, const TWrite& write_part)
+ssize_t Written(int descriptor, size_t size, off64_t offset, const TWrite& write_part)
 {
     const ssize_t written = Disturbed_Write(Write, descriptor, size, write_part);
-    Recorder::Wrote(descriptor, written, place);
+    Recorder::Wrote(descriptor, written, offset);
     return written;
 }
 
@@ -370,18 +370,18 @@ ssize_t write(int descriptor, const void* bytes, size_t size)
                    [&](size_t part) { return next(descriptor, bytes, part); });
 }
 
-ssize_t pwrite(int descriptor, const void* bytes, size_t size, off_t place)
+ssize_t pwrite(int descriptor, const void* bytes, size_t size, off_t offset)
 {
     QUILLET_NEXT(pwrite);
-    return Written(descriptor, size, place,
-                   [&](size_t part) { return next(descriptor, bytes, part, place); });
+    return Written(descriptor, size, offset,
+                   [&](size_t part) { return next(descriptor, bytes, part, offset); });
 }
 
-ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t place)
+ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t offset)
 {
     QUILLET_NEXT(pwrite64);
-    return Written(descriptor, size, place,
-                   [&](size_t part) { return next(descriptor, bytes, part, place); });
+    return Written(descriptor, size, offset,
+                   [&](size_t part) { return next(descriptor, bytes, part, offset); });
 }
 
 ssize_t read(int descriptor, void* bytes, size_t size)
@@ -404,17 +404,17 @@ int close(int descriptor)
     return is_refused ? Refused(EIO) : result;
 }
 
-ssize_t copy_file_range(int from, off64_t* from_place, int to, off64_t* to_place, size_t size,
+ssize_t copy_file_range(int from, off64_t* from_offset, int to, off64_t* to_offset, size_t size,
                         unsigned int flags)
 {
     QUILLET_NEXT(copy_file_range);
-    const off64_t place = to_place ? *to_place : -1;
+    const off64_t offset = to_offset ? *to_offset : -1;
     const bool is_counted_apart = fault.call == Clone || fault.call == Read;
     const TCall call = is_counted_apart ? static_cast<TCall>(fault.call) : Write;
     const ssize_t copied = Disturbed_Write(call, to, size, [&](size_t part) {
-        return next(from, from_place, to, to_place, part, flags);
+        return next(from, from_offset, to, to_offset, part, flags);
     });
-    Recorder::Wrote(to, copied, place);
+    Recorder::Wrote(to, copied, offset);
     return copied;
 }
 

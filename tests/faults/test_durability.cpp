@@ -43,7 +43,7 @@ private slots:
     void a_backup_that_cannot_be_synced_or_renamed_is_copied();
     void a_kill_while_the_backup_is_made_leaves_the_document_data();
     void a_kill_while_the_backup_is_made_leaves_the_document();
-    void a_file_with_two_names_is_overwritten_from_a_complete_visible_file();
+    void a_file_with_two_hard_links_is_overwritten_from_a_complete_visible_file();
     void the_saved_file_is_on_the_disk_before_the_log_is_deleted();
     void the_saved_file_is_on_the_disk_before_the_opened_recovery_copy_is_deleted();
     void a_failing_sync_of_the_saved_file_keeps_the_log_data();
@@ -117,7 +117,7 @@ void TestDurability::cleanup()
     d_folder.reset();
 }
 
-/// Operations that replace a file by a new one.
+/// Operations that replace a file with a new one.
 void TestDurability::Add_Operations()
 {
     QTest::addColumn<QString>("operation");
@@ -135,7 +135,7 @@ bool TestDurability::Write_New_File(const QString& operation, int label_size)
 {
     if (operation == "file")
         return TSafeFile::Replace(In("documents/a.quillet"), Empty_Project(label_size));
-    // Files with two names are copied.
+    // Files with two hard links are copied.
     Write_File(In("documents/a.quillet"), Empty_Project(label_size));
     link(QFile::encodeName(In("documents/a.quillet")).constData(),
          QFile::encodeName(In("documents/link")).constData());
@@ -251,7 +251,7 @@ void TestDurability::the_backup_is_on_the_disk_before_the_document_is_replaced()
 
 void TestDurability::the_backup_is_on_the_disk_before_the_document_is_truncated()
 {
-    // A document with two names is overwritten in place.
+    // A document with two hard links is overwritten in place.
     link(QFile::encodeName(In("documents/a.quillet")).constData(),
          QFile::encodeName(In("documents/link")).constData());
     const auto net = Net();
@@ -310,7 +310,7 @@ void TestDurability::a_backup_that_cannot_be_synced_or_renamed_is_copied()
     QVERIFY(!file.isOpen());
     QCOMPARE(Read_File(document), Empty_Project(40));
     QCOMPARE(Read_File(*copy), Empty_Project(40));
-    // Neither is the other: overwriting the document leaves the backup.
+    // They are separate files: overwriting the document does not change the backup.
     Write_File(document, "x");
     QCOMPARE(Read_File(*copy), Empty_Project(40));
     QCOMPARE(Support::Entries(In("settings/backup")).size(), 2);
@@ -321,8 +321,8 @@ void TestDurability::a_kill_while_the_backup_is_made_leaves_the_document_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("at");
-    // The file for the new version gets its name, the document gets a second one, which replaces
-    // the previous backup; then the new file replaces the document.
+    // Calls that link or rename a file: a temporary file gets a name, the document gets a second
+    // name, this replaces the previous backup, and the temporary file replaces the document.
     for (int at = 1; at <= 4; ++at) {
         QTest::addRow("before call %d", at) << static_cast<int>(Faults::Kill) << at;
         QTest::addRow("after call %d", at) << static_cast<int>(Faults::Kill_After) << at;
@@ -357,7 +357,7 @@ void TestDurability::a_kill_while_the_backup_is_made_leaves_the_document()
     QCOMPARE(Support::Entries(In("documents")), QStringList{"a.quillet"});
 }
 
-void TestDurability::a_file_with_two_names_is_overwritten_from_a_complete_visible_file()
+void TestDurability::a_file_with_two_hard_links_is_overwritten_from_a_complete_visible_file()
 {
     Write_File(In("documents/target"), "old");
     link(QFile::encodeName(In("documents/target")).constData(),
@@ -580,7 +580,7 @@ void TestDurability::the_file_system_copies_where_it_can()
     };
     const int clones = calls(Faults::Clone);
     QVERIFY(clones > 0);
-    // Nothing is written besides.
+    // No other writes.
     QCOMPARE(calls(Faults::Write), clones);
 }
 

@@ -129,7 +129,7 @@ private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
     static QString Settings() { return QDir::homePath() + "/.quillet"; }
     QString Document() const { return In("documents/a.quillet"); }
-    void Lay_Out();
+    void Restore_Files();
     void Edit(const QString& operation);
     void Run(const QString& operation);
     int Count_Labels(const QString& path) const;
@@ -173,7 +173,7 @@ void TestFaults::cleanup()
 }
 
 /// Restores the files to their state before a try.
-void TestFaults::Lay_Out()
+void TestFaults::Restore_Files()
 {
     QDir(Settings()).removeRecursively();
     QDir(In("out")).removeRecursively();
@@ -247,7 +247,7 @@ int TestFaults::Best_Copy() const
     return best;
 }
 
-/// What a try lost; empty when nothing.
+/// What was lost in a try; empty if nothing was.
 QString TestFaults::Loss(const QString& operation) const
 {
     // The work log has the label that was added before the fault. Without one there is only the
@@ -280,7 +280,7 @@ void TestFaults::the_document_survives_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("call");
     QTest::addColumn<int>("kind");
-    QTest::addColumn<int>("least_tries");
+    QTest::addColumn<int>("minimum_tries");
     for (const TOperation& operation : operations) {
         for (const TFaultKind& fault : fault_kinds)
             QTest::addRow("%s, %s", operation.name, fault.name)
@@ -295,19 +295,19 @@ void TestFaults::the_document_survives()
     QFETCH(QString, name);
     QFETCH(int, call);
     QFETCH(int, kind);
-    QFETCH(int, least_tries);
+    QFETCH(int, minimum_tries);
     const auto arm = From_Library<void (*)(const char*, int, int, int)>("Quillet_Arm_Fault");
     const auto disarm = From_Library<int (*)()>("Quillet_Disarm_Fault");
     const QByteArray folders =
         QFile::encodeName(In("documents") + ':' + In("out") + ':' + Settings() +
                           "/recovery:" + Settings() + "/backup");
-    constexpr int most_calls = 200;
+    constexpr int maximum_calls = 200;
     int tries = 0;
     int losses = 0;
     bool reached = true;
-    while (reached && tries < most_calls) {
+    while (reached && tries < maximum_calls) {
         const int at = tries + 1;
-        Lay_Out();
+        Restore_Files();
         const Support::TChildResult result = Support::Run_In_Child([&] {
             Edit(operation);
             arm(folders.constData(), call, kind, at);
@@ -329,8 +329,8 @@ void TestFaults::the_document_survives()
     }
     Add_To_Table(operation, name, tries, losses);
     QCOMPARE(losses, 0);
-    QVERIFY2(tries >= least_tries, qPrintable(QString("only %1 tries").arg(tries)));
-    QVERIFY(tries < most_calls);
+    QVERIFY2(tries >= minimum_tries, qPrintable(QString("only %1 tries").arg(tries)));
+    QVERIFY(tries < maximum_calls);
 }
 
 void TestFaults::a_full_disk_leaves_the_document_data()
@@ -346,7 +346,7 @@ void TestFaults::a_full_disk_leaves_the_document()
     constexpr int steps = 12;
     int losses = 0;
     for (int step = 0; step < steps; ++step) {
-        Lay_Out();
+        Restore_Files();
         const Support::TChildResult result = Support::Run_In_Child([&] {
             Edit(operation);
             const qint64 room = qint64{d_first_version.size()} * step / (steps - 2);

@@ -21,7 +21,7 @@ QByteArray Element(const QByteArray& name, const QByteArray& content)
     return '<' + name + '>' + content + "</" + name + '>';
 }
 
-/// An item whose children are well formed, with one of them, or none, replaced.
+/// An item with well-formed children. The child `name`, if any, is replaced with `replacement`.
 QByteArray Item_With(const QByteArray& name = QByteArray(),
                      const QByteArray& replacement = QByteArray())
 {
@@ -48,7 +48,8 @@ void Read(const QByteArray& document, TItems* items)
     ItemList::Read(document, [items](const TDataItem& item) { items->push_back(item); });
 }
 
-/// The message of the exception with which reading ends, and its type; empty without one.
+/// The message of the exception that ends the reading, marked if it is a file error; empty without
+/// an exception.
 QString Failure(const QByteArray& document, TItems* items)
 {
     try {
@@ -287,7 +288,7 @@ private slots:
         QCOMPARE(items[1].id, 2);
     }
 
-    void labels_are_appended_whatever_their_ids()
+    void labels_are_appended_even_with_repeated_ids()
     {
         TItems items{{5, 1, QStringLiteral("first"), 0, QPointF(), true}};
         Read(Document(Item_With() + Item_With()), &items);
@@ -369,7 +370,7 @@ private slots:
         QCOMPARE(copy[count - 1].text, QString::number(count - 1));
     }
 
-    void characters_that_xml_cannot_hold_can_be_left_out_data()
+    void characters_that_xml_cannot_represent_can_be_left_out_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("left");
@@ -385,7 +386,7 @@ private slots:
         QTest::newRow("all fine") << face + " <&>\t" << face + " <&>\t";
     }
 
-    void characters_that_xml_cannot_hold_can_be_left_out()
+    void characters_that_xml_cannot_represent_can_be_left_out()
     {
         QFETCH(const QString, text);
         QFETCH(const QString, left);

@@ -40,7 +40,7 @@ QString Label_Line(int id)
     return QStringLiteral("label %1 7 't' 2 1,2").arg(id);
 }
 
-/// Where the content of the root begins.
+/// Offset of the root's content.
 int Begin()
 {
     return Item_List("x").lastIndexOf('x');

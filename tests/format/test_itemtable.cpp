@@ -35,7 +35,7 @@ QStringList Describe(const std::vector<TItemRow>& rows)
     return lines;
 }
 
-/// Line and message of what reading throws; empty when it does not.
+/// Line and message of the exception that reading throws; empty without an exception.
 QString Refusal(const QByteArray& table)
 {
     try {

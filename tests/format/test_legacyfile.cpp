@@ -31,7 +31,7 @@ QByteArray Element(const QByteArray& name, const QByteArray& content)
     return '<' + name + '>' + content + "</" + name + '>';
 }
 
-/// A well-formed item of version 2, which version 1 takes as well, with one child replaced.
+/// A well-formed item of version 2, which is also valid in version 1, with one child replaced.
 QByteArray Item_With(const QByteArray& name = QByteArray(),
                      const QByteArray& replacement = QByteArray())
 {
@@ -220,9 +220,9 @@ private slots:
         QVERIFY(Items_Of(reader, size_node + color_node).empty());
     }
 
-    void labels_are_read_in_document_order_also_with_repeated_ids_data() { Add_Versions(); }
+    void labels_are_read_in_document_order_even_with_repeated_ids_data() { Add_Versions(); }
 
-    void labels_are_read_in_document_order_also_with_repeated_ids()
+    void labels_are_read_in_document_order_even_with_repeated_ids()
     {
         QFETCH(const TReader, reader);
         const std::vector<TDataItem> items = Items_Of(

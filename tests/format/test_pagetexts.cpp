@@ -47,7 +47,8 @@ QByteArray One_Page(const QByteArray& header_1, const QByteArray& name, const QB
     return Header(32, "#f79741", header_1, "", 1) + Page_Record(name, QByteArray(), items);
 }
 
-/// Header lines and page names as the window reads them, then as a survey does if it differs.
+/// Header lines and page names as ProjectFile::Read returns them, followed by those of a survey if
+/// they differ.
 QStringList Texts_Of(const QByteArray& bytes)
 {
     const TFileContent content = ProjectFile::Read(bytes);
@@ -115,7 +116,7 @@ private slots:
         QCOMPARE(Support::Byte_Difference(bytes, expected), QString());
     }
 
-    void labels_are_beside_the_attributes()
+    void labels_and_attributes_do_not_interfere()
     {
         TDocument document;
         document.Add_Page({greek, {}, {Support::Label(5, 7, "Pump", 2, {1, 2.5})}});
@@ -127,7 +128,7 @@ private slots:
                  QStringLiteral("Pump"));
     }
 
-    void a_text_that_xml_cannot_hold_stays_replaced_data()
+    void characters_that_xml_cannot_represent_stay_replaced_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("expected");
@@ -137,7 +138,7 @@ private slots:
         QTest::newRow("zero") << greek + QChar(0) + "x" << QString("?-1");
     }
 
-    void a_text_that_xml_cannot_hold_stays_replaced()
+    void characters_that_xml_cannot_represent_stay_replaced()
     {
         QFETCH(const QString, text);
         QFETCH(const QString, expected);
@@ -181,7 +182,7 @@ private slots:
         QCOMPARE(texts, QStringList({expected, QString(), expected}));
     }
 
-    void header_lines_are_read_from_the_first_page_alone()
+    void header_lines_are_read_only_from_the_first_page()
     {
         const QByteArray list = Item_List({}, " Header_1=\"\xce\xa9\" Header_2=\"\xce\xa9\"");
         const QByteArray bytes = Header(32, "#f79741", "?", "?", 2) +
@@ -228,7 +229,7 @@ private slots:
         const QByteArray begin = R"(<?xml version="1.0" encoding="utf-8"?><Quillet_Data)"
                                  " Page_Name=\"\xce\xa9\" File_Version=\"1\"";
         QTest::newRow("not closed") << begin + ">";
-        QTest::newRow("rubbish at the end") << begin + "/>&";
+        QTest::newRow("trailing bytes") << begin + "/>&";
         QTest::newRow("bad label") << begin + "><Item></Quillet_Data>";
     }
 
@@ -262,7 +263,7 @@ private slots:
         QVERIFY(texts.name.isEmpty());
     }
 
-    void a_page_with_a_long_name_is_found_behind_a_damaged_length()
+    void a_page_with_a_long_name_is_found_after_a_damaged_length()
     {
         const QString name(900, QChar(0x3a9));
         const QByteArray bytes = Project(QString(), QString(), {"first", name, "last"});

@@ -32,7 +32,7 @@ QString Write(const TDocument& document, TProjectWriter* writer)
     return ProjectFile::Write(document.appearance, document.pages, document.data, nullptr, writer);
 }
 
-/// A picture as a file that is not PNG.
+/// A picture in a format other than PNG.
 QByteArray Bmp(const QImage& image)
 {
     QBuffer buffer;
@@ -70,7 +70,7 @@ private:
 
 const QByteArray magic = Support::Magic();
 
-/// Which operation of the reader meets a length.
+/// Which operation of the reader reads a field.
 enum TFieldKind { Text_Field, Bytes_Field, Image_Field };
 
 QByteArray Read_Field(TProjectReader* reader, TFieldKind kind)
@@ -86,7 +86,7 @@ QByteArray Read_Field(TProjectReader* reader, TFieldKind kind)
     return reader->Read_Image().Source_Bytes();
 }
 
-/// Reads a document of one page, field after field, and describes it.
+/// Reads a document field by field and describes it.
 QByteArray Describe(const QByteArray& bytes)
 {
     TProjectReader reader(bytes);
@@ -257,14 +257,14 @@ private slots:
         QCOMPARE(writer.Size(), qint64(1000008));
     }
 
-    void a_full_device_ends_the_writing_data()
+    void writing_stops_when_the_device_is_full_data()
     {
         QTest::addColumn<int>("room");
         for (const int room : {0, 3, 4, 7, 8, 10, 16})
             QTest::addRow("%d bytes", room) << room;
     }
 
-    void a_full_device_ends_the_writing()
+    void writing_stops_when_the_device_is_full()
     {
         QFETCH(const int, room);
         TProjectWriter writer;
@@ -469,10 +469,10 @@ private slots:
     void every_changed_byte_has_an_allowed_outcome()
     {
         const QByteArray whole = Small_Document();
-        for (int place = 0; place < whole.size(); ++place) {
+        for (int offset = 0; offset < whole.size(); ++offset) {
             for (const char value : {'\0', '\x01', '\x7f', '\x80', '\xff'}) {
                 QByteArray bytes = whole;
-                bytes[place] = value;
+                bytes[offset] = value;
                 const Support::TChildResult result = Support::Run_In_Child([&bytes] {
                     Describe(bytes);
                     return 0;
@@ -480,7 +480,7 @@ private slots:
                 const bool is_allowed =
                     (result.exited && result.exit_code == 0) ||
                     (result.signal == SIGABRT && result.error_output.contains("core/conversion"));
-                QVERIFY2(is_allowed, qPrintable(QString::number(place) + QLatin1Char(' ') +
+                QVERIFY2(is_allowed, qPrintable(QString::number(offset) + QLatin1Char(' ') +
                                                 QString::fromUtf8(result.error_output)));
             }
         }

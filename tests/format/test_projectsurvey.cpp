@@ -74,9 +74,9 @@ QStringList Describe(const TProjectSurvey& survey)
 {
     QStringList lines;
     for (const TSurveyedPage& page : survey.pages) {
-        const int place = lines.filter(QStringLiteral("page ")).size();
+        const int index = lines.filter(QStringLiteral("page ")).size();
         lines += QStringLiteral("page %1 %2 %3x%4")
-                     .arg(place + 1)
+                     .arg(index + 1)
                      .arg(page.name)
                      .arg(page.image.width())
                      .arg(page.image.height());
@@ -107,8 +107,8 @@ TProjectSurvey Survey(const QByteArray& bytes)
     return ProjectSurvey::Survey(bytes, TImages::Decode);
 }
 
-/// Empty when the defects are in ascending order and within the file.
-QString Broken_Promise(const QByteArray& bytes, const TProjectSurvey& survey)
+/// Describes a defect that is out of order or outside the file; empty if there is none.
+QString Order_Fault(const QByteArray& bytes, const TProjectSurvey& survey)
 {
     qint64 last = 0;
     for (const TProjectDefect& defect : survey.defects) {
@@ -119,7 +119,7 @@ QString Broken_Promise(const QByteArray& bytes, const TProjectSurvey& survey)
     return QString();
 }
 
-/// Loads a file in a window; empty when the window shows what was surveyed.
+/// Loads a file in a window. Empty if the window shows what was surveyed.
 QString Window_Difference(const QByteArray& bytes, const TProjectSurvey& survey)
 {
     const QTemporaryDir folder;
@@ -144,12 +144,13 @@ QString Window_Difference(const QByteArray& bytes, const TProjectSurvey& survey)
                                    shown.join(QLatin1Char('|'));
 }
 
-/// Empty when the survey of a file is consistent, and equal to the window if it has no defects.
+/// Describes what is wrong with the survey of a file; empty if it is consistent and, for a file
+/// without defects, equal to the window.
 QString Survey_Fault(const QByteArray& bytes)
 {
     const TProjectSurvey survey = Survey(bytes);
-    const QString broken = Broken_Promise(bytes, survey);
-    return broken.isEmpty() && survey.defects.empty() ? Window_Difference(bytes, survey) : broken;
+    const QString fault = Order_Fault(bytes, survey);
+    return fault.isEmpty() && survey.defects.empty() ? Window_Difference(bytes, survey) : fault;
 }
 
 /// The defects of the files in tests/data/broken.
@@ -249,15 +250,15 @@ QMap<QString, QStringList> Broken_Files()
 }
 
 /// A file with one byte changed in several ways.
-QList<QByteArray> Changed_At(const QByteArray& whole, int place)
+QList<QByteArray> Changed_At(const QByteArray& whole, int offset)
 {
-    const char original = whole.at(place);
+    const char original = whole.at(offset);
     QList<QByteArray> variants;
     for (const int value : {0, 0xff, original + 1, original ^ 0x10}) {
         if (static_cast<char>(value) == original)
             continue;
         variants.append(whole);
-        variants.last()[place] = static_cast<char>(value);
+        variants.last()[offset] = static_cast<char>(value);
     }
     return variants;
 }
@@ -370,15 +371,15 @@ private slots:
                                 whole.size()};
         const QStringList names{"first", "second", "third"};
         const int pages_begin = Header(32, look, "one", "two", 3).size();
-        for (int place = 0; place < whole.size(); ++place) {
-            for (const QByteArray& changed : Changed_At(whole, place)) {
+        for (int offset = 0; offset < whole.size(); ++offset) {
+            for (const QByteArray& changed : Changed_At(whole, offset)) {
                 const TProjectSurvey survey = Survey(changed);
                 int begin = pages_begin;
                 for (int page = 0; page < ends.size(); begin = ends[page++]) {
-                    const bool is_changed = place >= begin && place < ends[page];
+                    const bool is_changed = offset >= begin && offset < ends[page];
                     QVERIFY2(is_changed || Has_Page(survey, names[page]),
                              qPrintable(QStringLiteral("byte %1 loses %2: %3")
-                                            .arg(place)
+                                            .arg(offset)
                                             .arg(names[page], Defects(survey).join("; "))));
                 }
                 QCOMPARE(Survey_Fault(changed), QString());
@@ -547,7 +548,7 @@ private slots:
         QCOMPARE(Describe(survey), Page_Lines(1, "first") + Page_Lines(2, "second"));
     }
 
-    void other_files_have_one_defect()
+    void a_file_that_is_not_a_project_has_one_defect()
     {
         for (const QByteArray& bytes :
              {Png(Picture(40, 30)), QByteArray(5000, '\0'), QByteArray(5000, '\xff')})
@@ -562,8 +563,8 @@ private slots:
         const QByteArray image = Png(Picture(3, 2));
         const QByteArray items = Good_Items("second");
         const QStringList page = Page_Lines(2, "second");
-        const int image_place = 10;
-        const int items_place = image_place + 4 + image.size();
+        const int image_offset = 10;
+        const int items_offset = image_offset + 4 + image.size();
         const QList<std::pair<quint32, QString>> lengths{
             {negative, "is negative: -1"},
             {0x7fffffff, "points past the end of the file: 2147483647"}};
@@ -573,13 +574,13 @@ private slots:
                 << QStringList{"0: the length of the name " + what} << page;
             QTest::newRow(qPrintable("image " + what))
                 << Field("second") + Number(length) + image + Field(items)
-                << QStringList{QStringLiteral("%1: the length of the image ").arg(image_place) +
+                << QStringList{QStringLiteral("%1: the length of the image ").arg(image_offset) +
                                what}
                 << page;
             QTest::newRow(qPrintable("labels " + what))
                 << Field("second") + Field(image) + Number(length) + items
                 << QStringList{QStringLiteral("%1: the length of the label document ")
-                                   .arg(items_place) +
+                                   .arg(items_offset) +
                                what}
                 << page;
         }
@@ -593,14 +594,14 @@ private slots:
                 << QStringList{wrong.arg(0).arg("the name").arg(6 + error).arg(6)} << page;
             QTest::addRow("image wrong by %d", error)
                 << Field("second") + damaged(image) + Field(items)
-                << QStringList{wrong.arg(image_place)
+                << QStringList{wrong.arg(image_offset)
                                    .arg("the image")
                                    .arg(image.size() + error)
                                    .arg(image.size())}
                 << page;
             QTest::addRow("labels wrong by %d", error)
                 << Field("second") + Field(image) + damaged(items)
-                << QStringList{wrong.arg(items_place)
+                << QStringList{wrong.arg(items_offset)
                                    .arg("the label document")
                                    .arg(items.size() + error)
                                    .arg(items.size())}
@@ -704,15 +705,15 @@ private slots:
             lines += QStringLiteral(" %1 'some text' 8 %2,33.25").arg(10 * i).arg(i + 0.5);
         }
         const QByteArray whole = Header(32, look, "", "", 1) + With_Items(Item_List(labels));
-        for (int place = whole.indexOf("<Item>"); place < whole.lastIndexOf("</Quillet_Data>");
-             ++place) {
-            for (const QByteArray& changed : Changed_At(whole, place)) {
+        for (int offset = whole.indexOf("<Item>"); offset < whole.lastIndexOf("</Quillet_Data>");
+             ++offset) {
+            for (const QByteArray& changed : Changed_At(whole, offset)) {
                 // Ids are not compared: a repeated one is replaced.
                 const QString found = Describe(Survey(changed)).join(QLatin1Char('|'));
                 const auto kept =
                     std::count_if(lines.cbegin(), lines.cend(),
                                   [&found](const QString& line) { return found.contains(line); });
-                QVERIFY2(kept >= lines.size() - 1, qPrintable(QString::number(place) + found));
+                QVERIFY2(kept >= lines.size() - 1, qPrintable(QString::number(offset) + found));
             }
         }
     }
@@ -728,13 +729,13 @@ private slots:
     void a_page_whose_label_document_is_lost_keeps_its_image()
     {
         const QByteArray image = Png(Picture(3, 2));
-        const int items_place = 14 + image.size();
+        const int items_offset = 14 + image.size();
         Compare_Middle(Field("second") + Field(image) + Number(negative) + QByteArray(300, 'x'),
                        {QStringLiteral("%1: the length of the label document is negative: -1")
-                            .arg(items_place),
+                            .arg(items_offset),
                         QStringLiteral("%1: ERR: Reference data XML parse error at line error "
                                        "occurred while parsing element column 1: 1")
-                            .arg(items_place + 4)},
+                            .arg(items_offset + 4)},
                        {"page 2 second 3x2"});
     }
 
@@ -771,7 +772,7 @@ private slots:
             const QByteArray bytes = head + piece.repeated(size / piece.size());
             const TProjectSurvey survey = Survey(bytes);
             QVERIFY(!survey.defects.empty());
-            QCOMPARE(Broken_Promise(bytes, survey), QString());
+            QCOMPARE(Order_Fault(bytes, survey), QString());
         }
     }
 };

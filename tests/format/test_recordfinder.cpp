@@ -33,7 +33,7 @@ QString Describe(const TPageRecord& record)
         .arg(record.end);
 }
 
-/// What a record is whose fields follow each other without damage.
+/// A record whose fields follow each other without damage.
 QString Sound(qint64 begin, const QByteArray& name, const QByteArray& image,
               const QByteArray& items)
 {
@@ -132,7 +132,7 @@ private slots:
         QCOMPARE(record.image->length, qint64(png.size()));
     }
 
-    void a_name_is_searched_for_over_1024_bytes_data()
+    void a_name_is_found_within_1024_bytes_before_the_image_data()
     {
         QTest::addColumn<int>("length");
         QTest::addColumn<bool>("is_found");
@@ -140,7 +140,7 @@ private slots:
         QTest::newRow("1,024 bytes") << 1024 << true;
         QTest::newRow("1,025 bytes") << 1025 << false;
     }
-    void a_name_is_searched_for_over_1024_bytes()
+    void a_name_is_found_within_1024_bytes_before_the_image()
     {
         QFETCH(const int, length);
         QFETCH(const bool, is_found);

@@ -60,8 +60,8 @@ long Peak_Memory()
     return usage.ru_maxrss;
 }
 
-/// Limits the memory to what small files can need. A sanitizer reserves much address space: only
-/// Peak_Memory() is checked there.
+/// Limits the memory to what small files can need. Not under a sanitizer, which reserves much
+/// address space: there, only Peak_Memory() is checked.
 void Limit_Memory()
 {
 #if !defined(__SANITIZE_ADDRESS__)
@@ -82,17 +82,17 @@ bool Is_Integer_Assertion(const Support::TChildResult& result)
 }
 
 /// Number of the next file to try, in memory that a test shares with its child processes.
-class TProgress
+class TNextFile
 {
 public:
-    TProgress()
+    TNextFile()
         : d_next(static_cast<int*>(mmap(nullptr, sizeof(int), PROT_READ | PROT_WRITE,
                                         MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
     {
         *d_next = 0;
     }
-    ~TProgress() { munmap(d_next, sizeof(int)); }
-    Q_DISABLE_COPY(TProgress)
+    ~TNextFile() { munmap(d_next, sizeof(int)); }
+    Q_DISABLE_COPY(TNextFile)
 
     int Next() const { return *d_next; }
     void Step() { ++*d_next; }
@@ -101,7 +101,8 @@ private:
     int* d_next;
 };
 
-/// Tries the files that fail no assertion again, in this process: leaks in children are not found.
+/// Tries the files that fail no assertion again in this process, because leaks in child processes
+/// are not detected.
 void Try_Here(int count, const QSet<int>& stopped, const std::function<void(int)>& try_file)
 {
 #if defined(__SANITIZE_ADDRESS__)
@@ -123,16 +124,16 @@ QString Try_All(int count, const std::function<void(int)>& try_file, bool may_st
 {
     constexpr int seconds = 60;
     constexpr long most_memory = 192 * 1024;
-    TProgress progress;
+    TNextFile next_file;
     QSet<int> stopped;
-    while (progress.Next() < count) {
+    while (next_file.Next() < count) {
         const Support::TChildResult result = Support::Run_In_Child(
             [&] {
                 Limit_Memory();
                 const long before = Peak_Memory();
-                while (progress.Next() < count) {
-                    const int number = progress.Next();
-                    progress.Step();
+                while (next_file.Next() < count) {
+                    const int number = next_file.Next();
+                    next_file.Step();
                     try_file(number);
                     if (Peak_Memory() - before > most_memory)
                         return memory_exit_code;
@@ -144,29 +145,29 @@ QString Try_All(int count, const std::function<void(int)>& try_file, bool may_st
             (result.exited && result.exit_code == 0) || (may_stop && Is_Integer_Assertion(result));
         if (!is_allowed)
             return QStringLiteral("file %1: exit code %2, signal %3%4, output: %5")
-                .arg(progress.Next() - 1)
+                .arg(next_file.Next() - 1)
                 .arg(result.exit_code)
                 .arg(result.signal)
                 .arg(result.timed_out ? QStringLiteral(", hangs") : QString(),
                      QString::fromUtf8(result.error_output));
         if (result.signal != 0)
-            stopped.insert(progress.Next() - 1);
+            stopped.insert(next_file.Next() - 1);
     }
     Try_Here(count, stopped, try_file);
     return QString();
 }
 
 /// A file with one byte changed in several ways.
-QList<QByteArray> Changed_At(const QByteArray& whole, int place)
+QList<QByteArray> Changed_At(const QByteArray& whole, int offset)
 {
-    const char original = whole.at(place);
+    const char original = whole.at(offset);
     QList<QByteArray> variants;
     for (const char value : {'\x00', '\x01', '\x7f', '\x80', '\xff',
                              static_cast<char>(original + 1), static_cast<char>(original - 1)}) {
         if (value == original)
             continue;
         variants.append(whole);
-        variants.last()[place] = value;
+        variants.last()[offset] = value;
     }
     return variants;
 }
@@ -190,21 +191,21 @@ QByteArray Small_Project()
 }
 
 /// Offsets of a project's lengths, counts, numbers and texts: everything but images and labels.
-QList<int> Structural_Places(const QByteArray& project)
+QList<int> Structural_Offsets(const QByteArray& project)
 {
     const int image_begin = project.indexOf("\x89PNG");
     const int image_end = project.indexOf("IEND") + 8;
-    QList<int> places;
+    QList<int> offsets;
     bool in_labels = false;
-    for (int place = 0; place < project.size(); ++place) {
-        if (project.mid(place).startsWith("<?xml"))
+    for (int offset = 0; offset < project.size(); ++offset) {
+        if (project.mid(offset).startsWith("<?xml"))
             in_labels = true;
-        if (!in_labels && (place < image_begin || place >= image_end))
-            places.append(place);
-        if (in_labels && (project.mid(0, place + 1).endsWith("</Quillet_Data>")))
+        if (!in_labels && (offset < image_begin || offset >= image_end))
+            offsets.append(offset);
+        if (in_labels && (project.mid(0, offset + 1).endsWith("</Quillet_Data>")))
             in_labels = false;
     }
-    return places;
+    return offsets;
 }
 
 const QByteArray legacy_document =
@@ -436,7 +437,7 @@ private:
 private slots:
     void initTestCase() { QVERIFY(d_folder.isValid()); }
 
-    void the_script_makes_the_same_files()
+    void the_script_generates_the_broken_files()
     {
         const QDir made(d_folder.filePath(QStringLiteral("made")));
         QVERIFY(made.mkpath(QStringLiteral(".")));
@@ -516,19 +517,19 @@ private slots:
     {
         const QByteArray whole = Small_Project();
         QList<QByteArray> variants;
-        for (const int place : Structural_Places(whole))
-            variants += Changed_At(whole, place);
+        for (const int offset : Structural_Offsets(whole))
+            variants += Changed_At(whole, offset);
         QCOMPARE(Try_Projects(variants), QString());
     }
 
     void a_project_with_changed_content_has_an_allowed_outcome()
     {
         const QByteArray whole = Small_Project();
-        const QList<int> structure = Structural_Places(whole);
+        const QList<int> structure = Structural_Offsets(whole);
         QList<QByteArray> variants;
-        for (int place = 0; place < whole.size(); ++place) {
-            if (!structure.contains(place))
-                variants += Changed_At(whole, place);
+        for (int offset = 0; offset < whole.size(); ++offset) {
+            if (!structure.contains(offset))
+                variants += Changed_At(whole, offset);
         }
         QCOMPARE(Try_Projects(variants), QString());
     }
@@ -536,8 +537,8 @@ private slots:
     void a_legacy_list_cut_or_changed_anywhere_is_loaded_or_refused()
     {
         QList<QByteArray> variants = Truncations(legacy_document);
-        for (int place = 0; place < legacy_document.size(); ++place)
-            variants += Changed_At(legacy_document, place);
+        for (int offset = 0; offset < legacy_document.size(); ++offset)
+            variants += Changed_At(legacy_document, offset);
         QCOMPARE(Try_Legacy(variants, "old.qld"), QString());
     }
 
@@ -545,8 +546,8 @@ private slots:
     {
         const QByteArray whole = Support::Png(Support::Picture(3, 2));
         QList<QByteArray> variants = Truncations(whole);
-        for (int place = 0; place < whole.size(); ++place)
-            variants += Changed_At(whole, place);
+        for (int offset = 0; offset < whole.size(); ++offset)
+            variants += Changed_At(whole, offset);
         QCOMPARE(Try_Legacy(variants, "old.qli"), QString());
     }
 };

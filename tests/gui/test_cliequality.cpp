@@ -24,7 +24,7 @@ QImage Picture(int seed)
     return Support::Picture(page_size.width(), page_size.height(), seed);
 }
 
-/// Labels of each border, with values and texts, some of them beyond the image's edge.
+/// A label of each border type, with values and texts. Two of them extend beyond the image's edge.
 std::vector<TDataItem> Labels()
 {
     return {Label(11, 1, "", 0, QPointF(20, 20)), Label(12, 22, "", 1, QPointF(60.25, 40.5)),
@@ -49,8 +49,8 @@ QList<QImage> Report_Pages(const QString& file, const QString& folder)
 
 } // namespace
 
-/// The tool and the window write the same files. Each test has a document of four pages, one of
-/// them without an image, that a window has saved.
+/// The tool and the window write the same files. Each test has a document of four pages that was
+/// saved by a window. One of the pages has no image.
 class TestCliEquality : public QObject
 {
     Q_OBJECT
@@ -105,7 +105,7 @@ class TestCliEquality : public QObject
                 "<Position>50.5,60</Position></Item></Quillet_Data>");
     }
 
-    /// Images that window and tool export from the same document, by page.
+    /// Compares the images that the window and the tool export from the same document.
     void Compare_Images(const QString& document)
     {
         QVERIFY(QDir(d_folder->path()).mkdir("window"));
@@ -117,19 +117,19 @@ class TestCliEquality : public QObject
         QStringList by_window = Support::Entries(Path("window"));
         QStringList by_tool = Support::Entries(Path("tool"));
         QCOMPARE(by_tool.size(), d_window->d_data.Page_Count());
-        for (int place = 0; place < by_tool.size(); ++place) {
-            const QByteArray picture = Content("window/" + by_window.at(place));
-            QCOMPARE(Support::Difference(QImage::fromData(Content("tool/" + by_tool.at(place))),
+        for (int index = 0; index < by_tool.size(); ++index) {
+            const QByteArray picture = Content("window/" + by_window.at(index));
+            QCOMPARE(Support::Difference(QImage::fromData(Content("tool/" + by_tool.at(index))),
                                          QImage::fromData(picture)),
                      QString());
-            QCOMPARE(Content("tool/" + by_tool.at(place)), picture);
+            QCOMPARE(Content("tool/" + by_tool.at(index)), picture);
         }
         by_window.replaceInStrings(stamp, " \\1");
         by_tool.replaceInStrings(stamp, " \\1");
         QCOMPARE(by_tool, by_window);
     }
 
-    /// The pages of the reports by window and tool.
+    /// Compares the pages of the reports by the window and the tool.
     void Compare_Reports() const
     {
         const QList<QImage> by_window = Report_Pages(Path("window.pdf"), d_folder->path());
@@ -167,7 +167,7 @@ private slots:
     {
         QFETCH(const bool, names_from_files);
         QVERIFY(QDir(d_folder->path()).mkdir("images"));
-        // In numeric order.
+        // In natural order, in which the tool adds the pages.
         const QStringList names{"page 1.bmp", "page 2.png", "page 10.ppm", "page 11.jpg",
                                 "Seite.xpm"};
         d_window = New_Window();
@@ -186,7 +186,7 @@ private slots:
         Compare_Saved("tool.quillet", "window.quillet");
     }
 
-    void a_document_comes_through_unchanged()
+    void an_unchanged_document_is_saved_unchanged()
     {
         Save("window.quillet");
         Compare_Saved("window.quillet", "document.quillet");
@@ -197,7 +197,7 @@ private slots:
         Compare_Saved("recovered.quillet", "document.quillet");
     }
 
-    void a_colour_of_another_name_is_saved_alike()
+    void a_colour_with_a_name_is_saved_alike()
     {
         const QByteArray bytes =
             Support::Header(40, "blue", "", "", 1) +
@@ -261,8 +261,8 @@ private slots:
     {
         QFETCH(const int, size);
         QFETCH(const QByteArray, color);
-        // Without a second window: Qt draws large letters a little differently the second time.
-        // The magic number, the label size, and the colour with its length.
+        // This test opens no second window, since Qt draws large letters a little differently in
+        // it. It replaces the magic number, the label size, and the colour with its length.
         constexpr int look_size = 19;
         const auto look = [](int label_size, const QByteArray& name) {
             return Support::Header(static_cast<quint32>(label_size), name, "", "", 0)
@@ -288,7 +288,7 @@ private slots:
         Compare_Images("order.quillet");
     }
 
-    void the_tool_ignores_the_window_s_settings()
+    void the_tool_ignores_the_settings_of_the_window()
     {
         const QStringList arguments{"export-pdf", "document.quillet", "--output"};
         Run(arguments + QStringList{"plain.pdf"});
@@ -390,9 +390,9 @@ private slots:
         Open("tool.quillet");
         QStringList after = Support::Describe(d_window.get());
         QCOMPARE(Support::Describe_Appearance(*d_window), look);
-        // After the five labels of the page.
-        constexpr int place = 6;
-        QCOMPARE(after.takeAt(place), QStringLiteral("label 1 9 'a, \"b\"' 8 1.5,2"));
+        // The lines before are the page and its five labels.
+        constexpr int index = 6;
+        QCOMPARE(after.takeAt(index), QStringLiteral("label 1 9 'a, \"b\"' 8 1.5,2"));
         QCOMPARE(after, before);
     }
 };

@@ -34,19 +34,19 @@ private slots:
     void values_count_up();
     void a_typed_value_is_used_first();
     void two_labels_within_one_second_get_different_ids();
-    void the_hundredth_attempt_fails_even_if_the_view_takes_it();
+    void the_hundredth_attempt_fails_even_if_the_view_accepts_it();
     void a_label_at_a_point_is_moved_there();
     void a_label_at_a_point_stays_at_the_origin_until_the_view_reports();
     void removing_labels_needs_a_selection();
     void removing_labels_asks_first_data();
     void removing_labels_asks_first();
     void removing_many_labels_reports_few_selections();
-    void removed_labels_leave_the_border_of_the_last_one();
+    void after_removing_labels_the_border_of_the_last_one_is_chosen();
     void changing_a_label_reaches_model_and_view();
-    void the_list_selects_in_view_and_model();
+    void selecting_in_the_list_selects_in_view_and_model();
     void selecting_in_the_list_scrolls_to_the_label();
     void a_click_in_the_view_selects_in_the_list_without_scrolling();
-    void a_click_beside_all_labels_clears_the_selection();
+    void a_click_outside_all_labels_clears_the_selection();
     void a_drag_reaches_the_model();
     void a_drag_without_a_page_does_nothing();
     void adding_a_page_changes_the_document();
@@ -63,8 +63,8 @@ private slots:
     void a_new_document_asks_first_data();
     void a_new_document_asks_first();
     void a_new_document_does_not_ask_when_nothing_changed();
-    void label_sizes_give_their_font_sizes_data();
-    void label_sizes_give_their_font_sizes();
+    void the_font_size_follows_from_the_label_size_data();
+    void the_font_size_follows_from_the_label_size();
     void a_color_reaches_the_view_and_is_not_a_change();
     void the_tracking_option_reaches_the_view();
     void a_display_format_rebuilds_the_list();
@@ -206,10 +206,10 @@ void TestEditing::two_labels_within_one_second_get_different_ids()
     QVERIFY(d_window->d_data.Item(1).id != d_window->d_data.Item(2).id);
 }
 
-void TestEditing::the_hundredth_attempt_fails_even_if_the_view_takes_it()
+void TestEditing::the_hundredth_attempt_fails_even_if_the_view_accepts_it()
 {
     Show_New_Page();
-    // The view already has the first 99 ids that a label added within these seconds draws.
+    // The view already has the first 99 ids that would be drawn in any of these seconds.
     const time_t now = time(nullptr);
     QSet<int> taken;
     for (time_t second = now; second < now + 5; ++second) {
@@ -224,7 +224,7 @@ void TestEditing::the_hundredth_attempt_fails_even_if_the_view_takes_it()
     QCOMPARE(List()->count(), 0);
     QCOMPARE(Support::Labels(*d_window->d_display_widget).size(), taken.size() + 1);
     QVERIFY(d_window->d_data_changed);
-    // The value is used up.
+    // The value counts as used.
     QCOMPARE(d_window->d_label_widget->Take_Label_Index(), 2);
 }
 
@@ -324,7 +324,7 @@ void TestEditing::removing_many_labels_reports_few_selections()
 }
 
 // The last label is selected alone before it is removed, so the combo box still shows its border.
-void TestEditing::removed_labels_leave_the_border_of_the_last_one()
+void TestEditing::after_removing_labels_the_border_of_the_last_one_is_chosen()
 {
     Show_New_Page();
     for (const int border : {1, 4, 8}) {
@@ -367,7 +367,7 @@ void TestEditing::changing_a_label_reaches_model_and_view()
     QVERIFY(d_window->d_data_changed);
 }
 
-void TestEditing::the_list_selects_in_view_and_model()
+void TestEditing::selecting_in_the_list_selects_in_view_and_model()
 {
     Show_New_Page();
     for (int i = 0; i < 3; ++i)
@@ -420,7 +420,7 @@ void TestEditing::a_click_in_the_view_selects_in_the_list_without_scrolling()
                         view->mapFromScene(60, 60));
 }
 
-void TestEditing::a_click_beside_all_labels_clears_the_selection()
+void TestEditing::a_click_outside_all_labels_clears_the_selection()
 {
     Show_New_Page();
     d_window->Add_Item(QPointF(60, 60));
@@ -640,7 +640,7 @@ void TestEditing::a_new_document_does_not_ask_when_nothing_changed()
     QCOMPARE(d_window->d_data.Add_Page(), 1);
 }
 
-void TestEditing::label_sizes_give_their_font_sizes_data()
+void TestEditing::the_font_size_follows_from_the_label_size_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<int>("font_size");
@@ -651,7 +651,7 @@ void TestEditing::label_sizes_give_their_font_sizes_data()
     QTest::newRow("128") << 128 << 51;
 }
 
-void TestEditing::label_sizes_give_their_font_sizes()
+void TestEditing::the_font_size_follows_from_the_label_size()
 {
     QFETCH(int, size);
     QFETCH(int, font_size);

@@ -169,7 +169,7 @@ private slots:
         QCOMPARE(Page_Actions(window), QStringLiteral("enabled"));
     }
 
-    void open_of_a_document_without_pages_disables_the_actions_of_pages()
+    void opening_a_document_without_pages_disables_the_document_actions()
     {
         Support::Write_File(Path("a.quillet"), Support::Header(40, "#0a141e", "", "", 0));
         TOpenWindow window;
@@ -208,14 +208,14 @@ private slots:
         QCOMPARE(Describe(&window), QStringList{"page 1 mine 9x9"});
     }
 
-    void answering_no_to_the_loss_changes_nothing_data()
+    void declining_to_lose_changes_keeps_the_document_data()
     {
         QTest::addColumn<bool>("escape");
         QTest::newRow("No") << false;
         QTest::newRow("Escape") << true;
     }
 
-    void answering_no_to_the_loss_changes_nothing()
+    void declining_to_lose_changes_keeps_the_document()
     {
         QFETCH(const bool, escape);
         TOpenWindow window;
@@ -236,7 +236,7 @@ private slots:
         QCOMPARE(Describe(&window), QStringList{"page 1 mine 9x9"});
     }
 
-    void answering_yes_to_the_loss_opens()
+    void agreeing_to_lose_changes_opens_the_file()
     {
         Support::Write_File(Path("a.quillet"), Project());
         TOpenWindow window;
@@ -348,10 +348,10 @@ private slots:
         QVERIFY2(note.startsWith(QStringLiteral("Save quillet file|")), qPrintable(note));
     }
 
-    void upper_case_letters_end_a_legacy_name_as_well()
+    void the_suffix_of_a_legacy_file_may_be_upper_case()
     {
-        // The names of the pair have lower-case suffixes, so it is found only when it exists in
-        // both spellings.
+        // The names in the pair have lower-case suffixes, so it is found only if both spellings
+        // exist.
         Write_Legacy_Pair(QStringLiteral("old.QLD"), QStringLiteral("old.qli"));
         TOpenWindow window;
         window.d_file_name = QStringLiteral("/some/name");
@@ -509,7 +509,7 @@ private slots:
         QCOMPARE(QFileInfo(Path("sub/failed.quillet")).size(), 0);
     }
 
-    void a_document_is_found_again_by_the_next_window()
+    void each_answer_to_the_close_question_has_its_effect_in_the_next_window()
     {
         const std::vector<std::pair<QString, QMessageBox::StandardButton>> answers{
             {QStringLiteral("first"), QMessageBox::Cancel},

@@ -33,7 +33,7 @@ class TBarReader : public QObject
 {
 public:
     QStringList d_texts;
-    bool d_was_busy = true; ///< there was a busy cursor at each painting
+    bool d_was_busy = true; ///< the cursor was busy whenever a bar was painted
     QSet<QObject*> d_parents;
 
 protected:
@@ -93,8 +93,8 @@ private slots:
     void files_other_than_images_are_refused();
     void a_drop_imports_only_the_images_among_its_files();
     void files_are_copied_and_never_moved();
-    void a_drop_waits_for_no_dialog();
-    void texts_are_still_dropped_on_editors();
+    void a_drop_is_refused_while_a_dialog_is_open();
+    void text_can_still_be_dropped_on_editors();
 
     void alt_and_arrows_move_rows_data();
     void alt_and_arrows_move_rows();
@@ -607,15 +607,15 @@ void TestGestures::dropped_images_become_pages_sorted_by_name()
 
 void TestGestures::a_drop_works_everywhere_data()
 {
-    QTest::addColumn<QString>("place");
-    for (const char* place : {"window", "page", "view", "item list", "page list", "editor",
-                              "format", "menu bar", "status bar", "slider", "dock"})
-        QTest::newRow(place) << place;
+    QTest::addColumn<QString>("target");
+    for (const char* target : {"window", "page", "view", "item list", "page list", "editor",
+                               "format", "menu bar", "status bar", "slider", "dock"})
+        QTest::newRow(target) << target;
 }
 
 void TestGestures::a_drop_works_everywhere()
 {
-    QFETCH(QString, place);
+    QFETCH(QString, target);
     Show_Page();
     const QMap<QString, QWidget*> widgets = {
         {"window", d_window.get()},
@@ -630,8 +630,8 @@ void TestGestures::a_drop_works_everywhere()
         {"slider", d_window->d_zoom_slider},
         {"dock", d_window->d_settings_dock},
     };
-    QVERIFY(widgets.value(place));
-    QVERIFY(Drop_Files(widgets.value(place), {Picture_File("a.png")}));
+    QVERIFY(widgets.value(target));
+    QVERIFY(Drop_Files(widgets.value(target), {Picture_File("a.png")}));
     QCOMPARE(d_window->d_data.Page_Count(), 2);
     QCOMPARE(d_window->d_page_widget->Page_Name(1), QString("Plan"));
 }
@@ -692,7 +692,7 @@ void TestGestures::files_are_copied_and_never_moved()
     QCOMPARE(d_window->d_data.Page_Count(), 0);
 }
 
-void TestGestures::a_drop_waits_for_no_dialog()
+void TestGestures::a_drop_is_refused_while_a_dialog_is_open()
 {
     const QString path = Picture_File("a.png");
     bool taken = true;
@@ -705,7 +705,7 @@ void TestGestures::a_drop_waits_for_no_dialog()
     QCOMPARE(d_window->d_data.Page_Count(), 0);
 }
 
-void TestGestures::texts_are_still_dropped_on_editors()
+void TestGestures::text_can_still_be_dropped_on_editors()
 {
     auto* const editor = Support::By_Caption<QLineEdit>(*d_window, "Item Display Format:");
     editor->clear();
@@ -797,9 +797,9 @@ void TestGestures::a_frame_marks_the_view_with_the_focus()
         return words.join(' ');
     };
     const QStringList expected = {"blue grey grey", "grey blue grey", "grey grey blue"};
-    for (int place = 0; place < views.size(); ++place) {
-        Focus(views[place]);
-        QCOMPARE(frames(), expected[place]);
+    for (int index = 0; index < views.size(); ++index) {
+        Focus(views[index]);
+        QCOMPARE(frames(), expected[index]);
     }
     Focus(Support::By_Caption<QLineEdit>(*d_window, "Item Display Format:"));
     QCOMPARE(frames(), QString("grey grey grey"));

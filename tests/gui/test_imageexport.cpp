@@ -324,8 +324,8 @@ private slots:
 
     void labels_beyond_the_edge_enlarge_the_picture()
     {
-        // A label is 29 x 29 pixels with its margin and reaches from 14 before its centre to 15
-        // behind it. The image grows by 3 + 14 to the left, 14 - 5 upward, 242 + 15 - 240 to the
+        // A label is 29 x 29 pixels with its margin. It extends from 14 pixels before its centre to
+        // 15 after it. The image grows by 3 + 14 to the left, 14 - 5 upward, 242 + 15 - 240 to the
         // right and 170 + 15 - 160 downward.
         QCOMPARE(label_size + LabelPainter::Margin, 29);
         const std::vector<TDataItem> items{{1, 1, QString(), 1, QPointF(-3, 50), false},
@@ -387,7 +387,7 @@ private slots:
     {
         QTest::addColumn<QString>("folder");
         QTest::newRow("missing") << "/missing/folder";
-        QTest::newRow("no place for files") << "/proc";
+        QTest::newRow("not a folder for files") << "/proc";
         QTest::newRow("a file") << QCoreApplication::applicationFilePath();
     }
     void an_unwritable_folder_is_a_failure()
@@ -492,7 +492,7 @@ private slots:
         QCOMPARE(view->verticalScrollBar()->value(), 200);
     }
 
-    void a_page_without_an_image_shows_in_nothing_but_its_file()
+    void a_page_without_an_image_is_exported_as_a_white_image()
     {
         const int empty = Support::Add_Page(d_window.get(), QImage());
         const int page = Add_Page(Labels_Of_All_Kinds());
@@ -511,13 +511,13 @@ private slots:
         QCOMPARE(Support::View_In_Words(*d_window), view);
     }
 
-    void exporting_labels_marks_the_document_data()
+    void exporting_labels_marks_the_document_as_changed_data()
     {
         QTest::addColumn<bool>("has_labels");
-        QTest::newRow("labels report their places") << true;
+        QTest::newRow("labels report their positions") << true;
         QTest::newRow("no labels") << false;
     }
-    void exporting_labels_marks_the_document()
+    void exporting_labels_marks_the_document_as_changed()
     {
         QFETCH(const bool, has_labels);
         Add_Page(has_labels ? Labels_Of_All_Kinds() : std::vector<TDataItem>());
@@ -525,7 +525,7 @@ private slots:
         QCOMPARE(d_window->d_data_changed, has_labels);
     }
 
-    void positions_stay_as_they_were()
+    void exporting_does_not_change_positions()
     {
         const QPointF position(33.25, 44.75);
         const int page = Add_Page({{1, 1, QString(), 1, position, false}});

@@ -21,7 +21,7 @@ private slots:
     void the_dialog_opens_in_the_working_folder_for_several_images();
     void cancelling_only_updates_the_actions();
     void three_images_become_three_pages_in_order();
-    void an_import_marks_the_document_and_moves_the_working_folder();
+    void an_import_marks_the_document_as_changed_and_sets_the_working_folder();
     void the_next_dialog_opens_in_that_folder();
     void a_file_that_is_not_an_image_is_skipped();
     void an_unreadable_first_file_still_sets_the_working_folder();
@@ -125,7 +125,7 @@ void TestImport::three_images_become_three_pages_in_order()
     QCOMPARE(d_window->d_data.Active_Page(), -1);
 }
 
-void TestImport::an_import_marks_the_document_and_moves_the_working_folder()
+void TestImport::an_import_marks_the_document_as_changed_and_sets_the_working_folder()
 {
     QDir(d_folder->path()).mkdir("scans");
     QCOMPARE(Import({Picture_File("scans/a.png", 1)}), QString());

@@ -35,8 +35,8 @@ private slots:
     void init();
     void cleanup();
 
-    void each_command_takes_over_pending_text_data();
-    void each_command_takes_over_pending_text();
+    void each_command_commits_pending_text_data();
+    void each_command_commits_pending_text();
     void a_saved_file_has_the_pending_text_data();
     void a_saved_file_has_the_pending_text();
     void closing_asks_to_save_pending_text();
@@ -46,9 +46,9 @@ private slots:
     void reindexing_keeps_pending_text();
     void without_pending_text_nothing_changes_data();
     void without_pending_text_nothing_changes();
-    void text_that_was_finished_is_not_taken_over_again();
+    void finished_text_is_not_committed_again();
     void a_pending_display_format_is_cleaned_before_it_is_stored();
-    void a_value_or_a_name_that_is_typed_needs_no_return();
+    void a_typed_value_or_name_needs_no_return_key();
 
 private:
     TOpenWindow& Window() { return *d_window; }
@@ -130,7 +130,7 @@ void TestPendingText::Click_Tool_Bar(QAction* action)
     QTest::mouseClick(Support::Only<QToolBar>(Window())->widgetForAction(action), Qt::LeftButton);
 }
 
-/// Each command declines what it asks, so that the document stays open.
+/// The answers decline or cancel the command, so that the document stays open.
 TCommand TestPendingText::Command(const QString& name)
 {
     const Support::TAnswer no = Support::Press(QMessageBox::No);
@@ -168,12 +168,12 @@ void TestPendingText::Add_Commands()
         QTest::newRow(name) << QString(name);
 }
 
-void TestPendingText::each_command_takes_over_pending_text_data()
+void TestPendingText::each_command_commits_pending_text_data()
 {
     Add_Commands();
 }
 
-void TestPendingText::each_command_takes_over_pending_text()
+void TestPendingText::each_command_commits_pending_text()
 {
     QFETCH(const QString, name);
     const TCommand command = Command(name);
@@ -286,7 +286,7 @@ void TestPendingText::without_pending_text_nothing_changes()
     const QSignalSpy changes(Window().d_label_widget, SIGNAL(Change_Item_Text(int, QString)));
     const QSignalSpy formats(Window().d_settings_widget,
                              SIGNAL(Item_Display_Format_Changed(QString)));
-    // Nothing is asked, so new and close end the document and open shows its file dialog.
+    // No question is asked, so new and close end the document, and open shows its file dialog.
     const bool asks = name.startsWith("new") || name == "close";
     if (asks)
         command.answers.clear();
@@ -301,7 +301,7 @@ void TestPendingText::without_pending_text_nothing_changes()
         QCOMPARE(Window().d_data.Item(1).text, QString("a  b"));
 }
 
-void TestPendingText::text_that_was_finished_is_not_taken_over_again()
+void TestPendingText::finished_text_is_not_committed_again()
 {
     Type(Text_Editor(), "  new   text ");
     QTest::keyClick(Text_Editor(), Qt::Key_Return);
@@ -327,7 +327,7 @@ void TestPendingText::a_pending_display_format_is_cleaned_before_it_is_stored()
     Window().d_settings->setValue("Item_Display_Format", "Item[%1]");
 }
 
-void TestPendingText::a_value_or_a_name_that_is_typed_needs_no_return()
+void TestPendingText::a_typed_value_or_name_needs_no_return_key()
 {
     Type(Support::By_Tool_Tip<QLineEdit>(Window(), "Item Value"), "77");
     Type(Support::By_Tool_Tip<QLineEdit>(Window(), "Page Item Name"), "new name");

@@ -107,7 +107,7 @@ private:
                Page_Record("", Support::Png(second), Item_List());
     }
 
-    /// Gives a window a document with characters, numbers and pages that are hard to write.
+    /// Gives a window a document with unusual characters, numbers and pages.
     static QList<int> Fill_Special(TOpenWindow* window, const QImage& first, const QImage& second)
     {
         window->d_settings_widget->Set_Label_Size(48);

@@ -130,7 +130,7 @@ class TestReindex : public QObject
         return selected;
     }
 
-    /// Adds a label to read the next value.
+    /// Takes the value of the next label, as adding one does.
     int Next_Value() { return d_window->d_label_widget->Take_Label_Index(); }
 
     /// Triggers the command and answers its dialog.
@@ -174,12 +174,12 @@ private slots:
         TValues hundred_to_219;
         for (int value = 100; value <= 219; ++value)
             hundred_to_219 += value;
-        QTest::newRow("1X runs on without gaps")
+        QTest::newRow("1X continues without gaps")
             << TValues{2, 0, 3} << "7"
             << "Next 1X" << TPageValues{{7, 8}, {}, {9, 10, 11}} << 12;
         QTest::newRow("10X") << TValues{5, 1} << "12"
                              << "Next 10X" << TPageValues{{12, 13, 14, 15, 16}, {20}} << 30;
-        QTest::newRow("10X goes above a round number")
+        QTest::newRow("10X skips a round number")
             << TValues{5, 1} << "15"
             << "Next 10X" << TPageValues{{15, 16, 17, 18, 19}, {30}} << 40;
         QTest::newRow("100X") << TValues{3, 120, 1} << "1"
@@ -287,13 +287,13 @@ private slots:
         QCOMPARE(Next_Value(), 77);
     }
 
-    void the_current_page_is_numbered_whatever_the_method_data()
+    void the_current_page_is_numbered_regardless_of_the_method_data()
     {
         QTest::addColumn<QString>("method");
         for (const char* method : {"Next 1X", "Next 10X", "Next 100X", "Next 1000X"})
             QTest::newRow(method) << QString::fromLatin1(method);
     }
-    void the_current_page_is_numbered_whatever_the_method()
+    void the_current_page_is_numbered_regardless_of_the_method()
     {
         QFETCH(const QString, method);
         Add_Page(1);
@@ -316,7 +316,7 @@ private slots:
         QCOMPARE(Next_Value(), 11);
     }
 
-    void a_selection_in_the_list_ends_with_the_list()
+    void reindexing_clears_the_selection_of_the_list()
     {
         const int page = Add_Page(2);
         Show_Page(page);
@@ -330,7 +330,7 @@ private slots:
         QVERIFY(Label_List()->selectedItems().isEmpty());
     }
 
-    void flags_that_the_list_does_not_show_stay()
+    void a_selection_that_the_list_does_not_show_stays()
     {
         const int page = Add_Page(3);
         Show_Page(page);
@@ -344,7 +344,7 @@ private slots:
             QCOMPARE(label->data(TDisplayWidget::Selected_Key).toInt(), 0);
     }
 
-    void without_a_selection_only_the_next_value_follows()
+    void without_a_selection_only_the_next_value_changes()
     {
         const int page = Add_Page(2);
         Show_Page(page);
@@ -392,7 +392,8 @@ private slots:
         Show_Page(page);
         TDisplayWidget* const view = d_window->d_display_widget;
         QStringList log;
-        // Disconnects before the captured variables end: the list's destructor clears it once more.
+        // Disconnects before the captured variables are destroyed: the list's destructor clears it
+        // once more.
         const QObject listener;
         const auto state = [&] {
             return QStringLiteral("%1 rows, %2 labels%3%4")

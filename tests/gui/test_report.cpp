@@ -30,8 +30,8 @@ const QSize portrait_sizes[] = {{793, 1123}, {1587, 2245}, {2380, 3368}, {3173, 
 /// Rule widths in device pixels by resolution code.
 constexpr int rule_widths[] = {1, 2, 2, 3};
 
-/// The page image is grey, so that brightness distinguishes it from lines on it and white around
-/// it. Brightness stays sharp in the file; colours do not.
+/// The page image is grey, so that it differs in brightness from the lines on it and the white
+/// around it. Brightness stays sharp in the file; colours do not.
 const QColor page_grey(204, 204, 204);
 const QSize page_size(600, 780);
 constexpr int label_size = 40;
@@ -62,8 +62,8 @@ QImage Rendered(const QString& file, int page, int resolution)
     return QImage::fromData(picture, "pgm").convertToFormat(QImage::Format_Grayscale8);
 }
 
-/// Renders a part of a page. The program for whole pages stretches images to whole pixels, by up to
-/// one on either side; this one does not.
+/// Renders a part of a page with pdftocairo. pdftoppm stretches images to whole pixels, by up to
+/// one on either side.
 QImage Rendered_Part(const QString& file, int page, int resolution, const QRect& part)
 {
     const QString number = QString::number(page);
@@ -111,7 +111,7 @@ QStringList Lines(const QString& file, int page)
 
 const QString maker_line = QStringLiteral("The Quillet Project - www.quillet.example Page %1");
 
-/// A word of a page with its box in device pixels, line spacing included.
+/// A word of a page with its box in device pixels, including line spacing.
 struct TWord
 {
     QString text;
@@ -197,7 +197,8 @@ QRectF Box(const QImage& image, const QRect& area, TKind is_kind)
     return QRectF(box);
 }
 
-/// Describes two boxes of which an edge differs by more than one device pixel; otherwise empty.
+/// Describes two boxes if one of their edges differs by more than one device pixel; otherwise
+/// empty.
 QString Distance(const QRectF& found, const QRectF& wanted)
 {
     const double distances[] = {found.left() - wanted.left(), found.top() - wanted.top(),
@@ -219,7 +220,7 @@ QRectF Stroke(const QLine& line, int width)
     return QRectF(QPointF(line.p1()), QPointF(line.p2())).adjusted(-half, -half, half, half);
 }
 
-/// Two labels with a square border, apart from each other and from the middle lines of the page.
+/// Two labels with a square border, far from each other and from the middle lines of the page.
 std::vector<TDataItem> Square_Labels()
 {
     return {{1, 1, QString(), 1, QPointF(100, 120), false},
@@ -282,7 +283,7 @@ class TestReport : public QObject
     {
         const int width = rule_widths[code - 1];
         for (const QLine& rule : {geometry.Header_Rule(), geometry.Footer_Rule()}) {
-            // Nothing else dark is so near to the rule.
+            // Nothing else that is dark is this near to the rule.
             const int room = width / 2 + 2;
             const QRect area(0, rule.y1() - room, page.width(), 2 * room + 1);
             const QRectF box = Box(page, area, Is_Dark);
@@ -292,31 +293,31 @@ class TestReport : public QObject
         }
     }
 
-    /// @return  the place of the image.
+    /// @return  the rectangle of the image.
     QRect Compare_Picture(const QImage& page, const TReportGeometry& geometry)
     {
         const QSize scaled = page_size.scaled(geometry.Target().size(), Qt::KeepAspectRatio);
-        const QRect place = geometry.Centred(scaled);
+        const QRect image_rect = geometry.Centred(scaled);
         // No label crosses the middle lines.
-        const QPoint middle = place.center();
+        const QPoint middle = image_rect.center();
         const QRectF across = Box(page, QRect(0, middle.y(), page.width(), 1), Is_Page_Grey);
         const QRectF down = Box(page, QRect(middle.x(), 0, 1, page.height()), Is_Page_Grey);
         const QRectF box(QPointF(across.left(), down.top()),
                          QPointF(across.right(), down.bottom()));
-        [&] { QCOMPARE(Distance(box, QRectF(place)), QString()); }();
-        return place;
+        [&] { QCOMPARE(Distance(box, QRectF(image_rect)), QString()); }();
+        return image_rect;
     }
 
-    void Compare_Labels(int page_number, const QRect& place, int code)
+    void Compare_Labels(int page_number, const QRect& image_rect, int code)
     {
-        const double scale_x = static_cast<double>(place.width()) / page_size.width();
-        const double scale_y = static_cast<double>(place.height()) / page_size.height();
+        const double scale_x = static_cast<double>(image_rect.width()) / page_size.width();
+        const double scale_y = static_cast<double>(image_rect.height()) / page_size.height();
         for (const TDataItem& label : Square_Labels()) {
-            // The border of a label of 40 pixels runs from 20 before its centre to 19 behind it,
-            // with a pen two pixels wide.
+            // The border of a label of 40 pixels extends from 20 pixels before its centre to 19
+            // after it, with a pen two pixels wide.
             const QRectF border(label.position - QPointF(21, 21), label.position + QPointF(20, 20));
-            const QRectF wanted(place.left() + border.left() * scale_x,
-                                place.top() + border.top() * scale_y, border.width() * scale_x,
+            const QRectF wanted(image_rect.left() + border.left() * scale_x,
+                                image_rect.top() + border.top() * scale_y, border.width() * scale_x,
                                 border.height() * scale_y);
             const QRect area = wanted.toAlignedRect().adjusted(-8, -8, 8, 8);
             const QImage part = Rendered_Part(File(), page_number, code * 96, area);
@@ -441,7 +442,7 @@ private slots:
         QCOMPARE(Files(), QStringList({QStringLiteral("report.pdf")}));
     }
 
-    void headers_are_texts_of_any_kind_data()
+    void headers_may_contain_any_text_data()
     {
         QTest::addColumn<QString>("header_1");
         QTest::addColumn<QString>("header_2");
@@ -452,7 +453,7 @@ private slots:
         QTest::newRow("no markup, no mnemonic") << "<b>R&D</b>"
                                                 << "a && b";
     }
-    void headers_are_texts_of_any_kind()
+    void headers_may_contain_any_text()
     {
         QFETCH(const QString, header_1);
         QFETCH(const QString, header_2);
@@ -496,7 +497,7 @@ private slots:
         }
     }
 
-    void a_hundred_pages()
+    void a_report_of_a_hundred_pages_is_complete()
     {
         for (int i = 0; i < 100; ++i)
             Support::Add_Page(d_window.get(), Grey_Page(page_grey, QSize(60, 80)),
@@ -556,7 +557,7 @@ private slots:
     {
         QTest::addColumn<QString>("path");
         QTest::newRow("missing folder") << "/missing/folder/report.pdf";
-        QTest::newRow("no place for files") << "/proc/report.pdf";
+        QTest::newRow("not a folder for files") << "/proc/report.pdf";
         QTest::newRow("a folder") << QDir::tempPath();
         QTest::newRow("below a file") << QCoreApplication::applicationFilePath() + "/report.pdf";
         QTest::newRow("no name") << "";
@@ -592,14 +593,14 @@ private slots:
         Add_Page();
         if (!folder_protected)
             Support::Write_File(File(), "old");
-        const QString place = folder_protected ? d_folder->path() : File();
-        QVERIFY(QFile::setPermissions(place, QFile::ReadOwner | QFile::ExeOwner));
+        const QString path = folder_protected ? d_folder->path() : File();
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner));
         const Support::TChildResult result = Support::Run_In_Child([this] {
             Support::Obey_File_Permissions();
             return d_window->Export_PDF(File(), Page_Ids(), {0, 1, "A", "B"}) ? 1 : 0;
         });
         QVERIFY(
-            QFile::setPermissions(place, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         QVERIFY2(result.exited, result.error_output.constData());
         QCOMPARE(result.exit_code, 0);
         QCOMPARE(Files(), folder_protected ? QStringList() : QStringList({"report.pdf"}));
@@ -614,7 +615,7 @@ private slots:
         QCOMPARE(Support::View_In_Words(*d_window), view);
     }
 
-    void an_older_report_is_replaced()
+    void an_existing_report_is_replaced()
     {
         Add_Page();
         Support::Write_File(File(), QByteArray(2000000, 'x'));
@@ -623,7 +624,7 @@ private slots:
         QCOMPARE(Files(), QStringList({QStringLiteral("report.pdf")}));
     }
 
-    void a_name_without_a_suffix_is_taken_as_it_is()
+    void a_file_name_without_a_suffix_is_used_unchanged()
     {
         Add_Page();
         QCOMPARE(Run({Headers(QString(), QString()),
@@ -750,7 +751,7 @@ private slots:
         QCOMPARE(Lines(File(), 1), QStringList({"Top", "Below", maker_line.arg(1)}));
     }
 
-    void headers_mark_the_document_data()
+    void header_lines_mark_the_document_as_changed_data()
     {
         QTest::addColumn<QString>("header_1");
         QTest::addColumn<QString>("header_2");
@@ -769,7 +770,7 @@ private slots:
         QTest::newRow("a blank is a text") << " "
                                            << "" << false << true;
     }
-    void headers_mark_the_document()
+    void header_lines_mark_the_document_as_changed()
     {
         QFETCH(const QString, header_1);
         QFETCH(const QString, header_2);
@@ -781,7 +782,7 @@ private slots:
         QCOMPARE(d_window->d_data_changed, after);
     }
 
-    void a_failed_export_is_not_reported_but_remembered()
+    void a_failed_export_is_not_reported_but_sets_the_working_folder()
     {
         Add_Page();
         d_window->d_working_dir.setPath(d_folder->path());
@@ -793,7 +794,7 @@ private slots:
         QVERIFY(d_window->d_data_changed);
     }
 
-    void exporting_labels_marks_the_document()
+    void exporting_labels_marks_the_document_as_changed()
     {
         Add_Page(Square_Labels());
         QVERIFY(d_window->Export_PDF(File(), Page_Ids(), {0, 1, QString(), QString()}));

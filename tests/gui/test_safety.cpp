@@ -40,7 +40,7 @@ private slots:
     void the_first_change_is_stored();
     void there_is_no_copy_without_a_change();
     void a_copy_is_a_project_that_opens();
-    void a_copy_skips_pages_that_only_the_list_has();
+    void a_copy_skips_pages_that_are_only_in_the_list();
     void losing_focus_stores_all_changes();
     void losing_focus_stores_a_new_page_name();
     void a_modal_dialog_stores_all_changes();
@@ -62,15 +62,15 @@ private slots:
     void closing_with_cancel_keeps_the_copy();
     void closing_with_yes_saves_and_deletes_the_copy();
     void closing_with_yes_and_no_name_leaves_the_copy();
-    void confirming_the_loss_deletes_the_copy_data();
-    void confirming_the_loss_deletes_the_copy();
-    void declining_the_loss_keeps_the_copy();
+    void agreeing_to_lose_changes_deletes_the_copy_data();
+    void agreeing_to_lose_changes_deletes_the_copy();
+    void declining_to_lose_changes_keeps_the_copy();
     void a_refused_file_leaves_the_copy_and_the_document();
     void a_refused_file_leaves_the_opened_recovery_copy_to_be_deleted_by_a_save();
-    void a_file_that_opens_in_part_ends_the_copy_of_the_document_before();
-    void a_recovery_copy_that_opens_in_part_is_not_deleted_by_a_save();
+    void a_partly_opened_file_ends_the_copy_of_the_previous_document();
+    void a_partly_opened_recovery_copy_is_not_deleted_by_a_save();
     void new_after_a_failed_save_leaves_the_copy();
-    void opening_is_no_change();
+    void opening_a_document_is_not_a_change();
     void the_status_bar_shows_the_copy_of_a_killed_process();
     void a_recovery_copy_opens_like_any_project_and_is_deleted_after_a_save_elsewhere();
     void a_recovery_copy_stays_when_only_the_original_is_opened();
@@ -281,7 +281,7 @@ void TestSafety::a_copy_is_a_project_that_opens()
              QString());
 }
 
-void TestSafety::a_copy_skips_pages_that_only_the_list_has()
+void TestSafety::a_copy_skips_pages_that_are_only_in_the_list()
 {
     Make_Document();
     const QList<int> known_pages = d_window->d_page_widget->Page_Ids();
@@ -379,7 +379,7 @@ void TestSafety::two_windows_on_one_document_keep_both_versions()
     d_window->File_Save();
     QCOMPARE(Labels_In(In("a.quillet")), 1);
     QCOMPARE(Labels_In(Other_Version()), 2);
-    // The previous version that this window saved is still there, too.
+    // The previous version that this window saved still exists, too.
     QCOMPARE(Labels_In(TBackup(Settings() + "/backup").Path_For(In("a.quillet"))), 0);
 
     const QString kept = Other_Version();
@@ -482,7 +482,7 @@ void TestSafety::a_failed_save_leaves_a_copy()
 
 void TestSafety::an_incomplete_save_leaves_a_copy_and_counts_as_saved()
 {
-    // /dev/full takes no bytes.
+    // /dev/full accepts no bytes.
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
     d_window->Add_Item(QPointF(80, 60));
@@ -605,14 +605,14 @@ void TestSafety::closing_with_yes_and_no_name_leaves_the_copy()
     QVERIFY(Notice().contains(Only_Copy()));
 }
 
-void TestSafety::confirming_the_loss_deletes_the_copy_data()
+void TestSafety::agreeing_to_lose_changes_deletes_the_copy_data()
 {
     QTest::addColumn<bool>("open");
     QTest::newRow("new") << false;
     QTest::newRow("open") << true;
 }
 
-void TestSafety::confirming_the_loss_deletes_the_copy()
+void TestSafety::agreeing_to_lose_changes_deletes_the_copy()
 {
     QFETCH(bool, open);
     Make_Document();
@@ -628,7 +628,7 @@ void TestSafety::confirming_the_loss_deletes_the_copy()
     QVERIFY(Copies().isEmpty());
 }
 
-void TestSafety::declining_the_loss_keeps_the_copy()
+void TestSafety::declining_to_lose_changes_keeps_the_copy()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -669,7 +669,7 @@ void TestSafety::a_refused_file_leaves_the_opened_recovery_copy_to_be_deleted_by
     QCOMPARE(Copies(), QStringList());
 }
 
-void TestSafety::a_file_that_opens_in_part_ends_the_copy_of_the_document_before()
+void TestSafety::a_partly_opened_file_ends_the_copy_of_the_previous_document()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -683,7 +683,7 @@ void TestSafety::a_file_that_opens_in_part_ends_the_copy_of_the_document_before(
     QCOMPARE(Copies(), QStringList());
 }
 
-void TestSafety::a_recovery_copy_that_opens_in_part_is_not_deleted_by_a_save()
+void TestSafety::a_partly_opened_recovery_copy_is_not_deleted_by_a_save()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));
@@ -717,7 +717,7 @@ void TestSafety::new_after_a_failed_save_leaves_the_copy()
     QCOMPARE(Labels_In(copy), 1);
 }
 
-void TestSafety::opening_is_no_change()
+void TestSafety::opening_a_document_is_not_a_change()
 {
     Make_Document();
     d_window->Add_Item(QPointF(50, 60));

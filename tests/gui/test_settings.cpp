@@ -180,7 +180,7 @@ private slots:
         }
     }
 
-    void points_sizes_and_booleans_are_written_in_qt_s_format()
+    void points_sizes_and_booleans_are_written_in_the_format_of_qt()
     {
         const auto window = New_Window();
         QVERIFY(Close(window.get()));
@@ -357,7 +357,7 @@ private slots:
         QTest::newRow("border") << QByteArray("Border_Type=4") << QStringLiteral("border 4");
     }
 
-    // The view gets the size as it was read, unless a label's image could not be that large.
+    // The view gets the stored size unless no label image can be that large.
     void panels_clamp_values_out_of_range()
     {
         QFETCH(const QByteArray, lines);
@@ -496,7 +496,7 @@ private slots:
         QVERIFY(!QFile::exists(path));
     }
 
-    void a_file_in_the_folder_s_place_is_left_alone()
+    void a_file_in_place_of_the_settings_folder_is_not_changed()
     {
         const QString folder = d_home->filePath(QStringLiteral(".quillet"));
         Support::Write_File(folder, "in the way");

@@ -31,25 +31,25 @@ private slots:
     void cleanup();
 
     // Each kind of step.
-    void adding_a_label_by_the_button();
-    void adding_a_label_by_a_right_click();
-    void removing_labels();
-    void changing_a_value();
-    void changing_a_text();
-    void changing_borders();
-    void dragging_a_label();
-    void nudging_labels();
-    void adding_a_page();
-    void removing_pages();
-    void naming_a_page();
-    void dragging_a_page();
-    void moving_pages_by_keys();
-    void importing_an_image();
-    void importing_into_an_empty_page();
-    void renumbering_the_page();
-    void renumbering_all_pages();
-    void changing_the_label_size();
-    void changing_the_label_color();
+    void adding_a_label_by_the_button_is_one_step();
+    void adding_a_label_by_a_right_click_is_one_step();
+    void removing_labels_is_one_step();
+    void changing_a_value_is_one_step();
+    void changing_a_text_is_one_step();
+    void changing_borders_is_one_step();
+    void dragging_a_label_is_one_step();
+    void nudging_labels_is_one_step();
+    void adding_a_page_is_one_step();
+    void removing_pages_is_one_step();
+    void naming_a_page_is_one_step();
+    void dragging_a_page_is_one_step();
+    void moving_pages_by_keys_is_one_step();
+    void importing_an_image_is_one_step();
+    void importing_into_an_empty_page_is_one_step();
+    void renumbering_the_page_is_one_step();
+    void renumbering_all_pages_is_one_step();
+    void changing_the_label_size_is_one_step();
+    void changing_the_label_color_is_one_step();
 
     // Which changes form one step, and which form none.
     void keystrokes_in_one_editor_on_one_label_are_one_step();
@@ -87,7 +87,7 @@ private slots:
     void undo_during_a_drag_restores_the_position();
     void text_pending_when_its_page_is_removed_is_a_separate_step();
     void a_page_without_a_picture_is_restored_without_one();
-    void a_label_size_beyond_the_slider_is_restored();
+    void a_label_size_outside_the_sliders_range_is_restored();
     void undoing_a_label_restores_the_next_value();
     void other_steps_keep_a_typed_next_value();
     void the_status_bar_names_the_step();
@@ -95,7 +95,7 @@ private slots:
     // The document.
     void ids_are_restored();
     void the_changed_flag_is_set();
-    void the_document_actions_follow();
+    void the_document_actions_are_updated();
     void a_new_document_clears_the_steps();
     void opening_clears_the_steps();
     void a_refused_file_keeps_the_steps();
@@ -132,7 +132,7 @@ private:
     void Renumber(int option);
     void Drop_Page(int from, int to);
     void Drag(int id, const QPoint& way);
-    int Value_Of(int place) const { return Window().d_data.Item(place).value; }
+    int Value_Of(int index) const { return Window().d_data.Item(index).value; }
 
     QTemporaryDir d_folder;
     std::unique_ptr<TOpenWindow> d_window;
@@ -275,8 +275,8 @@ void TestUndo::Drag(int id, const QPoint& way)
 {
     TDisplayWidget* const view = Window().d_display_widget;
     const QPoint begin = view->mapFromScene(view->Item_Position(id));
-    const auto send = [view](QEvent::Type type, const QPoint& place, Qt::MouseButtons buttons) {
-        QMouseEvent event(type, place, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+    const auto send = [view](QEvent::Type type, const QPoint& point, Qt::MouseButtons buttons) {
+        QMouseEvent event(type, point, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
                           buttons, Qt::NoModifier);
         QApplication::sendEvent(view->viewport(), &event);
     };
@@ -286,13 +286,13 @@ void TestUndo::Drag(int id, const QPoint& way)
     send(QEvent::MouseButtonRelease, begin + way, Qt::NoButton);
 }
 
-void TestUndo::adding_a_label_by_the_button()
+void TestUndo::adding_a_label_by_the_button_is_one_step()
 {
     auto* const button = Support::By_Tool_Tip<QToolButton>(*Window().d_label_widget, "Add Item");
     Check([button] { QTest::mouseClick(button, Qt::LeftButton); }, "add label");
 }
 
-void TestUndo::adding_a_label_by_a_right_click()
+void TestUndo::adding_a_label_by_a_right_click_is_one_step()
 {
     const auto click = [this] {
         QTest::mousePress(Window().d_display_widget->viewport(), Qt::RightButton, Qt::NoModifier,
@@ -301,7 +301,7 @@ void TestUndo::adding_a_label_by_a_right_click()
     Check(click, "add label");
 }
 
-void TestUndo::removing_labels()
+void TestUndo::removing_labels_is_one_step()
 {
     Support::Click_Row(Labels(), 0);
     Support::Click_Row(Labels(), 2, Qt::ControlModifier);
@@ -309,13 +309,13 @@ void TestUndo::removing_labels()
     Check([&] { Answer([button] { button->click(); }, QMessageBox::Yes); }, "remove 2 labels");
 }
 
-void TestUndo::changing_a_value()
+void TestUndo::changing_a_value_is_one_step()
 {
     Support::Click_Row(Labels(), 1);
     Check([this] { Support::Type_Over(Value_Editor(), "57"); }, "change value");
 }
 
-void TestUndo::changing_a_text()
+void TestUndo::changing_a_text_is_one_step()
 {
     Support::Click_Row(Labels(), 1);
     const auto type = [this] {
@@ -325,20 +325,20 @@ void TestUndo::changing_a_text()
     Check(type, "change text");
 }
 
-void TestUndo::changing_borders()
+void TestUndo::changing_borders_is_one_step()
 {
     Labels()->selectAll();
     auto* const box = Support::Only<QComboBox>(*Window().d_label_widget);
     Check([&] { Press(box, Qt::Key_End); }, "change border");
 }
 
-void TestUndo::dragging_a_label()
+void TestUndo::dragging_a_label_is_one_step()
 {
     Support::Click_Row(Labels(), 0);
     Check([this] { Drag(11, QPoint(30, 20)); }, "move label");
 }
 
-void TestUndo::nudging_labels()
+void TestUndo::nudging_labels_is_one_step()
 {
     Labels()->selectAll();
     const auto nudge = [this] {
@@ -350,29 +350,29 @@ void TestUndo::nudging_labels()
     Check(nudge, "move 3 labels");
 }
 
-void TestUndo::adding_a_page()
+void TestUndo::adding_a_page_is_one_step()
 {
     auto* const button = Support::By_Tool_Tip<QToolButton>(*Window().d_page_widget, "Add Page");
     Check([button] { QTest::mouseClick(button, Qt::LeftButton); }, "add page");
 }
 
-void TestUndo::removing_pages()
+void TestUndo::removing_pages_is_one_step()
 {
     auto* const button = Support::By_Tool_Tip<QToolButton>(*Window().d_page_widget, "Remove Page");
     Check([&] { Answer([button] { button->click(); }, QMessageBox::Yes); }, "remove 1 page");
 }
 
-void TestUndo::naming_a_page()
+void TestUndo::naming_a_page_is_one_step()
 {
     Check([this] { Support::Type_Over(Name_Editor(), "Roof"); }, "rename page");
 }
 
-void TestUndo::dragging_a_page()
+void TestUndo::dragging_a_page_is_one_step()
 {
     Check([this] { Drop_Page(1, 0); }, "move 1 page");
 }
 
-void TestUndo::moving_pages_by_keys()
+void TestUndo::moving_pages_by_keys_is_one_step()
 {
     // Only the selection shows which of two neighbours was moved.
     Check([this] { Press(Pages(), Qt::Key_Down, Qt::AltModifier); }, "move 1 page");
@@ -386,12 +386,12 @@ void TestUndo::moving_pages_by_keys()
     QCOMPARE(Window().d_page_widget->Selected_Pages(), (std::vector<int>{2, 3}));
 }
 
-void TestUndo::importing_an_image()
+void TestUndo::importing_an_image_is_one_step()
 {
     Check([this] { Import({In("1.png")}); }, "import 1 image");
 }
 
-void TestUndo::importing_into_an_empty_page()
+void TestUndo::importing_into_an_empty_page_is_one_step()
 {
     Window().Add_Page();
     Support::Click_Row(Pages(), 3);
@@ -399,12 +399,12 @@ void TestUndo::importing_into_an_empty_page()
     Check([this] { Import({In("1.png")}); }, "import 1 image");
 }
 
-void TestUndo::renumbering_the_page()
+void TestUndo::renumbering_the_page_is_one_step()
 {
     Check([this] { Renumber(1); }, "renumber labels");
 }
 
-void TestUndo::renumbering_all_pages()
+void TestUndo::renumbering_all_pages_is_one_step()
 {
     Window().d_data.Set_Active_Page(3);
     Window().d_data.Add_Item(Support::Label(5, 70, "", 1, QPointF(20, 20)));
@@ -412,7 +412,7 @@ void TestUndo::renumbering_all_pages()
     Check([this] { Renumber(0); }, "renumber labels");
 }
 
-void TestUndo::changing_the_label_size()
+void TestUndo::changing_the_label_size_is_one_step()
 {
     Check([this] { Press(Size_Slider(), Qt::Key_PageUp); }, "change label size");
     QCOMPARE(Support::View_Difference(Window(), Size_Slider()->value(), QColor("#f79741")),
@@ -421,7 +421,7 @@ void TestUndo::changing_the_label_size()
     QCOMPARE(Support::View_Difference(Window(), 32, QColor("#f79741")), QString());
 }
 
-void TestUndo::changing_the_label_color()
+void TestUndo::changing_the_label_color_is_one_step()
 {
     auto* const button = Window().d_settings_widget->findChild<QToolButton*>();
     const auto choose = [](QWidget* dialog) {
@@ -671,7 +671,7 @@ void TestUndo::an_editor_undoes_text_that_is_not_applied_yet()
         QCOMPARE(Text_Editor()->text(), QString("abc"));
         Press(Text_Editor(), Qt::Key_Z, Qt::ControlModifier);
     }
-    // The editor has nothing left to undo, so the key undoes the document's last step.
+    // The editor has no more text to undo, so the key undoes the document's last step.
     Press(Text_Editor(), Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(Window().d_data.Item(0).border_type, 2);
 }
@@ -845,13 +845,13 @@ void TestUndo::the_scroll_position_is_kept()
     Support::Click_Row(Labels(), 2);
     QScrollBar* const bar = Window().d_display_widget->horizontalScrollBar();
     bar->setValue(bar->value() + 40);
-    const int place = bar->value();
-    QVERIFY(place > 0);
+    const int scroll_value = bar->value();
+    QVERIFY(scroll_value > 0);
     Window().Change_Item_Value(13, 55);
     Undo();
-    QCOMPARE(bar->value(), place);
+    QCOMPARE(bar->value(), scroll_value);
     Redo();
-    QCOMPARE(bar->value(), place);
+    QCOMPARE(bar->value(), scroll_value);
 }
 
 void TestUndo::undo_during_a_drag_restores_the_position()
@@ -859,8 +859,8 @@ void TestUndo::undo_during_a_drag_restores_the_position()
     TDisplayWidget* const view = Window().d_display_widget;
     Window().Change_Item_Value(13, 55);
     const QPoint begin = view->mapFromScene(QPointF(50, 60));
-    const auto send = [view](QEvent::Type type, const QPoint& place, Qt::MouseButtons buttons) {
-        QMouseEvent event(type, place, Qt::LeftButton, buttons, Qt::NoModifier);
+    const auto send = [view](QEvent::Type type, const QPoint& point, Qt::MouseButtons buttons) {
+        QMouseEvent event(type, point, Qt::LeftButton, buttons, Qt::NoModifier);
         QApplication::sendEvent(view->viewport(), &event);
     };
     send(QEvent::MouseButtonPress, begin, Qt::LeftButton);
@@ -906,7 +906,7 @@ void TestUndo::a_page_without_a_picture_is_restored_without_one()
     QCOMPARE(Window().d_page_widget->Page_Ids(), (QList<int>{1, 2, 3, 4}));
 }
 
-void TestUndo::a_label_size_beyond_the_slider_is_restored()
+void TestUndo::a_label_size_outside_the_sliders_range_is_restored()
 {
     Window().Label_Size_Changed(300);
     Window().d_history->Finish_Step();
@@ -985,7 +985,7 @@ void TestUndo::the_changed_flag_is_set()
     QVERIFY(Window().d_data_changed);
 }
 
-void TestUndo::the_document_actions_follow()
+void TestUndo::the_document_actions_are_updated()
 {
     Answer([this] { Window().Remove_Pages({1, 2, 3}); }, QMessageBox::Yes);
     QVERIFY(!Window().d_action_save->isEnabled());

@@ -260,11 +260,11 @@ QString TestUndoWalk::Difference()
         return QString("%1 pages instead of %2").arg(data.Page_Count()).arg(d_plain.pages.size());
     const int active_page = data.Active_Page();
     QString difference;
-    for (int place = 0; place < d_plain.pages.size() && difference.isEmpty(); ++place) {
-        if (data.Page_Id(place) != d_plain.pages[place].id)
-            difference = QString("page id %1 at %2").arg(data.Page_Id(place)).arg(place);
+    for (int index = 0; index < d_plain.pages.size() && difference.isEmpty(); ++index) {
+        if (data.Page_Id(index) != d_plain.pages[index].id)
+            difference = QString("page id %1 at %2").arg(data.Page_Id(index)).arg(index);
         else
-            difference = Model_Difference(d_plain.pages[place]);
+            difference = Model_Difference(d_plain.pages[index]);
     }
     data.Set_Active_Page(active_page);
     if (difference.isEmpty())
@@ -304,12 +304,12 @@ QString TestUndoWalk::Model_Difference(const TPlainPage& page)
             .arg(page.id)
             .arg(data.Item_Count())
             .arg(page.labels.size());
-    for (int place = 0; place < page.labels.size(); ++place) {
-        const TDataItem label = data.Item(place);
-        if (!(label == page.labels[place]))
+    for (int index = 0; index < page.labels.size(); ++index) {
+        const TDataItem label = data.Item(index);
+        if (!(label == page.labels[index]))
             return QString("page %1 has %2 instead of %3")
                 .arg(page.id)
-                .arg(Support::Describe_Label(label), Support::Describe_Label(page.labels[place]));
+                .arg(Support::Describe_Label(label), Support::Describe_Label(page.labels[index]));
     }
     return QString();
 }
@@ -327,21 +327,21 @@ QString TestUndoWalk::Shown_Difference()
             .arg(shown.size())
             .arg(list->count())
             .arg(labels.size());
-    for (int place = 0; place < labels.size(); ++place) {
-        const QGraphicsPixmapItem& item = *shown[place];
+    for (int index = 0; index < labels.size(); ++index) {
+        const QGraphicsPixmapItem& item = *shown[index];
         const TDataItem drawn{item.data(TDisplayWidget::Id_Key).toInt(),
                               item.data(TDisplayWidget::Value_Key).toInt(),
                               item.data(TDisplayWidget::Text_Key).toString(),
                               item.data(TDisplayWidget::Border_Key).toInt(),
                               item.data(TDisplayWidget::Centre_Key).toPointF(),
                               false};
-        if (!(drawn == labels[place]))
+        if (!(drawn == labels[index]))
             return QString("the view has %1").arg(Support::Describe_Label(drawn));
-        const QListWidgetItem& row = *list->item(place);
+        const QListWidgetItem& row = *list->item(index);
         const QString text = ItemFormat::Row_Text(d_window->d_label_widget->d_display_format,
-                                                  labels[place].value, labels[place].text);
-        if (row.data(Qt::UserRole).toInt() != labels[place].id || row.text() != text ||
-            row.data(Qt::UserRole + 3).toInt() != labels[place].border_type)
+                                                  labels[index].value, labels[index].text);
+        if (row.data(Qt::UserRole).toInt() != labels[index].id || row.text() != text ||
+            row.data(Qt::UserRole + 3).toInt() != labels[index].border_type)
             return QString("the list has %1").arg(row.text());
     }
     if (d_window->d_settings_widget->Label_Size() != d_plain.label_size ||
@@ -456,12 +456,12 @@ bool TestUndoWalk::Change_Border()
     if (!Shown_Page() || ids.empty())
         return false;
     auto* const box = Support::Only<QComboBox>(*d_window->d_label_widget);
-    const int place = Number_Below(box->count());
+    const int index = Number_Below(box->count());
     // Choosing the current entry again emits nothing.
-    if (place != box->currentIndex()) {
-        box->setCurrentIndex(place);
+    if (index != box->currentIndex()) {
+        box->setCurrentIndex(index);
         for (const int id : ids)
-            Label(id)->border_type = box->itemData(place).toInt();
+            Label(id)->border_type = box->itemData(index).toInt();
     }
     Remember();
     return true;
@@ -582,7 +582,8 @@ bool TestUndoWalk::Renumber()
     const int first = Number_Below(500);
     const bool current_page = Number_Below(2) == 0;
     const bool is_page_active = d_window->d_data.Active_Page() >= 0;
-    // Renumbering would refresh an active page without a picture, which the copy does not model.
+    // Renumbering would refresh an active page without a picture, which the test's copy does not
+    // model.
     if (is_page_active ? !Shown_Page() : current_page)
         return false;
     if (!d_window->d_reindex_dialog)

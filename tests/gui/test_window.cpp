@@ -25,15 +25,15 @@ private slots:
     void cleanup();
     void the_window_starts_with_an_empty_document();
     void the_window_starts_with_its_size_and_title();
-    void actions_data();
-    void actions();
+    void actions_have_their_icon_shortcut_and_texts_data();
+    void actions_have_their_icon_shortcut_and_texts();
     void actions_are_made_in_order();
     void the_menu_bar_reads_file_edit_view_help();
     void menus_contain_their_entries_in_order_data();
     void menus_contain_their_entries_in_order();
     void the_tool_bar_contains_its_actions_in_order();
-    void docks_data();
-    void docks();
+    void docks_contain_their_panels_data();
+    void docks_contain_their_panels();
     void the_settings_dock_is_below_the_page_dock();
     void the_status_bar_shows_the_zoom();
     void the_central_widget_contains_the_view_and_the_notice();
@@ -41,8 +41,8 @@ private slots:
     void every_signal_is_connected_data();
     void every_signal_is_connected();
     void lists_of_integers_are_known_to_the_meta_type_system();
-    void zoom_data();
-    void zoom();
+    void the_slider_sets_scale_and_text_data();
+    void the_slider_sets_scale_and_text();
     void one_step_of_the_slider_scales_by_a_fixed_factor();
     void about_shows_one_box();
     void quit_does_nothing();
@@ -111,7 +111,7 @@ void TestWindow::the_window_starts_with_its_size_and_title()
     QCOMPARE(d_window->d_message_box->parentWidget(), d_window.get());
 }
 
-void TestWindow::actions_data()
+void TestWindow::actions_have_their_icon_shortcut_and_texts_data()
 {
     QTest::addColumn<QString>("icon");
     QTest::addColumn<int>("shortcut");
@@ -141,7 +141,7 @@ void TestWindow::actions_data()
                                << "" << true;
 }
 
-void TestWindow::actions()
+void TestWindow::actions_have_their_icon_shortcut_and_texts()
 {
     QFETCH(QString, icon);
     QFETCH(int, shortcut);
@@ -214,7 +214,7 @@ void TestWindow::the_tool_bar_contains_its_actions_in_order()
                           "Export PDF ..."}));
 }
 
-void TestWindow::docks_data()
+void TestWindow::docks_contain_their_panels_data()
 {
     QTest::addColumn<QString>("panel");
     QTest::addColumn<int>("area");
@@ -223,7 +223,7 @@ void TestWindow::docks_data()
     QTest::newRow("Settings") << "TSettingsWidget" << int(Qt::RightDockWidgetArea);
 }
 
-void TestWindow::docks()
+void TestWindow::docks_contain_their_panels()
 {
     QFETCH(QString, panel);
     QFETCH(int, area);
@@ -382,7 +382,7 @@ void TestWindow::lists_of_integers_are_known_to_the_meta_type_system()
     QVERIFY(QMetaType::type("QList<int>") != QMetaType::UnknownType);
 }
 
-void TestWindow::zoom_data()
+void TestWindow::the_slider_sets_scale_and_text_data()
 {
     QTest::addColumn<int>("value");
     QTest::addColumn<QString>("text");
@@ -393,7 +393,7 @@ void TestWindow::zoom_data()
     QTest::newRow("half way down") << -50 << "0.37 X" << 0.36787944117144233;
 }
 
-void TestWindow::zoom()
+void TestWindow::the_slider_sets_scale_and_text()
 {
     QFETCH(int, value);
     QFETCH(QString, text);

@@ -18,7 +18,7 @@ TDataItem Make_Item(int id, int value = 0)
     return item;
 }
 
-/// So many labels that removing one leaves a gap for a while.
+/// A number of labels that is large enough for the index to be rebuilt late after a removal.
 constexpr int large_page = 1000;
 
 QVector<int> Numbers(int first, int last)
@@ -37,7 +37,7 @@ QVector<int> Item_Ids(const TData& data)
     return ids;
 }
 
-/// Fills a fresh document with one page, active, and labels with these ids.
+/// Adds a page with labels of these ids to an empty document, and makes it active.
 void Fill(TData* data, const QVector<int>& ids)
 {
     data->Set_Active_Page(data->Add_Page());
@@ -129,7 +129,7 @@ private slots:
         QCOMPARE(data.Active_Page(), -1);
     }
 
-    void a_removed_page_s_id_is_not_given_again_until_clear()
+    void the_id_of_a_removed_page_is_not_reused_before_clear()
     {
         TData data;
         data.Add_Page();
@@ -209,7 +209,7 @@ private slots:
         QVERIFY(!data.Page_Has_Data());
     }
 
-    void pages_are_found_by_id_and_by_place()
+    void pages_are_found_by_id_and_by_index()
     {
         TData data;
         data.Add_Page();
@@ -223,7 +223,7 @@ private slots:
         QCOMPARE(data.Page_Id(1), 3);
     }
 
-    void the_active_page_s_image_is_given_and_replaced()
+    void the_image_of_the_active_page_can_be_read_and_replaced()
     {
         const QImage first = Support::Picture(20, 10, 1);
         const QImage second = Support::Picture(15, 12, 2);
@@ -293,7 +293,7 @@ private slots:
         QVERIFY(!data.Item_Exists(10));
     }
 
-    void an_id_is_taken_once_on_a_page()
+    void an_id_is_unique_on_its_page()
     {
         TData data;
         Fill(&data, {1});
@@ -329,7 +329,7 @@ private slots:
         QCOMPARE(data.Item_Max_Value(), largest);
     }
 
-    void a_removed_label_s_value_no_longer_counts()
+    void the_value_of_a_removed_label_no_longer_counts()
     {
         TData data;
         Fill(&data, {});
@@ -401,8 +401,8 @@ private slots:
         int value = 10;
         data.Number_Items(1, false, [&value] { return value++; });
         QCOMPARE(data.Item_Count(), 3);
-        for (int place = 0; place < 3; ++place)
-            QCOMPARE(data.Item(place).value, 10 + place);
+        for (int index = 0; index < 3; ++index)
+            QCOMPARE(data.Item(index).value, 10 + index);
 
         QVERIFY(data.Change_Item_Selection(1, true));
         data.Number_Items(1, true, [] { return -4; });
@@ -457,7 +457,7 @@ private slots:
         });
         QTest::newRow("page before removed")
             << TOperation([](TData* data) { data->Remove_Page(1); });
-        QTest::newRow("page behind removed")
+        QTest::newRow("page after the removed one")
             << TOperation([](TData* data) { data->Remove_Page(3); });
         QTest::newRow("page added") << TOperation([](TData* data) { data->Add_Page(); });
         QTest::newRow("same page again")
@@ -488,7 +488,7 @@ private slots:
         }
     }
 
-    void the_active_page_can_be_removed_with_labels_just_removed()
+    void the_active_page_can_be_removed_right_after_some_of_its_labels()
     {
         for (const int count : {4, large_page}) {
             TData data;
@@ -503,7 +503,7 @@ private slots:
         }
     }
 
-    void any_sequence_of_operations_equals_that_on_a_plain_list_data()
+    void random_operations_give_the_same_labels_as_on_a_plain_list_data()
     {
         QTest::addColumn<int>("id_count");
         QTest::newRow("small page") << 97;
@@ -511,7 +511,7 @@ private slots:
     }
 
     // The same random operations on a plain list of ids and values give the same labels.
-    void any_sequence_of_operations_equals_that_on_a_plain_list()
+    void random_operations_give_the_same_labels_as_on_a_plain_list()
     {
         QFETCH(const int, id_count);
         TData data;
@@ -709,14 +709,14 @@ private slots:
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 
-    void a_place_of_a_page_out_of_range_is_stopped_data()
+    void a_page_index_out_of_range_fails_an_assertion_data()
     {
         QTest::addColumn<int>("index");
         QTest::newRow("before the first") << -1;
-        QTest::newRow("behind the last") << 1;
+        QTest::newRow("after the last") << 1;
     }
 
-    void a_place_of_a_page_out_of_range_is_stopped()
+    void a_page_index_out_of_range_fails_an_assertion()
     {
         QFETCH(const int, index);
         const QString difference = Support::Assertion_Failure(
@@ -731,15 +731,15 @@ private slots:
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 
-    void a_place_of_a_label_out_of_range_is_stopped_data()
+    void a_label_index_out_of_range_fails_an_assertion_data()
     {
         QTest::addColumn<int>("index");
         QTest::newRow("before the first") << -1;
         QTest::newRow("the one just removed") << 2;
-        QTest::newRow("behind the last") << 3;
+        QTest::newRow("after the last") << 3;
     }
 
-    void a_place_of_a_label_out_of_range_is_stopped()
+    void a_label_index_out_of_range_fails_an_assertion()
     {
         QFETCH(const int, index);
         const QString difference = Support::Assertion_Failure(

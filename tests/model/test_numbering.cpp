@@ -49,7 +49,7 @@ private slots:
         QCOMPARE(numbering.Next(), 7);
     }
 
-    void a_page_starts_at_data()
+    void the_method_decides_where_a_page_starts_data()
     {
         QTest::addColumn<int>("method");
         QTest::addColumn<int>("after");
@@ -59,21 +59,21 @@ private slots:
         QTest::newRow("1X counts on below zero") << 0 << -7 << -7;
         QTest::newRow("10X inside a ten") << 1 << 14 << 20;
         QTest::newRow("10X last of a ten") << 1 << 19 << 20;
-        QTest::newRow("10X passes over a round number") << 1 << 20 << 30;
+        QTest::newRow("10X skips a round number") << 1 << 20 << 30;
         QTest::newRow("10X from zero") << 1 << 0 << 10;
         QTest::newRow("100X inside a hundred") << 2 << 4 << 100;
         QTest::newRow("100X last of a hundred") << 2 << 199 << 200;
-        QTest::newRow("100X passes over a round number") << 2 << 200 << 300;
+        QTest::newRow("100X skips a round number") << 2 << 200 << 300;
         QTest::newRow("100X into the next hundred") << 2 << 220 << 300;
         QTest::newRow("1000X inside a thousand") << 4 << 4 << 1000;
         QTest::newRow("1000X last of a thousand") << 4 << 1999 << 2000;
-        QTest::newRow("1000X passes over a round number") << 4 << 2000 << 3000;
-        QTest::newRow("unknown code 3 counts on") << 3 << 14 << 14;
-        QTest::newRow("unknown code 5 counts on") << 5 << 20 << 20;
-        QTest::newRow("unknown code 8 counts on") << 8 << 14 << 14;
-        QTest::newRow("unknown code -1 counts on") << -1 << 14 << 14;
+        QTest::newRow("1000X skips a round number") << 4 << 2000 << 3000;
+        QTest::newRow("unknown code 3 continues") << 3 << 14 << 14;
+        QTest::newRow("unknown code 5 continues") << 5 << 20 << 20;
+        QTest::newRow("unknown code 8 continues") << 8 << 14 << 14;
+        QTest::newRow("unknown code -1 continues") << -1 << 14 << 14;
     }
-    void a_page_starts_at()
+    void the_method_decides_where_a_page_starts()
     {
         QFETCH(int, method);
         QFETCH(int, after);
@@ -86,7 +86,7 @@ private slots:
         QTest::addColumn<int>("after");
         QTest::addColumn<int>("start");
 
-        // -1 / 10 = 0, (0 + 1) * 10 = 10: from below, zero is not a start.
+        // -1 / 10 = 0, (0 + 1) * 10 = 10: a page does not start at zero after a negative value.
         QTest::newRow("10X just below zero") << 1 << -1 << 10;
         QTest::newRow("10X last above minus ten") << 1 << -9 << 10;
         QTest::newRow("10X minus ten") << 1 << -10 << 0;
@@ -122,7 +122,8 @@ private slots:
             const int start = Start_After(after, method);
             QCOMPARE(start % step, 0);
             QVERIFY2(start > after, qPrintable(QString::number(after)));
-            // From zero on it is the very next one; below, truncation may pass over one.
+            // After a value of at least 0, it is the very next one. After a negative value,
+            // truncation may skip one.
             QVERIFY2(start - after <= (after < 0 ? 2 * step : step),
                      qPrintable(QString::number(after)));
         }
@@ -160,7 +161,7 @@ private slots:
         QCOMPARE(numbering.Take(), 30);
     }
 
-    void three_pages_with_100x()
+    void pages_start_at_the_next_hundred_with_100x()
     {
         TNumbering numbering(1, TNumbering::Next_100X);
         QCOMPARE(Take_Page(numbering, 3), (std::vector<int>{1, 2, 3}));

@@ -39,7 +39,7 @@ quint32 Crc(const QByteArray& bytes)
 }
 
 template <typename TNumber>
-QByteArray Big(TNumber number)
+QByteArray Big_Endian(TNumber number)
 {
     QByteArray bytes(sizeof(TNumber), '\0');
     qToBigEndian(number, bytes.data());
@@ -47,56 +47,59 @@ QByteArray Big(TNumber number)
 }
 
 template <typename TNumber>
-QByteArray Little(TNumber number)
+QByteArray Little_Endian(TNumber number)
 {
     QByteArray bytes(sizeof(TNumber), '\0');
     qToLittleEndian(number, bytes.data());
     return bytes;
 }
 
-/// A PNG whose header declares this size.
-QByteArray Promising_Png(quint32 width, quint32 height)
+/// A PNG whose header declares a size that its data do not have.
+QByteArray Png_Declaring(quint32 width, quint32 height)
 {
     QByteArray bytes = Support::Png(Support::Picture(8, 8));
-    bytes.replace(16, 8, Big(width) + Big(height));
-    bytes.replace(29, 4, Big(Crc(bytes.mid(12, 17))));
+    bytes.replace(16, 8, Big_Endian(width) + Big_Endian(height));
+    bytes.replace(29, 4, Big_Endian(Crc(bytes.mid(12, 17))));
     return bytes;
 }
 
-/// A grey picture whose few bytes declare a large size.
-QByteArray Promising_Pgm(int width, int height)
+/// A greyscale image of a few bytes that declares a large size.
+QByteArray Pgm_Declaring(int width, int height)
 {
     return "P5\n" + QByteArray::number(width) + ' ' + QByteArray::number(height) + "\n255\n" +
            "abc";
 }
 
-QByteArray Promising_Bmp(qint32 width, qint32 height)
+QByteArray Bmp_Declaring(qint32 width, qint32 height)
 {
     QByteArray bytes = Encoded(Support::Picture(8, 8), "BMP");
-    return bytes.replace(18, 8, Little(width) + Little(height));
+    return bytes.replace(18, 8, Little_Endian(width) + Little_Endian(height));
 }
 
-/// An icon file with one entry, which leaves the size open, and this picture.
+/// An icon file with one picture. Its directory entry leaves the size open.
 QByteArray Icon(const QByteArray& picture)
 {
-    return Little<quint16>(0) + Little<quint16>(1) + Little<quint16>(1) + QByteArray(4, '\0') +
-           Little<quint16>(1) + Little<quint16>(32) +
-           Little<quint32>(static_cast<quint32>(picture.size())) + Little<quint32>(22) + picture;
+    return Little_Endian<quint16>(0) + Little_Endian<quint16>(1) + Little_Endian<quint16>(1) +
+           QByteArray(4, '\0') + Little_Endian<quint16>(1) + Little_Endian<quint16>(32) +
+           Little_Endian<quint32>(static_cast<quint32>(picture.size())) +
+           Little_Endian<quint32>(22) + picture;
 }
 
 QByteArray Bitmap_Header(qint32 width, qint32 height)
 {
-    return Little<quint32>(40) + Little(width) + Little(height) + Little<quint16>(1) +
-           Little<quint16>(32) + QByteArray(24, '\0') + QByteArray(64, 'x');
+    return Little_Endian<quint32>(40) + Little_Endian(width) + Little_Endian(height) +
+           Little_Endian<quint16>(1) + Little_Endian<quint16>(32) + QByteArray(24, '\0') +
+           QByteArray(64, 'x');
 }
 
-/// The picture of an icon: two colours, lines of pixels, lines of the mask.
+/// The picture of an icon: a palette of two colours, the lines of pixels, and the lines of the
+/// mask.
 QByteArray Icon_Bitmap(int width, int height)
 {
     const int line = (width + 31) / 32 * 4; // bytes
-    return Little<quint32>(40) + Little(width) + Little(2 * height) + Little<quint16>(1) +
-           Little<quint16>(1) + QByteArray(24, '\0') + QByteArray(8, '\x55') +
-           QByteArray(2 * line * height, '\x55');
+    return Little_Endian<quint32>(40) + Little_Endian(width) + Little_Endian(2 * height) +
+           Little_Endian<quint16>(1) + Little_Endian<quint16>(1) + QByteArray(24, '\0') +
+           QByteArray(8, '\x55') + QByteArray(2 * line * height, '\x55');
 }
 
 QByteArray Text_Of_Xpm()
@@ -106,21 +109,21 @@ QByteArray Text_Of_Xpm()
            "\"ba\"};\n";
 }
 
-/// A black line as PBM, and a half black one as XBM: only the suffix of the file decides.
+/// A black line as PBM, and also a half black one as XBM. Only the suffix of the file name decides.
 QByteArray Pbm_Or_Xbm()
 {
     return "P1\n#define a_width 8\n#define a_height 1\n8 1\n1 1 1 1 1 1 1 1\n"
            "# static char a_bits[] = { 0x0f };\n";
 }
 
-/// The same picture as a BMP, with its lines stored from the top to the bottom.
+/// Encodes a picture as a BMP whose lines are stored from top to bottom.
 QByteArray Top_Down_Bmp(const QImage& picture)
 {
     QByteArray bytes = Encoded(picture.convertToFormat(QImage::Format_RGB32), "BMP");
     const int header = 54;
     const int line = (bytes.size() - header) / picture.height();
     QByteArray top_down = bytes.left(header);
-    top_down.replace(22, 4, Little<qint32>(-picture.height()));
+    top_down.replace(22, 4, Little_Endian<qint32>(-picture.height()));
     for (int row = picture.height() - 1; row >= 0; --row)
         top_down += bytes.mid(header + row * line, line);
     return top_down;
@@ -162,7 +165,7 @@ QVector<QPair<const char*, QByteArray>> Samples()
         {"png cut short", Support::Png(picture).left(200)},
         {"png with a wrong checksum", bad_checksum},
         {"png signature alone", Support::Png(picture).left(8)},
-        {"png with rubbish behind it", Support::Png(picture) + "rubbish"},
+        {"png with trailing bytes", Support::Png(picture) + "trailing"},
         {"jpeg cut short", jpeg.left(jpeg.size() * 2 / 3)},
         {"icon without a picture", Icon(QByteArray())},
         {"icon cut short", Icon(QByteArray()).left(20)},
@@ -178,7 +181,7 @@ void Add_Samples()
         QTest::newRow(sample.first) << sample.second;
 }
 
-/// Compares a page image with a plain image. Asks for size and nullness before and after decoding.
+/// Compares a page image with a plain image. Compares size and nullness before and after decoding.
 void Compare(const TPageImage& image, const QImage& expected)
 {
     QCOMPARE(image.isNull(), expected.isNull());
@@ -190,7 +193,7 @@ void Compare(const TPageImage& image, const QImage& expected)
     QCOMPARE(image.size(), expected.size());
 }
 
-/// A picture with 64 MiB of pixels and few bytes.
+/// An image with 64 MiB of pixels and few bytes.
 QByteArray Large_Png(int seed)
 {
     QImage image(4096, 4096, QImage::Format_RGB32);
@@ -240,7 +243,7 @@ class TestPageImage : public QObject
 private slots:
     void cleanup()
     {
-        // Destroyed images leave no pixels behind.
+        // Destroyed images leave no pixels in the cache.
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
     }
 
@@ -320,7 +323,7 @@ private slots:
         QCOMPARE(from_pixels.Png().constData(), from_pixels.Png().constData());
     }
 
-    void pixels_stay_in_the_store()
+    void decoded_pixels_stay_in_the_cache()
     {
         const QImage picture = Support::Picture(40, 30);
         const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
@@ -331,7 +334,7 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
     }
 
-    void encoding_adds_nothing_to_the_store()
+    void encoding_adds_nothing_to_the_cache()
     {
         const QImage picture = Support::Picture(40, 30);
         const TPageImage image = TPageImage::From_Bytes(Encoded(picture, "BMP"));
@@ -349,26 +352,26 @@ private slots:
         QCOMPARE(QImage(image), picture);
     }
 
-    void an_undecodable_image_adds_nothing_to_the_store()
+    void an_undecodable_image_adds_nothing_to_the_cache()
     {
         const TPageImage image = TPageImage::From_Bytes("no image");
         QVERIFY(image.isNull());
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
     }
 
-    void a_part_of_an_array_is_shared_and_kept_alive()
+    void an_image_shares_a_part_of_an_array_and_keeps_it_alive()
     {
         const QImage picture = Support::Picture(40, 30);
         const QByteArray png = Support::Png(picture);
-        const char* place = nullptr;
+        const char* position = nullptr;
         TPageImage image;
         {
-            const QByteArray whole = "before" + png + "behind";
-            place = whole.constData() + 6;
+            const QByteArray whole = "before" + png + "after";
+            position = whole.constData() + 6;
             image = TPageImage::From_Part(whole, 6, png.size());
         }
         QCOMPARE(static_cast<const void*>(image.Png().constData()),
-                 static_cast<const void*>(place));
+                 static_cast<const void*>(position));
         QCOMPARE(image.Png(), png);
         Compare(image, picture);
     }
@@ -383,7 +386,7 @@ private slots:
         QTest::newRow("past the end") << 5 << 100 << QByteArray("fgh");
         QTest::newRow("far past the end") << 5 << 2147483647 << QByteArray("fgh");
         QTest::newRow("from the end") << 8 << 4 << QByteArray();
-        QTest::newRow("from behind the end") << 2147483647 << 2147483647 << QByteArray();
+        QTest::newRow("from after the end") << 2147483647 << 2147483647 << QByteArray();
         QTest::newRow("no length") << 3 << 0 << QByteArray();
         QTest::newRow("negative length") << 3 << -2 << QByteArray();
         QTest::newRow("from before the start") << -2 << 4 << QByteArray("ab");
@@ -400,24 +403,24 @@ private slots:
         QVERIFY(image.isNull());
     }
 
-    void more_than_500_megapixels_are_undecodable_data()
+    void an_image_of_more_than_500_megapixels_is_undecodable_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("png") << Promising_Png(25000, 20001);
-        QTest::newRow("wide png") << Promising_Png(500'000'001, 1);
-        QTest::newRow("pgm") << Promising_Pgm(25000, 20001);
-        QTest::newRow("bmp") << Promising_Bmp(25000, 20001);
-        QTest::newRow("bmp upside down") << Promising_Bmp(25000, -20001);
+        QTest::newRow("png") << Png_Declaring(25000, 20001);
+        QTest::newRow("wide png") << Png_Declaring(500'000'001, 1);
+        QTest::newRow("pgm") << Pgm_Declaring(25000, 20001);
+        QTest::newRow("bmp") << Bmp_Declaring(25000, 20001);
+        QTest::newRow("top-down bmp") << Bmp_Declaring(25000, -20001);
         QTest::newRow("icon of a bitmap") << Icon(Bitmap_Header(50000, 50000));
-        QTest::newRow("icon of a png") << Icon(Promising_Png(50000, 50000));
-        // This one would be decoded.
+        QTest::newRow("icon of a png") << Icon(Png_Declaring(50000, 50000));
+        // This image could be decoded.
         QImage picture(25000, 20001, QImage::Format_Mono);
         picture.fill(0);
         QTest::newRow("icon of a whole png") << Icon(Support::Png(picture));
         QTest::newRow("icon of a whole bitmap") << Icon(Icon_Bitmap(20000, 12501));
     }
 
-    void more_than_500_megapixels_are_undecodable()
+    void an_image_of_more_than_500_megapixels_is_undecodable()
     {
         QFETCH(const QByteArray, bytes);
         const TPageImage image = TPageImage::From_Bytes(bytes);
@@ -430,8 +433,8 @@ private slots:
         QVERIFY(TPageImage::From_File(path).isNull());
     }
 
-    // With one bit per pixel, the limit takes little memory.
-    void exactly_500_megapixels_are_decoded()
+    // With one bit per pixel, an image of this size takes little memory.
+    void an_image_of_exactly_500_megapixels_is_decoded()
     {
         const QByteArray header = "P4\n25000 20000\n";
         const QByteArray bytes = header + QByteArray(3125 * 20000, '\x55');
@@ -451,10 +454,10 @@ private slots:
 
     void a_bitmap_without_height_is_undecodable()
     {
-        QVERIFY(TPageImage::From_Bytes(Promising_Bmp(10, 0)).isNull());
+        QVERIFY(TPageImage::From_Bytes(Bmp_Declaring(10, 0)).isNull());
     }
 
-    void what_cannot_be_decoded_is_not_read_again()
+    void an_undecodable_image_is_read_only_once()
     {
         const TPageImage image = TPageImage::From_Bytes("P5\n10 10\n255\n");
         QVERIFY(image.isNull());
@@ -463,12 +466,12 @@ private slots:
         QVERIFY(QImage(image).isNull());
         QVERIFY(image.isNull());
         QCOMPARE(blocks, 0);
-        // The watch counts blocks of another image.
+        // Decoding another image does notify the watch.
         QVERIFY(!TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30))).isNull());
         QVERIFY(blocks > 0);
     }
 
-    void the_pixels_of_a_file_are_in_the_store_at_once()
+    void an_image_file_is_decoded_into_the_cache_at_once()
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath(QStringLiteral("picture.png"));
@@ -495,7 +498,7 @@ private slots:
         }
     }
 
-    void source_bytes_decode_alike_whatever_the_file_was_called_data()
+    void source_bytes_of_a_file_decode_alike_regardless_of_its_name_data()
     {
         QTest::addColumn<QByteArray>("format");
         QTest::addColumn<QString>("suffix");
@@ -508,7 +511,7 @@ private slots:
         }
     }
 
-    void source_bytes_decode_alike_whatever_the_file_was_called()
+    void source_bytes_of_a_file_decode_alike_regardless_of_its_name()
     {
         QFETCH(const QByteArray, format);
         QFETCH(const QString, suffix);
@@ -520,14 +523,14 @@ private slots:
         QCOMPARE(Support::Difference(image, expected), QString());
     }
 
-    void the_suffix_decides_where_the_content_has_two_formats_data()
+    void the_suffix_decides_if_the_content_is_valid_in_two_formats_data()
     {
         QTest::addColumn<QString>("name");
         QTest::newRow("XBM") << QStringLiteral("picture.xbm");
         QTest::newRow("PBM") << QStringLiteral("picture.pbm");
     }
 
-    void the_suffix_decides_where_the_content_has_two_formats()
+    void the_suffix_decides_if_the_content_is_valid_in_two_formats()
     {
         QFETCH(const QString, name);
         const QTemporaryDir folder;
@@ -557,14 +560,14 @@ private slots:
         QCOMPARE(QImage(image.Encoded()).devicePixelRatio(), 1.0);
     }
 
-    void a_bmp_is_read_whatever_the_order_of_its_lines_data()
+    void a_bmp_is_read_with_either_order_of_its_lines_data()
     {
         QTest::addColumn<bool>("is_top_down");
         QTest::newRow("bottom-up") << false;
         QTest::newRow("top-down") << true;
     }
 
-    void a_bmp_is_read_whatever_the_order_of_its_lines()
+    void a_bmp_is_read_with_either_order_of_its_lines()
     {
         QFETCH(const bool, is_top_down);
         const QImage picture = Support::Picture(40, 30);
@@ -578,7 +581,7 @@ private slots:
         QCOMPARE(Support::Difference(image, picture), QString());
     }
 
-    void the_suffix_of_a_file_may_be_left_out()
+    void the_suffix_of_a_file_may_be_omitted()
     {
         const QTemporaryDir folder;
         const QByteArray bytes = Support::Png(Support::Picture(40, 30));
@@ -779,7 +782,7 @@ private slots:
         QCOMPARE(TPageImage::Picture_Count(path), 1);
     }
 
-    void the_store_is_bounded_and_drops_the_least_recently_used()
+    void the_cache_is_bounded_and_drops_the_least_recently_used_pixels()
     {
         QVector<TPageImage> images;
         for (int seed = 0; seed < 5; ++seed)
@@ -788,7 +791,7 @@ private slots:
         for (int index = 0; index < 4; ++index)
             keys.append(QImage(images[index]).cacheKey());
         QCOMPARE(TPageImage::Stored_Bytes(), TPageImage::Store_Bytes);
-        // The first one is used again, so the second has to go when the fifth comes.
+        // The first image is used again, so the fifth replaces the second.
         QCOMPARE(QImage(images[0]).cacheKey(), keys[0]);
         QVERIFY(!images[4].isNull());
         QCOMPARE(TPageImage::Stored_Bytes(), TPageImage::Store_Bytes);
@@ -806,7 +809,7 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), 3 * large_bytes);
     }
 
-    void the_newest_image_stays_in_the_store_even_when_it_is_too_large()
+    void the_newest_image_stays_in_the_cache_even_if_it_exceeds_the_limit()
     {
         const TPageImage small = TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30)));
         QVERIFY(!small.isNull());
@@ -865,7 +868,7 @@ private slots:
         QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
     }
 
-    void an_encoded_image_of_pixels_is_their_png()
+    void an_image_made_from_pixels_is_encoded_as_png()
     {
         const QImage picture = Support::Picture(40, 30);
         const TPageImage encoded = TPageImage(picture).Encoded();

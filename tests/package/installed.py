@@ -33,8 +33,8 @@ def read(path):
 
 
 def files_below(folder):
-    return sorted(os.path.relpath(os.path.join(place, name), folder)
-                  for place, _, names in os.walk(folder) for name in names)
+    return sorted(os.path.relpath(os.path.join(folder_path, name), folder)
+                  for folder_path, _, names in os.walk(folder) for name in names)
 
 
 def run(*command, **options):

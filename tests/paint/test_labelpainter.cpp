@@ -121,16 +121,16 @@ TSpecimen Specimen(int border_type, bool selected = false, const QString& text =
 }
 
 /// The columns of a row, or the rows of a column, whose pixels have exactly this colour.
-QList<int> Places(const QImage& image, const QColor& color, int row, int column = -1)
+QList<int> Positions(const QImage& image, const QColor& color, int row, int column = -1)
 {
-    QList<int> places;
+    QList<int> positions;
     const int count = column < 0 ? image.width() : image.height();
     for (int i = 0; i < count; ++i) {
         const QPoint point = column < 0 ? QPoint(i, row) : QPoint(column, i);
         if (image.pixelColor(point) == color)
-            places.append(i);
+            positions.append(i);
     }
-    return places;
+    return positions;
 }
 
 /// A label 100 wide and high without a border, with a text of this size in its middle.
@@ -149,7 +149,7 @@ QImage Text_Alone(const QString& text, double font_size)
     return image;
 }
 
-/// A text with exactly this measured width.
+/// A text of exactly this measured width.
 QString Text_Of_Width(int width, double font_size)
 {
     for (int wide = 0; wide < width; ++wide) {
@@ -313,8 +313,8 @@ void TestLabelPainter::the_square_spans_from_its_corner_around_the_centre()
     // From (-20, -20), 39 wide and high, around (22, 22): edges at 2 and 41, two pixels wide.
     const QImage image = Painted(Specimen(1));
     const QList<int> expected{1, 2, 40, 41};
-    QCOMPARE(Places(image, red, 22), expected);
-    QCOMPARE(Places(image, red, -1, 22), expected);
+    QCOMPARE(Positions(image, red, 22), expected);
+    QCOMPARE(Positions(image, red, -1, 22), expected);
     QCOMPARE(image.pixelColor(0, 22), almost_nothing);
     QCOMPARE(image.pixelColor(42, 22), almost_nothing);
     QCOMPARE(image.pixelColor(2, 2), red);
@@ -338,11 +338,11 @@ void TestLabelPainter::the_ellipse_touches_the_squares_edges()
 
 void TestLabelPainter::the_triangle_is_a_square_base_under_a_pointed_roof()
 {
-    // Corners, seen from (22, 22): (0, -20), (-20, 0), (-20, 20), (20, 20), (20, 0).
+    // Corners, relative to (22, 22): (0, -20), (-20, 0), (-20, 20), (20, 20), (20, 0).
     const QImage image = Painted(Specimen(4));
     const QList<int> walls{1, 2, 41, 42};
-    QCOMPARE(Places(image, red, 30), walls);
-    QCOMPARE(Places(image, red, -1, 30).last(), 42);
+    QCOMPARE(Positions(image, red, 30), walls);
+    QCOMPARE(Positions(image, red, -1, 30).last(), 42);
     QCOMPARE(image.pixelColor(30, 41), red);
     QCOMPARE(image.pixelColor(30, 43).alpha(), 1);
     // Half-way up the roof, which rises at 45 degrees, its line is 10 from the middle and the
@@ -388,7 +388,7 @@ void TestLabelPainter::other_codes_draw_no_border()
 void TestLabelPainter::the_radius_of_a_flat_label_comes_from_its_width()
 {
     // 65 x 35, radius 30 around (32, 17): the diamond's upper and lower corners, at -13 and 47, are
-    // cut off, so that the edges run into the pixmap's upper and lower rows.
+    // cut off, so that its edges end in the pixmap's top and bottom rows.
     TSpecimen label = Specimen(8);
     label.width = 65;
     label.height = 35;
@@ -403,15 +403,16 @@ void TestLabelPainter::the_radius_of_a_flat_label_comes_from_its_width()
     // The base of the triangle would be at 47, below the pixmap; its walls are at 2 and 62.
     label.border_type = 4;
     const QList<int> walls{1, 2, 61, 62};
-    QCOMPARE(Places(Painted(label), red, 34), walls);
+    QCOMPARE(Positions(Painted(label), red, 34), walls);
 
-    // The square starts at -13, 29 high: only its lower edge, at 16, and its walls are seen.
+    // The square starts at -13 and is 29 high: only its lower edge, at 16, and its walls are
+    // visible.
     label.border_type = 1;
     const QImage square = Painted(label);
     const QList<int> sides{1, 2, 60, 61};
-    QCOMPARE(Places(square, red, 5), sides);
+    QCOMPARE(Positions(square, red, 5), sides);
     const QList<int> lower_edge{15, 16};
-    QCOMPARE(Places(square, red, -1, 32), lower_edge);
+    QCOMPARE(Positions(square, red, -1, 32), lower_edge);
 }
 
 void TestLabelPainter::the_highlight_lies_beneath_border_and_text()
@@ -440,7 +441,7 @@ void TestLabelPainter::the_highlight_fills_the_label()
     const auto pixel = [&image](int x, int y) {
         return reinterpret_cast<const QRgb*>(image.constScanLine(y))[x];
     };
-    // A quarter of blue over next to nothing: 64 + 1 * 191 / 255.
+    // A quarter of blue over an almost transparent pixel: 64 + 1 * 191 / 255.
     QCOMPARE(pixel(20, 20), qRgba(1, 1, 65, 65));
     QCOMPARE(pixel(1, 22), qRgba(1, 1, 65, 65));
     QCOMPARE(pixel(41, 41), qRgba(1, 1, 65, 65));

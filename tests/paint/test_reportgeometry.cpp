@@ -22,7 +22,7 @@ QRect Corners(int left, int top, int right, int bottom)
 }
 
 /// The layout of a page, calculated by hand.
-struct TPlaces
+struct TCoordinates
 {
     int x0, x1, xr;
     int y0, yb, fy;
@@ -35,7 +35,7 @@ struct TPaper
     const char* name;
     int code;
     int width, height; ///< what QPrinter gives for this paper at code * 96 dots per inch
-    TPlaces places;
+    TCoordinates coordinates;
 };
 
 // For each page, with left and top 0, R = W - 1, B = H - 1:
@@ -126,7 +126,7 @@ class TestReportGeometry : public QObject
     /// Compares the parts of the layout that depend only on the position of the header rule.
     static void Compare_Frame(const TReportGeometry& geometry, const TPaper& paper, int hy)
     {
-        const TPlaces& p = paper.places;
+        const TCoordinates& p = paper.coordinates;
         QCOMPARE(geometry.Header_Rule(), QLine(p.x0, hy, p.xr, hy));
         QCOMPARE(geometry.Footer_Rule(), QLine(p.x0, p.fy - 1, p.xr, p.fy - 1));
         QCOMPARE(geometry.Footer(), Corners(p.x0, p.fy, p.x1, p.yb - 1));
@@ -141,7 +141,7 @@ private slots:
         QFETCH(int, index);
         const TPaper& paper = papers[index];
         const TReportGeometry geometry = Geometry(paper, false, false);
-        Compare_Frame(geometry, paper, paper.places.y0);
+        Compare_Frame(geometry, paper, paper.coordinates.y0);
         QVERIFY(geometry.Header_1().isEmpty());
         QVERIFY(geometry.Header_2().isEmpty());
     }
@@ -151,7 +151,7 @@ private slots:
     {
         QFETCH(int, index);
         const TPaper& paper = papers[index];
-        const TPlaces& p = paper.places;
+        const TCoordinates& p = paper.coordinates;
         const TReportGeometry geometry = Geometry(paper, true, false);
         Compare_Frame(geometry, paper, p.hy_one);
         QCOMPARE(geometry.Header_1(), Corners(p.x0, p.y0, p.x1, p.hy_one - 1));
@@ -163,7 +163,7 @@ private slots:
     {
         QFETCH(int, index);
         const TPaper& paper = papers[index];
-        const TPlaces& p = paper.places;
+        const TCoordinates& p = paper.coordinates;
         const TReportGeometry geometry = Geometry(paper, false, true);
         Compare_Frame(geometry, paper, p.hy_one);
         QVERIFY(geometry.Header_1().isEmpty());
@@ -175,7 +175,7 @@ private slots:
     {
         QFETCH(int, index);
         const TPaper& paper = papers[index];
-        const TPlaces& p = paper.places;
+        const TCoordinates& p = paper.coordinates;
         const TReportGeometry geometry = Geometry(paper, true, true);
         Compare_Frame(geometry, paper, p.hy_both);
         const int second = p.y0 + heading_fonts[paper.code - 1].height;
@@ -234,7 +234,7 @@ private slots:
     void a_picture_is_centred_where_it_is_smaller_data()
     {
         QTest::addColumn<QSize>("picture");
-        QTest::addColumn<QRect>("place");
+        QTest::addColumn<QRect>("centred");
 
         // The target is (72, 51) to (720, 1053), 649 x 1003.
         QTest::newRow("fits exactly") << QSize(649, 1003) << Corners(72, 51, 720, 1053);
@@ -262,7 +262,7 @@ private slots:
         QFETCH(QSize, picture);
         const TReportGeometry geometry = Plain_Page();
         QCOMPARE(geometry.Target(), Corners(72, 51, 720, 1053));
-        QTEST(geometry.Centred(picture), "place");
+        QTEST(geometry.Centred(picture), "centred");
     }
 
     void dots_per_inch_are_the_codes_times_96()
@@ -289,7 +289,7 @@ private slots:
             QVERIFY(!TReportGeometry::Is_Resolution_Code(code));
     }
 
-    void another_resolution_code_is_a_programming_error()
+    void another_resolution_code_fails_an_assertion()
     {
         const QString condition = QStringLiteral("Is_Resolution_Code(resolution_code)");
         QCOMPARE(Support::Assertion_Failure([] { TReportGeometry::Rule_Width(0); },

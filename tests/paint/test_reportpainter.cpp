@@ -184,8 +184,8 @@ private slots:
         report.Draw_Frame(1);
         report.Draw_Picture(QPixmap::fromImage(stripes));
         device.end();
-        for (const QPoint& place : {target.center(), target.center() + QPoint(0, 1)}) {
-            const int grey = drawn.pixelColor(place).green();
+        for (const QPoint& pixel : {target.center(), target.center() + QPoint(0, 1)}) {
+            const int grey = drawn.pixelColor(pixel).green();
             QVERIFY2(grey > 100 && grey < 155, qPrintable(QString::number(grey)));
         }
     }

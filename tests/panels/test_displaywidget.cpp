@@ -98,7 +98,7 @@ private slots:
     void an_item_is_added_at_the_origin_if_that_is_visible();
     void an_item_is_added_in_the_visible_corner_of_a_scrolled_view_data();
     void an_item_is_added_in_the_visible_corner_of_a_scrolled_view();
-    void an_item_is_added_with_integer_halves_of_the_label_size();
+    void the_centre_of_an_added_item_is_in_whole_pixels();
     void item_positions_are_looked_up_by_id();
     void moving_an_item_centres_and_reports_it();
     void moving_an_unknown_item_does_nothing();
@@ -422,7 +422,7 @@ void TestDisplayWidget::an_item_is_added_in_the_visible_corner_of_a_scrolled_vie
     QCOMPARE(item->data(8).toPointF(), corner + QPointF(16, 16));
 }
 
-void TestDisplayWidget::an_item_is_added_with_integer_halves_of_the_label_size()
+void TestDisplayWidget::the_centre_of_an_added_item_is_in_whole_pixels()
 {
     d_view->Set_Label_Size(QSize(40, 30), 12);
     d_view->Add_Item(1, 1, QString(), 0);
@@ -637,7 +637,7 @@ void TestDisplayWidget::selecting_scrolls_only_when_requested_and_tracking_data(
     QTest::addColumn<bool>("center");
     QTest::addColumn<bool>("track");
     QTest::newRow("neither") << false << false;
-    QTest::newRow("asked") << true << false;
+    QTest::newRow("requested") << true << false;
     QTest::newRow("tracking") << false << true;
     QTest::newRow("both") << true << true;
 }
@@ -807,9 +807,9 @@ void TestDisplayWidget::a_page_too_large_to_render_gives_no_picture_data()
 {
     QTest::addColumn<QPointF>("centre");
     QTest::newRow("far away") << QPointF(1e5, 1e5);
-    QTest::newRow("further than integers reach") << QPointF(-1e300, 20);
+    QTest::newRow("beyond the range of integers") << QPointF(-1e300, 20);
     QTest::newRow("infinitely far away") << QPointF(20, qInf());
-    QTest::newRow("nowhere") << QPointF(qQNaN(), qQNaN());
+    QTest::newRow("not a number") << QPointF(qQNaN(), qQNaN());
 }
 
 void TestDisplayWidget::a_page_too_large_to_render_gives_no_picture()

@@ -62,7 +62,7 @@ private Q_SLOTS:
     void the_parent_and_flags_are_the_given_ones();
     void widgets_are_in_their_places();
     void signals_and_slots_are_declared_in_order();
-    void the_tabulator_key_goes_from_list_to_editors();
+    void the_tab_key_goes_from_the_list_to_the_editors();
     void the_combo_box_has_its_entries_data();
     void the_combo_box_has_its_entries();
 
@@ -248,7 +248,7 @@ void TestLabelWidget::signals_and_slots_are_declared_in_order()
                           QStringLiteral("Current_Text_Changed()")}));
 }
 
-void TestLabelWidget::the_tabulator_key_goes_from_list_to_editors()
+void TestLabelWidget::the_tab_key_goes_from_the_list_to_the_editors()
 {
     Add_Three();
     d_panel->Set_Selection(12);
@@ -263,7 +263,7 @@ void TestLabelWidget::the_tabulator_key_goes_from_list_to_editors()
 
 void TestLabelWidget::the_combo_box_has_its_entries_data()
 {
-    QTest::addColumn<int>("place");
+    QTest::addColumn<int>("index");
     QTest::addColumn<QString>("icon");
     QTest::addColumn<int>("code");
     QTest::newRow("No Border") << 0 << QStringLiteral(":/gui/outline_none.png") << 0;
@@ -275,13 +275,13 @@ void TestLabelWidget::the_combo_box_has_its_entries_data()
 
 void TestLabelWidget::the_combo_box_has_its_entries()
 {
-    QFETCH(int, place);
+    QFETCH(int, index);
     QFETCH(QString, icon);
     QFETCH(int, code);
     QCOMPARE(d_border->count(), 5);
-    QCOMPARE(d_border->itemText(place), QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(d_border->itemData(place, Qt::UserRole), QVariant(code));
-    QCOMPARE(Icon_Difference(d_border->itemIcon(place), icon), QString());
+    QCOMPARE(d_border->itemText(index), QString::fromLatin1(QTest::currentDataTag()));
+    QCOMPARE(d_border->itemData(index, Qt::UserRole), QVariant(code));
+    QCOMPARE(Icon_Difference(d_border->itemIcon(index), icon), QString());
 }
 
 void TestLabelWidget::a_row_keeps_what_it_shows_data()
@@ -524,9 +524,9 @@ void TestLabelWidget::clearing_removes_all_rows()
 
 void TestLabelWidget::the_border_type_is_that_of_the_current_entry()
 {
-    for (int place = 0; place < d_border->count(); ++place) {
-        d_border->setCurrentIndex(place);
-        QCOMPARE(d_panel->Border_Type(), d_border->itemData(place).toInt());
+    for (int index = 0; index < d_border->count(); ++index) {
+        d_border->setCurrentIndex(index);
+        QCOMPARE(d_panel->Border_Type(), d_border->itemData(index).toInt());
     }
     d_border->setCurrentIndex(-1);
     QCOMPARE(d_panel->Border_Type(), 0);
@@ -535,7 +535,7 @@ void TestLabelWidget::the_border_type_is_that_of_the_current_entry()
 void TestLabelWidget::setting_the_border_type_shows_it_silently_data()
 {
     QTest::addColumn<int>("code");
-    QTest::addColumn<int>("place");
+    QTest::addColumn<int>("index");
     QTest::newRow("none") << 0 << 0;
     QTest::newRow("square") << 1 << 2;
     QTest::newRow("ellipse") << 2 << 1;
@@ -550,7 +550,7 @@ void TestLabelWidget::setting_the_border_type_shows_it_silently_data()
 void TestLabelWidget::setting_the_border_type_shows_it_silently()
 {
     QFETCH(int, code);
-    QFETCH(int, place);
+    QFETCH(int, index);
     Add_Three();
     d_list->selectAll();
     QSignalSpy borders(d_panel.data(), SIGNAL(Change_Item_Border(int, int)));
@@ -559,7 +559,7 @@ void TestLabelWidget::setting_the_border_type_shows_it_silently()
         d_border->setCurrentIndex(before);
         d_border->blockSignals(false);
         d_panel->Set_Border_Type(code);
-        QCOMPARE(d_border->currentIndex(), place < 0 ? before : place);
+        QCOMPARE(d_border->currentIndex(), index < 0 ? before : index);
         QVERIFY(!d_border->signalsBlocked());
     }
     QCOMPARE(borders.count(), 0);
@@ -843,8 +843,8 @@ void TestLabelWidget::a_typed_value_does_not_reach_several_rows()
     QSignalSpy values(d_panel.data(), SIGNAL(Change_Item_Value(int, int)));
     Type_Value(QStringLiteral("7"));
     QCOMPARE(values.count(), 0);
-    for (int place = 0; place < 3; ++place)
-        QCOMPARE(d_list->item(place)->data(value_role).toInt(), place + 1);
+    for (int index = 0; index < 3; ++index)
+        QCOMPARE(d_list->item(index)->data(value_role).toInt(), index + 1);
     d_panel->Clear_Selection();
     QCOMPARE(Shown_Value(), QStringLiteral("1"));
 }
@@ -921,7 +921,7 @@ void TestLabelWidget::a_text_reaches_one_selected_row_only()
 {
     Add_Three();
     QSignalSpy texts(d_panel.data(), SIGNAL(Change_Item_Text(int, QString)));
-    // Before the first selection the editor takes keys, and there is no row for them.
+    // Before the first selection, the editor accepts keys although there is no row.
     Support::Type_Over(d_text, QStringLiteral("valve"));
     QTest::keyClick(d_text, Qt::Key_Return);
     d_list->selectAll();
@@ -943,10 +943,10 @@ void TestLabelWidget::a_chosen_border_reaches_each_selected_row()
     QTest::keyClicks(d_border, QStringLiteral("D"));
     QCOMPARE(d_border->currentText(), QStringLiteral("Diamond"));
     QCOMPARE(borders.count(), 3);
-    for (int place = 0; place < 3; ++place) {
-        QCOMPARE(borders.at(place), QVariantList({ids[static_cast<std::size_t>(place)], 8}));
-        QCOMPARE(d_list->item(place)->data(border_role), QVariant(8));
-        QCOMPARE(Icon_Difference(d_list->item(place)->icon(),
+    for (int index = 0; index < 3; ++index) {
+        QCOMPARE(borders.at(index), QVariantList({ids[static_cast<std::size_t>(index)], 8}));
+        QCOMPARE(d_list->item(index)->data(border_role), QVariant(8));
+        QCOMPARE(Icon_Difference(d_list->item(index)->icon(),
                                  QStringLiteral(":/gui/outline_diamond.png")),
                  QString());
     }

@@ -101,7 +101,7 @@ void TestMessageBox::texts_are_wrapped_data()
     QTest::newRow("empty") << QString();
     QTest::newRow("two blanks") << QStringLiteral("Labels will be deleted.  Are you sure?");
     QTest::newRow("markup") << QStringLiteral("<b>bold</b> & <i>slanted</i>");
-    QTest::newRow("place markers") << QStringLiteral("%1 of %2, 100 %");
+    QTest::newRow("placeholders") << QStringLiteral("%1 of %2, 100 %");
     QTest::newRow("not Latin") << QString::fromUtf8("Größe: 漢字");
 }
 

@@ -25,7 +25,7 @@ private Q_SLOTS:
     void the_parent_and_flags_are_the_given_ones();
     void widgets_are_in_their_places();
     void signals_and_slots_are_declared_in_order();
-    void the_tabulator_key_goes_from_list_to_buttons();
+    void the_tab_key_goes_from_the_list_to_the_buttons();
 
     void a_new_page_is_named_after_its_id();
     void adding_a_page_selects_nothing_and_reports_nothing();
@@ -142,7 +142,7 @@ void TestPageWidget::signals_and_slots_are_declared_in_order()
                      QStringLiteral("Page_Name_Edited(QString)")}));
 }
 
-void TestPageWidget::the_tabulator_key_goes_from_list_to_buttons()
+void TestPageWidget::the_tab_key_goes_from_the_list_to_the_buttons()
 {
     Add_Pages({1});
     d_panel->Set_Active_Page(1);

@@ -13,8 +13,8 @@
 
 namespace {
 
-/// Size of the labels' pixmaps: a press up to 22 left of or above a centre and up to 22 right of or
-/// below it meets the label.
+/// Size of the labels' pixmaps: a press hits a label up to 22 pixels to the left of or above its
+/// centre, and up to 22 to the right of or below it.
 constexpr int label_size = 45;
 
 } // namespace
@@ -281,7 +281,7 @@ void TestPointer::a_drag_moves_the_label_and_reports_it_on_the_release()
     QCOMPARE(d_view->Item_Position(7), QPointF(230.5, 165));
     QCOMPARE(Support::Label(*d_view, 7)->pos(), QPointF(208.5, 143));
     QCOMPARE(d_log->Take(), QStringList{QStringLiteral("clicked 7")});
-    // Where the button is released does not count, only where the mouse was moved.
+    // Only mouse moves count, not the position where the button is released.
     Release(QPointF(170, 150));
     QCOMPARE(d_log->Take(), QStringList{QStringLiteral("7 is at 230.5,165")});
     QCOMPARE(Scrolled(), QPoint(301, 200));
@@ -357,7 +357,7 @@ void TestPointer::a_right_press_during_a_left_press_clicks_the_label_again()
          Qt::LeftButton | Qt::RightButton);
     Send(QEvent::MouseButtonRelease, QPointF(99, 100), Qt::RightButton, Qt::LeftButton);
     Release(QPointF(99, 100));
-    // The first release ends the press, whichever button it is of.
+    // The release of any button ends the press.
     const QStringList expected{QStringLiteral("clicked 7"), QStringLiteral("clicked 7"),
                                QStringLiteral("right click at 200,150"),
                                QStringLiteral("7 is at 200,150"), QStringLiteral("clicked -1")};

@@ -117,7 +117,7 @@ private slots:
         QVERIFY(First_Value(dialog)->inputMask().isEmpty());
     }
 
-    void increment_entries_data()
+    void each_increment_entry_has_its_text_and_code_data()
     {
         QTest::addColumn<int>("index");
         QTest::addColumn<QString>("text");
@@ -128,7 +128,7 @@ private slots:
         QTest::newRow("third") << 2 << "Next 100X" << 2;
         QTest::newRow("fourth") << 3 << "Next 1000X" << 4;
     }
-    void increment_entries()
+    void each_increment_entry_has_its_text_and_code()
     {
         QFETCH(int, index);
         QFETCH(int, code);
@@ -141,7 +141,7 @@ private slots:
         QCOMPARE(dialog.Increment_Over_Page_Method(), code);
     }
 
-    void option_codes_data()
+    void each_option_has_its_code_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("code");
@@ -150,7 +150,7 @@ private slots:
         QTest::newRow("current page") << "Current Page, All Label Items" << 1;
         QTest::newRow("selected") << "Current Page, Selected Label Items" << 2;
     }
-    void option_codes()
+    void each_option_has_its_code()
     {
         QFETCH(QString, text);
         TReindexDialog dialog(nullptr, Qt::WindowFlags());
@@ -164,7 +164,7 @@ private slots:
         QCOMPARE(checked, 1);
     }
 
-    void first_values_data()
+    void the_first_value_is_a_decimal_integer_or_1_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("value");
@@ -181,7 +181,7 @@ private slots:
         QTest::newRow("fraction") << "1.5" << 1;
         QTest::newRow("hexadecimal") << "0x10" << 1;
     }
-    void first_values()
+    void the_first_value_is_a_decimal_integer_or_1()
     {
         QFETCH(QString, text);
         TReindexDialog dialog(nullptr, Qt::WindowFlags());

@@ -49,7 +49,7 @@ private Q_SLOTS:
     void combo_boxes_have_their_entries_data();
     void combo_boxes_have_their_entries();
     void signals_and_slots_are_declared_in_order();
-    void the_tabulator_key_goes_from_top_to_bottom();
+    void the_tab_key_goes_from_top_to_bottom();
 
     void the_icon_comes_with_the_first_resize();
     void the_icon_is_never_smaller_than_sixteen_pixels();
@@ -203,11 +203,11 @@ void TestSettingsWidget::widgets_are_in_their_places()
 void TestSettingsWidget::combo_boxes_have_their_entries_data()
 {
     QTest::addColumn<QString>("caption");
-    QTest::addColumn<int>("place");
+    QTest::addColumn<int>("index");
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("code");
-    const auto add = [](const char* caption, int place, const char* text, int code) {
-        QTest::newRow(text) << QString::fromLatin1(caption) << place << QString::fromLatin1(text)
+    const auto add = [](const char* caption, int index, const char* text, int code) {
+        QTest::newRow(text) << QString::fromLatin1(caption) << index << QString::fromLatin1(text)
                             << code;
     };
     add("PDF Orientation", 0, "Portrait", 0);
@@ -221,12 +221,12 @@ void TestSettingsWidget::combo_boxes_have_their_entries_data()
 void TestSettingsWidget::combo_boxes_have_their_entries()
 {
     QFETCH(QString, caption);
-    QFETCH(int, place);
+    QFETCH(int, index);
     QFETCH(QString, text);
     QFETCH(int, code);
     const auto* const box = Support::By_Caption<QComboBox>(*d_panel, caption);
-    QCOMPARE(box->itemText(place), text);
-    QCOMPARE(box->itemData(place, Qt::UserRole), QVariant(code));
+    QCOMPARE(box->itemText(index), text);
+    QCOMPARE(box->itemData(index, Qt::UserRole), QVariant(code));
     QCOMPARE(box->count(), box == d_orientation ? 2 : 4);
     QCOMPARE(box->currentIndex(), 0);
 }
@@ -243,7 +243,7 @@ void TestSettingsWidget::signals_and_slots_are_declared_in_order()
                  {QStringLiteral("Select_Color()"), QStringLiteral("Display_Format_Updated()")}));
 }
 
-void TestSettingsWidget::the_tabulator_key_goes_from_top_to_bottom()
+void TestSettingsWidget::the_tab_key_goes_from_top_to_bottom()
 {
     Show();
     d_format->setFocus();

@@ -23,7 +23,7 @@ const QString c_source_root = QDir::cleanPath(QStringLiteral(QUILLET_TEST_DATA "
 constexpr int c_icon_sizes[] = {16, 22, 32};
 
 /// Minimum contrast at which most people can see a symbol on its background (WCAG 2.1).
-constexpr double c_least_contrast = 3.0;
+constexpr double c_minimum_contrast = 3.0;
 
 const QStringList& Background_Names()
 {
@@ -105,7 +105,7 @@ TInk Ink(const QImage& shown, const QColor& surface)
     TInk ink;
     for (int y = 0; y < shown.height(); ++y) {
         for (int x = 0; x < shown.width(); ++x) {
-            if (Contrast(shown.pixel(x, y), surface.rgb()) >= c_least_contrast) {
+            if (Contrast(shown.pixel(x, y), surface.rgb()) >= c_minimum_contrast) {
                 ++ink.count;
                 ink.extent |= QRect(x, y, 1, 1);
             }

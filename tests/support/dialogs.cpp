@@ -83,7 +83,7 @@ QLayoutItem* Grid_Cell(const QDialog& dialog, int row, int column)
 
 void Add_Cell_Columns()
 {
-    QTest::addColumn<QRect>("place"); // column, row, columns, rows
+    QTest::addColumn<QRect>("cells"); // column, row, columns, rows
     QTest::addColumn<QString>("content");
 }
 
@@ -94,9 +94,9 @@ void Add_Cell(const char* name, int row, int column, int rows, int columns, cons
 
 void Compare_Cell(const QDialog& dialog)
 {
-    QFETCH(QRect, place);
+    QFETCH(QRect, cells);
     QFETCH(QString, content);
-    QLayoutItem* const item = Grid_Cell(dialog, place.y(), place.x());
+    QLayoutItem* const item = Grid_Cell(dialog, cells.y(), cells.x());
     QCOMPARE(In_Words(item), content);
     const QGridLayout* const grid = Grid(dialog);
     for (int i = 0; i < grid->count(); ++i) {
@@ -104,7 +104,7 @@ void Compare_Cell(const QDialog& dialog)
             continue;
         int row, column, rows, columns;
         grid->getItemPosition(i, &row, &column, &rows, &columns);
-        QCOMPARE(QRect(column, row, columns, rows), place);
+        QCOMPARE(QRect(column, row, columns, rows), cells);
     }
 }
 
@@ -131,13 +131,13 @@ QString Accessible_Label(QWidget* widget)
 QString Clipped_Widget(const QDialog& dialog)
 {
     for (const QWidget* const widget : dialog.findChildren<QWidget*>()) {
-        // Parts of a combo box that is not open have no place yet.
+        // Parts of a combo box that is not open have no position yet.
         if (!widget->isVisible())
             continue;
         const QSize needed = widget->minimumSizeHint();
-        const QRect place(widget->mapTo(&dialog, QPoint(0, 0)), widget->size());
+        const QRect area(widget->mapTo(&dialog, QPoint(0, 0)), widget->size());
         if (widget->width() < needed.width() || widget->height() < needed.height() ||
-            !dialog.rect().contains(place))
+            !dialog.rect().contains(area))
             return Widget_In_Words(*widget);
     }
     return QString();

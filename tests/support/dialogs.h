@@ -26,9 +26,9 @@ QGridLayout* Grid(const QDialog& dialog);
 QLayoutItem* Grid_Cell(const QDialog& dialog, int row, int column);
 
 /// Adds the columns of a table of grid cells to a test's data, and a row of it.
-/// @param content  in words: a text shown, "HLine" or "VLine" for a sunken line, the class of a
-///                 widget without a text of its own, "horizontal spacer" or "vertical spacer", or
-///                 for a row of buttons "stretch" and the texts, with ", " between.
+/// @param content  in words: a text that is shown, "HLine" or "VLine" for a sunken line, the class
+///                 of a widget without a text of its own, "horizontal spacer" or "vertical spacer".
+///                 A row of buttons is "stretch" and their texts, separated by ", ".
 void Add_Cell_Columns();
 void Add_Cell(const char* name, int row, int column, int rows, int columns, const char* content);
 

@@ -29,7 +29,7 @@ QPushButton* Button(QWidget* dialog, const QString& text)
 QString Run_Answering(const std::function<void()>& command, std::vector<TAnswer> answers)
 {
     constexpr int poll_milliseconds = 5;
-    constexpr int patience = 600; // polls
+    constexpr int maximum_polls = 600; // polls
     int idle_polls = 0;
     size_t next = 0;
     QString fault;
@@ -44,7 +44,7 @@ QString Run_Answering(const std::function<void()>& command, std::vector<TAnswer>
         // Still the same dialog. One that is shown again was hidden in between.
         if (dialog == answered) {
             // An answer whose check failed leaves its dialog open.
-            if (++idle_polls == patience) {
+            if (++idle_polls == maximum_polls) {
                 fault = QStringLiteral("a dialog did not close");
                 dialog->close();
             }

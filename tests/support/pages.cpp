@@ -42,7 +42,7 @@ QStringList View_In_Words(const TOpenWindow& window)
 {
     const TDisplayWidget& view = *window.d_display_widget;
     const QImage image = view.Background_Pixmap().toImage();
-    // The first pixel tells apart the pages of one test.
+    // In each test, the first pixel identifies the page.
     QStringList words{QStringLiteral("%1 x %2, %3%4")
                           .arg(image.width())
                           .arg(image.height())

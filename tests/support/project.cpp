@@ -99,8 +99,8 @@ QStringList Describe(TOpenWindow* window)
     const QList<int> listed = window->d_page_widget->Page_Ids();
     const int active = data.Active_Page();
     QStringList lines;
-    for (int place = 0; place < data.Page_Count(); ++place) {
-        const int id = data.Page_Id(place);
+    for (int index = 0; index < data.Page_Count(); ++index) {
+        const int id = data.Page_Id(index);
         data.Set_Active_Page(id);
         const QSize size = data.Page_Image().size();
         lines += QStringLiteral("page %1 %2 %3x%4%5")

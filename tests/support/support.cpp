@@ -74,16 +74,16 @@ QString Byte_Difference(const QByteArray& actual, const QByteArray& expected)
 {
     if (actual == expected)
         return QString();
-    const auto places =
+    const auto mismatch =
         std::mismatch(actual.cbegin(), actual.cend(), expected.cbegin(), expected.cend());
-    const int place = static_cast<int>(places.first - actual.cbegin());
+    const int offset = static_cast<int>(mismatch.first - actual.cbegin());
     constexpr int shown = 48;
     return QStringLiteral("byte %1 of %2 instead of %3: %4 instead of %5")
-        .arg(place)
+        .arg(offset)
         .arg(actual.size())
         .arg(expected.size())
-        .arg(QString::fromLatin1(actual.mid(place, shown)),
-             QString::fromLatin1(expected.mid(place, shown)));
+        .arg(QString::fromLatin1(actual.mid(offset, shown)),
+             QString::fromLatin1(expected.mid(offset, shown)));
 }
 
 namespace {

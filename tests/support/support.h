@@ -20,7 +20,7 @@ QByteArray Png(const QImage& image);
 /// images. Ignores the formats.
 QString Difference(const QImage& actual, const QImage& expected);
 
-/// The first place where the two differ, and the bytes there; empty when they are equal.
+/// The offset of the first difference and the bytes there; empty when they are equal.
 QString Byte_Difference(const QByteArray& actual, const QByteArray& expected);
 
 /// The result of a function that ran in a child process.
@@ -38,8 +38,8 @@ struct TChildResult
 /// @param seconds  time limit.
 TChildResult Run_In_Child(const std::function<int()>& function, int seconds = 20);
 
-/// Drops root's right to ignore file permissions, for the rest of the process. For children of
-/// Run_In_Child. Without effect for other users.
+/// Drops root's right to ignore file permissions for the rest of the process. Call it in a child of
+/// Run_In_Child. Does nothing for other users.
 void Obey_File_Permissions();
 
 /// Runs a function that has to fail an assertion with exactly this condition text, in a source
@@ -64,7 +64,7 @@ QStringList Entries(const QString& folder);
 QString Mode(const QString& path);
 
 /// Limits the size of files that this process writes, in bytes, for the rest of the process. Longer
-/// writes are incomplete, as on a full disk. For children of Run_In_Child.
+/// writes are incomplete, as on a full disk. Call it in a child of Run_In_Child.
 void Limit_File_Size(qint64 bytes);
 
 /// A complete project file without pages. Every label size gives a different file.

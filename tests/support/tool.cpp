@@ -11,15 +11,15 @@ namespace {
 
 /// Returns the test's environment without variables that lead to the user's folders or to a
 /// display. XDG_CACHE_HOME stays: fontconfig's cache must not appear in the home folder.
-QProcessEnvironment Environment(const TToolSurroundings& surroundings, const QString& home)
+QProcessEnvironment Environment(const TToolOptions& options, const QString& home)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR",
                              "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
         environment.remove(QString::fromLatin1(name));
     environment.insert(QStringLiteral("HOME"), home);
-    if (!surroundings.display.isEmpty())
-        environment.insert(QStringLiteral("DISPLAY"), surroundings.display);
+    if (!options.display.isEmpty())
+        environment.insert(QStringLiteral("DISPLAY"), options.display);
     return environment;
 }
 
@@ -30,19 +30,19 @@ QString Tool_Path()
     return QStringLiteral(QUILLET_TOOL);
 }
 
-TToolResult Run_Tool(const QStringList& arguments, const TToolSurroundings& surroundings)
+TToolResult Run_Tool(const QStringList& arguments, const TToolOptions& options)
 {
     const QTemporaryDir own_home;
-    const QString home = surroundings.home.isEmpty() ? own_home.path() : surroundings.home;
+    const QString home = options.home.isEmpty() ? own_home.path() : options.home;
     const QString tool = Tool_Path();
     QProcess process;
-    process.setProcessEnvironment(Environment(surroundings, home));
-    process.setWorkingDirectory(surroundings.folder);
-    if (surroundings.file_size.isEmpty()) {
+    process.setProcessEnvironment(Environment(options, home));
+    process.setWorkingDirectory(options.folder);
+    if (options.file_size.isEmpty()) {
         process.start(tool, arguments);
     } else {
         const QString script =
-            QStringLiteral("trap '' XFSZ; ulimit -f %1; exec \"$@\"").arg(surroundings.file_size);
+            QStringLiteral("trap '' XFSZ; ulimit -f %1; exec \"$@\"").arg(options.file_size);
         process.start(QStringLiteral("bash"),
                       QStringList{QStringLiteral("-c"), script, tool, tool} + arguments);
     }

@@ -16,8 +16,8 @@ struct TToolResult
     QStringList home; ///< entries of its home folder after the run
 };
 
-/// Environment of a run.
-struct TToolSurroundings
+/// How the tool is run.
+struct TToolOptions
 {
     QString home;      ///< home folder; empty for a new empty folder
     QString folder;    ///< working directory; empty for the test's own
@@ -25,11 +25,11 @@ struct TToolSurroundings
     QString file_size; ///< maximum size of a file in blocks of 1024 bytes; empty for no limit
 };
 
-/// Path of the tool, for tests that start it themselves.
+/// Path of the tool, for tests that start it directly.
 QString Tool_Path();
 
 /// Runs the tool and waits for it.
-TToolResult Run_Tool(const QStringList& arguments, const TToolSurroundings& surroundings = {});
+TToolResult Run_Tool(const QStringList& arguments, const TToolOptions& options = {});
 
 /// The text of each page of a PDF file, as pdftotext lays it out.
 QStringList Text_Of_Pages(const QString& pdf);

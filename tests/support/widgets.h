@@ -12,7 +12,7 @@
 /// Finds widgets as a user does: by kind, tool tip, caption or text.
 namespace Support {
 
-/// Selects the style for which the tests' pixels and key presses are written.
+/// Selects the style that the tests expect.
 inline void Set_Style()
 {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
@@ -60,11 +60,11 @@ TWidget* By_Caption(const QWidget& inside, const QString& text)
 }
 
 /// Clicks on a row of a list.
-inline void Click_Row(QListWidget* list, int place, Qt::KeyboardModifiers modifiers = {})
+inline void Click_Row(QListWidget* list, int index, Qt::KeyboardModifiers modifiers = {})
 {
-    list->scrollToItem(list->item(place));
+    list->scrollToItem(list->item(index));
     QTest::mouseClick(list->viewport(), Qt::LeftButton, modifiers,
-                      list->visualItemRect(list->item(place)).center());
+                      list->visualItemRect(list->item(index)).center());
 }
 
 /// Replaces the text of an editor with key presses.
@@ -93,9 +93,9 @@ void Compare_Parent_And_Flags()
 inline QStringList Methods(const QMetaObject& type, QMetaMethod::MethodType kind)
 {
     QStringList signatures;
-    for (int place = type.methodOffset(); place < type.methodCount(); ++place) {
-        if (type.method(place).methodType() == kind)
-            signatures.append(QString::fromLatin1(type.method(place).methodSignature()));
+    for (int index = type.methodOffset(); index < type.methodCount(); ++index) {
+        if (type.method(index).methodType() == kind)
+            signatures.append(QString::fromLatin1(type.method(index).methodSignature()));
     }
     return signatures;
 }

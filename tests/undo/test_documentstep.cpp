@@ -402,13 +402,13 @@ void TestDocumentStep::a_random_walk_returns_to_its_beginning()
         QCOMPARE(steps.back().Is_Void(*d_data, {}), states[states.size() - 2] == states.back());
     }
     for (int way = 0; way < 2; ++way) {
-        for (std::size_t place = steps.size(); place > 0; --place) {
-            steps[place - 1].Swap(d_data.get(), &facts);
-            QCOMPARE(In_Words(*d_data), states[place - 1]);
+        for (std::size_t index = steps.size(); index > 0; --index) {
+            steps[index - 1].Swap(d_data.get(), &facts);
+            QCOMPARE(In_Words(*d_data), states[index - 1]);
         }
-        for (std::size_t place = 0; place < steps.size(); ++place) {
-            steps[place].Swap(d_data.get(), &facts);
-            QCOMPARE(In_Words(*d_data), states[place + 1]);
+        for (std::size_t index = 0; index < steps.size(); ++index) {
+            steps[index].Swap(d_data.get(), &facts);
+            QCOMPARE(In_Words(*d_data), states[index + 1]);
         }
     }
 }

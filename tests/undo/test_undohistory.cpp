@@ -45,7 +45,7 @@ private slots:
     void selections_count_towards_the_budget();
     void a_continued_step_counts_towards_the_budget();
     void an_undone_step_counts_towards_the_budget();
-    void two_hundred_steps_are_kept_whatever_they_need();
+    void two_hundred_steps_are_kept_even_beyond_the_budget();
 
 private:
     void Start(qint64 budget);
@@ -54,14 +54,14 @@ private:
     void Change_Value(int id, int value);
     void Change_Values(int steps);
     int Undo_All();
-    int Value(int place) const { return d_model.Item(place).value; }
+    int Value(int index) const { return d_model.Item(index).value; }
 
     TData d_model;
     int d_reads = 0;    ///< number of reads of the shown state
-    int d_selected = 0; ///< selected label; 0 for another one each time
+    int d_selected = 0; ///< selected label; if 0, a different label at each read
     int d_selection_size = 1;
-    TShownState
-        d_values; ///< values that are shown; a next value of 0 stands for another one each time
+    /// Values that are shown; a next value of 0 stands for a different one at each read.
+    TShownState d_values;
     TPageRows d_rows;
     TLabelLook d_look;
     QStandardItemModel d_list{1, 1}; ///< stands in for the model behind the page list
@@ -562,7 +562,7 @@ void TestUndoHistory::an_undone_step_counts_towards_the_budget()
     QCOMPARE(Undo_All(), 199);
 }
 
-void TestUndoHistory::two_hundred_steps_are_kept_whatever_they_need()
+void TestUndoHistory::two_hundred_steps_are_kept_even_beyond_the_budget()
 {
     Start(0);
     Change_Values(250);

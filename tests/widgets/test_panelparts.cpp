@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Whether a text is clipped cannot be read from a widget, but its required size can.
+/// A widget does not report whether its text is clipped, so compare its size with the required one.
 bool Has_Room(const QWidget& panel)
 {
     for (const QLabel* const label : panel.findChildren<QLabel*>()) {

@@ -233,17 +233,17 @@ void TestProgress::the_bar_does_not_change_the_layout()
     auto* const notice = new QLabel("A notice that stays", d_status_bar.get());
     d_status_bar->addWidget(notice, 1);
     QCoreApplication::processEvents();
-    const QRect place = notice->geometry();
-    const QSize least = d_status_bar->minimumSizeHint();
+    const QRect geometry = notice->geometry();
+    const QSize minimum_size = d_status_bar->minimumSizeHint();
     auto progress = Begin();
     d_time += 500;
     progress->Step(1, 2);
     QCOMPARE(d_status_bar->childAt(area.center()), Bar());
     QVERIFY(notice->isVisible());
-    QCOMPARE(notice->geometry(), place);
-    QCOMPARE(d_status_bar->minimumSizeHint(), least);
+    QCOMPARE(notice->geometry(), geometry);
+    QCOMPARE(d_status_bar->minimumSizeHint(), minimum_size);
     progress.reset();
-    QCOMPARE(d_status_bar->childAt(place.center()), notice);
+    QCOMPARE(d_status_bar->childAt(geometry.center()), notice);
 }
 
 void TestProgress::each_operation_has_its_own_delay()

@@ -25,9 +25,9 @@ QListWidgetItem* New_Row(const QString& text, int id)
 /// The topmost row with an id, by a linear search.
 QListWidgetItem* Linear_Search(const TRowList& list, int id)
 {
-    for (int place = 0; place < list.count(); ++place) {
-        if (list.item(place)->data(Qt::UserRole).toInt() == id)
-            return list.item(place);
+    for (int index = 0; index < list.count(); ++index) {
+        if (list.item(index)->data(Qt::UserRole).toInt() == id)
+            return list.item(index);
     }
     return nullptr;
 }
@@ -303,9 +303,9 @@ void TestRowList::every_row_has_room_for_its_text()
     QListWidget plain;
     plain.addItems(texts);
     QCoreApplication::processEvents();
-    for (int place = 0; place < texts.size(); ++place) {
-        const int height = d_list->visualItemRect(d_list->item(place)).height();
-        QVERIFY(height >= plain.sizeHintForRow(place));
+    for (int index = 0; index < texts.size(); ++index) {
+        const int height = d_list->visualItemRect(d_list->item(index)).height();
+        QVERIFY(height >= plain.sizeHintForRow(index));
         QCOMPARE(height, d_list->visualItemRect(d_list->item(0)).height());
     }
 }
@@ -334,8 +334,8 @@ void TestRowList::the_widest_row_decides_the_size_in_another_font()
     d_list->setFont(larger);
     QCoreApplication::processEvents();
     const int needed = QFontMetrics(larger).horizontalAdvance(widest);
-    for (int place = 0; place < d_list->count(); ++place)
-        QVERIFY(d_list->visualItemRect(d_list->item(place)).width() >= needed);
+    for (int index = 0; index < d_list->count(); ++index)
+        QVERIFY(d_list->visualItemRect(d_list->item(index)).width() >= needed);
 }
 
 /// A wide row after the highest one must not make the rows lower.

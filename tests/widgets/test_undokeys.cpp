@@ -21,9 +21,9 @@ private Q_SLOTS:
 
     void keys_work_in_every_widget_data();
     void keys_work_in_every_widget();
-    void other_keys_are_left_alone();
+    void other_keys_neither_undo_nor_redo();
     void an_editor_undoes_typing_that_is_not_recorded();
-    void an_editor_without_typing_leaves_the_keys_to_the_document();
+    void in_an_editor_without_typing_the_keys_apply_to_the_document();
     void recorded_text_is_undone_in_the_document();
     void typing_after_a_step_is_undone_in_the_editor();
     void a_step_counts_for_all_editors();
@@ -114,7 +114,7 @@ void TestUndoKeys::keys_work_in_every_widget()
     }
 }
 
-void TestUndoKeys::other_keys_are_left_alone()
+void TestUndoKeys::other_keys_neither_undo_nor_redo()
 {
     for (const auto& modifiers : {Qt::KeyboardModifiers(Qt::ControlModifier | Qt::AltModifier),
                                   Qt::KeyboardModifiers(Qt::AltModifier)}) {
@@ -138,7 +138,7 @@ void TestUndoKeys::an_editor_undoes_typing_that_is_not_recorded()
     QCOMPARE(d_undo_count, 1);
 }
 
-void TestUndoKeys::an_editor_without_typing_leaves_the_keys_to_the_document()
+void TestUndoKeys::in_an_editor_without_typing_the_keys_apply_to_the_document()
 {
     d_editor->setText(QStringLiteral("shown"));
     Press(d_editor, Qt::Key_Z, Qt::ControlModifier);

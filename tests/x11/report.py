@@ -57,7 +57,7 @@ def label_first_page(session):
     session.click_page(page, box)
     session.choose_border(SQUARE)
     session.retype("value", "41")
-    # A click beside all labels selects nothing.
+    # A click outside all labels clears the selection.
     session.click_page(page, session.spots(page, (20, -60))[0])
     session.shoot("labelled")
     session.first_page += [label_at(section, ELLIPSE, "See 5"), label_at(box, SQUARE),
@@ -137,8 +137,8 @@ def check_project(session):
     check("image of the empty page", project.pages[5]["image"], b"")
     check_labels(project.pages[0]["labels"], session.first_page, "the first page")
     check_labels(project.pages[3]["labels"], session.third_page, "the third page")
-    for place in (1, 2, 4, 5):
-        check(f"labels of page {place}", project.pages[place]["labels"], [])
+    for index in (1, 2, 4, 5):
+        check(f"labels of page {index}", project.pages[index]["labels"], [])
     # The first value of each page is the next multiple of 100, even after a page without labels.
     check("values", [[label["value"] for label in page["labels"]] for page in project.pages],
           [[100, 101, 102, 103], [], [], [400, 401], [], []])

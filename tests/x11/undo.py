@@ -110,17 +110,17 @@ def go_back_and_forth(session):
     with open(session.project_path, "rb") as file:
         check("the file after undo", file.read() == saved, True)
     expect(session, "step 5 undone", states[4])
-    for place in range(3, -1, -1):
+    for index in range(3, -1, -1):
         press("ctrl+z")
-        expect(session, f"step {place + 1} undone", states[place])
+        expect(session, f"step {index + 1} undone", states[index])
     press("ctrl+z")
     check("what is shown without a page", shown(session).data == session.empty.data, True)
     session.shoot("undone")
 
     # The first redo is the import. The redo after the last step is a no-op.
     press("ctrl+y")
-    for place, key in enumerate(["ctrl+shift+z", "ctrl+y"] * 3):
-        expect(session, f"redone up to {place}", states[place])
+    for index, key in enumerate(["ctrl+shift+z", "ctrl+y"] * 3):
+        expect(session, f"redone up to {index}", states[index])
         press(key)
     check("what is shown in the end", shown(session).data == last.data, True)
     session.shoot("redone")
