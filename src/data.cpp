@@ -7,8 +7,7 @@
 #include <iterator>
 #include <utility>
 
-// A macro, because an assertion prints the function that contains it, which must be the operation
-// that was misused.
+// A macro, so that the assertion prints the name of the misused operation.
 #define ASSERT_ACTIVE_PAGE()                                                                       \
     assert(!(d_active_page_index < 0));                                                            \
     assert(static_cast<unsigned int>(d_active_page_index) < d_page_items.size())
@@ -27,7 +26,8 @@ void Copy_Selection(const TPageItem& from, TPageItem* to)
         item.selected = selected.contains(item.id);
 }
 
-/// Asserts that a page was found, with the condition that all operations on the active page assert.
+/// Asserts that a page was found. The condition, and so the name of the parameter, is the one that
+/// all operations on the active page assert.
 int Checked_Index(int d_active_page_index)
 {
     assert(!(d_active_page_index < 0));

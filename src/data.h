@@ -116,8 +116,8 @@ private:
     static int d_next_page_id;
     static quint64 d_last_revision;
 
-    /// Positions of the active page's labels in its data_items, by id. Out of date when it has
-    /// another number of entries.
+    /// Positions of the active page's labels in its data_items, by id. Stale if the number of
+    /// entries is not the number of labels.
     mutable QHash<int, int> d_positions;
 
     TRecorder d_recorder; ///< may be empty

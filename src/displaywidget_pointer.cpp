@@ -70,7 +70,7 @@ void TDisplayWidget::mouseDoubleClickEvent(QMouseEvent*)
     // The two single presses have been handled already.
 }
 
-/// The position of a mouse event in the scene, from whole pixels of the viewport.
+/// The scene position of a mouse event, which is rounded to whole pixels of the viewport.
 QPointF TDisplayWidget::Scene_Point(const QMouseEvent& event) const
 {
     const QPointF position = event.localPos();

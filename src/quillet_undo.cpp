@@ -73,11 +73,11 @@ void TQuillet::Show_Outcome(const std::optional<TStepOutcome>& outcome)
 {
     if (!outcome)
         return;
-    // An editor loses the focus while it is disabled.
+    // Disabling an editor takes the focus from it.
     QWidget* const focus = QApplication::focusWidget();
-    Show_Look(outcome->facts.look);
+    Show_Look(outcome->rows_and_look.look);
     const std::vector<int> selected = d_page_widget->Selected_Pages();
-    Show_Page_Rows({outcome->facts.rows.cbegin(), outcome->facts.rows.cend()});
+    Show_Page_Rows({outcome->rows_and_look.rows.cbegin(), outcome->rows_and_look.rows.cend()});
     const std::vector<int> pages = Pages_To_Show(*outcome);
     d_page_widget->Select_Pages(pages);
 
@@ -136,7 +136,7 @@ std::vector<int> TQuillet::Pages_To_Show(const TStepOutcome& outcome) const
     std::vector<int> selected(outcome.shown.pages.cbegin(), outcome.shown.pages.cend());
     if (selected.size() == 1 && is_touched(selected.front()))
         return selected;
-    for (const TNamedPage& row : outcome.facts.rows) {
+    for (const TNamedPage& row : outcome.rows_and_look.rows) {
         if (is_touched(row.page_id))
             return {row.page_id};
     }

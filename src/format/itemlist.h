@@ -25,7 +25,7 @@ enum class TBadText {
 };
 
 /// Writes labels as compact UTF-8 XML. The selection is not stored.
-/// @param texts  texts that Latin-1 cannot represent; become attributes of the root.
+/// @param texts  of the page; those that Latin-1 cannot represent become attributes of the root.
 /// @throws TXmlFileException if bad texts are refused and XML cannot represent one.
 QByteArray Write(const std::vector<TDataItem>& items, TBadText bad_text = TBadText::Refuse,
                  const TPageTexts& texts = {});

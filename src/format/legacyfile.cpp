@@ -19,7 +19,7 @@ QString Read_Setting(const TXmlFile& xml_file, const QString& group, const QStri
     return ItemXml::Read_Text(xml_file, node, name);
 }
 
-/// Version 2 stores a text for every label: its number where it has no other.
+/// In version 2, the text of a label without a text is its number.
 QString Read_Label_Text(const TXmlFile& xml_file, const QDomElement& node)
 {
     const QString text = ItemXml::Read_Text(xml_file, node, QStringLiteral("ID_Text"));

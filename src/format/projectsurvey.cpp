@@ -169,7 +169,7 @@ bool TSurveyor::Read_Page_Count(qint64 offset)
     return false;
 }
 
-/// Whether the lengths of the header lead close to the first page or past it, but not to it.
+/// Whether the lengths in the header lead near or past the first page, but not to it.
 bool TSurveyor::Are_Lengths_Wrong() const
 {
     if (d_finder.Is_Boundary(d_position) || !d_finder.Has_Record_After(color_begin))

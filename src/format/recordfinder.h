@@ -38,7 +38,7 @@ public:
     explicit TRecordFinder(const QByteArray& bytes);
 
     qint64 Size() const { return d_bytes.size(); }
-    /// The integer at an offset; empty when the file ends before its end.
+    /// The integer at an offset; empty if the file ends before or within it.
     std::optional<int> Integer_At(qint64 offset) const;
     /// The field whose length is at an offset; empty when it does not lie within the file.
     std::optional<TFileField> Field_At(qint64 offset) const;
@@ -50,7 +50,8 @@ public:
 
     /// The record that begins at an offset, or what can be found of it: at least one byte.
     TPageRecord Find(qint64 offset) const;
-    /// The first record after an offset at which no record need begin.
+    /// The next record after an offset. In contrast to Find, the offset need not be that of a
+    /// record.
     TPageRecord Find_After(qint64 offset) const;
 
 private:

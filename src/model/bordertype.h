@@ -23,7 +23,7 @@ constexpr TBorderName Border_Names[] = {{No_Border, "none"},
                                         {Triangle_Border, "triangle"},
                                         {Diamond_Border, "diamond"}};
 
-/// Whether a code is one of TBorderType. Labels keep other codes and are drawn without a border.
+/// Whether a code is one of TBorderType. A label keeps any other code, but has no border.
 constexpr bool Is_Border_Type(int code)
 {
     for (const TBorderName& border : Border_Names) {

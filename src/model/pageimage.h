@@ -91,8 +91,8 @@ public:
     /// Images whose header declares more pixels than this count as undecodable.
     static constexpr qint64 Maximum_Pixels = 500'000'000;
 
-    /// Limit of the shared cache in bytes of pixels. The last used image stays even if it is
-    /// larger.
+    /// Limit of the shared cache in bytes of pixels. The most recently used image stays even if it
+    /// is larger.
     static constexpr qint64 Store_Bytes = 256LL * 1024 * 1024;
 
     /// Bytes of pixels in the shared cache.

@@ -11,8 +11,8 @@ namespace LabelPainter {
 
 namespace {
 
-// Not fully transparent: such pixels are not part of the label's shape, so a press between the
-// border and the text would miss the label.
+// Almost transparent. Fully transparent pixels are not part of the label's shape, so a press
+// between the border and the text would miss the label.
 const QColor background_color(255, 255, 255, 1);
 const QColor highlight_line_color(0, 0, 255, 128);
 const QColor highlight_fill_color(0, 0, 255, 64);

@@ -61,10 +61,10 @@ std::vector<int> Changed_Rows(const TPageRows& rows, const TPageRows& other)
 
 } // namespace
 
-TDocumentStep::TDocumentStep(const TData& data, TDocumentFacts facts)
+TDocumentStep::TDocumentStep(const TData& data, TRowsAndLook rows_and_look)
     : d_page_order(Page_Order(data))
-    , d_facts(std::move(facts))
-    , d_text_bytes(Text_Bytes(d_facts.rows))
+    , d_rows_and_look(std::move(rows_and_look))
+    , d_text_bytes(Text_Bytes(d_rows_and_look.rows))
 {
 }
 
@@ -117,16 +117,16 @@ bool TDocumentStep::Is_Unchanged(const TData& data, const TPageItem& stored)
            page->image.Is_Same(stored.image);
 }
 
-bool TDocumentStep::Is_Void(const TData& data, const TDocumentFacts& facts) const
+bool TDocumentStep::Is_No_Op(const TData& data, const TRowsAndLook& rows_and_look) const
 {
-    return d_pages.empty() && d_facts.rows == facts.rows && d_facts.look == facts.look &&
-           d_page_order == Page_Order(data);
+    return d_pages.empty() && d_rows_and_look.rows == rows_and_look.rows &&
+           d_rows_and_look.look == rows_and_look.look && d_page_order == Page_Order(data);
 }
 
 std::vector<int> TDocumentStep::Touched_Pages(const TPageRows& rows) const
 {
-    std::vector<int> page_ids = Changed_Rows(rows, d_facts.rows);
-    const std::vector<int> others = Changed_Rows(d_facts.rows, rows);
+    std::vector<int> page_ids = Changed_Rows(rows, d_rows_and_look.rows);
+    const std::vector<int> others = Changed_Rows(d_rows_and_look.rows, rows);
     page_ids.insert(page_ids.end(), others.cbegin(), others.cend());
     for (const TPageItem& page : d_pages)
         page_ids.push_back(page.page_id);
@@ -135,10 +135,10 @@ std::vector<int> TDocumentStep::Touched_Pages(const TPageRows& rows) const
     return page_ids;
 }
 
-void TDocumentStep::Swap(TData* data, TDocumentFacts* facts)
+void TDocumentStep::Swap(TData* data, TRowsAndLook* rows_and_look)
 {
     data->Swap_Pages(&d_page_order, &d_pages);
-    std::swap(d_facts, *facts);
+    std::swap(d_rows_and_look, *rows_and_look);
     Count_Texts();
     Release_Images(*data);
 }
@@ -147,7 +147,7 @@ void TDocumentStep::Swap(TData* data, TDocumentFacts* facts)
 void TDocumentStep::Release_Images(const TData& data)
 {
     std::size_t bytes = sizeof(*this) + d_page_order.size() * sizeof(int) +
-                        static_cast<std::size_t>(d_facts.rows.size()) * sizeof(TNamedPage) +
+                        static_cast<std::size_t>(d_rows_and_look.rows.size()) * sizeof(TNamedPage) +
                         d_text_bytes;
     for (TPageItem& stored : d_pages) {
         bytes += sizeof(stored) + stored.data_items.size() * sizeof(TDataItem);
@@ -162,7 +162,7 @@ void TDocumentStep::Release_Images(const TData& data)
 
 void TDocumentStep::Count_Texts()
 {
-    d_text_bytes = Text_Bytes(d_facts.rows);
+    d_text_bytes = Text_Bytes(d_rows_and_look.rows);
     for (const TPageItem& page : d_pages)
         d_text_bytes += Text_Bytes(page);
 }

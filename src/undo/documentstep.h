@@ -25,7 +25,7 @@ inline bool operator==(const TLabelLook& left, const TLabelLook& right)
 }
 
 /// The part of the document that is outside the model.
-struct TDocumentFacts
+struct TRowsAndLook
 {
     TPageRows rows;
     TLabelLook look;
@@ -38,8 +38,8 @@ struct TDocumentFacts
 class TDocumentStep
 {
 public:
-    /// Begins a step: stores the order of the pages and the facts.
-    TDocumentStep(const TData& data, TDocumentFacts facts);
+    /// Begins a step: stores the order of the pages, and the given rows and look.
+    TDocumentStep(const TData& data, TRowsAndLook rows_and_look);
 
     /// Stores a page before the step changes it. Ignores pages that are stored already or that the
     /// step itself added.
@@ -49,12 +49,12 @@ public:
     void Close(const TData& data);
 
     /// Whether a closed step changed nothing.
-    bool Is_Void(const TData& data, const TDocumentFacts& facts) const;
+    bool Is_No_Op(const TData& data, const TRowsAndLook& rows_and_look) const;
     /// Ids of the pages that the step changed, added or removed. Pages that only moved, and changes
     /// of the look, do not count.
     std::vector<int> Touched_Pages(const TPageRows& rows) const;
     /// Exchanges the stored state and the document's: undoes the step or redoes it.
-    void Swap(TData* data, TDocumentFacts* facts);
+    void Swap(TData* data, TRowsAndLook* rows_and_look);
 
     /// Upper bound of the memory that the step uses, in bytes: pages, labels, rows, and the encoded
     /// images that the document does not share. Steps may share texts and rows.
@@ -67,7 +67,7 @@ private:
 
     std::vector<TPageItem> d_pages; ///< those that differ from the document's
     std::vector<int> d_page_order;  ///< ids of all pages, in the model's order
-    TDocumentFacts d_facts;
+    TRowsAndLook d_rows_and_look;
     std::size_t d_difference = 0; ///< index of a label that was changed when last compared
     std::size_t d_text_bytes = 0; ///< of label texts and page names
     qint64 d_bytes = 0;

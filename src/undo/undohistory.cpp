@@ -98,7 +98,8 @@ void TUndoHistory::Begin(TStepKind kind, int subject, int count)
                            Current_Step().kind == kind && Current_Step().subject == subject;
     if (!continues) {
         d_may_continue = false;
-        d_new = TStep{kind, subject, count, TDocumentStep(*d_data, Facts()), Shown(), {}, 0};
+        d_new =
+            TStep{kind, subject, count, TDocumentStep(*d_data, Rows_And_Look()), Shown(), {}, 0};
     }
     d_data->Set_Recorder(
         [this](const TPageItem& page) { Current_Step().document.Store_Page(page); });
@@ -113,12 +114,12 @@ void TUndoHistory::End()
         d_rows = d_source.rows();
     TDocumentStep& document = Current_Step().document;
     document.Close(*d_data);
-    const bool is_void = document.Is_Void(*d_data, Facts());
+    const bool is_no_op = document.Is_No_Op(*d_data, Rows_And_Look());
     // A new step that has changed nothing yet can still be continued. Giving the chosen border to
     // thousands of labels that have it already would otherwise read the selection for each.
-    if (d_new && is_void)
+    if (d_new && is_no_op)
         return;
-    if (is_void) {
+    if (is_no_op) {
         Drop_Newest_Step();
         --d_done_count;
         d_may_continue = false;
@@ -220,9 +221,9 @@ TStepOutcome TUndoHistory::Swap(TStep* step, const TShownState& shown)
         step->before.value_without_selection != step->after.value_without_selection;
     if (step->kind != TStepKind::Move_Pages)
         outcome.pages = step->document.Touched_Pages(d_rows);
-    outcome.facts = Facts();
-    step->document.Swap(d_data, &outcome.facts);
-    d_rows = outcome.facts.rows;
+    outcome.rows_and_look = Rows_And_Look();
+    step->document.Swap(d_data, &outcome.rows_and_look);
+    d_rows = outcome.rows_and_look.rows;
     Measure(step);
     return outcome;
 }
@@ -233,7 +234,7 @@ TUndoHistory::TStep& TUndoHistory::Current_Step()
     return d_new ? *d_new : d_steps[d_done_count - 1];
 }
 
-TDocumentFacts TUndoHistory::Facts() const
+TRowsAndLook TUndoHistory::Rows_And_Look() const
 {
     return {d_rows, d_source.look()};
 }

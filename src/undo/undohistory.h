@@ -27,7 +27,7 @@ struct TShownState
 /// What the window must show after undo or redo.
 struct TStepOutcome
 {
-    TDocumentFacts facts;
+    TRowsAndLook rows_and_look;
     TShownState shown;           ///< as it was before the step (undo) or after it (redo)
     bool sets_values = false;    ///< whether the step changed the values in `shown`
     bool marks_document = false; ///< whether the step marks the document as changed
@@ -35,7 +35,7 @@ struct TStepOutcome
     QString message;
 };
 
-/// Records the steps of the work on one document, and undoes and redoes them.
+/// Records the steps of one document, and undoes and redoes them.
 ///
 /// A step lasts as long as a TStepScope. The model reports pages before they change; everything
 /// else is read when the step begins and when it ends. The history uses the model and plain values,
@@ -64,8 +64,8 @@ public:
     /// @param budget  in bytes.
     TUndoHistory(TData* data, TSource source, qint64 budget = Memory_Budget);
 
-    /// Records renaming and moving pages in the page list. The list reports neither, so the history
-    /// compares its rows.
+    /// Starts to record that pages are renamed or moved in the page list. The list reports neither,
+    /// so the history compares its rows.
     /// @param rows  the model behind the list.
     void Watch_Page_List(const QAbstractItemModel& rows);
     /// Records changes of the page list now instead of on return to the event loop.
@@ -108,7 +108,7 @@ private:
     void Drop_Newest_Step();
     void Measure(TStep* step);
     TStep& Current_Step();
-    TDocumentFacts Facts() const;
+    TRowsAndLook Rows_And_Look() const;
     TShownState Shown();
     TStepOutcome Swap(TStep* step, const TShownState& shown);
 

@@ -166,7 +166,7 @@ private slots:
         QCOMPARE(result.status, 1);
         const QString complaint =
             "quillet-cli: " + (defect.contains(".png: ") ? QString() : name + ": ") + defect + '\n';
-        // libpng may print its own message before.
+        // libpng may print its own message first.
         QVERIFY2(result.errors.endsWith(complaint), qPrintable(result.errors));
         QVERIFY(!QFile::exists(Path("out")));
     }

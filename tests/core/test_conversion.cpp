@@ -211,7 +211,7 @@ void TestConversion::a_huge_index_does_not_wrap()
     QFETCH(int, number);
     const TNumber& type = Numbers().at(static_cast<std::size_t>(number));
     QByteArray array(11, 'x');
-    // In 32 bits, index plus width minus one would be 0 for the second of these.
+    // In 32 bits, index plus width minus one would be 0 for the second of these indexes.
     const unsigned int highest = std::numeric_limits<unsigned int>::max();
     for (const unsigned int index :
          {highest, highest - static_cast<unsigned int>(type.width) + 2}) {

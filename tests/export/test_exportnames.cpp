@@ -57,8 +57,8 @@ private slots:
                                                << "/a:b/c<d>/Cover-";
         QTest::newRow("empty") << ""
                                << "/Cover-";
-        QTest::newRow("marker") << "/tmp/%1"
-                                << "/tmp/%1/Cover-";
+        QTest::newRow("placeholder") << "/tmp/%1"
+                                     << "/tmp/%1/Cover-";
     }
     void a_folder_gets_a_slash_unless_it_has_one()
     {
@@ -91,8 +91,8 @@ private slots:
                                      << "a*b?c|d\"e.f'g-h";
         QTest::newRow("letters of other scripts stay")
             << QString::fromUtf8("Übersicht 図") << QString::fromUtf8("Übersicht 図");
-        QTest::newRow("markers stay") << "%1 of %2%%"
-                                      << "%1 of %2%%";
+        QTest::newRow("placeholders stay") << "%1 of %2%%"
+                                           << "%1 of %2%%";
         QTest::newRow("dots stay") << ".."
                                    << "..";
     }

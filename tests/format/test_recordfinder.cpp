@@ -67,7 +67,7 @@ private slots:
     {
         const TRecordFinder finder("x" + Field("abc"));
         QCOMPARE(Describe(finder.Field_At(1)), QStringLiteral("5+3"));
-        QCOMPARE(finder.Field_At(1)->Length_Place(), qint64(1));
+        QCOMPARE(finder.Field_At(1)->Length_Offset(), qint64(1));
         QCOMPARE(finder.Field_At(1)->End(), qint64(8));
         QVERIFY(!TRecordFinder(Number(4) + "abc").Field_At(0));
         QVERIFY(!TRecordFinder(negative + "abc").Field_At(0));

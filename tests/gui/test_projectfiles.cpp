@@ -82,7 +82,7 @@ private:
         return window->Load_Data(Path());
     }
 
-    /// Gives a window a document, which loading replaces or keeps.
+    /// Gives a window a document, to test whether loading replaces it.
     static void Prepare(TOpenWindow* window)
     {
         const QList<int> ids = Add_Pages(
@@ -498,7 +498,7 @@ private slots:
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("7 bytes") << Header(40, color, "", "", 0).left(7);
         QTest::newRow("other magic") << Number(90211) + Header(40, color, "", "", 0).mid(4);
-        QTest::newRow("magic the other way round") << QByteArray::fromHex("0001606220000000");
+        QTest::newRow("magic in big-endian order") << QByteArray::fromHex("0001606220000000");
     }
 
     void a_file_that_is_not_a_project_changes_nothing()

@@ -350,7 +350,7 @@ private slots:
         d_folder.reset();
     }
 
-    void everything_is_at_its_place_on_the_page_data()
+    void everything_is_at_its_position_on_the_page_data()
     {
         QTest::addColumn<int>("code");
         QTest::addColumn<int>("orientation");
@@ -375,7 +375,7 @@ private slots:
         QTest::newRow("landscape, no header") << 2 << 1 << ""
                                               << "";
     }
-    void everything_is_at_its_place_on_the_page()
+    void everything_is_at_its_position_on_the_page()
     {
         QFETCH(const int, code);
         QFETCH(const int, orientation);
@@ -446,12 +446,12 @@ private slots:
     {
         QTest::addColumn<QString>("header_1");
         QTest::addColumn<QString>("header_2");
-        QTest::newRow("markers are no markers") << "%1 of %2"
-                                                << "100% %n %L1";
+        QTest::newRow("placeholders") << "%1 of %2"
+                                      << "100% %n %L1";
         QTest::newRow("beyond ASCII")
             << QStringLiteral("Prüfbericht – Čáslav") << QStringLiteral("Отчёт № 7, 5 µm");
-        QTest::newRow("no markup, no mnemonic") << "<b>R&D</b>"
-                                                << "a && b";
+        QTest::newRow("markup and a mnemonic") << "<b>R&D</b>"
+                                               << "a && b";
     }
     void headers_may_contain_any_text()
     {
@@ -508,7 +508,7 @@ private slots:
         QCOMPARE(Lines(File(), 100), QStringList({"A", maker_line.arg(100)}));
     }
 
-    void a_page_without_an_image_is_a_page()
+    void a_page_without_an_image_is_exported()
     {
         const int page = Add_Page(Square_Labels());
         const int empty = Support::Add_Page(d_window.get(), QImage());
@@ -527,7 +527,7 @@ private slots:
         QCOMPARE(Support::View_In_Words(*d_window), view);
     }
 
-    void nothing_to_print_writes_nothing_data()
+    void without_pages_or_a_valid_resolution_nothing_is_written_data()
     {
         QTest::addColumn<int>("code");
         QTest::addColumn<bool>("has_pages");
@@ -537,7 +537,7 @@ private slots:
         QTest::newRow("code -1") << -1 << true;
         QTest::newRow("neither") << 0 << false;
     }
-    void nothing_to_print_writes_nothing()
+    void without_pages_or_a_valid_resolution_nothing_is_written()
     {
         QFETCH(const int, code);
         QFETCH(const bool, has_pages);

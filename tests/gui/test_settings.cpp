@@ -30,7 +30,7 @@ using Support::Run_Answering;
 
 namespace {
 
-/// Every key with its value after the first window, never shown, closes.
+/// Every key with its value after the first window closes without having been shown.
 const QVector<QPair<QString, QVariant>>& First_Values()
 {
     static const QVector<QPair<QString, QVariant>> values{
@@ -216,7 +216,7 @@ private slots:
         QVERIFY(!window->d_data_changed);
     }
 
-    void a_shown_window_remembers_which_docks_are_visible()
+    void closing_a_shown_window_stores_which_docks_are_visible()
     {
         {
             const auto window = New_Window();
@@ -235,7 +235,7 @@ private slots:
                  (QStringList{"shown docked", "hidden docked", "shown docked"}));
     }
 
-    void floating_docks_are_restored_to_their_places()
+    void floating_docks_are_restored_to_their_positions()
     {
         Write_Settings("Label_Floating=true\nLabel_Position=@Point(111 122)\n"
                        "Settings_Position=@Point(133 144)\n"

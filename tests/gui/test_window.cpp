@@ -27,7 +27,7 @@ private slots:
     void the_window_starts_with_its_size_and_title();
     void actions_have_their_icon_shortcut_and_texts_data();
     void actions_have_their_icon_shortcut_and_texts();
-    void actions_are_made_in_order();
+    void actions_are_created_in_order();
     void the_menu_bar_reads_file_edit_view_help();
     void menus_contain_their_entries_in_order_data();
     void menus_contain_their_entries_in_order();
@@ -166,7 +166,7 @@ void TestWindow::actions_have_their_icon_shortcut_and_texts()
     QCOMPARE(action->isEnabled(), enabled);
 }
 
-void TestWindow::actions_are_made_in_order()
+void TestWindow::actions_are_created_in_order()
 {
     const QList<QAction*> actions =
         d_window->findChildren<QAction*>(QString(), Qt::FindDirectChildrenOnly);
@@ -470,7 +470,7 @@ void TestWindow::the_page_view_takes_nearly_half_of_the_first_window()
     QCOMPARE(d_window->width(), 800);
     QVERIFY2(d_window->d_display_widget->width() >= 360,
              qPrintable(QString::number(d_window->d_display_widget->width())));
-    // A dragged dock grows.
+    // Dragging can still enlarge a dock.
     d_window->resizeDocks({d_window->d_label_dock}, {300}, Qt::Horizontal);
     QCoreApplication::processEvents();
     QVERIFY(d_window->d_label_dock->width() > 250);

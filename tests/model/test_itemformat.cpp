@@ -34,7 +34,7 @@ void TestItemFormat::a_typed_format_is_cleaned_data()
     };
     add("default", "Item [%1] %2", "Item [%1] %2");
     add("white space", "  Tag  %1 / %2 ", "Tag %1 / %2");
-    add("tabulators and line breaks", "\tTag\t\n%1\r\n", "Tag %1");
+    add("tabs and line breaks", "\tTag\t\n%1\r\n", "Tag %1");
     add("empty", "", "Item [%1] %2");
     add("only white space", " \t ", "Item [%1] %2");
     add("per cent after the value", "%1%%", "%1__");
@@ -42,7 +42,7 @@ void TestItemFormat::a_typed_format_is_cleaned_data()
     add("doubled per cent", "%%1", "_%1");
     add("text without value", "Label %2", "Label _2");
     add("no marker", "Label", "Label");
-    add("per cents without marker", "100 % %", "100 _ _");
+    add("per cent signs without marker", "100 % %", "100 _ _");
     add("text before value", "%2 and %1", "%2 and %1");
     add("value twice", "%1 %1", "%1 _1");
     add("text twice", "%1 %2 %2", "%1 %2 _2");

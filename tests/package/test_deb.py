@@ -49,7 +49,7 @@ class TestPackage(unittest.TestCase):
         self.assertEqual(sorted(os.listdir(os.path.join(self.folder, "DEBIAN"))),
                          ["control", "md5sums"])
 
-    def test_fields(self):
+    def test_control_fields(self):
         self.assertEqual(self.field("Package"), "quillet")
         self.assertEqual(self.field("Version"), installed.setting("VERSION"))
         self.assertEqual(self.field("Maintainer"), "The Quillet Project <maintainers@quillet.example>")

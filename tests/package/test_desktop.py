@@ -1,4 +1,4 @@
-"""Tests the files for the desktop with its validators and tools."""
+"""Tests the desktop integration files with the desktop's own validators and tools."""
 import configparser
 import os
 import re
@@ -70,7 +70,7 @@ class TestDesktopEntry(unittest.TestCase):
             path = f"share/icons/hicolor/{size}x{size}/apps/{ID}.png"
             self.assertEqual(installed.png_size(installed.installed(path)), (size, size))
 
-    def test_the_window_names_it(self):
+    def test_the_window_refers_to_it(self):
         self.assertIn(f'setDesktopFileName(QStringLiteral("{ID}"))',
                       installed.read(installed.source("src/main.cpp")))
 

@@ -99,7 +99,8 @@ void TestLabelCache::another_style_drops_all_pixmaps()
 
 void TestLabelCache::dropped_labels_are_drawn_again()
 {
-    // A label of 505 x 505 pixels takes a megabyte. The cache has room for fewer than these.
+    // A label of 505 x 505 pixels takes a megabyte. The cache has room for fewer than the labels
+    // below.
     const TLabelStyle style{505, 505, 200, QColor(250, 8, 50)};
     d_cache.Set_Style(style, LabelPainter::Template(style));
     const QString text = QStringLiteral("first");

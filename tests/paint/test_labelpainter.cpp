@@ -224,7 +224,7 @@ void TestLabelPainter::labels_are_drawn_pixel_by_pixel_as_designed_data()
     QTest::addColumn<int>("font_size");
     QTest::addColumn<QColor>("color");
 
-    QTest::newRow("as at the start") << 32 << 32 << 12 << red;
+    QTest::newRow("initial style") << 32 << 32 << 12 << red;
     QTest::newRow("40 x 40") << 45 << 45 << 16 << QColor(0xf7, 0x97, 0x41);
     QTest::newRow("60 x 30") << 65 << 35 << 12 << QColor(0, 90, 30);
     QTest::newRow("30 x 60") << 35 << 65 << 12 << QColor(10, 20, 200, 128);

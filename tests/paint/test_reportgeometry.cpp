@@ -39,8 +39,8 @@ struct TPaper
 };
 
 // For each page, with left and top 0, R = W - 1, B = H - 1:
-//   mx = W * 0.09, my = H * 0.045, both cut; x0 = mx, x1 = R - mx, y0 = my, yb = B - my;
-//   third = (x1 - x0 + 1) / 3 + 0.5, cut; xr = x0 + 3 third - 1;
+//   mx = W * 0.09, my = H * 0.045, both truncated; x0 = mx, x1 = R - mx, y0 = my, yb = B - my;
+//   third = (x1 - x0 + 1) / 3 + 0.5, truncated; xr = x0 + 3 third - 1;
 //   hy = y0 + h + xh with one header and y0 + 2h + xh with both; fy = yb - h6 - xh6.
 const TPaper papers[] = {
     // mx 71.37, my 50.535; x1 = 792 - 71, yb = 1122 - 50; 651 / 3 + .5 = 217.5, xr = 71 + 651 - 1;

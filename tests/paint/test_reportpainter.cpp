@@ -171,7 +171,7 @@ private slots:
     {
         const TLines lines = Lines(0);
         const QRect target = Corners(edge_left + 1, lines.hy + 1, rule_right - 1, lines.fy - 2);
-        // Black and white lines of one pixel, of which scaling to half the size makes grey.
+        // Black and white lines of one pixel. Scaling them to half the size gives grey.
         QImage stripes(target.size() * 2, QImage::Format_RGB32);
         stripes.fill(Qt::white);
         QPainter striper(&stripes);

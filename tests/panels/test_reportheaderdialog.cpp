@@ -83,7 +83,7 @@ private slots:
         QCOMPARE(dialog.Header2_Text(), QString());
     }
 
-    void each_text_is_that_of_its_line()
+    void each_text_belongs_to_its_own_line()
     {
         TReportHeaderDialog dialog(nullptr, Qt::WindowFlags());
         dialog.Set_Header1_Text(QString::fromUtf8("Bericht für Ωmega"));

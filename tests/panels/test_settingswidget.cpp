@@ -51,7 +51,7 @@ private Q_SLOTS:
     void signals_and_slots_are_declared_in_order();
     void the_tab_key_goes_from_top_to_bottom();
 
-    void the_icon_comes_with_the_first_resize();
+    void the_icon_appears_with_the_first_resize();
     void the_icon_is_never_smaller_than_sixteen_pixels();
     void later_resizes_do_not_change_the_icon();
     void the_panel_can_shrink_below_its_initial_width();
@@ -254,7 +254,7 @@ void TestSettingsWidget::the_tab_key_goes_from_top_to_bottom()
     }
 }
 
-void TestSettingsWidget::the_icon_comes_with_the_first_resize()
+void TestSettingsWidget::the_icon_appears_with_the_first_resize()
 {
     QVERIFY(d_color->icon().isNull());
     d_panel->resize(400, 300);
@@ -264,7 +264,7 @@ void TestSettingsWidget::the_icon_comes_with_the_first_resize()
     QCOMPARE(d_color->icon().availableSizes(), QList<QSize>({icon_size}));
     QCOMPARE(Support::Difference(Button_Image(), Filled(icon_size, first_color)), QString());
 
-    // Compute the expected size with a second panel: that of the button's content without an icon.
+    // Compute the expected size with a second panel, from the button's content without an icon.
     TSettingsWidget twin(nullptr, Qt::WindowFlags());
     twin.resize(d_panel->size());
     twin.ensurePolished();

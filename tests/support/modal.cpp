@@ -29,7 +29,7 @@ QPushButton* Button(QWidget* dialog, const QString& text)
 QString Run_Answering(const std::function<void()>& command, std::vector<TAnswer> answers)
 {
     constexpr int poll_milliseconds = 5;
-    constexpr int maximum_polls = 600; // polls
+    constexpr int maximum_polls = 600;
     int idle_polls = 0;
     size_t next = 0;
     QString fault;
@@ -41,7 +41,7 @@ QString Run_Answering(const std::function<void()>& command, std::vector<TAnswer>
             answered = nullptr;
             return;
         }
-        // Still the same dialog. One that is shown again was hidden in between.
+        // The dialog is still open. If it is shown again later, a poll finds it hidden in between.
         if (dialog == answered) {
             // An answer whose check failed leaves its dialog open.
             if (++idle_polls == maximum_polls) {

@@ -69,7 +69,7 @@ bool Not_Equal(int number, TLeft&& left, TRight&& right)
     return (left != right) != Is_Active(number);
 }
 
-// The first of two numbers moves the boundary, the second one inverts the comparison.
+// Each comparison has two mutants: the first moves the boundary, the second inverts the comparison.
 template <typename TLeft, typename TRight>
 bool Less(int number, TLeft&& left, TRight&& right)
 {

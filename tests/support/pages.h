@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-/// Documents for window tests, made without user actions.
+/// Documents for window tests, created without user actions.
 namespace Support {
 
 /// Adds a page to the document and to the page list without showing it; returns its id.

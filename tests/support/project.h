@@ -15,7 +15,7 @@ namespace Support {
 /// The four bytes of an integer in little-endian order.
 QByteArray Number(quint32 value);
 
-/// A byte array after its length.
+/// A byte array, preceded by its length.
 QByteArray Field(const QByteArray& content);
 
 /// The magic number.

@@ -8,7 +8,7 @@
 /// Helpers for tests of the page view.
 namespace Support {
 
-/// The labels of a view's scene in the order of their addition.
+/// The labels of a view's scene in the order they were added.
 QList<QGraphicsPixmapItem*> Labels(const TDisplayWidget& view);
 
 /// The label with an id, or null.

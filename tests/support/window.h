@@ -4,7 +4,7 @@
 
 #include <QtWidgets>
 
-/// The main window with those of its private members that tests use.
+/// The main window. Makes those private members public that tests use.
 class TOpenWindow : public TQuillet
 {
 public:

@@ -17,10 +17,10 @@ private slots:
 
     void every_change_is_undone_and_redone_data();
     void every_change_is_undone_and_redone();
-    void a_step_that_changes_nothing_is_void_data();
-    void a_step_that_changes_nothing_is_void();
-    void facts_are_exchanged();
-    void changed_facts_are_a_step();
+    void a_step_that_changes_nothing_is_a_no_op_data();
+    void a_step_that_changes_nothing_is_a_no_op();
+    void rows_and_look_are_exchanged();
+    void a_changed_row_or_look_is_a_step();
     void the_active_page_stays_unless_it_is_removed();
     void touched_pages_are_listed_once();
     void a_page_that_moves_is_not_touched();
@@ -32,7 +32,7 @@ private slots:
     void a_random_walk_returns_to_its_beginning();
 
 private:
-    TDocumentStep Run(const TCommand& command, const TDocumentFacts& facts = {});
+    TDocumentStep Run(const TCommand& command, const TRowsAndLook& rows_and_look = {});
 
     std::unique_ptr<TData> d_data;
 };
@@ -82,10 +82,10 @@ void TestDocumentStep::init()
 }
 
 /// Records a command as a step.
-/// @param facts  those before the command.
-TDocumentStep TestDocumentStep::Run(const TCommand& command, const TDocumentFacts& facts)
+/// @param rows_and_look  the state before the command.
+TDocumentStep TestDocumentStep::Run(const TCommand& command, const TRowsAndLook& rows_and_look)
 {
-    TDocumentStep step(*d_data, facts);
+    TDocumentStep step(*d_data, rows_and_look);
     d_data->Set_Recorder([&step](const TPageItem& page) { step.Store_Page(page); });
     command(d_data.get());
     d_data->Set_Recorder(nullptr);
@@ -157,17 +157,17 @@ void TestDocumentStep::every_change_is_undone_and_redone()
     TDocumentStep step = Run(command);
     const QStringList after = In_Words(*d_data);
     QVERIFY(before != after);
-    QVERIFY(!step.Is_Void(*d_data, {}));
-    TDocumentFacts facts;
+    QVERIFY(!step.Is_No_Op(*d_data, {}));
+    TRowsAndLook rows_and_look;
     for (int round = 0; round < 2; ++round) {
-        step.Swap(d_data.get(), &facts);
+        step.Swap(d_data.get(), &rows_and_look);
         QCOMPARE(In_Words(*d_data), before);
-        step.Swap(d_data.get(), &facts);
+        step.Swap(d_data.get(), &rows_and_look);
         QCOMPARE(In_Words(*d_data), after);
     }
 }
 
-void TestDocumentStep::a_step_that_changes_nothing_is_void_data()
+void TestDocumentStep::a_step_that_changes_nothing_is_a_no_op_data()
 {
     QTest::addColumn<TCommand>("command");
     const auto add = [](const char* name, const TCommand& command) {
@@ -201,58 +201,58 @@ void TestDocumentStep::a_step_that_changes_nothing_is_void_data()
     add("another active page", [](TData* data) { data->Set_Active_Page(2); });
 }
 
-void TestDocumentStep::a_step_that_changes_nothing_is_void()
+void TestDocumentStep::a_step_that_changes_nothing_is_a_no_op()
 {
     QFETCH(const TCommand, command);
     const QStringList before = In_Words(*d_data);
     const TDocumentStep step = Run(command);
     QCOMPARE(In_Words(*d_data), before);
-    QVERIFY(step.Is_Void(*d_data, {}));
+    QVERIFY(step.Is_No_Op(*d_data, {}));
     QCOMPARE(step.Touched_Pages({}), std::vector<int>());
 }
 
-void TestDocumentStep::facts_are_exchanged()
+void TestDocumentStep::rows_and_look_are_exchanged()
 {
-    const TDocumentFacts before{Rows({1, 2}), {32, Qt::red}};
+    const TRowsAndLook before{Rows({1, 2}), {32, Qt::red}};
     TDocumentStep step = Run([](TData* data) { data->Add_Page(); }, before);
-    TDocumentFacts facts{Rows({2, 1, 3}), {40, Qt::blue}};
-    step.Swap(d_data.get(), &facts);
-    QCOMPARE(facts.rows, Rows({1, 2}));
-    QCOMPARE(facts.look.size, 32);
-    QCOMPARE(facts.look.color, QColor(Qt::red));
-    step.Swap(d_data.get(), &facts);
-    QCOMPARE(facts.rows, Rows({2, 1, 3}));
-    QCOMPARE(facts.look.size, 40);
-    QCOMPARE(facts.look.color, QColor(Qt::blue));
+    TRowsAndLook rows_and_look{Rows({2, 1, 3}), {40, Qt::blue}};
+    step.Swap(d_data.get(), &rows_and_look);
+    QCOMPARE(rows_and_look.rows, Rows({1, 2}));
+    QCOMPARE(rows_and_look.look.size, 32);
+    QCOMPARE(rows_and_look.look.color, QColor(Qt::red));
+    step.Swap(d_data.get(), &rows_and_look);
+    QCOMPARE(rows_and_look.rows, Rows({2, 1, 3}));
+    QCOMPARE(rows_and_look.look.size, 40);
+    QCOMPARE(rows_and_look.look.color, QColor(Qt::blue));
 }
 
-void TestDocumentStep::changed_facts_are_a_step()
+void TestDocumentStep::a_changed_row_or_look_is_a_step()
 {
     const TDocumentStep step(*d_data, {Rows({1, 2}), {32, Qt::red}});
-    QVERIFY(step.Is_Void(*d_data, {Rows({1, 2}), {32, Qt::red}}));
-    QVERIFY(!step.Is_Void(*d_data, {Rows({2, 1}), {32, Qt::red}}));
-    QVERIFY(!step.Is_Void(*d_data, {Rows({1, 2}), {33, Qt::red}}));
-    QVERIFY(!step.Is_Void(*d_data, {Rows({1, 2}), {32, Qt::blue}}));
+    QVERIFY(step.Is_No_Op(*d_data, {Rows({1, 2}), {32, Qt::red}}));
+    QVERIFY(!step.Is_No_Op(*d_data, {Rows({2, 1}), {32, Qt::red}}));
+    QVERIFY(!step.Is_No_Op(*d_data, {Rows({1, 2}), {33, Qt::red}}));
+    QVERIFY(!step.Is_No_Op(*d_data, {Rows({1, 2}), {32, Qt::blue}}));
 }
 
 void TestDocumentStep::the_active_page_stays_unless_it_is_removed()
 {
-    TDocumentFacts facts;
+    TRowsAndLook rows_and_look;
     TDocumentStep removed = Run([](TData* data) { data->Remove_Page(1); });
     d_data->Set_Active_Page(2);
-    removed.Swap(d_data.get(), &facts);
+    removed.Swap(d_data.get(), &rows_and_look);
     QCOMPARE(d_data->Active_Page(), 2);
     d_data->Set_Active_Page(1);
     QCOMPARE(d_data->Item_Count(), 3);
     QVERIFY(d_data->Item_Exists(12));
-    removed.Swap(d_data.get(), &facts);
+    removed.Swap(d_data.get(), &rows_and_look);
     QCOMPARE(d_data->Active_Page(), -1);
 
-    removed.Swap(d_data.get(), &facts);
+    removed.Swap(d_data.get(), &rows_and_look);
     d_data->Set_Active_Page(1);
     TDocumentStep changed = Run([](TData* data) { data->Remove_Item(11); });
     QVERIFY(d_data->Item_Exists(12));
-    changed.Swap(d_data.get(), &facts);
+    changed.Swap(d_data.get(), &rows_and_look);
     QCOMPARE(d_data->Active_Page(), 1);
     QVERIFY(d_data->Change_Item_Value(12, 22));
     QCOMPARE(d_data->Item(1).value, 22);
@@ -283,10 +283,10 @@ void TestDocumentStep::a_removed_page_keeps_no_pixels()
     QVERIFY(TPageImage::Stored_Bytes() > 0);
     TDocumentStep step = Run([](TData* data) { data->Remove_Page(3); });
     QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
-    TDocumentFacts facts;
-    step.Swap(d_data.get(), &facts);
+    TRowsAndLook rows_and_look;
+    step.Swap(d_data.get(), &rows_and_look);
     QCOMPARE(Support::Difference(d_data->Pages()[2].image, Support::Picture(40, 20)), QString());
-    step.Swap(d_data.get(), &facts);
+    step.Swap(d_data.get(), &rows_and_look);
     QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
 }
 
@@ -305,10 +305,10 @@ void TestDocumentStep::a_changed_page_shares_its_image()
 {
     const TPageImage image = d_data->Pages()[0].image;
     TDocumentStep step = Run([](TData* data) { data->Change_Item_Value(12, 9); });
-    TDocumentFacts facts;
-    step.Swap(d_data.get(), &facts);
+    TRowsAndLook rows_and_look;
+    step.Swap(d_data.get(), &rows_and_look);
     QVERIFY(d_data->Pages()[0].image.Is_Copy_Of(image));
-    step.Swap(d_data.get(), &facts);
+    step.Swap(d_data.get(), &rows_and_look);
     QVERIFY(d_data->Pages()[0].image.Is_Copy_Of(image));
 }
 
@@ -350,10 +350,10 @@ void TestDocumentStep::bytes_count_labels_texts_rows_and_images_of_the_step()
     const qint64 image = d_data->Pages()[0].image.Png().size();
     TDocumentStep removed = Run([](TData* data) { data->Remove_Page(1); });
     QCOMPARE(removed.Bytes(), nothing + page + labels + image);
-    TDocumentFacts facts;
-    removed.Swap(d_data.get(), &facts);
+    TRowsAndLook rows_and_look;
+    removed.Swap(d_data.get(), &rows_and_look);
     QVERIFY(removed.Bytes() < nothing);
-    removed.Swap(d_data.get(), &facts);
+    removed.Swap(d_data.get(), &rows_and_look);
     QCOMPARE(removed.Bytes(), nothing + page + labels + image);
 }
 
@@ -395,19 +395,19 @@ void TestDocumentStep::a_random_walk_returns_to_its_beginning()
     };
     std::vector<TDocumentStep> steps;
     std::vector<QStringList> states = {In_Words(*d_data)};
-    TDocumentFacts facts;
+    TRowsAndLook rows_and_look;
     for (int round = 0; round < 300; ++round) {
         steps.push_back(Run(change));
         states.push_back(In_Words(*d_data));
-        QCOMPARE(steps.back().Is_Void(*d_data, {}), states[states.size() - 2] == states.back());
+        QCOMPARE(steps.back().Is_No_Op(*d_data, {}), states[states.size() - 2] == states.back());
     }
     for (int way = 0; way < 2; ++way) {
         for (std::size_t index = steps.size(); index > 0; --index) {
-            steps[index - 1].Swap(d_data.get(), &facts);
+            steps[index - 1].Swap(d_data.get(), &rows_and_look);
             QCOMPARE(In_Words(*d_data), states[index - 1]);
         }
         for (std::size_t index = 0; index < steps.size(); ++index) {
-            steps[index].Swap(d_data.get(), &facts);
+            steps[index].Swap(d_data.get(), &rows_and_look);
             QCOMPARE(In_Words(*d_data), states[index + 1]);
         }
     }

@@ -25,19 +25,19 @@ private slots:
     void a_run_that_began_before_clearing_is_not_continued();
     void values_are_set_if_the_step_changed_them_data();
     void values_are_set_if_the_step_changed_them();
-    void every_change_of_the_page_list_is_noticed_data();
-    void every_change_of_the_page_list_is_noticed();
+    void every_change_of_the_page_list_is_recorded_data();
+    void every_change_of_the_page_list_is_recorded();
     void nested_scopes_are_one_step();
     void a_scope_without_a_history_records_nothing();
     void a_selection_is_not_a_step();
-    void steps_share_a_selection_that_stays();
+    void steps_share_an_unchanged_selection();
     void a_cleared_history_starts_again();
     void a_new_step_removes_undone_steps();
     void the_outcome_contains_the_shown_state_before_and_after();
-    void the_message_counts();
+    void the_message_contains_the_count();
     void the_look_is_undone_and_redone();
     void a_renamed_page_is_a_step();
-    void moved_pages_are_a_step_that_touches_none();
+    void moving_pages_is_a_step_that_touches_no_page();
     void rows_are_recorded_on_return_to_the_event_loop();
     void a_row_missing_during_a_drag_is_not_a_step();
     void rows_that_change_within_a_step_belong_to_it();
@@ -181,7 +181,7 @@ void TestUndoHistory::changes_of_one_kind_to_one_subject_are_one_step()
     QVERIFY(!d_history->Can_Undo());
     d_history->Redo();
     QCOMPARE(Value(0), 100);
-    // What was redone is not continued.
+    // A redone step is not continued.
     Change_Value(1, 1000);
     d_history->Undo();
     QCOMPARE(Value(0), 100);
@@ -296,14 +296,14 @@ void TestUndoHistory::values_are_set_if_the_step_changed_them()
     QTEST(d_history->Undo()->sets_values, "sets_values");
 }
 
-void TestUndoHistory::every_change_of_the_page_list_is_noticed_data()
+void TestUndoHistory::every_change_of_the_page_list_is_recorded_data()
 {
     QTest::addColumn<QString>("change");
     for (const char* const change : {"data", "insertion", "removal", "reset"})
         QTest::newRow(change) << change;
 }
 
-void TestUndoHistory::every_change_of_the_page_list_is_noticed()
+void TestUndoHistory::every_change_of_the_page_list_is_recorded()
 {
     QFETCH(QString, change);
     d_rows[0].name = "Roof";
@@ -350,7 +350,7 @@ void TestUndoHistory::a_selection_is_not_a_step()
     QVERIFY(!d_history->Can_Undo());
 }
 
-void TestUndoHistory::steps_share_a_selection_that_stays()
+void TestUndoHistory::steps_share_an_unchanged_selection()
 {
     d_selected = 2;
     Change_Border(1, 4);
@@ -398,11 +398,11 @@ void TestUndoHistory::the_outcome_contains_the_shown_state_before_and_after()
     const auto undone = d_history->Undo();
     QCOMPARE(undone->shown.next_value, 1);
     QVERIFY(undone->sets_values);
-    QCOMPARE(undone->facts.rows, d_rows);
+    QCOMPARE(undone->rows_and_look.rows, d_rows);
     QCOMPARE(d_history->Redo()->shown.next_value, 2);
 }
 
-void TestUndoHistory::the_message_counts()
+void TestUndoHistory::the_message_contains_the_count()
 {
     Record(
         TStepKind::Remove_Labels, 0,
@@ -424,15 +424,15 @@ void TestUndoHistory::the_look_is_undone_and_redone()
     Record(TStepKind::Change_Size, 0, [&] { d_look.size = 40; });
     Record(TStepKind::Change_Size, 0, [&] { d_look.size = 50; });
     const auto undone = d_history->Undo();
-    QCOMPARE(undone->facts.look.size, 32);
-    QCOMPARE(undone->facts.look.color, QColor(Qt::red));
+    QCOMPARE(undone->rows_and_look.look.size, 32);
+    QCOMPARE(undone->rows_and_look.look.color, QColor(Qt::red));
     QCOMPARE(undone->pages, std::vector<int>());
-    d_look = undone->facts.look;
+    d_look = undone->rows_and_look.look;
     const auto redone = d_history->Redo();
-    QCOMPARE(redone->facts.look.size, 50);
-    d_look = redone->facts.look;
+    QCOMPARE(redone->rows_and_look.look.size, 50);
+    d_look = redone->rows_and_look.look;
     Record(TStepKind::Change_Color, 0, [&] { d_look.color = Qt::blue; });
-    QCOMPARE(d_history->Undo()->facts.look.color, QColor(Qt::red));
+    QCOMPARE(d_history->Undo()->rows_and_look.look.color, QColor(Qt::red));
 }
 
 void TestUndoHistory::a_renamed_page_is_a_step()
@@ -446,13 +446,13 @@ void TestUndoHistory::a_renamed_page_is_a_step()
     QCOMPARE(changed.count(), 3);
     const auto undone = d_history->Undo();
     QCOMPARE(undone->message, QString("Undone: rename page"));
-    QCOMPARE(undone->facts.rows.first().name, QString("Page 1"));
+    QCOMPARE(undone->rows_and_look.rows.first().name, QString("Page 1"));
     QCOMPARE(undone->pages, std::vector<int>{1});
     QVERIFY(!d_history->Can_Undo());
-    QCOMPARE(d_history->Redo()->facts.rows.first().name, QString("Roof"));
+    QCOMPARE(d_history->Redo()->rows_and_look.rows.first().name, QString("Roof"));
 }
 
-void TestUndoHistory::moved_pages_are_a_step_that_touches_none()
+void TestUndoHistory::moving_pages_is_a_step_that_touches_no_page()
 {
     d_rows.append({d_model.Add_Page(), "Page 2"});
     d_list.setItem(0, new QStandardItem("added"));
@@ -463,7 +463,7 @@ void TestUndoHistory::moved_pages_are_a_step_that_touches_none()
     d_history->Record_Page_List();
     const auto undone = d_history->Undo();
     QCOMPARE(undone->message, QString("Undone: move 1 page"));
-    QCOMPARE(undone->facts.rows.first().page_id, 1);
+    QCOMPARE(undone->rows_and_look.rows.first().page_id, 1);
     QCOMPARE(undone->pages, std::vector<int>());
 }
 
@@ -474,13 +474,13 @@ void TestUndoHistory::rows_are_recorded_on_return_to_the_event_loop()
     QVERIFY(!d_history->Can_Undo());
     QCoreApplication::processEvents();
     QVERIFY(d_history->Can_Undo());
-    // If another step begins first, it records them.
+    // A step that begins first records the rows.
     d_rows[0].name = "Cellar";
     d_list.setItem(0, new QStandardItem("renamed again"));
     Change_Value(1, 10);
     const auto undone = d_history->Undo();
     QCOMPARE(undone->message, QString("Undone: change value"));
-    QCOMPARE(undone->facts.rows[0].name, QString("Cellar"));
+    QCOMPARE(undone->rows_and_look.rows[0].name, QString("Cellar"));
     QCOMPARE(d_history->Undo()->message, QString("Undone: rename page"));
 }
 
@@ -493,7 +493,7 @@ void TestUndoHistory::a_row_missing_during_a_drag_is_not_a_step()
     d_rows = rows;
     d_rows[0].name = "Roof";
     d_history->Record_Page_List();
-    QCOMPARE(d_history->Undo()->facts.rows, rows);
+    QCOMPARE(d_history->Undo()->rows_and_look.rows, rows);
 }
 
 void TestUndoHistory::rows_that_change_within_a_step_belong_to_it()
@@ -506,10 +506,10 @@ void TestUndoHistory::rows_that_change_within_a_step_belong_to_it()
     const auto undone = d_history->Undo();
     QCOMPARE(undone->message, QString("Undone: add page"));
     QCOMPARE(undone->pages, std::vector<int>{2});
-    QCOMPARE(undone->facts.rows.size(), 1);
+    QCOMPARE(undone->rows_and_look.rows.size(), 1);
     QCOMPARE(d_model.Page_Count(), 1);
     QVERIFY(!d_history->Can_Undo());
-    QCOMPARE(d_history->Redo()->facts.rows.size(), 2);
+    QCOMPARE(d_history->Redo()->rows_and_look.rows.size(), 2);
     QCOMPARE(d_model.Page_Id(1), 2);
 }
 

@@ -60,7 +60,7 @@ private Q_SLOTS:
     void every_row_has_room_for_its_text();
     void another_font_changes_the_row_size();
     void the_widest_row_decides_the_size_in_another_font();
-    void the_highest_row_decides_the_size();
+    void the_tallest_row_decides_the_size();
     void clearing_the_list_resets_the_row_size();
     void rows_without_text_have_a_height();
 
@@ -338,8 +338,8 @@ void TestRowList::the_widest_row_decides_the_size_in_another_font()
         QVERIFY(d_list->visualItemRect(d_list->item(index)).width() >= needed);
 }
 
-/// A wide row after the highest one must not make the rows lower.
-void TestRowList::the_highest_row_decides_the_size()
+/// A wide row after the tallest one must not reduce the height of the rows.
+void TestRowList::the_tallest_row_decides_the_size()
 {
     const QString two_lines = QStringLiteral("a\nb");
     d_list->addItems({two_lines, QStringLiteral("Item [4] a text that needs a lot of room")});

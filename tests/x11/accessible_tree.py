@@ -25,10 +25,10 @@ ANSWER_MILLISECONDS = 20000
 # Roles of widgets that users operate. Each needs a name and a description.
 CONTROLS = {"push button", "toggle button", "check box", "radio button", "text", "slider",
             "spin button", "combo box", "list"}
-# Roles that need only a name, which is description enough.
+# Roles that need only a name, since the name is description enough.
 ENTRIES = {"menu item", "check menu item", "list item"}
 
-# The least number of nodes of each role in a window. With fewer, the tree is incomplete.
+# The minimum number of nodes of each role in a window. With fewer, the tree is incomplete.
 MAIN_WINDOW = {"push button": 17, "text": 4, "slider": 2, "combo box": 3, "check box": 1, "list": 2,
                "menu item": 17}
 REINDEX_DIALOG = {"push button": 2, "text": 1, "combo box": 1, "radio button": 3}
@@ -62,22 +62,22 @@ def faults(tree):
         # The list of a combo box needs no name: the combo box has one.
         if node.role == "list" and path and path[-1].role == "combo box":
             continue
-        place = " > ".join(f"{above.role} {above.name!r}" for above in path + (node,))
+        path_text = " > ".join(f"{above.role} {above.name!r}" for above in path + (node,))
         is_control = node.role in CONTROLS or (node.focusable and node.role not in ENTRIES)
         # The name of a combo box is its current entry; its caption names the combo box.
         name = " ".join(node.captions) if node.role == "combo box" else node.name
         if (is_control or node.role in ENTRIES) and not name.strip():
-            found.append(f"no name: {place}")
+            found.append(f"no name: {path_text}")
         if is_control and not node.description.strip():
-            found.append(f"no description: {place}")
+            found.append(f"no description: {path_text}")
     return found
 
 
-def shortfalls(tree, least):
+def shortfalls(tree, minimum):
     """Roles with fewer nodes than required, a line for each."""
     roles = [node.role for node, _ in tree.walk()]
-    return [f"{roles.count(role)} of role {role}, expected {count} at least"
-            for role, count in least.items() if roles.count(role) < count]
+    return [f"{roles.count(role)} of role {role}, expected at least {count}"
+            for role, count in minimum.items() if roles.count(role) < count]
 
 
 def try_the_checks():
@@ -89,19 +89,20 @@ def try_the_checks():
 
     for role in sorted(CONTROLS):
         captions = ("Caption:",) if role == "combo box" else ()
-        whole = Node("frame", children=[Node(role, "Name", "Description", captions)])
-        expect("a whole " + role, faults(whole), [])
+        complete = Node("frame", children=[Node(role, "Name", "Description", captions)])
+        expect("a complete " + role, faults(complete), [])
         nameless = Node("frame", children=[Node(role, "", "Description")])
         expect("a nameless " + role, faults(nameless), [f"no name: frame '' > {role} ''"])
-        mute = Node("frame", children=[Node(role, "Name", " ", captions)])
-        expect("a mute " + role, faults(mute), [f"no description: frame '' > {role} 'Name'"])
+        undescribed = Node("frame", children=[Node(role, "Name", " ", captions)])
+        expect("an undescribed " + role, faults(undescribed),
+               [f"no description: frame '' > {role} 'Name'"])
     expect("a combo box without a caption", faults(Node("combo box", "Entry", "Description")),
            ["no name: combo box 'Entry'"])
     expect("a menu item", faults(Node("menu item", "")), ["no name: menu item ''"])
-    expect("what takes the focus", len(faults(Node("filler", focusable=True))), 2)
+    expect("a focusable node", len(faults(Node("filler", focusable=True))), 2)
     expect("a layout", faults(Node("filler")), [])
     expect("a count", shortfalls(Node("list", children=[Node("list item")]), {"list": 2}),
-           ["1 of role list, expected 2 at least"])
+           ["1 of role list, expected at least 2"])
 
 
 class AccessibilityBus:
@@ -128,7 +129,7 @@ class AccessibilityBus:
             "--method", "org.freedesktop.DBus.Peer.Ping")
 
     def start(self, *command):
-        # The signal ends the process however this script ends.
+        # The signal ends the process, no matter how this script ends.
         process = subprocess.Popen(["setpriv", "--pdeathsig", "TERM", *command],
                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.processes.append(process)
@@ -191,7 +192,7 @@ class Reader:
         return False
 
 
-def check(reader, title, least, results):
+def check(reader, title, minimum, results):
     """Waits until a window's tree is complete and has no faults."""
     last = [f"no window {title!r}"]
 
@@ -201,7 +202,7 @@ def check(reader, title, least, results):
             return False
         with open(os.path.join(results, title + ".txt"), "w", encoding="utf-8") as file:
             file.write("\n".join(tree.lines()) + "\n")
-        last[:] = faults(tree) + shortfalls(tree, least)
+        last[:] = faults(tree) + shortfalls(tree, minimum)
         return not last
 
     try:
@@ -226,12 +227,12 @@ def main():
             click(program.icon(IMPORT_ICON))
             program.dialog()
             program.answer("Escape")
-            for title, keys, least in (("Reindex Items", ["Right", "Down"], REINDEX_DIALOG),
+            for title, keys, minimum in (("Reindex Items", ["Right", "Down"], REINDEX_DIALOG),
                                        ("Report Header", ["Down"] * 7, HEADER_DIALOG)):
                 press("alt")
                 press(*keys, "Return")
                 program.dialog(title)
-                check(reader, title, least, results)
+                check(reader, title, minimum, results)
                 program.answer("Escape")
         finally:
             program.process.kill()

@@ -11,9 +11,9 @@ import subprocess
 import time
 
 POLL_SECONDS = 0.03
-PATIENCE_SECONDS = 20
-# How long the screen has to stay the same to count as calm.
-CALM_SECONDS = 0.25
+TIMEOUT_SECONDS = 20
+# How long the screen must not change to count as stable.
+STABLE_SECONDS = 0.25
 
 # The colour of selected rows in the program's style.
 HIGHLIGHT = (48, 140, 198)
@@ -33,7 +33,7 @@ def ask(*command):
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout.decode()
 
 
-def wait_until(what, condition, seconds=PATIENCE_SECONDS):
+def wait_until(what, condition, seconds=TIMEOUT_SECONDS):
     """Polls until the condition returns something true; returns that."""
     deadline = time.monotonic() + seconds
     while True:
@@ -112,7 +112,7 @@ class Picture:
         return Picture(self.width, self.height, bytes(data))
 
     def positions(self, piece):
-        """Yields the places of a piece of a row, as (x, y) of its first pixel."""
+        """Yields the positions of a piece of a row, as (x, y) of its first pixel."""
         start = self.data.find(piece)
         while start >= 0:
             y, x = divmod(start // 3, self.width)
@@ -180,9 +180,9 @@ def point_at(x, y):
     run("xdotool", "mousemove", str(x), str(y))
 
 
-def click(place, button=1, times=1, holding=None):
+def click(target, button=1, times=1, holding=None):
     """Clicks a point, or the centre of a box; `holding` names a key to hold down."""
-    point_at(*(place.centre if isinstance(place, Box) else place))
+    point_at(*(target.centre if isinstance(target, Box) else target))
     if holding:
         run("xdotool", "keydown", holding)
     run("xdotool", "click", "--repeat", str(times), "--delay", "40", str(button))
@@ -198,7 +198,7 @@ def drag(start, end, steps=8):
         x = start[0] + (end[0] - start[0]) * step // steps
         y = start[1] + (end[1] - start[1]) * step // steps
         point_at(x, y)
-        # A list starts a drag and finds its target only from single moves.
+        # A list needs separate moves to start a drag and to find its target.
         time.sleep(POLL_SECONDS)
     run("xdotool", "mouseup", "1")
 
@@ -229,12 +229,12 @@ def cursor():
     return shown
 
 
-def calm_screen():
+def stable_screen():
     """Waits until the screen has not changed for a moment; returns it."""
     last = Picture.of_screen()
-    deadline = time.monotonic() + PATIENCE_SECONDS
+    deadline = time.monotonic() + TIMEOUT_SECONDS
     while time.monotonic() < deadline:
-        time.sleep(CALM_SECONDS / 2)
+        time.sleep(STABLE_SECONDS / 2)
         now = Picture.of_screen()
         if now.data == last.data:
             return now
@@ -282,7 +282,7 @@ class Program:
 
     def resize(self, width, height):
         run("xdotool", "windowsize", "--sync", self.window, str(width), str(height))
-        calm_screen()
+        stable_screen()
 
     def dialog(self, title=None):
         """Waits until a dialog of the program is active; returns its id."""
@@ -300,13 +300,13 @@ class Program:
 
         window = wait_until(f"dialog {title or ''}", its_window)
         wait_until("the dialog's frame", in_its_frame)
-        calm_screen()
+        stable_screen()
         return window
 
     def back(self):
         """Waits until the main window is active again."""
         wait_until("the main window to come back", lambda: self.active_window() == self.window)
-        return calm_screen()
+        return stable_screen()
 
     def answer(self, *keys):
         """Presses keys that close the open dialog, and waits for the main window."""
@@ -341,15 +341,16 @@ class Program:
         `names` are at least three widgets in the order of the walk; the first one has the focus
         already. The box of a widget that does not show its focus is None.
         """
-        shots = [calm_screen()]
+        shots = [stable_screen()]
         for _ in names[1:]:
             press("Tab")
-            time.sleep(CALM_SECONDS)
+            time.sleep(STABLE_SECONDS)
             shots.append(Picture.of_screen())
-        # Each step changes two widgets. Only its own shot shows the focus of each of the first two.
+        # Each Tab changes two widgets. A widget differs from both other shots only where it has the
+        # focus.
         boxes = {names[0]: shots[0].changes_from_both(shots[1], shots[2], self.box),
                  names[1]: shots[1].changes_from_both(shots[0], shots[2], self.box)}
-        # For the others, the box of the widget before is known.
+        # For each further widget, the box of the previous one is known.
         for last, name, before, after in zip(names[1:], names[2:], shots[1:], shots[2:]):
             shown = after.with_box_of(before, boxes[last]) if boxes[last] else after
             boxes[name] = before.changes(shown, self.box)

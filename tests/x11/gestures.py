@@ -10,7 +10,7 @@ Run it in an X server with a window manager and an empty home folder (tests/supp
 
 import math
 
-from driver import Box, calm_screen, point_at, press, turn_wheel
+from driver import Box, stable_screen, point_at, press, turn_wheel
 from results import Project, report_pages
 from session import (BORDERS, COLOUR, DIAMOND, TRIANGLE, check, check_labels, check_near,
                      close_unchanged, import_pages, label_at, run_steps, save_as, start_working)
@@ -45,7 +45,7 @@ def zoom_with_slider(session):
         session.set_slider("zoom", *["Prior"] * keys)
         if name != "full-size":
             session.shoot(name)
-        widths[name] = calm_screen().box_of(COLOUR, session.view()).width
+        widths[name] = stable_screen().box_of(COLOUR, session.view()).width
     # Smooth scaling pales the outermost pixels, which makes the distance a little smaller.
     for name, exponent in (("zoomed-in", 0.4), ("zoomed-out", -1)):
         expected = widths["full-size"] * math.exp(exponent)
@@ -56,7 +56,7 @@ def label_box(session, centre):
     """The box of the label around a point of the screen."""
     reach = 45
     x, y = centre
-    return calm_screen().box_of(COLOUR, Box(x - reach, y - reach, x + reach, y + reach))
+    return stable_screen().box_of(COLOUR, Box(x - reach, y - reach, x + reach, y + reach))
 
 
 def zoom_with_wheel(session):
@@ -66,7 +66,7 @@ def zoom_with_wheel(session):
     pointer = x + left, y + top
 
     def width():
-        return calm_screen().box_of(COLOUR, session.view()).width
+        return stable_screen().box_of(COLOUR, session.view()).width
 
     before, width_before = label_box(session, pointer), width()
     point_at(*pointer)
@@ -113,8 +113,8 @@ def move_page_with_keys(session):
     goal, start = session.page_row(PAGE + 1).top, session.page_row(PAGE).top
     for key, expected in (("alt+Down", goal), ("alt+Up", start)):
         press(key)
-        calm_screen()
-        check("row of the page after " + key, session.rows("pages").top, expected)
+        stable_screen()
+        check("row of the page after " + key, session.selected_rows("pages").top, expected)
 
 
 def check_saved_labels(session):

@@ -13,7 +13,7 @@ import shutil
 import tempfile
 import time
 
-from driver import (Box, Failure, Picture, calm_screen, click, cursor, point_at, press, wait_until,
+from driver import (Box, Failure, Picture, stable_screen, click, cursor, point_at, press, wait_until,
                     write)
 from session import check, close_discarding, run_steps, start_working
 
@@ -26,7 +26,7 @@ def watch_long_work(session):
     box = session.program.box
     status_bar = Box(box.left, box.bottom - 24, box.centre[0], box.bottom)
     point_at(*box.centre)
-    before, pointer = calm_screen(), cursor()
+    before, pointer = stable_screen(), cursor()
     folder = tempfile.mkdtemp()
     # The program reads from a pipe until this test closes it.
     pipes = [os.path.join(folder, f"{number}.png") for number in (1, 2, 3)]
@@ -36,7 +36,7 @@ def watch_long_work(session):
     session.program.dialog("Import one or more supported image files")
     write(folder)
     press("Return")
-    calm_screen()
+    stable_screen()
     write(" ".join(f'"{os.path.basename(pipe)}"' for pipe in pipes))
     press("Return")
 
@@ -51,7 +51,7 @@ def watch_long_work(session):
     check("a busy pointer", cursor() != pointer, True)
     third = close_pipe(second, pipes[1], lambda: writing_end(pipes[2]))
     close_pipe(third, pipes[2], lambda: cursor() == pointer)
-    check("remains of the bar", before.changes(calm_screen(), status_bar), None)
+    check("remains of the bar", before.changes(stable_screen(), status_bar), None)
     close_discarding(session)
     shutil.rmtree(folder)
 

@@ -12,7 +12,7 @@ Run it in an X server with a window manager and an empty home folder (tests/supp
 import os
 import sys
 
-from driver import calm_screen, click, drag, press, run, write
+from driver import stable_screen, click, drag, press, run, write
 from session import ITEM_WIDGETS, PAGE_WIDGETS, SETTINGS, WORKING_SIZE, Session
 
 FACADE = 1
@@ -31,7 +31,7 @@ class Tour(Session):
 
         The picture has few colours, which makes it small.
         """
-        calm_screen()
+        stable_screen()
         box = box or self.program.box
         frame = (f"{box.width + 2}x{box.height + TITLE_BAR + 2}"
                  f"+{box.left - 1}+{box.top - TITLE_BAR}")
@@ -56,7 +56,7 @@ def first_start(tour):
 
 
 def open_sample(tour):
-    """The sample document, at a zoom that shows nearly the whole page."""
+    """Opens the sample document at a zoom that shows nearly the whole page."""
     press("ctrl+o")
     tour.file_name("Select a Quillet file to open", os.path.join(tour.sample, "sample.quillet"))
     tour.set_slider("zoom", *["Prior"] * 6)
@@ -64,23 +64,23 @@ def open_sample(tour):
     tour.take("sample")
 
 
-def learn_places(tour):
-    """Selects the page's first label, so that its editors can be reached with the tabulator key."""
+def learn_boxes(tour):
+    """Selects the page's first label, so that its editors can be reached with the Tab key."""
     click(tour.view())
     press("Tab", "End", "Home", "shift+Tab")
-    calm_screen()
+    stable_screen()
     tour.boxes = tour.program.walk(["page", *ITEM_WIDGETS, *PAGE_WIDGETS, *SETTINGS, "zoom"])
 
 
 def select_labels(tour):
-    click(tour.rows("items"))
+    click(tour.selected_rows("items"))
     press("Home", "Down", "Down", "Down", "shift+Down", "shift+Down")
     tour.take("several-selected")
 
 
 def arrange_pages(tour):
     click(tour.boxes["page_add"])
-    calm_screen()
+    stable_screen()
     tour.page_row(5)
     tour.retype("name", "Photographs", "Return")
     first = tour.page_row(0)
@@ -107,9 +107,9 @@ def main():
     quillet, sample, pictures = (os.path.abspath(path) for path in sys.argv[1:])
     tour = Tour(quillet, sample, pictures)
     try:
-        for station in (first_start, open_sample, learn_places, select_labels, arrange_pages,
+        for step in (first_start, open_sample, learn_boxes, select_labels, arrange_pages,
                         open_dialogs):
-            station(tour)
+            step(tour)
     finally:
         if tour.program and tour.program.process.poll() is None:
             tour.program.process.kill()

@@ -14,11 +14,11 @@ import glob
 import os
 import re
 
-from driver import Box, Picture, calm_screen, click, drag, press, run, wait_until, write
+from driver import Box, Picture, stable_screen, click, drag, press, run, wait_until, write
 from results import Project, pixels_of_png, report_pages
-from session import (DIAMOND, ELLIPSE, NEW_COLOUR, NEW_SIZE, SQUARE, TRIANGLE, change_looks, check,
+from session import (DIAMOND, ELLIPSE, NEW_COLOUR, NEW_SIZE, SQUARE, TRIANGLE, change_appearance, check,
                      check_label_colour, check_labels, close_unchanged, import_pages, label_at,
-                     learn_places, run_steps, save_as, start_working)
+                     learn_boxes, run_steps, save_as, start_working)
 
 FIRST_PAGE, LAST_PAGE = 15, 19
 HEADERS = ["Debian Policy Manual", "Review of the binary packages chapter"]
@@ -32,7 +32,7 @@ def label_first_page(session):
         session.click_page(page, spot, button=3)
     # The last two are removed, but only after the answer Yes.
     session.click_page(page, superfluous[0])
-    row = session.rows("items")
+    row = session.selected_rows("items")
     click((row.centre[0], row.bottom + row.height // 2), holding="ctrl")
     session.shoot("several-selected")
     for answer in ("alt+n", "alt+y"):
@@ -43,14 +43,14 @@ def label_first_page(session):
         session.program.answer(answer)
 
     # The button adds a label in the corner of the visible part.
-    before, left = calm_screen(), session.boxes["value"].right
+    before, left = stable_screen(), session.boxes["value"].right
     click(session.boxes["item_add"])
     corner = wait_until("the new label", lambda: before.changes(
         Picture.of_screen(), Box(left, view.top - 20, left + 80, view.top + 60)))
     goal = session.spots(page, (150, 120))[0]
     left, top = session.origin(page)
     drag(corner.centre, (goal[0] + left, goal[1] + top))
-    calm_screen()
+    stable_screen()
 
     session.click_page(page, section)
     session.retype("text", "  See   5 ", "Return")
@@ -76,9 +76,9 @@ def label_third_page(session):
 
 
 def arrange_pages(session):
-    """Adds an empty page, renames pages, and drags one to another place."""
+    """Adds an empty page, renames pages, and drags one to another position."""
     click(session.boxes["page_add"])
-    calm_screen()
+    stable_screen()
     session.page_row(len(session.pages))
     session.retype("name", "Appendix")
     first = session.page_row(0)
@@ -86,7 +86,7 @@ def arrange_pages(session):
     last_image = session.page_row(4)
     # Between the first and the second row.
     drag((last_image.left + 30, last_image.centre[1]), (first.left + 30, first.bottom))
-    calm_screen()
+    stable_screen()
     session.shoot("pages-in-order")
     session.names = ["Scope: 1/2", "Page 5", "Page 2", "Page 3", "Page 4", "Appendix"]
     session.order = [0, 4, 1, 2, 3]
@@ -183,6 +183,6 @@ def render_pages(folder):
 
 if __name__ == "__main__":
     run_steps(render_pages,
-              (start_working, import_pages, learn_places, label_first_page, label_third_page,
-               arrange_pages, change_looks, export_images, reindex, export_pdf, save,
+              (start_working, import_pages, learn_boxes, label_first_page, label_third_page,
+               arrange_pages, change_appearance, export_images, reindex, export_pdf, save,
                check_project, check_images, check_pdf))

@@ -17,9 +17,9 @@ import os
 import re
 import shutil
 
-from driver import Box, Failure, Picture, calm_screen, click, drag, press, wait_until
+from driver import Box, Failure, Picture, stable_screen, click, drag, press, wait_until
 from results import Project
-from session import (ELLIPSE, NEW_COLOUR, NEW_SIZE, WORKING_SIZE, change_looks, check,
+from session import (ELLIPSE, NEW_COLOUR, NEW_SIZE, WORKING_SIZE, change_appearance, check,
                      check_label_colour, check_labels, close_discarding, close_unchanged,
                      import_pages, label_at, noise_page, run_steps, save_as)
 
@@ -34,7 +34,7 @@ def first_look(session):
     box = session.program.box
     check("size of the window", (box.width, box.height), (800, 600))
     # Only the page view has such a long run of white pixels.
-    screen = calm_screen()
+    screen = stable_screen()
     widest = max(len(white) // 3 for y in range(box.top, box.bottom)
                  for white in re.findall(rb"(?:\xff\xff\xff)+", screen.row(y, box.left, box.right)))
     if widest < 0.45 * box.width:
@@ -82,7 +82,7 @@ def open_again(session):
     session.shoot("opened-again")
     left, top = session.origin(session.pages[PAGE])
     x, y = session.labels[-1]["position"]
-    check_label_colour(calm_screen(), (x + left, y + top), NEW_COLOUR, "on the screen")
+    check_label_colour(stable_screen(), (x + left, y + top), NEW_COLOUR, "on the screen")
 
     again = os.path.join(session.results, "again.quillet")
     save_as(session, again)
@@ -132,10 +132,10 @@ def float_a_dock(session):
     icon_y = session.program.icon(session.resource("menu/file_new.png"))[1]
     click((box.left + 40, icon_y + 33), times=2)
     dock = wait_until("the floating dock", session.program.windows_but_main)[0]
-    calm_screen()
+    stable_screen()
     docked = session.program.box_of_window(dock)
     drag((docked.left + 40, docked.top + 10), (box.left + 240, box.top + 140))
-    calm_screen()
+    stable_screen()
     left = session.program.box_of_window(dock)
     check("the dock was dragged", (left.left, left.top) != (docked.left, docked.top), True)
     seen = Picture.of_screen().cut(left.shrunk(2))
@@ -146,10 +146,10 @@ def float_a_dock(session):
     dock = wait_until("the floating dock", session.program.windows_but_main)[0]
     session.shoot("dock-again")
     found = session.program.box_of_window(dock)
-    check("place of the dock", (found.left, found.top), (left.left, left.top))
+    check("position of the dock", (found.left, found.top), (left.left, left.top))
     # Its title at least; its size is not restored.
     title = Box(8, 4, 100, 20)
-    now = calm_screen().cut(found.shrunk(2))
+    now = stable_screen().cut(found.shrunk(2))
     title_now, title_before = now.cut(title), seen.cut(title)
     check("difference of the dock's title", title_now.changes(title_before, title_now.box), None)
     close_unchanged(session)
@@ -171,5 +171,5 @@ def make_images(folder):
 
 if __name__ == "__main__":
     run_steps(make_images,
-              (first_look, import_pages, change_looks, label_page, close_with_cancel_then_yes,
+              (first_look, import_pages, change_appearance, label_page, close_with_cancel_then_yes,
                open_again, recover_after_a_kill, float_a_dock, check_home))

@@ -1,4 +1,4 @@
-"""Readers for the program's files, made from docs/file-formats.md alone."""
+"""Readers for the program's files, written from docs/file-formats.md alone."""
 
 import gzip
 import os

@@ -1,6 +1,6 @@
 """Shared by the tests of the running program: one session of work, and checks of its results.
 
-A session is a Program with a set of page images, the places of its widgets and a results folder.
+A session is a Program with a set of page images, the boxes of its widgets and a results folder.
 """
 
 import os
@@ -10,7 +10,7 @@ import sys
 import tempfile
 import time
 
-from driver import (HIGHLIGHT, Box, Failure, Picture, Program, calm_screen, click, press, run,
+from driver import (HIGHLIGHT, Box, Failure, Picture, Program, stable_screen, click, press, run,
                     wait_until, write)
 
 SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
@@ -71,7 +71,7 @@ def noise_page(folder, seed=1):
 
 
 class Session:
-    """The running program, the places of its widgets, and the page images that a test works with.
+    """The running program, the boxes of its widgets, and the page images that a test works with.
 
     `images` are the paths of the page images. Tests add attributes for the expected document.
     """
@@ -100,17 +100,17 @@ class Session:
                 self.program.process.kill()
                 self.program.process.wait()
 
-    # --- seeing --------------------------------------------------------------------------------
+    # --- looking at the screen -----------------------------------------------------------------
 
     def start(self, *arguments):
         self.program = Program(self.quillet, "Quillet", *arguments)
-        calm_screen()
+        stable_screen()
 
     def shoot(self, name):
         """Takes a screenshot for a person to look at."""
         self.shots += 1
         path = os.path.join(self.results, f"{self.shots:02}-{name}.png")
-        calm_screen()
+        stable_screen()
         run("import", "-silent", "-window", "root", path)
 
     def resource(self, name):
@@ -126,19 +126,19 @@ class Session:
 
         Looks for pieces of the screen in the image.
         """
-        screen, area = calm_screen(), self.view()
+        screen, area = stable_screen(), self.view()
         width = 60
         for y in range(area.top, area.bottom, 3):
             for x in range(area.left, area.right - width, width):
                 piece = screen.row(y, x, x + width)
                 if len(set(piece)) < 20:
                     continue
-                places = list(page.positions(piece))
-                if len(places) == 1:
-                    return x - places[0][0], y - places[0][1]
+                positions = list(page.positions(piece))
+                if len(positions) == 1:
+                    return x - positions[0][0], y - positions[0][1]
         raise Failure("the page is not visible")
 
-    def rows(self, panel):
+    def selected_rows(self, panel):
         """The selected rows of a list, as one box."""
         below = self.boxes["item_add" if panel == "items" else "page_add"]
         left, right = ((self.program.box.left, below.right) if panel == "items"
@@ -146,15 +146,15 @@ class Session:
         area = Box(left, self.program.box.top + 90, right, below.top - 4)
         return wait_until("a selected row", lambda: Picture.of_screen().box_of(HIGHLIGHT, area))
 
-    def page_row(self, place):
-        """Selects a page by its place in the list, with the keyboard; returns the box of its row."""
+    def page_row(self, index):
+        """Selects a page by its index in the list, with the keyboard; returns the box of its row."""
         below = self.boxes["page_add"]
         click((below.centre[0], below.top - 16))
-        press("Home", *["Down"] * place)
-        calm_screen()
-        return self.rows("pages")
+        press("Home", *["Down"] * index)
+        stable_screen()
+        return self.selected_rows("pages")
 
-    # --- doing ---------------------------------------------------------------------------------
+    # --- operating the program -----------------------------------------------------------------
 
     def file_name(self, title, path):
         """Types a path into a file dialog and accepts it."""
@@ -171,7 +171,7 @@ class Session:
         """Clicks a point of a page image, wherever the view shows it."""
         left, top = self.origin(page)
         click((spot[0] + left, spot[1] + top), button)
-        calm_screen()
+        stable_screen()
 
     def spots(self, page, *offsets):
         """Points of a page image, given as offsets from the middle of the view."""
@@ -185,19 +185,19 @@ class Session:
         press("ctrl+a")
         write(text)
         press(*keys)
-        calm_screen()
+        stable_screen()
 
     def choose_border(self, border):
         click(self.boxes["border"])
-        calm_screen()
+        stable_screen()
         press("Home", *["Down"] * BORDERS.index(border), "Return")
-        calm_screen()
+        stable_screen()
 
     def set_slider(self, name, *keys):
         """Moves a slider to its lower end, then presses keys."""
         click(self.boxes[name])
         press("Home", *keys)
-        calm_screen()
+        stable_screen()
 
 
 # --- steps that several tests take ----------------------------------------------------------------
@@ -217,14 +217,14 @@ def import_pages(session):
     session.program.dialog("Import one or more supported image files")
     write(os.path.dirname(session.images[0]))
     press("Return")
-    calm_screen()
+    stable_screen()
     write(" ".join(f'"{os.path.basename(path)}"' for path in session.images))
     session.shoot("import-dialog")
     session.program.answer("Return")
     session.shoot("imported")
 
 
-def learn_places(session):
+def learn_boxes(session):
     """Labels the first page, and walks through all widgets of the window with the Tab key.
 
     The editors of a label can be reached only while a label is selected.
@@ -243,7 +243,7 @@ def learn_places(session):
     session.shoot("first-label")
 
 
-def change_looks(session):
+def change_appearance(session):
     """Sets the size and colour of all labels."""
     session.page_row(0)
     session.set_slider("size", *["Right"] * (NEW_SIZE - SMALLEST_SIZE))
@@ -254,11 +254,11 @@ def change_looks(session):
     write("#%02x%02x%02x" % NEW_COLOUR)
     session.shoot("colour-dialog")
     session.program.answer("Return")
-    session.shoot("new-looks")
+    session.shoot("new-appearance")
 
 
 def save_as(session, path):
-    # Some desktops have no shortcut for it.
+    # On some desktops, Save As has no shortcut.
     session.from_menu(*["Down"] * 4, "Return")
     session.file_name("Save quillet file", path)
 

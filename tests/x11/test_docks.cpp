@@ -38,11 +38,11 @@ private:
         xprop.waitForFinished();
         // Window ids, the lowest window first.
         const QString stack = QString::fromLatin1(xprop.readAllStandardOutput());
-        const auto place = [&stack](const QWidget& widget) {
+        const auto stack_position = [&stack](const QWidget& widget) {
             return stack.indexOf(
                 QRegularExpression(QStringLiteral("0x%1\\b").arg(widget.winId(), 0, 16)));
         };
-        return place(lower) >= 0 && place(upper) > place(lower);
+        return stack_position(lower) >= 0 && stack_position(upper) > stack_position(lower);
     }
 
 private slots:
@@ -54,7 +54,7 @@ private slots:
         qputenv("HOME", QFile::encodeName(d_home->path()));
     }
 
-    void a_first_start_has_three_docks_in_a_window_of_the_usual_size()
+    void a_first_start_has_three_docks_in_a_window_of_the_default_size()
     {
         const auto window = Shown_Window();
         QVERIFY(window);
@@ -67,7 +67,7 @@ private slots:
         }
     }
 
-    void floating_docks_are_restored_to_their_places()
+    void floating_docks_are_restored_to_their_positions()
     {
         {
             const auto window = Shown_Window();
@@ -129,7 +129,7 @@ private slots:
         QVERIFY(window->d_page_dock->isFloating());
     }
 
-    void the_window_is_restored_to_its_place()
+    void the_window_is_restored_to_its_position()
     {
         {
             const auto window = Shown_Window();

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Undoes and redoes steps of all sorts with the keys, and reads the saved document after each.
+"""Undoes and redoes steps of all kinds with the keys, and reads the saved document after each.
 
 Usage: undo.py QUILLET RESULTS
   QUILLET   the program
@@ -8,15 +8,15 @@ Usage: undo.py QUILLET RESULTS
 Run it in an X server with a window manager and an empty home folder (tests/support/with-x-server).
 """
 
-from driver import (HIGHLIGHT, Box, Failure, Picture, calm_screen, click, drag, press,
+from driver import (HIGHLIGHT, Box, Failure, Picture, stable_screen, click, drag, press,
                     wait_until, write)
 from results import Project
 from session import check, close_unchanged, noise_page, run_steps, save_as, start_working
 
 # How many times to press Tab from the page view to a widget while a label is selected.
 TO_VALUE, TO_TEXT, TO_NAME, TO_ADD_PAGE = 4, 5, 8, 9
-WAY = (70, 40)
-# In pixels. A drag starts only after the pointer has moved a little.
+DRAG = (70, 40)
+# In pixels. A drag starts only after the pointer has moved a few pixels.
 TOLERANCE = 2
 
 
@@ -49,7 +49,7 @@ def expect(session, what, document):
 
 
 def shown(session):
-    return calm_screen().cut(session.view())
+    return stable_screen().cut(session.view())
 
 
 def begin(session):
@@ -57,7 +57,7 @@ def begin(session):
     session.empty = shown(session)
     click(session.program.icon(session.resource("menu/file_import.png")))
     session.file_name("Import one or more supported image files", session.images[0])
-    # The one row of the page list.
+    # Selects the only row of the page list.
     press("Tab", "Home", "space")
     wait_until("the page", lambda: shown(session).data != session.empty.data)
 
@@ -69,10 +69,10 @@ def go_to(session, tabs, position):
 
 
 def work(session):
-    """Takes steps of several sorts; records the document at first and after each step."""
+    """Takes steps of several kinds; records the document at first and after each step."""
     page = session.pages[0]
     first, second = session.spots(page, (-120, -60), (40, 80))
-    moved = (first[0] + WAY[0], first[1] + WAY[1])
+    moved = (first[0] + DRAG[0], first[1] + DRAG[1])
     states = [Document(["Page 1"]),
               Document(["Page 1"], (1, "", first)),
               Document(["Page 1"], (1, "", first), (2, "", second)),
@@ -106,7 +106,7 @@ def go_back_and_forth(session):
     with open(session.project_path, "rb") as file:
         saved = file.read()
     press("ctrl+z")
-    calm_screen()
+    stable_screen()
     with open(session.project_path, "rb") as file:
         check("the file after undo", file.read() == saved, True)
     expect(session, "step 5 undone", states[4])
@@ -132,12 +132,12 @@ def type_a_text(session):
     plan, position = states[-1], states[-1].labels[0][2]
     go_to(session, TO_TEXT, position)
     write("draft")
-    before = calm_screen()
+    before = stable_screen()
     press("ctrl+z")
-    if not before.changes(calm_screen(), session.program.box):
+    if not before.changes(stable_screen(), session.program.box):
         raise Failure("the editor does not undo what was typed")
     expect(session, "the document as it was", plan)
-    # A change of the document here would be undone first.
+    # Return must not record a step, since that step would be undone below.
     press("Return")
     expect(session, "no text", plan)
 
