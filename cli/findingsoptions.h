@@ -11,11 +11,11 @@ namespace FindingsOptions {
 /// Declares --findings and --strict.
 void Add(TCommandLine* line);
 
-/// Checks that --strict is not alone and that the table is not the output.
+/// Checks that --strict is used only with --findings, and that the table is not the output.
 void Check(const TCommandLine& line, const QString& output);
 
-/// The labels of a document, joined to the table if there is one. What does not match is a warning;
-/// with --strict it ends in a TReportedError.
+/// The labels of a document, joined to the table if there is one. Prints a warning for each
+/// mismatch; with --strict, any mismatch throws a TReportedError.
 TFindings Load(const TCommandLine& line, const TDocument& document);
 
 } // namespace FindingsOptions

@@ -134,7 +134,7 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
     return outcome != TOutcome::Not_Begun;
 }
 
-/// Asks for a file and writes the web page into it.
+/// Asks for a file name and writes the web page to this file.
 void TQuillet::Export_Web_Page()
 {
     Commit_Editors();

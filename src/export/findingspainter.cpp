@@ -23,7 +23,7 @@
 namespace {
 
 constexpr int font_points = 9;
-constexpr double cell_padding = 3.0; // in pixels of 96 to the inch, as all lengths of a table
+constexpr double cell_padding = 3.0; // in pixels of 1/96 inch, like all lengths of a table
 constexpr double rule_width = 0.5;
 const QColor rule_color(160, 160, 160);
 
@@ -100,7 +100,7 @@ std::vector<std::unique_ptr<QTextDocument>> TListLayout::Documents() const
     return documents;
 }
 
-/// Gives each column the width of its widest text, or a fair share of the room where that is less.
+/// Gives each column the width of its widest text, or a fair share of the area if that is less.
 /// The widest column gets what is left.
 void TListLayout::Set_Widths()
 {
@@ -202,7 +202,7 @@ void TListLayout::Fill_Row(QTextTable* table, int row, const TLine& line)
 std::vector<double> TListLayout::Heights() const
 {
     std::vector<double> heights = Table_Heights({});
-    // The time that a table takes grows faster than its number of rows.
+    // The time to lay out a table grows faster than its number of rows.
     constexpr std::ptrdiff_t lines_at_once = 25;
     auto begin = d_lines.cbegin();
     while (begin != d_lines.cend()) {
@@ -214,7 +214,7 @@ std::vector<double> TListLayout::Heights() const
     return heights;
 }
 
-/// The heights of a table's rows, that of the headings first.
+/// The heights of a table's rows, beginning with the headings.
 std::vector<double> TListLayout::Table_Heights(const TLines& lines) const
 {
     // Without a page height a document does not break pages.
@@ -243,7 +243,7 @@ std::vector<TListLayout::TLines> TListLayout::Pages() const
         const bool is_name = d_lines[place].is_page_name;
         if (is_name)
             name = place;
-        // A name stays with the first row below it.
+        // A name stays on the same page as the first row below it.
         const double needed = heights[place + 1] + (is_name ? heights[place + 2] : 0.0);
         if (height + needed > d_room.height() && !pages.back().empty()) {
             pages.emplace_back();

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// What rows and labels are matched by: page number and label value.
+/// The key by which rows and labels are matched: page number and label value.
 using TKey = QPair<int, int>;
 
 /// Joins a table to labels.
@@ -27,25 +27,25 @@ public:
         : d_table(table)
         , d_is_used(table.rows.size(), false)
     {
-        for (std::size_t place = 0; place < table.rows.size(); ++place)
-            d_places[{table.rows[place].page, table.rows[place].value}].push_back(place);
+        for (std::size_t index = 0; index < table.rows.size(); ++index)
+            d_rows[{table.rows[index].page, table.rows[index].value}].push_back(index);
     }
 
     /// Gives the labels of a page their cells.
     void Join_Page(TFindingsPage* page);
-    /// Warns of the rows that no label got.
+    /// Adds a warning for each row that no label uses.
     /// @param page_count  of the document.
     void Report_Unused_Rows(int page_count);
 
     QStringList Warnings() const { return d_warnings; }
 
 private:
-    QStringList Cells(const TKey& key, int place);
+    QStringList Cells(const TKey& key, int index);
     QString Unused_Row_Text(const TFindingsRow& row, int page_count) const;
 
     const TFindingsTable& d_table;
-    QHash<TKey, std::vector<std::size_t>> d_places; ///< of rows in the table
-    std::vector<bool> d_is_used;                    ///< for each row of the table
+    QHash<TKey, std::vector<std::size_t>> d_rows; ///< indexes in the table
+    std::vector<bool> d_is_used;                  ///< for each row of the table
     QHash<TKey, int> d_label_counts;
     QStringList d_warnings;
 };
@@ -55,7 +55,7 @@ void TJoin::Join_Page(TFindingsPage* page)
     for (TFinding& finding : page->rows) {
         const TKey key(page->number, finding.label.value);
         finding.cells = Cells(key, d_label_counts[key]++);
-        // The second label reports for all that follow.
+        // Report it once, for the second label.
         if (d_label_counts[key] == 2)
             d_warnings += tr("page %1: several labels have the number %2")
                               .arg(page->number)
@@ -64,26 +64,26 @@ void TJoin::Join_Page(TFindingsPage* page)
 }
 
 /// The cells of a label.
-/// @param place  among the labels with the same key, from 0.
-QStringList TJoin::Cells(const TKey& key, int place)
+/// @param index  among the labels with the same key, from 0.
+QStringList TJoin::Cells(const TKey& key, int index)
 {
-    const std::vector<std::size_t> places = d_places.value(key);
-    if (places.empty()) {
+    const std::vector<std::size_t> rows = d_rows.value(key);
+    if (rows.empty()) {
         d_warnings += tr("page %1: label %2 has no row").arg(key.first).arg(key.second);
         QStringList empty;
         std::fill_n(std::back_inserter(empty), d_table.headings.size(), QString());
         return empty;
     }
-    const std::size_t row = places[std::min(static_cast<std::size_t>(place), places.size() - 1)];
+    const std::size_t row = rows[std::min(static_cast<std::size_t>(index), rows.size() - 1)];
     d_is_used[row] = true;
     return d_table.rows[row].cells;
 }
 
 void TJoin::Report_Unused_Rows(int page_count)
 {
-    for (std::size_t place = 0; place < d_table.rows.size(); ++place) {
-        if (!d_is_used[place])
-            d_warnings += Unused_Row_Text(d_table.rows[place], page_count);
+    for (std::size_t index = 0; index < d_table.rows.size(); ++index) {
+        if (!d_is_used[index])
+            d_warnings += Unused_Row_Text(d_table.rows[index], page_count);
     }
 }
 

@@ -26,11 +26,11 @@ struct TFindingsPage
     QString name;   ///< may be empty
     std::vector<TFinding> rows;
 
-    /// The name; "Page 3" for a page without one.
+    /// The name, or "Page 3" for a page without one.
     QString Title() const;
 };
 
-/// The list of findings: every label of a document in document order, and the cells that a table
+/// The list of findings: every label of a document in document order, with the cells that a table
 /// adds. A plain value.
 struct TFindings
 {
@@ -39,7 +39,7 @@ struct TFindings
 
     /// Number of labels.
     int Count() const;
-    /// Whether a label has a text. A list of labels without any needs no column for it.
+    /// Whether any label has a text. Otherwise the list needs no column for texts.
     bool Has_Texts() const;
 };
 
@@ -50,7 +50,8 @@ namespace Findings {
 TFindings Of(const TData& data, const std::vector<TNamedPage>& pages);
 
 /// Adds the headings and cells of a table. Rows and labels are matched by page number and label
-/// value. Labels with the same value get the rows in order; the last row serves those left over.
+/// value. Labels with the same value get the rows in order; if there are too few rows, the
+/// remaining labels get the last one.
 /// @return a warning for each row without a label, each label without a row, and each value that a
 /// page has more than once.
 QStringList Join(const TFindingsTable& table, TFindings* findings);

@@ -7,59 +7,59 @@
 
 namespace {
 
-/// Makes rows of records.
+/// Converts records to rows.
 class TTableReader
 {
     Q_DECLARE_TR_FUNCTIONS(FindingsTable)
 
 public:
-    /// @throws TCsvException unless the record names page and value and no column twice.
+    /// @throws TCsvException if page or value is missing or a column is repeated.
     explicit TTableReader(const TCsvRecord& header);
 
     QStringList Headings() const { return d_headings; }
     TFindingsRow Row(const TCsvRecord& record) const;
 
 private:
-    static int Place(const TCsvRecord& header, const QString& name);
-    static int Integer(const TCsvRecord& record, int place, const QString& complaint);
+    static int Index(const TCsvRecord& header, const QString& name);
+    static int Integer(const TCsvRecord& record, int index, const QString& complaint);
     void Check_Fields(const TCsvRecord& record) const;
 
     int d_field_count;
-    int d_page_place;
-    int d_value_place;
+    int d_page_index;
+    int d_value_index;
     QStringList d_headings;
-    std::vector<int> d_places;         ///< of the headings in a record
-    std::vector<int> d_unnamed_places; ///< of the columns without a name
+    std::vector<int> d_indexes;         ///< of the headings in a record
+    std::vector<int> d_unnamed_indexes; ///< of the columns without a name
 };
 
 TTableReader::TTableReader(const TCsvRecord& header)
     : d_field_count(header.fields.size())
-    , d_page_place(Place(header, QStringLiteral("page")))
-    , d_value_place(Place(header, QStringLiteral("value")))
+    , d_page_index(Index(header, QStringLiteral("page")))
+    , d_value_index(Index(header, QStringLiteral("value")))
 {
-    for (int place = 0; place < d_field_count; ++place) {
-        const QString name = header.fields.at(place).trimmed();
+    for (int index = 0; index < d_field_count; ++index) {
+        const QString name = header.fields.at(index).trimmed();
         if (name.isEmpty()) {
-            d_unnamed_places.push_back(place);
+            d_unnamed_indexes.push_back(index);
         } else if (!ItemTable::Columns().contains(name, Qt::CaseInsensitive)) {
             if (d_headings.contains(name))
                 throw TCsvException(tr("there are two columns \"%1\"").arg(name), header.line);
             d_headings += name;
-            d_places.push_back(place);
+            d_indexes.push_back(index);
         }
     }
 }
 
-/// The place of a required column.
-int TTableReader::Place(const TCsvRecord& header, const QString& name)
+/// The index of a required column.
+int TTableReader::Index(const TCsvRecord& header, const QString& name)
 {
     int found = -1;
-    for (int place = 0; place < header.fields.size(); ++place) {
-        if (header.fields.at(place).trimmed().compare(name, Qt::CaseInsensitive) != 0)
+    for (int index = 0; index < header.fields.size(); ++index) {
+        if (header.fields.at(index).trimmed().compare(name, Qt::CaseInsensitive) != 0)
             continue;
         if (found >= 0)
             throw TCsvException(tr("there are two columns \"%1\"").arg(name), header.line);
-        found = place;
+        found = index;
     }
     if (found < 0)
         throw TCsvException(tr("there is no column \"%1\"").arg(name), header.line);
@@ -72,22 +72,22 @@ TFindingsRow TTableReader::Row(const TCsvRecord& record) const
     const QString page_complaint = tr("\"%1\" is not a page number");
     TFindingsRow row;
     row.line = record.line;
-    row.page = Integer(record, d_page_place, page_complaint);
+    row.page = Integer(record, d_page_index, page_complaint);
     if (row.page < 1)
-        throw TCsvException(page_complaint.arg(record.fields.at(d_page_place)), record.line);
-    row.value = Integer(record, d_value_place, tr("\"%1\" is not a whole number"));
-    for (const int place : d_places) {
-        QString cell = record.fields.at(place);
+        throw TCsvException(page_complaint.arg(record.fields.at(d_page_index)), record.line);
+    row.value = Integer(record, d_value_index, tr("\"%1\" is not a whole number"));
+    for (const int index : d_indexes) {
+        QString cell = record.fields.at(index);
         cell.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
         row.cells += cell.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     }
     return row;
 }
 
-int TTableReader::Integer(const TCsvRecord& record, int place, const QString& complaint)
+int TTableReader::Integer(const TCsvRecord& record, int index, const QString& complaint)
 {
     bool is_number = false;
-    const QString field = record.fields.at(place);
+    const QString field = record.fields.at(index);
     const int number = field.trimmed().toInt(&is_number);
     if (!is_number)
         throw TCsvException(complaint.arg(field), record.line);
@@ -100,10 +100,10 @@ void TTableReader::Check_Fields(const TCsvRecord& record) const
         throw TCsvException(
             tr("%1 fields, but there are %2 columns").arg(record.fields.size()).arg(d_field_count),
             record.line);
-    for (const int place : d_unnamed_places) {
-        if (!record.fields.at(place).isEmpty())
+    for (const int index : d_unnamed_indexes) {
+        if (!record.fields.at(index).isEmpty())
             throw TCsvException(
-                tr("\"%1\" is in a column without a name").arg(record.fields.at(place)),
+                tr("\"%1\" is in a column without a name").arg(record.fields.at(index)),
                 record.line);
     }
 }
@@ -116,7 +116,7 @@ TFindingsTable TFindingsTable::Read(const QByteArray& table)
     const TTableReader reader(records.front());
     TFindingsTable result;
     result.headings = reader.Headings();
-    for (std::size_t place = 1; place < records.size(); ++place)
-        result.rows.push_back(reader.Row(records[place]));
+    for (std::size_t index = 1; index < records.size(); ++index)
+        result.rows.push_back(reader.Row(records[index]));
     return result;
 }

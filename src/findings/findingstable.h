@@ -14,16 +14,16 @@ struct TFindingsRow
     int line = 1;      ///< of the table, from 1: where the record begins
 };
 
-/// A table that says more about labels. A plain value.
+/// A table with further information about labels. A plain value.
 struct TFindingsTable
 {
     QStringList headings;
     std::vector<TFindingsRow> rows;
 
-    /// Reads a table in comma-separated values, such as ItemTable writes with columns added. The
-    /// columns page and value are required; they and the other columns of ItemTable are found in
-    /// upper or lower case. Every further column becomes a heading. Line breaks in cells become
-    /// LF. A column without a name has to be empty.
+    /// Reads a table in comma-separated values, for example one by ItemTable with added columns.
+    /// The columns page and value are required. Their names and those of the other columns of
+    /// ItemTable may be in upper or lower case. Every further column becomes a heading. Line breaks
+    /// in cells become LF. A column without a name must be empty.
     /// @throws TCsvException
     static TFindingsTable Read(const QByteArray& table);
 };

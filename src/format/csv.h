@@ -41,7 +41,7 @@ namespace Csv {
 /// @throws TCsvException
 std::vector<TCsvRecord> Read(const QByteArray& table);
 
-/// Fields as a line, with quotes where they are needed and CR LF at its end.
+/// Returns fields as a line that ends with CR LF, quoted where necessary.
 QString Line(const QStringList& fields);
 
 } // namespace Csv

@@ -35,7 +35,7 @@ QStringList Columns();
 QString Border_Text(int code);
 
 /// Writes a table with a header record; every line ends with CR LF. Coordinates have as many digits
-/// as are needed to read the same number back.
+/// as needed to read back the same number.
 /// @param headings  of the rows' further cells.
 QByteArray Write(const std::vector<TItemRow>& rows, const QStringList& headings = {});
 

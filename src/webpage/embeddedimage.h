@@ -5,7 +5,7 @@
 #include <QByteArray>
 #include <QSize>
 
-/// A page image as a web page embeds it: as it is stored where browsers read its format, else as
+/// A page image as a web page embeds it: in the stored format if browsers can read it, otherwise as
 /// PNG.
 class TEmbeddedImage
 {
@@ -22,6 +22,6 @@ public:
 
 private:
     TPageImage d_image;
-    QByteArray d_stored_format; ///< one that browsers read; otherwise empty
+    QByteArray d_stored_format; ///< empty if browsers cannot read it
     QSize d_size;
 };

@@ -11,7 +11,7 @@ using Markup::Number;
 
 namespace {
 
-/// A code that has a border of its own, or none.
+/// The code, or that of no border if it has no border.
 int Drawn_Border(int border_type)
 {
     return Is_Border_Type(border_type) ? border_type : No_Border;

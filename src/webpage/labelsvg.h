@@ -13,14 +13,14 @@ struct TAppearance;
 struct TFinding;
 struct TFindingsPage;
 
-/// Draws labels in SVG, with the shapes, places and sizes of LabelPainter. A thin light outline
+/// Draws labels in SVG, with the shapes, positions and sizes of LabelPainter. A thin light outline
 /// keeps them readable on dark pictures.
 class TLabelSvg
 {
 public:
     explicit TLabelSvg(const TAppearance& appearance);
 
-    /// Definitions of the borders, to which the labels refer. Needed once in a file.
+    /// Definitions of the borders, to which the labels refer. A file needs them once.
     QString Definitions() const;
 
     /// A label as a link to its row.
@@ -28,12 +28,11 @@ public:
     /// @param title   its tool tip and name, in plain text.
     QString Label(const TFinding& finding, int number, const QString& title) const;
 
-    /// What a page shows, in pixels of its image: the image with all labels, as exported pictures
-    /// do, or the image alone where that would be more than TPageImage::Maximum_Pixels.
+    /// The area that a page shows, in pixels of its image: the image and all labels, like an
+    /// exported picture, or the image alone if that exceeds TPageImage::Maximum_Pixels.
     QRectF Sheet(const QSize& image, const TFindingsPage& page) const;
 
-    /// Whether a label is on its sheet, at least in part. One without finite coordinates is on
-    /// none.
+    /// Whether at least a part of a label is on its sheet. Never if its coordinates are not finite.
     bool Is_On(const QRectF& sheet, const TFinding& finding) const;
 
 private:

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Pieces of HTML.
+/// Conversion of texts and numbers to HTML.
 namespace Markup {
 
 /// A text as HTML, for content and quoted attributes. Characters that HTML does not allow become

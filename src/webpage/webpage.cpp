@@ -59,7 +59,7 @@ class TWriter
 public:
     TWriter(const TWebPage& page, QIODevice* device);
 
-    /// False when the device did not take all.
+    /// Returns false if the device did not accept everything.
     bool Write(const TStepReport& report);
 
 private:

@@ -34,12 +34,12 @@ namespace WebPage {
 TWebPage Of(const TData& data, const TAppearance& appearance, const TFindings& findings,
             const QString& title);
 
-/// Writes the web page; false when the device does not take all of it. Needs a QGuiApplication,
-/// since it measures texts.
+/// Writes the web page; false when the device does not accept all of it. Needs a QGuiApplication to
+/// measure texts.
 /// @param report  called before each page; may be empty.
 bool Write(const TWebPage& page, const TStepReport& report, QIODevice* device);
 
-/// Replaces a file by the web page; false leaves it as it was.
+/// Replaces a file with the web page. On failure, returns false and the file is unchanged.
 bool Save(const TWebPage& page, const TStepReport& report, const QString& path);
 
 } // namespace WebPage

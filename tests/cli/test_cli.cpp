@@ -323,7 +323,7 @@ private slots:
 
     void a_failed_overwrite_names_the_complete_new_file()
     {
-        // A file with two names is overwritten, which the system refuses while it runs as a
+        // A file with two hard links is overwritten, which the system refuses while it runs as a
         // program.
         const QString out = QDir(QDir(d_folder->path()).canonicalPath()).filePath("out");
         QVERIFY(QFile::copy("/bin/sleep", out));

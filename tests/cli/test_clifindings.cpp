@@ -38,7 +38,7 @@ QByteArray Project(const QList<QByteArray>& pages)
     return project;
 }
 
-/// A report without the lines that hold its date.
+/// A report without the lines that contain its date.
 QByteArray Without_Date(const QByteArray& pdf)
 {
     QList<QByteArray> lines = pdf.split('\n');
@@ -87,7 +87,7 @@ private slots:
         Do({"export-items", "a.quillet", "--csv", "out.csv", "--findings", "t.csv"});
         QCOMPARE(Content("out.csv"), QByteArray("page,value,text,border,x,y,Finding\r\n"
                                                 "1,7,x,ellipse,20,20,\"a\nb\"\r\n"));
-        // The table that comes out can go in again.
+        // The exported table can be used as input.
         Do({"export-items", "a.quillet", "--csv", "again.csv", "--findings", "out.csv"});
         QCOMPARE(Content("again.csv"), Content("out.csv"));
     }

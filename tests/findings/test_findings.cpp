@@ -49,7 +49,7 @@ QStringList Describe(const TFindings& findings)
     return lines;
 }
 
-/// Line and message of what reading throws; empty when it does not.
+/// Line and message of the exception that reading throws; empty without an exception.
 QString Refusal(const QByteArray& table)
 {
     try {

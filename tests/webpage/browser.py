@@ -24,7 +24,7 @@ import chromium
 TOOL, SCREENSHOTS = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
 ATTACK = "<script>alert(1)<b> '&amp;\""
 LABEL_SIZE = 32
-PATIENCE_SECONDS = 20
+TIMEOUT_SECONDS = 20
 
 # Page, value, text, border, x, y. Labels are far enough apart to be compared one by one.
 LABELS = [
@@ -184,7 +184,7 @@ class TestWebPage(unittest.TestCase):
         """Waits until an element is within the window and, if it scrolls, within its panel."""
         source = """const box = document.querySelector(arguments[0]).getBoundingClientRect();
                     return box.top >= 0 && box.bottom <= innerHeight && box.height > 0"""
-        WebDriverWait(self.browser, PATIENCE_SECONDS).until(lambda _: self.script(source, selector))
+        WebDriverWait(self.browser, TIMEOUT_SECONDS).until(lambda _: self.script(source, selector))
 
     def assert_chosen(self, number):
         self.assertEqual(self.ids(".chosen"), [f"row-{number}"])
@@ -340,7 +340,7 @@ class TestWebPage(unittest.TestCase):
         self.show(1200, 500)
         self.find(".thumbnail[href='#page-2']").click()
         self.wait_until_visible("#title-2")
-        WebDriverWait(self.browser, PATIENCE_SECONDS).until(
+        WebDriverWait(self.browser, TIMEOUT_SECONDS).until(
             lambda _: self.script("return document.querySelector('.thumbnail[aria-current]').hash") == "#page-2")
 
     def test_nothing_is_requested(self):
