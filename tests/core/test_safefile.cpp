@@ -369,7 +369,7 @@ void TestSafeFile::the_visible_file_has_a_number_up_to_100()
 {
     QFETCH(int, count);
     QFETCH(bool, is_replaced);
-    Write_File_With_Two_Names("file");
+    Write_File_With_Two_Hard_Links("file");
     Write_File(In("file.new"), "of the user");
     for (int number = 2; number <= count; ++number)
         Write_File(In("file.new-" + QString::number(number)), "of the user");

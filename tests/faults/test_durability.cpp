@@ -620,16 +620,16 @@ void TestDurability::a_failing_close_fails_the_sync()
 
 void TestDurability::a_file_that_need_not_reach_the_disk_is_not_synced_data()
 {
-    QTest::addColumn<bool>("has_two_names");
+    QTest::addColumn<bool>("has_two_hard_links");
     QTest::newRow("replaced") << false;
     QTest::newRow("overwritten") << true;
 }
 
 void TestDurability::a_file_that_need_not_reach_the_disk_is_not_synced()
 {
-    QFETCH(bool, has_two_names);
+    QFETCH(bool, has_two_hard_links);
     const QString document = In("documents/a.quillet");
-    if (has_two_names)
+    if (has_two_hard_links)
         link(QFile::encodeName(document).constData(),
              QFile::encodeName(In("documents/link")).constData());
     TSafeFile target(document);

@@ -319,7 +319,7 @@ void TestDocumentStep::a_label_that_changes_back_is_compared_with_the_others()
     const auto is_void_after = [&](int id, int value) {
         d_data->Change_Item_Value(id, value);
         step.Close(*d_data);
-        return step.Is_Void(*d_data, {});
+        return step.Is_No_Op(*d_data, {});
     };
     QVERIFY(!is_void_after(13, 9));
     QVERIFY(!is_void_after(11, 9));

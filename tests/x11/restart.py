@@ -112,7 +112,7 @@ def recover_after_a_kill(session):
     session.shoot("recovered-work")
     # Only the zoom comes after the buttons of the notice.
     press("shift+Tab", "shift+Tab", "shift+Tab", "space")
-    calm_screen()
+    stable_screen()
     session.shoot("recovered-work-opened")
     check("unchanged before saving", Project(session.project_path).pages[PAGE]["labels"], saved)
     press("ctrl+s")
