@@ -5,8 +5,8 @@
 
 #include <optional>
 
-/// Detects documents that are small to store but ruinous to parse, before the DOM parser reads
-/// them.
+/// Detects small documents that would take too much time or memory to parse, or crash the parser,
+/// before the DOM parser reads them.
 ///
 /// Qt's DOM parser limits the length of an expanded entity and loads no external ones. But it
 /// recurses once per nesting level until the stack overflows, expands a long entity at every

@@ -4,7 +4,8 @@
 
 namespace {
 
-/// Whether two coordinates are the same number, or both not a number. QPointF compares loosely.
+/// Whether two coordinates are the same number, or both not a number. Comparing QPointF would
+/// ignore small differences.
 bool Is_Same(double left, double right)
 {
     return left == right ? std::signbit(left) == std::signbit(right)

@@ -54,8 +54,8 @@ QString TFindingsList::Page(const TFindingsPage& page, int first_number,
                        .arg(columns)
                        .arg(page.number) +
                    Escaped(page.Title()) + QStringLiteral("</a></th></tr>\n");
-    for (std::size_t place = 0; place < page.rows.size(); ++place)
-        body += Row(page.rows[place], first_number + static_cast<int>(place), is_on_sheet[place]);
+    for (std::size_t index = 0; index < page.rows.size(); ++index)
+        body += Row(page.rows[index], first_number + static_cast<int>(index), is_on_sheet[index]);
     return body + QStringLiteral("</tbody>\n");
 }
 

@@ -106,7 +106,7 @@ private slots:
     void versions_are_decimal();
     void identification_and_doctype_are_stored_before_a_missing_version_fails();
     void the_doctype_is_stored();
-    void ruinous_documents_are_parse_errors();
+    void documents_that_are_too_costly_to_parse_are_parse_errors();
     void characters_that_xml_does_not_allow_are_parse_errors_data();
     void characters_that_xml_does_not_allow_are_parse_errors();
     void characters_beyond_16_bits_are_read_back();
@@ -474,7 +474,7 @@ void TestXmlFile::the_doctype_is_stored()
     QCOMPARE(file.d_doctype_name, QStringLiteral("Kind"));
 }
 
-void TestXmlFile::ruinous_documents_are_parse_errors()
+void TestXmlFile::documents_that_are_too_costly_to_parse_are_parse_errors()
 {
     const QByteArray deep = QByteArray("<R>").repeated(1000000);
     TXmlFile file;

@@ -85,8 +85,8 @@ class TestXmlGuard : public QObject
     Q_OBJECT
 
 private slots:
-    void ruinous_documents_are_refused_data();
-    void ruinous_documents_are_refused();
+    void documents_that_are_too_costly_to_parse_are_refused_data();
+    void documents_that_are_too_costly_to_parse_are_refused();
     void ordinary_documents_are_accepted_data();
     void ordinary_documents_are_accepted();
     void only_characters_that_xml_allows_are_text_data();
@@ -102,7 +102,7 @@ private slots:
     void other_encodings_are_read();
 };
 
-void TestXmlGuard::ruinous_documents_are_refused_data()
+void TestXmlGuard::documents_that_are_too_costly_to_parse_are_refused_data()
 {
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QString>("message");
@@ -232,7 +232,7 @@ void TestXmlGuard::ruinous_documents_are_refused_data()
         << entities;
 }
 
-void TestXmlGuard::ruinous_documents_are_refused()
+void TestXmlGuard::documents_that_are_too_costly_to_parse_are_refused()
 {
     QFETCH(QByteArray, data);
     QFETCH(QString, message);

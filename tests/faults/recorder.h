@@ -12,10 +12,10 @@ namespace Recorder {
 /// Whether a path does not exist yet and its creation will be recorded.
 bool Is_New(const char* path);
 
-/// A file was opened. To be called only for successful calls, like all other functions.
+/// The functions below record a call that succeeded. This one: a file was opened.
 void Opened(int descriptor, int flags, bool is_new);
 /// Bytes were written.
-/// @param place  where they begin; negative: before the current position.
+/// @param place  offset of the first byte; if negative, the bytes end at the current position.
 void Wrote(int descriptor, ssize_t size, off64_t place = -1);
 void Truncated(int descriptor, off64_t size);
 void Synced(int descriptor);

@@ -202,7 +202,7 @@ void TestKilledWork::a_document_on_another_file_system_is_recovered()
     Killed(document, [](TOpenWindow* window) {
         for (int edit = 0; edit < 2; ++edit) {
             Edit(window);
-            // Copies what it cannot link after a rest.
+            // After a pause, the program copies the document, because it cannot link it.
             QTest::qWait(400);
         }
     });
@@ -264,7 +264,7 @@ void TestKilledWork::a_document_that_was_overwritten_while_open_is_recovered_aft
 void TestKilledWork::a_document_that_was_lost_with_its_protection_keeps_the_labels()
 {
     Killed(Document(), [](TOpenWindow* window) {
-        // A change on each page, so that the work has all labels.
+        // A change on each page, so that the log contains all labels.
         for (const int page_id : window->d_page_widget->Page_Ids()) {
             window->d_page_widget->Set_Active_Page(page_id);
             Edit(window);
@@ -284,7 +284,8 @@ void TestKilledWork::the_backup_that_unsaved_work_refers_to_may_be_deleted()
 {
     Killed(Document(), [this](TOpenWindow* window) {
         Edit(window);
-        // The save makes the opened file the backup, and is left incomplete.
+        // The save turns the opened file into the backup. Then it fails, because the file size is
+        // limited.
         Support::Limit_File_Size(100);
         window->File_Save();
         const QString backup = TBackup(Settings() + "/backup").Path_For(Document());

@@ -73,7 +73,7 @@ QByteArray Encoded(const QImage& image, const char* format)
     return bytes;
 }
 
-/// Refuses what goes beyond a size.
+/// Refuses to store more than a number of bytes.
 class TSmallDevice : public QBuffer
 {
 protected:
@@ -102,8 +102,8 @@ private slots:
         const QString html = Written(page);
         QCOMPARE(html.count("<script"), 1);
         QCOMPARE(html.count("alert('\""), 0);
-        // Title twice, subtitle, name of the page three times, text and cell in tool tip and row,
-        // heading. The label itself shows "*" for a long text.
+        // The text occurs in: title twice, subtitle, name of the page three times, text and cell in
+        // tool tip and row, heading. The label itself shows "*" for a long text.
         QCOMPARE(html.count("&lt;script&gt;alert('&quot;&amp;')&lt;/script&gt;"), 11);
     }
 
@@ -241,14 +241,14 @@ private slots:
         QCOMPARE(steps, QStringList({"1/2", "2/2"}));
     }
 
-    void a_device_that_does_not_take_all_is_a_failure()
+    void a_device_that_accepts_only_a_part_is_a_failure()
     {
         TSmallDevice device;
         device.open(QIODevice::WriteOnly);
         QVERIFY(!WebPage::Write(Page({{"a", Support::Picture(400, 400), {}}}), nullptr, &device));
     }
 
-    void a_file_that_cannot_be_written_whole_stays_as_it_was()
+    void a_file_that_cannot_be_written_completely_is_unchanged()
     {
         QTemporaryDir folder;
         const QString path = folder.filePath("a.html");
