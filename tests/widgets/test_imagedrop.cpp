@@ -74,8 +74,12 @@ bool TestImageDrop::Drop(QWidget* on, const QStringList& paths, Qt::DropActions 
     QApplication::sendEvent(on, &enter);
     QDragMoveEvent move(place, actions, &dragged, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(on, &move);
-    if (!enter.isAccepted() || !move.isAccepted())
+    if (!enter.isAccepted() || !move.isAccepted()) {
+        // Qt keeps a pointer to the target until the drag ends.
+        QDragLeaveEvent leave;
+        QApplication::sendEvent(on, &leave);
         return false;
+    }
     QDropEvent drop(place, actions, &dragged, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(on, &drop);
     return drop.isAccepted() && drop.dropAction() == Qt::CopyAction;
@@ -109,7 +113,9 @@ void TestImageDrop::drags_without_images_are_left_to_the_widget()
     dragged.setText("text");
     QDragEnterEvent enter(QPoint(2, 2), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(d_editor, &enter);
-    QVERIFY(enter.isAccepted());
+    QDropEvent drop(QPointF(2, 2), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(d_editor, &drop);
+    QCOMPARE(d_editor->text(), QString("text"));
     QVERIFY(d_dropped.isEmpty());
 }
 
