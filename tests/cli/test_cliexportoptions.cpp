@@ -307,7 +307,7 @@ private slots:
                  qPrintable(Texts("a.pdf").first()));
     }
 
-    void without_a_footer_the_picture_gets_its_room()
+    void without_a_footer_there_is_neither_text_nor_page_number()
     {
         Do("export-pdf a.quillet --output a.pdf --no-footer");
         QCOMPARE(Texts("a.pdf").size(), 3);

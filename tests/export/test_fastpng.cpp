@@ -24,18 +24,20 @@ QImage Clean_Page()
     return page;
 }
 
-/// The same page with grain on every pixel.
+/// The same page on paper that is darker towards one corner, with grain on every pixel.
 QImage Scanned_Page()
 {
     QImage page = Clean_Page();
     std::minstd_rand random(1);
     constexpr int grain = 12;
+    constexpr int shade_width = 20; // pixels
     for (int y = 0; y < page.height(); ++y) {
         for (int x = 0; x < page.width(); ++x) {
-            const QRgb pixel = page.pixel(x, y);
+            const int shade = (x + y) / shade_width;
             const auto darker = [&](int channel) {
-                return qMax(0, channel - static_cast<int>(random() % grain));
+                return qMax(0, channel - shade - static_cast<int>(random() % grain));
             };
+            const QRgb pixel = page.pixel(x, y);
             page.setPixel(x, y,
                           qRgb(darker(qRed(pixel)), darker(qGreen(pixel)), darker(qBlue(pixel))));
         }

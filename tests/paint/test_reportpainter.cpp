@@ -206,6 +206,28 @@ private slots:
         QCOMPARE(Support::Difference(drawn, expected), QString());
     }
 
+    void without_a_footer_the_picture_has_its_room()
+    {
+        QImage drawn = Blank();
+        QPainter device(&drawn);
+        TReportFooter footer;
+        const QRect with_footer =
+            TReportPainter(&device, 1, QString(), QString(), page, footer).Room();
+        footer.is_drawn = false;
+        TReportPainter report(&device, 1, QString(), QString(), page, footer);
+        QCOMPARE(with_footer.bottom(), Lines(0).fy - 2);
+        QCOMPARE(report.Room().bottom(), edge_bottom - 2);
+        QCOMPARE(report.Room().topRight(), with_footer.topRight());
+        report.Draw_Frame(1);
+        device.end();
+        // Below the lower rule there is nothing.
+        QCOMPARE(drawn.pixelColor(edge_left, edge_bottom - 1), QColor(Qt::black));
+        for (int y = edge_bottom; y < drawn.height(); ++y) {
+            for (int x = 0; x < drawn.width(); ++x)
+                QCOMPARE(drawn.pixelColor(x, y), QColor(Qt::white));
+        }
+    }
+
     void a_further_page_moves_only_the_outer_edges()
     {
         // 390 x 590 at (5, 5) has margins of 35 and 26: 5 + 35 = 40, 394 - 35 = 359 and
