@@ -151,11 +151,6 @@ qint64 TStatement::Integer(int column) const
     return sqlite3_column_int64(d_statement, column);
 }
 
-double TStatement::Real(int column) const
-{
-    return sqlite3_column_double(d_statement, column);
-}
-
 QByteArray TStatement::Bytes(int column) const
 {
     const void* const bytes = sqlite3_column_blob(d_statement, column);
@@ -179,11 +174,6 @@ bool TStatement::Bind(int parameter, std::nullptr_t)
 bool TStatement::Bind(int parameter, qint64 value)
 {
     return sqlite3_bind_int64(d_statement, parameter, value) == SQLITE_OK;
-}
-
-bool TStatement::Bind(int parameter, double value)
-{
-    return sqlite3_bind_double(d_statement, parameter, value) == SQLITE_OK;
 }
 
 bool TStatement::Bind(int parameter, const QByteArray& value)

@@ -98,7 +98,6 @@ public:
     // Values of the row, by column.
     bool Is_Null(int column) const;
     qint64 Integer(int column) const;
-    double Real(int column) const;
     QByteArray Bytes(int column) const;
     QString Text(int column) const; ///< as stored by this class
 
@@ -107,7 +106,6 @@ private:
     bool Bind(int parameter, qint64 value);
     bool Bind(int parameter, int value) { return Bind(parameter, qint64{value}); }
     bool Bind(int parameter, quint64 value) { return Bind(parameter, static_cast<qint64>(value)); }
-    bool Bind(int parameter, double value);
     bool Bind(int parameter, const QByteArray& value);
     bool Bind(int parameter, const QString& value);
     bool Bind_Blob(int parameter, const void* bytes, qint64 size);

@@ -11,7 +11,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <limits>
 
 namespace {
 
@@ -46,12 +45,6 @@ int Commits(const QString& path)
             ++commits;
     }
     return commits;
-}
-
-/// A coordinate. SQLite stores NaN as null.
-double Coordinate(const TStatement& query, int column)
-{
-    return query.Is_Null(column) ? std::numeric_limits<double>::quiet_NaN() : query.Real(column);
 }
 
 } // namespace
@@ -165,14 +158,11 @@ std::optional<QByteArray> TLogReader::Items(const TLoggedPage& page, const TPage
 
 std::vector<TDataItem> TLogReader::Labels(int page_id)
 {
-    TStatement query(&d_database, "SELECT label_id, value, text, border, x, y FROM labels"
-                                  " WHERE page_id=? ORDER BY rank");
+    TStatement query(&d_database, "SELECT bytes FROM labels WHERE page_id=? ORDER BY first");
     query.Start(page_id);
     std::vector<TDataItem> items;
     while (query.Next())
-        items.push_back({static_cast<int>(query.Integer(0)), static_cast<int>(query.Integer(1)),
-                         query.Text(2), static_cast<int>(query.Integer(3)),
-                         QPointF(Coordinate(query, 4), Coordinate(query, 5)), false});
+        d_is_whole = LogSchema::Decode_Labels(query.Bytes(0), &items) && d_is_whole;
     End(query);
     return items;
 }

@@ -1,5 +1,11 @@
 #pragma once
 
+#include "src/model/pageitem.h"
+
+#include <QByteArray>
+
+#include <vector>
+
 /// Layout of a work log, which docs/file-formats.md describes.
 namespace LogSchema {
 
@@ -16,7 +22,20 @@ constexpr const char* Tables =
     " length INTEGER, ends BLOB);"
     "CREATE TABLE pages(page_id INTEGER PRIMARY KEY, position INTEGER, name BLOB,"
     " image_id INTEGER, items_offset INTEGER, items_length INTEGER);"
-    "CREATE TABLE labels(page_id INTEGER, label_id INTEGER, rank INTEGER, value INTEGER,"
-    " text BLOB, border INTEGER, x REAL, y REAL, PRIMARY KEY(page_id, label_id)) WITHOUT ROWID;";
+    "CREATE TABLE labels(page_id INTEGER, first INTEGER, bytes BLOB,"
+    " PRIMARY KEY(page_id, first)) WITHOUT ROWID;";
+
+/// Number of labels in a row of the table of labels. With one label a row, renumbering a large
+/// document would write too many rows; with one page a row, changing one of ten thousand labels
+/// would write too many bytes.
+constexpr std::size_t Labels_Per_Row = 64;
+
+/// Encodes the labels from `first` to `last`, which is excluded.
+QByteArray Encode_Labels(std::vector<TDataItem>::const_iterator first,
+                         std::vector<TDataItem>::const_iterator last);
+
+/// Appends encoded labels to a list. Returns false if they are damaged; those before the damage are
+/// appended.
+bool Decode_Labels(const QByteArray& bytes, std::vector<TDataItem>* items);
 
 } // namespace LogSchema

@@ -17,6 +17,17 @@ namespace {
 /// The write-ahead log may have this size, in bytes, besides the images.
 constexpr qint64 log_limit = 4LL * 1024 * 1024;
 
+bool Is_Same(const TDataItem& left, const TDataItem& right)
+{
+    return Has_Same_Content(left, right);
+}
+
+template <typename TItems>
+auto Iterator_At(TItems& items, std::size_t index)
+{
+    return items.begin() + static_cast<std::ptrdiff_t>(index);
+}
+
 } // namespace
 
 struct TLogWriter::TStatements
@@ -29,11 +40,8 @@ struct TLogWriter::TStatements
         , set_page(database, "INSERT OR REPLACE INTO pages VALUES(?, ?, ?, ?, NULL, NULL)")
         , refer_to_page(database, "INSERT OR REPLACE INTO pages VALUES(?, ?, ?, ?, ?, ?)")
         , remove_page(database, "DELETE FROM pages WHERE page_id=?")
-        , add_label(database, "INSERT INTO labels VALUES(?, ?, ?, ?, ?, ?, ?, ?)")
-        , change_label(database, "UPDATE labels SET value=?, text=?, border=?, x=?, y=?"
-                                 " WHERE page_id=? AND label_id=?")
-        , remove_label(database, "DELETE FROM labels WHERE page_id=? AND label_id=?")
-        , remove_labels(database, "DELETE FROM labels WHERE page_id=?")
+        , set_labels(database, "INSERT OR REPLACE INTO labels VALUES(?, ?, ?)")
+        , remove_labels(database, "DELETE FROM labels WHERE page_id=? AND first>=?")
     {
     }
 
@@ -44,9 +52,7 @@ struct TLogWriter::TStatements
     TStatement set_page;
     TStatement refer_to_page;
     TStatement remove_page;
-    TStatement add_label;
-    TStatement change_label;
-    TStatement remove_label;
+    TStatement set_labels;
     TStatement remove_labels;
 };
 
@@ -158,7 +164,7 @@ bool TLogWriter::Remove_Other_Pages(const TWorkState& state)
             continue;
         }
         if (!Run(&d_statements->remove_page, page->first) ||
-            !Run(&d_statements->remove_labels, page->first))
+            !Run(&d_statements->remove_labels, page->first, 0))
             return false;
         page = d_pages.erase(page);
     }
@@ -207,42 +213,29 @@ bool TLogWriter::Write_Content(const TPageItem& page, const TBaseFile& base, TPa
     if (logged->items.empty())
         return true;
     logged->items.clear();
-    return Run(&d_statements->remove_labels, page.page_id);
+    return Run(&d_statements->remove_labels, page.page_id, 0);
 }
 
-/// Writes the difference between the labels of a page and those in the database.
+/// Writes the rows of labels that differ from those in the database.
 bool TLogWriter::Write_Labels(const TPageItem& page, TPage* logged)
 {
-    auto next = page.data_items.cbegin();
-    const auto end = page.data_items.cend();
-    // Copying all labels of a large page takes longer than writing one.
-    bool must_copy_all = false;
-    for (TDataItem& item : logged->items) {
-        if (next == end || next->id != item.id) {
-            // If it only moved, it is added again at its new place.
-            if (!Run(&d_statements->remove_label, page.page_id, item.id))
-                return false;
-            must_copy_all = true;
+    const std::size_t old_count = logged->items.size();
+    const std::size_t count = page.data_items.size();
+    logged->items.resize(count);
+    for (std::size_t first = 0; first < count; first += LogSchema::Labels_Per_Row) {
+        const std::size_t last = std::min(first + LogSchema::Labels_Per_Row, count);
+        const std::size_t old_last = std::min(first + LogSchema::Labels_Per_Row, old_count);
+        const auto begin = Iterator_At(page.data_items, first);
+        const auto end = Iterator_At(page.data_items, last);
+        if (last == old_last && std::equal(begin, end, Iterator_At(logged->items, first), Is_Same))
             continue;
-        }
-        if (!Has_Same_Content(*next, item)) {
-            if (!Run(&d_statements->change_label, next->value, next->text, next->border_type,
-                     next->position.x(), next->position.y(), page.page_id, next->id))
-                return false;
-            item = *next;
-        }
-        ++next;
-    }
-    for (; next != end; ++next) {
-        if (!Run(&d_statements->add_label, page.page_id, next->id, logged->next_rank++, next->value,
-                 next->text, next->border_type, next->position.x(), next->position.y()))
+        std::copy(begin, end, Iterator_At(logged->items, first));
+        if (!Run(&d_statements->set_labels, page.page_id, static_cast<qint64>(first),
+                 LogSchema::Encode_Labels(begin, end)))
             return false;
-        if (!must_copy_all)
-            logged->items.push_back(*next);
     }
-    if (must_copy_all)
-        logged->items = page.data_items;
-    return true;
+    return count >= old_count ||
+           Run(&d_statements->remove_labels, page.page_id, static_cast<qint64>(count));
 }
 
 /// Writes an image, or a reference to it.

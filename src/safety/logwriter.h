@@ -77,7 +77,6 @@ private:
         TRow row;
         quint64 revision = 0;
         std::vector<TDataItem> items; ///< empty if the row is a reference
-        int next_rank = 0;            ///< of a label to be added
     };
     struct TStatements;
 

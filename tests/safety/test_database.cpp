@@ -92,13 +92,12 @@ void TestDatabase::numbers_and_nulls_come_back_as_they_were()
     TDatabase database;
     QVERIFY(Create(&database));
     const quint64 large = std::numeric_limits<quint64>::max() - 5;
-    TStatement query(&database, "SELECT ?, ?, ?, ?");
-    QVERIFY(query.Start(-7, large, 0.1, nullptr));
+    TStatement query(&database, "SELECT ?, ?, ?");
+    QVERIFY(query.Start(-7, large, nullptr));
     QVERIFY(query.Next());
     QCOMPARE(query.Integer(0), qint64(-7));
     QCOMPARE(static_cast<quint64>(query.Integer(1)), large);
-    QCOMPARE(query.Real(2), 0.1);
-    QVERIFY(query.Is_Null(3));
+    QVERIFY(query.Is_Null(2));
     QVERIFY(!query.Is_Null(0));
 }
 
