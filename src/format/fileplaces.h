@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCryptographicHash>
 
 #include <vector>
 
@@ -18,17 +19,24 @@ struct TPagePlace
     /// Number of bytes at the beginning and at the end of an image in image_ends.
     static constexpr int End_Length = 32;
 
-    quint64 revision = 0;  ///< of the page when the file was read or written
-    quint64 image_id = 0;  ///< TPageImage::Id()
-    TFilePart image;       ///< empty for a page without an image
-    TFilePart items;       ///< the document of the labels
-    QByteArray image_ends; ///< first and last bytes of the image; all bytes of a tiny one
+    quint64 revision = 0;    ///< of the page when the file was read or written
+    quint64 image_id = 0;    ///< TPageImage::Id()
+    TFilePart image;         ///< empty for a page without an image
+    TFilePart items;         ///< the document of the labels
+    QByteArray image_ends;   ///< first and last bytes of the image; all bytes of a tiny one
+    QByteArray items_digest; ///< SHA-1 of the document of the labels
 
     /// The value of image_ends for an image.
     static QByteArray Ends_Of(const QByteArray& image)
     {
         return image.size() <= 2 * End_Length ? image
                                               : image.left(End_Length) + image.right(End_Length);
+    }
+
+    /// The value of items_digest for a document of labels.
+    static QByteArray Digest_Of(const QByteArray& items)
+    {
+        return QCryptographicHash::hash(items, QCryptographicHash::Sha1);
     }
 };
 

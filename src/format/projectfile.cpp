@@ -58,6 +58,7 @@ void TProjectWriter::Write_Page(const QString& name, const TPageItem& page, TIma
     place.image_ends = TPagePlace::Ends_Of(d_pieces.back().bytes);
     Write_Bytes(items);
     place.items = Last_Field();
+    place.items_digest = TPagePlace::Digest_Of(items);
     d_places.push_back(place);
 }
 
@@ -188,6 +189,7 @@ bool Read_Page(TProjectReader* reader, TFileContent* content)
     page.place.image_ends = TPagePlace::Ends_Of(page.image.Source_Bytes());
     const QByteArray items = reader->Read_Bytes();
     page.place.items = reader->Last_Field();
+    page.place.items_digest = TPagePlace::Digest_Of(items);
     if (!reader->Is_Valid())
         return false;
     content->pages->push_back(page);

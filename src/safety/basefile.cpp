@@ -140,9 +140,12 @@ std::optional<QByteArray> TBaseReader::Read_Image(const TFilePart& part,
                 [&ends](const QByteArray& image) { return TPagePlace::Ends_Of(image) == ends; });
 }
 
-std::optional<QByteArray> TBaseReader::Read_Items(const TFilePart& part) const
+std::optional<QByteArray> TBaseReader::Read_Items(const TFilePart& part,
+                                                  const QByteArray& digest) const
 {
-    return Read(part, [](const QByteArray&) { return true; });
+    return Read(part, [&digest](const QByteArray& items) {
+        return TPagePlace::Digest_Of(items) == digest;
+    });
 }
 
 std::optional<QByteArray> TBaseReader::Read(const TFilePart& part, const TCheck& is_right) const

@@ -87,8 +87,10 @@ public:
     /// @return its bytes; none if no candidate has it.
     std::optional<QByteArray> Read_Image(const TFilePart& part, const QByteArray& ends) const;
 
-    /// Reads the document of a page's labels; none if no candidate has it.
-    std::optional<QByteArray> Read_Items(const TFilePart& part) const;
+    /// Reads the document of a page's labels.
+    /// @param digest  as in TPagePlace.
+    /// @return its bytes; none if no candidate has it.
+    std::optional<QByteArray> Read_Items(const TFilePart& part, const QByteArray& digest) const;
 
 private:
     using TCheck = std::function<bool(const QByteArray&)>;

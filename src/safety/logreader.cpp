@@ -122,7 +122,7 @@ void TLogReader::Read_Base(const QString& log_path, const QString& backup_folder
 void TLogReader::Read_Pages()
 {
     TStatement query(&d_database, "SELECT page_id, position, name, image_id, items_offset,"
-                                  " items_length FROM pages");
+                                  " items_length, items_digest FROM pages");
     query.Start();
     while (query.Next()) {
         TLoggedPage page;
@@ -132,6 +132,7 @@ void TLogReader::Read_Pages()
         page.image_id = static_cast<quint64>(query.Integer(3));
         if (!query.Is_Null(4))
             page.reference = {query.Integer(4), query.Integer(5)};
+        page.items_digest = query.Bytes(6);
         d_pages.push_back(page);
     }
     End(query);
@@ -146,7 +147,7 @@ std::optional<QByteArray> TLogReader::Items(const TLoggedPage& page, const TPage
     if (!page.reference)
         return ItemList::Write(Labels(page.page_id), ItemList::TBadText::Leave_Out, texts);
     const std::optional<QByteArray> document =
-        d_base ? d_base->Read_Items(*page.reference) : std::nullopt;
+        d_base ? d_base->Read_Items(*page.reference, page.items_digest) : std::nullopt;
     if (!document)
         return std::nullopt;
     try {

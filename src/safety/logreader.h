@@ -22,6 +22,7 @@ struct TLoggedPage
     QString name;
     quint64 image_id = 0;               ///< 0 for a page without an image
     std::optional<TFilePart> reference; ///< to the labels in the base file
+    QByteArray items_digest;            ///< as in TPagePlace; empty without a reference
 };
 
 /// Reads the work log of a process that has ended, and does not change it.

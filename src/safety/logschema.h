@@ -21,7 +21,8 @@ constexpr const char* Tables =
     "CREATE TABLE images(image_id INTEGER PRIMARY KEY, bytes BLOB, offset INTEGER,"
     " length INTEGER, ends BLOB);"
     "CREATE TABLE pages(page_id INTEGER PRIMARY KEY, position INTEGER, name BLOB,"
-    " image_id INTEGER, items_offset INTEGER, items_length INTEGER);"
+    " image_id INTEGER, items_offset INTEGER, items_length INTEGER,"
+    " items_digest BLOB);"
     "CREATE TABLE labels(page_id INTEGER, first INTEGER, bytes BLOB,"
     " PRIMARY KEY(page_id, first)) WITHOUT ROWID;";
 

@@ -37,8 +37,8 @@ struct TLogWriter::TStatements
         , set_base(database, "INSERT INTO base VALUES(1, ?, ?, ?, ?, ?, ?)")
         , refer_to_image(database, "INSERT INTO images VALUES(?, NULL, ?, ?, ?)")
         , set_image(database, "INSERT OR REPLACE INTO images VALUES(?, ?, NULL, NULL, NULL)")
-        , set_page(database, "INSERT OR REPLACE INTO pages VALUES(?, ?, ?, ?, NULL, NULL)")
-        , refer_to_page(database, "INSERT OR REPLACE INTO pages VALUES(?, ?, ?, ?, ?, ?)")
+        , set_page(database, "INSERT OR REPLACE INTO pages VALUES(?, ?, ?, ?, NULL, NULL, NULL)")
+        , refer_to_page(database, "INSERT OR REPLACE INTO pages VALUES(?, ?, ?, ?, ?, ?, ?)")
         , remove_page(database, "DELETE FROM pages WHERE page_id=?")
         , set_labels(database, "INSERT OR REPLACE INTO labels VALUES(?, ?, ?)")
         , remove_labels(database, "DELETE FROM labels WHERE page_id=? AND first>=?")
@@ -208,6 +208,7 @@ bool TLogWriter::Write_Content(const TPageItem& page, const TBaseFile& base, TPa
         return false;
     const TPagePlace* const place = base.Find_Page(page.revision);
     row->reference = place ? place->items : TFilePart();
+    row->items_digest = place ? place->items_digest : QByteArray();
     if (!place)
         return Write_Labels(page, logged);
     if (logged->items.empty())
@@ -260,7 +261,7 @@ bool TLogWriter::Write_Row(int page_id, const TRow& row, TPage* logged)
     logged->row = row;
     if (row.Is_Reference())
         return Run(&d_statements->refer_to_page, page_id, row.position, row.name, row.image_id,
-                   row.reference.offset, row.reference.length);
+                   row.reference.offset, row.reference.length, row.items_digest);
     return Run(&d_statements->set_page, page_id, row.position, row.name, row.image_id);
 }
 
@@ -279,6 +280,7 @@ bool TLogWriter::Store_Reference(const TData& data)
     if (found != d_pages.end()) {
         TRow row = found->second.row;
         row.reference = TFilePart();
+        row.items_digest.clear();
         return End(Write_Labels(data.Page(found->first), &found->second) &&
                    Write_Row(found->first, row, &found->second));
     }

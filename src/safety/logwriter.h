@@ -62,7 +62,8 @@ private:
         int position = -1; ///< in the page list; negative if there is no row
         QString name;
         quint64 image_id = 0;
-        TFilePart reference; ///< to the labels in the base file; a negative offset for none
+        TFilePart reference;     ///< to the labels in the base file; a negative offset for none
+        QByteArray items_digest; ///< as in TPagePlace; empty without a reference
 
         bool Is_Reference() const { return reference.offset >= 0; }
         bool operator==(const TRow& other) const

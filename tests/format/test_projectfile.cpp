@@ -619,6 +619,9 @@ private slots:
         QCOMPARE(part(written[0].items),
                  Item_List(Item_Element("5", "7", "Pump", "2", "1.00,2.50")));
         QCOMPARE(written[0].image_ends, png.left(32) + png.right(32));
+        // By sha1sum.
+        QCOMPARE(written[2].items_digest.toHex(),
+                 QByteArray("08fa37145627b43a8f35b7d0d7351bc1a2e74405"));
         QVERIFY(written[1].image.offset > 0);
         QCOMPARE(written[1].image.length, qint64{0});
         QCOMPARE(written[1].image_ends, QByteArray());
@@ -632,6 +635,7 @@ private slots:
             QCOMPARE(read.image.offset, written[i].image.offset);
             QCOMPARE(read.image.length, written[i].image.length);
             QCOMPARE(read.image_ends, written[i].image_ends);
+            QCOMPARE(read.items_digest, written[i].items_digest);
             QCOMPARE(read.items.offset, written[i].items.offset);
             QCOMPARE(read.items.length, written[i].items.length);
         }

@@ -39,7 +39,8 @@ TPagePlace Place()
             image_id,
             {4, image_size},
             {8 + image_size, items.size()},
-            TPagePlace::Ends_Of(image)};
+            TPagePlace::Ends_Of(image),
+            TPagePlace::Digest_Of(items)};
 }
 
 } // namespace
@@ -68,6 +69,7 @@ private slots:
     void parts_are_read_from_the_first_candidate_that_has_them();
     void the_unchanged_file_is_preferred();
     void a_damaged_part_does_not_affect_the_others();
+    void labels_of_another_version_of_equal_size_are_not_read();
     void a_part_that_no_candidate_has_is_missing();
 
 private:
@@ -257,7 +259,7 @@ void TestBaseFile::parts_are_read_from_the_first_candidate_that_has_them()
     }
     const TBaseReader reader = Reader(identity);
     QCOMPARE(reader.Read_Image(Place().image, Place().image_ends).value_or("none"), image);
-    QCOMPARE(reader.Read_Items(Place().items).value_or("none"), items);
+    QCOMPARE(reader.Read_Items(Place().items, Place().items_digest).value_or("none"), items);
 }
 
 void TestBaseFile::the_unchanged_file_is_preferred()
@@ -266,9 +268,11 @@ void TestBaseFile::the_unchanged_file_is_preferred()
     QByteArray other_version = Content();
     other_version.replace("Quillet", "Another");
     Write_File(In("base"), other_version);
-    QCOMPARE(Reader(identity).Read_Items(Place().items).value_or("none"), items);
+    QCOMPARE(Reader(identity).Read_Items(Place().items, Place().items_digest).value_or("none"),
+             items);
     QVERIFY(QFile::rename(In("a.quillet"), In("backup")));
-    QCOMPARE(Reader(identity).Read_Items(Place().items).value_or("none"), items);
+    QCOMPARE(Reader(identity).Read_Items(Place().items, Place().items_digest).value_or("none"),
+             items);
 }
 
 void TestBaseFile::a_damaged_part_does_not_affect_the_others()
@@ -278,17 +282,31 @@ void TestBaseFile::a_damaged_part_does_not_affect_the_others()
     Write_File(In("a.quillet"), damaged);
     const TBaseReader reader = Reader(Base().Identity());
     QVERIFY(!reader.Read_Image(Place().image, Place().image_ends));
-    QCOMPARE(reader.Read_Items(Place().items).value_or("none"), items);
+    QCOMPARE(reader.Read_Items(Place().items, Place().items_digest).value_or("none"), items);
+}
+
+void TestBaseFile::labels_of_another_version_of_equal_size_are_not_read()
+{
+    const TFileIdentity identity = Base().Identity();
+    QByteArray other_version = Content();
+    other_version[other_version.size() - 2] = other_version[other_version.size() - 2] ^ 1;
+    Write_File(In("a.quillet"), other_version);
+    const TBaseReader reader = Reader(identity);
+    QVERIFY(!reader.Read_Items(Place().items, Place().items_digest));
+    QCOMPARE(reader.Read_Image(Place().image, Place().image_ends).value_or("none"), image);
+    Write_File(In("backup"), Content());
+    QCOMPARE(Reader(identity).Read_Items(Place().items, Place().items_digest).value_or("none"),
+             items);
 }
 
 void TestBaseFile::a_part_that_no_candidate_has_is_missing()
 {
     const TFileIdentity identity = Base().Identity();
     const TBaseReader reader = Reader(identity);
-    QVERIFY(!reader.Read_Items({Content().size() - 3, 10}));
-    QVERIFY(!reader.Read_Items({-1, 0}));
+    QVERIFY(!reader.Read_Items({Content().size() - 3, 10}, Place().items_digest));
+    QVERIFY(!reader.Read_Items({-1, 0}, Place().items_digest));
     QVERIFY(QFile::remove(In("a.quillet")));
-    QVERIFY(!Reader(identity).Read_Items(Place().items));
+    QVERIFY(!Reader(identity).Read_Items(Place().items, Place().items_digest));
     QVERIFY(!Reader(identity).Read_Image(Place().image, Place().image_ends));
 }
 
