@@ -16,6 +16,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace {
 
@@ -25,6 +26,24 @@ TDocument Load_Project(const QString& path)
     if (!survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
     return TDocument(survey);
+}
+
+/// Whether two paths are the same file, for example through hard links.
+bool Is_Same_File(const QString& path, const QString& other)
+{
+    struct stat state = {};
+    struct stat other_state = {};
+    return stat(QFile::encodeName(path).constData(), &state) == 0 &&
+           stat(QFile::encodeName(other).constData(), &other_state) == 0 &&
+           state.st_dev == other_state.st_dev && state.st_ino == other_state.st_ino;
+}
+
+/// Whether a path is an input, or the image that belongs to a legacy input.
+bool Is_Input(const QString& path, const QString& input)
+{
+    return Is_Same_File(path, input) ||
+           (LegacyFile::Is_Legacy(input) &&
+            Is_Same_File(path, LegacyFile::Image_Path(LegacyFile::Base_Name(input))));
 }
 
 } // namespace
@@ -93,12 +112,8 @@ void Files::Check_Output(const QString& path, bool force)
 
 void Files::Check_Is_No_Input(const QString& output, const QStringList& inputs)
 {
-    const QString file = QFileInfo(output).canonicalFilePath();
-    const bool is_input =
-        std::any_of(inputs.cbegin(), inputs.cend(), [&file](const QString& input) {
-            return QFileInfo(input).canonicalFilePath() == file;
-        });
-    if (!file.isEmpty() && is_input)
+    if (std::any_of(inputs.cbegin(), inputs.cend(),
+                    [&output](const QString& input) { return Is_Input(output, input); }))
         throw TJobError{output, Tr("is an input and cannot be overwritten")};
 }
 

@@ -40,11 +40,16 @@ QString LegacyFile::Base_Name(const QString& path)
     return path.left(path.size() - list_suffix.size());
 }
 
+QString LegacyFile::Image_Path(const QString& base_name)
+{
+    return base_name + QStringLiteral(".qli");
+}
+
 TFilePage LegacyFile::Read_Pair(const QString& base_name, const TReadList& read_list)
 {
     TFilePage page;
     page.name = TNamedPage::Default_Name(1);
-    page.image = TPageImage::From_File(base_name + QStringLiteral(".qli"), "PNG");
+    page.image = TPageImage::From_File(Image_Path(base_name), "PNG");
     if (page.image.isNull())
         throw TXmlFileException(
             QCoreApplication::translate("TQuillet", "Background image not found"),

@@ -22,6 +22,9 @@ bool Is_Legacy(const QString& path);
 /// The common path of a pair of files: the path of its item list without the suffix.
 QString Base_Name(const QString& path);
 
+/// The path of the image of a pair.
+QString Image_Path(const QString& base_name);
+
 /// Reads label settings and labels of a list of version 1 or 2.
 using TReadList =
     std::function<void(TXmlFile* xml_file, int version, std::vector<TDataItem>* items)>;

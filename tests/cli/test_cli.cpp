@@ -280,6 +280,32 @@ private slots:
         QCOMPARE(Content(name), before);
     }
 
+    void a_hard_link_to_an_input_is_not_overwritten()
+    {
+        QCOMPARE(link(QFile::encodeName(d_folder->filePath("sound.quillet")).constData(),
+                      QFile::encodeName(d_folder->filePath("hard.quillet")).constData()),
+                 0);
+        const TToolResult result =
+            Run({"export-pdf", "sound.quillet", "--output", "hard.quillet", "--force"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(
+            result.errors,
+            QStringLiteral("quillet-cli: hard.quillet: is an input and cannot be overwritten\n"));
+        QCOMPARE(Content("sound.quillet"), Sound_Project());
+    }
+
+    void the_image_of_a_legacy_document_is_not_overwritten()
+    {
+        const QByteArray image = Content("image.png");
+        Support::Write_File(d_folder->filePath("a.qli"), image);
+        Support::Write_File(d_folder->filePath("a.qld"), "<Quillet_Data File_Version=\"3\"/>");
+        const TToolResult result = Run({"export-html", "a.qld", "--output", "a.qli", "--force"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: a.qli: is an input and cannot be overwritten\n"));
+        QCOMPARE(Content("a.qli"), image);
+    }
+
     void an_existing_file_is_kept_without_force_data() { Add_Writing_Commands(); }
     void an_existing_file_is_kept_without_force()
     {
