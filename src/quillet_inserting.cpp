@@ -20,14 +20,50 @@ namespace {
 struct TReadPages
 {
     std::vector<TPageImage> images;
-    QStringList messages;
-    bool has_failed_pdf = false;
+    QStringList pdf_faults;
+    QStringList notes; ///< about images that cannot be read and incomplete pages
 
-    void Add_Message(const TInputFile& file, const QString& message)
+    void Add_Fault(const TInputFile& file, const QString& message)
     {
-        messages += QFileInfo(file.Path()).fileName() + QStringLiteral(": ") + message;
+        (file.Is_Pdf() ? pdf_faults : notes) += About(file, message);
+    }
+
+    void Add_Note(const TInputFile& file, const QString& message) { notes += About(file, message); }
+
+    static QString About(const TInputFile& file, const QString& message)
+    {
+        return QFileInfo(file.Path()).fileName() + QStringLiteral(": ") + message;
     }
 };
+
+/// The first messages and the number of the others.
+QStringList First_Messages(const QStringList& messages, int count)
+{
+    QStringList first = messages.mid(0, count);
+    if (messages.size() > count)
+        first += TQuillet::tr("and %1 more").arg(messages.size() - count);
+    return first;
+}
+
+/// Shortens messages to a text for a message box, which shows rich text.
+QString Box_Text(const QStringList& messages)
+{
+    constexpr int maximum_messages = 5;
+    return First_Messages(messages, maximum_messages)
+        .join(QLatin1Char('\n'))
+        .toHtmlEscaped()
+        .replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+}
+
+/// Describes an insertion in one line.
+QString Status_Text(std::size_t page_count, const QStringList& messages)
+{
+    const QString inserted = page_count == 1 ? TQuillet::tr("Inserted 1 page")
+                                             : TQuillet::tr("Inserted %1 pages").arg(page_count);
+    if (messages.isEmpty())
+        return inserted;
+    return inserted + QStringLiteral(". ") + First_Messages(messages, 1).join(QLatin1Char(' '));
+}
 
 /// Counts the pages of files. Leaves out those that cannot be opened.
 std::vector<TInputFile> Open_Files(const QStringList& paths, const TInputOptions& options,
@@ -37,13 +73,10 @@ std::vector<TInputFile> Open_Files(const QStringList& paths, const TInputOptions
     for (const QString& path : paths) {
         TInputFile file(path, options);
         const QString fault = file.Open();
-        if (fault.isEmpty()) {
+        if (fault.isEmpty())
             files.push_back(std::move(file));
-            continue;
-        }
-        pages->Add_Message(file, fault);
-        if (file.Is_Pdf())
-            pages->has_failed_pdf = true;
+        else
+            pages->Add_Fault(file, fault);
     }
     return files;
 }
@@ -63,13 +96,14 @@ void Read_Files(std::vector<TInputFile>* files, TProgress* progress, TReadPages*
             if (!is_readable)
                 continue;
             const TInputPage page = file.Read(index);
-            if (!page.message.isEmpty())
-                pages->Add_Message(file, page.message);
             is_readable = page.image.has_value();
-            if (is_readable)
-                pages->images.push_back(*page.image);
-            else if (file.Is_Pdf())
-                pages->has_failed_pdf = true;
+            if (!is_readable) {
+                pages->Add_Fault(file, page.message);
+                continue;
+            }
+            pages->images.push_back(*page.image);
+            if (!page.message.isEmpty())
+                pages->Add_Note(file, page.message);
         }
     }
 }
@@ -139,14 +173,11 @@ void TQuillet::Insert_Files(const QStringList& paths, const TInputOptions& optio
         Insert_Pages(pages.images, row);
     }
     Set_Working_File(sorted_paths.first());
-    if (pages.has_failed_pdf)
-        Show_Message(tr("Error Inserting Pages"), pages.messages.join(QLatin1Char('\n')), QString(),
-                     QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Critical);
-    else if (!pages.messages.isEmpty())
-        Show_Status(pages.messages.first());
+    if (pages.pdf_faults.isEmpty())
+        Show_Status(Status_Text(pages.images.size(), pages.notes));
     else
-        Show_Status(pages.images.size() == 1 ? tr("Inserted 1 page")
-                                             : tr("Inserted %1 pages").arg(pages.images.size()));
+        Show_Message(tr("Error Inserting Pages"), Box_Text(pages.pdf_faults + pages.notes),
+                     QString(), QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Critical);
 }
 
 void TQuillet::Insert_Pages(const std::vector<TPageImage>& images, int row)

@@ -87,6 +87,16 @@ class TestInserting : public QObject
         return Run_Answering([&] { Menu_Action(*d_window, text)->trigger(); }, std::move(answers));
     }
 
+    /// Drops files and returns the informative text of the message box that opens.
+    QString Message_Of_Drop(const QStringList& paths) const
+    {
+        QString text;
+        const auto look = [&text](QMessageBox* box) { text = box->informativeText(); };
+        const QString fault =
+            Run_Answering([&] { Drop(paths); }, {Support::Look_And_Press(look, QMessageBox::Ok)});
+        return fault.isEmpty() ? text : fault;
+    }
+
     void Undo() const
     {
         // A message box stays the active window on the offscreen platform.
@@ -186,11 +196,39 @@ private slots:
         QCOMPARE(Pages(), QStringList());
     }
 
+    void each_message_has_a_line_of_its_own()
+    {
+        const QString text =
+            Message_Of_Drop({Write("a.pdf", QByteArray()), Write("b.pdf", QByteArray())});
+        const QString fault = ": pdfinfo failed: Syntax Error: Document stream is empty";
+        QVERIFY2(text.contains(">a.pdf" + fault + "<br>b.pdf" + fault + "<"), qPrintable(text));
+    }
+
+    void a_file_name_is_not_interpreted_as_rich_text()
+    {
+        const QString text = Message_Of_Drop({Write("<b>&amp;.pdf", QByteArray())});
+        QVERIFY2(text.contains(">&lt;b&gt;&amp;amp;.pdf: "), qPrintable(text));
+    }
+
+    void a_message_box_shows_the_faults_first_and_only_five_messages()
+    {
+        const QVector<QByteArray> warned(29, small);
+        const QString text = Message_Of_Drop({Write("a.pdf", Support::Pdf(warned, "nonsense")),
+                                              Write("b.pdf", Support::Pdf({billions_of_pixels}))});
+        const QStringList lines = text.split("<br>");
+        QCOMPARE(lines.size(), 6);
+        QVERIFY2(lines[0].contains("b.pdf: page 1: is larger than"), qPrintable(text));
+        QVERIFY2(lines[4].startsWith("a.pdf: page 4: may be incomplete: "), qPrintable(text));
+        QVERIFY2(lines[5].startsWith("and 25 more"), qPrintable(text));
+        QCOMPARE(Pages().size(), 29);
+    }
+
     void an_unreadable_image_is_skipped_with_a_line_in_the_status_bar()
     {
         Drop({Write("a.png", "no image"), Image("b.png", 61)});
         QCOMPARE(Pages(), QStringList({"Page 1 61x40"}));
-        QVERIFY2(Message().startsWith("a.png: is not a readable image; accepted formats: "),
+        QVERIFY2(Message().startsWith(
+                     "Inserted 1 page. a.png: is not a readable image; accepted formats: "),
                  qPrintable(Message()));
     }
 
@@ -198,7 +236,17 @@ private slots:
     {
         Drop({Write("a.pdf", Support::Pdf({small}, "nonsense"))});
         QCOMPARE(Pages(), QStringList({"Page 1 150x75"}));
-        QVERIFY2(Message().startsWith("a.pdf: page 1: may be incomplete: "), qPrintable(Message()));
+        QVERIFY2(Message().startsWith("Inserted 1 page. a.pdf: page 1: may be incomplete: "),
+                 qPrintable(Message()));
+        QVERIFY2(!Message().contains("more"), qPrintable(Message()));
+    }
+
+    void the_status_bar_gives_the_first_of_many_messages()
+    {
+        Drop({Write("a.pdf", Support::Pdf({small, small, small}, "nonsense"))});
+        QVERIFY2(Message().startsWith("Inserted 3 pages. a.pdf: page 1: may be incomplete: "),
+                 qPrintable(Message()));
+        QVERIFY2(Message().endsWith(" and 2 more"), qPrintable(Message()));
     }
 
     void files_without_any_page_change_nothing()
