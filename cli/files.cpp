@@ -173,7 +173,7 @@ QStringList Files::Recover_Work_Log(const QString& path, const QString& output)
     if (!result.is_written)
         Throw_Write_Error(output);
     QStringList messages;
-    if (!log.Is_Whole())
+    if (!log.Is_Whole() || log.Has_Ignored_Changes())
         messages += Tr("%1: damaged, a part is not readable").arg(path);
     // The path is substituted last: it may contain "%1".
     messages += Tr("%3: pages: %1, missing images: %2")

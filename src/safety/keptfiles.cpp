@@ -49,11 +49,11 @@ bool TKeptNote::Open(const QString& path, TExisting existing)
     return false;
 }
 
-bool TKeptNote::Write(const QString& document, int missing_images) const
+bool TKeptNote::Write(const QString& document, std::optional<int> missing_images) const
 {
     QByteArray text = document.toUtf8();
-    if (missing_images > 0)
-        text += '\0' + QByteArray::number(missing_images);
+    if (missing_images)
+        text += '\0' + QByteArray::number(*missing_images);
     return pwrite(d_descriptor, text.constData(), static_cast<size_t>(text.size()), 0) ==
                text.size() &&
            ftruncate(d_descriptor, text.size()) == 0;
@@ -206,12 +206,22 @@ std::vector<TKeptFile> TKeptFolder::List() const
 std::vector<TKeptFile> TKeptFolder::Abandoned_Logs() const
 {
     std::vector<TKeptFile> logs = Abandoned(List(log_suffix));
+    const auto is_converted = [this](const TKeptFile& log) {
+        return !Has_Log_To_Convert(Name_Of(log.path));
+    };
+    logs.erase(std::remove_if(logs.begin(), logs.end(), is_converted), logs.end());
     for (TKeptFile& log : logs) {
         const QFileInfo tail(Path(Name_Of(log.path), log_tail_suffix));
         log.size += tail.size();
         log.time = qMax(log.time, tail.lastModified());
     }
     return logs;
+}
+
+bool TKeptFolder::Has_Log_To_Convert(const QString& name) const
+{
+    const bool stays_beside_copy = QFile::exists(Copy_Path(name)) && Note_Fields(name).size() > 1;
+    return QFile::exists(Log_Path(name)) && !stays_beside_copy;
 }
 
 /// Leaves out the files whose notes are locked.
@@ -240,13 +250,17 @@ std::vector<TKeptFile> TKeptFolder::List(const char* suffix) const
         {QLatin1Char('*') + QLatin1String(suffix)}, QDir::Files, QDir::Time);
     std::vector<TKeptFile> files;
     for (const QFileInfo& info : found) {
-        QFile note(Note_Path(Name_Of(info.filePath())));
-        const QList<QByteArray> fields =
-            note.open(QIODevice::ReadOnly) ? note.readAll().split('\0') : QList<QByteArray>();
+        const QList<QByteArray> fields = Note_Fields(Name_Of(info.filePath()));
         files.push_back({info.filePath(), QString::fromUtf8(fields.value(0)), info.lastModified(),
                          info.size(), fields.value(1).toInt()});
     }
     return files;
+}
+
+QList<QByteArray> TKeptFolder::Note_Fields(const QString& name) const
+{
+    QFile note(Note_Path(name));
+    return note.open(QIODevice::ReadOnly) ? note.readAll().split('\0') : QList<QByteArray>();
 }
 
 QString TKeptFolder::Name_Of(const QString& path)

@@ -2,8 +2,10 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <QList>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 struct stat;
@@ -20,7 +22,7 @@ struct TKeptFile
 };
 
 /// The open and locked note of a safety copy or work log. The note holds the path of the document
-/// and, after a zero byte, the number of missing images.
+/// and, if the log stays beside its copy, the number of missing images after a zero byte.
 ///
 /// The kernel releases the lock when the process ends, even after SIGKILL. Unlike a process id, a
 /// lock is never stale.
@@ -39,7 +41,8 @@ public:
     /// lock. Symbolic links are refused.
     bool Open(const QString& path, TExisting existing);
     /// Replaces the content of the note.
-    bool Write(const QString& document, int missing_images = 0) const;
+    /// @param missing_images  none unless the log stays beside its copy.
+    bool Write(const QString& document, std::optional<int> missing_images = std::nullopt) const;
     /// Releases the lock.
     void Close();
 
@@ -90,10 +93,13 @@ public:
 
     /// All copies, newest first.
     std::vector<TKeptFile> List() const;
-    /// The copies and the work logs of ended processes, newest first.
+    /// The copies and the work logs of ended processes, newest first, without the logs that stay
+    /// beside their copies.
     std::vector<TKeptFile> Abandoned_Copies() const { return Abandoned(List()); }
     std::vector<TKeptFile> Abandoned_Logs() const;
-    /// Deletes an abandoned copy and its note. A no-op for every other path.
+    /// Whether there is a work log, and not a copy beside which it stays.
+    bool Has_Log_To_Convert(const QString& name) const;
+    /// Deletes an abandoned copy, its work log and its note. A no-op for every other path.
     void Remove_Abandoned(const QString& path) const;
 
     /// Name of a copy or log: its file name without the suffix.
@@ -108,6 +114,7 @@ public:
 private:
     QString Path(const QString& name, const char* suffix) const;
     std::vector<TKeptFile> List(const char* suffix) const;
+    QList<QByteArray> Note_Fields(const QString& name) const;
     std::vector<TKeptFile> Abandoned(std::vector<TKeptFile> files) const;
 
     QString d_path;

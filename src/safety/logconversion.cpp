@@ -70,7 +70,8 @@ void Set_Time(const QString& path, const QDateTime& time)
         file.setFileTime(time, QFileDevice::FileModificationTime);
 }
 
-/// Converts one log. Returns why it cannot be converted; empty on success and if its process runs.
+/// Converts one log. Returns why it cannot be converted as a whole; empty on success and if its
+/// process runs.
 QString Convert(const TKeptFolder& folder, const QString& name, const QString& backup_folder,
                 const TStepReport& report)
 {
@@ -78,7 +79,7 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
     if (!note.Open(folder.Note_Path(name), TKeptNote::TExisting::Reuse))
         return QString();
     // Another process may have converted it meanwhile.
-    if (!QFile::exists(folder.Log_Path(name)))
+    if (!folder.Has_Log_To_Convert(name))
         return QString();
     TLogReader log;
     const TLogReader::TContent content = log.Open(folder.Log_Path(name), backup_folder);
@@ -94,10 +95,16 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
         LogConversion::Write(&log, LogConversion::TDamage::Refuse, &target, report);
     if (!result.is_written)
         return log.Is_Whole() ? Tr("the recovered document cannot be written") : Tr("is damaged");
-    note.Write(log.Document(), result.missing_images);
     Set_Time(copy, log.Changed());
-    folder.Remove_Log(name);
-    return QString();
+    // The file with the missing images may be unreachable for a short time only.
+    if (result.missing_images > 0 || log.Has_Ignored_Changes()) {
+        note.Write(log.Document(), result.missing_images);
+    } else {
+        note.Write(log.Document());
+        folder.Remove_Log(name);
+    }
+    return log.Has_Ignored_Changes() ? Tr("is damaged; the last changes were not recovered")
+                                     : QString();
 }
 
 } // namespace

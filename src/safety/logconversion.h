@@ -30,9 +30,10 @@ struct TResult
 TResult Write(TLogReader* log, TDamage damage, TSafeFile* target, const TStepReport& report);
 
 /// Converts the logs of processes that have ended to copies in the same folder, and deletes them.
-/// Logs that are not readable stay.
+/// Logs that are not readable stay. A log whose copy lacks images, labels or changes stays beside
+/// the copy, and is not converted again.
 /// @param backup_folder  where files may be that a log refers to.
-/// @return  why logs could not be converted, with their paths.
+/// @return  why logs could not be converted as a whole because of damage, with their paths.
 QStringList Convert_Abandoned(const TKeptFolder& folder, const QString& backup_folder,
                               const TStepReport& report);
 

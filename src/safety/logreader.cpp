@@ -5,6 +5,7 @@
 #include "src/safety/backup.h"
 #include "src/safety/keptfiles.h"
 #include "src/safety/logschema.h"
+#include "src/safety/logtail.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -28,46 +29,29 @@ std::optional<qint64> Number(TDatabase* database, const char* query)
     return statement.Integer(0);
 }
 
-/// Number of transactions in the write-ahead log of a database, also of those that SQLite ignores
-/// because of damage.
-int Commits(const QString& path)
-{
-    constexpr int header_size = 32;
-    constexpr int frame_header_size = 24;
-    constexpr int commit_offset = 4; // 4 bytes that are zero unless the frame ends a transaction
-    QFile file(path + QLatin1String("-wal"));
-    file.open(QIODevice::ReadOnly);
-    const QByteArray bytes = file.readAll();
-    int commits = 0;
-    for (int frame = header_size; frame + frame_header_size <= bytes.size();
-         frame += frame_header_size + TDatabase::Page_Size) {
-        if (bytes.mid(frame + commit_offset, 4) != QByteArray(4, '\0'))
-            ++commits;
-    }
-    return commits;
-}
-
 } // namespace
 
 TLogReader::TContent TLogReader::Open(const QString& path, const QString& backup_folder)
 {
-    // SQLite takes an empty file for an empty database.
+    const LogTail::TCommits commits = LogTail::Count_Commits(path);
+    d_has_ignored_changes = commits.ignored > 0;
+    // SQLite takes an empty file for an empty database, and deletes its write-ahead log.
     if (QFileInfo(path).isFile() && QFileInfo(path).size() == 0)
-        return TContent::Nothing;
+        return Unreadable_Unless(commits.all == 0);
     if (!d_database.Open(path))
         return Unreadable(d_database.Error());
     const std::optional<qint64> tables = Number(&d_database, "SELECT count(*) FROM sqlite_master");
     if (!tables)
         return Unreadable(d_database.Error());
     if (*tables == 0)
-        return Unreadable_Unless(Commits(path) == 0);
+        return Unreadable_Unless(commits.all == 0);
     if (Number(&d_database, "PRAGMA application_id") != LogSchema::Application_Id)
         return Unreadable(Tr("is not a work log"));
     if (Number(&d_database, "PRAGMA user_version") != LogSchema::Version)
         return Unreadable(Tr("is from another version of the program"));
     // The first commit creates the tables.
     if (!Read_Document())
-        return Unreadable_Unless(d_is_whole && Commits(path) <= 1);
+        return Unreadable_Unless(d_is_whole && commits.all <= 1);
     Read_Base(path, backup_folder);
     Read_Pages();
     return TContent::Work;

@@ -60,6 +60,8 @@ public:
 
     /// Whether nothing was unreadable so far.
     bool Is_Whole() const { return d_is_whole; }
+    /// Whether the write-ahead log has changes that damage makes unreadable.
+    bool Has_Ignored_Changes() const { return d_has_ignored_changes; }
     /// Checks the structure of the whole database.
     bool Check();
 
@@ -80,4 +82,5 @@ private:
     QDateTime d_changed;
     std::vector<TLoggedPage> d_pages;
     bool d_is_whole = true;
+    bool d_has_ignored_changes = false;
 };

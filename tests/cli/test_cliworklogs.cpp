@@ -1,5 +1,7 @@
 // What kept and recover do with work logs.
 
+#include "src/safety/keptfiles.h"
+#include "src/safety/logconversion.h"
 #include "src/safety/worklog.h"
 #include "support/support.h"
 #include "support/tool.h"
@@ -106,6 +108,45 @@ private slots:
         const TToolResult result = Run({"recover", Log_Path(), "--output", "out"});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.output, QString("out: pages: 2, missing images: 2\n"));
+    }
+
+    void recover_finds_the_images_that_a_copy_lacks()
+    {
+        const QString base = Path("base.quillet");
+        QVERIFY(Leave_Log(Support::Save_As_Base(d_document, base)));
+        const QString log = Log_Path();
+        const qint64 size = QFileInfo(base).size();
+        QVERIFY(QFile::resize(base, size + 1));
+        LogConversion::Convert_Abandoned(TKeptFolder(Folder()), QString(), nullptr);
+        QVERIFY(QFile::resize(base, size));
+        const QString listed = Run({"kept"}).output;
+        QVERIFY2(listed.startsWith("1: recovery, ") &&
+                     listed.endsWith(", missing images: 2, /tmp/a.quillet\n") &&
+                     listed.count('\n') == 1,
+                 qPrintable(listed));
+        const TToolResult result = Run({"recover", log, "--output", "out"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.output, QString("out: pages: 2, missing images: 0\n"));
+        QCOMPARE(Byte_Difference(Read_File(Path("out")), Project_Of(d_document)), QString());
+    }
+
+    void recover_reports_changes_after_damage()
+    {
+        QVERIFY(Leave_Log());
+        {
+            TDatabase database;
+            QVERIFY(database.Open(Log_Path()) &&
+                    database.Execute("UPDATE document SET label_size=77"));
+        }
+        const QString tail = Log_Path() + "-wal";
+        QByteArray bytes = Read_File(tail);
+        bytes[bytes.size() - 1] = static_cast<char>(~bytes[bytes.size() - 1]);
+        Support::Write_File(tail, bytes);
+        const TToolResult result = Run({"recover", Log_Path(), "--output", "out"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.output, Log_Path() + ": damaged, a part is not readable\n" +
+                                    "out: pages: 2, missing images: 0\n");
+        QCOMPARE(Byte_Difference(Read_File(Path("out")), Project_Of(d_document)), QString());
     }
 
     void recover_saves_the_readable_part_of_a_damaged_log()

@@ -12,6 +12,7 @@
 #include <QTest>
 
 #include <csignal>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -58,6 +59,7 @@ private slots:
     void files_of_running_processes_are_not_abandoned();
     void the_time_of_a_log_is_that_of_its_last_change();
     void only_abandoned_copies_of_the_folder_can_be_removed();
+    void a_log_is_not_listed_beside_a_copy_of_which_images_are_missing();
     void removing_a_log_leaves_the_copy();
     void stale_files_are_deleted_data();
     void stale_files_are_deleted();
@@ -370,12 +372,12 @@ void TestKeptFiles::a_folder_that_does_not_exist_has_no_copies()
 
 void TestKeptFiles::the_number_of_missing_images_is_listed()
 {
-    for (const int number : {3, 0}) {
+    for (const std::optional<int> number : {std::optional<int>(3), {0}, {}}) {
         Add_Copy("a", "", 0);
         TKeptNote note;
         QVERIFY(note.Open(Folder().Note_Path("a"), TKeptNote::TExisting::Reuse));
         QVERIFY(note.Write("/document", number));
-        QCOMPARE(Folder().List().front().missing_images, number);
+        QCOMPARE(Folder().List().front().missing_images, number.value_or(0));
         QCOMPARE(Folder().List().front().document, QString("/document"));
     }
     QCOMPARE(Read_File(Folder().Note_Path("a")), QByteArray("/document"));
@@ -426,6 +428,20 @@ void TestKeptFiles::only_abandoned_copies_of_the_folder_can_be_removed()
     Folder().Remove_Abandoned(Path() + "/../kept/one.quillet");
     QCOMPARE(Entries(Path()), QStringList({"two.note", "two.quillet"}));
     QVERIFY(QFile::exists(same_name));
+}
+
+void TestKeptFiles::a_log_is_not_listed_beside_a_copy_of_which_images_are_missing()
+{
+    const QByteArray note = QByteArrayLiteral("/a\0") + "2";
+    Add_Copy("a", note, 0);
+    QVERIFY(!Folder().Has_Log_To_Convert("a"));
+    Write_File(Folder().Log_Path("a"), "log");
+    QVERIFY(Folder().Abandoned_Logs().empty());
+    Write_File(Folder().Note_Path("a"), "/a");
+    QCOMPARE(Folder().Abandoned_Logs().size(), size_t(1));
+    Write_File(Folder().Note_Path("a"), note);
+    QVERIFY(QFile::remove(Folder().Copy_Path("a")));
+    QCOMPARE(Folder().Abandoned_Logs().size(), size_t(1));
 }
 
 void TestKeptFiles::removing_a_log_leaves_the_copy()

@@ -25,6 +25,20 @@ using Support::Project_Of;
 using Support::Read_File;
 using Support::State_Of;
 
+namespace {
+
+constexpr int frame_size = 24 + TDatabase::Page_Size;
+
+void Damage(const QString& path, qint64 offset)
+{
+    QByteArray bytes = Read_File(path);
+    const int index = static_cast<int>(offset);
+    bytes[index] = static_cast<char>(~bytes[index]);
+    Support::Write_File(path, bytes);
+}
+
+} // namespace
+
 class TestLogConversion : public QObject
 {
     Q_OBJECT
@@ -40,6 +54,7 @@ private slots:
     void an_unreadable_log_stays_data();
     void an_unreadable_log_stays();
     void a_missing_image_leaves_the_labels();
+    void a_log_with_missing_images_stays_beside_its_copy();
     void the_base_file_is_found_data();
     void the_base_file_is_found();
     void a_renamed_page_has_only_its_new_name();
@@ -48,6 +63,12 @@ private slots:
     void a_killed_conversion_is_repeated_data();
     void a_killed_conversion_is_repeated();
     void a_full_disk_leaves_the_log();
+    void an_empty_log_beside_commits_stays();
+    void a_log_with_changes_after_damage_stays_beside_its_copy_data();
+    void a_log_with_changes_after_damage_stays_beside_its_copy();
+    void a_damaged_header_of_the_write_ahead_log_is_reported();
+    void frames_of_an_older_write_ahead_log_are_no_damage();
+    void an_unfinished_transaction_is_no_damage();
     void damage_neither_crashes_nor_deletes_data();
     void damage_neither_crashes_nor_deletes();
     void a_damaged_log_is_not_converted_even_if_it_is_readable();
@@ -60,6 +81,7 @@ private:
     QString Log_Path() const { return Folder() + '/' + Files("*.log").value(0); }
     QByteArray Copy() const { return Read_File(Folder() + '/' + Files("*.quillet").value(0)); }
     bool Leave_Log();
+    QList<qint64> Leave_Changes(int count, QList<QByteArray>* documents);
     QStringList Convert(const TStepReport& report = nullptr) const
     {
         return LogConversion::Convert_Abandoned(TKeptFolder(Folder()), In("backup"), report);
@@ -91,6 +113,23 @@ bool TestLogConversion::Leave_Log()
 {
     TWorkLog log(Folder());
     return log.Update(State_Of(*d_document), &d_base, In("a.quillet"));
+}
+
+/// Leaves the log of a process that made some changes. Returns the sizes of the write-ahead log
+/// after each change.
+/// @param documents  receives the documents after each change.
+QList<qint64> TestLogConversion::Leave_Changes(int count, QList<QByteArray>* documents)
+{
+    QList<qint64> sizes;
+    TWorkLog log(Folder());
+    for (int change = 0; change < count; ++change) {
+        Data().Change_Item_Text(1, QString("Change %1").arg(change));
+        if (!log.Update(State_Of(*d_document), &d_base, In("a.quillet")))
+            return {};
+        sizes += QFileInfo(Log_Path() + "-wal").size();
+        *documents += Project_Of(*d_document);
+    }
+    return sizes;
 }
 
 void TestLogConversion::an_abandoned_log_becomes_a_copy()
@@ -200,6 +239,37 @@ void TestLogConversion::a_missing_image_leaves_the_labels()
     QCOMPARE(TKeptFolder(Folder()).Abandoned_Copies().front().missing_images, 2);
 }
 
+void TestLogConversion::a_log_with_missing_images_stays_beside_its_copy()
+{
+    const QString path = In("a.quillet");
+    d_base = Support::Save_As_Base(*d_document, path);
+    Data().Change_Item_Text(1, "Changed");
+    QVERIFY(Leave_Log());
+    const QStringList log = Entries(Folder());
+    const QString name = TKeptFolder::Name_Of(Log_Path());
+    QVERIFY(log.contains(name + ".base"));
+    const TKeptFolder folder(Folder());
+    // For some time, neither name has the file.
+    const qint64 size = QFileInfo(path).size();
+    QVERIFY(QFile::resize(path, size + 1));
+    QCOMPARE(Convert(), QStringList());
+    const QStringList both = Entries(Folder());
+    QCOMPARE(both.size(), log.size() + 1);
+    QVERIFY(both.contains(name + ".quillet"));
+    QCOMPARE(folder.Abandoned_Copies().front().missing_images, 3);
+    QVERIFY(folder.Abandoned_Logs().empty());
+    QVERIFY(QFile::resize(path, size));
+    // The copy may be open.
+    const QByteArray copy = Copy();
+    QCOMPARE(Convert(), QStringList());
+    folder.Clean_Up();
+    QCOMPARE(Entries(Folder()), both);
+    QCOMPARE(Copy(), copy);
+    QCOMPARE(Byte_Difference(Support::Recovered(Log_Path()), Project_Of(*d_document)), QString());
+    folder.Remove_Abandoned(folder.Copy_Path(name));
+    QCOMPARE(Entries(Folder()), QStringList());
+}
+
 void TestLogConversion::the_base_file_is_found_data()
 {
     QTest::addColumn<QString>("where");
@@ -307,6 +377,98 @@ void TestLogConversion::a_full_disk_leaves_the_log()
     QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
 }
 
+void TestLogConversion::an_empty_log_beside_commits_stays()
+{
+    QVERIFY(Leave_Log());
+    Support::Write_File(Log_Path(), QByteArray());
+    const QStringList before = Entries(Folder());
+    const QByteArray tail = Read_File(Log_Path() + "-wal");
+    QCOMPARE(Convert(), QStringList(Log_Path() + ": is damaged"));
+    QCOMPARE(Entries(Folder()), before);
+    QVERIFY(Read_File(Log_Path() + "-wal") == tail);
+}
+
+void TestLogConversion::a_log_with_changes_after_damage_stays_beside_its_copy_data()
+{
+    QTest::addColumn<int>("change");
+    QTest::addColumn<int>("offset");
+    for (const int change : {5, 99}) {
+        QTest::addRow("size in change %d", change) << change << 4;
+        QTest::addRow("first salt in change %d", change) << change << 8;
+        QTest::addRow("second salt in change %d", change) << change << 12;
+        QTest::addRow("checksum in change %d", change) << change << 16;
+        QTest::addRow("page in change %d", change) << change << 100;
+    }
+}
+
+void TestLogConversion::a_log_with_changes_after_damage_stays_beside_its_copy()
+{
+    QFETCH(const int, change);
+    QFETCH(const int, offset);
+    QList<QByteArray> documents;
+    const QList<qint64> sizes = Leave_Changes(100, &documents);
+    QCOMPARE(sizes.size(), 100);
+    Damage(Log_Path() + "-wal", sizes[change] - frame_size + offset);
+    const QByteArray tail = Read_File(Log_Path() + "-wal");
+    const QStringList log = Entries(Folder());
+    QCOMPARE(Convert(),
+             QStringList(Log_Path() + ": is damaged; the last changes were not recovered"));
+    QCOMPARE(Byte_Difference(Copy(), documents[change - 1]), QString());
+    const QStringList both = Entries(Folder());
+    QCOMPARE(both.size(), log.size() + 1);
+    QVERIFY(Read_File(Log_Path() + "-wal") == tail);
+    // It is reported once.
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Entries(Folder()), both);
+    const TKeptFolder folder(Folder());
+    folder.Remove_Abandoned(folder.Abandoned_Copies().front().path);
+    QCOMPARE(Entries(Folder()), QStringList());
+}
+
+void TestLogConversion::a_damaged_header_of_the_write_ahead_log_is_reported()
+{
+    QVERIFY(Leave_Log());
+    {
+        TDatabase database;
+        QVERIFY(database.Open(Log_Path()) && database.Checkpoint() &&
+                database.Execute("UPDATE document SET label_size=77"));
+    }
+    constexpr int first_salt_offset = 16;
+    constexpr int second_salt_offset = 20;
+    Damage(Log_Path() + "-wal", first_salt_offset);
+    Damage(Log_Path() + "-wal", second_salt_offset);
+    QCOMPARE(Convert().size(), 1);
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+    QCOMPARE(Files("*.log*").size(), 2);
+}
+
+void TestLogConversion::frames_of_an_older_write_ahead_log_are_no_damage()
+{
+    QList<QByteArray> documents;
+    const QList<qint64> sizes = Leave_Changes(10, &documents);
+    {
+        TDatabase database;
+        QVERIFY(database.Open(Log_Path()) && database.Execute("PRAGMA wal_checkpoint(RESTART)") &&
+                database.Execute("UPDATE document SET label_size=77"));
+    }
+    // The new frame replaces the first one of many.
+    QCOMPARE(QFileInfo(Log_Path() + "-wal").size(), sizes.last());
+    d_document->appearance.label_size = 77;
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+    QCOMPARE(Files("*.log*"), QStringList());
+}
+
+void TestLogConversion::an_unfinished_transaction_is_no_damage()
+{
+    QList<QByteArray> documents;
+    const QList<qint64> sizes = Leave_Changes(2, &documents);
+    QVERIFY(QFile::resize(Log_Path() + "-wal", sizes.last() - frame_size / 2));
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Byte_Difference(Copy(), documents.first()), QString());
+    QCOMPARE(Files("*.log*"), QStringList());
+}
+
 void TestLogConversion::damage_neither_crashes_nor_deletes_data()
 {
     QTest::addColumn<QString>("suffix");
@@ -334,11 +496,12 @@ void TestLogConversion::damage_neither_crashes_nor_deletes()
         Support::Write_File(Folder() + '/' + name + ".log-wal", suffix.isEmpty() ? tail : damaged);
         const QStringList problems = Convert();
         const QString copy = Folder() + '/' + name + ".quillet";
-        if (problems.isEmpty())
-            QVERIFY2(ProjectFile::Is_Whole(copy), qPrintable(QString::number(offset)));
-        else
-            QVERIFY2(!QFile::exists(copy) && !Files("*.log").isEmpty(),
-                     qPrintable(QString::number(offset)));
+        const bool is_tail = !suffix.isEmpty();
+        const bool has_copy = problems.isEmpty() || (is_tail && QFile::exists(copy));
+        QVERIFY2(has_copy ? ProjectFile::Is_Whole(copy) : !QFile::exists(copy),
+                 qPrintable(QString::number(offset)));
+        QVERIFY2(problems.isEmpty() ? !is_tail : !Files("*.log").isEmpty(),
+                 qPrintable(QString::number(offset)));
         QFile::remove(copy);
     }
 }
