@@ -66,14 +66,27 @@ bool Is_Replaceable(const QString& document, const struct stat& state, int extra
            QFileInfo(QFileInfo(document).absolutePath()).isWritable();
 }
 
+/// Whether two names are hard links to the same file.
+bool Is_Same_File(const QString& left, const QString& right)
+{
+    struct stat states[2] = {};
+    return lstat(System_Path(left).constData(), &states[0]) == 0 &&
+           lstat(System_Path(right).constData(), &states[1]) == 0 &&
+           states[0].st_dev == states[1].st_dev && states[0].st_ino == states[1].st_ino;
+}
+
+/// Free space on a file system, in bytes.
+double Free_Space(const struct statvfs& disk)
+{
+    return static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize);
+}
+
 /// Whether a file of the given size fits on the disk. Without room for two versions, only
 /// overwriting the old one can succeed.
 bool Has_Room(const QFile& file, qint64 size)
 {
     struct statvfs disk = {};
-    return fstatvfs(file.handle(), &disk) == 0 &&
-           static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize) >=
-               static_cast<double>(size);
+    return fstatvfs(file.handle(), &disk) == 0 && static_cast<double>(size) <= Free_Space(disk);
 }
 
 /// Gives a new file the group and permissions of another one; false if they still differ.
@@ -127,6 +140,17 @@ std::optional<QString> TBackup::Keep(QFile* document, const TOptions& options) c
     return copy;
 }
 
+bool TBackup::Can_Overwrite(const QString& document, qint64 size)
+{
+    constexpr double block_size = 512; // of st_blocks
+    const QByteArray path = System_Path(document);
+    struct stat state = {};
+    struct statvfs disk = {};
+    return stat(path.constData(), &state) != 0 || statvfs(path.constData(), &disk) != 0 ||
+           static_cast<double>(size) <=
+               block_size * static_cast<double>(state.st_blocks) + Free_Space(disk);
+}
+
 /// Makes the document's file the backup and replaces it by an empty one. On failure the document
 /// stays as it was.
 bool TBackup::Move(QFile* document, const QString& copy, const TOptions& options) const
@@ -149,7 +173,8 @@ bool TBackup::Move(QFile* document, const QString& copy, const TOptions& options
     const bool is_moved = (!options.force_to_disk || TSafeFile::Sync(linked)) &&
                           Open_As(empty_path, document) && Rename(linked, copy) &&
                           (!options.force_to_disk || TSafeFile::Sync(QFileInfo(copy).path())) &&
-                          Rename(empty_path, path);
+                          // Another program may have replaced the document meanwhile.
+                          Is_Same_File(copy, path) && Rename(empty_path, path);
     empty.setAutoRemove(!is_moved);
     // After a failure. And if the previous backup is the same file, rename() leaves both names.
     unlink(System_Path(linked).constData());

@@ -41,6 +41,9 @@ public:
     ///          read-only document, or no regular file. No value on failure.
     std::optional<QString> Keep(QFile* document, const TOptions& options) const;
 
+    /// Whether the disk has room for a version of the given size that overwrites a document.
+    static bool Can_Overwrite(const QString& document, qint64 size);
+
     /// Path of a document's backup, whether or not it exists.
     QString Path_For(const QString& document) const;
 

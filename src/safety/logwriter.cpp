@@ -22,6 +22,16 @@ bool Is_Same(const TDataItem& left, const TDataItem& right)
     return Has_Same_Content(left, right);
 }
 
+/// Null if the document has no such page.
+const TPageItem* Find_Page(const TData& data, int page_id)
+{
+    const auto& pages = data.Pages();
+    const auto found = std::find_if(pages.cbegin(), pages.cend(), [page_id](const TPageItem& page) {
+        return page.page_id == page_id;
+    });
+    return found == pages.cend() ? nullptr : &*found;
+}
+
 template <typename TItems>
 auto Iterator_At(TItems& items, std::size_t index)
 {
@@ -267,27 +277,35 @@ bool TLogWriter::Write_Row(int page_id, const TRow& row, TPage* logged)
 
 bool TLogWriter::Has_References() const
 {
-    return std::any_of(d_pages.cbegin(), d_pages.cend(), [this](const auto& page) {
+    return !d_is_known || std::any_of(d_pages.cbegin(), d_pages.cend(), [this](const auto& page) {
         return page.second.row.Is_Reference() || d_images.value(page.second.row.image_id);
     });
 }
 
 bool TLogWriter::Store_Reference(const TData& data)
 {
-    // Labels first: they are small, and nobody else may have them.
+    if (!d_is_known)
+        return false;
+    // Labels first: they are small, and may be in no other file.
     auto found = std::find_if(d_pages.begin(), d_pages.end(),
                               [](const auto& page) { return page.second.row.Is_Reference(); });
-    if (found != d_pages.end()) {
-        TRow row = found->second.row;
-        row.reference = TFilePart();
-        row.items_digest.clear();
-        return End(Write_Labels(data.Page(found->first), &found->second) &&
-                   Write_Row(found->first, row, &found->second));
-    }
-    found = std::find_if(d_pages.begin(), d_pages.end(), [this](const auto& page) {
-        return d_images.value(page.second.row.image_id);
-    });
-    return found == d_pages.end() || End(Write_Image(data.Page(found->first).image, TBaseFile()));
+    const bool has_labels = found != d_pages.end();
+    if (!has_labels)
+        found = std::find_if(d_pages.begin(), d_pages.end(), [this](const auto& page) {
+            return d_images.value(page.second.row.image_id);
+        });
+    if (found == d_pages.end())
+        return true;
+    auto& [page_id, logged] = *found;
+    const TPageItem* const page = Find_Page(data, page_id);
+    if (!page || page->revision != logged.revision)
+        return false;
+    if (!has_labels)
+        return End(Write_Image(page->image, TBaseFile()));
+    TRow row = logged.row;
+    row.reference = TFilePart();
+    row.items_digest.clear();
+    return End(Write_Labels(*page, &logged) && Write_Row(page_id, row, &logged));
 }
 
 bool TLogWriter::Sync()

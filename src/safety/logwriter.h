@@ -41,10 +41,10 @@ public:
     /// @param document  path of the document; empty if it was never saved.
     bool Update(const TWorkState& state, const TBaseFile& base, const QString& document);
 
-    /// Whether the document refers to the base file.
+    /// Whether the document refers to the base file, or may do so after a failure.
     bool Has_References() const;
     /// Replaces one reference by the labels of a page, or by an image. No-op without references.
-    /// @param data  as of the last update.
+    /// Fails if the last update failed, or if the page has changed since.
     bool Store_Reference(const TData& data);
 
     /// Syncs everything written so far to the disk.

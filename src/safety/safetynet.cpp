@@ -88,13 +88,12 @@ bool TSafetyNet::Update(const QString& document)
     const qint64 begin = d_clock.elapsed();
     if (!d_log.Exists())
         d_sync_time = begin;
-    if (!d_log.Update(d_read_state(), &d_base, document)) {
+    d_is_pending = !d_log.Update(d_read_state(), &d_base, document);
+    if (d_is_pending) {
         Report_Once(QStringLiteral("cannot write unsaved work to"));
         d_retry_time = Time_After_Rest(begin);
-        return false;
     }
-    d_is_pending = false;
-    return true;
+    return !d_is_pending;
 }
 
 bool TSafetyNet::Sync()
@@ -133,30 +132,42 @@ qint64 TSafetyNet::Time_After_Rest(qint64 begin) const
 
 bool TSafetyNet::Open_For_Saving(QFile* document, qint64 size, QString* other_version)
 {
-    Back_Up(document, size, other_version);
+    // Opening the document empties it. On a full disk, no complete file would be left.
+    if (!Back_Up(document, size, other_version) &&
+        !TBackup::Can_Overwrite(document->fileName(), size))
+        return false;
     return document->isOpen() || document->open(QIODevice::WriteOnly);
 }
 
-void TSafetyNet::Back_Up(QFile* document, qint64 size, QString* other_version)
+/// Backs up a document; returns whether the work survives if the document is lost.
+bool TSafetyNet::Back_Up(QFile* document, qint64 size, QString* other_version)
 {
     const QString path = document->fileName();
     const bool is_changed_elsewhere = Is_Changed_Elsewhere(path);
     // An incomplete file must not replace the backup of a complete one.
     if (!is_changed_elsewhere && path == d_incomplete_path && !ProjectFile::Is_Whole(path))
-        return;
+        return true;
+    if (d_is_pending || d_log.Exists())
+        Update(path);
     // With all work on the disk there is no need to wait for the backup.
-    const bool is_work_on_disk = d_log.Exists() && Sync() && !d_log.Has_References();
     const std::optional<QString> backup = d_backup.Keep(
-        document, {!is_work_on_disk, is_changed_elsewhere, size, d_folder.Links_To(path)});
+        document, {!Is_Work_On_Disk(), is_changed_elsewhere, size, d_folder.Links_To(path)});
     if (backup && is_changed_elsewhere)
         *other_version = *backup;
     if (!backup)
         Report_Once(QStringLiteral("cannot write backups to"));
     if (backup && d_base.Exists())
-        return;
+        return true;
     // The backup does not have what the log refers to.
     while (d_log.Has_References() && d_log.Store_Reference(*d_read_state().data)) {
     }
+    return backup || Is_Work_On_Disk();
+}
+
+/// Whether the log has the whole document. Syncs it.
+bool TSafetyNet::Is_Work_On_Disk()
+{
+    return d_log.Exists() && Sync() && !d_is_pending && !d_log.Has_References();
 }
 
 /// Whether another program or window has changed a file since this one opened or saved it.

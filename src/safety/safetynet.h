@@ -49,7 +49,8 @@ public:
     /// a modal dialog opens.
     void Flush(const QString& document);
 
-    /// Backs up the document that a save is about to replace, and opens it for writing.
+    /// Backs up the document that a save is about to replace, and opens it for writing. Fails if
+    /// there is no other complete copy and the disk has no room for the new version.
     /// @param size           size of the version to be saved, in bytes.
     /// @param other_version  gets the path of the backup if another program has changed the
     ///                       document since it was opened or saved.
@@ -87,7 +88,8 @@ private:
     /// Rest after an operation that may take long, in multiples of its duration: 2 % of the time.
     static constexpr qint64 Rest_Factor = 50;
 
-    void Back_Up(QFile* document, qint64 size, QString* other_version);
+    bool Back_Up(QFile* document, qint64 size, QString* other_version);
+    bool Is_Work_On_Disk();
     bool Is_Changed_Elsewhere(const QString& document) const;
     bool Update(const QString& document);
     bool Sync();

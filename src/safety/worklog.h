@@ -36,8 +36,8 @@ public:
 
     /// Whether the stored work refers to the base file.
     bool Has_References() const { return d_writer && d_writer->Has_References(); }
-    /// Stores the labels of a page, or an image, instead of a reference to the base file.
-    /// @param data  as of the last update.
+    /// Stores the labels of a page, or an image, instead of a reference to the base file. Fails if
+    /// the last update failed, or if the page has changed since.
     bool Store_Reference(const TData& data);
 
     /// Syncs the stored work to the disk. No-op if nothing was stored since the last time.

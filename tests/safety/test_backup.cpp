@@ -10,16 +10,33 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cstdio>
+#include <functional>
 #include <limits>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+#include <utility>
 
 using Support::Entries;
 using Support::Make_Old;
 using Support::Mode;
 using Support::Read_File;
 using Support::Write_File;
+
+namespace {
+
+/// Called by the next sync.
+std::function<void()> on_sync;
+
+} // namespace
+
+extern "C" int fsync(int descriptor)
+{
+    if (const auto call = std::exchange(on_sync, nullptr))
+        call();
+    return fdatasync(descriptor);
+}
 
 class TestBackup : public QObject
 {
@@ -61,6 +78,7 @@ private slots:
     void a_document_that_leaves_no_room_for_a_second_version_is_copied();
     void a_document_that_an_interrupted_save_linked_becomes_the_backup();
     void extra_links_of_a_document_do_not_count();
+    void a_version_that_replaces_the_document_meanwhile_is_copied();
     void the_time_of_a_backup_is_that_of_the_save();
     void a_separate_backup_stays_when_the_next_one_is_made();
     void separate_backups_count_towards_the_limit();
@@ -521,6 +539,26 @@ void TestBackup::extra_links_of_a_document_do_not_count()
     QFile file(document);
     QVERIFY(Backup().Keep(&file, {true, false, 0, 1}));
     QVERIFY(file.isOpen());
+}
+
+void TestBackup::a_version_that_replaces_the_document_meanwhile_is_copied()
+{
+    const QString document = Document("a.quillet", "version one");
+    const QString other = Document("other", "version of another program");
+    // Creates and syncs the folder.
+    QVERIFY(Keep(Document("earlier", "content")));
+    bool is_replaced = false;
+    on_sync = [&] {
+        is_replaced = std::rename(QFile::encodeName(other).constData(),
+                                  QFile::encodeName(document).constData()) == 0;
+    };
+    QFile file(document);
+    const std::optional<QString> copy = Backup().Keep(&file, {true, false, 0});
+    QVERIFY(is_replaced);
+    QVERIFY(copy);
+    QVERIFY(!file.isOpen());
+    QCOMPARE(Read_File(*copy), QByteArray("version of another program"));
+    QCOMPARE(Read_File(document), QByteArray("version of another program"));
 }
 
 void TestBackup::the_time_of_a_backup_is_that_of_the_save()

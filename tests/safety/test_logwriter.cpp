@@ -59,6 +59,9 @@ private slots:
     void a_failed_update_leaves_the_previous_one();
     void an_update_after_a_failure_writes_everything();
     void references_are_stored_one_by_one();
+    void references_of_a_changed_page_stay_until_the_next_update_data();
+    void references_of_a_changed_page_stay_until_the_next_update();
+    void references_stay_after_a_failed_update();
     void a_long_log_is_shortened_unless_it_contains_images();
     void any_walk_of_changes_is_recovered_data();
     void any_walk_of_changes_is_recovered();
@@ -442,6 +445,57 @@ void TestLogWriter::references_are_stored_one_by_one()
     QVERIFY(d_writer->Store_Reference(Data()));
     QVERIFY(QFile::remove(In("base.quillet")));
     QCOMPARE(Byte_Difference(Recovered(Log()), expected), QString());
+}
+
+void TestLogWriter::references_of_a_changed_page_stay_until_the_next_update_data()
+{
+    QTest::addColumn<TChange>("change");
+    QTest::newRow("page removed") << TChange([](TDocument* document) {
+        document->data.Remove_Page(2);
+        document->pages.erase(document->pages.begin() + 1);
+    });
+    QTest::newRow("image replaced") << TChange([](TDocument* document) {
+        document->data.Set_Active_Page(2);
+        document->data.Set_Page_Image(Picture(20, 10, 9));
+    });
+}
+
+void TestLogWriter::references_of_a_changed_page_stay_until_the_next_update()
+{
+    QFETCH(TChange, change);
+    const TBaseFile base = Save_As_Base(*d_document, In("base.quillet"));
+    QVERIFY(Update(base));
+    const QByteArray before = Project_Of(*d_document);
+    change(d_document.get());
+    int stored = 0;
+    while (stored < 6 && d_writer->Store_Reference(Data()))
+        ++stored;
+    QVERIFY(stored < 6);
+    QVERIFY(d_writer->Has_References());
+    QCOMPARE(Byte_Difference(Recovered(Log()), before), QString());
+    QVERIFY(Update(base));
+    while (d_writer->Has_References())
+        QVERIFY(d_writer->Store_Reference(Data()));
+    QVERIFY(QFile::remove(In("base.quillet")));
+    QCOMPARE(Difference(), QString());
+}
+
+void TestLogWriter::references_stay_after_a_failed_update()
+{
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        const TBaseFile base = Save_As_Base(*d_document, In("base.quillet"));
+        if (!Update(base))
+            return 1;
+        Support::Limit_File_Size(100);
+        for (int page = 1; page <= 3; ++page) {
+            Data().Set_Active_Page(page);
+            Data().Set_Page_Image(Picture(20, 10, 10 + page));
+        }
+        if (Update(base))
+            return 2;
+        return d_writer->Has_References() && !d_writer->Store_Reference(Data()) ? 0 : 3;
+    });
+    QCOMPARE(result.exit_code, 0);
 }
 
 void TestLogWriter::a_long_log_is_shortened_unless_it_contains_images()

@@ -12,6 +12,7 @@
 #include <QTest>
 
 #include <csignal>
+#include <limits>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -68,6 +69,9 @@ private slots:
     void unchanged_pages_are_not_stored();
     void a_save_after_a_save_leaves_a_whole_log();
     void everything_is_stored_before_a_document_without_backup_is_overwritten();
+    void a_document_without_another_complete_copy_needs_room_to_be_overwritten_data();
+    void a_document_without_another_complete_copy_needs_room_to_be_overwritten();
+    void changes_that_could_not_be_stored_are_stored_by_a_save();
     void everything_is_stored_before_an_overwritten_document_is_saved();
     void a_saved_file_that_is_overwritten_is_stored_bit_by_bit();
     void a_saved_file_that_cannot_be_protected_is_stored_bit_by_bit();
@@ -692,6 +696,76 @@ void TestSafetyNet::everything_is_stored_before_a_document_without_backup_is_ove
     QCOMPARE(Read_File(path), QByteArray());
     d_document.data.Change_Item_Value(1, 100);
     QCOMPARE(Difference(), QString());
+}
+
+void TestSafetyNet::a_document_without_another_complete_copy_needs_room_to_be_overwritten_data()
+{
+    QTest::addColumn<QString>("copy");
+    QTest::addColumn<bool>("is_opened");
+    QTest::newRow("no other copy") << "none" << false;
+    QTest::newRow("log that refers to the document") << "incomplete log" << false;
+    QTest::newRow("log without references") << "log" << true;
+    QTest::newRow("backup") << "backup" << true;
+}
+
+void TestSafetyNet::a_document_without_another_complete_copy_needs_room_to_be_overwritten()
+{
+    QFETCH(QString, copy);
+    QFETCH(bool, is_opened);
+    const QString path = In("a.quillet");
+    Add_Pages();
+    if (copy != "backup")
+        Write_File(In("settings/backup"), "in the way");
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        const auto net = Net();
+        Save_Document(net.get(), path);
+        if (copy != "none") {
+            d_document.data.Change_Item_Value(1, 100);
+            net->Record_Change(path);
+        }
+        if (copy == "incomplete log")
+            Support::Limit_File_Size(100);
+        QFile file(path);
+        const qint64 too_large = std::numeric_limits<qint64>::max();
+        const bool is_open = net->Open_For_Saving(&file, too_large, &d_other_version);
+        return is_open == is_opened && file.isOpen() == is_opened ? 0 : 1;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(path), is_opened ? QByteArray() : Support::Project_Of(d_document));
+}
+
+void TestSafetyNet::changes_that_could_not_be_stored_are_stored_by_a_save()
+{
+    const QString path = In("a.quillet");
+    Add_Pages();
+    Write_File(In("settings/backup"), "in the way");
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        const auto net = Net();
+        Save_Document(net.get(), path);
+        d_document.data.Change_Item_Value(1, 100);
+        net->Record_Change(path);
+        rlimit limit = {};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        // Unlike Limit_File_Size, for a while.
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit less = {100, limit.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &less);
+        d_document.data.Remove_Page(2);
+        d_document.pages.erase(d_document.pages.begin() + 1);
+        net->Record_Change(path);
+        d_document.data.Remove_Page(1);
+        d_document.pages.erase(d_document.pages.begin());
+        net->Record_Change(path);
+        setrlimit(RLIMIT_FSIZE, &limit);
+        QFile file(path);
+        if (!net->Open_For_Saving(&file, 1, &d_other_version))
+            return 1;
+        Write_File(In("expected"), Support::Project_Of(d_document));
+        kill(getpid(), SIGKILL);
+        return 2;
+    });
+    QCOMPARE(result.signal, SIGKILL);
+    QCOMPARE(Support::Byte_Difference(Only_Log(), Read_File(In("expected"))), QString());
 }
 
 void TestSafetyNet::everything_is_stored_before_an_overwritten_document_is_saved()
