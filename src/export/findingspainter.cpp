@@ -245,7 +245,9 @@ std::vector<TListLayout::TLines> TListLayout::Pages() const
             name = place;
         // A name stays on the same page as the first row below it.
         const double needed = heights[place + 1] + (is_name ? heights[place + 2] : 0.0);
-        if (height + needed > d_room.height() && !pages.back().empty()) {
+        // No break after a name alone: the row below it is higher than a page.
+        const bool has_rows = pages.back().size() > 1;
+        if (height + needed > d_room.height() && has_rows) {
             pages.emplace_back();
             height = heights.front();
             if (!is_name) {

@@ -337,6 +337,18 @@ private slots:
         QVERIFY(text.contains("last"));
     }
 
+    void a_row_that_is_higher_than_a_page_begins_below_the_name_of_its_page()
+    {
+        QByteArray cell;
+        for (int line = 1; line <= 300; ++line)
+            cell += "line" + QByteArray::number(line) + "\n";
+        Write("a.quillet", Project({Label(1)}));
+        Write("t.csv", "page,value,Finding\n1,1,\"" + cell + "\"\n");
+        Do({"export-pdf", "a.quillet", "--output", "a.pdf", "--list", "--findings", "t.csv"});
+        const QString first = Text_Of_Pages(Path("a.pdf")).at(1).simplified();
+        QVERIFY2(first.contains("No. Finding Sheet 1 1 line1 line2 "), qPrintable(first));
+    }
+
     void long_texts_wrap_within_the_page()
     {
         Write("a.quillet", Project({Label(1)}));
