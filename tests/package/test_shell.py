@@ -33,6 +33,11 @@ class TestManualPages(unittest.TestCase):
             text = run("lexgrog", installed.installed("share/man/man1", name + ".1.gz"))
             self.assertIn(f'"{name} - ', text)
 
+    def test_the_programs_page_names_all_inputs_and_exports(self):
+        text = " ".join(installed.man_page("quillet.1")[0].split())
+        self.assertRegex(text, r"image.* becomes a page, and so does each page of a PDF or TIFF")
+        self.assertRegex(text, r"exports one image for each page, a PDF report .*, or a web page")
+
     def sections(self):
         """Returns the section of each subcommand in the tool's page."""
         text = installed.man_page("quillet-cli.1")[0]
