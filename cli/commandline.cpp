@@ -83,10 +83,11 @@ void TCommandLine::Check_Argument_Count() const
 {
     const QStringList arguments = Arguments();
     const int minimum = d_argument_name.isEmpty() ? 0 : 1;
-    if (arguments.size() < minimum)
-        throw TUsageError{Tr("Missing argument '%1'.").arg(d_argument_name)};
     if (d_count == TCount::One && arguments.size() > minimum)
         throw TUsageError{Tr("Unexpected argument '%1'.").arg(arguments.at(minimum))};
+    // Arguments are empty for the same reason as values: see Require().
+    if (arguments.size() < minimum || arguments.contains(QString()))
+        throw TUsageError{Tr("Missing argument '%1'.").arg(d_argument_name)};
 }
 
 int TCommandLine::Number(const char* option, int smallest, int largest) const

@@ -34,6 +34,8 @@ void FindingsOptions::Add(TCommandLine* line)
 void FindingsOptions::Check(const TCommandLine& line, const QString& output)
 {
     const bool has_table = line.Is_Set(CommonOptions::Findings);
+    if (has_table)
+        line.Require(CommonOptions::Findings);
     if (line.Is_Set(strict_option) && !has_table)
         throw TUsageError{Tr("Option 'strict' needs option 'findings'.")};
     if (has_table && !output.isEmpty())

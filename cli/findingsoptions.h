@@ -11,7 +11,8 @@ namespace FindingsOptions {
 /// Declares --findings and --strict.
 void Add(TCommandLine* line);
 
-/// Checks that --strict is used only with --findings, and that the table is not the output.
+/// Checks that --findings is not empty, that --strict is used only with it, and that the table is
+/// not the output.
 void Check(const TCommandLine& line, const QString& output);
 
 /// The labels of a document, joined to the table if there is one. Prints a warning for each

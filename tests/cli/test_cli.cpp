@@ -171,6 +171,12 @@ private slots:
         row("info a b", "Unexpected argument 'b'.");
         row("info sound.quillet --paint", "Unknown option 'paint'.");
         row("info sound.quillet --json=1", "Unexpected value after '--json'.");
+        QTest::newRow("info with an empty name")
+            << QStringList{"info", ""} << "Missing argument 'FILE'.";
+        QTest::newRow("check with an empty second name")
+            << QStringList{"check", "sound.quillet", ""} << "Missing argument 'FILE'.";
+        QTest::newRow("kept with an empty name")
+            << QStringList{"kept", ""} << "Unexpected argument ''.";
         row("check", "Missing argument 'FILE'.");
         row("create --output out", "Missing argument 'FILE'.");
         for (const QString value : {"35", "1201", "150dpi", "-1"})
@@ -494,8 +500,6 @@ private slots:
                                  << "No such file or directory";
         QTest::newRow("folder") << "."
                                 << "file to open is a directory";
-        QTest::newRow("empty name") << ""
-                                    << "No file name specified";
         QTest::newRow("legacy") << "nothing.qld"
                                 << "Background image not found";
     }

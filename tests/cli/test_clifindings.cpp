@@ -181,6 +181,12 @@ private slots:
         row("width as a word", {"export-html", "a.quillet", "--output", "out", "--max-width", "x"});
         row("neither csv nor json", {"export-items", "a.quillet"});
         row("empty csv", {"export-items", "a.quillet", "--csv", ""});
+        row("empty findings in a web page",
+            {"export-html", "a.quillet", "--output", "out", "--findings", ""});
+        row("empty findings in a report",
+            {"export-pdf", "a.quillet", "--output", "out", "--list", "--findings", ""});
+        row("empty findings of items",
+            {"export-items", "a.quillet", "--csv", "out", "--findings", ""});
         row("empty csv with json", {"export-items", "a.quillet", "--csv", "", "--json"});
     }
     void options_that_make_no_sense_are_wrong_usage()
