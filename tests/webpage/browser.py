@@ -107,6 +107,21 @@ def make_photograph(folder):
     return page, export_pictures(document, os.path.join(folder, "photographs"))[0]
 
 
+def make_page_with_links(folder, count):
+    """Exports a document with a finding of some long links and a last column; the path."""
+    image, items, findings, empty, document, page = (
+        os.path.join(folder, f"links-{count}." + suffix)
+        for suffix in ("png", "items.csv", "findings.csv", "empty.quillet", "quillet", "html"))
+    run("convert", "-size", "300x200", "xc:white", image)
+    write_table(items, ("page", "value", "x", "y"), [(1, 1, 50, 50)])
+    write_table(findings, ("page", "value", *(f"File {number}" for number in range(count)), "Due"),
+                [(1, 1, *["https://files.example/" + "Quillet0" * 30] * count, "Monday")])
+    run(TOOL, "create", image, "--output", empty)
+    run(TOOL, "import-items", empty, "--csv", items, "--output", document)
+    run(TOOL, "export-html", document, "--findings", findings, "--output", page)
+    return page
+
+
 class Picture:
     """Brightness of the pixels of a PNG file."""
 
@@ -137,6 +152,8 @@ class TestWebPage(unittest.TestCase):
         cls.addClassCleanup(room.cleanup)
         cls.path, cls.pictures = make_document(room.name)
         cls.photograph = make_photograph(room.name)
+        cls.page_with_a_link = make_page_with_links(room.name, 1)
+        cls.page_with_six_links = make_page_with_links(room.name, 6)
         cls.browser = chromium.start(os.path.join(room.name, "profile"))
         cls.addClassCleanup(cls.browser.quit)
 
@@ -368,16 +385,36 @@ class TestWebPage(unittest.TestCase):
         self.assertEqual(self.browser.title, ATTACK)
         self.browser.get_log("browser")
 
-    def test_printed_it_has_the_pages_and_the_whole_list(self):
+    def print(self, name):
+        """Prints to a PDF on A4; its path and text."""
         pdf = self.command("Page.printToPDF", preferCSSPageSize=True, paperWidth=8.27, paperHeight=11.69)
-        path = os.path.join(SCREENSHOTS, "print.pdf")
+        path = os.path.join(SCREENSHOTS, name + ".pdf")
         with open(path, "wb") as file:
             file.write(base64.b64decode(pdf["data"]))
-        text = run("pdftotext", "-layout", path, "-").decode()
+        return path, run("pdftotext", "-layout", path, "-").decode()
+
+    def test_printed_it_has_the_pages_and_the_whole_list(self):
+        path, text = self.print("print")
         for page, value, finding, _ in ROWS:
             self.assertIn(finding.split("\n")[0], text)
         self.assertNotIn("Filter", text)
         self.assertEqual(run("pdfinfo", path).decode().count("Pages:           3\n"), 1)
+
+    def test_a_long_link_does_not_hide_the_columns_after_it(self):
+        self.browser.get("file://" + self.page_with_a_link)
+        for width in (1000, 1200, 1800):
+            chromium.set_screen(self.browser, width, 900)
+            cell, rows = (self.script("return document.querySelector(arguments[0])"
+                                      ".getBoundingClientRect().right", selector)
+                          for selector in ("#row-1 td:last-child", ".rows"))
+            self.assertLessEqual(cell, rows, f"on a screen of {width}")
+        self.screenshot("long-link")
+
+    def test_long_links_are_printed_with_the_columns_after_them(self):
+        self.browser.get("file://" + self.page_with_six_links)
+        text = self.print("print-links")[1]
+        self.assertIn("Monday", text)
+        self.assertEqual(text.count("Q"), 6 * 30)
 
     def test_on_a_phone_everything_fits_and_a_card_shows_the_chosen_row(self):
         for width in (320, 390):
