@@ -12,10 +12,10 @@ set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://www.quillet.example)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Quillet puts numbered labels on the pages of a report. Import images or PDFs,
-add labels with a right click, edit, move and renumber them, and put the pages
-into order. Quillet exports one image for each page, or a PDF report with header
-lines and page numbers.
+"Quillet puts numbered labels on the pages of a report. Import images or
+PDFs, add labels with a right click, edit, move and renumber them, and put
+the pages into order. Quillet exports one image for each page, or a PDF
+report with header lines and page numbers.
 .
 The package also contains the command-line tool quillet-cli, which creates,
 checks, recovers, renumbers and exports projects, and exchanges labels with

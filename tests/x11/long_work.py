@@ -13,9 +13,10 @@ import shutil
 import tempfile
 import time
 
-from driver import (Box, Failure, Picture, stable_screen, click, cursor, point_at, press, wait_until,
+from driver import (Failure, Picture, stable_screen, click, cursor, point_at, press, wait_until,
                     write)
-from session import check, close_discarding, run_steps, start_working
+from session import (check, close_discarding, run_steps, start_working, status_bar,
+                     wait_for_end_of_message)
 
 # A little more than the time that the program waits before it shows progress.
 PROGRESS_DELAY_SECONDS = 0.6
@@ -24,7 +25,6 @@ PROGRESS_DELAY_SECONDS = 0.6
 def watch_long_work(session):
     """The pointer is busy and a bar is visible as long as the import takes."""
     box = session.program.box
-    status_bar = Box(box.left, box.bottom - 24, box.centre[0], box.bottom)
     point_at(*box.centre)
     before, pointer = stable_screen(), cursor()
     folder = tempfile.mkdtemp()
@@ -45,13 +45,13 @@ def watch_long_work(session):
     time.sleep(PROGRESS_DELAY_SECONDS)
     second = close_pipe(first, pipes[0], lambda: writing_end(pipes[1]))
     session.shoot("long-work")
-    if not before.changes(Picture.of_screen(), status_bar):
+    if not before.changes(Picture.of_screen(), status_bar(session)):
         raise Failure("no progress is visible")
     check("remains of the dialog", before.changes(Picture.of_screen(), session.view()), None)
     check("a busy pointer", cursor() != pointer, True)
     third = close_pipe(second, pipes[1], lambda: writing_end(pipes[2]))
     close_pipe(third, pipes[2], lambda: cursor() == pointer)
-    check("remains of the bar", before.changes(stable_screen(), status_bar), None)
+    wait_for_end_of_message(session, before)
     close_discarding(session)
     shutil.rmtree(folder)
 

@@ -209,10 +209,23 @@ def start_working(session):
     session.program.resize(*WORKING_SIZE)
 
 
+def status_bar(session):
+    """The box of the messages."""
+    box = session.program.box
+    return Box(box.left, box.bottom - 24, box.centre[0], box.bottom)
+
+
+def wait_for_end_of_message(session, before):
+    """Waits until the status bar looks as in a screenshot: messages disappear after some seconds."""
+    wait_until("the message in the status bar to disappear",
+               lambda: not before.changes(Picture.of_screen(), status_bar(session)))
+
+
 def import_pages(session):
     """Imports the page images through the file dialog."""
     boxes = session.program.walk(["page", "pages", "page_add", *SETTINGS, "zoom"])
     session.boxes = {"name": Box(boxes["format"].left - 112, 0, 0, 0), **boxes}
+    before = stable_screen()
     click(session.program.icon(session.resource("menu/file_import.png")))
     session.program.dialog("Import one or more supported image files")
     write(os.path.dirname(session.images[0]))
@@ -222,6 +235,7 @@ def import_pages(session):
     session.shoot("import-dialog")
     session.program.answer("Return")
     session.shoot("imported")
+    wait_for_end_of_message(session, before)
 
 
 def learn_boxes(session):
