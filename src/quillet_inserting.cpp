@@ -58,11 +58,11 @@ QString Box_Text(const QStringList& messages)
 /// Describes an insertion in one line.
 QString Status_Text(std::size_t page_count, const QStringList& messages)
 {
-    const QString inserted = page_count == 1 ? TQuillet::tr("Inserted 1 page")
-                                             : TQuillet::tr("Inserted %1 pages").arg(page_count);
-    if (messages.isEmpty())
-        return inserted;
-    return inserted + QStringLiteral(". ") + First_Messages(messages, 1).join(QLatin1Char(' '));
+    QString text = page_count == 1 ? TQuillet::tr("Inserted 1 page")
+                                   : TQuillet::tr("Inserted %1 pages").arg(page_count);
+    if (!messages.isEmpty())
+        text += QStringLiteral(". ") + First_Messages(messages, 1).join(QLatin1Char(' '));
+    return text;
 }
 
 /// Counts the pages of files. Leaves out those that cannot be opened.
