@@ -175,7 +175,7 @@ void Commands::Export_Pdf(TCommandLine* line)
 
     Check_Options(*line);
     Report_Options(*line, TAppearance()); // throws for invalid values
-    FindingsOptions::Check(*line, Report_Path(*line, line->Arguments().first()));
+    FindingsOptions::Check(*line, Report_Path(*line, line->Arguments().at(0)));
     TExportJob job(*line);
     if (line->Is_Set(CommonOptions::Folder))
         Files::Check_Folder(line->Text(CommonOptions::Folder));

@@ -18,7 +18,7 @@ using Markup::Number;
 
 namespace {
 
-const QByteArray end_of_file = "</html>\n";
+constexpr const char* end_of_file = "</html>\n";
 
 QString Resource(const QString& name)
 {
@@ -262,7 +262,8 @@ void TWriter::Put_List()
 QString TWriter::Label_Title(const TFinding& finding) const
 {
     QStringList lines{tr("Label %1").arg(finding.label.value)};
-    for (const QString& text : QStringList{finding.label.text} + finding.cells) {
+    const QStringList texts = QStringList{finding.label.text} + finding.cells;
+    for (const QString& text : texts) {
         if (!text.isEmpty())
             lines += text;
     }
