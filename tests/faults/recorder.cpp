@@ -23,12 +23,13 @@
 
 namespace {
 
-/// The folder with a slash at its end; empty if nothing is recorded.
+/// The folder with a slash at its end; empty if nothing is recorded. It is never destroyed, because
+/// files are still closed and opened after the destructors of static objects.
 const std::string& Folder()
 {
-    static const std::string folder = [] {
+    static const std::string& folder = *[] {
         const char* const path = std::getenv("QUILLET_RECORD_FOLDER");
-        return path ? std::string(path) + '/' : std::string();
+        return new std::string(path ? std::string(path) + '/' : std::string());
     }();
     return folder;
 }
