@@ -18,8 +18,6 @@ QProcessEnvironment Environment(const TToolOptions& options, const QString& home
                              "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
         environment.remove(QString::fromLatin1(name));
     environment.insert(QStringLiteral("HOME"), home);
-    // LeakSanitizer itself crashes at the end of a process that has printed with Qt.
-    environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
     if (!options.display.isEmpty())
         environment.insert(QStringLiteral("DISPLAY"), options.display);
     return environment;
