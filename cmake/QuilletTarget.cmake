@@ -32,18 +32,12 @@ if(QUILLET_COVERAGE)
     target_link_options(quillet_options INTERFACE --coverage)
 endif()
 
-# quillet_library(NAME SOURCES ... LINK ... [PRECOMPILE HEADERS]): adds the library of one room. Parsing
-# Qt's headers takes most of the compiler's time, so each room has them precompiled. Sources include
-# what they use nevertheless: the linters compile them without.
+# quillet_library(NAME SOURCES ... LINK ...): adds the library of one room.
 function(quillet_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK;PRECOMPILE")
-    if(NOT arg_PRECOMPILE)
-        set(arg_PRECOMPILE <QtGui>)
-    endif()
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
     add_library(${name} STATIC ${arg_SOURCES})
     # Sources include each other by their path from the project's root. The room's own folder lets
     # users include headers by their short names.
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE $<BUILD_INTERFACE:quillet_options>)
-    target_precompile_headers(${name} PRIVATE ${arg_PRECOMPILE})
 endfunction()
