@@ -9,7 +9,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 using Support::Header;
 using Support::Item_Element;

@@ -3,7 +3,7 @@
 #include "support/tool.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <unistd.h>
 

@@ -7,7 +7,7 @@
 #include "support/tool.h"
 #include "support/worklogs.h"
 
-#include <QtTest>
+#include <QTest>
 
 using Support::Byte_Difference;
 using Support::Project_Of;

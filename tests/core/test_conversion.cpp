@@ -4,7 +4,7 @@
 
 #include "support/support.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 #include <limits>

@@ -1,6 +1,6 @@
 #include "core/pageranges.h"
 
-#include <QtTest>
+#include <QTest>
 
 /// Tests PageRanges.
 class TestPageRanges : public QObject

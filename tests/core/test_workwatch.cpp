@@ -9,7 +9,7 @@
 #include <QBuffer>
 #include <QFile>
 #include <QRandomGenerator>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

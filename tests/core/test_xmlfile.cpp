@@ -8,7 +8,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTextCodec>
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 #include <memory>

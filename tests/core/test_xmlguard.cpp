@@ -6,7 +6,7 @@
 
 #include <QDomDocument>
 #include <QTextCodec>
-#include <QtTest>
+#include <QTest>
 
 #include <sys/resource.h>
 

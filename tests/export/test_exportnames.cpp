@@ -3,7 +3,7 @@
 #include "support/support.h"
 
 #include <QLocale>
-#include <QtTest>
+#include <QTest>
 
 #include <cstdlib>
 

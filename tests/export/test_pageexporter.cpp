@@ -8,7 +8,7 @@
 #include "src/format/document.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <QPrinter>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -16,7 +16,7 @@
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <dlfcn.h>

@@ -4,7 +4,7 @@
 #include "src/format/document.h"
 #include "src/model/numbering.h"
 
-#include <QtTest>
+#include <QTest>
 
 using Support::Label;
 

@@ -5,7 +5,7 @@
 #include "core/xmlfile.h"
 
 #include <QDomElement>
-#include <QtTest>
+#include <QTest>
 
 class TestItemXml : public QObject
 {

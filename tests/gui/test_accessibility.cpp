@@ -13,7 +13,7 @@
 #include "src/settingswidget.h"
 #include "src/widgets/accessibility.h"
 
-#include <QtTest>
+#include <QTest>
 
 class TestAccessibility : public QObject
 {

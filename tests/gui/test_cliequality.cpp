@@ -10,7 +10,7 @@
 
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 using Support::Label;
 using Support::TToolResult;

@@ -14,7 +14,8 @@
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 
-#include <QtTest>
+#include <QSignalSpy>
+#include <QTest>
 
 #include <cstdlib>
 #include <ctime>

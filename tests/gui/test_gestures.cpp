@@ -16,7 +16,8 @@
 #include "src/widgets/rowlist.h"
 #include "src/widgets/wheelzoom.h"
 
-#include <QtTest>
+#include <QSignalSpy>
+#include <QTest>
 
 #include <cmath>
 #include <tuple>

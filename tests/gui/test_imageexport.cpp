@@ -11,7 +11,7 @@
 #include <QDateTime>
 #include <QFileDialog>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <cmath>
 

@@ -9,7 +9,7 @@
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
 
-#include <QtTest>
+#include <QTest>
 
 class TestImport : public QObject
 {

@@ -13,7 +13,7 @@
 #include "src/widgets/rowlist.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <memory>

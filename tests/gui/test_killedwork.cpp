@@ -7,7 +7,7 @@
 #include "support/window.h"
 #include "support/worklogs.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <sys/stat.h>

@@ -14,7 +14,8 @@
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 
-#include <QtTest>
+#include <QSignalSpy>
+#include <QTest>
 
 namespace {
 

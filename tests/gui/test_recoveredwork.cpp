@@ -11,7 +11,7 @@
 #include "src/safety/keptfiles.h"
 #include "src/widgets/recoverynotice.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <unistd.h>

@@ -13,7 +13,8 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QRadioButton>
-#include <QtTest>
+#include <QSignalSpy>
+#include <QTest>
 
 using TValues = QList<int>;
 using TPageValues = QList<TValues>;

@@ -15,7 +15,7 @@
 #include <QPrinter>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <cmath>
 

@@ -17,7 +17,7 @@
 #include "src/settingswidget.h"
 #include "src/widgets/recoverynotice.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <sys/stat.h>

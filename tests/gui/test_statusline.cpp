@@ -8,7 +8,7 @@
 #include "src/displaywidget.h"
 #include "src/pagewidget.h"
 
-#include <QtTest>
+#include <QTest>
 
 using Support::Run_Answering;
 

@@ -11,7 +11,7 @@
 #include "src/pagewidget.h"
 #include "src/undo/undohistory.h"
 
-#include <QtTest>
+#include <QTest>
 
 using Support::Label;
 

@@ -19,7 +19,7 @@
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <random>

@@ -8,7 +8,7 @@
 #include "src/pagewidget.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 

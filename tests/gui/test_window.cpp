@@ -12,7 +12,7 @@
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include "src/model/imagefiles.h"
 
 #include <QImageReader>
-#include <QtTest>
+#include <QTest>
 
 /// Tests ImageFiles.
 class TestImageFiles : public QObject

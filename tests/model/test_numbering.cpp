@@ -1,6 +1,6 @@
 #include "src/model/numbering.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 #include <vector>

@@ -2,7 +2,7 @@
 
 #include "src/model/pageedge.h"
 
-#include <QtTest>
+#include <QTest>
 
 class TestPageEdge : public QObject
 {

@@ -5,7 +5,7 @@
 #include "support/support.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <memory>
 

@@ -4,7 +4,7 @@
 #include "support/support.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

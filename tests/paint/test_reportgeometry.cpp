@@ -2,7 +2,7 @@
 
 #include "support/support.h"
 
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

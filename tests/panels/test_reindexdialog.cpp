@@ -7,8 +7,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalSpy>
 #include <QStyle>
-#include <QtTest>
+#include <QTest>
 
 using Support::Child_With_Text;
 using Support::Grid_Cell;

@@ -10,7 +10,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStringList>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <cmath>

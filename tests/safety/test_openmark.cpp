@@ -3,7 +3,7 @@
 #include "support/support.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <memory>

@@ -6,7 +6,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStringList>
-#include <QtTest>
+#include <QTest>
 
 namespace Support {
 

@@ -2,7 +2,7 @@
 
 #include "src/undo/documentstep.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <random>
 

@@ -2,7 +2,7 @@
 
 #include "src/undo/stepkind.h"
 
-#include <QtTest>
+#include <QTest>
 
 class TestStepKind : public QObject
 {

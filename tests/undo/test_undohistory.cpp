@@ -2,8 +2,9 @@
 
 #include "support/support.h"
 
+#include <QSignalSpy>
 #include <QStandardItemModel>
-#include <QtTest>
+#include <QTest>
 
 class TestUndoHistory : public QObject
 {

@@ -6,7 +6,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QStatusBar>
-#include <QtTest>
+#include <QTest>
 
 #include <stdexcept>
 
