@@ -194,3 +194,4 @@ void Commands::Reindex(TCommandLine* line)
     Number_Pages(document.Page_Ids(), first_value, method, &document.data);
     Files::Save(output, document);
 }
+    Files::Check_Is_No_Legacy_Input(output, line->Argument());

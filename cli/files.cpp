@@ -117,6 +117,12 @@ void Files::Check_Is_No_Input(const QString& output, const QStringList& inputs)
         throw TJobError{output, Tr("is an input and cannot be overwritten")};
 }
 
+void Files::Check_Is_No_Legacy_Input(const QString& output, const QString& input)
+{
+    if (LegacyFile::Is_Legacy(input))
+        Check_Is_No_Input(output, {input});
+}
+
 QString Files::Settings_Folder()
 {
     return QDir::home().filePath(QStringLiteral(".quillet"));

@@ -33,6 +33,10 @@ void Check_Output(const QString& path, bool force);
 /// inputs and outputs of these commands are different types of files.
 void Check_Is_No_Input(const QString& output, const QStringList& inputs);
 
+/// Checks that a project does not overwrite a legacy document from which it is made. A project may
+/// replace the project from which it is made.
+void Check_Is_No_Legacy_Input(const QString& output, const QString& input);
+
 /// The settings folder of the window.
 QString Settings_Folder();
 

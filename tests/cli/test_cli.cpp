@@ -300,16 +300,34 @@ private slots:
         QCOMPARE(Content("sound.quillet"), Sound_Project());
     }
 
-    void the_image_of_a_legacy_document_is_not_overwritten()
+    void neither_file_of_a_legacy_document_is_overwritten_data()
     {
+        QTest::addColumn<QString>("command");
+        QTest::newRow("export-html") << "export-html";
+        QTest::newRow("reindex") << "reindex --first 5 --over-page 10";
+        QTest::newRow("import-items") << "import-items --csv items.csv";
+    }
+    void neither_file_of_a_legacy_document_is_overwritten()
+    {
+        QFETCH(const QString, command);
         const QByteArray image = Content("image.png");
+        const QByteArray list = "<Quillet_Data File_Version=\"3\"/>";
         Support::Write_File(d_folder->filePath("a.qli"), image);
-        Support::Write_File(d_folder->filePath("a.qld"), "<Quillet_Data File_Version=\"3\"/>");
-        const TToolResult result = Run({"export-html", "a.qld", "--output", "a.qli", "--force"});
-        QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors,
-                 QStringLiteral("quillet-cli: a.qli: is an input and cannot be overwritten\n"));
-        QCOMPARE(Content("a.qli"), image);
+        Support::Write_File(d_folder->filePath("a.qld"), list);
+        QCOMPARE(link(QFile::encodeName(d_folder->filePath("a.qli")).constData(),
+                      QFile::encodeName(d_folder->filePath("hard.qli")).constData()),
+                 0);
+        QVERIFY(QFile::link("a.qld", d_folder->filePath("soft.qld")));
+        for (const char* const output : {"a.qld", "./a.qli", "hard.qli", "soft.qld"}) {
+            const TToolResult result =
+                Run(command.split(' ') + QStringList{"a.qld", "--output", output, "--force"});
+            QCOMPARE(result.status, 1);
+            QCOMPARE(result.errors,
+                     QStringLiteral("quillet-cli: %1: is an input and cannot be overwritten\n")
+                         .arg(output));
+            QCOMPARE(Content("a.qld"), list);
+            QCOMPARE(Content("a.qli"), image);
+        }
     }
 
     void an_existing_file_is_kept_without_force_data() { Add_Writing_Commands(); }
