@@ -109,6 +109,15 @@ QString TRecordReader::Fault(const QRegularExpressionMatch& field)
                                        : tr("a quote within an unquoted field");
 }
 
+/// The line of the first character that is not in UTF-8.
+int Line_Of_Damage(QByteArray table)
+{
+    // An invalid character reads as a replacement character. Valid ones must not be found.
+    table.replace("\xef\xbf\xbd", " ");
+    const QString text = QString::fromUtf8(table);
+    return 1 + Line_Ends(text.left(text.indexOf(QChar(QChar::ReplacementCharacter))));
+}
+
 /// The text of a table, which must be UTF-8.
 QString Decoded(const QByteArray& table)
 {
@@ -117,10 +126,8 @@ QString Decoded(const QByteArray& table)
         QTextCodec::codecForName("UTF-8")->toUnicode(table.constData(), table.size(), &state);
     if (state.invalidChars == 0 && state.remainingChars == 0)
         return text;
-    // The line of the first invalid character.
-    const int damage = text.indexOf(QChar(QChar::ReplacementCharacter));
     throw TCsvException(QCoreApplication::translate("Csv", "the table is not in UTF-8"),
-                        1 + text.leftRef(damage).count(QLatin1Char('\n')));
+                        Line_Of_Damage(table));
 }
 
 } // namespace

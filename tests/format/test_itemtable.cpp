@@ -246,6 +246,12 @@ private slots:
                                              << "2: \"4,5\" is not a y coordinate" + number_hint;
         QTest::newRow("quote not closed") << header + "1,2,\"t,none,3,4\r\n\r\n"
                                           << "2: a quoted field is not closed";
+        QTest::newRow("not utf-8 after a replacement character")
+            << header + "1,2,\xef\xbf\xbd,none,3,4\n" + "1,2,Ri\xdf,none,3,4"
+            << "3: the table is not in UTF-8";
+        QTest::newRow("not utf-8 after lines that end with CR")
+            << QByteArray(header).replace("\r\n", "\r") + "1,2,,none,3,4\r1,2,Ri\xdf,none,3,4"
+            << "3: the table is not in UTF-8";
         QTest::newRow("quote within") << header + good + "1,2,2\" pipe,none,3,4"
                                       << "3: a quote within an unquoted field";
         QTest::newRow("after a quoted field") << header + "1,2,\"t\" ,none,3,4"
