@@ -35,22 +35,27 @@ constexpr std::array<TOptionValue, 4> steps = {{
     {"1000", TNumbering::Next_1000X},
 }};
 
-/// Returns the images of a folder in natural order: "page 2" before "page 10".
-QStringList Images_In(const QString& folder)
+QString Accepted_Formats()
+{
+    return ImageFiles::Suffixes_And_Pdf().join(QStringLiteral(", "));
+}
+
+/// Returns the images and PDFs of a folder in natural order: "page 2" before "page 10".
+QStringList Inputs_In(const QString& folder)
 {
     QStringList names;
     if (!QFileInfo(folder).isReadable())
         throw TJobError{folder, Tr("cannot be read")};
-    // A dangling link counts as an image: an error is better than a missing page.
-    const auto is_image = [&folder](const QString& name) {
+    // A dangling link counts as an input: an error is better than a missing page.
+    const auto is_input = [&folder](const QString& name) {
         const QFileInfo file(QDir(folder).filePath(name));
-        return ImageFiles::Is_Image_Name(name) && (file.isFile() || !file.exists());
+        return ImageFiles::Is_Image_Or_Pdf_Name(name) && (file.isFile() || !file.exists());
     };
     const QStringList entries = QDir(folder).entryList(QDir::Files | QDir::System, QDir::Name);
-    std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names), is_image);
+    std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(names), is_input);
     if (names.isEmpty())
-        throw TJobError{folder, Tr("contains no images; accepted formats: %1")
-                                    .arg(ImageFiles::Suffixes().join(QStringLiteral(", ")))};
+        throw TJobError{
+            folder, Tr("contains no images or PDFs; accepted formats: %1").arg(Accepted_Formats())};
     ImageFiles::Sort(&names);
     QStringList paths;
     for (const QString& name : std::as_const(names))
@@ -58,13 +63,13 @@ QStringList Images_In(const QString& folder)
     return paths;
 }
 
-/// Replaces each folder with the images in it.
+/// Replaces each folder with the images and PDFs in it.
 QStringList Expand_Folders(const QStringList& arguments)
 {
     QStringList paths;
     for (const QString& path : arguments) {
         if (QFileInfo(path).isDir())
-            paths += Images_In(path);
+            paths += Inputs_In(path);
         else
             paths += path;
     }
@@ -145,9 +150,9 @@ std::vector<TInputPage> Read_Pages(std::vector<TInputFile>* files)
 void Commands::Create(TCommandLine* line)
 {
     line->Add_Argument(QStringLiteral("FILE"),
-                       Tr("Images, PDFs and folders of images; each image and each page becomes a "
-                          "page. Accepted formats: %1.")
-                           .arg(ImageFiles::Suffixes_And_Pdf().join(QStringLiteral(", "))),
+                       Tr("Images, PDFs and folders of them; each image and each page of a PDF "
+                          "becomes a page. Accepted formats: %1.")
+                           .arg(Accepted_Formats()),
                        TCommandLine::TCount::One_Or_More);
     line->Add_Output_Option(CommonOptions::Output, QStringLiteral("PROJECT"),
                             Tr("The project to write (required)."));
@@ -190,8 +195,8 @@ void Commands::Reindex(TCommandLine* line)
     const int method = line->Code(step_option, steps);
     const QString output = line->Text(CommonOptions::Output);
     Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Legacy_Input(output, line->Argument());
     TDocument document = Files::Load(line->Argument());
     Number_Pages(document.Page_Ids(), first_value, method, &document.data);
     Files::Save(output, document);
 }
-    Files::Check_Is_No_Legacy_Input(output, line->Argument());

@@ -2,6 +2,7 @@
 
 #include "src/quillet.h"
 
+#include "src/format/legacyfile.h"
 #include "src/model/imagefiles.h"
 #include "src/pageinput/inputfile.h"
 #include "src/pagewidget.h"
@@ -66,6 +67,13 @@ QString Status_Text(std::size_t page_count, const QStringList& messages)
 }
 
 /// Counts the pages of files. Leaves out those that cannot be opened.
+/// Whether a path has the suffix of a document. Its content may look like that of a PDF.
+bool Is_Document_Name(const QString& path)
+{
+    return path.endsWith(QLatin1String(".quillet"), Qt::CaseInsensitive) ||
+           LegacyFile::Is_Legacy(path);
+}
+
 std::vector<TInputFile> Open_Files(const QStringList& paths, const TInputOptions& options,
                                    TReadPages* pages)
 {
@@ -201,7 +209,7 @@ void TQuillet::Open_Arguments(const QStringList& arguments)
         if (argument.startsWith(QLatin1Char('-')))
             continue;
         const QString path = QFileInfo(argument).absoluteFilePath();
-        if (ImageFiles::Is_Image_Or_Pdf_Name(path))
+        if (!Is_Document_Name(path) && ImageFiles::Is_Image_Or_Pdf(path))
             pages += path;
         else
             documents += path;

@@ -1,6 +1,7 @@
 #include "src/model/imagefiles.h"
 
 #include <QCollator>
+#include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 
@@ -45,16 +46,27 @@ QStringList ImageFiles::Suffixes_And_Pdf()
     return suffixes;
 }
 
-bool ImageFiles::Is_Image_Name(const QString& path)
-{
-    static const QStringList suffixes = Suffixes();
-    return suffixes.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
-}
-
 bool ImageFiles::Is_Image_Or_Pdf_Name(const QString& path)
 {
     static const QStringList suffixes = Suffixes_And_Pdf();
     return suffixes.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
+}
+
+bool ImageFiles::Is_Pdf(const QString& path)
+{
+    // Readers accept other bytes before the signature.
+    constexpr int searched = 1024;
+    const QFileInfo information(path);
+    if (information.suffix().compare(QLatin1String("pdf"), Qt::CaseInsensitive) == 0)
+        return true;
+    QFile file(path);
+    return information.isFile() && file.open(QIODevice::ReadOnly) &&
+           file.read(searched).contains("%PDF-");
+}
+
+bool ImageFiles::Is_Image_Or_Pdf(const QString& path)
+{
+    return Is_Image_Or_Pdf_Name(path) || Is_Pdf(path);
 }
 
 void ImageFiles::Sort(QStringList* paths)

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Recognizes image files and PDFs by their names.
+/// Recognizes image files by their names, and PDFs also by their content.
 namespace ImageFiles {
 
 /// Name patterns for the dialog of File > Import: "*.bmp *.gif ...".
@@ -16,11 +16,14 @@ QStringList Suffixes();
 /// The same with PDF.
 QStringList Suffixes_And_Pdf();
 
-/// Whether a path has the suffix of an image file, in upper or lower case.
-bool Is_Image_Name(const QString& path);
-
-/// The same for image files and PDFs.
+/// Whether a path has the suffix of an image file or a PDF, in upper or lower case.
 bool Is_Image_Or_Pdf_Name(const QString& path);
+
+/// Whether a file is a PDF, by its suffix or its first bytes.
+bool Is_Pdf(const QString& path);
+
+/// Whether a file is an image by its suffix, or a PDF.
+bool Is_Image_Or_Pdf(const QString& path);
 
 /// Sorts paths by file name in natural order: "page 2" before "page 10".
 void Sort(QStringList* paths);

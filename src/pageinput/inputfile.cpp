@@ -30,7 +30,7 @@ TInputFile::TInputFile(const QString& path, const TInputOptions& options)
     : d_path(path)
     , d_options(options)
 {
-    if (TPdfFile::Is_Pdf(path))
+    if (ImageFiles::Is_Pdf(path))
         d_pdf.emplace(path);
 }
 

@@ -43,17 +43,6 @@ bool Is_Complete_Png(const QByteArray& bytes)
 
 } // namespace
 
-bool TPdfFile::Is_Pdf(const QString& path)
-{
-    // Readers accept other bytes before the signature.
-    constexpr int searched = 1024;
-    if (QFileInfo(path).suffix().compare(QLatin1String("pdf"), Qt::CaseInsensitive) == 0)
-        return true;
-    QFile file(path);
-    return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) &&
-           file.read(searched).contains("%PDF-");
-}
-
 TPdfFile::TPdfFile(const QString& path)
     : d_path(path)
 {

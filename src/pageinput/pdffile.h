@@ -21,9 +21,6 @@ public:
     static constexpr int Highest_Resolution = 1200; ///< dots per inch
     static constexpr int Default_Resolution = 150;  ///< dots per inch
 
-    /// Whether a file is a PDF, by its name or its first bytes.
-    static bool Is_Pdf(const QString& path);
-
     explicit TPdfFile(const QString& path);
 
     /// Reads the number and sizes of the pages.

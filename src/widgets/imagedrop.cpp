@@ -19,7 +19,7 @@ QStringList Image_Paths(const QMimeData& dragged)
     const QList<QUrl> urls = dragged.urls();
     for (const QUrl& url : urls) {
         const QString path = url.toLocalFile();
-        if (ImageFiles::Is_Image_Or_Pdf_Name(path) && QFileInfo(path).isFile())
+        if (QFileInfo(path).isFile() && ImageFiles::Is_Image_Or_Pdf(path))
             paths += path;
     }
     return paths;

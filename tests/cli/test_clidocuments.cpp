@@ -137,14 +137,15 @@ private slots:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("defect");
-        const QString images = "bmp, gif, jpeg, jpg, pbm, pgm, png, ppm, tif, tiff, webp, xbm, xpm";
-        const QString formats = QString(images).replace("pgm", "pdf, pgm");
+        const QString formats =
+            "bmp, gif, jpeg, jpg, pbm, pdf, pgm, png, ppm, tif, tiff, webp, xbm, xpm";
         QTest::newRow("text") << "notes.txt"
                               << "is not a readable image; accepted formats: " + formats;
         QTest::newRow("missing") << "missing.png"
                                  << "No such file or directory";
-        QTest::newRow("folder without images") << "empty"
-                                               << "contains no images; accepted formats: " + images;
+        QTest::newRow("folder without images")
+            << "empty"
+            << "contains no images or PDFs; accepted formats: " + formats;
         QTest::newRow("damaged, in a folder")
             << "damaged"
             << "damaged/a.png: is not a readable image; accepted formats: " + formats;

@@ -113,18 +113,29 @@ private slots:
                  QString());
     }
 
-    void a_folder_contains_tiff_and_webp_but_no_pdf()
+    void a_folder_stands_for_its_images_and_pdfs_in_the_order_of_their_names()
     {
         QVERIFY(QDir(d_folder->path()).mkdir("images"));
-        Write("images/2.TIF", Support::Tiff({Support::Picture(40, 30)}));
+        Write("images/10.TIF", Support::Tiff({Support::Picture(40, 30)}));
         QVERIFY(Support::Picture(30, 30).save(Path("images/1.webp")));
-        Write("images/3.pdf", Support::Pdf({ordinary}));
+        Write("images/2.PDF", Support::Pdf({ordinary, "0 0 70 80"}));
+        Write("images/notes.txt", "%PDF-1.4 is a format");
         const TToolResult result = Create({"images"});
         QCOMPARE(result.errors, QString());
         const QByteArray expected =
             Project({{"Page 1", Support::Png(QImage(Path("images/1.webp")))},
-                     {"Page 2", Support::Png(QImage(Path("images/2.TIF")))}});
+                     {"Page 2", Rendered("images/2.PDF", 1, 150)},
+                     {"Page 3", Rendered("images/2.PDF", 2, 150)},
+                     {"Page 4", Support::Png(QImage(Path("images/10.TIF")))}});
         QCOMPARE(Support::Byte_Difference(Content(), expected), QString());
+    }
+
+    void a_pdf_needs_no_suffix()
+    {
+        Write("report", Support::Pdf({ordinary}));
+        const TToolResult result = Create({"report"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(Content(), Project({{"Page 1", Rendered("report", 1, 150)}}));
     }
 
     void photos_are_turned_upright_unless_as_stored_is_given()

@@ -361,6 +361,20 @@ private slots:
 
     void images_are_inserted_into_the_document_on_the_command_line()
     {
+    void a_pdf_on_the_command_line_needs_no_suffix()
+    {
+        d_window->Open_Arguments({Write("report", Support::Pdf({small}))});
+        QCOMPARE(Pages(), QStringList({"Page 1 150x75"}));
+        QCOMPARE(d_window->d_file_name, QString());
+    }
+
+    void a_document_that_contains_the_signature_of_a_pdf_is_opened()
+    {
+        const QString path = Write("a.quillet", Support::Header(32, "#0a141e", "%PDF-1.4", "", 0));
+        d_window->Open_Arguments({path});
+        QCOMPARE(d_window->d_file_name, path);
+    }
+
         const QString image = Image("b.png", 61);
         d_window->Open_Arguments({image, Project("c.quillet")});
         QCOMPARE(Pages(), QStringList({"Plan 60x40", "Page 2 61x40"}));

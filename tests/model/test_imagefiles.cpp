@@ -1,6 +1,9 @@
 #include "src/model/imagefiles.h"
 
+#include "support/support.h"
+
 #include <QImageReader>
+#include <QTemporaryDir>
 #include <QTest>
 
 /// Tests ImageFiles.
@@ -38,7 +41,7 @@ private slots:
         QTest::newRow("TIFF") << "page.tiff" << true;
         QTest::newRow("WebP") << "page.webp" << true;
         QTest::newRow("two suffixes") << "page.tar.gif" << true;
-        QTest::newRow("a PDF's suffix of a folder") << "/a.pdf/page.gif" << true;
+        QTest::newRow("PDF") << "page.pdf" << true;
         QTest::newRow("no image") << "notes.txt" << false;
         QTest::newRow("a drawing") << "page.svg" << false;
         QTest::newRow("a suffix before another") << "page.png.zip" << false;
@@ -51,16 +54,37 @@ private slots:
     {
         QFETCH(const QString, name);
         QFETCH(const bool, is_image);
-        QCOMPARE(ImageFiles::Is_Image_Name(name), is_image);
         QCOMPARE(ImageFiles::Is_Image_Or_Pdf_Name(name), is_image);
     }
 
-    void a_pdf_is_no_image()
+    void pdfs_are_recognized_by_suffix_or_content_data()
     {
-        for (const char* const name : {"a.pdf", "b.PDF"}) {
-            QVERIFY(!ImageFiles::Is_Image_Name(QString::fromLatin1(name)));
-            QVERIFY(ImageFiles::Is_Image_Or_Pdf_Name(QString::fromLatin1(name)));
-        }
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("is_pdf");
+        QTest::newRow("suffix") << "a.pdf" << QByteArray() << true;
+        QTest::newRow("capital suffix") << "A.PDF" << QByteArray() << true;
+        QTest::newRow("content") << "a" << QByteArray("%PDF-1.4") << true;
+        QTest::newRow("late content") << "a.txt" << QByteArray(1000, ' ') + "%PDF-1.4" << true;
+        QTest::newRow("too late") << "a.txt" << QByteArray(1024, ' ') + "%PDF-1.4" << false;
+        QTest::newRow("text") << "a.txt" << QByteArray("PDF") << false;
+    }
+    void pdfs_are_recognized_by_suffix_or_content()
+    {
+        QFETCH(const QString, name);
+        QFETCH(const QByteArray, content);
+        QFETCH(const bool, is_pdf);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(name);
+        Support::Write_File(path, content);
+        QCOMPARE(ImageFiles::Is_Pdf(path), is_pdf);
+        QCOMPARE(ImageFiles::Is_Image_Or_Pdf(path), is_pdf);
+    }
+
+    void an_image_is_no_pdf()
+    {
+        QVERIFY(!ImageFiles::Is_Pdf("a.png"));
+        QVERIFY(ImageFiles::Is_Image_Or_Pdf("a.png"));
     }
 
     void paths_are_sorted_by_name_in_natural_order()

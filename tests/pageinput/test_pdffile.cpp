@@ -52,26 +52,6 @@ class TestPdfFile : public QObject
 private slots:
     void init() { d_folder = std::make_unique<QTemporaryDir>(); }
 
-    void pdfs_are_recognized_by_name_or_content_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<bool>("expected");
-        QTest::newRow("suffix") << "a.pdf" << QByteArray() << true;
-        QTest::newRow("capital suffix") << "A.PDF" << QByteArray() << true;
-        QTest::newRow("content") << "a" << QByteArray("%PDF-1.4") << true;
-        QTest::newRow("late content") << "a.png" << QByteArray(1000, ' ') + "%PDF-1.4" << true;
-        QTest::newRow("too late") << "a.png" << QByteArray(1024, ' ') + "%PDF-1.4" << false;
-        QTest::newRow("image") << "a.png" << Support::Png(Support::Picture(20, 20)) << false;
-    }
-    void pdfs_are_recognized_by_name_or_content()
-    {
-        QFETCH(const QString, name);
-        QFETCH(const QByteArray, content);
-        QFETCH(const bool, expected);
-        QCOMPARE(TPdfFile::Is_Pdf(Write(content, name)), expected);
-    }
-
     void a_page_has_the_pixels_of_pdftoppm_data()
     {
         QTest::addColumn<QString>("source");

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void cleanup();
     void images_are_accepted_everywhere();
     void only_the_images_among_the_files_are_passed_on();
+    void a_pdf_is_recognized_by_its_content();
     void drags_without_images_are_left_to_the_widget();
     void a_graphics_view_refuses_drags_without_images();
     void drags_that_can_only_move_files_are_refused();
@@ -104,6 +105,14 @@ void TestImageDrop::only_the_images_among_the_files_are_passed_on()
         Drop(d_window.get(), {images.first(), File("notes.txt"), d_folder->filePath("folder.png"),
                               images.last(), d_folder->filePath("missing.png")}));
     QCOMPARE(d_dropped, images);
+}
+
+void TestImageDrop::a_pdf_is_recognized_by_its_content()
+{
+    const QString pdf = d_folder->filePath("report");
+    Support::Write_File(pdf, "%PDF-1.4");
+    QVERIFY(Drop(d_window.get(), {File("notes.txt"), pdf}));
+    QCOMPARE(d_dropped, QStringList(pdf));
 }
 
 void TestImageDrop::drags_without_images_are_left_to_the_widget()
