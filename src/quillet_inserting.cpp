@@ -59,14 +59,14 @@ QString Box_Text(const QStringList& messages)
 /// Describes an insertion in one line.
 QString Status_Text(std::size_t page_count, const QStringList& messages)
 {
-    QString text = page_count == 1 ? TQuillet::tr("Inserted 1 page")
-                                   : TQuillet::tr("Inserted %1 pages").arg(page_count);
+    QString text = TQuillet::tr("Inserted %1 pages").arg(page_count);
+    if (page_count <= 1)
+        text = page_count == 0 ? TQuillet::tr("No page inserted") : TQuillet::tr("Inserted 1 page");
     if (!messages.isEmpty())
         text += QStringLiteral(". ") + First_Messages(messages, 1).join(QLatin1Char(' '));
     return text;
 }
 
-/// Counts the pages of files. Leaves out those that cannot be opened.
 /// Whether a path has the suffix of a document. Its content may look like that of a PDF.
 bool Is_Document_Name(const QString& path)
 {
@@ -74,6 +74,7 @@ bool Is_Document_Name(const QString& path)
            LegacyFile::Is_Legacy(path);
 }
 
+/// Counts the pages of files. Leaves out those that cannot be opened.
 std::vector<TInputFile> Open_Files(const QStringList& paths, const TInputOptions& options,
                                    TReadPages* pages)
 {

@@ -252,6 +252,8 @@ private slots:
     void files_without_any_page_change_nothing()
     {
         Drop({Write("a.png", "no image")});
+        QVERIFY2(Message().startsWith("No page inserted. a.png: is not a readable image; "),
+                 qPrintable(Message()));
         Drop({});
         QVERIFY(!d_window->d_data_changed);
         QVERIFY(!d_window->d_history->Can_Undo());
@@ -359,8 +361,6 @@ private slots:
         QCOMPARE(d_window->d_file_name, QString());
     }
 
-    void images_are_inserted_into_the_document_on_the_command_line()
-    {
     void a_pdf_on_the_command_line_needs_no_suffix()
     {
         d_window->Open_Arguments({Write("report", Support::Pdf({small}))});
@@ -375,6 +375,8 @@ private slots:
         QCOMPARE(d_window->d_file_name, path);
     }
 
+    void images_are_inserted_into_the_document_on_the_command_line()
+    {
         const QString image = Image("b.png", 61);
         d_window->Open_Arguments({image, Project("c.quillet")});
         QCOMPARE(Pages(), QStringList({"Plan 60x40", "Page 2 61x40"}));
