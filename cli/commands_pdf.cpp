@@ -158,7 +158,15 @@ QString Report_Path(const TCommandLine& line, const QString& document)
 /// The labels of the chosen pages.
 TFindings Chosen_Findings(const TCommandLine& line, const TExportInput& input)
 {
-    const TFindings all = FindingsOptions::Load(line, input.document);
+    QSet<int> numbers;
+    for (const TExportPage& page : input.pages)
+        numbers += page.number;
+    const TFindings all = FindingsOptions::Load(line, input.document, numbers);
+    if (all.headings.size() > TFindingsPainter::Maximum_Headings)
+        throw TJobError{line.Text(CommonOptions::Findings),
+                        Tr("has %1 columns for the list; a report has room for %2")
+                            .arg(all.headings.size())
+                            .arg(TFindingsPainter::Maximum_Headings)};
     TFindings chosen{all.headings, {}};
     for (const TExportPage& page : input.pages)
         chosen.pages.push_back(all.pages[static_cast<std::size_t>(page.number) - 1]);

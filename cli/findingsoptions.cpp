@@ -42,14 +42,15 @@ void FindingsOptions::Check(const TCommandLine& line, const QString& output)
         Files::Check_Is_No_Input(output, {line.Text(CommonOptions::Findings)});
 }
 
-TFindings FindingsOptions::Load(const TCommandLine& line, const TDocument& document)
+TFindings FindingsOptions::Load(const TCommandLine& line, const TDocument& document,
+                                const QSet<int>& checked_pages)
 {
     TFindings findings = Findings::Of(document.data, document.pages);
     if (!line.Is_Set(CommonOptions::Findings))
         return findings;
     const QString path = line.Text(CommonOptions::Findings);
     const bool is_strict = line.Is_Set(strict_option);
-    const QStringList warnings = Findings::Join(Read_Table(path), &findings);
+    const QStringList warnings = Findings::Join(Read_Table(path), &findings, checked_pages);
     for (const QString& warning : warnings)
         Terminal::Print_Error(path, is_strict ? warning : Tr("warning: ") + warning);
     if (is_strict && !warnings.isEmpty())

@@ -17,6 +17,8 @@ void Check(const TCommandLine& line, const QString& output);
 
 /// The labels of a document, joined to the table if there is one. Prints a warning for each
 /// mismatch; with --strict, any mismatch throws a TReportedError.
-TFindings Load(const TCommandLine& line, const TDocument& document);
+/// @param checked_pages  numbers of the pages to check; all if empty.
+TFindings Load(const TCommandLine& line, const TDocument& document,
+               const QSet<int>& checked_pages = {});
 
 } // namespace FindingsOptions

@@ -23,8 +23,10 @@ class TJoin
     Q_DECLARE_TR_FUNCTIONS(Findings)
 
 public:
-    explicit TJoin(const TFindingsTable& table)
+    TJoin(const TFindingsTable& table, int page_count, const QSet<int>& checked_pages)
         : d_table(table)
+        , d_page_count(page_count)
+        , d_checked_pages(checked_pages)
         , d_is_used(table.rows.size(), false)
     {
         for (std::size_t index = 0; index < table.rows.size(); ++index)
@@ -34,16 +36,18 @@ public:
     /// Gives the labels of a page their cells.
     void Join_Page(TFindingsPage* page);
     /// Adds a warning for each row that no label uses.
-    /// @param page_count  of the document.
-    void Report_Unused_Rows(int page_count);
+    void Report_Unused_Rows();
 
     QStringList Warnings() const { return d_warnings; }
 
 private:
     QStringList Cells(const TKey& key, int index);
-    QString Unused_Row_Text(const TFindingsRow& row, int page_count) const;
+    QString Unused_Row_Text(const TFindingsRow& row) const;
+    void Warn(int page, const QString& text);
 
     const TFindingsTable& d_table;
+    const int d_page_count; ///< of the document
+    const QSet<int>& d_checked_pages;
     QHash<TKey, std::vector<std::size_t>> d_rows; ///< indexes in the table
     std::vector<bool> d_is_used;                  ///< for each row of the table
     QHash<TKey, int> d_label_counts;
@@ -57,9 +61,9 @@ void TJoin::Join_Page(TFindingsPage* page)
         finding.cells = Cells(key, d_label_counts[key]++);
         // Report it once, for the second label.
         if (d_label_counts[key] == 2)
-            d_warnings += tr("page %1: several labels have the number %2")
-                              .arg(page->number)
-                              .arg(finding.label.value);
+            Warn(page->number, tr("page %1: several labels have the number %2")
+                                   .arg(page->number)
+                                   .arg(finding.label.value));
     }
 }
 
@@ -69,7 +73,7 @@ QStringList TJoin::Cells(const TKey& key, int index)
 {
     const std::vector<std::size_t> rows = d_rows.value(key);
     if (rows.empty()) {
-        d_warnings += tr("page %1: label %2 has no row").arg(key.first).arg(key.second);
+        Warn(key.first, tr("page %1: label %2 has no row").arg(key.first).arg(key.second));
         QStringList empty;
         std::fill_n(std::back_inserter(empty), d_table.headings.size(), QString());
         return empty;
@@ -79,22 +83,29 @@ QStringList TJoin::Cells(const TKey& key, int index)
     return d_table.rows[row].cells;
 }
 
-void TJoin::Report_Unused_Rows(int page_count)
+void TJoin::Report_Unused_Rows()
 {
     for (std::size_t index = 0; index < d_table.rows.size(); ++index) {
         if (!d_is_used[index])
-            d_warnings += Unused_Row_Text(d_table.rows[index], page_count);
+            Warn(d_table.rows[index].page, Unused_Row_Text(d_table.rows[index]));
     }
 }
 
-QString TJoin::Unused_Row_Text(const TFindingsRow& row, int page_count) const
+QString TJoin::Unused_Row_Text(const TFindingsRow& row) const
 {
-    if (row.page > page_count)
+    if (row.page > d_page_count)
         return tr("line %1: there is no page %2").arg(row.line).arg(row.page);
     const QString text = d_label_counts.contains({row.page, row.value})
                              ? tr("line %1: page %2 has no further label %3")
                              : tr("line %1: page %2 has no label %3");
     return text.arg(row.line).arg(row.page).arg(row.value);
+}
+
+/// Adds a warning unless the page exists and is not to be checked.
+void TJoin::Warn(int page, const QString& text)
+{
+    if (d_checked_pages.isEmpty() || d_checked_pages.contains(page) || page > d_page_count)
+        d_warnings += text;
 }
 
 } // namespace
@@ -139,12 +150,13 @@ TFindings Findings::Of(const TData& data, const std::vector<TNamedPage>& pages)
     return findings;
 }
 
-QStringList Findings::Join(const TFindingsTable& table, TFindings* findings)
+QStringList Findings::Join(const TFindingsTable& table, TFindings* findings,
+                           const QSet<int>& checked_pages)
 {
     findings->headings = table.headings;
-    TJoin join(table);
+    TJoin join(table, static_cast<int>(findings->pages.size()), checked_pages);
     for (TFindingsPage& page : findings->pages)
         join.Join_Page(&page);
-    join.Report_Unused_Rows(static_cast<int>(findings->pages.size()));
+    join.Report_Unused_Rows();
     return join.Warnings();
 }

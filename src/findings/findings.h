@@ -3,6 +3,7 @@
 #include "src/model/namedpage.h"
 #include "src/model/pageitem.h"
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -52,8 +53,10 @@ TFindings Of(const TData& data, const std::vector<TNamedPage>& pages);
 /// Adds the headings and cells of a table. Rows and labels are matched by page number and label
 /// value. Labels with the same value get the rows in order; if there are too few rows, the
 /// remaining labels get the last one.
+/// @param checked_pages  numbers of the pages to check; all if empty.
 /// @return a warning for each row without a label, each label without a row, and each value that a
-/// page has more than once.
-QStringList Join(const TFindingsTable& table, TFindings* findings);
+/// page has more than once, on the pages to check; and for each row of a page that does not exist.
+QStringList Join(const TFindingsTable& table, TFindings* findings,
+                 const QSet<int>& checked_pages = {});
 
 } // namespace Findings

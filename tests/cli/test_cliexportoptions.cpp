@@ -333,6 +333,22 @@ private slots:
         QVERIFY(!list.contains("second"));
     }
 
+    void pages_that_are_not_exported_are_not_compared_with_the_table()
+    {
+        const QString command = "export-pdf a.quillet --output a.pdf --force --list "
+                                "--findings t.csv --strict --pages ";
+        // Page 1 has no row, and page 3 has no label 9.
+        Support::Write_File(Path("t.csv"), "page,value,Note\n2,2,second\n3,3,third\n3,9,x\n");
+        QCOMPARE(Do(command + "2,2"), QStringList("a.pdf"));
+        QCOMPARE(Run(command + "2,1").errors,
+                 QStringLiteral("quillet-cli: t.csv: page 1: label 1 has no row\n"));
+        QCOMPARE(Run(command + "2-3").errors,
+                 QStringLiteral("quillet-cli: t.csv: line 4: page 3 has no label 9\n"));
+        Support::Write_File(Path("t.csv"), "page,value,Note\n2,2,second\n4,1,x\n");
+        QCOMPARE(Run(command + "2").errors,
+                 QStringLiteral("quillet-cli: t.csv: line 3: there is no page 4\n"));
+    }
+
     void the_title_is_a_property_of_the_report()
     {
         Do("export-pdf a.quillet --output a.pdf --title", {QString::fromUtf8("Prüfung 漏水")});
