@@ -9,6 +9,7 @@
 #include "cli/pageview.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
+#include "src/export/findingspainter.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -17,7 +17,12 @@ struct TFindings;
 class TFindingsPainter
 {
 public:
+    /// Headings of a table for which a page has room. With more, columns are narrower than a
+    /// letter.
+    static constexpr int Maximum_Headings = 24;
+
     /// Lays out the list.
+    /// @param findings  with at most Maximum_Headings.
     /// @param room     for the list on each page, in pixels of the painter's device.
     /// @param painter  active; not owned.
     TFindingsPainter(const TFindings& findings, const QRect& room, QPainter* painter);

@@ -370,6 +370,47 @@ private slots:
         QCOMPARE(text.count(QStringLiteral("\u6f0f")), 200);
     }
 
+    void a_list_with_the_most_columns_is_complete_data()
+    {
+        QTest::addColumn<QString>("resolution");
+        for (const char* const resolution : {"96", "180", "276", "372"})
+            QTest::newRow(resolution) << QString(resolution);
+    }
+    void a_list_with_the_most_columns_is_complete()
+    {
+        QFETCH(const QString, resolution);
+        Write("a.quillet", Project({Label(1, "text of a label")}));
+        QByteArray headings = "page,value";
+        QByteArray cells = "1,1";
+        for (int column = 0; column < 24; ++column) {
+            headings += ",Column" + QByteArray::number(column);
+            cells += ",WWWWW\xe6\xbc\x8f\xe6\xb0\xb4WWWWW";
+        }
+        Write("t.csv", headings + "\n" + cells + "\n");
+        Do({"export-pdf", "a.quillet", "--output", "a.pdf", "--list", "--findings", "t.csv",
+            "--resolution", resolution});
+        const QString text = Text_Of_Pages(Path("a.pdf")).at(1);
+        QCOMPARE(text.count('W'), 24 * 10);
+        QCOMPARE(text.count(QStringLiteral("\u6f0f")), 24);
+        QCOMPARE(text.count(QStringLiteral("\u6c34")), 24);
+    }
+
+    void a_list_with_too_many_columns_is_refused()
+    {
+        Write("a.quillet", Project({Label(1)}));
+        QByteArray headings = "page,value";
+        for (int column = 0; column < 25; ++column)
+            headings += ",Column" + QByteArray::number(column);
+        Write("t.csv", headings + "\n");
+        const TToolResult result =
+            Run({"export-pdf", "a.quillet", "--output", "a.pdf", "--list", "--findings", "t.csv"});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.endsWith("quillet-cli: t.csv: has 25 columns for the list; a report "
+                                        "has room for 24\n"),
+                 qPrintable(result.errors));
+        QVERIFY(!QFile::exists(Path("a.pdf")));
+    }
+
     void without_list_the_report_is_as_before()
     {
         Write("a.quillet", Project({Label(1), Label(2)}));
