@@ -1,12 +1,12 @@
 // The list of findings: labels joined to a table, and the list as data.
 
 #include "support/project.h"
+#include "support/tables.h"
 
 #include "src/data.h"
 #include "src/findings/findings.h"
 #include "src/findings/findingsdata.h"
 #include "src/findings/findingstable.h"
-#include "src/format/csv.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -49,15 +49,9 @@ QStringList Describe(const TFindings& findings)
     return lines;
 }
 
-/// Line and message of the exception that reading throws; empty without an exception.
 QString Refusal(const QByteArray& table)
 {
-    try {
-        TFindingsTable::Read(table);
-    } catch (const TCsvException& exception) {
-        return QStringLiteral("%1: %2").arg(exception.Line()).arg(exception.Message());
-    }
-    return QString();
+    return Support::Table_Refusal(TFindingsTable::Read, table);
 }
 
 } // namespace

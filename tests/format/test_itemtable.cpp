@@ -1,8 +1,8 @@
 // Labels as a table in comma-separated values.
 
 #include "support/project.h"
+#include "support/tables.h"
 
-#include "src/format/csv.h"
 #include "src/format/itemtable.h"
 
 #include <QLocale>
@@ -35,15 +35,9 @@ QStringList Describe(const std::vector<TItemRow>& rows)
     return lines;
 }
 
-/// Line and message of the exception that reading throws; empty without an exception.
 QString Refusal(const QByteArray& table)
 {
-    try {
-        ItemTable::Read(table);
-    } catch (const TCsvException& exception) {
-        return QStringLiteral("%1: %2").arg(exception.Line()).arg(exception.Message());
-    }
-    return QString();
+    return Support::Table_Refusal(ItemTable::Read, table);
 }
 
 } // namespace
@@ -246,18 +240,18 @@ private slots:
                                              << "2: \"4,5\" is not a y coordinate" + number_hint;
         QTest::newRow("quote not closed") << header + "1,2,\"t,none,3,4\r\n\r\n"
                                           << "2: a quoted field is not closed";
-        QTest::newRow("not utf-8 after a replacement character")
-            << header + "1,2,\xef\xbf\xbd,none,3,4\n" + "1,2,Ri\xdf,none,3,4"
-            << "3: the table is not in UTF-8";
-        QTest::newRow("not utf-8 after lines that end with CR")
-            << QByteArray(header).replace("\r\n", "\r") + "1,2,,none,3,4\r1,2,Ri\xdf,none,3,4"
-            << "3: the table is not in UTF-8";
         QTest::newRow("quote within") << header + good + "1,2,2\" pipe,none,3,4"
                                       << "3: a quote within an unquoted field";
         QTest::newRow("after a quoted field") << header + "1,2,\"t\" ,none,3,4"
                                               << "2: characters after a quoted field";
         QTest::newRow("not utf-8") << header + good + "1,2,Ri\xdf,none,3,4"
                                    << "3: the table is not in UTF-8";
+        QTest::newRow("not utf-8 after a replacement character")
+            << header + "1,2,\xef\xbf\xbd,none,3,4\n" + "1,2,Ri\xdf,none,3,4"
+            << "3: the table is not in UTF-8";
+        QTest::newRow("not utf-8 after lines that end with CR")
+            << QByteArray(header).replace("\r\n", "\r") + "1,2,,none,3,4\r1,2,Ri\xdf,none,3,4"
+            << "3: the table is not in UTF-8";
         QTest::newRow("cut in a character") << header + "1,2,Ri\xc3"
                                             << "2: the table is not in UTF-8";
     }
