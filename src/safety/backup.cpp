@@ -5,6 +5,7 @@
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryFile>
 
 #include <cstdio>
@@ -17,6 +18,9 @@
 namespace {
 
 constexpr mode_t permissions = 07777;
+
+/// Between the digest and the time in the name of a separate backup.
+constexpr QLatin1Char separator('-');
 
 QByteArray System_Path(const QString& path)
 {
@@ -126,7 +130,7 @@ std::optional<QString> TBackup::Keep(QFile* document, const TOptions& options) c
     TKeptNote note;
     QString name = Name_For(path);
     if (options.is_separate)
-        name = d_folder.Claim_Name(name + QLatin1Char('-'), &note);
+        name = d_folder.Claim_Name(name + separator, &note);
     else if (!note.Open(d_folder.Note_Path(name), TKeptNote::TExisting::Reuse))
         name.clear(); // another process is backing up the same document
     if (name.isEmpty())
@@ -201,16 +205,23 @@ bool TBackup::Copy(const QString& document, const QString& path, bool force_to_d
                        force_to_disk ? TSafeFile::TReach::Disk : TSafeFile::TReach::System);
 }
 
-/// Deletes the oldest backups until the rest fits the limit. The newest one always stays.
+/// Deletes the oldest backups until the rest fits the limit. The newest one always stays, and so
+/// does the newest separate one of each document: no other file may have that version.
 void TBackup::Enforce_Limit(const QString& newest) const
 {
     qint64 total = QFileInfo(d_folder.Copy_Path(newest)).size();
+    QSet<QString> documents;
     for (const TKeptFile& file : List()) {
         const QString name = TKeptFolder::Name_Of(file.path);
+        const int digest_end = name.indexOf(separator);
+        const QString document = name.left(digest_end);
+        const bool is_newest_separate = digest_end >= 0 && !documents.contains(document);
+        if (is_newest_separate)
+            documents.insert(document);
         if (name == newest)
             continue;
         total += file.size;
-        if (total > d_limit)
+        if (total > d_limit && !is_newest_separate)
             d_folder.Remove(name);
     }
 }

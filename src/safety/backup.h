@@ -13,7 +13,8 @@ class QFile;
 class TBackup
 {
 public:
-    /// Maximum size of all backups together, in bytes.
+    /// Maximum size of all backups together, in bytes. The newest version of each document that
+    /// another program wrote stays even beyond it.
     static constexpr qint64 Default_Limit = 2LL * 1024 * 1024 * 1024;
 
     /// How to back up a document.
@@ -27,7 +28,7 @@ public:
     };
 
     /// @param folder  folder of the backups; created on first use.
-    /// @param limit   maximum size of all backups in bytes; the oldest are deleted beyond it.
+    /// @param limit   as Default_Limit. The oldest backups are deleted beyond it.
     explicit TBackup(const QString& folder, qint64 limit = Default_Limit);
 
     /// Backs up the current content of a document that a save is about to replace.

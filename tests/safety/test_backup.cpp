@@ -82,6 +82,7 @@ private slots:
     void the_time_of_a_backup_is_that_of_the_save();
     void a_separate_backup_stays_when_the_next_one_is_made();
     void separate_backups_count_towards_the_limit();
+    void the_newest_separate_backup_of_each_document_stays_beyond_the_limit();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -593,11 +594,40 @@ void TestBackup::a_separate_backup_stays_when_the_next_one_is_made()
 void TestBackup::separate_backups_count_towards_the_limit()
 {
     const QString document = Document("a.quillet", QByteArray(100, 'x'));
-    Make_Old(Keep_Separately(document), 100);
+    const QString oldest = Keep_Separately(document);
+    Make_Old(oldest, 200);
     Document("a.quillet", QByteArray(100, 'y'));
-    QVERIFY(Keep_Limited(document, 150));
-    QCOMPARE(Backup().List().size(), size_t(1));
-    QCOMPARE(Backup().List().front().path, Backup().Path_For(document));
+    const QString newest = Keep_Separately(document);
+    Make_Old(newest, 100);
+    Document("a.quillet", QByteArray(100, 'z'));
+    QVERIFY(Keep_Limited(document, 250));
+    QVERIFY(!QFile::exists(oldest));
+    QVERIFY(QFile::exists(newest));
+    QVERIFY(QFile::exists(Backup().Path_For(document)));
+}
+
+void TestBackup::the_newest_separate_backup_of_each_document_stays_beyond_the_limit()
+{
+    QStringList newest;
+    QStringList others;
+    for (const char* const name : {"a.quillet", "b.quillet"}) {
+        const QString document = Document(name, QByteArray(100, 'x'));
+        QVERIFY(Keep(document));
+        others += Backup().Path_For(document);
+        Make_Old(others.last(), 1000);
+        Document(name, QByteArray(100, 'y'));
+        others += Keep_Separately(document);
+        Make_Old(others.last(), 3000);
+        Document(name, QByteArray(100, 'z'));
+        newest += Keep_Separately(document);
+        Make_Old(newest.last(), 2000);
+    }
+    const QString saved = Document("c.quillet", QByteArray(100, 'c'));
+    QVERIFY(Keep_Limited(saved, 150));
+    for (const QString& backup : newest + QStringList{Backup().Path_For(saved)})
+        QVERIFY2(QFile::exists(backup), qPrintable(backup));
+    for (const QString& backup : std::as_const(others))
+        QVERIFY2(!QFile::exists(backup), qPrintable(backup));
 }
 
 QTEST_MAIN(TestBackup)
