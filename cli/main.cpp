@@ -180,7 +180,7 @@ int main(int argument_count, char** raw_arguments)
     // File names are UTF-8 even if a script runs in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     qInstallMessageHandler(Print_Qt_Errors);
-    TUnfinishedFile::Delete_On_Signals();
+    TUnfinishedFile::Handle_Signals();
     // The resolution of a desktop, and so of the window. It determines font sizes and is stored in
     // images. Without a display, Qt would use another resolution.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);

@@ -165,18 +165,23 @@ bool TSafeFile::Replace_Target(TReach reach)
 }
 
 /// Copies the new content into the target. The complete new file has a visible name meanwhile, and
-/// keeps it if copying fails or is interrupted.
+/// keeps it if copying fails or a signal ends the process; a message then contains its path.
 bool TSafeFile::Overwrite_Target(TReach reach)
 {
     const QString complete = Make_Visible();
     if (complete.isEmpty())
         return false;
+    const QString message =
+        QStringLiteral("'%1' is incomplete; the complete new version is in '%2'")
+            .arg(d_target, complete);
+    d_registration.emplace(TUnfinishedFile::TMessage{message});
     if (!Copy_Content(complete, d_target) || (reach == TReach::Disk && !Sync(d_target))) {
+        d_registration.reset();
         // The command-line tool prints critical messages.
-        qCritical("'%s' is incomplete; the complete new version is in '%s'",
-                  qUtf8Printable(d_target), qUtf8Printable(complete));
+        qCritical("%s", qUtf8Printable(message));
         return false;
     }
+    d_registration.reset();
     QFile::remove(complete);
     return true;
 }

@@ -18,8 +18,8 @@ class QTemporaryFile;
 /// not writable but the target is, the target is written directly.
 ///
 /// A target with several hard links or another owner is overwritten in place, since renaming would
-/// replace it with a different file. If that fails, the complete new file stays beside it as
-/// TARGET.new, and an error message with its path is logged.
+/// replace it with a different file. If that fails or a signal ends the process, the complete
+/// new file stays beside it as TARGET.new, and an error message contains its path.
 ///
 /// The temporary file has mode 0600 and is locked. If the process is killed, the file stays, but
 /// unlocked.
@@ -86,7 +86,7 @@ private:
     QString Make_Visible();
 
     QString d_target;
-    std::optional<TUnfinishedFile> d_registration; ///< of d_file
+    std::optional<TUnfinishedFile> d_registration; ///< of the new file
     std::unique_ptr<QTemporaryFile> d_file;        ///< null when the target is written directly
     TKind d_kind;
     int d_extra_links;

@@ -77,7 +77,7 @@ private slots:
     void a_file_of_another_user_keeps_its_owner();
     void a_failed_overwrite_leaves_the_complete_new_file_data();
     void a_failed_overwrite_leaves_the_complete_new_file();
-    void a_kill_while_overwriting_leaves_the_complete_new_file();
+    void a_signal_while_overwriting_leaves_the_complete_new_file_and_names_it();
     void existing_files_named_like_the_new_one_stay();
     void the_visible_file_has_a_number_up_to_100_data();
     void the_visible_file_has_a_number_up_to_100();
@@ -323,11 +323,11 @@ void TestSafeFile::a_failed_overwrite_leaves_the_complete_new_file()
     QVERIFY(!Entries(d_folder->path()).first().startsWith('.'));
 }
 
-void TestSafeFile::a_kill_while_overwriting_leaves_the_complete_new_file()
+void TestSafeFile::a_signal_while_overwriting_leaves_the_complete_new_file_and_names_it()
 {
     Write_File_With_Two_Hard_Links("file");
     const Support::TChildResult result = Support::Run_In_Child([this] {
-        TUnfinishedFile::Delete_On_Signals();
+        TUnfinishedFile::Handle_Signals();
         TSafeFile file(In("file"));
         Write_File(file.Path_To_Write(), QByteArray(2000, 'n'));
         return file.Commit([](const QString&) {
@@ -343,6 +343,10 @@ void TestSafeFile::a_kill_while_overwriting_leaves_the_complete_new_file()
     QCOMPARE(result.signal, SIGTERM);
     QCOMPARE(Entries(d_folder->path()), QStringList({"file", "file.new", "two"}));
     QCOMPARE(Read_File(In("file.new")), QByteArray(2000, 'n'));
+    // Like the message after a failure.
+    QCOMPARE(QString::fromUtf8(result.error_output),
+             QString("%1: '%2' is incomplete; the complete new version is in '%3'\n")
+                 .arg(QCoreApplication::applicationName(), In("file"), In("file.new")));
 }
 
 void TestSafeFile::existing_files_named_like_the_new_one_stay()

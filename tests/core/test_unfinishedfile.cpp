@@ -69,7 +69,7 @@ void TestUnfinishedFile::a_signal_deletes_unfinished_files_and_ends_the_process(
     Write_File(In("target"), "old");
     const Support::TChildResult result = Support::Run_In_Child([&] {
         std::signal(signal, SIG_DFL);
-        TUnfinishedFile::Delete_On_Signals();
+        TUnfinishedFile::Handle_Signals();
         const TSafeFile file(In("target"));
         Write_File(file.Path_To_Write(), "new");
         const auto another = New_File("another");
@@ -84,7 +84,7 @@ void TestUnfinishedFile::an_ignored_signal_stays_ignored()
 {
     const Support::TChildResult result = Support::Run_In_Child([this] {
         std::signal(SIGHUP, SIG_IGN);
-        TUnfinishedFile::Delete_On_Signals();
+        TUnfinishedFile::Handle_Signals();
         const auto file = New_File("file");
         raise(SIGHUP);
         return Entries(d_folder->path()).size();
@@ -95,7 +95,7 @@ void TestUnfinishedFile::an_ignored_signal_stays_ignored()
 void TestUnfinishedFile::finished_files_stay()
 {
     const Support::TChildResult result = Support::Run_In_Child([this] {
-        TUnfinishedFile::Delete_On_Signals();
+        TUnfinishedFile::Handle_Signals();
         for (int i = 0; i < 10; ++i)
             New_File(QString::number(i));
         TSafeFile::Replace(In("target"), "new");
@@ -111,7 +111,7 @@ void TestUnfinishedFile::finished_files_stay()
 void TestUnfinishedFile::files_without_a_slot_stay()
 {
     const Support::TChildResult result = Support::Run_In_Child([this] {
-        TUnfinishedFile::Delete_On_Signals();
+        TUnfinishedFile::Handle_Signals();
         std::vector<std::unique_ptr<TUnfinishedFile>> files;
         for (int i = 0; i < 6; ++i)
             files.push_back(New_File(QString::number(i)));
@@ -147,7 +147,7 @@ void TestUnfinishedFile::a_path_that_is_too_long_is_not_cut()
     Write_File(path, "of the user");
     QVERIFY(QFile::exists(path));
     const Support::TChildResult result = Support::Run_In_Child([&path] {
-        TUnfinishedFile::Delete_On_Signals();
+        TUnfinishedFile::Handle_Signals();
         const TUnfinishedFile file(path + 'x');
         raise(SIGTERM);
         return 0;
