@@ -5,10 +5,11 @@
 /// Marks a document as open in this window, so that other windows can say so. Prevents nothing.
 ///
 /// A mark is an empty file named after the document's path, with a shared lock. The kernel releases
-/// the lock when the process ends, so a mark is never stale.
+/// the lock when the process ends; only a locked mark counts.
 class TOpenMark
 {
 public:
+    /// Removes the marks that killed processes left.
     /// @param folder  folder of the marks; created on first use.
     explicit TOpenMark(const QString& folder);
     ~TOpenMark() { Clear(); }

@@ -6,7 +6,25 @@
 #include <QTest>
 
 #include <csignal>
+#include <functional>
 #include <memory>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+/// Called by the next lock.
+std::function<void()> on_lock;
+
+} // namespace
+
+extern "C" int flock(int descriptor, int operation)
+{
+    if (const auto call = std::exchange(on_lock, nullptr))
+        call();
+    return static_cast<int>(syscall(SYS_flock, descriptor, operation));
+}
 
 /// Tests TOpenMark.
 class TestOpenMark : public QObject
@@ -94,6 +112,34 @@ private slots:
         QCOMPARE(Support::Entries(Marks()).size(), 1);
         TOpenMark mark(Marks());
         QVERIFY(!mark.Set(d_document));
+    }
+
+    void the_next_start_removes_the_marks_of_killed_windows()
+    {
+        TOpenMark running(Marks());
+        running.Set(d_document);
+        const QStringList used = Support::Entries(Marks());
+        const QString digest(64, 'f');
+        Support::Write_File(Marks() + '/' + digest, QByteArray());
+        const QStringList others = {digest + ".txt", digest.toUpper()};
+        Support::Write_File(Marks() + '/' + others.first(), QByteArray());
+        Support::Write_File(Marks() + '/' + others.last(), "content");
+        const TOpenMark next(Marks());
+        QStringList left = Support::Entries(Marks());
+        left.sort();
+        QStringList expected = used + others;
+        expected.sort();
+        QCOMPARE(left, expected);
+    }
+
+    void a_mark_that_is_removed_before_it_is_locked_is_made_again()
+    {
+        TOpenMark first(Marks());
+        on_lock = [this] { QFile::remove(Marks() + '/' + Support::Entries(Marks()).value(0)); };
+        QVERIFY(!first.Set(d_document));
+        QCOMPARE(Support::Entries(Marks()).size(), 1);
+        TOpenMark second(Marks());
+        QVERIFY(second.Set(d_document));
     }
 
     void without_a_document_or_a_folder_there_is_no_mark()
