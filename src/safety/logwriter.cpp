@@ -300,12 +300,32 @@ bool TLogWriter::Store_Reference(const TData& data)
     const TPageItem* const page = Find_Page(data, page_id);
     if (!page || page->revision != logged.revision)
         return false;
-    if (!has_labels)
-        return End(Write_Image(page->image, TBaseFile()));
-    TRow row = logged.row;
+    return End(has_labels ? Replace_Reference(*page, &logged)
+                          : Write_Image(page->image, TBaseFile()));
+}
+
+bool TLogWriter::Store_Labels(const TData& data)
+{
+    if (!d_is_known)
+        return false;
+    bool is_written = true;
+    for (const TPageItem& page : data.Pages()) {
+        const auto found = d_pages.find(page.page_id);
+        // The next update writes the labels of a page that has changed.
+        if (found != d_pages.end() && found->second.row.Is_Reference() &&
+            found->second.revision == page.revision)
+            is_written = is_written && Replace_Reference(page, &found->second);
+    }
+    return End(is_written);
+}
+
+/// Writes the labels of a page whose row refers to the base file.
+bool TLogWriter::Replace_Reference(const TPageItem& page, TPage* logged)
+{
+    TRow row = logged->row;
     row.reference = TFilePart();
     row.items_digest.clear();
-    return End(Write_Labels(*page, &logged) && Write_Row(page_id, row, &logged));
+    return Write_Labels(page, logged) && Write_Row(page.page_id, row, logged);
 }
 
 bool TLogWriter::Sync()

@@ -46,6 +46,9 @@ public:
     /// Replaces one reference by the labels of a page, or by an image. No-op without references.
     /// Fails if the last update failed, or if the page has changed since.
     bool Store_Reference(const TData& data);
+    /// Replaces all references to labels of pages that have not changed since the last update.
+    /// Fails if the last update failed.
+    bool Store_Labels(const TData& data);
 
     /// Syncs everything written so far to the disk.
     bool Sync();
@@ -93,6 +96,7 @@ private:
                     const TBaseFile& base);
     bool Write_Content(const TPageItem& page, const TBaseFile& base, TPage* logged, TRow* row);
     bool Write_Labels(const TPageItem& page, TPage* logged);
+    bool Replace_Reference(const TPageItem& page, TPage* logged);
     bool Write_Image(const TPageImage& image, const TBaseFile& base);
     bool Write_Row(int page_id, const TRow& row, TPage* logged);
 

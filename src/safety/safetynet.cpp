@@ -98,9 +98,12 @@ bool TSafetyNet::Update(const QString& document)
 
 bool TSafetyNet::Sync()
 {
-    // Another program may have overwritten it.
-    if (!d_base.Is_Intact())
+    // Another program may have overwritten it. The labels are stored at once, the images one by
+    // one, since that may take long.
+    if (d_base.Exists() && !d_base.Is_Intact()) {
         d_base = TBaseFile();
+        d_log.Store_Labels(*d_read_state().data);
+    }
     const bool is_synced = (!d_log.Has_References() || d_base.Sync()) && d_log.Sync();
     if (!is_synced)
         Report_Once(QStringLiteral("cannot sync unsaved work in"));

@@ -55,6 +55,11 @@ bool TWorkLog::Store_Reference(const TData& data)
     return d_writer && d_writer->Store_Reference(data);
 }
 
+bool TWorkLog::Store_Labels(const TData& data)
+{
+    return d_writer && d_writer->Store_Labels(data);
+}
+
 bool TWorkLog::Sync()
 {
     if (!d_writer || !d_writer->Sync())

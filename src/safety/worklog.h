@@ -39,6 +39,9 @@ public:
     /// Stores the labels of a page, or an image, instead of a reference to the base file. Fails if
     /// the last update failed, or if the page has changed since.
     bool Store_Reference(const TData& data);
+    /// Stores the labels of all pages that have not changed since the last update, instead of
+    /// references. Fails if the last update failed.
+    bool Store_Labels(const TData& data);
 
     /// Syncs the stored work to the disk. No-op if nothing was stored since the last time.
     bool Sync();

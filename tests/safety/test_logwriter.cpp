@@ -1,5 +1,6 @@
 // What a work log contains after which change, and how much is written for it.
 
+#include "src/format/projectfile.h"
 #include "src/safety/logreader.h"
 #include "src/safety/logwriter.h"
 #include "support/support.h"
@@ -59,6 +60,7 @@ private slots:
     void a_failed_update_leaves_the_previous_one();
     void an_update_after_a_failure_writes_everything();
     void references_are_stored_one_by_one();
+    void all_references_to_labels_are_stored_at_once();
     void references_of_a_changed_page_stay_until_the_next_update_data();
     void references_of_a_changed_page_stay_until_the_next_update();
     void references_stay_after_a_failed_update();
@@ -445,6 +447,26 @@ void TestLogWriter::references_are_stored_one_by_one()
     QVERIFY(d_writer->Store_Reference(Data()));
     QVERIFY(QFile::remove(In("base.quillet")));
     QCOMPARE(Byte_Difference(Recovered(Log()), expected), QString());
+}
+
+void TestLogWriter::all_references_to_labels_are_stored_at_once()
+{
+    const TBaseFile base = Save_As_Base(*d_document, In("base.quillet"));
+    QVERIFY(Update(base));
+    const QByteArray before = Project_Of(*d_document);
+    Data().Set_Active_Page(2);
+    Data().Change_Item_Value(1, 100);
+    QVERIFY(d_writer->Store_Labels(Data()));
+    // A page that has changed waits for its update.
+    QCOMPARE(Byte_Difference(Recovered(Log()), before), QString());
+    QVERIFY(Update());
+    // The images are still references.
+    QVERIFY(d_writer->Has_References());
+    QCOMPARE(Difference(), QString());
+    QVERIFY(QFile::remove(In("base.quillet")));
+    const TFileContent content = ProjectFile::Read(Recovered(Log()));
+    for (const TFilePage& page : content.pages.value())
+        QCOMPARE(page.items.size(), size_t(5));
 }
 
 void TestLogWriter::references_of_a_changed_page_stay_until_the_next_update_data()
