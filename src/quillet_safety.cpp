@@ -42,15 +42,18 @@ void TQuillet::Flush_Work()
     d_safety_net->Flush(d_file_name);
 }
 
-/// Backs up a document and opens it for writing. Shows where the backup is if another program or
-/// window wrote the version that the save replaces.
+/// Backs up a file and opens it for writing. Shows where the backup is if the save replaces another
+/// version than the one that this window opened or saved.
 bool TQuillet::Open_For_Saving(QFile* file, qint64 size)
 {
     QString other_version;
+    const bool is_changed = d_safety_net->Is_Changed_Elsewhere(file->fileName());
     const bool is_open = d_safety_net->Open_For_Saving(file, size, &other_version);
     if (!other_version.isEmpty())
         statusBar()->showMessage(
-            tr("Another program changed the document. Its version is in %1").arg(other_version));
+            (is_changed ? tr("Another program changed the document. Its version is in %1")
+                        : tr("The replaced file is in %1"))
+                .arg(other_version));
     return is_open;
 }
 

@@ -146,16 +146,16 @@ bool TSafetyNet::Open_For_Saving(QFile* document, qint64 size, QString* other_ve
 bool TSafetyNet::Back_Up(QFile* document, qint64 size, QString* other_version)
 {
     const QString path = document->fileName();
-    const bool is_changed_elsewhere = Is_Changed_Elsewhere(path);
+    const bool is_foreign = TFileStamp::Of(path) != Own_Stamp(path);
     // An incomplete file must not replace the backup of a complete one.
-    if (!is_changed_elsewhere && path == d_incomplete_path && !ProjectFile::Is_Whole(path))
+    if (!is_foreign && path == d_incomplete_path && !ProjectFile::Is_Whole(path))
         return true;
     if (d_is_pending || d_log.Exists())
         Update(path);
     // With all work on the disk there is no need to wait for the backup.
-    const std::optional<QString> backup = d_backup.Keep(
-        document, {!Is_Work_On_Disk(), is_changed_elsewhere, size, d_folder.Links_To(path)});
-    if (backup && is_changed_elsewhere)
+    const std::optional<QString> backup =
+        d_backup.Keep(document, {!Is_Work_On_Disk(), is_foreign, size, d_folder.Links_To(path)});
+    if (backup && is_foreign)
         *other_version = *backup;
     if (!backup)
         Report_Once(QStringLiteral("cannot write backups to"));
@@ -173,11 +173,17 @@ bool TSafetyNet::Is_Work_On_Disk()
     return d_log.Exists() && Sync() && !d_is_pending && !d_log.Has_References();
 }
 
-/// Whether another program or window has changed a file since this one opened or saved it.
 bool TSafetyNet::Is_Changed_Elsewhere(const QString& document) const
 {
-    return d_stamp.Exists() && QFileInfo(d_stamped_path) == QFileInfo(document) &&
-           TFileStamp::Of(document) != d_stamp;
+    const TFileStamp own = Own_Stamp(document);
+    return own.Exists() && TFileStamp::Of(document) != own;
+}
+
+/// The stamp that a file had when it was last opened or saved as this document; a stamp of a
+/// missing file if it was not.
+TFileStamp TSafetyNet::Own_Stamp(const QString& document) const
+{
+    return QFileInfo(d_stamped_path) == QFileInfo(document) ? d_stamp : TFileStamp();
 }
 
 void TSafetyNet::After_Save(const QString& document, qint64 size, const TFilePlaces& places)

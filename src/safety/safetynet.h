@@ -49,11 +49,15 @@ public:
     /// a modal dialog opens.
     void Flush(const QString& document);
 
-    /// Backs up the document that a save is about to replace, and opens it for writing. Fails if
-    /// there is no other complete copy and the disk has no room for the new version.
+    /// Whether another program or window has changed a file since it was opened or saved as this
+    /// document.
+    bool Is_Changed_Elsewhere(const QString& document) const;
+
+    /// Backs up the file that a save is about to replace, and opens it for writing. Fails if there
+    /// is no other complete copy and the disk has no room for the new version.
     /// @param size           size of the version to be saved, in bytes.
-    /// @param other_version  gets the path of the backup if another program has changed the
-    ///                       document since it was opened or saved.
+    /// @param other_version  gets the path of the backup if the file is not the version of this
+    ///                       document that was last opened or saved. Later saves do not replace it.
     bool Open_For_Saving(QFile* document, qint64 size, QString* other_version);
 
     /// Discards the unsaved work if the saved file is complete. Otherwise stores it, since the
@@ -90,7 +94,7 @@ private:
 
     bool Back_Up(QFile* document, qint64 size, QString* other_version);
     bool Is_Work_On_Disk();
-    bool Is_Changed_Elsewhere(const QString& document) const;
+    TFileStamp Own_Stamp(const QString& document) const;
     bool Update(const QString& document);
     bool Sync();
     void Store_References();

@@ -149,10 +149,14 @@ QString TestDurability::Target(const QString& operation) const
     return TBackup(In("settings/backup")).Path_For(In("documents/a.quillet"));
 }
 
+/// A safety net whose document is open.
 std::unique_ptr<TSafetyNet> TestDurability::Net() const
 {
-    return std::make_unique<TSafetyNet>(In("settings"),
-                                        [this] { return Support::State_Of(d_document); });
+    auto net = std::make_unique<TSafetyNet>(In("settings"),
+                                            [this] { return Support::State_Of(d_document); });
+    const QString document = In("documents/a.quillet");
+    net->After_Open(document, TFileStamp::Of(document), {});
+    return net;
 }
 
 /// Saves the document as the window does.

@@ -24,6 +24,7 @@ private slots:
     void a_save_that_fails_shows_only_the_message_box();
     void an_incomplete_save_stays_on_the_status_bar();
     void a_message_about_another_version_is_not_replaced();
+    void a_save_over_another_file_names_its_backup();
     void an_import_counts_images_data();
     void an_import_counts_images();
     void a_cancelled_import_says_nothing();
@@ -106,6 +107,19 @@ void TestStatusLine::a_message_about_another_version_is_not_replaced()
     Support::Write_File(In("a.quillet"), Support::Empty_Project());
     d_window->File_Save();
     QVERIFY(Line().startsWith("Another program changed the document."));
+    d_window->File_Save();
+    QCOMPARE(Line(), QString("Saved a.quillet"));
+}
+
+void TestStatusLine::a_save_over_another_file_names_its_backup()
+{
+    Add_Pages(1);
+    Support::Write_File(In("a.quillet"), "of another program");
+    d_window->d_file_name = In("a.quillet");
+    d_window->File_Save();
+    const QString begin = "The replaced file is in ";
+    QVERIFY(Line().startsWith(begin));
+    QCOMPARE(Support::Read_File(Line().mid(begin.size())), QByteArray("of another program"));
     d_window->File_Save();
     QCOMPARE(Line(), QString("Saved a.quillet"));
 }

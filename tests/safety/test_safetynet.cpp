@@ -47,7 +47,7 @@ private slots:
     void a_version_of_another_program_is_kept_separately_data();
     void a_version_of_another_program_is_kept_separately();
     void a_document_that_only_this_program_writes_has_one_backup();
-    void a_document_that_was_not_opened_has_one_backup();
+    void a_file_that_was_not_opened_is_kept_separately();
     void a_deleted_document_is_saved_again();
     void a_document_that_cannot_be_opened_stays();
     void a_log_is_recovered_once_its_process_has_released_it();
@@ -73,6 +73,7 @@ private slots:
     void a_document_without_another_complete_copy_needs_room_to_be_overwritten();
     void changes_that_could_not_be_stored_are_stored_by_a_save();
     void everything_is_stored_before_an_overwritten_document_is_saved();
+    void the_labels_of_an_overwritten_file_are_stored_with_the_next_sync();
     void a_saved_file_that_is_overwritten_is_stored_bit_by_bit();
     void a_saved_file_that_cannot_be_protected_is_stored_bit_by_bit();
 
@@ -320,6 +321,7 @@ void TestSafetyNet::an_incomplete_file_does_not_replace_the_backup()
     const QString path = In("a.quillet");
     const TBackup backup(In("settings/backup"));
     Write_File(path, Empty_Project(41));
+    net->After_Open(path, TFileStamp::Of(path), {});
     Save(net.get(), path, "short");
     Save(net.get(), path, "short again");
     QCOMPARE(Read_File(backup.Path_For(path)), Empty_Project(41));
@@ -334,6 +336,7 @@ void TestSafetyNet::a_damaged_document_is_backed_up()
     const auto net = Net();
     const QString path = In("a.quillet");
     Write_File(path, "damaged");
+    net->After_Open(path, TFileStamp::Of(path), {});
     Save(net.get(), path, Empty_Project());
     QCOMPARE(Read_File(TBackup(In("settings/backup")).Path_For(path)), QByteArray("damaged"));
     Save(net.get(), path, "short");
@@ -360,9 +363,8 @@ void TestSafetyNet::a_version_of_another_program_is_kept_separately()
     const QString path = In("a.quillet");
     const QByteArray other = "of another program";
     Write_File(path, Empty_Project(41));
-    if (known_from == "opened")
-        net->After_Open(path, TFileStamp::Of(path), {});
-    else
+    net->After_Open(path, TFileStamp::Of(path), {});
+    if (known_from != "opened")
         Save(net.get(), path, known_from == "saved" ? Empty_Project(42) : QByteArray("short"));
     QCOMPARE(d_other_version, QString());
     const QString backup = TBackup(In("settings/backup")).Path_For(path);
@@ -398,21 +400,27 @@ void TestSafetyNet::a_document_that_only_this_program_writes_has_one_backup()
     QCOMPARE(TBackup(In("settings/backup")).List().size(), size_t(1));
 }
 
-void TestSafetyNet::a_document_that_was_not_opened_has_one_backup()
+void TestSafetyNet::a_file_that_was_not_opened_is_kept_separately()
 {
     const auto net = Net();
-    for (const char* const name : {"a.quillet", "b.quillet"})
-        Write_File(In(name), Empty_Project(40));
+    const TBackup backup(In("settings/backup"));
+    Write_File(In("a.quillet"), Empty_Project(40));
+    Write_File(In("b.quillet"), "another document");
     net->After_Open(In("a.quillet"), TFileStamp::Of(In("a.quillet")), {});
-    // Save As over another document, and a new document with the name of the previous one.
+    // Save As over another document.
+    QVERIFY(!net->Is_Changed_Elsewhere(In("b.quillet")));
     Save(net.get(), In("b.quillet"), Empty_Project(41));
-    QCOMPARE(d_other_version, QString());
-    net->Discard();
-    Write_File(In("b.quillet"), "of another program");
+    const QString replaced = d_other_version;
+    QVERIFY(replaced != backup.Path_For(In("b.quillet")));
     Save(net.get(), In("b.quillet"), Empty_Project(42));
     QCOMPARE(d_other_version, QString());
-    QCOMPARE(Read_File(TBackup(In("settings/backup")).Path_For(In("b.quillet"))),
-             QByteArray("of another program"));
+    QCOMPARE(Read_File(replaced), QByteArray("another document"));
+    QCOMPARE(Read_File(backup.Path_For(In("b.quillet"))), Empty_Project(41));
+    // A new document with the name of the previous one.
+    net->Discard();
+    Save(net.get(), In("b.quillet"), Empty_Project(43));
+    QCOMPARE(Read_File(d_other_version), Empty_Project(42));
+    QCOMPARE(Read_File(backup.Path_For(In("b.quillet"))), Empty_Project(41));
 }
 
 void TestSafetyNet::a_deleted_document_is_saved_again()
@@ -781,6 +789,22 @@ void TestSafetyNet::everything_is_stored_before_an_overwritten_document_is_saved
     QVERIFY(net->Open_For_Saving(&file, 1, &d_other_version));
     QCOMPARE(Difference(), QString());
     QCOMPARE(Read_File(d_other_version), QByteArray("overwritten"));
+}
+
+void TestSafetyNet::the_labels_of_an_overwritten_file_are_stored_with_the_next_sync()
+{
+    const auto net = Net();
+    const QString path = In("a.quillet");
+    Add_Pages();
+    Save_Document(net.get(), path);
+    d_document.data.Change_Item_Value(1, 100);
+    net->Record_Change(path);
+    Write_File(path, "overwritten");
+    net->Flush(path);
+    const TFileContent content = ProjectFile::Read(Only_Log());
+    QCOMPARE(content.pages.value().size(), size_t(3));
+    for (const TFilePage& page : content.pages.value())
+        QCOMPARE(page.items.size(), size_t(3));
 }
 
 void TestSafetyNet::a_saved_file_that_is_overwritten_is_stored_bit_by_bit()
