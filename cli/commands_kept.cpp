@@ -60,6 +60,7 @@ void Print_List(const std::vector<TListedFile>& files)
                 .arg(file.size) +
             (file.missing_images > 0 ? Tr("missing images: %1, ").arg(file.missing_images)
                                      : QString()) +
+            (file.Is_Document_Changed() ? Tr("document changed since, ") : QString()) +
             (file.document.isEmpty() ? Tr("never saved") : file.document));
     }
 }

@@ -41,6 +41,8 @@ QString Notice_Text(const TKeptFile& copy, std::size_t others)
                        .arg(name, Time_Text(copy.time));
     if (copy.missing_images > 0)
         text += TQuillet::tr("; missing images: %1").arg(copy.missing_images);
+    if (copy.Is_Document_Changed())
+        text += TQuillet::tr("; the document has changed since");
     return others == 0 ? text : text + TQuillet::tr(" (%1 more)").arg(others);
 }
 
@@ -54,6 +56,9 @@ QString Notice_Details(const TKeptFile& copy)
         text += TQuillet::tr("\nDocument: ") + document;
     if (!document.isEmpty() && !QFileInfo::exists(document))
         text += TQuillet::tr("\nThe document does not exist any more. Saving creates it again.");
+    if (copy.Is_Document_Changed())
+        text += TQuillet::tr("\nThe document has changed since this work began. Saving replaces "
+                             "that version and keeps it as a backup.");
     return text;
 }
 

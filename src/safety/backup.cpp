@@ -136,7 +136,7 @@ std::optional<QString> TBackup::Keep(QFile* document, const TOptions& options) c
     if (name.isEmpty())
         return std::nullopt;
     // On a full disk, a backup without the document's path is better than none.
-    note.Write(Document_Path(path));
+    note.Write({Document_Path(path)});
     const QString copy = d_folder.Copy_Path(name);
     if (!Move(document, copy, options) && !Copy(path, copy, options.force_to_disk))
         return std::nullopt;

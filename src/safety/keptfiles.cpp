@@ -33,7 +33,28 @@ bool Is_Recent(const QFileInfo& file)
     return file.lastModified().secsTo(QDateTime::currentDateTime()) <= recent_age;
 }
 
+QByteArray Stamp_Text(const TFileStamp& stamp)
+{
+    return QByteArray::number(stamp.size) + ' ' + QByteArray::number(stamp.seconds) + ' ' +
+           QByteArray::number(stamp.nanoseconds);
+}
+
+/// The stamp of no file if the text is none.
+TFileStamp Read_Stamp(const QByteArray& text)
+{
+    const QList<QByteArray> numbers = text.split(' ');
+    if (numbers.size() != 3)
+        return {};
+    return {numbers.at(0).toLongLong(), numbers.at(1).toLongLong(), numbers.at(2).toLongLong()};
+}
+
 } // namespace
+
+bool TKeptFile::Is_Document_Changed() const
+{
+    const TFileStamp present = TFileStamp::Of(document);
+    return document_stamp.Exists() && present.Exists() && present != document_stamp;
+}
 
 bool TKeptNote::Open(const QString& path, TExisting existing)
 {
@@ -49,11 +70,15 @@ bool TKeptNote::Open(const QString& path, TExisting existing)
     return false;
 }
 
-bool TKeptNote::Write(const QString& document, std::optional<int> missing_images) const
+bool TKeptNote::Write(const TWorkDocument& document, std::optional<int> missing_images) const
 {
-    QByteArray text = document.toUtf8();
+    QByteArray text = document.path.toUtf8();
+    if (missing_images || document.stamp.Exists())
+        text += '\0';
     if (missing_images)
-        text += '\0' + QByteArray::number(*missing_images);
+        text += QByteArray::number(*missing_images);
+    if (document.stamp.Exists())
+        text += '\0' + Stamp_Text(document.stamp);
     return pwrite(d_descriptor, text.constData(), static_cast<size_t>(text.size()), 0) ==
                text.size() &&
            ftruncate(d_descriptor, text.size()) == 0;
@@ -220,7 +245,8 @@ std::vector<TKeptFile> TKeptFolder::Abandoned_Logs() const
 
 bool TKeptFolder::Has_Log_To_Convert(const QString& name) const
 {
-    const bool stays_beside_copy = QFile::exists(Copy_Path(name)) && Note_Fields(name).size() > 1;
+    const bool stays_beside_copy =
+        QFile::exists(Copy_Path(name)) && !Note_Fields(name).value(1).isEmpty();
     return QFile::exists(Log_Path(name)) && !stays_beside_copy;
 }
 
@@ -252,7 +278,7 @@ std::vector<TKeptFile> TKeptFolder::List(const char* suffix) const
     for (const QFileInfo& info : found) {
         const QList<QByteArray> fields = Note_Fields(Name_Of(info.filePath()));
         files.push_back({info.filePath(), QString::fromUtf8(fields.value(0)), info.lastModified(),
-                         info.size(), fields.value(1).toInt()});
+                         info.size(), fields.value(1).toInt(), Read_Stamp(fields.value(2))});
     }
     return files;
 }

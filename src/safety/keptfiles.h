@@ -1,5 +1,7 @@
 #pragma once
 
+#include "src/safety/filestamp.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QList>
@@ -19,10 +21,14 @@ struct TKeptFile
     QDateTime time;         ///< of the last change
     qint64 size = 0;        ///< in bytes
     int missing_images = 0; ///< pages whose image could not be recovered
+    TFileStamp document_stamp = {}; ///< as in TWorkDocument
+
+    /// Whether the document exists and is another version than the one that the work continues.
+    bool Is_Document_Changed() const;
 };
 
-/// The open and locked note of a safety copy or work log. The note holds the path of the document
-/// and, if the log stays beside its copy, the number of missing images after a zero byte.
+/// The open and locked note of a safety copy or work log. The note holds the path of the document,
+/// the number of missing images if the log stays beside its copy, and the stamp of the document.
 ///
 /// The kernel releases the lock when the process ends, even after SIGKILL. Unlike a process id, a
 /// lock is never stale.
@@ -42,7 +48,8 @@ public:
     bool Open(const QString& path, TExisting existing);
     /// Replaces the content of the note.
     /// @param missing_images  none unless the log stays beside its copy.
-    bool Write(const QString& document, std::optional<int> missing_images = std::nullopt) const;
+    bool Write(const TWorkDocument& document,
+               std::optional<int> missing_images = std::nullopt) const;
     /// Releases the lock.
     void Close();
 

@@ -72,15 +72,16 @@ TLogReader::TContent TLogReader::Unreadable(const QString& problem)
 
 bool TLogReader::Read_Document()
 {
-    TStatement query(&d_database, "SELECT path, changed, label_size, color, header_1, header_2"
-                                  " FROM document");
+    TStatement query(&d_database, "SELECT path, size, seconds, nanoseconds, changed, label_size,"
+                                  " color, header_1, header_2 FROM document");
     query.Start();
     const bool is_found = query.Next();
     if (is_found) {
-        d_document = QFile::decodeName(query.Bytes(0));
-        d_changed = QDateTime::fromMSecsSinceEpoch(query.Integer(1));
-        d_appearance = {static_cast<int>(query.Integer(2)), query.Text(3), query.Text(4),
-                        query.Text(5)};
+        d_document = {QFile::decodeName(query.Bytes(0)),
+                      {query.Integer(1), query.Integer(2), query.Integer(3)}};
+        d_changed = QDateTime::fromMSecsSinceEpoch(query.Integer(4));
+        d_appearance = {static_cast<int>(query.Integer(5)), query.Text(6), query.Text(7),
+                        query.Text(8)};
     }
     End(query);
     return is_found;

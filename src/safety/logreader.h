@@ -44,8 +44,7 @@ public:
     QString Problem() const { return d_problem; }
 
     const TAppearance& Appearance() const { return d_appearance; }
-    /// Path of the document; empty if it was never saved.
-    const QString& Document() const { return d_document; }
+    const TWorkDocument& Document() const { return d_document; }
     /// Time of the last change.
     const QDateTime& Changed() const { return d_changed; }
     /// The pages in the order of the page list.
@@ -78,7 +77,7 @@ private:
     std::optional<TBaseReader> d_base;
     QString d_problem;
     TAppearance d_appearance;
-    QString d_document;
+    TWorkDocument d_document;
     QDateTime d_changed;
     std::vector<TLoggedPage> d_pages;
     bool d_is_whole = true;

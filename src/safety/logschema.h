@@ -14,8 +14,9 @@ constexpr int Version = 1;
 
 /// Creates the tables of an empty log.
 constexpr const char* Tables =
-    "CREATE TABLE document(id INTEGER PRIMARY KEY CHECK(id=1), path BLOB, changed INTEGER,"
-    " label_size INTEGER, color BLOB, header_1 BLOB, header_2 BLOB);"
+    "CREATE TABLE document(id INTEGER PRIMARY KEY CHECK(id=1), path BLOB, size INTEGER,"
+    " seconds INTEGER, nanoseconds INTEGER, changed INTEGER, label_size INTEGER, color BLOB,"
+    " header_1 BLOB, header_2 BLOB);"
     "CREATE TABLE base(id INTEGER PRIMARY KEY CHECK(id=1), path BLOB, device INTEGER,"
     " inode INTEGER, size INTEGER, seconds INTEGER, nanoseconds INTEGER);"
     "CREATE TABLE images(image_id INTEGER PRIMARY KEY, bytes BLOB, offset INTEGER,"

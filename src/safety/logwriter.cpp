@@ -43,7 +43,8 @@ auto Iterator_At(TItems& items, std::size_t index)
 struct TLogWriter::TStatements
 {
     explicit TStatements(TDatabase* database)
-        : set_document(database, "INSERT OR REPLACE INTO document VALUES(1, ?, ?, ?, ?, ?, ?)")
+        : set_document(database,
+                       "INSERT OR REPLACE INTO document VALUES(1, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
         , set_base(database, "INSERT INTO base VALUES(1, ?, ?, ?, ?, ?, ?)")
         , refer_to_image(database, "INSERT INTO images VALUES(?, NULL, ?, ?, ?)")
         , set_image(database, "INSERT OR REPLACE INTO images VALUES(?, ?, NULL, NULL, NULL)")
@@ -85,7 +86,8 @@ bool TLogWriter::Create(const QString& path)
     return true;
 }
 
-bool TLogWriter::Update(const TWorkState& state, const TBaseFile& base, const QString& document)
+bool TLogWriter::Update(const TWorkState& state, const TBaseFile& base,
+                        const TWorkDocument& document)
 {
     return End((d_is_known || Start_Over()) && Remove_Other_Pages(state) && Write_Base(base) &&
                Write_Pages(state, base) && Write_Document(state.appearance, document));
@@ -123,7 +125,7 @@ bool TLogWriter::Start_Over()
     d_pages.clear();
     d_images.clear();
     d_appearance = TAppearance();
-    d_document.clear();
+    d_document = TWorkDocument();
     TStatement images(&d_database, "SELECT image_id, bytes IS NULL FROM images");
     images.Start();
     while (images.Next())
@@ -140,14 +142,15 @@ bool TLogWriter::Start_Over()
 }
 
 /// Writes the document's row if it differs, or if anything else was written: it has the time.
-bool TLogWriter::Write_Document(const TAppearance& appearance, const QString& document)
+bool TLogWriter::Write_Document(const TAppearance& appearance, const TWorkDocument& document)
 {
     if (d_has_document && !d_database.Is_In_Transaction() && appearance == d_appearance &&
         document == d_document)
         return true;
     d_appearance = appearance;
     d_document = document;
-    return Run(&d_statements->set_document, QFile::encodeName(document),
+    return Run(&d_statements->set_document, QFile::encodeName(document.path), document.stamp.size,
+               document.stamp.seconds, document.stamp.nanoseconds,
                QDateTime::currentMSecsSinceEpoch(), appearance.label_size, appearance.color_name,
                appearance.header_1, appearance.header_2);
 }

@@ -4,6 +4,7 @@
 #include "src/model/appearance.h"
 #include "src/model/pageitem.h"
 #include "src/safety/database.h"
+#include "src/safety/filestamp.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -38,8 +39,7 @@ public:
     bool Has_Document() const { return d_has_document; }
 
     /// Writes what changed since the last update.
-    /// @param document  path of the document; empty if it was never saved.
-    bool Update(const TWorkState& state, const TBaseFile& base, const QString& document);
+    bool Update(const TWorkState& state, const TBaseFile& base, const TWorkDocument& document);
 
     /// Whether the document refers to the base file, or may do so after a failure.
     bool Has_References() const;
@@ -88,7 +88,7 @@ private:
     bool Run(TStatement* statement, const TValue&... values);
     bool End(bool is_complete);
     bool Start_Over();
-    bool Write_Document(const TAppearance& appearance, const QString& document);
+    bool Write_Document(const TAppearance& appearance, const TWorkDocument& document);
     bool Write_Base(const TBaseFile& base);
     bool Remove_Other_Pages(const TWorkState& state);
     bool Write_Pages(const TWorkState& state, const TBaseFile& base);
@@ -109,7 +109,7 @@ private:
     bool d_has_base = false;
     bool d_is_synced = true;
     TAppearance d_appearance;
-    QString d_document;
+    TWorkDocument d_document;
     std::unordered_map<int, TPage> d_pages; ///< by page id
     QHash<quint64, bool> d_images;          ///< by id; true for a reference
     qint64 d_image_bytes = 0;               ///< stored since the write-ahead log was shortened

@@ -88,7 +88,7 @@ bool TSafetyNet::Update(const QString& document)
     const qint64 begin = d_clock.elapsed();
     if (!d_log.Exists())
         d_sync_time = begin;
-    d_is_pending = !d_log.Update(d_read_state(), &d_base, document);
+    d_is_pending = !d_log.Update(d_read_state(), &d_base, {document, Own_Stamp(document)});
     if (d_is_pending) {
         Report_Once(QStringLiteral("cannot write unsaved work to"));
         d_retry_time = Time_After_Rest(begin);
@@ -183,14 +183,13 @@ bool TSafetyNet::Is_Changed_Elsewhere(const QString& document) const
 /// missing file if it was not.
 TFileStamp TSafetyNet::Own_Stamp(const QString& document) const
 {
-    return QFileInfo(d_stamped_path) == QFileInfo(document) ? d_stamp : TFileStamp();
+    return QFileInfo(d_version.path) == QFileInfo(document) ? d_version.stamp : TFileStamp();
 }
 
 void TSafetyNet::After_Save(const QString& document, qint64 size, const TFilePlaces& places)
 {
-    d_stamped_path = document;
-    d_stamp = TFileStamp::Of(document);
-    const bool is_whole = d_stamp.size == size && ProjectFile::Is_Whole(document);
+    d_version = {document, TFileStamp::Of(document)};
+    const bool is_whole = d_version.stamp.size == size && ProjectFile::Is_Whole(document);
     // The saved file must be on the disk before other copies of the work are deleted.
     const bool replaces_copy = d_log.Exists() || d_folder.Contains(d_opened_path);
     if (!is_whole || (replaces_copy && !Sync_To_Disk(document))) {
@@ -205,7 +204,7 @@ void TSafetyNet::After_Save(const QString& document, qint64 size, const TFilePla
         d_folder.Remove_Abandoned(d_opened_path);
     d_opened_path = document;
     d_recovered_path.clear();
-    d_base = TBaseFile(document, d_stamp, places);
+    d_base = TBaseFile(document, d_version.stamp, places);
 }
 
 void TSafetyNet::After_Failed_Save(const QString& document)
@@ -229,27 +228,21 @@ void TSafetyNet::Release()
     d_base = TBaseFile();
     d_opened_path.clear();
     d_recovered_path.clear();
-    d_stamp = TFileStamp();
+    d_version = TWorkDocument();
     Reset();
 }
 
 void TSafetyNet::After_Open(const QString& path, const TFileStamp& stamp, const TFilePlaces& places)
 {
     d_opened_path = path;
-    d_stamped_path = path;
-    d_stamp = stamp;
+    d_version = {path, stamp};
     d_base = TBaseFile(path, stamp, places);
 }
 
 void TSafetyNet::After_Recovery(const TKeptFile& copy)
 {
     d_recovered_path = copy.path;
-    d_stamped_path = copy.document;
-    // No version has this stamp. If the document was saved after the copy was written, it has
-    // changes that the copy lacks.
-    const TFileStamp newer = {0, 0, 0};
-    d_stamp =
-        QFileInfo(copy.document).lastModified() > copy.time ? newer : TFileStamp::Of(copy.document);
+    d_version = {copy.document, copy.document_stamp};
 }
 
 void TSafetyNet::Reset()

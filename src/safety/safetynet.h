@@ -115,8 +115,7 @@ private:
     qint64 d_store_time = 0;   ///< earliest time to store references
     QString d_opened_path;     ///< file that the document was read from or saved to
     QString d_recovered_path;  ///< recovery copy that is this document's unsaved work
-    QString d_stamped_path;    ///< file that was last opened or saved
-    TFileStamp d_stamp;        ///< of that file, after it was opened or saved
+    TWorkDocument d_version;   ///< file that was last opened or saved, in the version of then
     QString d_incomplete_path; ///< target of the last save, if it was left incomplete
     bool d_is_pending = false; ///< there are changes that the log does not have
     bool d_has_reported = false;

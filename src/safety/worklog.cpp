@@ -35,7 +35,7 @@ bool TWorkLog::Create(TBaseFile* base)
     return true;
 }
 
-bool TWorkLog::Update(const TWorkState& state, TBaseFile* base, const QString& document)
+bool TWorkLog::Update(const TWorkState& state, TBaseFile* base, const TWorkDocument& document)
 {
     // SQLite goes on writing to a deleted file.
     if (d_writer && !QFile::exists(d_folder.Log_Path(d_name)))
@@ -45,7 +45,7 @@ bool TWorkLog::Update(const TWorkState& state, TBaseFile* base, const QString& d
         return false;
     }
     // Save As may have changed the document's path.
-    if (document != d_document && d_note.Write(document))
+    if (!(document == d_document) && d_note.Write(document))
         d_document = document;
     return d_writer->Update(state, *base, document);
 }
@@ -87,6 +87,6 @@ void TWorkLog::Release()
     d_writer.reset();
     d_note.Close();
     d_name.clear();
-    d_document.clear();
+    d_document = TWorkDocument();
     d_is_folder_synced = false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "src/safety/filestamp.h"
 #include "src/safety/keptfiles.h"
 #include "src/safety/logwriter.h"
 
@@ -31,8 +32,7 @@ public:
 
     /// Stores what changed since the last update. On failure, the work as of the last update stays.
     /// @param base      is protected when the database is created.
-    /// @param document  path of the document; empty if it was never saved.
-    bool Update(const TWorkState& state, TBaseFile* base, const QString& document);
+    bool Update(const TWorkState& state, TBaseFile* base, const TWorkDocument& document);
 
     /// Whether the stored work refers to the base file.
     bool Has_References() const { return d_writer && d_writer->Has_References(); }
@@ -60,6 +60,6 @@ private:
     QString d_name;   ///< of the database; empty without one
     TKeptNote d_note; ///< open while d_name is set
     std::unique_ptr<TLogWriter> d_writer;
-    QString d_document;              ///< path in the note
+    TWorkDocument d_document;        ///< in the note
     bool d_is_folder_synced = false; ///< since the database was created
 };

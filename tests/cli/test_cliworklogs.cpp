@@ -38,7 +38,7 @@ class TestCliWorkLogs : public QObject
     {
         TWorkLog log(Folder());
         d_document.data.Change_Item_Text(1, "Changed");
-        return log.Update(Support::State_Of(d_document), &base, "/tmp/a.quillet");
+        return log.Update(Support::State_Of(d_document), &base, {"/tmp/a.quillet"});
     }
 
 private slots:
@@ -72,7 +72,7 @@ private slots:
     {
         TWorkLog log(Folder());
         TBaseFile no_base;
-        QVERIFY(log.Update(Support::State_Of(d_document), &no_base, "/tmp/a.quillet"));
+        QVERIFY(log.Update(Support::State_Of(d_document), &no_base, {"/tmp/a.quillet"}));
         QCOMPARE(Run({"kept"}).output, QString("There are no copies.\n"));
         const TToolResult recovered = Run({"recover", Log_Path(), "--output", "out"});
         QCOMPARE(recovered.status, 1);
@@ -85,10 +85,34 @@ private slots:
         Support::Write_File(Folder() + "/a.quillet", Support::Empty_Project());
         TKeptNote note;
         QVERIFY(note.Open(Folder() + "/a.note", TKeptNote::TExisting::Refuse));
-        QVERIFY(note.Write("/tmp/a.quillet", 3));
+        QVERIFY(note.Write({"/tmp/a.quillet"}, 3));
         const QString output = Run({"kept"}).output;
         QVERIFY2(output.endsWith(", 31 bytes, missing images: 3, /tmp/a.quillet\n"),
                  qPrintable(output));
+    }
+
+    void kept_lists_documents_that_have_changed_since()
+    {
+        const QString document = Path("a.quillet");
+        Support::Write_File(document, "version one");
+        {
+            TWorkLog log(Folder());
+            TBaseFile no_base;
+            QVERIFY(log.Update(Support::State_Of(d_document), &no_base,
+                               {document, TFileStamp::Of(document)}));
+        }
+        // A work log first, then the copy that it becomes.
+        for (const char* const kind : {"1: work log, ", "1: recovery, "}) {
+            Support::Write_File(document, "version two");
+            QString output = Run({"kept"}).output;
+            QVERIFY2(output.startsWith(kind), qPrintable(output));
+            QVERIFY2(output.endsWith(" bytes, document changed since, " + document + '\n'),
+                     qPrintable(output));
+            QVERIFY(QFile::remove(document));
+            output = Run({"kept"}).output;
+            QVERIFY2(output.endsWith(" bytes, " + document + '\n'), qPrintable(output));
+            LogConversion::Convert_Abandoned(TKeptFolder(Folder()), QString(), nullptr);
+        }
     }
 
     void recover_converts_a_log()

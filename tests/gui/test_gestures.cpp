@@ -877,7 +877,7 @@ void TestGestures::recovering_work_shows_progress()
             Support::Add_Page(&document, name, Support::Picture(30, 20), 1);
         TWorkLog log(QDir::homePath() + "/.quillet/recovery");
         TBaseFile no_base;
-        QVERIFY(log.Update(Support::State_Of(document), &no_base, "/a.quillet"));
+        QVERIFY(log.Update(Support::State_Of(document), &no_base, {"/a.quillet"}));
     }
     QCOMPARE(Shown_While([&] { d_window->Recover_Work(); }),
              QStringList({"Recovering page 2 of 3", "Recovering page 3 of 3"}));

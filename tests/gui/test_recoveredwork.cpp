@@ -32,6 +32,7 @@ private slots:
     void work_from_another_day_is_announced_with_its_date();
     void work_that_was_never_saved_is_announced_without_a_name();
     void missing_images_are_announced();
+    void a_document_that_has_changed_since_is_announced();
     void names_of_documents_are_plain_text();
     void dismiss_hides_the_notice_until_the_next_start();
     void several_documents_are_announced_one_after_the_other();
@@ -211,11 +212,31 @@ void TestRecoveredWork::missing_images_are_announced()
     const TKeptFolder folder(Recovery());
     QVERIFY(note.Open(folder.Note_Path(TKeptFolder::Name_Of(Copies().first())),
                       TKeptNote::TExisting::Reuse));
-    QVERIFY(note.Write(In("a.quillet"), 2));
+    QVERIFY(note.Write({In("a.quillet")}, 2));
     note.Close();
     Open_Window();
     QVERIFY(Notice().startsWith("Unsaved changes to a.quillet from "));
     QVERIFY(Notice().endsWith(" were recovered; missing images: 2"));
+}
+
+void TestRecoveredWork::a_document_that_has_changed_since_is_announced()
+{
+    Leave_Work(In("a.quillet"));
+    QVERIFY(Notice().endsWith(" were recovered"));
+    QVERIFY(!Details().contains("has changed since"));
+    const QByteArray other = Support::Empty_Project(77);
+    Support::Write_File(In("a.quillet"), other);
+    Open_Window();
+    QVERIFY(Notice().endsWith(" were recovered; the document has changed since"));
+    QVERIFY(Details().contains("The document has changed since this work began."));
+    // Saving keeps the other version.
+    Press("Open");
+    d_window->File_Save();
+    QCOMPARE(Labels_In(In("a.quillet")), 1);
+    const QString message = d_window->statusBar()->currentMessage();
+    const QString begin = "Another program changed the document. Its version is in ";
+    QVERIFY(message.startsWith(begin));
+    QCOMPARE(Read_File(message.mid(begin.size())), other);
 }
 
 void TestRecoveredWork::names_of_documents_are_plain_text()

@@ -56,6 +56,8 @@ private slots:
     void only_project_files_are_listed();
     void a_folder_that_does_not_exist_has_no_copies();
     void the_number_of_missing_images_is_listed();
+    void the_stamp_of_the_document_is_listed();
+    void a_document_has_changed_if_it_has_another_stamp();
     void files_of_running_processes_are_not_abandoned();
     void the_time_of_a_log_is_that_of_its_last_change();
     void only_abandoned_copies_of_the_folder_can_be_removed();
@@ -103,7 +105,7 @@ void TestKeptFiles::a_note_holds_the_last_path_written()
     QVERIFY(note.Open(In("a.note"), TKeptNote::TExisting::Refuse));
     for (const QString& document :
          {QString("/a/longer/path.quillet"), QString::fromUtf8("/\xc3\xa4.quillet"), QString()}) {
-        QVERIFY(note.Write(document));
+        QVERIFY(note.Write({document}));
         QCOMPARE(Read_File(In("a.note")), document.toUtf8());
     }
 }
@@ -111,10 +113,10 @@ void TestKeptFiles::a_note_holds_the_last_path_written()
 void TestKeptFiles::a_note_that_is_not_open_cannot_be_written()
 {
     TKeptNote note;
-    QVERIFY(!note.Write("/a"));
+    QVERIFY(!note.Write({"/a"}));
     QVERIFY(note.Open(In("a.note"), TKeptNote::TExisting::Refuse));
     note.Close();
-    QVERIFY(!note.Write("/a"));
+    QVERIFY(!note.Write({"/a"}));
     QCOMPARE(Read_File(In("a.note")), QByteArray());
 }
 
@@ -150,7 +152,7 @@ void TestKeptFiles::an_existing_note_is_reused_or_refused()
     QVERIFY(!note.Open(In("a.note"), TKeptNote::TExisting::Refuse));
     QVERIFY(note.Open(In("a.note"), TKeptNote::TExisting::Reuse));
     QCOMPARE(Read_File(In("a.note")), QByteArray("/a"));
-    QVERIFY(note.Write("/b"));
+    QVERIFY(note.Write({"/b"}));
     QCOMPARE(Read_File(In("a.note")), QByteArray("/b"));
 }
 
@@ -175,8 +177,8 @@ void TestKeptFiles::a_locked_note_cannot_be_opened()
     QVERIFY(note.Open(In("a.note"), TKeptNote::TExisting::Refuse));
     TKeptNote other;
     QVERIFY(!other.Open(In("a.note"), TKeptNote::TExisting::Reuse));
-    QVERIFY(!other.Write("/b"));
-    QVERIFY(note.Write("/a"));
+    QVERIFY(!other.Write({"/b"}));
+    QVERIFY(note.Write({"/a"}));
 }
 
 void TestKeptFiles::a_note_is_unlocked_by_close_destructor_and_the_next_open()
@@ -376,11 +378,43 @@ void TestKeptFiles::the_number_of_missing_images_is_listed()
         Add_Copy("a", "", 0);
         TKeptNote note;
         QVERIFY(note.Open(Folder().Note_Path("a"), TKeptNote::TExisting::Reuse));
-        QVERIFY(note.Write("/document", number));
+        QVERIFY(note.Write({"/document"}, number));
         QCOMPARE(Folder().List().front().missing_images, number.value_or(0));
         QCOMPARE(Folder().List().front().document, QString("/document"));
     }
     QCOMPARE(Read_File(Folder().Note_Path("a")), QByteArray("/document"));
+}
+
+void TestKeptFiles::the_stamp_of_the_document_is_listed()
+{
+    Add_Copy("a", "", 0);
+    TKeptNote note;
+    QVERIFY(note.Open(Folder().Note_Path("a"), TKeptNote::TExisting::Reuse));
+    const TFileStamp stamp = {123, 4567890123, 987654321};
+    for (const std::optional<int> number : {std::optional<int>(3), {}}) {
+        QVERIFY(note.Write({"/document", stamp}, number));
+        const TKeptFile file = Folder().List().front();
+        QCOMPARE(file.document, QString("/document"));
+        QCOMPARE(file.missing_images, number.value_or(0));
+        QVERIFY(file.document_stamp == stamp);
+    }
+    QVERIFY(note.Write({"/document"}));
+    QVERIFY(!Folder().List().front().document_stamp.Exists());
+}
+
+void TestKeptFiles::a_document_has_changed_if_it_has_another_stamp()
+{
+    const QString document = In("a.quillet");
+    Write_File(document, "version one");
+    TKeptFile file;
+    file.document = document;
+    QVERIFY(!file.Is_Document_Changed()); // nothing is known
+    file.document_stamp = TFileStamp::Of(document);
+    QVERIFY(!file.Is_Document_Changed());
+    Write_File(document, "longer version two");
+    QVERIFY(file.Is_Document_Changed());
+    QVERIFY(QFile::remove(document));
+    QVERIFY(!file.Is_Document_Changed());
 }
 
 void TestKeptFiles::files_of_running_processes_are_not_abandoned()

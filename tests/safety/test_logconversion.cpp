@@ -112,7 +112,7 @@ void TestLogConversion::cleanup()
 bool TestLogConversion::Leave_Log()
 {
     TWorkLog log(Folder());
-    return log.Update(State_Of(*d_document), &d_base, In("a.quillet"));
+    return log.Update(State_Of(*d_document), &d_base, {In("a.quillet")});
 }
 
 /// Leaves the log of a process that made some changes. Returns the sizes of the write-ahead log
@@ -124,7 +124,7 @@ QList<qint64> TestLogConversion::Leave_Changes(int count, QList<QByteArray>* doc
     TWorkLog log(Folder());
     for (int change = 0; change < count; ++change) {
         Data().Change_Item_Text(1, QString("Change %1").arg(change));
-        if (!log.Update(State_Of(*d_document), &d_base, In("a.quillet")))
+        if (!log.Update(State_Of(*d_document), &d_base, {In("a.quillet")}))
             return {};
         sizes += QFileInfo(Log_Path() + "-wal").size();
         *documents += Project_Of(*d_document);
@@ -154,7 +154,7 @@ void TestLogConversion::an_abandoned_log_becomes_a_copy()
 void TestLogConversion::the_log_of_a_running_process_stays()
 {
     TWorkLog log(Folder());
-    QVERIFY(log.Update(State_Of(*d_document), &d_base, "/a.quillet"));
+    QVERIFY(log.Update(State_Of(*d_document), &d_base, {"/a.quillet"}));
     const QStringList before = Entries(Folder());
     QCOMPARE(Convert(), QStringList());
     QCOMPARE(Entries(Folder()), before);

@@ -73,7 +73,7 @@ private:
     QString Log() const { return In("a.log"); }
     bool Update(const TBaseFile& base = TBaseFile())
     {
-        return d_writer->Update(State_Of(*d_document), base, "/a.quillet");
+        return d_writer->Update(State_Of(*d_document), base, {"/a.quillet"});
     }
     /// Number of rows that an update writes; -1 if it fails.
     qint64 Rows_Of_Update(const TBaseFile& base = TBaseFile())

@@ -57,8 +57,8 @@ private slots:
     void recovered_work_that_is_opened_again_stays();
     void recovered_work_stays_after_an_incomplete_save();
     void releasing_leaves_recovered_work();
-    void a_document_saved_after_the_recovered_work_is_kept_separately_data();
-    void a_document_saved_after_the_recovered_work_is_kept_separately();
+    void a_document_changed_after_the_recovered_work_is_kept_separately_data();
+    void a_document_changed_after_the_recovered_work_is_kept_separately();
     void an_abandoned_copy_stays_otherwise_data();
     void an_abandoned_copy_stays_otherwise();
     void an_unusable_settings_folder_is_reported_once_data();
@@ -138,7 +138,10 @@ std::unique_ptr<TSafetyNet> TestSafetyNet::Net()
 QString TestSafetyNet::Abandon_Copy(const QString& document)
 {
     Set_Label_Size(77);
-    Net()->Record_Change(document);
+    const auto net = Net();
+    net->After_Open(document, TFileStamp::Of(document), {});
+    net->Record_Change(document);
+    net->Release();
     Set_Label_Size(32);
     Net()->Convert_Abandoned_Logs(nullptr);
     const QStringList copies = QDir(In("settings/recovery")).entryList({"*.quillet"});
@@ -229,7 +232,9 @@ void TestSafetyNet::the_note_after_a_save_names_the_saved_file()
 {
     const auto net = Net();
     const auto note = [this] {
-        return Read_File(In("settings/recovery/" + Logs().value(0).replace(".log", ".note")));
+        return Read_File(In("settings/recovery/" + Logs().value(0).replace(".log", ".note")))
+            .split('\0')
+            .first();
     };
     net->Record_Change(QString());
     QCOMPARE(note(), QByteArray());
@@ -528,24 +533,31 @@ void TestSafetyNet::releasing_leaves_recovered_work()
     QCOMPARE(Only_Copy(), Empty_Project(77));
 }
 
-void TestSafetyNet::a_document_saved_after_the_recovered_work_is_kept_separately_data()
+void TestSafetyNet::a_document_changed_after_the_recovered_work_is_kept_separately_data()
 {
-    QTest::addColumn<int>("age");
-    QTest::addColumn<bool>("is_kept");
-    QTest::newRow("before the crash") << 60 << false;
-    QTest::newRow("after the crash") << -60 << true;
+    QTest::addColumn<QString>("changed");
+    for (const char* const changed : {"never", "before the recovery", "after the recovery"})
+        QTest::newRow(changed) << changed;
 }
 
-void TestSafetyNet::a_document_saved_after_the_recovered_work_is_kept_separately()
+void TestSafetyNet::a_document_changed_after_the_recovered_work_is_kept_separately()
 {
-    QFETCH(int, age);
-    QFETCH(bool, is_kept);
-    Write_File(In("a.quillet"), Empty_Project(50));
-    Support::Make_Old(In("a.quillet"), age);
-    const auto net = Net_With_Recovered(In("a.quillet"));
-    Save(net.get(), In("a.quillet"), Empty_Project());
-    QCOMPARE(!d_other_version.isEmpty(), is_kept);
-    QCOMPARE(is_kept ? Read_File(d_other_version) : Empty_Project(50), Empty_Project(50));
+    QFETCH(QString, changed);
+    const QString path = In("a.quillet");
+    const QByteArray other = "of another program";
+    Write_File(path, Empty_Project(50));
+    const QString copy = Abandon_Copy(path);
+    if (changed == "before the recovery")
+        Write_File(path, other);
+    const auto net = Net();
+    QCOMPARE(net->Abandoned().front().Is_Document_Changed(), changed == "before the recovery");
+    net->After_Open(copy, TFileStamp::Of(copy), {});
+    net->After_Recovery(net->Abandoned().front());
+    if (changed == "after the recovery")
+        Write_File(path, other);
+    Save(net.get(), path, Empty_Project());
+    QCOMPARE(d_other_version.isEmpty(), changed == "never");
+    QVERIFY(changed == "never" || Read_File(d_other_version) == other);
 }
 
 void TestSafetyNet::an_abandoned_copy_stays_otherwise_data()

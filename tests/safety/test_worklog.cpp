@@ -58,7 +58,7 @@ private:
     QString Log_Path() const { return Folder() + '/' + Logs().value(0); }
     bool Update(TWorkLog* log, const QString& document = "/a.quillet")
     {
-        return log->Update(State_Of(*d_document), &d_base, document);
+        return log->Update(State_Of(*d_document), &d_base, {document});
     }
     void Take_Names(const QString& suffix, int count) const;
 
