@@ -12,13 +12,12 @@ namespace {
 
 constexpr char byte_order_mark[] = "\xef\xbb\xbf";
 const QChar quote = QLatin1Char('"');
-const QChar comma = QLatin1Char(',');
 const QLatin1String quote_pair("\"\"");
 
-QString Quoted(const QString& field)
+QString Quoted(const QString& field, QChar separator)
 {
-    const bool is_plain = std::none_of(field.cbegin(), field.cend(), [](QChar character) {
-        return character == quote || character == comma || character == QLatin1Char('\n') ||
+    const bool is_plain = std::none_of(field.cbegin(), field.cend(), [separator](QChar character) {
+        return character == quote || character == separator || character == QLatin1Char('\n') ||
                character == QLatin1Char('\r');
     });
     if (is_plain)
@@ -43,14 +42,18 @@ bool Is_Empty(const TCsvRecord& record)
 /// Groups of the pattern of a field.
 enum TFieldGroup { Quoted_Content = 1, Plain_Content, Separator };
 
-/// Reads comma-separated values, record after record.
+/// Reads the records of a table one after another.
 class TRecordReader
 {
     Q_DECLARE_TR_FUNCTIONS(Csv)
 
 public:
-    explicit TRecordReader(const QString& text)
+    TRecordReader(const QString& text, QChar separator)
         : d_text(text)
+        , d_separator(separator)
+        , d_field(QStringLiteral(
+                      R"regex((?:"([^"]*+(?:""[^"]*+)*+)"|([^"%1\r\n]*+))(%1|\r\n?|\n|\z)?)regex")
+                      .arg(separator))
     {
     }
 
@@ -62,6 +65,9 @@ private:
     static QString Fault(const QRegularExpressionMatch& field);
 
     const QString d_text;
+    const QChar d_separator;
+    /// A field and the separator after it, in the groups of TFieldGroup.
+    const QRegularExpression d_field;
     int d_position = 0;
     int d_line = 1; ///< of the position
 };
@@ -78,17 +84,14 @@ std::optional<TCsvRecord> TRecordReader::Next()
 
 TCsvRecord TRecordReader::Read_Record()
 {
-    // A field and the separator after it, in the groups of TFieldGroup.
-    static const QRegularExpression field_pattern(
-        QStringLiteral(R"regex((?:"([^"]*+(?:""[^"]*+)*+)"|([^",\r\n]*+))(,|\r\n?|\n|\z)?)regex"));
     TCsvRecord record;
     record.line = d_line;
     QRegularExpressionMatch field;
     do {
         // Checking the whole text for each field would take quadratic time.
-        field = field_pattern.match(d_text, d_position, QRegularExpression::NormalMatch,
-                                    QRegularExpression::AnchoredMatchOption |
-                                        QRegularExpression::DontCheckSubjectStringMatchOption);
+        field = d_field.match(d_text, d_position, QRegularExpression::NormalMatch,
+                              QRegularExpression::AnchoredMatchOption |
+                                  QRegularExpression::DontCheckSubjectStringMatchOption);
         if (field.capturedStart(Separator) < 0)
             throw TCsvException(Fault(field), record.line);
         record.fields += field.capturedStart(Quoted_Content) < 0
@@ -96,7 +99,7 @@ TCsvRecord TRecordReader::Read_Record()
                              : field.captured(Quoted_Content).replace(quote_pair, quote);
         d_position = field.capturedEnd();
         d_line += Line_Ends(field.captured());
-    } while (field.capturedRef(Separator) == comma);
+    } while (field.capturedRef(Separator) == d_separator);
     return record;
 }
 
@@ -132,11 +135,11 @@ QString Decoded(const QByteArray& table)
 
 } // namespace
 
-std::vector<TCsvRecord> Csv::Read(const QByteArray& table)
+std::vector<TCsvRecord> Csv::Read(const QByteArray& table, QChar separator)
 {
     const bool has_mark = table.startsWith(byte_order_mark);
     const int mark_size = static_cast<int>(sizeof(byte_order_mark)) - 1;
-    TRecordReader reader(Decoded(has_mark ? table.mid(mark_size) : table));
+    TRecordReader reader(Decoded(has_mark ? table.mid(mark_size) : table), separator);
     std::vector<TCsvRecord> records;
     for (std::optional<TCsvRecord> record = reader.Next(); record; record = reader.Next())
         records.push_back(*record);
@@ -149,9 +152,10 @@ std::vector<TCsvRecord> Csv::Read(const QByteArray& table)
     return records;
 }
 
-QString Csv::Line(const QStringList& fields)
+QString Csv::Line(const QStringList& fields, QChar separator)
 {
     QStringList quoted;
-    std::transform(fields.cbegin(), fields.cend(), std::back_inserter(quoted), Quoted);
-    return quoted.join(comma) + QStringLiteral("\r\n");
+    std::transform(fields.cbegin(), fields.cend(), std::back_inserter(quoted),
+                   [separator](const QString& field) { return Quoted(field, separator); });
+    return quoted.join(separator) + QStringLiteral("\r\n");
 }

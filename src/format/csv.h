@@ -32,16 +32,19 @@ private:
     int d_line;
 };
 
-/// Tables in comma-separated values (RFC 4180, UTF-8).
+/// Tables in comma-separated values (RFC 4180, UTF-8), or with another separator.
 namespace Csv {
+
+constexpr QLatin1Char Comma(',');
+constexpr QLatin1Char Tab('\t'); ///< in tables that spreadsheets copy and paste
 
 /// The records of a table. There is at least one, and the first has several fields. Lines end with
 /// CR LF, LF or CR. Skips a byte order mark, empty lines, and records with nothing but empty
 /// fields.
 /// @throws TCsvException
-std::vector<TCsvRecord> Read(const QByteArray& table);
+std::vector<TCsvRecord> Read(const QByteArray& table, QChar separator = Comma);
 
 /// Returns fields as a line that ends with CR LF, quoted where necessary.
-QString Line(const QStringList& fields);
+QString Line(const QStringList& fields, QChar separator = Comma);
 
 } // namespace Csv

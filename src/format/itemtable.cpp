@@ -1,7 +1,5 @@
 #include "src/format/itemtable.h"
 
-#include "src/format/csv.h"
-
 #include <QCoreApplication>
 #include <QLocale>
 
@@ -181,9 +179,10 @@ QString ItemTable::Border_Text(int code)
                                             : QString::fromLatin1(found->name);
 }
 
-QByteArray ItemTable::Write(const std::vector<TItemRow>& rows, const QStringList& headings)
+QByteArray ItemTable::Write(const std::vector<TItemRow>& rows, const QStringList& headings,
+                            QChar separator)
 {
-    QString table = Csv::Line(Columns() + headings);
+    QString table = Csv::Line(Columns() + headings, separator);
     for (const TItemRow& row : rows) {
         const TDataItem& item = row.item;
         const QStringList fields{QString::number(row.page),
@@ -192,14 +191,14 @@ QByteArray ItemTable::Write(const std::vector<TItemRow>& rows, const QStringList
                                  Border_Text(item.border_type),
                                  Coordinate_Text(item.position.x()),
                                  Coordinate_Text(item.position.y())};
-        table += Csv::Line(fields + row.cells);
+        table += Csv::Line(fields + row.cells, separator);
     }
     return table.toUtf8();
 }
 
-std::vector<TItemRow> ItemTable::Read(const QByteArray& table)
+std::vector<TItemRow> ItemTable::Read(const QByteArray& table, QChar separator)
 {
-    const std::vector<TCsvRecord> records = Csv::Read(table);
+    const std::vector<TCsvRecord> records = Csv::Read(table, separator);
     const TRowReader reader(records.front());
     std::vector<TItemRow> rows;
     std::transform(std::next(records.cbegin()), records.cend(), std::back_inserter(rows),

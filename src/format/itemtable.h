@@ -1,5 +1,6 @@
 #pragma once
 
+#include "src/format/csv.h"
 #include "src/model/pageitem.h"
 
 #include <QByteArray>
@@ -37,7 +38,8 @@ QString Border_Text(int code);
 /// Writes a table with a header record; every line ends with CR LF. Coordinates have as many digits
 /// as needed to read back the same number.
 /// @param headings  of the rows' further cells.
-QByteArray Write(const std::vector<TItemRow>& rows, const QStringList& headings = {});
+QByteArray Write(const std::vector<TItemRow>& rows, const QStringList& headings = {},
+                 QChar separator = Csv::Comma);
 
 /// Reads a table whose lines end with CR LF, LF or CR. Skips a byte order mark and records whose
 /// fields are all empty. The header record names the columns in any order and in upper or lower
@@ -45,6 +47,6 @@ QByteArray Write(const std::vector<TItemRow>& rows, const QStringList& headings 
 /// value, x and y are required; text and border are optional, and their fields may be empty. A
 /// border may also be a code (0, 1, 2, 4, 8). The labels' ids are 0.
 /// @throws TCsvException
-std::vector<TItemRow> Read(const QByteArray& table);
+std::vector<TItemRow> Read(const QByteArray& table, QChar separator = Csv::Comma);
 
 } // namespace ItemTable

@@ -37,7 +37,8 @@ QStringList Describe(const std::vector<TItemRow>& rows)
 
 QString Refusal(const QByteArray& table)
 {
-    return Support::Table_Refusal(ItemTable::Read, table);
+    const auto read = [](const QByteArray& bytes) { ItemTable::Read(bytes); };
+    return Support::Table_Refusal(read, table);
 }
 
 } // namespace
