@@ -139,6 +139,16 @@ bool TDisplayWidget::Item_Exists(int id) const
     return d_items_by_id.contains(id);
 }
 
+std::vector<int> TDisplayWidget::Items_In(const QRectF& scene_rect) const
+{
+    std::vector<int> ids;
+    for (const QGraphicsPixmapItem* item : d_label_items) {
+        if (scene_rect.contains(item->data(Centre_Key).toPointF()))
+            ids.push_back(item->data(Id_Key).toInt());
+    }
+    return ids;
+}
+
 QPointF TDisplayWidget::Item_Position(int id) const
 {
     const QGraphicsPixmapItem* item = d_items_by_id.value(id);

@@ -11,6 +11,7 @@
 #include <QSize>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 class QGraphicsPixmapItem;
@@ -70,6 +71,10 @@ public:
     /// Adds an unselected label at its position. Emits Update_Item_Position.
     void Add_Item(const TDataItem& item);
     bool Item_Exists(int id) const;
+    /// The id of the topmost label at a scene point; empty if there is none.
+    std::optional<int> Item_At(const QPointF& scene_point) const;
+    /// The ids of the labels whose centres are in a rectangle, in the order they were added.
+    std::vector<int> Items_In(const QRectF& scene_rect) const;
     /// The centre of a label in scene coordinates; (0, 0) for an unknown id.
     QPointF Item_Position(int id) const;
     /// Centres a label on a scene point, possibly outside the page image. Emits
@@ -132,6 +137,7 @@ private:
     void Show_Background(const QPixmap& pixmap);
     void Release_Pressed_Item();
     QPointF Scene_Point(const QMouseEvent& event) const;
+    QGraphicsPixmapItem* Label_At(const QPointF& scene_point) const;
     void Press_Item(const QPointF& scene_point);
     void Drag_Item(const QPointF& scene_point);
 

@@ -77,13 +77,26 @@ QPointF TDisplayWidget::Scene_Point(const QMouseEvent& event) const
     return mapToScene(QPoint(Round_Half_Up(position.x()), Round_Half_Up(position.y())));
 }
 
-void TDisplayWidget::Press_Item(const QPointF& scene_point)
+/// The topmost label at a point; null if there is none.
+QGraphicsPixmapItem* TDisplayWidget::Label_At(const QPointF& scene_point) const
 {
     // Every item except the page image is a label.
-    QGraphicsItem* item = d_scene->itemAt(scene_point, transform());
-    if (!item || item == d_background_item)
+    QGraphicsItem* const item = d_scene->itemAt(scene_point, transform());
+    return item == d_background_item ? nullptr : qgraphicsitem_cast<QGraphicsPixmapItem*>(item);
+}
+
+std::optional<int> TDisplayWidget::Item_At(const QPointF& scene_point) const
+{
+    const QGraphicsPixmapItem* const item = Label_At(scene_point);
+    return item ? std::make_optional(item->data(Id_Key).toInt()) : std::nullopt;
+}
+
+void TDisplayWidget::Press_Item(const QPointF& scene_point)
+{
+    QGraphicsPixmapItem* const item = Label_At(scene_point);
+    if (!item)
         return;
-    d_pressed_item = qgraphicsitem_cast<QGraphicsPixmapItem*>(item);
+    d_pressed_item = item;
     d_last_scene_point = scene_point;
     emit Item_Clicked(item->data(Id_Key).toInt());
 }
