@@ -76,7 +76,9 @@ void TLabelWidget::Create_Widgets()
     Accessibility::Describe(
         d_list, tr("Item List"),
         tr("The labels of the page. Delete removes the selected ones after confirmation; Alt with "
-           "the up and down arrow keys moves them in the list."));
+           "the up and down arrow keys moves them in the list. Ctrl with C, X, V and D copies, "
+           "cuts, "
+           "pastes and duplicates labels."));
     d_add_button = PanelParts::New_Button(
         tr("+"), tr("Add Item"), tr("Adds a label in the corner of the visible part of the page."),
         this);
@@ -105,7 +107,8 @@ void TLabelWidget::Arrange_Widgets()
         tr("The number of the selected label or, without a selection, of the next new one."));
     PanelParts::Add_Row(
         editors, 1, tr("Item Text:"), d_text_editor,
-        tr("Shown by the selected label instead of its number. Press Return to apply it."));
+        tr("Shown by the selected label instead of its number. Press F2 to edit it, and Return to "
+           "apply it and go back to the page."));
     PanelParts::Add_Row(editors, 2, tr("Border Type:"), d_border_box,
                         tr("The border of the selected labels; without a selection, of new ones."));
 

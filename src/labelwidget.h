@@ -61,6 +61,8 @@ public:
 
     /// Commits a text that the user has typed but not finished, as the Return key does.
     void Commit_Text();
+    /// The editor of the selected label's text.
+    QLineEdit* Text_Editor() const { return d_text_editor; }
 
 Q_SIGNALS:
     /// The user requests a new label.

@@ -26,6 +26,12 @@
 #include <cmath>
 #include <utility>
 
+namespace {
+
+constexpr double smallest_scale = 0.1353352832366127; ///< e^-2
+
+} // namespace
+
 TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     : QMainWindow(Parent_Widget(parent), flags)
 {
@@ -118,12 +124,19 @@ void TQuillet::Image_Zoom_Changed(int value)
 {
     // The slider covers scales from e^-2 to e^2. Each step multiplies the scale by the same factor,
     // and the middle is the original size.
-    constexpr double smallest_scale = 0.1353352832366127;
     const double x =
         static_cast<double>(value - d_zoom_slider->minimum()) / d_zoom_slider->maximum();
     const double scale = std::exp(2.0 * x) * smallest_scale;
     d_display_widget->Change_Scale(scale);
     d_zoom_label->setText(tr("%1 X").arg(scale, 0, 'f', 2));
+}
+
+/// The inverse of Image_Zoom_Changed: the value of the slider for a scale, possibly out of its
+/// range.
+double TQuillet::Zoom_Value(double scale) const
+{
+    const double x = std::log(scale / smallest_scale) / 2.0;
+    return x * d_zoom_slider->maximum() + d_zoom_slider->minimum();
 }
 
 QMessageBox::StandardButton

@@ -162,6 +162,9 @@ private:
     void Narrow_Docks();
     void Connect_Signals();
     void Add_Gestures();
+    void Add_Keys();
+    void Add_Text_Keys();
+    void Add_Selection_Mouse();
     void Add_Page_List_Menu();
     void Add_Item_List_Menu();
 
@@ -231,12 +234,32 @@ private:
     void Insert_Pages(const std::vector<TPageImage>& images, int row);
     int Row_After_Selected_Pages() const;
 
+    // Keys.
+    double Zoom_Value(double scale) const;
+    void Fit_Page();
+    void Show_Page_Beside(int rows);
+    void Edit_Text();
+    void Return_To_Page();
+
+    // The clipboard.
+    std::size_t Copy_To_Clipboard();
+    void Copy_Labels();
+    void Cut_Labels();
+    void Paste_Labels();
+    void Duplicate_Labels();
+    std::vector<TDataItem> Selected_Labels();
+    std::size_t Insert_Labels(TStepKind kind, std::vector<TDataItem>* items);
+    int Free_Id() const;
+
     // Labels.
     void Add_Label(const QPointF* point);
     std::optional<int> Add_Label_To_View(int value, int border);
+    void Remove_Labels(TStepKind kind, const std::vector<int>& ids);
     void Nudge_Labels(const QPointF& step);
     void Move_Onto_Page();
     void Select_In_Data(const std::vector<int>& ids);
+    void Select_On_Page(const std::vector<int>& ids);
+    void Toggle_On_Page(int id);
     int Renumber_Active_Page(int first_value, bool selected_only);
 
     // Exports.
@@ -297,6 +320,7 @@ private:
     bool d_filling_view = false;     ///< view is being filled from the document or a file
     bool d_has_new_document = false; ///< the last file operation replaced the document
     QAction* d_action_export_web_page = nullptr; ///< in the page list's context menu
+    std::optional<int> d_new_label;              ///< added since the last change of the selection
 
     std::vector<TKeptFile> d_recovered; ///< recovery copies that the notice is about, newest first
     TRecoveryNotice* d_recovery_notice = nullptr; ///< null until one is shown

@@ -11,6 +11,8 @@
 #include "src/reindexdialog.h"
 #include "src/undo/undohistory.h"
 
+#include <QScopedValueRollback>
+
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
@@ -43,6 +45,7 @@ void TQuillet::Add_Label(const QPointF* point)
         d_label_widget->Add_Item(item);
         if (point)
             d_display_widget->Move_Item(*id, *point);
+        d_new_label = id;
     }
     Mark_Changed();
 }
@@ -66,7 +69,12 @@ void TQuillet::Remove_Item()
     const std::vector<int> ids = d_label_widget->Selected_Items();
     if (ids.empty() || !Confirm(tr("Remove Labels"), tr("Labels will be deleted.  Are you sure?")))
         return;
-    const TStepScope step = Record_Step(TStepKind::Remove_Labels, 0, static_cast<int>(ids.size()));
+    Remove_Labels(TStepKind::Remove_Labels, ids);
+}
+
+void TQuillet::Remove_Labels(TStepKind kind, const std::vector<int>& ids)
+{
+    const TStepScope step = Record_Step(kind, 0, static_cast<int>(ids.size()));
     d_data.Remove_Items(ids);
     // Removing a selected row changes the selection, and each change costs a pass over all selected
     // labels. Selecting only the last one first avoids that cost and gives the same result.
@@ -125,8 +133,32 @@ void TQuillet::Display_Item_Clicked(int id)
     Select_In_Data({id});
 }
 
+/// Selects only these labels. The view does not scroll, since the user points at it.
+void TQuillet::Select_On_Page(const std::vector<int>& ids)
+{
+    {
+        const QScopedValueRollback<bool> click(d_display_click, true);
+        d_label_widget->Select_Items(ids);
+    }
+    d_display_widget->Set_Selected_Items(ids, false);
+    Select_In_Data(ids);
+}
+
+/// Adds a label to the selection, or removes it.
+void TQuillet::Toggle_On_Page(int id)
+{
+    std::vector<int> ids = d_label_widget->Selected_Items();
+    const auto found = std::find(ids.cbegin(), ids.cend(), id);
+    if (found == ids.cend())
+        ids.push_back(id);
+    else
+        ids.erase(found);
+    Select_On_Page(ids);
+}
+
 void TQuillet::Select_In_Data(const std::vector<int>& ids)
 {
+    d_new_label.reset();
     if (d_data.Active_Page() < 0)
         return;
     d_data.Clear_Selection();

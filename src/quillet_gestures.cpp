@@ -1,5 +1,5 @@
 // Gestures familiar from other programs: the wheel zooms, files can be dropped, arrow keys
-// move the selected labels.
+// move the selected labels, and Ctrl and Shift select several on the page.
 
 #include "src/quillet.h"
 
@@ -11,9 +11,13 @@
 #include "src/widgets/imagedrop.h"
 #include "src/widgets/nudgekeys.h"
 #include "src/widgets/rowlist.h"
+#include "src/widgets/selectionmouse.h"
+#include "src/widgets/thumbnailtip.h"
 #include "src/widgets/wheelzoom.h"
 
 #include <QAction>
+
+#include <algorithm>
 
 void TQuillet::Add_Gestures()
 {
@@ -24,8 +28,36 @@ void TQuillet::Add_Gestures()
     new TWheelZoom(d_display_widget, d_zoom_slider);
     new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
     new TImageDrop(this, [this](const QStringList& paths) { Insert_Dropped_Files(paths); });
+    new TThumbnailTip(d_page_widget->findChild<TRowList*>(), [this](int page_id) {
+        return d_data.Page_Index(page_id) < 0 ? TPageImage() : d_data.Page(page_id).image;
+    });
+    Add_Selection_Mouse();
+    Add_Keys();
     Add_Page_List_Menu();
     Add_Item_List_Menu();
+}
+
+/// Lets Ctrl, Shift and the left button select labels on the page and move them together.
+void TQuillet::Add_Selection_Mouse()
+{
+    TSelectionMouse::TActions actions;
+    actions.label_at = [this](const QPointF& point) { return d_display_widget->Item_At(point); };
+    actions.toggle = [this](int id) { Toggle_On_Page(id); };
+    actions.begin_move = [this](int id) {
+        Finish_Step();
+        const std::vector<int> selected = d_label_widget->Selected_Items();
+        if (std::find(selected.cbegin(), selected.cend(), id) == selected.cend())
+            Toggle_On_Page(id);
+    };
+    actions.move = [this](const QPointF& step) { Nudge_Labels(step); };
+    actions.end_move = [this] { Finish_Step(); };
+    actions.select = [this](const QRectF& area, bool add) {
+        std::vector<int> ids = add ? d_label_widget->Selected_Items() : std::vector<int>();
+        const std::vector<int> inside = d_display_widget->Items_In(area);
+        ids.insert(ids.end(), inside.cbegin(), inside.cend());
+        Select_On_Page(ids);
+    };
+    new TSelectionMouse(d_display_widget, actions);
 }
 
 /// Gives the page list a context menu.

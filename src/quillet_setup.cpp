@@ -126,8 +126,9 @@ void TQuillet::Create_Status_Bar()
     d_zoom_slider->setMinimumWidth(d_zoom_slider->sizeHint().width());
     Accessibility::Describe(
         d_zoom_slider, tr("Image Magnification"),
-        tr("The scale of the page. Ctrl and the mouse wheel over the page change "
-           "it."));
+        tr("The scale of the page. Ctrl and the mouse wheel over the page change it, and so do "
+           "Ctrl "
+           "with plus and minus. Ctrl+0 fits the page, Ctrl+1 shows its original size."));
     d_zoom_label = new QLabel(tr("1.00 X"), zoom);
     zoom_caption->setBuddy(d_zoom_slider);
 
@@ -184,13 +185,16 @@ void TQuillet::Create_Central_Widget()
     d_display_widget->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     const QString use = tr(
         "The page with its labels. Arrow keys scroll it; with Ctrl they move the labels that are "
-        "selected in the item list by one pixel of the page image, with Ctrl and Shift by ten.");
+        "selected in the item list by one pixel of the page image, with Ctrl and Shift by ten. "
+        "Return "
+        "edits the text of a label.");
     for (QWidget* const widget :
          {static_cast<QWidget*>(d_display_widget), d_display_widget->viewport()})
         Accessibility::Describe(widget, tr("Page"), use);
-    d_display_widget->setWhatsThis(
-        tr("The page with its labels. A right click adds a label, dragging moves it. Ctrl+Z undoes "
-           "the last change, Ctrl+Shift+Z or Ctrl+Y redoes it."));
+    d_display_widget->setWhatsThis(tr(
+        "The page with its labels. A right click adds a label, dragging moves it. Ctrl+click and "
+        "Shift+drag select several labels; Ctrl+drag moves them. Ctrl+Z undoes the last change, "
+        "Ctrl+Shift+Z or Ctrl+Y redoes it."));
     layout->addWidget(d_display_widget);
 
     constexpr int notice_points = 8;

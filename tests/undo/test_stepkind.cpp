@@ -43,6 +43,9 @@ void TestStepKind::a_step_is_named_by_its_kind_and_count_data()
     add(TStepKind::Change_Border, "change border", "change border");
     add(TStepKind::Move_Label, "move label", "move label");
     add(TStepKind::Nudge_Labels, "move 1 label", "move 3 labels");
+    add(TStepKind::Cut_Labels, "cut 1 label", "cut 3 labels");
+    add(TStepKind::Paste_Labels, "paste 1 label", "paste 3 labels");
+    add(TStepKind::Duplicate_Labels, "duplicate 1 label", "duplicate 3 labels");
     add(TStepKind::Renumber, "renumber labels", "renumber labels");
     add(TStepKind::Add_Page, "add page", "add page");
     add(TStepKind::Remove_Pages, "remove 1 page", "remove 3 pages");

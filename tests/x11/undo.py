@@ -141,6 +141,7 @@ def type_a_text(session):
     press("Return")
     expect(session, "no text", plan)
 
+    press("F2")
     write("Kept")
     press("Return")
     value, _, _ = plan.labels[0]
