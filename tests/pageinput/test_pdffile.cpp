@@ -49,6 +49,15 @@ class TestPdfFile : public QObject
         return fault.isEmpty() ? file : TPdfFile(QString());
     }
 
+    /// A page as pdftoppm renders it.
+    QImage Rendered(const QString& pdf, int page, int resolution) const
+    {
+        const QString root = d_folder->filePath("expected");
+        Output("pdftoppm", {"-r", QString::number(resolution), "-png", "-f", QString::number(page),
+                            "-singlefile", pdf, root});
+        return QImage(root + ".png");
+    }
+
 private slots:
     void init() { d_folder = std::make_unique<QTemporaryDir>(); }
 
@@ -70,16 +79,30 @@ private slots:
         QCOMPARE(file.Open(), QString());
         QCOMPARE(file.Page_Count(), page_count);
         for (const int resolution : {36, 91, 150}) {
-            const QString root = d_folder->filePath("expected");
-            Output("pdftoppm", {"-r", QString::number(resolution), "-png", "-f", "3", "-l", "3",
-                                "-singlefile", path, root});
             const TRenderedPage page = file.Render(3, resolution);
             QCOMPARE(page.message, QString());
-            const QImage expected(root + ".png");
+            const QImage expected = Rendered(path, 3, resolution);
             QVERIFY(expected.width() > resolution);
             QCOMPARE(Support::Difference(QImage::fromData(page.png), expected), QString());
             QCOMPARE(file.Page_Fault(3, resolution), QString());
         }
+    }
+
+    void the_page_of_a_scan_is_as_large_as_the_scan()
+    {
+        // As scanners do, img2pdf stores the photo unchanged as a whole page.
+        const QString photo = d_folder->filePath("scan.jpg");
+        const QString pdf = d_folder->filePath("scan.pdf");
+        QVERIFY(Support::Picture(413, 585).save(photo, "JPG", 60));
+        Output("img2pdf", {"--imgsize", "300dpix300dpi", photo, "--output", pdf});
+        TPdfFile file(pdf);
+        QCOMPARE(file.Open(), QString());
+        QCOMPARE(file.Page_Count(), 1);
+        const TRenderedPage page = file.Render(1, 300);
+        QCOMPARE(page.message, QString());
+        const QImage picture = QImage::fromData(page.png);
+        QCOMPARE(picture.size(), QSize(413, 585));
+        QCOMPARE(Support::Difference(picture, Rendered(pdf, 1, 300)), QString());
     }
 
     void a_name_cannot_be_mistaken_for_an_option_or_a_stream()
