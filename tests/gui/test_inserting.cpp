@@ -363,7 +363,8 @@ private slots:
 
     void a_pdf_on_the_command_line_needs_no_suffix()
     {
-        d_window->Open_Arguments({Write("report", Support::Pdf({small}))});
+        const QString path = Write("report", Support::Pdf({small}));
+        QCOMPARE(Run_Answering([&] { d_window->Open_Arguments({path}); }, {}), QString());
         QCOMPARE(Pages(), QStringList({"Page 1 150x75"}));
         QCOMPARE(d_window->d_file_name, QString());
     }
@@ -371,7 +372,7 @@ private slots:
     void a_document_that_contains_the_signature_of_a_pdf_is_opened()
     {
         const QString path = Write("a.quillet", Support::Header(32, "#0a141e", "%PDF-1.4", "", 0));
-        d_window->Open_Arguments({path});
+        QCOMPARE(Run_Answering([&] { d_window->Open_Arguments({path}); }, {}), QString());
         QCOMPARE(d_window->d_file_name, path);
     }
 
