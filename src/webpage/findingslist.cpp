@@ -9,6 +9,9 @@ using Markup::Escaped;
 
 namespace {
 
+/// A table with more columns is narrowed for printing.
+constexpr int normal_columns = 8;
+
 QString Translated(const char* source)
 {
     return QCoreApplication::translate("FindingsList", source);
@@ -40,7 +43,14 @@ QString TFindingsList::Begin() const
         row += Heading(Translated("Label"));
     for (const QString& heading : d_findings.headings)
         row += Heading(heading);
-    return QStringLiteral("<table>\n<thead><tr>") + row + QStringLiteral("</tr></thead>\n");
+    const QString table = Column_Count() > normal_columns ? QStringLiteral("<table class=\"many\">")
+                                                          : QStringLiteral("<table>");
+    return table + QStringLiteral("\n<thead><tr>") + row + QStringLiteral("</tr></thead>\n");
+}
+
+int TFindingsList::Column_Count() const
+{
+    return 1 + (d_has_texts ? 1 : 0) + d_findings.headings.size();
 }
 
 QString TFindingsList::Page(const TFindingsPage& page, int first_number,
@@ -48,10 +58,9 @@ QString TFindingsList::Page(const TFindingsPage& page, int first_number,
 {
     if (page.rows.empty())
         return QString();
-    const int columns = 1 + (d_has_texts ? 1 : 0) + d_findings.headings.size();
     QString body = QStringLiteral("<tbody>\n<tr class=\"page-row\"><th scope=\"rowgroup\" "
                                   "colspan=\"%1\"><a href=\"#page-%2\">")
-                       .arg(columns)
+                       .arg(Column_Count())
                        .arg(page.number) +
                    Escaped(page.Title()) + QStringLiteral("</a></th></tr>\n");
     for (std::size_t index = 0; index < page.rows.size(); ++index)

@@ -25,6 +25,7 @@ public:
     static QString End();
 
 private:
+    int Column_Count() const;
     QString Row(const TFinding& finding, int number, bool is_on_sheet) const;
 
     const TFindings& d_findings;

@@ -107,15 +107,15 @@ def make_photograph(folder):
     return page, export_pictures(document, os.path.join(folder, "photographs"))[0]
 
 
-def make_page_with_links(folder, count):
-    """Exports a document with a finding of some long links and a last column; the path."""
+def make_page_with_cells(folder, name, cells):
+    """Exports a document with a finding of these cells and a last column; the path."""
     image, items, findings, empty, document, page = (
-        os.path.join(folder, f"links-{count}." + suffix)
+        os.path.join(folder, f"{name}." + suffix)
         for suffix in ("png", "items.csv", "findings.csv", "empty.quillet", "quillet", "html"))
     run("convert", "-size", "300x200", "xc:white", image)
     write_table(items, ("page", "value", "x", "y"), [(1, 1, 50, 50)])
-    write_table(findings, ("page", "value", *(f"File {number}" for number in range(count)), "Due"),
-                [(1, 1, *["https://files.example/" + "Quillet0" * 30] * count, "Monday")])
+    headings = (f"Text {number}" for number in range(len(cells)))
+    write_table(findings, ("page", "value", *headings, "Due"), [(1, 1, *cells, "Monday")])
     run(TOOL, "create", image, "--output", empty)
     run(TOOL, "import-items", empty, "--csv", items, "--output", document)
     run(TOOL, "export-html", document, "--findings", findings, "--output", page)
@@ -152,8 +152,12 @@ class TestWebPage(unittest.TestCase):
         cls.addClassCleanup(room.cleanup)
         cls.path, cls.pictures = make_document(room.name)
         cls.photograph = make_photograph(room.name)
-        cls.page_with_a_link = make_page_with_links(room.name, 1)
-        cls.page_with_six_links = make_page_with_links(room.name, 6)
+        link = "https://files.example/" + "Quillet0" * 30
+        cls.page_with_a_link = make_page_with_cells(room.name, "link", [link])
+        cls.page_with_six_links = make_page_with_cells(room.name, "six-links", [link] * 6)
+        cls.page_with_thirty_columns = make_page_with_cells(room.name, "columns", ["Quillet"] * 29)
+        cls.page_with_a_sentence = make_page_with_cells(
+            room.name, "sentence", ["A sentence that is long enough to take more than one line. " * 9])
         cls.browser = chromium.start(os.path.join(room.name, "profile"))
         cls.addClassCleanup(cls.browser.quit)
 
@@ -415,6 +419,20 @@ class TestWebPage(unittest.TestCase):
         text = self.print("print-links")[1]
         self.assertIn("Monday", text)
         self.assertEqual(text.count("Q"), 6 * 30)
+
+    def test_all_of_many_columns_are_printed(self):
+        self.browser.get("file://" + self.page_with_thirty_columns)
+        text = self.print("print-columns")[1]
+        self.assertEqual(text.count("Q"), 29)
+        # "Monday" takes several lines.
+        self.assertRegex(text, r"ay\s*$")
+
+    def test_a_long_text_is_printed_wider_than_a_short_one(self):
+        self.browser.get("file://" + self.page_with_a_sentence)
+        text = self.print("print-sentence")[1]
+        # The 9 sentences need fewer lines than there are, and the short word is not broken.
+        self.assertLess(text.count("\n", text.index("A sentence"), text.rindex("line.")), 7)
+        self.assertIn("Monday", text)
 
     def test_on_a_phone_everything_fits_and_a_card_shows_the_chosen_row(self):
         for width in (320, 390):
