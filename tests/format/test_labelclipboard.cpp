@@ -16,6 +16,7 @@ namespace {
 const std::vector<TDataItem> labels{
     Label(17, 5, QStringLiteral("Riß, \"A\"\tB"), 2, {120.5, 0.1}),
     Label(18, -7, QString(), 0, {-1.25, 0}),
+    Label(19, 8, QStringLiteral("C\tD"), 8, {0, 1}),
 };
 
 /// Labels as lines of text, without their ids.
@@ -59,7 +60,8 @@ private slots:
         const QByteArray table = LabelClipboard::Copy(labels, 3)->data("text/csv");
         QCOMPARE(table, QByteArray("page,value,text,border,x,y\r\n"
                                    "3,5,\"Ri\xc3\x9f, \"\"A\"\"\tB\",ellipse,120.5,0.1\r\n"
-                                   "3,-7,,none,-1.25,0\r\n"));
+                                   "3,-7,,none,-1.25,0\r\n"
+                                   "3,8,C\tD,diamond,0,1\r\n"));
         QCOMPARE(ItemTable::Read(table).size(), labels.size());
     }
 
@@ -68,7 +70,8 @@ private slots:
         QCOMPARE(LabelClipboard::Copy(labels, 3)->text(),
                  QStringLiteral("page\tvalue\ttext\tborder\tx\ty\r\n"
                                 "3\t5\t\"Riß, \"\"A\"\"\tB\"\tellipse\t120.5\t0.1\r\n"
-                                "3\t-7\t\tnone\t-1.25\t0\r\n"));
+                                "3\t-7\t\tnone\t-1.25\t0\r\n"
+                                "3\t8\t\"C\tD\"\tdiamond\t0\t1\r\n"));
     }
 
     void pasting_returns_what_was_copied()

@@ -211,15 +211,21 @@ void TestPageSelection::ctrl_drag_of_another_label_selects_and_moves_it_too()
 
 void TestPageSelection::a_ctrl_drag_is_one_step()
 {
-    Drag({50, 50}, {90, 71}, Qt::ControlModifier);
-    Drag({90, 71}, {91, 100}, Qt::ControlModifier);
-    QCOMPARE(Positions(), QString("91,100 171,100 50,130"));
+    // Moves with the keys are steps of their own.
     d_window->d_display_widget->setFocus();
-    QTest::keyClick(d_window->d_display_widget, Qt::Key_Z, Qt::ControlModifier);
-    QCOMPARE(d_window->statusBar()->currentMessage(), QString("Undone: move 2 labels"));
-    QCOMPARE(Positions(), QString("90,71 170,71 50,130"));
-    QTest::keyClick(d_window->d_display_widget, Qt::Key_Z, Qt::ControlModifier);
-    QCOMPARE(Positions(), QString("50,50 130,50 50,130"));
+    QStringList states{Positions()};
+    QTest::keyClick(d_window->d_display_widget, Qt::Key_Down, Qt::ControlModifier);
+    states += Positions();
+    Drag({50, 51}, {90, 71}, Qt::ControlModifier);
+    states += Positions();
+    QTest::keyClick(d_window->d_display_widget, Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(states << Positions(), QStringList({"50,50 130,50 50,130", "50,51 130,51 50,130",
+                                                 "90,71 170,71 50,130", "90,72 170,72 50,130"}));
+    for (int step = 2; step >= 0; --step) {
+        QTest::keyClick(d_window->d_display_widget, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(d_window->statusBar()->currentMessage(), QString("Undone: move 2 labels"));
+        QCOMPARE(Positions(), states.at(step));
+    }
     QVERIFY(!d_window->d_history->Can_Undo());
 }
 
@@ -290,8 +296,9 @@ void TestPageSelection::a_lost_release_ends_the_drag()
 {
     Mouse(QEvent::MouseButtonPress, {50, 50}, Qt::ControlModifier);
     Mouse(QEvent::MouseMove, {90, 71}, Qt::ControlModifier);
-    QTest::mouseMove(d_window->d_display_widget->viewport(), Place({200, 200}));
-    QCoreApplication::processEvents();
+    QMouseEvent hover(QEvent::MouseMove, Place({200, 200}), Qt::NoButton, Qt::NoButton,
+                      Qt::ControlModifier);
+    QApplication::sendEvent(d_window->d_display_widget->viewport(), &hover);
     QCOMPARE(Positions(), QString("90,71 170,71 50,130"));
     Click({50, 130}, {});
     QCOMPARE(Selected(), QList<int>{3});
