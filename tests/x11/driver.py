@@ -190,9 +190,14 @@ def click(target, button=1, times=1, holding=None):
         run("xdotool", "keyup", holding)
 
 
-def drag(start, end, steps=8):
-    """Drags with the left button from one point to another, in steps as a hand does."""
+def drag(start, end, steps=8, holding=None):
+    """Drags with the left button from one point to another, in steps as a hand does.
+
+    `holding` names a key to hold down.
+    """
     point_at(*start)
+    if holding:
+        run("xdotool", "keydown", holding)
     run("xdotool", "mousedown", "1")
     for step in range(1, steps + 1):
         x = start[0] + (end[0] - start[0]) * step // steps
@@ -201,6 +206,8 @@ def drag(start, end, steps=8):
         # A list needs separate moves to start a drag and to find its target.
         time.sleep(POLL_SECONDS)
     run("xdotool", "mouseup", "1")
+    if holding:
+        run("xdotool", "keyup", holding)
 
 
 def turn_wheel(notches, holding):

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Zooms, and moves labels and pages with the wheel and the keys.
+"""Zooms, moves and copies labels, and moves pages, with the wheel, the keys and the mouse.
 
 Usage: gestures.py QUILLET RESULTS
   QUILLET   the program
@@ -10,7 +10,7 @@ Run it in an X server with a window manager and an empty home folder (tests/supp
 
 import math
 
-from driver import Box, stable_screen, point_at, press, turn_wheel
+from driver import Box, click, drag, point_at, press, stable_screen, turn_wheel, write
 from results import Project, report_pages
 from session import (BORDERS, COLOUR, DIAMOND, TRIANGLE, check, check_labels, check_near,
                      close_unchanged, import_pages, label_at, run_steps, save_as, start_working)
@@ -108,6 +108,32 @@ def remove_label_with_key(session):
         session.program.answer(answer)
 
 
+def copy_labels_with_keys(session):
+    """Labels are copied to the next page, moved there together, and one of them gets a text."""
+    def places(page, labels):
+        left, top = session.origin(page)
+        return [(label["position"][0] + left, label["position"][1] + top) for label in labels]
+
+    first, second = places(session.pages[PAGE], session.labels)
+    click(first)
+    click(second, holding="ctrl")
+    stable_screen()
+    press("ctrl+c", "ctrl+Next", "ctrl+v", "ctrl+0", "ctrl+1")
+    session.shoot("pasted")
+    (x, y), _ = places(session.pages[PAGE + 1], session.labels)
+    drag((x, y), (x + 30, y + 20), holding="ctrl")
+    # The rectangle selects the second label only.
+    (x, y) = places(session.pages[PAGE + 1], session.labels)[1]
+    drag((x - 20, y - 20), (x + 70, y + 60), holding="shift")
+    press("F2")
+    write("Copied")
+    press("Return", "ctrl+Prior")
+    session.shoot("copied")
+    session.copies = [label_at((label["position"][0] + 30, label["position"][1] + 20),
+                               label["border"], text)
+                      for label, text in zip(session.labels, ("", "Copied"))]
+
+
 def move_page_with_keys(session):
     """Alt and an arrow key move a page in the list."""
     goal, start = session.page_row(PAGE + 1).top, session.page_row(PAGE).top
@@ -120,7 +146,9 @@ def move_page_with_keys(session):
 def check_saved_labels(session):
     save_as(session, session.project_path)
     close_unchanged(session)
-    check_labels(Project(session.project_path).pages[PAGE]["labels"], session.labels, "the page")
+    pages = Project(session.project_path).pages
+    check_labels(pages[PAGE]["labels"], session.labels, "the page")
+    check_labels(pages[PAGE + 1]["labels"], session.copies, "the next page")
 
 
 def render_pages(folder):
@@ -130,5 +158,5 @@ def render_pages(folder):
 if __name__ == "__main__":
     run_steps(render_pages,
               (start_working, import_pages, label_page, zoom_with_slider, zoom_with_wheel,
-               move_label_with_keys, remove_label_with_key, move_page_with_keys,
-               check_saved_labels))
+               move_label_with_keys, remove_label_with_key, copy_labels_with_keys,
+               move_page_with_keys, check_saved_labels))
