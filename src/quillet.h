@@ -181,7 +181,7 @@ private:
 
     // Recovered work.
     void Recover_Work();
-    void Show_Recovery_Notice(const std::vector<TKeptFile>& copies);
+    void Show_Recovery_Notice(const std::vector<TKeptFile>& recovered);
     void Update_Recovery_Notice();
     void Dismiss_Recovered();
     void Open_Recovered();
@@ -322,7 +322,7 @@ private:
     QAction* d_action_export_web_page = nullptr; ///< in the page list's context menu
     std::optional<int> d_new_label;              ///< added since the last change of the selection
 
-    std::vector<TKeptFile> d_recovered; ///< recovery copies that the notice is about, newest first
+    std::vector<TKeptFile> d_recovered;           ///< copies and logs that the notice is about
     TRecoveryNotice* d_recovery_notice = nullptr; ///< null until one is shown
 
     std::unique_ptr<TUndoHistory> d_history; ///< null while the window is being built

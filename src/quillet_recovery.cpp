@@ -30,33 +30,41 @@ QString Time_Text(const QDateTime& time)
     return time.toString(is_today ? QStringLiteral("hh:mm") : QStringLiteral("yyyy-MM-dd hh:mm"));
 }
 
-/// @param others  number of other recovery copies.
-QString Notice_Text(const TKeptFile& copy, std::size_t others)
+/// @param work    a recovery copy, or a log that could not be converted.
+/// @param others  number of other copies and logs.
+QString Notice_Text(const TKeptFile& work, std::size_t others)
 {
-    const QString document = Document_Of(copy);
+    const QString document = Document_Of(work);
     const QString name =
         document.isEmpty() ? TQuillet::tr("a new document") : QFileInfo(document).fileName();
-    // Both arguments at once: the name may contain "%2".
-    QString text = TQuillet::tr("Unsaved changes to %1 from %2 were recovered")
-                       .arg(name, Time_Text(copy.time));
-    if (copy.missing_images > 0)
-        text += TQuillet::tr("; missing images: %1").arg(copy.missing_images);
-    if (copy.Is_Document_Changed())
+    // All arguments at once: the name may contain "%2".
+    QString text = work.problem.isEmpty()
+                       ? TQuillet::tr("Unsaved changes to %1 from %2 were recovered")
+                             .arg(name, Time_Text(work.time))
+                       : TQuillet::tr("Unsaved changes to %1 from %2 were not recovered: %3 %4")
+                             .arg(name, Time_Text(work.time), work.path, work.problem);
+    if (work.missing_images > 0)
+        text += TQuillet::tr("; missing images: %1").arg(work.missing_images);
+    if (work.problem.isEmpty() && work.Is_Document_Changed())
         text += TQuillet::tr("; the document has changed since");
     return others == 0 ? text : text + TQuillet::tr(" (%1 more)").arg(others);
 }
 
 /// The tool tip of the notice. Its first line has no names, which may look like rich text.
-QString Notice_Details(const TKeptFile& copy)
+QString Notice_Details(const TKeptFile& work)
 {
-    const QString document = Document_Of(copy);
-    QString text =
-        TQuillet::tr("The program ended before this work was saved.\nRecovered work: ") + copy.path;
+    const QString document = Document_Of(work);
+    QString text = TQuillet::tr("The program ended before this work was saved.");
+    text += work.problem.isEmpty()
+                ? TQuillet::tr("\nRecovered work: ") + work.path
+                : TQuillet::tr("\nThe work stays in %1, which %2.").arg(work.path, work.problem);
     if (!document.isEmpty())
         text += TQuillet::tr("\nDocument: ") + document;
+    if (!work.problem.isEmpty())
+        return text;
     if (!document.isEmpty() && !QFileInfo::exists(document))
         text += TQuillet::tr("\nThe document does not exist any more. Saving creates it again.");
-    if (copy.Is_Document_Changed())
+    if (work.Is_Document_Changed())
         text += TQuillet::tr("\nThe document has changed since this work began. Saving replaces "
                              "that version and keeps it as a backup.");
     return text;
@@ -79,10 +87,10 @@ void TQuillet::Recover_Work()
     Show_Recovery_Notice(d_safety_net->Abandoned());
 }
 
-/// Shows a notice for each of these recovery copies, one after the other.
-void TQuillet::Show_Recovery_Notice(const std::vector<TKeptFile>& copies)
+/// Shows a notice for each of these recovery copies and logs, one after the other.
+void TQuillet::Show_Recovery_Notice(const std::vector<TKeptFile>& recovered)
 {
-    d_recovered = copies;
+    d_recovered = recovered;
     if (!d_recovery_notice && !d_recovered.empty()) {
         d_recovery_notice = new TRecoveryNotice(this);
         connect(d_recovery_notice, &TRecoveryNotice::Open_Requested, this,
@@ -93,21 +101,24 @@ void TQuillet::Show_Recovery_Notice(const std::vector<TKeptFile>& copies)
     Update_Recovery_Notice();
 }
 
-/// Shows the notice for the next recovery copy that still exists, or hides it.
+/// Shows the notice for the next copy or log that still exists, or hides it.
 void TQuillet::Update_Recovery_Notice()
 {
     const auto end =
         std::remove_if(d_recovered.begin(), d_recovered.end(),
-                       [](const TKeptFile& copy) { return !QFileInfo::exists(copy.path); });
+                       [](const TKeptFile& work) { return !QFileInfo::exists(work.path); });
     d_recovered.erase(end, d_recovered.end());
-    if (!d_recovered.empty())
-        d_recovery_notice->Set_Text(Notice_Text(d_recovered.front(), d_recovered.size() - 1),
-                                    Notice_Details(d_recovered.front()));
-    else if (d_recovery_notice)
-        d_recovery_notice->hide();
+    if (d_recovered.empty()) {
+        if (d_recovery_notice)
+            d_recovery_notice->hide();
+        return;
+    }
+    const TKeptFile& work = d_recovered.front();
+    d_recovery_notice->Set_Text(Notice_Text(work, d_recovered.size() - 1), Notice_Details(work));
+    d_recovery_notice->Set_Openable(work.problem.isEmpty());
 }
 
-/// Goes on to the next recovery copy. The file stays.
+/// Goes on to the next copy or log. The file stays.
 void TQuillet::Dismiss_Recovered()
 {
     d_recovered.erase(d_recovered.begin());

@@ -21,6 +21,8 @@ const char* const log_suffix = ".log";
 const char* const log_tail_suffix = ".log-wal"; // the name that SQLite gives it
 const char* const base_suffix = ".base";
 
+const char* const reported = "reported"; ///< in a note
+
 constexpr mode_t folder_mode = S_IRWXU;
 constexpr mode_t file_mode = S_IRUSR | S_IWUSR;
 
@@ -70,15 +72,17 @@ bool TKeptNote::Open(const QString& path, TExisting existing)
     return false;
 }
 
-bool TKeptNote::Write(const TWorkDocument& document, std::optional<int> missing_images) const
+bool TKeptNote::Write(const TWorkDocument& document, std::optional<int> missing_images,
+                      bool is_reported) const
 {
-    QByteArray text = document.path.toUtf8();
-    if (missing_images || document.stamp.Exists())
-        text += '\0';
+    QByteArray text = document.path.toUtf8() + '\0';
     if (missing_images)
         text += QByteArray::number(*missing_images);
-    if (document.stamp.Exists())
-        text += '\0' + Stamp_Text(document.stamp);
+    text += '\0' + (document.stamp.Exists() ? Stamp_Text(document.stamp) : QByteArray()) + '\0';
+    if (is_reported)
+        text += reported;
+    while (text.endsWith('\0'))
+        text.chop(1);
     return pwrite(d_descriptor, text.constData(), static_cast<size_t>(text.size()), 0) ==
                text.size() &&
            ftruncate(d_descriptor, text.size()) == 0;
@@ -278,7 +282,8 @@ std::vector<TKeptFile> TKeptFolder::List(const char* suffix) const
     for (const QFileInfo& info : found) {
         const QList<QByteArray> fields = Note_Fields(Name_Of(info.filePath()));
         files.push_back({info.filePath(), QString::fromUtf8(fields.value(0)), info.lastModified(),
-                         info.size(), fields.value(1).toInt(), Read_Stamp(fields.value(2))});
+                         info.size(), fields.value(1).toInt(), Read_Stamp(fields.value(2)),
+                         fields.value(3) == reported, QString()});
     }
     return files;
 }

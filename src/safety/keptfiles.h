@@ -22,13 +22,16 @@ struct TKeptFile
     qint64 size = 0;        ///< in bytes
     int missing_images = 0; ///< pages whose image could not be recovered
     TFileStamp document_stamp = {}; ///< as in TWorkDocument
+    bool is_reported = false;       ///< the user was shown why the log cannot be converted
+    QString problem = {};           ///< why it cannot be converted; empty for copies
 
     /// Whether the document exists and is another version than the one that the work continues.
     bool Is_Document_Changed() const;
 };
 
 /// The open and locked note of a safety copy or work log. The note holds the path of the document,
-/// the number of missing images if the log stays beside its copy, and the stamp of the document.
+/// the number of missing images if the log stays beside its copy, the stamp of the document, and
+/// whether the user was shown why the log cannot be converted.
 ///
 /// The kernel releases the lock when the process ends, even after SIGKILL. Unlike a process id, a
 /// lock is never stale.
@@ -48,8 +51,8 @@ public:
     bool Open(const QString& path, TExisting existing);
     /// Replaces the content of the note.
     /// @param missing_images  none unless the log stays beside its copy.
-    bool Write(const TWorkDocument& document,
-               std::optional<int> missing_images = std::nullopt) const;
+    bool Write(const TWorkDocument& document, std::optional<int> missing_images = std::nullopt,
+               bool is_reported = false) const;
     /// Releases the lock.
     void Close();
 

@@ -70,17 +70,11 @@ void Set_Time(const QString& path, const QDateTime& time)
         file.setFileTime(time, QFileDevice::FileModificationTime);
 }
 
-/// Converts one log. Returns why it cannot be converted as a whole; empty on success and if its
-/// process runs.
+/// Converts the log of a locked note. Returns why it cannot be converted as a whole; empty on
+/// success.
 QString Convert(const TKeptFolder& folder, const QString& name, const QString& backup_folder,
-                const TStepReport& report)
+                const TStepReport& report, const TKeptNote& note)
 {
-    TKeptNote note;
-    if (!note.Open(folder.Note_Path(name), TKeptNote::TExisting::Reuse))
-        return QString();
-    // Another process may have converted it meanwhile.
-    if (!folder.Has_Log_To_Convert(name))
-        return QString();
     TLogReader log;
     const TLogReader::TContent content = log.Open(folder.Log_Path(name), backup_folder);
     if (content == TLogReader::TContent::Unreadable)
@@ -94,7 +88,7 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
     const LogConversion::TResult result =
         LogConversion::Write(&log, LogConversion::TDamage::Refuse, &target, report);
     if (!result.is_written)
-        return log.Is_Whole() ? Tr("the recovered document cannot be written") : Tr("is damaged");
+        return log.Is_Whole() ? Tr("cannot be converted: writing failed") : Tr("is damaged");
     Set_Time(copy, log.Changed());
     // The file with the missing images may be unreachable for a short time only.
     if (result.missing_images > 0 || log.Has_Ignored_Changes()) {
@@ -103,7 +97,7 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
         note.Write(log.Document());
         folder.Remove_Log(name);
     }
-    return log.Has_Ignored_Changes() ? Tr("is damaged; the last changes were not recovered")
+    return log.Has_Ignored_Changes() ? Tr("is damaged; only earlier changes were recovered")
                                      : QString();
 }
 
@@ -128,16 +122,24 @@ LogConversion::TResult LogConversion::Write(TLogReader* log, TDamage damage, TSa
     return result;
 }
 
-QStringList LogConversion::Convert_Abandoned(const TKeptFolder& folder,
-                                             const QString& backup_folder,
-                                             const TStepReport& report)
+std::vector<TKeptFile> LogConversion::Convert_Abandoned(const TKeptFolder& folder,
+                                                        const QString& backup_folder,
+                                                        const TStepReport& report)
 {
-    QStringList problems;
-    for (const TKeptFile& log : folder.Abandoned_Logs()) {
+    std::vector<TKeptFile> problems;
+    for (TKeptFile& log : folder.Abandoned_Logs()) {
         const QString name = TKeptFolder::Name_Of(log.path);
-        const QString problem = Convert(folder, name, backup_folder, report);
-        if (!problem.isEmpty())
-            problems += log.path + QLatin1String(": ") + problem;
+        TKeptNote note;
+        // Another process may have converted it meanwhile.
+        if (!note.Open(folder.Note_Path(name), TKeptNote::TExisting::Reuse) ||
+            !folder.Has_Log_To_Convert(name))
+            continue;
+        log.problem = Convert(folder, name, backup_folder, report, note);
+        if (log.problem.isEmpty() || log.is_reported)
+            continue;
+        if (folder.Has_Log_To_Convert(name))
+            note.Write({log.document, log.document_stamp}, std::nullopt, true);
+        problems.push_back(log);
     }
     return problems;
 }

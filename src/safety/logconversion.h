@@ -2,11 +2,14 @@
 
 #include "core/stepreport.h"
 
-#include <QStringList>
+#include <QString>
+
+#include <vector>
 
 class TKeptFolder;
 class TLogReader;
 class TSafeFile;
+struct TKeptFile;
 
 /// Converts work logs to project files.
 namespace LogConversion {
@@ -33,8 +36,10 @@ TResult Write(TLogReader* log, TDamage damage, TSafeFile* target, const TStepRep
 /// Logs that are not readable stay. A log whose copy lacks images, labels or changes stays beside
 /// the copy, and is not converted again.
 /// @param backup_folder  where files may be that a log refers to.
-/// @return  why logs could not be converted as a whole because of damage, with their paths.
-QStringList Convert_Abandoned(const TKeptFolder& folder, const QString& backup_folder,
-                              const TStepReport& report);
+/// @return  the logs that could not be converted as a whole, with the reason; each of them only
+/// once,
+///          even if later calls try it again.
+std::vector<TKeptFile> Convert_Abandoned(const TKeptFolder& folder, const QString& backup_folder,
+                                         const TStepReport& report);
 
 } // namespace LogConversion

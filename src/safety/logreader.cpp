@@ -39,10 +39,10 @@ TLogReader::TContent TLogReader::Open(const QString& path, const QString& backup
     if (QFileInfo(path).isFile() && QFileInfo(path).size() == 0)
         return Unreadable_Unless(commits.all == 0);
     if (!d_database.Open(path))
-        return Unreadable(d_database.Error());
+        return Unreadable(Tr("is not readable: %1").arg(d_database.Error()));
     const std::optional<qint64> tables = Number(&d_database, "SELECT count(*) FROM sqlite_master");
     if (!tables)
-        return Unreadable(d_database.Error());
+        return Unreadable(Tr("is not readable: %1").arg(d_database.Error()));
     if (*tables == 0)
         return Unreadable_Unless(commits.all == 0);
     if (Number(&d_database, "PRAGMA application_id") != LogSchema::Application_Id)

@@ -57,11 +57,10 @@ bool TSafetyNet::Has_Abandoned_Logs() const
 
 void TSafetyNet::Convert_Abandoned_Logs(const TStepReport& report)
 {
-    const QStringList problems =
+    d_abandoned =
         LogConversion::Convert_Abandoned(d_folder, Backup_Folder(d_settings_folder), report);
-    for (const QString& problem : problems)
-        std::fprintf(stderr, "quillet: %s\n", qPrintable(problem));
-    d_abandoned = d_folder.Abandoned_Copies();
+    const std::vector<TKeptFile> copies = d_folder.Abandoned_Copies();
+    d_abandoned.insert(d_abandoned.end(), copies.cbegin(), copies.cend());
 }
 
 void TSafetyNet::Record_Change(const QString& document)

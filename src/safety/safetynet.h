@@ -38,7 +38,8 @@ public:
     /// Converts these work logs to recovery copies.
     /// @param report  is called before each page.
     void Convert_Abandoned_Logs(const TStepReport& report);
-    /// Recovery copies of the work of processes that ended before this one started.
+    /// The work of processes that ended before this one started: logs that could not be converted,
+    /// if the user was not shown them before, and recovery copies.
     const std::vector<TKeptFile>& Abandoned() const { return d_abandoned; }
 
     /// Stores a change of the document, and syncs it if the last sync was a while ago.

@@ -50,6 +50,7 @@ TRecoveryNotice::TRecoveryNotice(QWidget* parent)
 {
     auto* const open =
         New_Button(tr("Open"), tr("Open the recovered work as unsaved changes"), this);
+    d_open_button = open;
     auto* const dismiss = New_Button(
         tr("Dismiss"), tr("Hide this notice until the next start; the file stays"), this);
     connect(open, &QToolButton::clicked, this, &TRecoveryNotice::Open_Requested);
@@ -66,6 +67,11 @@ void TRecoveryNotice::Set_Text(const QString& text, const QString& details)
 {
     d_label->setText(text);
     d_label->setToolTip(details);
+}
+
+void TRecoveryNotice::Set_Openable(bool is_openable)
+{
+    d_open_button->setVisible(is_openable);
 }
 
 QString TRecoveryNotice::Text() const

@@ -5,7 +5,7 @@
 
 class QLabel;
 
-/// The notice in the status bar about recovered work, with the buttons "Open" and "Dismiss".
+/// The notice in the status bar about unsaved work, with the buttons "Open" and "Dismiss".
 ///
 /// Where the bar is too narrow for the whole text, the text is elided.
 class TRecoveryNotice : public QWidget
@@ -18,6 +18,8 @@ public:
     /// Replaces the text.
     /// @param details  shown as the tool tip of the text.
     void Set_Text(const QString& text, const QString& details);
+    /// Shows or hides the button "Open".
+    void Set_Openable(bool is_openable);
     /// The whole text, even if it is elided on the screen.
     QString Text() const;
 
@@ -27,4 +29,5 @@ Q_SIGNALS:
 
 private:
     QLabel* d_label;
+    QWidget* d_open_button;
 };

@@ -49,6 +49,7 @@ private slots:
     void closing_with_cancel_keeps_opened_work();
     void opened_work_survives_a_second_crash();
     void file_open_keeps_work_that_was_opened_from_the_notice();
+    void a_work_log_that_cannot_be_read_is_announced_once();
     void work_that_cannot_be_read_leaves_the_document();
     void work_that_opens_in_part_does_not_replace_its_document();
     void work_that_another_window_has_saved_is_not_announced_any_more();
@@ -459,6 +460,28 @@ void TestRecoveredWork::file_open_keeps_work_that_was_opened_from_the_notice()
     QCOMPARE(Labels_In(work), 1);
     QCOMPARE(d_window->d_file_name, work);
     QVERIFY(!d_window->d_data_changed);
+}
+
+void TestRecoveredWork::a_work_log_that_cannot_be_read_is_announced_once()
+{
+    Leave_Work(In("a.quillet"));
+    const QString log = Recovery() + "/damaged.log";
+    Support::Write_File(log, QByteArray(5000, 'x'));
+    Support::Write_File(Recovery() + "/damaged.note", In("b.quillet").toUtf8());
+    Open_Window();
+    QVERIFY2(Notice().startsWith("Unsaved changes to b.quillet from ") &&
+                 Notice().contains(" were not recovered: " + log + " is not readable") &&
+                 Notice().endsWith(" (1 more)"),
+             qPrintable(Notice()));
+    QVERIFY(Details().contains("\nThe work stays in " + log));
+    Press("Dismiss");
+    QVERIFY(Notice().startsWith("Unsaved changes to a.quillet from "));
+    Press("Open");
+    QCOMPARE(d_window->d_file_name, In("a.quillet"));
+    d_window->File_Save();
+    Open_Window();
+    QCOMPARE(Notice(), QString());
+    QCOMPARE(Copies(), QStringList(log));
 }
 
 void TestRecoveredWork::work_that_cannot_be_read_leaves_the_document()

@@ -53,6 +53,7 @@ private slots:
     void a_log_without_a_document_is_deleted();
     void an_unreadable_log_stays_data();
     void an_unreadable_log_stays();
+    void a_log_that_cannot_be_converted_is_reported_once();
     void a_missing_image_leaves_the_labels();
     void a_log_with_missing_images_stays_beside_its_copy();
     void the_base_file_is_found_data();
@@ -84,7 +85,11 @@ private:
     QList<qint64> Leave_Changes(int count, QList<QByteArray>* documents);
     QStringList Convert(const TStepReport& report = nullptr) const
     {
-        return LogConversion::Convert_Abandoned(TKeptFolder(Folder()), In("backup"), report);
+        QStringList problems;
+        for (const TKeptFile& log :
+             LogConversion::Convert_Abandoned(TKeptFolder(Folder()), In("backup"), report))
+            problems += log.path + ": " + log.problem;
+        return problems;
     }
     TData& Data() { return d_document->data; }
 
@@ -214,6 +219,27 @@ void TestLogConversion::an_unreadable_log_stays()
              qPrintable(problems.first()));
     QCOMPARE(Entries(Folder()), before);
     QCOMPARE(TKeptFolder(Folder()).Abandoned_Logs().size(), size_t(1));
+}
+
+void TestLogConversion::a_log_that_cannot_be_converted_is_reported_once()
+{
+    QVERIFY(Leave_Log());
+    {
+        TDatabase database;
+        QVERIFY(database.Open(Log_Path()) && database.Checkpoint());
+    }
+    const QByteArray whole = Read_File(Log_Path());
+    Support::Write_File(Log_Path(), QByteArray(5000, 'x'));
+    QCOMPARE(Convert().size(), 1);
+    QCOMPARE(Convert(), QStringList());
+    const TKeptFile log = TKeptFolder(Folder()).Abandoned_Logs().front();
+    QCOMPARE(log.document, In("a.quillet"));
+    // It is tried again.
+    Support::Write_File(Log_Path(), whole);
+    QCOMPARE(Convert(), QStringList());
+    QCOMPARE(Byte_Difference(Copy(), Project_Of(*d_document)), QString());
+    QCOMPARE(Read_File(TKeptFolder(Folder()).Note_Path(TKeptFolder::Name_Of(log.path))),
+             In("a.quillet").toUtf8());
 }
 
 void TestLogConversion::a_missing_image_leaves_the_labels()
@@ -412,7 +438,7 @@ void TestLogConversion::a_log_with_changes_after_damage_stays_beside_its_copy()
     const QByteArray tail = Read_File(Log_Path() + "-wal");
     const QStringList log = Entries(Folder());
     QCOMPARE(Convert(),
-             QStringList(Log_Path() + ": is damaged; the last changes were not recovered"));
+             QStringList(Log_Path() + ": is damaged; only earlier changes were recovered"));
     QCOMPARE(Byte_Difference(Copy(), documents[change - 1]), QString());
     const QStringList both = Entries(Folder());
     QCOMPARE(both.size(), log.size() + 1);
@@ -503,6 +529,8 @@ void TestLogConversion::damage_neither_crashes_nor_deletes()
         QVERIFY2(problems.isEmpty() ? !is_tail : !Files("*.log").isEmpty(),
                  qPrintable(QString::number(offset)));
         QFile::remove(copy);
+        // The next damage is reported again.
+        QFile::remove(Folder() + '/' + name + ".note");
     }
 }
 

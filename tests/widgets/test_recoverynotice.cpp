@@ -19,6 +19,7 @@ private Q_SLOTS:
     void initTestCase();
     void its_buttons_send_its_signals_data();
     void its_buttons_send_its_signals();
+    void open_is_hidden_if_nothing_can_be_opened();
     void its_buttons_work_by_keyboard();
     void it_describes_itself_to_screen_readers();
     void a_long_text_is_elided();
@@ -65,6 +66,17 @@ void TestRecoveryNotice::its_buttons_send_its_signals()
     QTest::mouseClick(Button(notice, button), Qt::LeftButton);
     QTEST(opened.count(), "opened");
     QTEST(dismissed.count(), "dismissed");
+}
+
+void TestRecoveryNotice::open_is_hidden_if_nothing_can_be_opened()
+{
+    TRecoveryNotice notice(nullptr);
+    notice.show();
+    for (const bool is_openable : {false, true}) {
+        notice.Set_Openable(is_openable);
+        QCOMPARE(Button(notice, QStringLiteral("Open"))->isVisible(), is_openable);
+        QVERIFY(Button(notice, QStringLiteral("Dismiss"))->isVisible());
+    }
 }
 
 void TestRecoveryNotice::its_buttons_work_by_keyboard()
