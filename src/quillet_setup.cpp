@@ -8,6 +8,7 @@
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
 #include "src/widgets/accessibility.h"
+#include "src/widgets/statusbar.h"
 
 #include <QAction>
 #include <QDockWidget>
@@ -17,7 +18,6 @@
 #include <QMenuBar>
 #include <QMetaType>
 #include <QSlider>
-#include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -138,7 +138,7 @@ void TQuillet::Create_Status_Bar()
     layout->addWidget(d_zoom_slider);
     layout->addWidget(d_zoom_label);
 
-    setStatusBar(new QStatusBar(this));
+    setStatusBar(new TStatusBar(this));
     statusBar()->addPermanentWidget(zoom);
 }
 
