@@ -69,7 +69,7 @@ TBaseFile::TBaseFile(const QString& path, const TFileStamp& stamp, TFilePlaces p
 {
     struct stat state = {};
     if (d_places.empty() || stat(QFile::encodeName(path).constData(), &state) != 0 ||
-        TFileStamp::Of(path) != stamp)
+        TFileStamp::Of(state) != stamp)
         return;
     d_identity = {path, state.st_dev, state.st_ino, stamp};
     int index = 0;

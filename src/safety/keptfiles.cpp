@@ -198,8 +198,9 @@ int TKeptFolder::Links_To(const QString& path) const
 
 void TKeptFolder::Remove(const QString& name) const
 {
-    QFile::remove(Copy_Path(name));
+    // First the log: without the copy, the next start would convert it again.
     Remove_Log(name);
+    QFile::remove(Copy_Path(name));
     QFile::remove(Note_Path(name));
 }
 

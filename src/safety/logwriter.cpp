@@ -22,16 +22,6 @@ bool Is_Same(const TDataItem& left, const TDataItem& right)
     return Has_Same_Content(left, right);
 }
 
-/// Null if the document has no such page.
-const TPageItem* Find_Page(const TData& data, int page_id)
-{
-    const auto& pages = data.Pages();
-    const auto found = std::find_if(pages.cbegin(), pages.cend(), [page_id](const TPageItem& page) {
-        return page.page_id == page_id;
-    });
-    return found == pages.cend() ? nullptr : &*found;
-}
-
 template <typename TItems>
 auto Iterator_At(TItems& items, std::size_t index)
 {
@@ -300,11 +290,11 @@ bool TLogWriter::Store_Reference(const TData& data)
     if (found == d_pages.end())
         return true;
     auto& [page_id, logged] = *found;
-    const TPageItem* const page = Find_Page(data, page_id);
-    if (!page || page->revision != logged.revision)
+    if (data.Page_Index(page_id) < 0 || data.Page(page_id).revision != logged.revision)
         return false;
-    return End(has_labels ? Replace_Reference(*page, &logged)
-                          : Write_Image(page->image, TBaseFile()));
+    const TPageItem& page = data.Page(page_id);
+    return End(has_labels ? Replace_Reference(page, &logged)
+                          : Write_Image(page.image, TBaseFile()));
 }
 
 bool TLogWriter::Store_Labels(const TData& data)

@@ -72,10 +72,8 @@ bool TWorkLog::Sync()
 void TWorkLog::Discard()
 {
     d_writer.reset();
-    if (!d_name.isEmpty()) {
-        d_folder.Remove_Log(d_name);
+    if (!d_name.isEmpty())
         d_folder.Remove(d_name);
-    }
     Release();
 }
 

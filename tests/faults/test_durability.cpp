@@ -46,6 +46,7 @@ private slots:
     void a_file_with_two_hard_links_is_overwritten_from_a_complete_visible_file();
     void the_saved_file_is_on_the_disk_before_the_log_is_deleted();
     void the_saved_file_is_on_the_disk_before_the_opened_recovery_copy_is_deleted();
+    void a_work_log_is_deleted_before_the_copy_beside_it();
     void a_failing_sync_of_the_saved_file_keeps_the_log_data();
     void a_failing_sync_of_the_saved_file_keeps_the_log();
     void a_failing_sync_of_the_saved_file_keeps_the_opened_recovery_copy();
@@ -401,9 +402,26 @@ void TestDurability::the_saved_file_is_on_the_disk_before_the_opened_recovery_co
     Save(net.get());
     Disarm();
     const QStringList calls = Logged("write|sync|unlink");
+    // A log beside the copy would be deleted before it.
     QCOMPARE(calls.mid(calls.indexOf("write documents/a.quillet"), 4),
              QStringList({"write documents/a.quillet", "sync documents/a.quillet", "sync documents",
-                          "unlink " + copy}));
+                          "unlink " + QString(copy).replace(".quillet", ".log")}));
+    QVERIFY(calls.indexOf("unlink " + copy) > calls.indexOf("sync documents"));
+}
+
+void TestDurability::a_work_log_is_deleted_before_the_copy_beside_it()
+{
+    const QString copy = In(Make_Recovery_Copy());
+    const QString log = QString(copy).replace(".quillet", ".log");
+    Write_File(log, "log");
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        Arm(Faults::Remove, Faults::Kill_After, 1);
+        TKeptFolder(In("settings/recovery")).Remove(TKeptFolder::Name_Of(copy));
+        return 0;
+    });
+    QCOMPARE(result.signal, SIGKILL);
+    QVERIFY(!QFile::exists(log));
+    QVERIFY(QFile::exists(copy));
 }
 
 void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_log_data()
