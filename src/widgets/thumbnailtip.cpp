@@ -49,6 +49,7 @@ QString TThumbnailTip::Tip(const QListWidgetItem& row) const
         return QString();
     const QSize size = picture.size().boundedTo(
         picture.size().scaled(Side, Side, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    return QStringLiteral("<p>%1</p>").arg(row.text().toHtmlEscaped()) +
-           Html_Image(picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    const QImage thumbnail = picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return QStringLiteral("<div>%1</div><div>%2</div>")
+        .arg(row.text().toHtmlEscaped(), Html_Image(thumbnail));
 }
