@@ -163,6 +163,7 @@ bool Files::Is_Work_Log(const QString& path)
 
 QStringList Files::Recover_Work_Log(const QString& path, const QString& output)
 {
+    Check_Is_No_Input(output, {path});
     TLogReader log;
     switch (log.Open(path, TSafetyNet::Backup_Folder(Settings_Folder()))) {
     case TLogReader::TContent::Work:

@@ -68,6 +68,21 @@ private slots:
         QCOMPARE(Support::Entries(Folder()), before);
     }
 
+    void a_log_is_not_overwritten_by_the_project_that_is_made_from_it()
+    {
+        QVERIFY(Leave_Log());
+        const QByteArray before = Read_File(Log_Path());
+        for (const QStringList& command :
+             {QStringList{"recover", Log_Path()}, QStringList{"kept", "--copy", "1"}}) {
+            const TToolResult result =
+                Run(command + QStringList{"--output", Log_Path(), "--force"});
+            QCOMPARE(result.status, 1);
+            QCOMPARE(result.errors,
+                     "quillet-cli: " + Log_Path() + ": is an input and cannot be overwritten\n");
+            QCOMPARE(Byte_Difference(Read_File(Log_Path()), before), QString());
+        }
+    }
+
     void kept_does_not_list_the_log_of_a_running_process()
     {
         TWorkLog log(Folder());
