@@ -148,6 +148,18 @@ void TData::Set_Page_Image(const TPageImage& image)
     d_page_items[d_active_page_index].image = image;
 }
 
+void TData::Replace_Content(int page_id, const TPageImage& image, std::vector<TDataItem> items)
+{
+    const int index = Page_Index(page_id);
+    if (index < 0)
+        return;
+    Record(index);
+    d_page_items[index].image = image;
+    d_page_items[index].data_items = std::move(items);
+    if (index == d_active_page_index)
+        d_positions.clear();
+}
+
 bool TData::Page_Image_Valid() const
 {
     const TPageItem* const page = Active_Page_Item();

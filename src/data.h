@@ -57,6 +57,8 @@ public:
     void Set_Page_Image(const QImage& image);
     /// The same for an encoded image.
     void Set_Page_Image(const TPageImage& image);
+    /// Replaces the image and the labels of a page, which need not be active. Ignores unknown ids.
+    void Replace_Content(int page_id, const TPageImage& image, std::vector<TDataItem> items);
     /// Whether a page is active and has an image that is not null.
     bool Page_Image_Valid() const;
     /// Whether a page is active and has at least one label.

@@ -168,6 +168,24 @@ void TLabelWidget::Clear_Selection()
     d_list->clearSelection();
 }
 
+void TLabelWidget::Show_Value(int id, int value)
+{
+    QListWidgetItem* const row = d_list->Row(id);
+    if (row == nullptr)
+        return;
+    row->setData(Value_Role, value);
+    Update_Row_Text(row);
+}
+
+std::vector<int> TLabelWidget::Item_Ids() const
+{
+    std::vector<int> ids;
+    ids.reserve(static_cast<std::size_t>(d_list->count()));
+    for (int index = 0; index < d_list->count(); ++index)
+        ids.push_back(d_list->item(index)->data(TRowList::Id_Role).toInt());
+    return ids;
+}
+
 std::vector<int> TLabelWidget::Selected_Items() const
 {
     return d_list->Selected_Ids();

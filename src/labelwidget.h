@@ -34,6 +34,10 @@ public:
     /// Adds the first row with this id to the selection and makes it current.
     void Add_Selection(int id);
     void Clear_Selection();
+    /// Shows another value in the row of a label, without reporting it.
+    void Show_Value(int id, int value);
+    /// Ids of all rows, from top to bottom.
+    std::vector<int> Item_Ids() const;
     /// Ids of the selected rows, in the order of QListWidget::selectedItems().
     std::vector<int> Selected_Items() const;
     /// The border code in the combo box.

@@ -21,6 +21,8 @@ enum class TStepKind {
     Move_Pages,
     Import,
     Insert_Pages,
+    Rotate_Pages,
+    Duplicate_Pages,
     Change_Size,
     Change_Color
 };

@@ -20,6 +20,12 @@ std::vector<int> Sorted_Ids(const TPages& pages)
     return ids;
 }
 
+template <typename TStep>
+QString Name(const TStep& step)
+{
+    return StepKind::Name(step.kind, step.count);
+}
+
 bool Is_Same_Page(const TNamedPage& left, const TNamedPage& right)
 {
     return left.page_id == right.page_id;
@@ -129,6 +135,7 @@ void TUndoHistory::End()
         Measure(&Current_Step());
     }
     emit Step_Recorded();
+    emit Names_Changed();
 }
 
 void TUndoHistory::Push_New_Step()
@@ -185,6 +192,17 @@ void TUndoHistory::Clear()
     d_shown = {};
     d_rows.clear();
     d_has_stale_rows = true;
+    emit Names_Changed();
+}
+
+QString TUndoHistory::Undo_Name() const
+{
+    return Can_Undo() ? Name(d_steps[d_done_count - 1]) : QString();
+}
+
+QString TUndoHistory::Redo_Name() const
+{
+    return Can_Redo() ? Name(d_steps[d_done_count]) : QString();
 }
 
 std::optional<TStepOutcome> TUndoHistory::Undo()
@@ -195,7 +213,7 @@ std::optional<TStepOutcome> TUndoHistory::Undo()
         return std::nullopt;
     TStep& step = d_steps[--d_done_count];
     TStepOutcome outcome = Swap(&step, step.before);
-    outcome.message = tr("Undone: %1").arg(StepKind::Name(step.kind, step.count));
+    outcome.message = tr("Undone: %1").arg(Name(step));
     return outcome;
 }
 
@@ -207,7 +225,7 @@ std::optional<TStepOutcome> TUndoHistory::Redo()
         return std::nullopt;
     TStep& step = d_steps[d_done_count++];
     TStepOutcome outcome = Swap(&step, step.after);
-    outcome.message = tr("Redone: %1").arg(StepKind::Name(step.kind, step.count));
+    outcome.message = tr("Redone: %1").arg(Name(step));
     return outcome;
 }
 
@@ -225,6 +243,7 @@ TStepOutcome TUndoHistory::Swap(TStep* step, const TShownState& shown)
     step->document.Swap(d_data, &outcome.rows_and_look);
     d_rows = outcome.rows_and_look.rows;
     Measure(step);
+    emit Names_Changed();
     return outcome;
 }
 

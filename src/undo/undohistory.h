@@ -77,6 +77,10 @@ public:
 
     bool Can_Undo() const { return d_done_count > 0; }
     bool Can_Redo() const { return d_done_count < d_steps.size(); }
+    /// What the step that Undo would undo is called; empty if there is none.
+    QString Undo_Name() const;
+    /// The same for Redo.
+    QString Redo_Name() const;
     /// Undoes the last step in the model; empty if there is none.
     std::optional<TStepOutcome> Undo();
     /// Redoes the step that was undone last; empty if there is none.
@@ -85,6 +89,8 @@ public:
 signals:
     /// A step was recorded, or continued.
     void Step_Recorded();
+    /// Undo_Name or Redo_Name may have changed.
+    void Names_Changed();
     /// The user renamed or moved pages.
     void Page_List_Changed();
 

@@ -129,6 +129,32 @@ private slots:
         QCOMPARE(data.Active_Page(), -1);
     }
 
+    void replaced_content_is_that_of_the_page_and_is_recorded()
+    {
+        TData data;
+        data.Set_Active_Page(data.Add_Page(Support::Picture(6, 4)));
+        data.Add_Page();
+        data.Add_Item(Make_Item(5));
+        QVERIFY(data.Item_Exists(5));
+        QList<int> recorded;
+        data.Set_Recorder([&](const TPageItem& page) {
+            recorded += page.page_id;
+            recorded += static_cast<int>(page.data_items.size());
+        });
+        const quint64 revision = data.Page(1).revision;
+        data.Replace_Content(1, Support::Picture(8, 5), {Make_Item(7)});
+        data.Replace_Content(2, Support::Picture(3, 2), {Make_Item(8), Make_Item(9)});
+        data.Replace_Content(3, Support::Picture(3, 2), {});
+        QCOMPARE(recorded, QList<int>({1, 1, 2, 0}));
+        QVERIFY(data.Page(1).revision != revision);
+        QCOMPARE(data.Page_Content().size(), QSize(8, 5));
+        QVERIFY(!data.Item_Exists(5));
+        QVERIFY(data.Item_Exists(7));
+        QCOMPARE(data.Page(2).image.size(), QSize(3, 2));
+        QCOMPARE(static_cast<int>(data.Page(2).data_items.size()), 2);
+        QCOMPARE(data.Page_Count(), 2);
+    }
+
     void the_id_of_a_removed_page_is_not_reused_before_clear()
     {
         TData data;

@@ -81,6 +81,8 @@ private Q_SLOTS:
     void adding_an_unknown_item_keeps_the_selection();
     void clearing_the_selection_reports_it_once();
     void selected_items_are_in_the_order_of_their_selection();
+    void item_ids_are_in_the_order_of_the_rows();
+    void a_shown_value_is_silent();
     void operations_follow_a_drag();
     void clearing_removes_all_rows();
 
@@ -482,6 +484,31 @@ void TestLabelWidget::selected_items_are_in_the_order_of_their_selection()
     Support::Click_Row(d_list, 0);
     Support::Click_Row(d_list, 2, Qt::ControlModifier);
     QCOMPARE(d_panel->Selected_Items(), std::vector<int>({11, 13}));
+}
+
+void TestLabelWidget::item_ids_are_in_the_order_of_the_rows()
+{
+    QVERIFY(d_panel->Item_Ids().empty());
+    Add_Three();
+    QCOMPARE(d_panel->Item_Ids(), std::vector<int>({11, 12, 13}));
+    d_list->setCurrentRow(2);
+    QTest::keyClick(d_list, Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(d_panel->Item_Ids(), std::vector<int>({11, 13, 12}));
+}
+
+void TestLabelWidget::a_shown_value_is_silent()
+{
+    Add_Three();
+    const QSignalSpy changes(d_panel.data(), SIGNAL(Change_Item_Value(int, int)));
+    const QString other = d_list->item(0)->text();
+    d_panel->d_display_format = "No. %1 %2";
+    d_panel->Show_Value(12, 70);
+    d_panel->Show_Value(99, 71);
+    QVERIFY(d_list->item(1)->text().startsWith("No. 70"));
+    QCOMPARE(d_list->item(0)->text(), other);
+    d_panel->Set_Selection(12);
+    QCOMPARE(Shown_Value(), QString("70"));
+    QCOMPARE(changes.size(), 0);
 }
 
 void TestLabelWidget::operations_follow_a_drag()

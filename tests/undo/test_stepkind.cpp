@@ -53,6 +53,8 @@ void TestStepKind::a_step_is_named_by_its_kind_and_count_data()
     add(TStepKind::Move_Pages, "move 1 page", "move 3 pages");
     add(TStepKind::Import, "import 1 image", "import 3 images");
     add(TStepKind::Insert_Pages, "insert 1 page", "insert 3 pages");
+    add(TStepKind::Rotate_Pages, "rotate 1 page", "rotate 3 pages");
+    add(TStepKind::Duplicate_Pages, "duplicate 1 page", "duplicate 3 pages");
     add(TStepKind::Change_Size, "change label size", "change label size");
     add(TStepKind::Change_Color, "change label color", "change label color");
 }

@@ -36,6 +36,7 @@ private slots:
     void a_new_step_removes_undone_steps();
     void the_outcome_contains_the_shown_state_before_and_after();
     void the_message_contains_the_count();
+    void the_names_are_those_of_the_next_steps();
     void the_look_is_undone_and_redone();
     void a_renamed_page_is_a_step();
     void moving_pages_is_a_step_that_touches_no_page();
@@ -418,6 +419,27 @@ void TestUndoHistory::the_message_contains_the_count()
     Record(
         TStepKind::Renumber, 0, [&] { d_model.Change_Item_Value(3, 9); }, 7);
     QCOMPARE(d_history->Undo()->message, QString("Undone: renumber labels"));
+}
+
+void TestUndoHistory::the_names_are_those_of_the_next_steps()
+{
+    QStringList names;
+    connect(d_history.get(), &TUndoHistory::Names_Changed, d_history.get(),
+            [&] { names += d_history->Undo_Name() + '/' + d_history->Redo_Name(); });
+    Change_Value(1, 100);
+    Record(
+        TStepKind::Remove_Labels, 0,
+        [this] {
+            d_model.Remove_Items({2, 3});
+        },
+        2);
+    d_history->Undo();
+    d_history->Undo();
+    d_history->Redo();
+    d_history->Clear();
+    QCOMPARE(names,
+             QStringList({"change value/", "remove 2 labels/", "change value/remove 2 labels",
+                          "/change value", "change value/remove 2 labels", "/"}));
 }
 
 void TestUndoHistory::the_look_is_undone_and_redone()

@@ -1,0 +1,63 @@
+#include "src/model/labelorder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+/// A label's place. Lines run along a page and follow each other across it.
+struct TPlace
+{
+    int id;
+    double along;
+    double across;
+};
+
+/// A coordinate that can be sorted: a NaN counts as infinite.
+double Sortable(double coordinate)
+{
+    return std::isnan(coordinate) ? std::numeric_limits<double>::infinity() : coordinate;
+}
+
+std::vector<int> Ordered(std::vector<TPlace> places, int label_size)
+{
+    std::stable_sort(places.begin(), places.end(), [](const TPlace& left, const TPlace& right) {
+        return left.across < right.across;
+    });
+    for (auto line = places.begin(); line != places.end();) {
+        const auto end = std::find_if(line + 1, places.end(), [&](const TPlace& place) {
+            return place.across >= line->across + label_size;
+        });
+        std::stable_sort(line, end, [](const TPlace& left, const TPlace& right) {
+            return left.along < right.along;
+        });
+        line = end;
+    }
+    std::vector<int> ids;
+    ids.reserve(places.size());
+    for (const TPlace& place : places)
+        ids.push_back(place.id);
+    return ids;
+}
+
+} // namespace
+
+std::vector<int> LabelOrder::By_Lines(const std::vector<TDataItem>& items, int label_size)
+{
+    std::vector<TPlace> places;
+    places.reserve(items.size());
+    for (const TDataItem& item : items)
+        places.push_back({item.id, Sortable(item.position.x()), Sortable(item.position.y())});
+    return Ordered(std::move(places), label_size);
+}
+
+std::vector<int> LabelOrder::By_Columns(const std::vector<TDataItem>& items, int label_size)
+{
+    std::vector<TPlace> places;
+    places.reserve(items.size());
+    for (const TDataItem& item : items)
+        places.push_back({item.id, Sortable(item.position.y()), Sortable(item.position.x())});
+    return Ordered(std::move(places), label_size);
+}
