@@ -11,6 +11,7 @@
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
+#include "src/widgets/documentname.h"
 #include "src/widgets/parentwidget.h"
 #include "src/widgets/undokeys.h"
 
@@ -51,7 +52,7 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     Set_Titles();
     Restore_Settings();
     d_display_click = false;
-    d_data_changed = false;
+    Set_Changed(false);
     d_label_widget->setEnabled(false);
     Connect_Signals();
     Add_Gestures();
@@ -198,8 +199,19 @@ void TQuillet::Commit_Editors()
 
 void TQuillet::Mark_Changed()
 {
-    d_data_changed = true;
+    Set_Changed(true);
     Record_Change();
+}
+
+void TQuillet::Set_Changed(bool is_changed)
+{
+    d_data_changed = is_changed;
+    Show_Document_Name();
+}
+
+void TQuillet::Show_Document_Name()
+{
+    d_document_name->Show_Document(d_file_name, d_data_changed);
 }
 
 void TQuillet::Update_Document_Actions()

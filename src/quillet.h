@@ -31,6 +31,8 @@ class QMenu;
 class QSettings;
 class QSlider;
 class TDisplayWidget;
+class TDocumentName;
+class TFindBar;
 class TLabelWidget;
 class TMessageBox;
 class TOpenMark;
@@ -46,6 +48,12 @@ class TUndoHistory;
 class TUndoKeys;
 class TXmlFile;
 enum class TStepKind;
+namespace LabelSearch {
+enum class TDirection;
+}
+namespace PageTurn {
+enum class TDirection;
+}
 struct TInputOptions;
 struct TKeptFile;
 struct TLabelLook;
@@ -167,6 +175,7 @@ private:
     void Add_Selection_Mouse();
     void Add_Page_List_Menu();
     void Add_Item_List_Menu();
+    void Add_Find_Bar();
 
     // Settings.
     QRect Saved_Geometry() const;
@@ -214,6 +223,8 @@ private:
     // The document, and what depends on it.
     void Commit_Editors();
     void Mark_Changed();
+    void Set_Changed(bool is_changed);
+    void Show_Document_Name();
     void Update_Document_Actions();
     void Enable_Document_Actions(bool enable);
     void Set_Working_File(const QString& path);
@@ -230,9 +241,15 @@ private:
     void Insert_Images_Here();
     void Insert_Pdf_Pages();
     void Insert_Dropped_Files(const QStringList& paths);
+    void Drop_Files(const QStringList& paths);
+    static bool Can_Open(const QString& path);
+    void Open_Files(const QStringList& paths);
     void Insert_Files(const QStringList& paths, const TInputOptions& options, int row);
     void Insert_Pages(const std::vector<TPageImage>& images, int row);
     int Row_After_Selected_Pages() const;
+    QList<int> Selected_Pages() const;
+    void Turn_Pages(PageTurn::TDirection direction);
+    void Duplicate_Pages();
 
     // Keys.
     double Zoom_Value(double scale) const;
@@ -261,6 +278,11 @@ private:
     void Select_On_Page(const std::vector<int>& ids);
     void Toggle_On_Page(int id);
     int Renumber_Active_Page(int first_value, bool selected_only);
+    void Renumber_In_Order(const std::vector<int>& ids);
+
+    // Finding labels.
+    void Find_Label(const QString& text, LabelSearch::TDirection direction);
+    void Show_Label(int page_id, int item_id);
 
     // Exports.
     template <typename TExport>
@@ -321,6 +343,8 @@ private:
     bool d_has_new_document = false; ///< the last file operation replaced the document
     QAction* d_action_export_web_page = nullptr; ///< in the page list's context menu
     std::optional<int> d_new_label;              ///< added since the last change of the selection
+    TFindBar* d_find_bar = nullptr;
+    TDocumentName* d_document_name = nullptr; ///< in the status bar
 
     std::vector<TKeptFile> d_recovered;           ///< copies and logs that the notice is about
     TRecoveryNotice* d_recovery_notice = nullptr; ///< null until one is shown

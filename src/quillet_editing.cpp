@@ -243,3 +243,32 @@ int TQuillet::Renumber_Active_Page(int first_value, bool selected_only)
                         [&numbering] { return numbering.Take(); });
     return numbering.Next();
 }
+
+/// Gives the labels of the active page consecutive values, starting from their smallest one.
+/// @param ids  of all its labels, in the order of their new values.
+void TQuillet::Renumber_In_Order(const std::vector<int>& ids)
+{
+    if (ids.empty())
+        return;
+    Commit_Editors();
+    const std::vector<TDataItem>& items = d_data.Active_Page_Item()->data_items;
+    const auto by_value = [](const TDataItem& left, const TDataItem& right) {
+        return left.value < right.value;
+    };
+    const auto [least, largest] = std::minmax_element(items.cbegin(), items.cend(), by_value);
+    const bool is_next = d_label_widget->Next_Value() == TNumbering::After(largest->value);
+    const TShownState shown = Shown_State();
+    const TStepScope step = Record_Step(TStepKind::Renumber);
+    TNumbering numbering(least->value, TNumbering::Next_1X);
+    for (const int id : ids) {
+        const int value = numbering.Take();
+        d_data.Change_Item_Value(id, value);
+        d_display_widget->Change_Item_Value(id, value);
+        d_label_widget->Show_Value(id, value);
+    }
+    // New labels go on after the page's last value if they would have before.
+    if (is_next)
+        d_label_widget->Set_Values(numbering.Next(), numbering.Next());
+    Show_Selection(shown, d_page_widget->Selected_Pages());
+    Mark_Changed();
+}

@@ -36,7 +36,7 @@ void TQuillet::File_New()
     Show_No_Page();
     Enable_Document_Actions(false);
     Set_File_Name(QString());
-    d_data_changed = false;
+    Set_Changed(false);
     d_history->Clear();
 }
 
@@ -61,7 +61,7 @@ void TQuillet::Open_File(const QString& name)
     // A legacy file is never overwritten: the next Save asks for a name.
     Set_File_Name(is_legacy ? QString() : name);
     Set_Working_File(is_legacy ? LegacyFile::Base_Name(name) : name);
-    d_data_changed = false;
+    Set_Changed(false);
 }
 
 /// Replaces the document by that of a file; on failure shows the error and returns false.
@@ -93,6 +93,7 @@ bool TQuillet::Replace_Document(const QString& name)
 void TQuillet::Set_File_Name(const QString& path)
 {
     d_file_name = path;
+    Show_Document_Name();
     if (d_open_mark->Set(path))
         statusBar()->showMessage(
             tr("%1 is already open in another window").arg(QFileInfo(path).fileName()));
@@ -136,7 +137,7 @@ void TQuillet::Save_To(const QString& file_name)
         Show_File_Error(tr("Error Saving Data"), tr("The Quillet file cannot be saved."));
     else if (statusBar()->currentMessage().isEmpty())
         Show_Status(tr("Saved %1").arg(QFileInfo(file_name).fileName()));
-    d_data_changed = false;
+    Set_Changed(false);
 }
 
 bool TQuillet::Fail(const QString& reason)

@@ -7,15 +7,13 @@
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/undo/undohistory.h"
+#include "src/widgets/filedrop.h"
 #include "src/widgets/focusframe.h"
-#include "src/widgets/imagedrop.h"
 #include "src/widgets/nudgekeys.h"
 #include "src/widgets/rowlist.h"
 #include "src/widgets/selectionmouse.h"
 #include "src/widgets/thumbnailtip.h"
 #include "src/widgets/wheelzoom.h"
-
-#include <QAction>
 
 #include <algorithm>
 
@@ -27,12 +25,13 @@ void TQuillet::Add_Gestures()
         new TFocusFrame(list);
     new TWheelZoom(d_display_widget, d_zoom_slider);
     new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
-    new TImageDrop(this, [this](const QStringList& paths) { Insert_Dropped_Files(paths); });
+    new TFileDrop(this, Can_Open, [this](const QStringList& paths) { Drop_Files(paths); });
     new TThumbnailTip(d_page_widget->findChild<TRowList*>(), [this](int page_id) {
         return d_data.Page_Index(page_id) < 0 ? TPageImage() : d_data.Page(page_id).image;
     });
     Add_Selection_Mouse();
     Add_Keys();
+    Add_Find_Bar();
     Add_Page_List_Menu();
     Add_Item_List_Menu();
 }
@@ -58,31 +57,6 @@ void TQuillet::Add_Selection_Mouse()
         Select_On_Page(ids);
     };
     new TSelectionMouse(d_display_widget, actions);
-}
-
-/// Gives the page list a context menu.
-void TQuillet::Add_Page_List_Menu()
-{
-    const auto add = [this](const QString& text, void (TQuillet::*command)()) {
-        auto* const action = new QAction(text, d_page_widget);
-        connect(action, &QAction::triggered, this, command);
-        d_page_widget->addAction(action);
-        return action;
-    };
-    add(tr("Insert Images Here ..."), &TQuillet::Insert_Images_Here);
-    add(tr("Insert pages from PDF ..."), &TQuillet::Insert_Pdf_Pages);
-    d_action_export_web_page = add(tr("Export web page ..."), &TQuillet::Export_Web_Page);
-    d_action_export_web_page->setEnabled(false);
-    d_page_widget->setContextMenuPolicy(Qt::ActionsContextMenu);
-}
-
-/// Gives the item list a context menu.
-void TQuillet::Add_Item_List_Menu()
-{
-    auto* const action = new QAction(tr("Move onto the page"), d_label_widget);
-    connect(action, &QAction::triggered, this, [this] { Move_Onto_Page(); });
-    d_label_widget->addAction(action);
-    d_label_widget->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 /// Moves the selected labels.

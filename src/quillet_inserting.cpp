@@ -11,6 +11,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QTimer>
 
 #include <algorithm>
 #include <numeric>
@@ -75,8 +76,8 @@ bool Is_Document_Name(const QString& path)
 }
 
 /// Counts the pages of files. Leaves out those that cannot be opened.
-std::vector<TInputFile> Open_Files(const QStringList& paths, const TInputOptions& options,
-                                   TReadPages* pages)
+std::vector<TInputFile> Input_Files(const QStringList& paths, const TInputOptions& options,
+                                    TReadPages* pages)
 {
     std::vector<TInputFile> files;
     for (const QString& path : paths) {
@@ -176,7 +177,7 @@ void TQuillet::Insert_Files(const QStringList& paths, const TInputOptions& optio
     TReadPages pages;
     {
         TProgress progress = New_Progress(tr("Reading page %1 of %2"));
-        std::vector<TInputFile> files = Open_Files(sorted_paths, options, &pages);
+        std::vector<TInputFile> files = Input_Files(sorted_paths, options, &pages);
         Read_Files(&files, &progress, &pages);
         // Protecting the new pages may take long, too.
         Insert_Pages(pages.images, row);
@@ -201,21 +202,44 @@ void TQuillet::Insert_Pages(const std::vector<TPageImage>& images, int row)
     Update_Document_Actions();
 }
 
+/// Handles files that were dropped on the window.
+void TQuillet::Drop_Files(const QStringList& paths)
+{
+    if (std::none_of(paths.cbegin(), paths.cend(), Is_Document_Name))
+        Insert_Dropped_Files(paths);
+    else // A question now would block the program that the files come from.
+        QTimer::singleShot(0, this, [this, paths] { Open_Files(paths); });
+}
+
+/// Whether a file is a document, or has pages to insert.
+bool TQuillet::Can_Open(const QString& path)
+{
+    return Is_Document_Name(path) || ImageFiles::Is_Image_Or_Pdf(path);
+}
+
 void TQuillet::Open_Arguments(const QStringList& arguments)
+{
+    QStringList paths;
+    for (const QString& argument : arguments) {
+        // Qt's own options are removed already.
+        if (!argument.startsWith(QLatin1Char('-')))
+            paths += QFileInfo(argument).absoluteFilePath();
+    }
+    Open_Files(paths);
+}
+
+/// Opens the first document among these files, and inserts the pages of images and PDFs.
+void TQuillet::Open_Files(const QStringList& paths)
 {
     QStringList documents;
     QStringList pages;
-    for (const QString& argument : arguments) {
-        // Qt's own options are removed already.
-        if (argument.startsWith(QLatin1Char('-')))
-            continue;
-        const QString path = QFileInfo(argument).absoluteFilePath();
-        if (!Is_Document_Name(path) && ImageFiles::Is_Image_Or_Pdf(path))
-            pages += path;
-        else
-            documents += path;
-    }
+    for (const QString& path : paths)
+        (!Is_Document_Name(path) && ImageFiles::Is_Image_Or_Pdf(path) ? pages : documents) += path;
     if (!documents.isEmpty()) {
+        Commit_Editors();
+        if (!Confirm_Loss())
+            return;
+        Flush_Work();
         Open_File(documents.first());
         Update_Document_Actions();
     }

@@ -5,12 +5,16 @@
 #include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/model/imagefiles.h"
+#include "src/model/pageturn.h"
 #include "src/pagewidget.h"
 #include "src/undo/undohistory.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QScopedValueRollback>
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -108,6 +112,67 @@ void TQuillet::Remove_Pages(const QList<int>& pages)
     Mark_Changed();
 }
 
+/// Ids of the selected pages, from top to bottom.
+QList<int> TQuillet::Selected_Pages() const
+{
+    const std::vector<int> selected = d_page_widget->Selected_Pages();
+    QList<int> page_ids = d_page_widget->Page_Ids();
+    const auto is_other = [&selected](int page_id) {
+        return std::find(selected.cbegin(), selected.cend(), page_id) == selected.cend();
+    };
+    page_ids.erase(std::remove_if(page_ids.begin(), page_ids.end(), is_other), page_ids.end());
+    return page_ids;
+}
+
+/// Rotates the selected pages that have an image.
+void TQuillet::Turn_Pages(PageTurn::TDirection direction)
+{
+    Commit_Editors();
+    QList<int> page_ids = Selected_Pages();
+    const auto has_no_image = [this](int page_id) { return d_data.Page(page_id).image.isNull(); };
+    page_ids.erase(std::remove_if(page_ids.begin(), page_ids.end(), has_no_image), page_ids.end());
+    if (page_ids.isEmpty()) {
+        Show_Status(tr("No page with an image is selected"));
+        return;
+    }
+    const TShownState shown = Shown_State();
+    TProgress progress = New_Progress(tr("Rotating page %1 of %2"));
+    const TStepScope step = Record_Step(TStepKind::Rotate_Pages, 0, page_ids.size());
+    int number = 0;
+    for (const int page_id : std::as_const(page_ids)) {
+        progress.Step(++number, page_ids.size());
+        const TPageItem turned = PageTurn::Turned(d_data.Page(page_id), direction);
+        d_data.Replace_Content(page_id, turned.image, turned.data_items);
+    }
+    Mark_Changed();
+    if (page_ids.contains(d_data.Active_Page())) {
+        Refresh_Active_Page();
+        Show_Selection(shown, d_page_widget->Selected_Pages());
+    }
+}
+
+/// Inserts a copy of each selected page after it.
+void TQuillet::Duplicate_Pages()
+{
+    Commit_Editors();
+    const QList<int> page_ids = Selected_Pages();
+    if (page_ids.isEmpty()) {
+        Show_Status(tr("No page is selected"));
+        return;
+    }
+    const TStepScope step = Record_Step(TStepKind::Duplicate_Pages, 0, page_ids.size());
+    for (const int page_id : page_ids) {
+        TPageItem page = d_data.Page(page_id);
+        for (TDataItem& item : page.data_items)
+            item.selected = false;
+        const int copy_id = d_data.Add_Page(page.image);
+        d_data.Replace_Content(copy_id, page.image, std::move(page.data_items));
+        d_page_widget->Insert_Page(copy_id, d_page_widget->Page_Ids().indexOf(page_id) + 1);
+        d_page_widget->Set_Page_Name(copy_id, tr("%1 copy").arg(d_page_widget->Page_Name(page_id)));
+    }
+    Mark_Changed();
+}
+
 void TQuillet::Page_Selection_Changed(int page)
 {
     Finish_Step();
@@ -124,7 +189,7 @@ void TQuillet::Page_Selection_Changed(int page)
         Show_No_Page();
         d_label_widget->setEnabled(false);
     }
-    d_data_changed = changed;
+    Set_Changed(changed);
 }
 
 /// Shows the active page in list and view, which must have been cleared.

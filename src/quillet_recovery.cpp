@@ -143,7 +143,7 @@ void TQuillet::Open_Recovered()
     Set_File_Name(loaded ? Document_Of(copy) : QString());
     if (!d_file_name.isEmpty())
         Set_Working_File(d_file_name);
-    d_data_changed = true;
+    Set_Changed(true);
     if (loaded) {
         copy.document = d_file_name;
         d_safety_net->After_Recovery(copy);

@@ -8,6 +8,8 @@
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
 #include "src/widgets/accessibility.h"
+#include "src/widgets/documentname.h"
+#include "src/widgets/findbar.h"
 #include "src/widgets/statusbar.h"
 
 #include <QAction>
@@ -140,6 +142,8 @@ void TQuillet::Create_Status_Bar()
 
     setStatusBar(new TStatusBar(this));
     statusBar()->addPermanentWidget(zoom);
+    d_document_name = new TDocumentName(this);
+    statusBar()->addWidget(d_document_name);
 }
 
 void TQuillet::Create_Docks(QMenu* view_menu)
@@ -205,17 +209,18 @@ void TQuillet::Create_Central_Widget()
     // On one line, it would make the window too wide for a small screen.
     notice->setWordWrap(true);
     layout->addWidget(notice);
+    d_find_bar = new TFindBar(central);
     setCentralWidget(central);
 }
 
 void TQuillet::Set_Focus_Order()
 {
-    // Page, labels, pages, settings, zoom. Each panel sets the order of its widgets, but loses it
-    // when it is moved into a dock.
+    // Page, labels, pages, settings, find bar, zoom. Each panel sets the order of its widgets, but
+    // loses it when it is moved into a dock.
     QList<QWidget*> order = {d_display_widget};
     for (const QWidget* panel :
          {static_cast<QWidget*>(d_label_widget), static_cast<QWidget*>(d_page_widget),
-          static_cast<QWidget*>(d_settings_widget)})
+          static_cast<QWidget*>(d_settings_widget), static_cast<QWidget*>(d_find_bar)})
         order += panel->findChildren<QWidget*>();
     order += d_zoom_slider;
 

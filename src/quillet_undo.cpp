@@ -8,6 +8,7 @@
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
+#include "src/widgets/undoactions.h"
 #include "src/widgets/undokeys.h"
 
 #include <QApplication>
@@ -35,12 +36,18 @@ void TQuillet::Start_History()
         &d_data,
         TUndoHistory::TSource{[this] { return Vector_Of(Named_Pages()); },
                               [this] { return Label_Look(); }, [this] { return Shown_State(); }});
-    d_undo_keys = std::make_unique<TUndoKeys>(
-        this, [this] { Show_Outcome(d_history->Undo()); },
-        [this] { Show_Outcome(d_history->Redo()); }, [this] { Finish_Step(); });
+    const auto undo = [this] { Show_Outcome(d_history->Undo()); };
+    const auto redo = [this] { Show_Outcome(d_history->Redo()); };
+    d_undo_keys = std::make_unique<TUndoKeys>(this, undo, redo, [this] { Finish_Step(); });
+    auto* const actions = new TUndoActions(this, undo, redo);
+    actions->Add_To(d_label_widget);
+    actions->Add_To(d_page_widget);
     d_history->Watch_Page_List(*d_page_widget->Rows());
     connect(d_history.get(), &TUndoHistory::Step_Recorded, d_undo_keys.get(),
             &TUndoKeys::Step_Recorded);
+    connect(d_history.get(), &TUndoHistory::Names_Changed, actions, [this, actions] {
+        actions->Set_Names(d_history->Undo_Name(), d_history->Redo_Name());
+    });
     connect(d_history.get(), &TUndoHistory::Page_List_Changed, this, &TQuillet::Record_Change);
 }
 

@@ -10,9 +10,9 @@ namespace {
 /// A label's place. Lines run along a page and follow each other across it.
 struct TPlace
 {
-    int id;
-    double along;
-    double across;
+    int id = 0;
+    double along = 0.0;
+    double across = 0.0;
 };
 
 /// A coordinate that can be sorted: a NaN counts as infinite.

@@ -21,7 +21,7 @@ public:
 private:
     QString d_text;
     bool d_is_number = false;
-    int d_value;
+    int d_value = 0;
 };
 
 } // namespace

@@ -1,37 +1,12 @@
 #include "src/widgets/recoverynotice.h"
 
 #include "src/widgets/accessibility.h"
+#include "src/widgets/elidedlabel.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
-#include <QPainter>
-#include <QStyle>
 #include <QToolButton>
 
 namespace {
-
-/// One line of plain text, elided to the width of the label.
-class TElidedLabel : public QLabel
-{
-public:
-    explicit TElidedLabel(QWidget* parent)
-        : QLabel(parent)
-    {
-        // A file name may look like rich text.
-        setTextFormat(Qt::PlainText);
-    }
-
-    QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override
-    {
-        QPainter painter(this);
-        style()->drawItemText(
-            &painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
-            fontMetrics().elidedText(text(), Qt::ElideRight, width()), foregroundRole());
-    }
-};
 
 QToolButton* New_Button(const QString& text, const QString& description, QWidget* parent)
 {
@@ -46,7 +21,7 @@ QToolButton* New_Button(const QString& text, const QString& description, QWidget
 
 TRecoveryNotice::TRecoveryNotice(QWidget* parent)
     : QWidget(parent)
-    , d_label(new TElidedLabel(this))
+    , d_label(new TElidedLabel(Qt::ElideRight, this))
 {
     auto* const open =
         New_Button(tr("Open"), tr("Open the recovered work as unsaved changes"), this);

@@ -12,6 +12,7 @@
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 #include "src/widgets/accessibility.h"
+#include "src/widgets/findbar.h"
 
 #include <QTest>
 
@@ -29,6 +30,7 @@ private slots:
     void a_name_is_the_caption_without_its_colon_data();
     void a_name_is_the_caption_without_its_colon();
     void the_tab_key_visits_all_widgets_in_order();
+    void the_tab_key_visits_the_find_bar_before_the_zoom();
     void every_command_is_in_a_menu();
     void tool_bar_buttons_say_what_they_do();
 
@@ -64,10 +66,11 @@ void TestAccessibility::Add_Windows()
     QTest::addColumn<int>("controls");
     QTest::addColumn<QStringList>("captions");
     // The page view counts twice: the view and its viewport.
-    QTest::newRow("main window")
-        << "main window" << 19
-        << QStringList({"Item Value:", "Item Text:", "Border Type:", "Item Display Format:",
-                        "Item Color:", "Item Size:", "PDF Orientation", "PDF Resolution", "Zoom:"});
+    QTest::newRow("main window") << "main window" << 23
+                                 << QStringList({"Item Value:", "Item Text:", "Border Type:",
+                                                 "Item Display Format:", "Item Color:",
+                                                 "Item Size:", "PDF Orientation", "PDF Resolution",
+                                                 "Zoom:", "Find:"});
     QTest::newRow("renumbering") << "renumbering" << 7
                                  << QStringList({"First Item Value:", "Increment Over Page:"});
     QTest::newRow("header lines") << "header lines" << 4
@@ -178,6 +181,19 @@ void TestAccessibility::the_tab_key_visits_all_widgets_in_order()
     QCOMPARE(visited, expected);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
     QCOMPARE(QApplication::focusWidget()->accessibleName(), QString("Page"));
+}
+
+void TestAccessibility::the_tab_key_visits_the_find_bar_before_the_zoom()
+{
+    d_window->findChild<TFindBar*>()->Open();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    QStringList visited;
+    for (int step = 0; step < 6; ++step) {
+        visited += QApplication::focusWidget()->accessibleName();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    QCOMPARE(visited, QStringList({"Track Selected Item", "Find", "Find Previous", "Find Next",
+                                   "Close Find Bar", "Image Magnification"}));
 }
 
 void TestAccessibility::every_command_is_in_a_menu()

@@ -1,6 +1,7 @@
 // Gestures: Ctrl and the wheel zoom, Delete asks, Ctrl and arrows move labels, dropped files become
-// pages, Alt and arrows move rows. Also the progress of long work.
+// pages or are opened, Alt and arrows move rows. Also the progress of long work.
 
+#include "support/inputfiles.h"
 #include "support/modal.h"
 #include "support/project.h"
 #include "support/support.h"
@@ -93,6 +94,11 @@ private slots:
     void files_other_than_images_are_refused_data();
     void files_other_than_images_are_refused();
     void a_drop_imports_only_the_images_among_its_files();
+    void a_dropped_document_is_opened_data();
+    void a_dropped_document_is_opened();
+    void a_dropped_document_is_opened_only_after_the_question();
+    void images_are_inserted_into_the_document_dropped_with_them();
+    void a_dropped_pdf_is_recognized_by_its_content();
     void files_are_copied_and_never_moved();
     void a_drop_is_refused_while_a_dialog_is_open();
     void text_can_still_be_dropped_on_editors();
@@ -682,6 +688,74 @@ void TestGestures::a_drop_imports_only_the_images_among_its_files()
     Support::Write_File(d_folder->filePath("notes.txt"), "some text");
     QVERIFY(Drop_Files(Page(), {d_folder->filePath("notes.txt"), Picture_File("a.png")}));
     QCOMPARE(Support::Describe(d_window.get()), QStringList({"page 1 Page 1 61x40"}));
+}
+
+void TestGestures::a_dropped_document_is_opened_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("lower case") << "site plan.quillet";
+    QTest::newRow("upper case") << "A.QUILLET";
+}
+
+void TestGestures::a_dropped_document_is_opened()
+{
+    QFETCH(QString, name);
+    Show_Page();
+    const QString path = d_folder->filePath(name);
+    QVERIFY(d_window->Save_Data(path));
+    d_window->File_New();
+    QVERIFY(Drop_Files(Page(), {path}));
+    // Not while the drag still runs.
+    QCOMPARE(d_window->d_data.Page_Count(), 0);
+    QTRY_COMPARE(d_window->d_file_name, path);
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
+    QVERIFY(!d_window->d_data_changed);
+    QVERIFY(d_window->d_action_save->isEnabled());
+}
+
+void TestGestures::a_dropped_document_is_opened_only_after_the_question()
+{
+    Show_Page();
+    const QString path = d_folder->filePath("a.quillet");
+    QVERIFY(d_window->Save_Data(path));
+    d_window->Add_Item(QPointF(10, 10));
+    const auto drop = [&] {
+        Drop_Files(Page(), {path, Picture_File("a.png")});
+        QTRY_VERIFY(!QApplication::activeModalWidget());
+        QTest::qWait(20);
+    };
+    QString text;
+    const auto look = [&text](QMessageBox* box) { text = box->informativeText(); };
+    QCOMPARE(Run_Answering(drop, {Support::Look_And_Press(look, QMessageBox::No)}), QString());
+    QVERIFY2(text.contains("Current data will be lost.  Do you want to continue?"),
+             qPrintable(text));
+    QCOMPARE(d_window->d_file_name, QString());
+    QCOMPARE(d_window->d_data.Item_Count(), 4);
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
+    QCOMPARE(Run_Answering(drop, {Support::Press(QMessageBox::Yes)}), QString());
+    QCOMPARE(d_window->d_file_name, path);
+    QCOMPARE(d_window->d_data.Page_Count(), 2);
+}
+
+void TestGestures::images_are_inserted_into_the_document_dropped_with_them()
+{
+    Show_Page();
+    const QString path = d_folder->filePath("b.quillet");
+    QVERIFY(d_window->Save_Data(path));
+    d_window->File_New();
+    QVERIFY(Drop_Files(Page(), {Picture_File("a.png"), path}));
+    QTRY_COMPARE(d_window->d_data.Page_Count(), 2);
+    QCOMPARE(d_window->d_file_name, path);
+    QCOMPARE(d_window->d_page_widget->Page_Name(1), QString("Plan"));
+    QVERIFY(d_window->d_data_changed);
+}
+
+void TestGestures::a_dropped_pdf_is_recognized_by_its_content()
+{
+    const QString path = d_folder->filePath("report");
+    Support::Write_File(path, Support::Pdf({"0 0 72 36"}));
+    QVERIFY(Drop_Files(Page(), {path}));
+    QCOMPARE(d_window->d_data.Page_Count(), 1);
 }
 
 void TestGestures::files_are_copied_and_never_moved()

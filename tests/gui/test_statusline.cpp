@@ -1,12 +1,14 @@
-// What the status bar says after saving, exporting and importing.
+// What the status bar says after saving, exporting and importing, and when idle.
 
 #include "support/modal.h"
 #include "support/pages.h"
 #include "support/support.h"
+#include "support/widgets.h"
 #include "support/window.h"
 
 #include "src/displaywidget.h"
 #include "src/pagewidget.h"
+#include "src/widgets/documentname.h"
 
 #include <QTest>
 
@@ -35,10 +37,14 @@ private slots:
     void a_report_is_named();
     void a_report_that_cannot_be_written_is_named();
     void an_export_without_pages_says_nothing();
+    void the_idle_line_names_the_document();
+    void the_idle_line_marks_unsaved_changes();
+    void the_idle_line_makes_room_for_messages();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
     QString Line() const { return d_window->statusBar()->currentMessage(); }
+    QString Idle_Line() const { return Support::Only<TDocumentName>(*d_window)->text(); }
     void Add_Pages(int count);
     bool Export_Report(const QString& name);
 
@@ -212,6 +218,54 @@ void TestStatusLine::an_export_without_pages_says_nothing()
     QVERIFY(!d_window->Export_Images(d_folder->path(), {}));
     QVERIFY(!Export_Report("report.pdf"));
     QCOMPARE(Line(), QString());
+}
+
+void TestStatusLine::the_idle_line_names_the_document()
+{
+    QCOMPARE(Idle_Line(), QString("New document"));
+    Add_Pages(1);
+    QCOMPARE(Run_Answering([this] { d_window->File_SaveAs(); },
+                           {Support::Choose({In("site-plan.quillet")})}),
+             QString());
+    QCOMPARE(Idle_Line(), QString("site-plan.quillet"));
+    d_window->File_New();
+    QCOMPARE(Idle_Line(), QString("New document"));
+    d_window->Open_File(In("site-plan.quillet"));
+    QCOMPARE(Idle_Line(), QString("site-plan.quillet"));
+}
+
+void TestStatusLine::the_idle_line_marks_unsaved_changes()
+{
+    QVERIFY(QTest::qWaitForWindowActive(d_window.get()));
+    Add_Pages(2);
+    Support::Show_Page(d_window.get(), 1);
+    QCOMPARE(Idle_Line(), QString("New document"));
+    d_window->Add_Item(QPointF(10, 10));
+    QCOMPARE(Idle_Line(), QString("New document *"));
+    Support::Show_Page(d_window.get(), 2);
+    QCOMPARE(Idle_Line(), QString("New document *"));
+    d_window->d_file_name = In("a.quillet");
+    d_window->File_Save();
+    QCOMPARE(Idle_Line(), QString("a.quillet"));
+    // Showing a page with labels is no change.
+    Support::Show_Page(d_window.get(), 1);
+    QCOMPARE(Idle_Line(), QString("a.quillet"));
+    QTest::keyClick(d_window.get(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Idle_Line(), QString("a.quillet *"));
+}
+
+void TestStatusLine::the_idle_line_makes_room_for_messages()
+{
+    const auto* const name = Support::Only<TDocumentName>(*d_window);
+    QVERIFY(name->isVisible());
+    Add_Pages(1);
+    d_window->d_file_name = In("a.quillet");
+    d_window->File_Save();
+    QCOMPARE(Line(), QString("Saved a.quillet"));
+    QVERIFY(!name->isVisible());
+    d_window->statusBar()->clearMessage();
+    QVERIFY(name->isVisible());
+    QVERIFY(name->x() < d_window->d_zoom_slider->parentWidget()->x());
 }
 
 QTEST_MAIN(TestStatusLine)

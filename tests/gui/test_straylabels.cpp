@@ -1,5 +1,6 @@
 // Labels outside of their page: the warning after an export, and moving them back.
 
+#include "support/menu.h"
 #include "support/pages.h"
 #include "support/project.h"
 #include "support/support.h"
@@ -34,7 +35,6 @@ private:
     QString Line() const { return d_window->statusBar()->currentMessage(); }
     void Show(const std::vector<TDataItem>& labels);
     QListWidget* List() const { return Support::Only<QListWidget>(*d_window->d_label_widget); }
-    void Choose_From_Menu() const;
     QList<QPointF> Positions() const;
 
     std::unique_ptr<QTemporaryDir> d_folder;
@@ -60,20 +60,6 @@ void TestStrayLabels::Show(const std::vector<TDataItem>& labels)
     Support::Show_Page(d_window.get(),
                        Support::Add_Page(d_window.get(), Support::Picture(300, 200), labels));
     d_window->d_history->Clear();
-}
-
-/// Opens the context menu of the item list with its key and chooses the only entry.
-void TestStrayLabels::Choose_From_Menu() const
-{
-    QTimer::singleShot(0, this, [] {
-        QWidget* const menu = QApplication::activePopupWidget();
-        QVERIFY(menu);
-        QTest::keyClick(menu, Qt::Key_Down);
-        QTest::keyClick(menu, Qt::Key_Return);
-    });
-    const QPoint place = List()->rect().center();
-    QContextMenuEvent event(QContextMenuEvent::Keyboard, place, List()->mapToGlobal(place));
-    QApplication::sendEvent(List()->viewport(), &event);
 }
 
 /// Positions of the labels in the document, which the view shares.
@@ -126,7 +112,7 @@ void TestStrayLabels::the_context_menu_moves_selected_labels_onto_the_page()
           Label(3, 7, "", 2, {9000, 900}), Label(4, 8, "", 2, {500, 100})});
     d_window->d_label_widget->Select_Items({1, 2, 3});
     d_window->d_data_changed = false;
-    Choose_From_Menu();
+    QCOMPARE(Support::Choose_From_Menu(List(), "Move onto the page"), QString());
     QCOMPARE(Positions(), (QList<QPointF>{{16, 50}, {50, 50}, {284, 184}, {500, 100}}));
     QVERIFY(d_window->d_data_changed);
 }
@@ -136,12 +122,9 @@ void TestStrayLabels::moving_labels_onto_the_page_is_one_step()
     Show({Label(1, 5, "", 2, {-90, 50}), Label(2, 6, "", 2, {50, 300})});
     d_window->d_label_widget->Select_Items({1, 2});
     const QList<QPointF> before = Positions();
-    Choose_From_Menu();
+    QCOMPARE(Support::Choose_From_Menu(List(), "Move onto the page"), QString());
     const QList<QPointF> after = Positions();
     QVERIFY(before != after);
-    // The menu was the active window.
-    d_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(d_window.get()));
     List()->setFocus();
     QTest::keyClick(List(), Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(Line(), QString("Undone: move 2 labels"));
@@ -155,7 +138,7 @@ void TestStrayLabels::labels_on_the_page_stay()
     Show({Label(1, 5, "", 2, {3, 3})});
     d_window->d_label_widget->Select_Items({1});
     d_window->d_data_changed = false;
-    Choose_From_Menu();
+    QCOMPARE(Support::Choose_From_Menu(List(), "Move onto the page"), QString());
     QCOMPARE(Positions(), QList<QPointF>{QPointF(3, 3)});
     QCOMPARE(Line(), QString("No selected label is outside the page"));
     QVERIFY(!d_window->d_data_changed);

@@ -34,7 +34,7 @@ std::unique_ptr<TOpenWindow> New_Window(int label_size, const QColor& label_colo
     window->Label_Size_Changed(label_size);
     window->Color_Changed(label_color);
     window->show();
-    window->d_data_changed = false;
+    window->Set_Changed(false);
     return window;
 }
 

@@ -216,9 +216,17 @@ def status_bar(session):
 
 
 def wait_for_end_of_message(session, before):
-    """Waits until the status bar looks as in a screenshot: messages disappear after some seconds."""
-    wait_until("the message in the status bar to disappear",
-               lambda: not before.changes(Picture.of_screen(), status_bar(session)))
+    """Waits until the status bar looks as in a screenshot: messages disappear after some seconds.
+
+    The mark of unsaved changes may have appeared meanwhile.
+    """
+    mark_width = 12
+
+    def is_over():
+        changes = before.changes(Picture.of_screen(), status_bar(session))
+        return not changes or changes.width <= mark_width
+
+    wait_until("the message in the status bar to disappear", is_over)
 
 
 def import_pages(session):

@@ -1,6 +1,4 @@
-#include "src/widgets/imagedrop.h"
-
-#include "src/model/imagefiles.h"
+#include "src/widgets/filedrop.h"
 
 #include <QApplication>
 #include <QDockWidget>
@@ -12,19 +10,6 @@
 
 namespace {
 
-/// The paths of the image files and PDFs in a drag.
-QStringList Image_Paths(const QMimeData& dragged)
-{
-    QStringList paths;
-    const QList<QUrl> urls = dragged.urls();
-    for (const QUrl& url : urls) {
-        const QString path = url.toLocalFile();
-        if (QFileInfo(path).isFile() && ImageFiles::Is_Image_Or_Pdf(path))
-            paths += path;
-    }
-    return paths;
-}
-
 /// Whether a widget is a graphics view or its viewport. Graphics views accept every drag that
 /// enters and refuse it only when it moves.
 bool Is_Graphics_View(const QObject* object)
@@ -35,8 +20,9 @@ bool Is_Graphics_View(const QObject* object)
 
 } // namespace
 
-TImageDrop::TImageDrop(QWidget* window, const TCallback& callback)
+TFileDrop::TFileDrop(QWidget* window, const TFilter& accepts, const TCallback& callback)
     : QObject(window)
+    , d_accepts(accepts)
     , d_callback(callback)
 {
     window->setAcceptDrops(true);
@@ -52,7 +38,7 @@ TImageDrop::TImageDrop(QWidget* window, const TCallback& callback)
     }
 }
 
-bool TImageDrop::eventFilter(QObject* object, QEvent* event)
+bool TFileDrop::eventFilter(QObject* object, QEvent* event)
 {
     switch (event->type()) {
     case QEvent::DragEnter:
@@ -64,10 +50,23 @@ bool TImageDrop::eventFilter(QObject* object, QEvent* event)
     }
 }
 
-/// Returns whether the event was handled.
-bool TImageDrop::Handle(const QObject* object, QDropEvent* event)
+/// The paths of the accepted files in a drag.
+QStringList TFileDrop::Accepted_Paths(const QMimeData& dragged) const
 {
-    const QStringList paths = Image_Paths(*event->mimeData());
+    QStringList paths;
+    const QList<QUrl> urls = dragged.urls();
+    for (const QUrl& url : urls) {
+        const QString path = url.toLocalFile();
+        if (QFileInfo(path).isFile() && d_accepts(path))
+            paths += path;
+    }
+    return paths;
+}
+
+/// Returns whether the event was handled.
+bool TFileDrop::Handle(const QObject* object, QDropEvent* event)
+{
+    const QStringList paths = Accepted_Paths(*event->mimeData());
     if (paths.isEmpty() && !Is_Graphics_View(object))
         return false;
     // After a move, the source of the drag may delete the files.

@@ -1,0 +1,25 @@
+#include "src/widgets/elidedlabel.h"
+
+#include <QPainter>
+#include <QStyle>
+
+TElidedLabel::TElidedLabel(Qt::TextElideMode mode, QWidget* parent)
+    : QLabel(parent)
+    , d_mode(mode)
+{
+    // A file name may look like rich text.
+    setTextFormat(Qt::PlainText);
+}
+
+QSize TElidedLabel::minimumSizeHint() const
+{
+    return {0, QLabel::minimumSizeHint().height()};
+}
+
+void TElidedLabel::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    style()->drawItemText(&painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, palette(),
+                          isEnabled(), fontMetrics().elidedText(text(), d_mode, width()),
+                          foregroundRole());
+}

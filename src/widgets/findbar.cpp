@@ -1,0 +1,106 @@
+#include "src/widgets/findbar.h"
+
+#include "src/widgets/accessibility.h"
+#include "src/widgets/elidedlabel.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QToolButton>
+
+namespace {
+
+constexpr int margin = 4; // pixels
+
+QToolButton* New_Button(const QString& text, const QString& name, const QString& description,
+                        QWidget* parent)
+{
+    auto* const button = new QToolButton(parent);
+    button->setText(text);
+    button->setToolTip(name);
+    Accessibility::Describe(button, name, description);
+    return button;
+}
+
+} // namespace
+
+TFindBar::TFindBar(QWidget* parent)
+    : QWidget(parent)
+    , d_editor(new QLineEdit(this))
+    , d_result(new TElidedLabel(Qt::ElideRight, this))
+{
+    auto* const caption = new QLabel(tr("Find:"), this);
+    caption->setBuddy(d_editor);
+    d_editor->setPlaceholderText(tr("Number or text"));
+    Accessibility::Describe(d_editor, tr("Find"),
+                            tr("The number or a part of the text of a label. Return shows the next "
+                               "one on any page, Shift+Return the previous one."));
+    d_editor->installEventFilter(this);
+    auto* const previous = New_Button(tr("Previous"), tr("Find Previous"),
+                                      tr("Shows the previous label that matches."), this);
+    auto* const next =
+        New_Button(tr("Next"), tr("Find Next"), tr("Shows the next label that matches."), this);
+    auto* const close =
+        New_Button(tr("Close"), tr("Close Find Bar"), tr("Returns to the page."), this);
+    connect(previous, &QToolButton::clicked, this,
+            [this] { Q_EMIT Find_Previous(d_editor->text()); });
+    connect(next, &QToolButton::clicked, this, [this] { Q_EMIT Find_Next(d_editor->text()); });
+    connect(close, &QToolButton::clicked, this, &TFindBar::Close);
+
+    auto* const layout = new QHBoxLayout(this);
+    layout->setContentsMargins(margin, 0, margin, 0);
+    layout->addWidget(caption);
+    layout->addWidget(d_editor, 2);
+    layout->addWidget(previous);
+    layout->addWidget(next);
+    layout->addWidget(d_result, 1);
+    layout->addWidget(close);
+    hide();
+}
+
+void TFindBar::Open()
+{
+    Show_Result(QString());
+    show();
+    d_editor->selectAll();
+    d_editor->setFocus();
+}
+
+void TFindBar::Show_Result(const QString& text)
+{
+    d_result->setText(text);
+    if (text.isEmpty())
+        return;
+    // Screen readers do not read a label that changes.
+    QAccessibleEvent alert(d_result, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
+bool TFindBar::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    const auto* const press = static_cast<QKeyEvent*>(event);
+    if (press->key() != Qt::Key_Return && press->key() != Qt::Key_Enter)
+        return QWidget::eventFilter(watched, event);
+    if (press->modifiers() & Qt::ShiftModifier)
+        Q_EMIT Find_Previous(d_editor->text());
+    else
+        Q_EMIT Find_Next(d_editor->text());
+    return true;
+}
+
+void TFindBar::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape)
+        Close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void TFindBar::Close()
+{
+    hide();
+    Q_EMIT Closed();
+}
