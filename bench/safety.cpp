@@ -16,6 +16,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -121,8 +122,9 @@ double Written_Bytes()
     return most;
 }
 
-/// Measures the first edit of a document that was just opened.
-void Measure_First_Edit(benchmark::State* state, bool with_net)
+/// Measures something in a new window each time, after some edits.
+void Measure_After_Edits(benchmark::State* state, bool with_net, int edits,
+                         const std::function<void(TOpenWindow*)>& measured)
 {
     std::unique_ptr<TOpenWindow> window;
     Bench::Measure(
@@ -130,8 +132,16 @@ void Measure_First_Edit(benchmark::State* state, bool with_net)
         [&] {
             window.reset();
             window = Window_To_Edit(static_cast<int>(state->range(0)), with_net);
+            for (int edit = 0; edit < edits; ++edit)
+                Edit(window.get(), edit);
         },
-        [&] { Edit(window.get(), 0); });
+        [&] { measured(window.get()); });
+}
+
+/// Measures the first edit of a document that was just opened.
+void Measure_First_Edit(benchmark::State* state, bool with_net)
+{
+    Measure_After_Edits(state, with_net, 0, [](TOpenWindow* window) { Edit(window, 0); });
 }
 
 void first_edit_with_net(benchmark::State& state)
@@ -179,16 +189,8 @@ BENCH_SLOW(further_edits_without_net)->Arg(100)->Arg(500);
 /// Measures what happens when the window loses the focus or a dialog opens, after some edits.
 void Measure_Pause(benchmark::State* state, bool with_net)
 {
-    std::unique_ptr<TOpenWindow> window;
-    Bench::Measure(
-        state,
-        [&] {
-            window.reset();
-            window = Window_To_Edit(static_cast<int>(state->range(0)), with_net);
-            for (int edit = 0; edit < several; ++edit)
-                Edit(window.get(), edit);
-        },
-        [&] { window->Flush_Work(); });
+    Measure_After_Edits(state, with_net, several,
+                        [](TOpenWindow* window) { window->Flush_Work(); });
 }
 
 void pause_with_net(benchmark::State& state)

@@ -44,8 +44,8 @@ public:
     const TPagePlace* Find_Page(quint64 revision) const;
     const TPagePlace* Find_Image(quint64 image_id) const;
 
-    /// Protects the content of the file against its loss, without copying it. No-op if the file is
-    /// not at its path any more, or if the file system supports neither links nor clones.
+    /// Protects the content of the file against its loss, without copying it. Does nothing if the
+    /// file is not at its path any more, or if the file system supports neither links nor clones.
     /// @param path  of the hard link or clone to create. It must not exist.
     void Protect(const QString& path);
 
@@ -58,7 +58,7 @@ public:
     /// Forgets where the labels of the pages are, but not their images.
     void Forget_Pages() { d_pages.clear(); }
 
-    /// Syncs the content to the disk. No-op if it was synced before or there is no file.
+    /// Syncs the content to the disk, if there is a file and it was not synced before.
     bool Sync();
 
 private:

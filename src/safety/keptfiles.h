@@ -109,7 +109,7 @@ public:
     std::vector<TKeptFile> Abandoned_Logs() const;
     /// Whether there is a work log, and not a copy beside which it stays.
     bool Has_Log_To_Convert(const QString& name) const;
-    /// Deletes an abandoned copy, its work log and its note. A no-op for every other path.
+    /// Deletes an abandoned copy, its work log and its note. Does nothing for other paths.
     void Remove_Abandoned(const QString& path) const;
 
     /// Name of a copy or log: its file name without the suffix.

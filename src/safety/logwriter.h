@@ -43,7 +43,7 @@ public:
 
     /// Whether the document refers to the base file, or may do so after a failure.
     bool Has_References() const;
-    /// Replaces one reference by the labels of a page, or by an image. No-op without references.
+    /// Replaces one reference, if there is one, by the labels of the page or by the image.
     /// Fails if the last update failed, or if the page has changed since.
     bool Store_Reference(const TData& data);
     /// Replaces all references to labels of pages that have not changed since the last update.

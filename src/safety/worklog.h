@@ -43,7 +43,7 @@ public:
     /// references. Fails if the last update failed.
     bool Store_Labels(const TData& data);
 
-    /// Syncs the stored work to the disk. No-op if nothing was stored since the last time.
+    /// Syncs the stored work to the disk, if something was stored since the last sync.
     bool Sync();
     /// Keeps the size of the database within limits. May take as long as writing the images in it.
     bool Shorten() { return !d_writer || d_writer->Shorten(); }

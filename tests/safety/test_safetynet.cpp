@@ -104,6 +104,7 @@ private:
     void Save(TSafetyNet* net, const QString& path, const QByteArray& content,
               const TFilePlaces& places = {});
     void Save_Document(TSafetyNet* net, const QString& path);
+    void Save_And_Change(TSafetyNet* net, const QString& path);
     void Add_Pages();
     QString Difference() const
     {
@@ -176,6 +177,14 @@ void TestSafetyNet::Save_Document(TSafetyNet* net, const QString& path)
     TFilePlaces places;
     const QByteArray content = Support::Saved(d_document, &places);
     Save(net, path, content, places);
+}
+
+/// Saves the document with its pages, and changes a label's value after that.
+void TestSafetyNet::Save_And_Change(TSafetyNet* net, const QString& path)
+{
+    Save_Document(net, path);
+    d_document.data.Change_Item_Value(1, 100);
+    net->Record_Change(path);
 }
 
 void TestSafetyNet::Add_Pages()
@@ -672,9 +681,7 @@ void TestSafetyNet::unchanged_pages_are_not_stored()
     if (is_opened)
         net->After_Open(path, TFileStamp::Of(path), places);
     else
-        Save_Document(net.get(), path);
-    d_document.data.Change_Item_Value(1, 100);
-    net->Record_Change(path);
+        Save_And_Change(net.get(), path);
     QCOMPARE(Difference(), QString());
     const QByteArray image = d_document.data.Page(1).image.Source_Bytes();
     const QByteArray log = Read_File(In("settings/recovery/" + Logs().first() + "-wal"));
@@ -704,9 +711,7 @@ void TestSafetyNet::everything_is_stored_before_a_document_without_backup_is_ove
     Write_File(In("settings/backup"), "in the way");
     const Support::TChildResult result = Support::Run_In_Child([&] {
         const auto net = Net();
-        Save_Document(net.get(), path);
-        d_document.data.Change_Item_Value(1, 100);
-        net->Record_Change(path);
+        Save_And_Change(net.get(), path);
         QFile file(path);
         net->Open_For_Saving(&file, 1, &d_other_version);
         kill(getpid(), SIGKILL);
@@ -761,9 +766,7 @@ void TestSafetyNet::changes_that_could_not_be_stored_are_stored_by_a_save()
     Write_File(In("settings/backup"), "in the way");
     const Support::TChildResult result = Support::Run_In_Child([&] {
         const auto net = Net();
-        Save_Document(net.get(), path);
-        d_document.data.Change_Item_Value(1, 100);
-        net->Record_Change(path);
+        Save_And_Change(net.get(), path);
         rlimit limit = {};
         getrlimit(RLIMIT_FSIZE, &limit);
         // Unlike Limit_File_Size, for a while.
@@ -793,9 +796,7 @@ void TestSafetyNet::everything_is_stored_before_an_overwritten_document_is_saved
     const auto net = Net();
     const QString path = In("a.quillet");
     Add_Pages();
-    Save_Document(net.get(), path);
-    d_document.data.Change_Item_Value(1, 100);
-    net->Record_Change(path);
+    Save_And_Change(net.get(), path);
     Write_File(path, "overwritten");
     QFile file(path);
     QVERIFY(net->Open_For_Saving(&file, 1, &d_other_version));
@@ -824,9 +825,7 @@ void TestSafetyNet::a_saved_file_that_is_overwritten_is_stored_bit_by_bit()
     const auto net = Net();
     const QString path = In("a.quillet");
     Add_Pages();
-    Save_Document(net.get(), path);
-    d_document.data.Change_Item_Value(1, 100);
-    net->Record_Change(path);
+    Save_And_Change(net.get(), path);
     Write_File(path, "overwritten");
     QVERIFY(!Difference().isEmpty());
     // The user pauses, which is when it is noticed, and goes on.
@@ -841,9 +840,7 @@ void TestSafetyNet::a_saved_file_that_cannot_be_protected_is_stored_bit_by_bit()
     const auto net = Net();
     const QString path = elsewhere.filePath("a.quillet");
     Add_Pages();
-    Save_Document(net.get(), path);
-    d_document.data.Change_Item_Value(1, 100);
-    net->Record_Change(path);
+    Save_And_Change(net.get(), path);
     QCOMPARE(Difference(), QString());
     QTRY_VERIFY((net->Record_Change(path),
                  Read_File(In("settings/recovery/" + Logs().first() + "-wal"))
