@@ -52,14 +52,15 @@ TEmbeddedImage::TEmbeddedImage(const TPageImage& image)
         d_size = QSize();
 }
 
-QByteArray TEmbeddedImage::Data_Url(int max_width) const
+TEmbeddedImage::TDataUrl TEmbeddedImage::Data_Url(int max_width) const
 {
-    const bool is_jpeg = d_stored_format == "jpeg";
+    QByteArray format = d_stored_format.isEmpty() ? QByteArray("png") : d_stored_format;
+    QByteArray bytes;
     if (max_width > 0 && d_size.width() > max_width) {
-        const QByteArray format = is_jpeg ? "jpeg" : "png";
-        return "data:image/" + format + ";base64," + Scaled(d_image, max_width, format).toBase64();
+        format = format == "jpeg" ? "jpeg" : "png";
+        bytes = Scaled(d_image, max_width, format);
+    } else {
+        bytes = d_stored_format.isEmpty() ? d_image.Png() : d_image.Source_Bytes();
     }
-    if (d_stored_format.isEmpty())
-        return "data:image/png;base64," + d_image.Png().toBase64();
-    return "data:image/" + d_stored_format + ";base64," + d_image.Source_Bytes().toBase64();
+    return {"data:image/" + format + ";base64,", bytes.toBase64()};
 }

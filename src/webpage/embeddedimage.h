@@ -16,9 +16,15 @@ public:
     /// Size of the page image in pixels; empty when there is none or it cannot be read.
     QSize Size() const { return d_size; }
 
+    /// The parts of a data URL, apart because joining them would copy the image once more.
+    struct TDataUrl
+    {
+        QByteArray begin;
+        QByteArray base64;
+    };
     /// The image as a data URL.
     /// @param max_width  a wider image is scaled down to this many pixels; 0 for no limit.
-    QByteArray Data_Url(int max_width) const;
+    TDataUrl Data_Url(int max_width) const;
 
 private:
     TPageImage d_image;

@@ -217,7 +217,9 @@ void TWriter::Put_Sheet(std::size_t place)
                 .arg(Escaped(tr("Image of the page")))
                 .arg(size.width())
                 .arg(size.height()));
-        Put(sheet.image.Data_Url(d_page.max_width));
+        const TEmbeddedImage::TDataUrl url = sheet.image.Data_Url(d_page.max_width);
+        Put(url.begin);
+        Put(url.base64);
         Put(QStringLiteral("\"/>\n"));
     }
     Put(QByteArray("</g>\n"));
