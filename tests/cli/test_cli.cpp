@@ -4,7 +4,10 @@
 
 #include "src/format/projectlayout.h"
 
+#include <QFile>
 #include <QProcess>
+#include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -2,11 +2,15 @@
 #include "support/support.h"
 #include "support/tool.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QJsonValue>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVariantList>
 
 #include <sys/stat.h>
 

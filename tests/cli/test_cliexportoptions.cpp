@@ -5,10 +5,14 @@
 #include "support/support.h"
 #include "support/tool.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QJsonValue>
 #include <QProcess>
+#include <QRegularExpression>
+#include <QRgb>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -5,7 +5,11 @@
 #include "src/export/printedpdf.h"
 #include "src/paint/labelpainter.h"
 
+#include <QDateTime>
 #include <QPainter>
+#include <QPixmap>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -4,10 +4,12 @@
 #include "support/support.h"
 #include "support/tool.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QRegularExpressionMatchIterator>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -3,9 +3,12 @@
 #include "support/support.h"
 #include "support/tool.h"
 
+#include <QFile>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTransform>
 
 #include <memory>
 

@@ -2,6 +2,9 @@
 #include "support/support.h"
 #include "support/tool.h"
 
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -7,6 +7,7 @@
 #include "src/export/printedpdf.h"
 #include "src/format/document.h"
 
+#include <QPixmap>
 #include <QTemporaryDir>
 #include <QTest>
 

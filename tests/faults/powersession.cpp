@@ -12,6 +12,10 @@
 #include "src/pagewidget.h"
 #include "support/window.h"
 
+#include <QApplication>
+#include <QCoreApplication>
+#include <QFile>
+
 #include <cstdlib>
 #include <dlfcn.h>
 

@@ -16,7 +16,12 @@
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
 
+#include <QApplication>
+#include <QFile>
+#include <QIODevice>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <csignal>
 #include <dlfcn.h>

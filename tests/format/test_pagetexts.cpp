@@ -9,6 +9,7 @@
 #include "support/support.h"
 
 #include <QBuffer>
+#include <QIODevice>
 #include <QTest>
 
 namespace {

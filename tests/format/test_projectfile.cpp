@@ -6,6 +6,7 @@
 #include "support/support.h"
 
 #include <QBuffer>
+#include <QIODevice>
 #include <QTest>
 
 #include <csignal>

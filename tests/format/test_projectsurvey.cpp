@@ -9,6 +9,7 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QIODevice>
 #include <QMap>
 #include <QRegularExpression>
 #include <QTemporaryDir>

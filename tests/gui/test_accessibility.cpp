@@ -14,7 +14,15 @@
 #include "src/widgets/accessibility.h"
 #include "src/widgets/findbar.h"
 
+#include <QAccessible>
+#include <QAccessibleInterface>
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QSet>
 #include <QTest>
+#include <QToolBar>
+#include <QToolButton>
 
 class TestAccessibility : public QObject
 {

@@ -8,7 +8,13 @@
 #include "src/reportheaderdialog.h"
 #include "src/settingswidget.h"
 
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QProcess>
+#include <QRegularExpression>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -14,8 +14,19 @@
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 
+#include <QApplication>
+#include <QCheckBox>
+#include <QGraphicsPixmapItem>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPixmap>
+#include <QPushButton>
+#include <QSet>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolButton>
 
 #include <cstdlib>
 #include <ctime>

@@ -17,8 +17,27 @@
 #include "src/widgets/rowlist.h"
 #include "src/widgets/wheelzoom.h"
 
+#include <QAbstractItemModel>
+#include <QAbstractScrollArea>
+#include <QAction>
+#include <QApplication>
+#include <QCoreApplication>
+#include <QDragEnterEvent>
+#include <QDragMoveEvent>
+#include <QDropEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMap>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QScrollBar>
+#include <QSet>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QUrl>
+#include <QWheelEvent>
 
 #include <cmath>
 #include <tuple>

@@ -8,8 +8,16 @@
 #include "src/pagewidget.h"
 #include "src/paint/labelpainter.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
+#include <QFile>
 #include <QFileDialog>
+#include <QListWidget>
+#include <QModelIndex>
+#include <QPainter>
+#include <QPixmap>
+#include <QRegularExpression>
+#include <QRegularExpressionMatch>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -9,6 +9,9 @@
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
 
+#include <QAction>
+#include <QFileDialog>
+#include <QTemporaryDir>
 #include <QTest>
 
 class TestImport : public QObject

@@ -12,6 +12,12 @@
 #include "src/undo/undohistory.h"
 #include "src/widgets/rowlist.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 

@@ -7,6 +7,8 @@
 #include "support/window.h"
 #include "support/worklogs.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>

@@ -14,8 +14,18 @@
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QSettings>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QToolBar>
+#include <QVariantList>
 
 namespace {
 

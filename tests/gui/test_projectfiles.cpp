@@ -15,7 +15,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QIODevice>
 #include <QListWidget>
+#include <QModelIndex>
 #include <QTemporaryDir>
 #include <QTest>
 

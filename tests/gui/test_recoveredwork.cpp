@@ -11,7 +11,18 @@
 #include "src/safety/keptfiles.h"
 #include "src/widgets/recoverynotice.h"
 
+#include <QApplication>
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSlider>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTextDocument>
+#include <QToolButton>
 
 #include <csignal>
 #include <unistd.h>

@@ -9,9 +9,13 @@
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
 
+#include <QAbstractItemModel>
 #include <QComboBox>
+#include <QGraphicsPixmapItem>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QModelIndex>
+#include <QPixmap>
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QTest>

@@ -10,10 +10,20 @@
 #include "src/reportheaderdialog.h"
 #include "src/settingswidget.h"
 
+#include <QCoreApplication>
+#include <QDebug>
+#include <QFile>
 #include <QFileDialog>
+#include <QFont>
 #include <QFontMetrics>
+#include <QLine>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QModelIndex>
 #include <QPrinter>
 #include <QProcess>
+#include <QRegularExpression>
+#include <QRegularExpressionMatch>
 #include <QTemporaryDir>
 #include <QTest>
 

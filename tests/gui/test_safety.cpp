@@ -17,6 +17,15 @@
 #include "src/settingswidget.h"
 #include "src/widgets/recoverynotice.h"
 
+#include <QApplication>
+#include <QCoreApplication>
+#include <QDialog>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QLabel>
+#include <QMessageBox>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>

@@ -10,6 +10,8 @@
 #include "src/pagewidget.h"
 #include "src/widgets/documentname.h"
 
+#include <QMessageBox>
+#include <QTemporaryDir>
 #include <QTest>
 
 using Support::Run_Answering;

@@ -12,7 +12,13 @@
 #include "src/pagewidget.h"
 #include "src/undo/undohistory.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QListWidget>
+#include <QLocale>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 using Support::Label;
 

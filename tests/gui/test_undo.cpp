@@ -18,8 +18,29 @@
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QFile>
+#include <QGraphicsPixmapItem>
+#include <QKeySequence>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QListWidgetItem>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QRadioButton>
+#include <QRegularExpression>
+#include <QScrollBar>
 #include <QSignalSpy>
+#include <QSlider>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QToolBar>
+#include <QToolButton>
 
 #include <csignal>
 

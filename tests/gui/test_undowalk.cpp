@@ -19,7 +19,21 @@
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 
+#include <QApplication>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QGraphicsPixmapItem>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QListWidgetItem>
+#include <QMap>
+#include <QMessageBox>
+#include <QPixmap>
+#include <QRadioButton>
+#include <QSet>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QToolButton>
 
 #include <algorithm>
 #include <random>

@@ -7,6 +7,8 @@
 
 #include "src/pagewidget.h"
 
+#include <QAction>
+#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTest>
 

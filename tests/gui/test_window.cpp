@@ -12,7 +12,24 @@
 #include "src/safety/safetynet.h"
 #include "src/settingswidget.h"
 
+#include <QAction>
+#include <QCoreApplication>
+#include <QDockWidget>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QHash>
+#include <QIcon>
+#include <QKeySequence>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMetaMethod>
+#include <QPushButton>
+#include <QScreen>
+#include <QSlider>
+#include <QStyle>
 #include <QTest>
+#include <QToolBar>
+#include <QVBoxLayout>
 
 #include <cmath>
 

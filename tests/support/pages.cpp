@@ -4,6 +4,7 @@
 
 #include "src/pagewidget.h"
 
+#include <QGraphicsPixmapItem>
 #include <QTest>
 
 namespace Support {

@@ -2,7 +2,15 @@
 
 #include "src/quillet.h"
 
-#include <QtWidgets>
+#include <QAction>
+#include <QDockWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QScrollBar>
+#include <QSlider>
+#include <QStatusBar>
+#include <QToolBar>
 
 /// The main window. Makes those private members public that tests use.
 class TOpenWindow : public TQuillet

@@ -9,6 +9,7 @@
 
 #include <QBuffer>
 #include <QCryptographicHash>
+#include <QIODevice>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>

@@ -6,6 +6,7 @@
 
 #include <QCloseEvent>
 #include <QDockWidget>
+#include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QRegularExpression>
