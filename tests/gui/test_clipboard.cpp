@@ -13,6 +13,7 @@
 #include "src/undo/undohistory.h"
 
 #include <QClipboard>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QTest>
 

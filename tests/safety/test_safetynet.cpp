@@ -681,7 +681,9 @@ void TestSafetyNet::unchanged_pages_are_not_stored()
     if (is_opened)
         net->After_Open(path, TFileStamp::Of(path), places);
     else
-        Save_And_Change(net.get(), path);
+        Save_Document(net.get(), path);
+    d_document.data.Change_Item_Value(1, 100);
+    net->Record_Change(path);
     QCOMPARE(Difference(), QString());
     const QByteArray image = d_document.data.Page(1).image.Source_Bytes();
     const QByteArray log = Read_File(In("settings/recovery/" + Logs().first() + "-wal"));
