@@ -36,9 +36,8 @@ TResult Write(TLogReader* log, TDamage damage, TSafeFile* target, const TStepRep
 /// Logs that are not readable stay. A log whose copy lacks images, labels or changes stays beside
 /// the copy, and is not converted again.
 /// @param backup_folder  where files may be that a log refers to.
-/// @return  the logs that could not be converted as a whole, with the reason; each of them only
-/// once,
-///          even if later calls try it again.
+/// @return  the logs that could not be converted as a whole, with the reason. Later calls do not
+///          return them again.
 std::vector<TKeptFile> Convert_Abandoned(const TKeptFolder& folder, const QString& backup_folder,
                                          const TStepReport& report);
 
