@@ -118,6 +118,17 @@ QString TBackup::Path_For(const QString& document) const
     return d_folder.Copy_Path(Name_For(document));
 }
 
+QStringList TBackup::Separate_Paths_For(const QString& document) const
+{
+    const QString prefix = Name_For(document) + separator;
+    QStringList paths;
+    for (const TKeptFile& file : List()) {
+        if (TKeptFolder::Name_Of(file.path).startsWith(prefix))
+            paths += file.path;
+    }
+    return paths;
+}
+
 std::optional<QString> TBackup::Keep(QFile* document, const TOptions& options) const
 {
     const QString path = document->fileName();

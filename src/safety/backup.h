@@ -3,6 +3,7 @@
 #include "src/safety/keptfiles.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -47,6 +48,8 @@ public:
 
     /// Path of a document's backup, whether or not it exists.
     QString Path_For(const QString& document) const;
+    /// Paths of a document's separate backups, newest first.
+    QStringList Separate_Paths_For(const QString& document) const;
 
     /// All backups, newest first.
     std::vector<TKeptFile> List() const { return d_folder.List(); }

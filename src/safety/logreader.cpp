@@ -98,8 +98,10 @@ void TLogReader::Read_Base(const QString& log_path, const QString& backup_folder
                                     static_cast<quint64>(query.Integer(2)),
                                     {query.Integer(3), query.Integer(4), query.Integer(5)}};
         const TKeptFolder folder(QFileInfo(log_path).path());
+        const TBackup backup(backup_folder);
         d_base.emplace(file, QStringList{folder.Base_Path(TKeptFolder::Name_Of(log_path)),
-                                         file.path, TBackup(backup_folder).Path_For(file.path)});
+                                         file.path, backup.Path_For(file.path)} +
+                                 backup.Separate_Paths_For(file.path));
     }
     End(query);
 }

@@ -299,7 +299,8 @@ void TestLogConversion::a_log_with_missing_images_stays_beside_its_copy()
 void TestLogConversion::the_base_file_is_found_data()
 {
     QTest::addColumn<QString>("where");
-    for (const char* const where : {"protected", "at its path", "backed up"})
+    for (const char* const where :
+         {"protected", "at its path", "backed up", "backed up separately"})
         QTest::newRow(where) << where;
 }
 
@@ -315,6 +316,11 @@ void TestLogConversion::the_base_file_is_found()
     if (where == "backed up") {
         QVERIFY(QDir(d_folder->path()).mkdir("backup"));
         QVERIFY(QFile::copy(path, TBackup(In("backup")).Path_For(path)));
+    }
+    if (where == "backed up separately") {
+        QVERIFY(QDir(d_folder->path()).mkdir("backup"));
+        QString backup = TBackup(In("backup")).Path_For(path);
+        QVERIFY(QFile::copy(path, backup.insert(backup.lastIndexOf('.'), "-20260102-030405")));
     }
     if (where != "at its path") {
         QVERIFY(QFile::remove(path));
