@@ -86,10 +86,11 @@ void TQuillet::Add_Text_Keys()
 /// selection, otherwise the selected one or, if there is not exactly one, the newest on the page.
 void TQuillet::Edit_Text()
 {
-    if (!d_data.Page_Has_Data()) {
+    if (!d_data.Page_Image_Valid() || !d_data.Page_Has_Data()) {
         Show_Status(tr("There is no label on the page"));
         return;
     }
+    Commit_Editors();
     const std::vector<int> selected = d_label_widget->Selected_Items();
     const bool has_new = d_new_label && d_data.Item_Exists(*d_new_label);
     if (has_new || selected.size() != 1)

@@ -55,6 +55,7 @@ private slots:
     void f2_edits_the_label_that_was_just_added();
     void f2_edits_a_label_that_was_selected_after_another_was_added();
     void f2_on_a_page_without_labels_says_so();
+    void f2_commits_a_text_typed_for_another_label();
     void f2_shows_the_item_list_if_it_is_hidden();
     void return_on_the_page_edits_and_return_in_the_editor_goes_back();
     void return_in_the_editor_reports_the_text_once();
@@ -365,6 +366,18 @@ void TestWindowKeys::f2_on_a_page_without_labels_says_so()
     Press(Qt::Key_F2);
     QVERIFY(d_window->d_display_widget->hasFocus());
     QCOMPARE(d_window->statusBar()->currentMessage(), QString("There is no label on the page"));
+}
+
+void TestWindowKeys::f2_commits_a_text_typed_for_another_label()
+{
+    Show({Label(1, 5, "", 1, {50, 50})});
+    d_window->d_label_widget->Set_Selection(1);
+    Editor("Item Text")->setFocus();
+    QTest::keyClicks(Editor("Item Text"), "Pump");
+    d_window->Add_Item(QPointF(120, 90));
+    Press(Qt::Key_F2);
+    QCOMPARE(d_window->d_data.Item(0).text, QString("Pump"));
+    QCOMPARE(Editor("Item Text")->text(), QString());
 }
 
 void TestWindowKeys::f2_shows_the_item_list_if_it_is_hidden()
