@@ -10,9 +10,15 @@
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/undo/undohistory.h"
-#include "src/widgets/rowlist.h"
 
+#include <QDockWidget>
+#include <QHelpEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollBar>
 #include <QSignalSpy>
+#include <QSlider>
+#include <QStatusBar>
 #include <QTest>
 #include <QToolTip>
 
