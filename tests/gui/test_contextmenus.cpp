@@ -14,6 +14,7 @@
 #include "src/pagewidget.h"
 #include "src/undo/undohistory.h"
 
+#include <QLineEdit>
 #include <QTest>
 
 using Support::Choose_From_Menu;

@@ -12,6 +12,8 @@
 #include "src/undo/undohistory.h"
 #include "src/widgets/findbar.h"
 
+#include <QLineEdit>
+#include <QSlider>
 #include <QTest>
 
 using Support::Label;
