@@ -5,6 +5,13 @@
 TDocumentName::TDocumentName(QWidget* parent)
     : TElidedLabel(Qt::ElideMiddle, parent)
 {
+    // Messages begin at the same place.
+    constexpr int indent = 4; // pixels
+    setContentsMargins(indent, 0, 0, 0);
+    // The status bar hides it behind messages. They must not move the zoom control.
+    QSizePolicy policy = sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
     Show_Document(QString(), false);
 }
 

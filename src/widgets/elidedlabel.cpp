@@ -19,7 +19,7 @@ QSize TElidedLabel::minimumSizeHint() const
 void TElidedLabel::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    style()->drawItemText(&painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, palette(),
-                          isEnabled(), fontMetrics().elidedText(text(), d_mode, width()),
-                          foregroundRole());
+    const QRect area = contentsRect();
+    style()->drawItemText(&painter, area, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), d_mode, area.width()), foregroundRole());
 }

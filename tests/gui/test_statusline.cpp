@@ -8,6 +8,7 @@
 
 #include "src/displaywidget.h"
 #include "src/pagewidget.h"
+#include "src/safety/safetynet.h"
 #include "src/widgets/documentname.h"
 
 #include <QMessageBox>
@@ -62,6 +63,8 @@ void TestStatusLine::init()
 
 void TestStatusLine::cleanup()
 {
+    // The next window would show a notice about unsaved work.
+    d_window->d_safety_net->Discard();
     d_window.reset();
     d_folder.reset();
 }
@@ -258,16 +261,26 @@ void TestStatusLine::the_idle_line_marks_unsaved_changes()
 
 void TestStatusLine::the_idle_line_makes_room_for_messages()
 {
+    QVERIFY(QTest::qWaitForWindowActive(d_window.get()));
     const auto* const name = Support::Only<TDocumentName>(*d_window);
     QVERIFY(name->isVisible());
     Add_Pages(1);
-    d_window->d_file_name = In("a.quillet");
+    d_window->d_file_name = In("a long name of a document.quillet");
     d_window->File_Save();
-    QCOMPARE(Line(), QString("Saved a.quillet"));
+    d_window->statusBar()->clearMessage();
+    QCoreApplication::processEvents();
+    const QWidget* const zoom = d_window->d_zoom_slider->parentWidget();
+    const QRect place = zoom->geometry();
+    d_window->File_Save();
+    QCoreApplication::processEvents();
+    QCOMPARE(Line(), QString("Saved a long name of a document.quillet"));
     QVERIFY(!name->isVisible());
+    QCOMPARE(zoom->geometry(), place);
     d_window->statusBar()->clearMessage();
     QVERIFY(name->isVisible());
-    QVERIFY(name->x() < d_window->d_zoom_slider->parentWidget()->x());
+    QCoreApplication::processEvents();
+    QVERIFY(name->x() < zoom->x());
+    QCOMPARE(zoom->geometry(), place);
 }
 
 QTEST_MAIN(TestStatusLine)
