@@ -1,72 +1,18 @@
 #include "src/model/pageimage.h"
 
 #include "core/workwatch.h"
+#include "src/model/pixelstore.h"
 
 #include <QBuffer>
 #include <QFile>
-#include <QHash>
 #include <QImageReader>
 #include <QtEndian>
 
-#include <algorithm>
-#include <list>
 #include <utility>
 
 namespace {
 
 constexpr char png_signature[] = "\x89PNG\r\n\x1a\n";
-
-/// The cache of decoded pixels of all page images, with the most recently used first. The address
-/// of an image's content is the key.
-class TPixelStore
-{
-public:
-    /// Returns pixels and marks them as used; null when they are not in the cache.
-    QImage Find(const void* content)
-    {
-        const auto entry = d_iterators.constFind(content);
-        if (entry == d_iterators.constEnd())
-            return QImage();
-        d_entries.splice(d_entries.begin(), d_entries, entry.value());
-        return d_entries.front().second;
-    }
-
-    /// Adds pixels and drops the least recently used ones until the rest fits.
-    void Insert(const void* content, const QImage& pixels)
-    {
-        Remove(content);
-        d_entries.emplace_front(content, pixels);
-        d_iterators.insert(content, d_entries.begin());
-        d_bytes += pixels.sizeInBytes();
-        while (d_bytes > TPageImage::Store_Bytes && d_entries.size() > 1)
-            Remove(d_entries.back().first);
-    }
-
-    void Remove(const void* content)
-    {
-        const auto entry = d_iterators.constFind(content);
-        if (entry == d_iterators.constEnd())
-            return;
-        d_bytes -= entry.value()->second.sizeInBytes();
-        d_entries.erase(entry.value());
-        d_iterators.erase(entry);
-    }
-
-    qint64 Bytes() const { return d_bytes; }
-
-private:
-    using TEntries = std::list<std::pair<const void*, QImage>>;
-
-    TEntries d_entries;
-    QHash<const void*, TEntries::iterator> d_iterators;
-    qint64 d_bytes = 0;
-};
-
-TPixelStore& Store()
-{
-    static TPixelStore store;
-    return store;
-}
 
 bool Is_Too_Large(qint64 width, qint64 height)
 {
@@ -162,9 +108,9 @@ struct TPageImage::TContent
     TContent()
         : id(Next_Id())
     {
-        Store();
+        TPixelStore::Shared();
     }
-    ~TContent() { Store().Remove(this); }
+    ~TContent() { TPixelStore::Shared().Remove(this); }
     Q_DISABLE_COPY(TContent)
 
     enum TCaching { Cached, Uncached };
@@ -192,7 +138,7 @@ QImage TPageImage::TContent::Pixels(TCaching caching)
 {
     if (!pixels.isNull() || state == Undecodable)
         return pixels;
-    QImage image = Store().Find(this);
+    QImage image = TPixelStore::Shared().Find(this);
     if (image.isNull()) {
         image = Decode(source, decoding);
         Keep_Decoded(image, caching);
@@ -205,7 +151,7 @@ void TPageImage::TContent::Keep_Decoded(const QImage& image, TCaching caching)
     state = image.isNull() ? Undecodable : Decodable;
     size = image.size();
     if (!image.isNull() && caching == Cached)
-        Store().Insert(this, image);
+        TPixelStore::Shared().Insert(this, image);
 }
 
 TPageImage::TPageImage(std::shared_ptr<TContent> content)
@@ -360,9 +306,4 @@ TPageImage TPageImage::Encoded() const
     content->state = d_content->state;
     content->size = d_content->size;
     return TPageImage(std::move(content));
-}
-
-qint64 TPageImage::Stored_Bytes()
-{
-    return Store().Bytes();
 }

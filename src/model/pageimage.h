@@ -9,9 +9,9 @@
 /// The image of a page, as encoded bytes, as pixels, or both.
 ///
 /// A scan takes some megabytes as a file, but ten times as much as pixels, and only one page is
-/// shown at a time. So a page image keeps its original bytes and decodes them on demand. All page
-/// images share a cache of 256 MiB for decoded pixels, which drops the least recently used ones. An
-/// image is encoded as PNG at most once.
+/// shown at a time. So a page image keeps its original bytes and decodes them on demand. The decoded
+/// pixels of all page images are in a cache of limited size, TPixelStore. An image is encoded as PNG
+/// at most once.
 ///
 /// Copies are cheap and share their data. Conversions from and to QImage are implicit. The first
 /// access to pixels, size or isNull() decodes the bytes; size and validity are then kept even when
@@ -90,13 +90,6 @@ public:
 
     /// Images whose header declares more pixels than this count as undecodable.
     static constexpr qint64 Maximum_Pixels = 500'000'000;
-
-    /// Limit of the shared cache in bytes of pixels. The most recently used image stays even if it
-    /// is larger.
-    static constexpr qint64 Store_Bytes = 256LL * 1024 * 1024;
-
-    /// Bytes of pixels in the shared cache.
-    static qint64 Stored_Bytes();
 
 private:
     struct TContent;

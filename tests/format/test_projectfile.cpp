@@ -2,6 +2,7 @@
 
 #include "src/format/document.h"
 #include "src/format/projectfile.h"
+#include "src/model/pixelstore.h"
 #include "support/project.h"
 #include "support/support.h"
 
@@ -335,7 +336,7 @@ private slots:
         QCOMPARE(static_cast<const void*>(image.Png().constData()),
                  static_cast<const void*>(file.constData() + 9));
         QCOMPARE(image.Png(), png);
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     }
 
     void a_text_is_cut_at_its_first_zero_byte_data()

@@ -12,6 +12,7 @@
 #include "src/displaywidget.h"
 #include "src/format/projectfile.h"
 #include "src/labelwidget.h"
+#include "src/model/pixelstore.h"
 #include "src/pagewidget.h"
 #include "src/reindexdialog.h"
 #include "src/safety/safetynet.h"
@@ -1092,9 +1093,9 @@ void TestUndo::saving_keeps_the_steps()
 
 void TestUndo::a_removed_page_keeps_only_its_encoded_image()
 {
-    QVERIFY(TPageImage::Stored_Bytes() > 0);
+    QVERIFY(TPixelStore::Shared().Bytes() > 0);
     Answer([this] { Window().Remove_Pages({1, 2, 3}); }, QMessageBox::Yes);
-    QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     Undo();
     QCOMPARE(Support::Difference(Window().d_data.Page_Image(), Support::Picture(400, 300, 2)),
              QString());

@@ -3,6 +3,7 @@
 #include "src/model/pageimage.h"
 
 #include "core/workwatch.h"
+#include "src/model/pixelstore.h"
 #include "support/inputfiles.h"
 #include "support/support.h"
 
@@ -245,7 +246,7 @@ private slots:
     void cleanup()
     {
         // Destroyed images leave no pixels in the cache.
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     }
 
     void a_null_image_behaves_like_a_null_qimage()
@@ -267,7 +268,7 @@ private slots:
         QCOMPARE(image.Png(), Support::Png(picture));
         QCOMPARE(image.Source_Bytes(), Support::Png(picture));
         QCOMPARE(QImage(image).cacheKey(), picture.cacheKey());
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     }
 
     void bytes_are_decoded_as_qt_does_data() { Add_Samples(); }
@@ -288,7 +289,7 @@ private slots:
         QFETCH(const QByteArray, bytes);
         const TPageImage image = TPageImage::From_Bytes(bytes);
         QCOMPARE(image.Source_Bytes(), bytes);
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
         image.isNull();
         image.Png();
         QCOMPARE(image.Source_Bytes(), bytes);
@@ -310,7 +311,7 @@ private slots:
         const TPageImage image = TPageImage::From_Bytes(Support::Png(Support::Picture(40, 30)));
         image.Png();
         image.Source_Bytes();
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     }
 
     void all_copies_share_one_encoding()
@@ -329,10 +330,10 @@ private slots:
         const QImage picture = Support::Picture(40, 30);
         const TPageImage image = TPageImage::From_Bytes(Support::Png(picture));
         QVERIFY(!image.isNull());
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(picture.sizeInBytes()));
         const TPageImage copy = image;
         QCOMPARE(QImage(copy).cacheKey(), QImage(image).cacheKey());
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(picture.sizeInBytes()));
     }
 
     void encoding_adds_nothing_to_the_cache()
@@ -340,7 +341,7 @@ private slots:
         const QImage picture = Support::Picture(40, 30);
         const TPageImage image = TPageImage::From_Bytes(Encoded(picture, "BMP"));
         QCOMPARE(QImage::fromData(image.Png()), picture);
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
         QCOMPARE(image.size(), picture.size());
     }
 
@@ -357,7 +358,7 @@ private slots:
     {
         const TPageImage image = TPageImage::From_Bytes("no image");
         QVERIFY(image.isNull());
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     }
 
     void an_image_shares_a_part_of_an_array_and_keeps_it_alive()
@@ -478,7 +479,7 @@ private slots:
         const QString path = folder.filePath(QStringLiteral("picture.png"));
         Support::Write_File(path, Support::Png(Support::Picture(40, 30)));
         const TPageImage image = TPageImage::From_File(path);
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(40 * 30 * 4));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(40 * 30 * 4));
         QVERIFY(!image.isNull());
     }
 
@@ -791,11 +792,11 @@ private slots:
         QVector<qint64> keys;
         for (int index = 0; index < 4; ++index)
             keys.append(QImage(images[index]).cacheKey());
-        QCOMPARE(TPageImage::Stored_Bytes(), TPageImage::Store_Bytes);
+        QCOMPARE(TPixelStore::Shared().Bytes(), TPixelStore::Limit);
         // The first image is used again, so the fifth replaces the second.
         QCOMPARE(QImage(images[0]).cacheKey(), keys[0]);
         QVERIFY(!images[4].isNull());
-        QCOMPARE(TPageImage::Stored_Bytes(), TPageImage::Store_Bytes);
+        QCOMPARE(TPixelStore::Shared().Bytes(), TPixelStore::Limit);
         QCOMPARE(QImage(images[0]).cacheKey(), keys[0]);
         QCOMPARE(QImage(images[2]).cacheKey(), keys[2]);
         QCOMPARE(QImage(images[3]).cacheKey(), keys[3]);
@@ -807,7 +808,7 @@ private slots:
         QVERIFY(again.cacheKey() != keys[1]);
         QCOMPARE(again.pixelColor(4000, 4000), QColor(1, 100, 50));
         images.remove(1);
-        QCOMPARE(TPageImage::Stored_Bytes(), 3 * large_bytes);
+        QCOMPARE(TPixelStore::Shared().Bytes(), 3 * large_bytes);
     }
 
     void the_newest_image_stays_in_the_cache_even_if_it_exceeds_the_limit()
@@ -818,10 +819,10 @@ private slots:
         picture.fill(Qt::blue);
         const TPageImage large = TPageImage::From_Bytes(Support::Png(picture));
         const qint64 key = QImage(large).cacheKey();
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(picture.sizeInBytes()));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(picture.sizeInBytes()));
         QCOMPARE(QImage(large).cacheKey(), key);
         QVERIFY(!QImage(small).isNull());
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(40 * 30 * 4));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(40 * 30 * 4));
     }
 
     void an_image_may_outlive_main()
@@ -833,7 +834,7 @@ private slots:
             // report what the parent left in memory.
             std::atexit([] { _exit(0); });
             static TPageImage image = TPageImage::From_Bytes(Support::Png(Support::Picture(9, 9)));
-            if (image.isNull() || TPageImage::Stored_Bytes() == 0)
+            if (image.isNull() || TPixelStore::Shared().Bytes() == 0)
                 return 1;
             // Destroys static objects in the reverse order of their construction.
             std::exit(1);
@@ -865,11 +866,11 @@ private slots:
         QVERIFY(!QImage(image).isNull());
         const TPageImage encoded = image.Encoded();
         image = TPageImage();
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
         // Size and PNG need no decoding again.
         QCOMPARE(encoded.size(), QSize(40, 30));
         QCOMPARE(encoded.Png().constData(), png.constData());
-        QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+        QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     }
 
     void an_image_made_from_pixels_is_encoded_as_png()

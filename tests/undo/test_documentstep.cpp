@@ -1,5 +1,6 @@
 #include "support/support.h"
 
+#include "src/model/pixelstore.h"
 #include "src/undo/documentstep.h"
 
 #include <QTest>
@@ -280,14 +281,14 @@ void TestDocumentStep::a_removed_page_keeps_no_pixels()
 {
     d_data->Add_Page(TPageImage::From_Bytes(d_data->Pages()[1].image.Png()));
     QCOMPARE(d_data->Pages()[2].image.width(), 40);
-    QVERIFY(TPageImage::Stored_Bytes() > 0);
+    QVERIFY(TPixelStore::Shared().Bytes() > 0);
     TDocumentStep step = Run([](TData* data) { data->Remove_Page(3); });
-    QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     TRowsAndLook rows_and_look;
     step.Swap(d_data.get(), &rows_and_look);
     QCOMPARE(Support::Difference(d_data->Pages()[2].image, Support::Picture(40, 20)), QString());
     step.Swap(d_data.get(), &rows_and_look);
-    QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
 }
 
 void TestDocumentStep::a_replaced_image_keeps_no_pixels()
@@ -295,10 +296,10 @@ void TestDocumentStep::a_replaced_image_keeps_no_pixels()
     d_data->Set_Active_Page(1);
     d_data->Set_Page_Image(TPageImage::From_Bytes(d_data->Pages()[1].image.Png()));
     QCOMPARE(d_data->Pages()[0].image.width(), 40);
-    QVERIFY(TPageImage::Stored_Bytes() > 0);
+    QVERIFY(TPixelStore::Shared().Bytes() > 0);
     const TDocumentStep step =
         Run([](TData* data) { data->Set_Page_Image(Support::Picture(10, 10)); });
-    QCOMPARE(TPageImage::Stored_Bytes(), qint64(0));
+    QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
 }
 
 void TestDocumentStep::a_changed_page_shares_its_image()
