@@ -2,6 +2,7 @@
 
 #include "src/model/pageitem.h"
 #include "src/widgets/parentwidget.h"
+#include "src/widgets/pictureitems.h"
 
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
@@ -21,17 +22,24 @@ constexpr double label_z = 1.0; // always above the page image
 /// twice as wide and high as a label.
 constexpr int index_depth = 10;
 
+constexpr double edge_opacity = 0.5; // of the line around the page
+
 /// A rendered page with more pixels than this would take more than 4 GiB of memory.
 constexpr double maximum_picture_pixels = 1024.0 * 1024.0 * 1024.0;
+
+QPixmap Start_Image()
+{
+    return QPixmap(QStringLiteral(":/images/background_default.png"));
+}
 
 } // namespace
 
 TDisplayWidget::TDisplayWidget(const QWidget* parent)
     : QGraphicsView(Parent_Widget(parent))
     , d_scene(new QGraphicsScene(this))
-    , d_background_item(
-          d_scene->addPixmap(QPixmap(QStringLiteral(":/images/background_default.png"))))
+    , d_background_item(new TPictureItem)
 {
+    d_scene->addItem(d_background_item);
     setScene(d_scene);
     // By default, the view collects the area of each changed label separately, in quadratic time.
     setViewportUpdateMode(QGraphicsView::BoundingRectViewportUpdate);
@@ -39,14 +47,22 @@ TDisplayWidget::TDisplayWidget(const QWidget* parent)
     // there is only the page image.
     d_scene->setBspTreeDepth(index_depth);
     setDragMode(QGraphicsView::NoDrag);
+    viewport()->setBackgroundRole(QPalette::Mid);
     d_background_item->setZValue(background_z);
     d_background_item->setTransformationMode(Qt::SmoothTransformation);
     Update_Label_Template();
+    Show_Background(Start_Image(), TBackground::Built_In);
 }
 
 void TDisplayWidget::Set_Background_Image(const QPixmap& pixmap)
 {
-    Show_Background(pixmap);
+    Show_Background(pixmap, TBackground::Page);
+    Update_Scene_Rect();
+}
+
+void TDisplayWidget::Show_Start_Image()
+{
+    Show_Background(Start_Image(), TBackground::Built_In);
     Update_Scene_Rect();
 }
 
@@ -76,7 +92,7 @@ void TDisplayWidget::Change_Scale(const double& scale_factor)
 void TDisplayWidget::Clear()
 {
     Remove_Items();
-    Show_Background(QPixmap(QStringLiteral(":/images/default.png")));
+    Show_Background(QPixmap(QStringLiteral(":/images/default.png")), TBackground::Built_In);
     Update_Scene_Rect();
 }
 
@@ -108,7 +124,7 @@ QGraphicsPixmapItem* TDisplayWidget::Add_Item(int id, int value, const QString& 
         return nullptr;
     const QPointF corner = Visible_Corner();
     // Set up the item before adding it: a scene processes every change of its items.
-    auto label = std::make_unique<QGraphicsPixmapItem>();
+    auto label = std::make_unique<TDrawingItem>();
     label->setTransformationMode(Qt::SmoothTransformation);
     label->setPos(corner);
     label->setZValue(label_z);
@@ -326,10 +342,26 @@ void TDisplayWidget::Change_Item(int id, TItemKey key, const QVariant& content)
     item->setPixmap(Render_Item(*item));
 }
 
-void TDisplayWidget::Show_Background(const QPixmap& pixmap)
+void TDisplayWidget::Show_Background(const QPixmap& pixmap, TBackground kind)
 {
+    d_has_page_edge = kind == TBackground::Page && !pixmap.isNull();
     d_background_item->setPixmap(pixmap);
     d_background_item->setPos(0.0, 0.0);
+}
+
+void TDisplayWidget::drawBackground(QPainter* painter, const QRectF& exposed)
+{
+    QGraphicsView::drawBackground(painter, exposed);
+    if (!d_has_page_edge)
+        return;
+    const QRect page =
+        painter->worldTransform().mapRect(d_background_item->sceneBoundingRect()).toAlignedRect();
+    QColor edge = palette().color(QPalette::WindowText);
+    edge.setAlphaF(edge_opacity);
+    painter->resetTransform();
+    painter->fillRect(page.adjusted(-1, -1, 1, 1), edge);
+    // Transparent pages are exported on white.
+    painter->fillRect(page, Qt::white);
 }
 
 /// Prepares for the removal of the pressed label. The next mouse release must neither report it nor

@@ -50,6 +50,8 @@ public:
     void Set_Background_Image(const QPixmap& pixmap);
     /// The page image, or the built-in image shown without one.
     QPixmap Background_Pixmap() const;
+    /// Shows the built-in image of the program's start instead of a page.
+    void Show_Start_Image();
     /// Shows a page's image and its labels, unselected. Does not remove the labels of another page.
     void Show_Page(const TPageItem& page);
     /// Fits the scene to the page image and all labels. Takes linear time, so adding or moving a
@@ -118,6 +120,8 @@ signals:
     void Update_Item_Position(int id, const QPointF& centre);
 
 protected:
+    /// Draws an edge around the page. Exports are drawn without it.
+    void drawBackground(QPainter* painter, const QRectF& exposed) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -134,7 +138,8 @@ private:
     void Select_Item(QGraphicsPixmapItem* item, bool selected);
     const QGraphicsPixmapItem* Last_Selected_Item() const;
     void Change_Item(int id, TItemKey key, const QVariant& content);
-    void Show_Background(const QPixmap& pixmap);
+    enum class TBackground { Page, Built_In };
+    void Show_Background(const QPixmap& pixmap, TBackground kind);
     void Release_Pressed_Item();
     QPointF Scene_Point(const QMouseEvent& event) const;
     QGraphicsPixmapItem* Label_At(const QPointF& scene_point) const;
@@ -142,7 +147,7 @@ private:
     void Drag_Item(const QPointF& scene_point);
 
     QGraphicsScene* d_scene;
-    QGraphicsPixmapItem* d_background_item;        ///< the page image
+    QGraphicsPixmapItem* d_background_item;        ///< the page image or a built-in one
     QGraphicsPixmapItem* d_pressed_item = nullptr; ///< label under the last left press, or null
     int d_label_width = TLabelStyle().width;       ///< of the pixmap, which includes a margin
     int d_label_height = TLabelStyle().height;
@@ -162,5 +167,6 @@ public:
 private:
     QHash<int, QGraphicsPixmapItem*> d_items_by_id; ///< the same labels as in d_label_items
     QSet<QGraphicsPixmapItem*> d_selected_items;
+    bool d_has_page_edge = false; ///< a page is shown, and not a built-in image
     mutable TLabelCache d_label_cache;
 };

@@ -230,9 +230,3 @@ void TQuillet::Set_Working_File(const QString& path)
 {
     d_working_dir.setPath(path.left(path.lastIndexOf(QLatin1Char('/'))));
 }
-
-void TQuillet::Show_No_Page()
-{
-    d_display_widget->Set_Background_Image(
-        QPixmap(QStringLiteral(":/images/background_default.png")));
-}

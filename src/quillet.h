@@ -232,7 +232,6 @@ private:
     bool Import_Image(const QString& path);
     void Set_File_Name(const QString& path);
     void Export_Web_Page();
-    void Show_No_Page();
     void Show_Label_Size(int size);
     void Fill_View();
     void Refresh_Active_Page();

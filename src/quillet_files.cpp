@@ -33,7 +33,7 @@ void TQuillet::File_New()
     d_page_widget->Clear();
     d_label_widget->Clear();
     d_display_widget->Clear();
-    Show_No_Page();
+    d_display_widget->Show_Start_Image();
     Enable_Document_Actions(false);
     Set_File_Name(QString());
     Set_Changed(false);

@@ -102,7 +102,7 @@ void TQuillet::Remove_Pages(const QList<int>& pages)
         Enable_Document_Actions(false);
         d_label_widget->Clear();
         d_display_widget->Clear();
-        Show_No_Page();
+        d_display_widget->Show_Start_Image();
         for (const int page : pages) {
             d_data.Remove_Page(page);
             d_page_widget->Remove_Page(page);
@@ -186,7 +186,7 @@ void TQuillet::Page_Selection_Changed(int page)
         Fill_View();
         d_display_widget->setUpdatesEnabled(true);
     } else {
-        Show_No_Page();
+        d_display_widget->Show_Start_Image();
         d_label_widget->setEnabled(false);
     }
     Set_Changed(changed);

@@ -127,6 +127,10 @@ private slots:
     void a_page_too_large_to_render_gives_no_picture();
     void the_rendered_page_does_not_depend_on_the_zoom();
     void thousands_of_labels_keep_their_order_and_data();
+    void the_page_has_an_edge_and_shaded_surroundings_data();
+    void the_page_has_an_edge_and_shaded_surroundings();
+    void a_transparent_page_is_shown_on_white();
+    void a_built_in_image_has_no_edge();
 
 private:
     std::unique_ptr<TDisplayWidget> d_view;
@@ -857,6 +861,66 @@ void TestDisplayWidget::thousands_of_labels_keep_their_order_and_data()
     }
     d_view->Clear();
     QCOMPARE(d_view->scene()->items().size(), 1);
+}
+
+void TestDisplayWidget::the_page_has_an_edge_and_shaded_surroundings_data()
+{
+    QTest::addColumn<QColor>("text");
+    QTest::addColumn<QColor>("shade");
+    QTest::newRow("light theme") << QColor(0, 0, 0) << QColor(184, 184, 184);
+    QTest::newRow("dark theme") << QColor(230, 230, 230) << QColor(30, 30, 32);
+}
+
+void TestDisplayWidget::the_page_has_an_edge_and_shaded_surroundings()
+{
+    QFETCH(QColor, text);
+    QFETCH(QColor, shade);
+    QPalette theme = d_view->palette();
+    theme.setColor(QPalette::WindowText, text);
+    theme.setColor(QPalette::Mid, shade);
+    d_view->setPalette(theme);
+    const QPixmap page = Page(100, 80);
+    d_view->Set_Background_Image(page);
+    const QImage shown = d_view->viewport()->grab().toImage();
+    const QPoint corner = d_view->mapFromScene(0, 0);
+    QCOMPARE(Support::Difference(shown.copy(QRect(corner, QSize(100, 80))), page.toImage()),
+             QString());
+    const QRect around = QRect(corner, QSize(100, 80)).adjusted(-1, -1, 1, 1);
+    const QColor edge = shown.pixelColor(around.topLeft());
+    QVERIFY(qAbs(edge.red() - (text.red() + shade.red()) / 2) <= 2);
+    for (const QPoint& point : {around.topRight(), around.bottomLeft(), around.bottomRight(),
+                                around.center() - QPoint(around.width() / 2 - 1, 0)})
+        QCOMPARE(shown.pixelColor(point), edge);
+    QCOMPARE(shown.pixelColor(around.topLeft() - QPoint(1, 1)), shade);
+    QCOMPARE(shown.pixelColor(around.bottomRight() + QPoint(1, 1)), shade);
+    QCOMPARE(Support::Difference(d_view->Pixmap().toImage(), page.toImage()), QString());
+}
+
+void TestDisplayWidget::a_transparent_page_is_shown_on_white()
+{
+    QImage page(60, 40, QImage::Format_ARGB32);
+    page.fill(Qt::transparent);
+    d_view->Set_Background_Image(QPixmap::fromImage(page));
+    QImage white(60, 40, QImage::Format_RGB32);
+    white.fill(Qt::white);
+    const QRect area(d_view->mapFromScene(0, 0), QSize(60, 40));
+    QCOMPARE(Support::Difference(d_view->viewport()->grab(area).toImage(), white), QString());
+    QCOMPARE(Support::Difference(d_view->Pixmap().toImage(), white), QString());
+}
+
+void TestDisplayWidget::a_built_in_image_has_no_edge()
+{
+    const auto beside_the_image = [this] {
+        const QPoint corner = d_view->mapFromScene(0, 0);
+        return d_view->viewport()->grab().toImage().pixel(corner + QPoint(-1, 50));
+    };
+    const QRgb shade = d_view->palette().color(QPalette::Mid).rgb();
+    QVERIFY(beside_the_image() != shade);
+    d_view->Show_Start_Image();
+    QCOMPARE(beside_the_image(), shade);
+    d_view->Set_Background_Image(Page(100, 80));
+    d_view->Clear();
+    QCOMPARE(beside_the_image(), shade);
 }
 
 QTEST_MAIN(TestDisplayWidget)

@@ -33,11 +33,11 @@ def first_look(session):
     session.shoot("first-start")
     box = session.program.box
     check("size of the window", (box.width, box.height), (800, 600))
-    # Only the page view has such a long run of white pixels.
+    # Only the page view has such a long run of one shade, which surrounds the page.
     screen = stable_screen()
-    widest = max(len(white) // 3 for y in range(box.top, box.bottom)
-                 for white in re.findall(rb"(?:\xff\xff\xff)+", screen.row(y, box.left, box.right)))
-    if widest < 0.45 * box.width:
+    widest = max(len(shade) // 3 for y in range(box.top, box.bottom)
+                 for shade in re.findall(rb"(?:\xb8\xb8\xb8)+", screen.row(y, box.left, box.right)))
+    if widest < 0.4 * box.width:
         raise Failure(f"the page view is only {widest} pixels wide")
     session.program.resize(*WORKING_SIZE)
 
