@@ -6,6 +6,7 @@
 #include "src/labelwidget.h"
 #include "src/model/itemformat.h"
 #include "src/pagewidget.h"
+#include "src/paint/labelpainter.h"
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 
@@ -75,9 +76,9 @@ void TQuillet::Restore_Settings()
     const TAppearance defaults;
     const int label_size = Read_Setting(settings, "Label_Size", defaults.label_size);
     d_settings_widget->Set_Label_Size(label_size);
-    // The view accepts any size, but the size of a pixmap is limited.
-    constexpr int smallest_view_size = 2;
-    constexpr int largest_view_size = 2048;
+    // Unlike the panel, the view accepts every size that can be drawn.
+    constexpr int smallest_view_size = 1 - LabelPainter::Margin; // pixmap of 1 pixel
+    constexpr int largest_view_size = 8192;                      // pixmap of 256 MiB
     Label_Size_Changed(qBound(smallest_view_size, label_size, largest_view_size));
 
     d_settings_widget->Set_Display_Format(Read_Setting(

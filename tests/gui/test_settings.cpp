@@ -353,13 +353,21 @@ private slots:
             << QByteArray("Label_Size=500") << QStringLiteral("size 128 view 500");
         QTest::newRow("small label size")
             << QByteArray("Label_Size=10") << QStringLiteral("size 16 view 10");
+        QTest::newRow("label of one pixel")
+            << QByteArray("Label_Size=1") << QStringLiteral("size 16 view 1");
+        QTest::newRow("label as large as a page")
+            << QByteArray("Label_Size=4000") << QStringLiteral("size 128 view 4000");
+        QTest::newRow("label without an area")
+            << QByteArray("Label_Size=-99") << QStringLiteral("size 16 view -4");
+        QTest::newRow("label that is too large to draw")
+            << QByteArray("Label_Size=2147483647") << QStringLiteral("size 128 view 8192");
         QTest::newRow("orientation")
             << QByteArray("PDF_Orientation=7") << QStringLiteral("pdf 1 2");
         QTest::newRow("resolution") << QByteArray("PDF_Resolution=7") << QStringLiteral("pdf 0 1");
         QTest::newRow("border") << QByteArray("Border_Type=4") << QStringLiteral("border 4");
     }
 
-    // The view gets the stored size unless no label image can be that large.
+    // The view gets the stored size unless it cannot draw a label of that size.
     void panels_clamp_values_out_of_range()
     {
         QFETCH(const QByteArray, lines);
