@@ -1,6 +1,7 @@
 #include "src/safety/safetynet.h"
 
 #include "core/safefile.h"
+#include "src/data.h"
 #include "src/format/projectfile.h"
 #include "src/safety/logconversion.h"
 
@@ -87,9 +88,12 @@ bool TSafetyNet::Update(const QString& document)
     const qint64 begin = d_clock.elapsed();
     if (!d_log.Exists())
         d_sync_time = begin;
-    d_is_pending = !d_log.Update(d_read_state(), &d_base, {document, Own_Stamp(document)});
+    const TWorkState state = d_read_state();
+    d_is_pending = !d_log.Update(state, &d_base, {document, Own_Stamp(document)});
     if (d_is_pending) {
-        Report_Once(QStringLiteral("cannot write unsaved work to"));
+        // A document without pages has no work that could be lost.
+        if (state.data->Page_Count() > 0)
+            Report_Once(QStringLiteral("cannot write unsaved work to"));
         d_retry_time = Time_After_Rest(begin);
     }
     return !d_is_pending;

@@ -18,7 +18,7 @@ class QFile;
 ///
 /// The window calls it on every change, before and after each save, and when the user pauses. There
 /// is no timer. If the settings folder is not writable, the program works without protection and
-/// reports that once on standard error.
+/// reports that once on standard error, as soon as there is work to lose.
 class TSafetyNet
 {
 public:

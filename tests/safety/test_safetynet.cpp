@@ -64,6 +64,7 @@ private slots:
     void an_unusable_settings_folder_is_reported_once_data();
     void an_unusable_settings_folder_is_reported_once();
     void a_full_disk_is_reported_once();
+    void a_document_without_pages_has_no_work_to_lose();
     void stale_files_are_deleted_at_the_start();
     void unchanged_pages_are_not_stored_data();
     void unchanged_pages_are_not_stored();
@@ -616,6 +617,7 @@ void TestSafetyNet::an_unusable_settings_folder_is_reported_once()
     if (defect == "not writable")
         QVERIFY(QFile::setPermissions(Settings(), QFile::ReadOwner | QFile::ExeOwner));
     Write_File(In("a.quillet"), Empty_Project(41));
+    Add_Pages();
     const Support::TChildResult result = Support::Run_In_Child([this] {
         Support::Obey_File_Permissions();
         const auto net = Net();
@@ -636,6 +638,7 @@ void TestSafetyNet::an_unusable_settings_folder_is_reported_once()
 
 void TestSafetyNet::a_full_disk_is_reported_once()
 {
+    Add_Pages();
     const Support::TChildResult result = Support::Run_In_Child([this] {
         Support::Limit_File_Size(4);
         const auto net = Net();
@@ -649,6 +652,20 @@ void TestSafetyNet::a_full_disk_is_reported_once()
     QCOMPARE(result.error_output,
              QByteArray("quillet: cannot write unsaved work to the settings folder\n"));
     QVERIFY(Entries(In("settings/recovery")).isEmpty());
+}
+
+void TestSafetyNet::a_document_without_pages_has_no_work_to_lose()
+{
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(4);
+        const auto net = Net();
+        Set_Label_Size(50);
+        net->Record_Change(QString());
+        net->Flush(QString());
+        return 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(result.error_output, QByteArray());
 }
 
 void TestSafetyNet::stale_files_are_deleted_at_the_start()
