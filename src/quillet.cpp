@@ -12,6 +12,7 @@
 #include "src/settingswidget.h"
 #include "src/undo/undohistory.h"
 #include "src/widgets/documentname.h"
+#include "src/widgets/panelparts.h"
 #include "src/widgets/parentwidget.h"
 #include "src/widgets/undokeys.h"
 
@@ -24,12 +25,26 @@
 #include <QSlider>
 #include <QStatusBar>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 namespace {
 
 constexpr double smallest_scale = 0.1353352832366127; ///< e^-2
+
+/// The position of a window that is completely on a screen, as close as possible to its own. The
+/// screen that it was on may no longer exist.
+QPoint Position_On_Screen(const QRect& window)
+{
+    const QScreen* screen = QGuiApplication::screenAt(window.center());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    const QRect area = screen->availableGeometry();
+    // The top-left corner of a larger window is visible.
+    return {std::max(area.x(), std::min(window.x(), area.x() + area.width() - window.width())),
+            std::max(area.y(), std::min(window.y(), area.y() + area.height() - window.height()))};
+}
 
 } // namespace
 
@@ -71,16 +86,19 @@ void TQuillet::Restore_Geometry()
 
 void TQuillet::Narrow_Docks()
 {
-    // The page has priority: it gets a fixed share of the window. The docks get their minimum width
-    // and, if there is space left, enough to show their captions on one line.
-    constexpr double page_share = 0.48;
-    constexpr int caption_room = 64; // pixels
-    const int left = d_label_dock->minimumSizeHint().width();
-    const int right =
+    // The docks show their captions on one line if this leaves the page its share of the window.
+    // Otherwise they get their minimum width.
+    constexpr double page_share = 0.42;
+    int left = d_label_dock->minimumSizeHint().width();
+    int right =
         qMax(d_page_dock->minimumSizeHint().width(), d_settings_dock->minimumSizeHint().width());
-    const int spare = static_cast<int>(width() * (1.0 - page_share)) - left - right;
-    const int extra = qBound(0, spare / 2, caption_room);
-    resizeDocks({d_label_dock, d_page_dock}, {left + extra, right + extra}, Qt::Horizontal);
+    const int left_room = PanelParts::Caption_Room(*d_label_widget);
+    const int right_room = PanelParts::Caption_Room(*d_settings_widget);
+    if (left + left_room + right + right_room <= width() * (1.0 - page_share)) {
+        left += left_room;
+        right += right_room;
+    }
+    resizeDocks({d_label_dock, d_page_dock}, {left, right}, Qt::Horizontal);
 }
 
 void TQuillet::setVisible(bool visible)
@@ -88,10 +106,13 @@ void TQuillet::setVisible(bool visible)
     QMainWindow::setVisible(visible);
     if (visible && !std::exchange(d_was_visible, true))
         QMetaObject::invokeMethod(this, &TQuillet::Recover_Work, Qt::QueuedConnection);
-    // Floating docks appeared before this window, so the window manager puts it above them.
+    // Floating docks appeared before this window, so the window manager puts it above them. Their
+    // sizes are not stored, so they may now reach beyond the screen.
     for (QDockWidget* dock : {d_label_dock, d_settings_dock, d_page_dock}) {
-        if (visible && dock->isFloating())
-            dock->raise();
+        if (!visible || !dock->isFloating())
+            continue;
+        dock->move(Position_On_Screen(dock->frameGeometry()));
+        dock->raise();
     }
 }
 

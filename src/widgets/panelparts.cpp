@@ -4,6 +4,7 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QToolButton>
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace PanelParts {
 namespace {
 
 const int Margin = 2;            // pixels
-const int column_gap = 4;        // pixels
+const int column_gap = 3;        // pixels
 const QSize button_size(22, 22); // pixels
 
 /// A caption that wraps in a narrow column. Its minimum size includes the wrapped lines, because
@@ -58,11 +59,28 @@ void Add_Row(QGridLayout* grid, int row, const QString& caption, QWidget* editor
     auto* const label = new TCaption(caption, editor->parentWidget());
     label->setBuddy(editor);
     Accessibility::Describe(editor, Accessibility::Name_Of_Caption(caption), description);
+    // By default, a line editor is so wide that a layout takes space from the captions.
+    if (qobject_cast<QLineEdit*>(editor))
+        editor->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     grid->addWidget(label, row, 0);
     grid->addWidget(editor, row, 1);
     // Captions wrap only when the editors have their minimum width.
     grid->setColumnStretch(1, 1);
     grid->setHorizontalSpacing(column_gap);
+}
+
+int Caption_Room(const QWidget& panel)
+{
+    int wrapped = 0;
+    int unwrapped = 0;
+    const auto captions = panel.findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly);
+    for (const QLabel* const caption : captions) {
+        QLabel line(caption->text());
+        line.setFont(caption->font());
+        wrapped = std::max(wrapped, caption->minimumSizeHint().width());
+        unwrapped = std::max(unwrapped, line.sizeHint().width());
+    }
+    return unwrapped - wrapped;
 }
 
 void Set_Margins(QLayout* layout)

@@ -22,6 +22,9 @@ QToolButton* New_Button(const QString& sign, const QString& tool_tip, const QStr
 void Add_Row(QGridLayout* grid, int row, const QString& caption, QWidget* editor,
              const QString& description);
 
+/// Width beyond its minimum that a panel needs to show each caption on one line.
+int Caption_Room(const QWidget& panel);
+
 /// Gives a panel's layout narrow margins, which leave more room for the page view.
 void Set_Margins(QLayout* layout);
 

@@ -1,5 +1,6 @@
 #include "support/window.h"
 
+#include "src/displaywidget.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/settingswidget.h"
@@ -10,6 +11,7 @@
 #include <QGuiApplication>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -68,6 +70,23 @@ private slots:
         }
     }
 
+    void captions_and_entries_are_whole_at_the_first_start()
+    {
+        const auto window = Shown_Window();
+        QVERIFY(window);
+        QCOMPARE(window->size(), QSize(800, 600));
+        QVERIFY(!window->d_display_widget->horizontalScrollBar()->isVisible());
+        for (const QWidget* panel : {static_cast<QWidget*>(window->d_label_widget),
+                                     static_cast<QWidget*>(window->d_settings_widget)}) {
+            for (const QLabel* caption : panel->findChildren<QLabel*>())
+                QVERIFY2(caption->heightForWidth(caption->width()) <
+                             2 * caption->fontMetrics().lineSpacing(),
+                         qPrintable(caption->text()));
+            for (const QComboBox* box : panel->findChildren<QComboBox*>())
+                QVERIFY2(box->width() >= box->sizeHint().width(), qPrintable(box->currentText()));
+        }
+    }
+
     void floating_docks_are_restored_to_their_positions()
     {
         {
@@ -110,6 +129,33 @@ private slots:
         QVERIFY(window);
         QTRY_COMPARE(window->d_label_dock->pos(), QPoint(300, 250));
         QTRY_VERIFY(Is_Above(*window->d_label_dock, *window));
+    }
+
+    void a_floating_dock_is_completely_on_a_screen_after_a_restart_data()
+    {
+        QTest::addColumn<QPoint>("stored");
+        QTest::newRow("partly to the right") << QPoint(1200, 100);
+        QTest::newRow("partly below") << QPoint(100, 870);
+        QTest::newRow("partly to the left and above") << QPoint(-60, -40);
+        QTest::newRow("on a screen that has gone") << QPoint(3000, 2000);
+    }
+
+    void a_floating_dock_is_completely_on_a_screen_after_a_restart()
+    {
+        QFETCH(QPoint, stored);
+        {
+            const TOpenWindow window;
+            window.d_settings->setValue(QStringLiteral("Label_Floating"), true);
+            window.d_settings->setValue(QStringLiteral("Label_Position"), stored);
+        }
+        const auto window = Shown_Window();
+        QVERIFY(window);
+        const QDockWidget* const dock = window->d_label_dock;
+        QVERIFY(QTest::qWaitForWindowExposed(window->d_label_dock));
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        QTRY_VERIFY2(screen.contains(dock->frameGeometry()),
+                     qPrintable(QStringLiteral("at %1, %2").arg(dock->x()).arg(dock->y())));
+        QTRY_VERIFY(Is_Above(*dock, *window));
     }
 
     void hidden_docks_stay_hidden_after_a_restart()
