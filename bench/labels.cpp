@@ -133,6 +133,61 @@ void show_bare(benchmark::State& state)
 }
 BENCH_QUICK(show_bare, 5)->Arg(10000);
 
+/// Shows the page with 1,000 labels in a large window.
+/// @param percent  scale of the page.
+void Show_At_Scale(TOpenWindow* open, int percent)
+{
+    constexpr double per_cent = 0.01;
+    open->window.resize(1600, 1200);
+    open->Show_Page(label_counts.indexOf(1000));
+    open->view->Change_Scale(percent * per_cent);
+    Bench::Paint_Changes();
+}
+
+/// Shows the page again as it is when the program starts.
+void Show_At_Full_Scale(TOpenWindow* open)
+{
+    open->view->Change_Scale(1.0);
+    open->window.resize(800, 600);
+    Bench::Paint_Changes();
+}
+
+/// Painting the visible part of the page again.
+void paint_page(benchmark::State& state)
+{
+    TOpenWindow& open = Labelled_Pages();
+    Show_At_Scale(&open, static_cast<int>(state.range(0)));
+    Bench::Measure(
+        &state, [] {}, [&] { open.view->viewport()->repaint(); });
+    Show_At_Full_Scale(&open);
+}
+BENCH_QUICK(paint_page, 50)->Arg(25)->Arg(50);
+
+/// The reference: a plain view of the same pixmaps, which interpolates between neighbouring pixels.
+void paint_plain(benchmark::State& state)
+{
+    TOpenWindow& open = Labelled_Pages();
+    Show_At_Scale(&open, static_cast<int>(state.range(0)));
+    QGraphicsScene scene(open.view->sceneRect());
+    const QList<QGraphicsItem*> items = open.view->scene()->items(Qt::AscendingOrder);
+    for (const QGraphicsItem* item : items) {
+        const auto* const original = qgraphicsitem_cast<const QGraphicsPixmapItem*>(item);
+        QGraphicsPixmapItem* const copy = scene.addPixmap(original->pixmap());
+        copy->setTransformationMode(Qt::SmoothTransformation);
+        copy->setPos(original->pos());
+        copy->setZValue(original->zValue());
+    }
+    QGraphicsView view(&scene);
+    view.resize(open.view->size());
+    view.setTransform(open.view->transform());
+    view.show();
+    Bench::Paint_Changes();
+    Bench::Measure(
+        &state, [] {}, [&] { view.viewport()->repaint(); });
+    Show_At_Full_Scale(&open);
+}
+BENCH_QUICK(paint_plain, 50)->Arg(25)->Arg(50);
+
 void Send_Mouse(TDisplayWidget* view, QEvent::Type type, const QPoint& point)
 {
     const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
