@@ -214,17 +214,43 @@ bool TSafeFile::Is_Complete(const QString& path, qint64 size, const QByteArray& 
     return file.seek(file.size() - end.size()) && file.read(end.size()) == end;
 }
 
-bool TSafeFile::Replace(const QString& path, const QByteArray& content, int extra_links)
+bool TSafeFile::Replace(const QString& path, const QByteArray& content, int extra_links,
+                        QString* problem)
 {
     TSafeFile target(path, TKind::Like_Target, extra_links);
-    QFile file(target.Path_To_Write());
+    if (target.Write(content))
+        return true;
+    if (problem)
+        *problem = target.Write_Problem();
+    return false;
+}
+
+/// Writes the new content and commits it.
+bool TSafeFile::Write(const QByteArray& content)
+{
+    QFile file(Path_To_Write());
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
         return false;
     file.close();
     constexpr int tail_length = 16;
-    return target.Commit([&content](const QString& written) {
+    return Commit([&content](const QString& written) {
         return Is_Complete(written, content.size(), content.right(tail_length));
     });
+}
+
+QString TSafeFile::Write_Problem() const
+{
+    // The new content still takes up the space that it found on the disk, so more of it fails in
+    // the same way.
+    constexpr int block_size = 64 * 1024;
+    // It may have got a visible name.
+    if (d_file && !d_file->exists())
+        return QString();
+    QFile file(Path_To_Write());
+    const bool is_open = file.open(QIODevice::Append);
+    if (is_open && (!d_file || (file.write(QByteArray(block_size, '\0')) > 0 && file.flush())))
+        return QString();
+    return file.errorString();
 }
 
 bool TSafeFile::Sync(const QString& path)

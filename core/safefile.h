@@ -62,6 +62,10 @@ public:
     bool Commit(const std::function<bool(const QString&)>& is_complete,
                 TReach reach = TReach::Disk);
 
+    /// Why the new content cannot be written, in the system's words; empty if it can. Call it after
+    /// a failure, when the new content is of no use.
+    QString Write_Problem() const;
+
     /// Whether a file has the given size and ends with the given bytes.
     /// @param size  in bytes; negative to accept any size.
     static bool Is_Complete(const QString& path, qint64 size, const QByteArray& end);
@@ -69,7 +73,9 @@ public:
     /// Replaces the content of a file. On failure, returns false and the file is unchanged,
     /// unless it was written directly or in place.
     /// @param extra_links  as for the constructor.
-    static bool Replace(const QString& path, const QByteArray& content, int extra_links = 0);
+    /// @param problem      receives the Write_Problem on failure; may be null.
+    static bool Replace(const QString& path, const QByteArray& content, int extra_links = 0,
+                        QString* problem = nullptr);
 
     /// Writes a file's content, or a folder's entries, to the disk.
     static bool Sync(const QString& path);
@@ -81,6 +87,7 @@ public:
     static QString Unfinished_Pattern();
 
 private:
+    bool Write(const QByteArray& content);
     bool Replace_Target(TReach reach);
     bool Overwrite_Target(TReach reach);
     QString Make_Visible();

@@ -285,7 +285,7 @@ private:
 
     // Exports.
     template <typename TExport>
-    auto Export(const TExport& run);
+    auto Export(const TExport& run, QString* problem);
     QString Stray_Text(const QList<int>& page_ids) const;
 
     // Project files.

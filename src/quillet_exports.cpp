@@ -28,20 +28,24 @@ QString Exported_Text(int pages, const QString& target)
                       : TQuillet::tr("Exported %1 pages to %2").arg(QString::number(pages), target);
 }
 
-QString Unwritable_Text(const QString& path)
+/// @param problem  may be empty.
+QString Unwritable_Text(const QString& path, const QString& problem)
 {
-    return TQuillet::tr("Could not write %1").arg(QFileInfo(path).fileName());
+    const QString name = QFileInfo(path).fileName();
+    return problem.isEmpty() ? TQuillet::tr("Could not write %1").arg(name)
+                             : TQuillet::tr("Could not write %1: %2").arg(name, problem);
 }
 
 } // namespace
 
 /// Runs an export with a progress bar.
+/// @param problem  receives the reason if a file cannot be written.
 template <typename TExport>
-auto TQuillet::Export(const TExport& run)
+auto TQuillet::Export(const TExport& run, QString* problem)
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
     TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
-    return run(TPageExporter(&d_data, d_display_widget, progress.Steps()));
+    return run(TPageExporter(&d_data, d_display_widget, progress.Steps(), problem));
 }
 
 /// Names a label that is outside of its page, as a further sentence; empty if there is none. Such a
@@ -86,18 +90,20 @@ bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
 {
     const QDateTime time = QDateTime::currentDateTime();
     QString path; // of the last image
-    const bool exported = Export([&](const TPageExporter& exporter) {
-        return exporter.Export_Images(page_ids, [&](int page_id, int counter) {
-            path = ExportNames::Image_Path(folder, d_page_widget->Page_Name(page_id), page_id, time,
-                                           counter);
-            return path;
-        });
-    });
+    QString problem;
+    const auto path_of = [&](int page_id, int counter) {
+        path = ExportNames::Image_Path(folder, d_page_widget->Page_Name(page_id), page_id, time,
+                                       counter);
+        return path;
+    };
+    const bool exported = Export(
+        [&](const TPageExporter& exporter) { return exporter.Export_Images(page_ids, path_of); },
+        &problem);
     if (exported)
         Show_Status(Exported_Text(page_ids.size(), QDir(folder).dirName() + QLatin1Char('/')) +
                     Stray_Text(page_ids));
     else if (!path.isEmpty())
-        Show_Status(Unwritable_Text(path));
+        Show_Status(Unwritable_Text(path, problem));
     return exported;
 }
 
@@ -124,12 +130,14 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
                           const TReportSettings& settings)
 {
     using TOutcome = TPageExporter::TOutcome;
+    QString problem;
     const TOutcome outcome = Export(
-        [&](const TPageExporter& exporter) { return exporter.Export_Pdf(file, pages, settings); });
+        [&](const TPageExporter& exporter) { return exporter.Export_Pdf(file, pages, settings); },
+        &problem);
     if (outcome == TOutcome::Complete)
         Show_Status(Exported_Text(pages.size(), QFileInfo(file).fileName()) + Stray_Text(pages));
     else if (!pages.isEmpty())
-        Show_Status(Unwritable_Text(file));
+        Show_Status(Unwritable_Text(file, problem));
     // An incomplete report is discarded without a question or a message box.
     return outcome != TOutcome::Not_Begun;
 }

@@ -56,10 +56,12 @@ bool Finish_Pdf(const QStringList& bookmarks, TSafeFile* target)
 
 } // namespace
 
-TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TStepReport report)
+TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TStepReport report,
+                             QString* problem)
     : d_data(data)
     , d_view(view)
     , d_report(std::move(report))
+    , d_problem(problem)
 {
 }
 
@@ -68,7 +70,7 @@ bool TPageExporter::Export_Images(const QList<int>& page_ids, const TPathOf& pat
 {
     int counter = 1;
     return Draw_Pages(page_ids, [&](int page_id, const QPixmap& picture) {
-        return Save_Png(picture, path_of(page_id, counter++), png);
+        return Save_Png(picture, path_of(page_id, counter++), png, d_problem);
     });
 }
 
@@ -86,7 +88,7 @@ TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QLi
     Prepare_Printer(target.Path_To_Write(), extras.title, settings, &printer);
     QPainter painter;
     if (!painter.begin(&printer))
-        return TOutcome::Not_Begun;
+        return Fail(target, TOutcome::Not_Begun);
     TReportPainter report(&painter, settings.resolution, settings.header_1, settings.header_2,
                           Page_Rectangle(printer), extras.footer);
     std::optional<TFindingsPainter> list;
@@ -110,7 +112,15 @@ TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QLi
     if (list)
         list->Draw(begin_page);
     painter.end();
-    return Finish_Pdf(extras.bookmarks, &target) ? TOutcome::Complete : TOutcome::Incomplete;
+    return Finish_Pdf(extras.bookmarks, &target) ? TOutcome::Complete
+                                                 : Fail(target, TOutcome::Incomplete);
+}
+
+TPageExporter::TOutcome TPageExporter::Fail(const TSafeFile& target, TOutcome outcome) const
+{
+    if (d_problem)
+        *d_problem = target.Write_Problem();
+    return outcome;
 }
 
 bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TPictureHandler& handler) const
@@ -158,9 +168,10 @@ void TPageExporter::Reload_View() const
         d_view->Show_Page(*page);
 }
 
-bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path, TPng png)
+bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path, TPng png,
+                             QString* problem)
 {
     const QByteArray bytes =
         png == TPng::Fast ? FastPng::Encode(picture.toImage()) : Default_Png(picture);
-    return !bytes.isEmpty() && TSafeFile::Replace(path, bytes);
+    return !bytes.isEmpty() && TSafeFile::Replace(path, bytes, 0, problem);
 }

@@ -13,6 +13,7 @@
 
 class QPixmap;
 class TDisplayWidget;
+class TSafeFile;
 struct TFindings;
 
 /// What a report can have besides TReportOptions. The defaults are those of the window.
@@ -53,7 +54,9 @@ public:
 
     /// @param data, view  not owned.
     /// @param report      is called before a page is drawn, and again before its picture is used.
-    TPageExporter(TData* data, TDisplayWidget* view, TStepReport report = nullptr);
+    /// @param problem     receives the reason if a file cannot be written; may be null, not owned.
+    TPageExporter(TData* data, TDisplayWidget* view, TStepReport report = nullptr,
+                  QString* problem = nullptr);
 
     /// Writes each page with its labels to a PNG file, replacing existing files. Stops and returns
     /// false when a file cannot be written. Returns false when there are no pages.
@@ -70,13 +73,17 @@ public:
     bool Draw_Pages(const QList<int>& page_ids, const TPictureHandler& handler) const;
 
     /// Saves a picture as PNG. On failure, returns false and an existing file is unchanged.
-    static bool Save_Png(const QPixmap& picture, const QString& path, TPng png = TPng::Small);
+    /// @param problem  receives the reason; may be null.
+    static bool Save_Png(const QPixmap& picture, const QString& path, TPng png = TPng::Small,
+                         QString* problem = nullptr);
 
 private:
     void Report_Step(int number, int total) const;
     void Reload_View() const;
+    TOutcome Fail(const TSafeFile& target, TOutcome outcome) const;
 
     TData* d_data;
     TDisplayWidget* d_view;
     TStepReport d_report;
+    QString* d_problem;
 };

@@ -39,6 +39,8 @@ private slots:
     void a_report_is_named_data();
     void a_report_is_named();
     void a_report_that_cannot_be_written_is_named();
+    void a_full_disk_is_named_data();
+    void a_full_disk_is_named();
     void an_export_without_pages_says_nothing();
     void the_idle_line_names_the_document();
     void the_idle_line_marks_unsaved_changes();
@@ -191,7 +193,8 @@ void TestStatusLine::an_image_that_cannot_be_written_is_named()
 {
     Add_Pages(2);
     QVERIFY(!d_window->Export_Images(In("missing"), d_window->d_page_widget->Page_Ids()));
-    QVERIFY2(Line().startsWith("Could not write Page 1-") && Line().endsWith("1.png"),
+    QVERIFY2(Line().startsWith("Could not write Page 1-") &&
+                 Line().endsWith("1.png: No such file or directory"),
              qPrintable(Line()));
 }
 
@@ -215,7 +218,31 @@ void TestStatusLine::a_report_that_cannot_be_written_is_named()
 {
     Add_Pages(1);
     QVERIFY(!Export_Report("missing/report.pdf"));
-    QCOMPARE(Line(), QString("Could not write report.pdf"));
+    QCOMPARE(Line(), QString("Could not write report.pdf: No such file or directory"));
+}
+
+void TestStatusLine::a_full_disk_is_named_data()
+{
+    QTest::addColumn<bool>("is_report");
+    QTest::newRow("report") << true;
+    QTest::newRow("image") << false;
+}
+
+void TestStatusLine::a_full_disk_is_named()
+{
+    QFETCH(bool, is_report);
+    Add_Pages(1);
+    const Support::TChildResult result = Support::Run_In_Child([this, is_report] {
+        Support::Limit_File_Size(20);
+        if (is_report)
+            Export_Report("report.pdf");
+        else
+            d_window->Export_Images(d_folder->path(), d_window->d_page_widget->Page_Ids());
+        // A limit of the size has another reason than a full disk.
+        return Line().endsWith(".p" + QString(is_report ? "df" : "ng") + ": File too large") ? 0
+                                                                                             : 1;
+    });
+    QCOMPARE(result.exit_code, 0);
 }
 
 void TestStatusLine::an_export_without_pages_says_nothing()
