@@ -86,19 +86,18 @@ void TQuillet::Restore_Geometry()
 
 void TQuillet::Narrow_Docks()
 {
-    // The docks show their captions on one line if this leaves the page its share of the window.
-    // Otherwise they get their minimum width.
+    // The page has priority: it gets a fixed share of the window. The docks get their minimum width
+    // and, if there is space left, enough to show their captions on one line.
     constexpr double page_share = 0.42;
-    int left = d_label_dock->minimumSizeHint().width();
-    int right =
+    const int left = d_label_dock->minimumSizeHint().width();
+    const int right =
         qMax(d_page_dock->minimumSizeHint().width(), d_settings_dock->minimumSizeHint().width());
-    const int left_room = PanelParts::Caption_Room(*d_label_widget);
-    const int right_room = PanelParts::Caption_Room(*d_settings_widget);
-    if (left + left_room + right + right_room <= width() * (1.0 - page_share)) {
-        left += left_room;
-        right += right_room;
-    }
-    resizeDocks({d_label_dock, d_page_dock}, {left, right}, Qt::Horizontal);
+    const int spare = static_cast<int>(width() * (1.0 - page_share)) - left - right;
+    const int more_left = qBound(0, spare, PanelParts::Caption_Room(*d_label_widget));
+    const int more_right =
+        qBound(0, spare - more_left, PanelParts::Caption_Room(*d_settings_widget));
+    resizeDocks({d_label_dock, d_page_dock}, {left + more_left, right + more_right},
+                Qt::Horizontal);
 }
 
 void TQuillet::setVisible(bool visible)
