@@ -9,9 +9,9 @@
 /// The image of a page, as encoded bytes, as pixels, or both.
 ///
 /// A scan takes some megabytes as a file, but ten times as much as pixels, and only one page is
-/// shown at a time. So a page image keeps its original bytes and decodes them on demand. The decoded
-/// pixels of all page images are in a cache of limited size, TPixelStore. An image is encoded as PNG
-/// at most once.
+/// shown at a time. So a page image keeps its original bytes and decodes them on demand. The
+/// decoded pixels of all page images are in a cache of limited size, TPixelStore. An image is
+/// encoded as PNG at most once.
 ///
 /// Copies are cheap and share their data. Conversions from and to QImage are implicit. The first
 /// access to pixels, size or isNull() decodes the bytes; size and validity are then kept even when
