@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <QTest>
 
+#include <algorithm>
+
 namespace {
 
 /// Paints an item on white as a view with this scale does.

@@ -6,12 +6,16 @@
 #include "src/settingswidget.h"
 
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDockWidget>
 #include <QFile>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QScrollBar>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 
