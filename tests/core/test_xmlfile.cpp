@@ -7,8 +7,8 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTextCodec>
 #include <QTest>
+#include <QTextCodec>
 
 #include <functional>
 #include <memory>

@@ -5,8 +5,8 @@
 #include "support/support.h"
 
 #include <QDomDocument>
-#include <QTextCodec>
 #include <QTest>
+#include <QTextCodec>
 
 #include <sys/resource.h>
 
