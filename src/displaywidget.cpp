@@ -37,7 +37,7 @@ QPixmap Start_Image()
 TDisplayWidget::TDisplayWidget(const QWidget* parent)
     : QGraphicsView(Parent_Widget(parent))
     , d_scene(new QGraphicsScene(this))
-    , d_background_item(new TPictureItem)
+    , d_background_item(new TPictureItem(Start_Image()))
 {
     d_scene->addItem(d_background_item);
     setScene(d_scene);
@@ -51,7 +51,6 @@ TDisplayWidget::TDisplayWidget(const QWidget* parent)
     d_background_item->setZValue(background_z);
     d_background_item->setTransformationMode(Qt::SmoothTransformation);
     Update_Label_Template();
-    Show_Background(Start_Image(), TBackground::Built_In);
 }
 
 void TDisplayWidget::Set_Background_Image(const QPixmap& pixmap)

@@ -364,7 +364,7 @@ void TestGestures::zooming_keeps_the_point_under_the_pointer_where_the_view_can_
 
 void TestGestures::a_page_smaller_than_the_view_stays_centred()
 {
-    Show_Page(QSize(320, 160));
+    Show_Page(QSize(280, 140));
     d_window->d_data.Set_Active_Page(-1);
     Turn(QPoint(0, -5 * notch), QPointF(5, 5));
     QCOMPARE(Zoom(), -25);
