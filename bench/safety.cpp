@@ -14,6 +14,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
 
 #include <algorithm>
 #include <functional>
