@@ -4,6 +4,7 @@
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "core/safefile.h"
+#include "core/samefile.h"
 #include "core/xmlfile.h"
 #include "src/format/legacyfile.h"
 #include "src/format/projectfile.h"
@@ -16,7 +17,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <sys/stat.h>
 
 namespace {
 
@@ -26,16 +26,6 @@ TDocument Load_Project(const QString& path)
     if (!survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
     return TDocument(survey);
-}
-
-/// Whether two paths are the same file, for example through hard links.
-bool Is_Same_File(const QString& path, const QString& other)
-{
-    struct stat state = {};
-    struct stat other_state = {};
-    return stat(QFile::encodeName(path).constData(), &state) == 0 &&
-           stat(QFile::encodeName(other).constData(), &other_state) == 0 &&
-           state.st_dev == other_state.st_dev && state.st_ino == other_state.st_ino;
 }
 
 /// Whether a path is an input, or the image that belongs to a legacy input.

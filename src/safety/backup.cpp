@@ -1,6 +1,7 @@
 #include "src/safety/backup.h"
 
 #include "core/safefile.h"
+#include "core/samefile.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -68,15 +69,6 @@ bool Is_Replaceable(const QString& document, const struct stat& state, int extra
            state.st_nlink == nlink_t{1} + static_cast<nlink_t>(extra_links) &&
            llistxattr(System_Path(document).constData(), nullptr, 0) <= 0 &&
            QFileInfo(QFileInfo(document).absolutePath()).isWritable();
-}
-
-/// Whether two names are hard links to the same file.
-bool Is_Same_File(const QString& left, const QString& right)
-{
-    struct stat states[2] = {};
-    return lstat(System_Path(left).constData(), &states[0]) == 0 &&
-           lstat(System_Path(right).constData(), &states[1]) == 0 &&
-           states[0].st_dev == states[1].st_dev && states[0].st_ino == states[1].st_ino;
 }
 
 /// Free space on a file system, in bytes.
