@@ -10,7 +10,7 @@
 namespace LogSchema {
 
 constexpr int Application_Id = 0x514c4f47; ///< "QLOG"
-constexpr int Version = 1;
+constexpr int Version = 2;
 
 /// Creates the tables of an empty log.
 constexpr const char* Tables =

@@ -207,7 +207,7 @@ private slots:
         QVERIFY(Leave_Log());
         {
             TDatabase database;
-            QVERIFY(database.Open(Log_Path()) && database.Execute("PRAGMA user_version=2"));
+            QVERIFY(database.Open(Log_Path()) && database.Execute("PRAGMA user_version=3"));
         }
         const TToolResult result = Run({"recover", Log_Path(), "--output", "out"});
         QCOMPARE(result.status, 1);

@@ -196,7 +196,7 @@ void TestLogConversion::an_unreadable_log_stays_data()
     QTest::addColumn<QString>("reason");
     QTest::newRow("no database") << QByteArray() << "not a database";
     QTest::newRow("other database") << QByteArray("PRAGMA application_id=7") << "not a work log";
-    QTest::newRow("later version") << QByteArray("PRAGMA user_version=2") << "another version";
+    QTest::newRow("later version") << QByteArray("PRAGMA user_version=3") << "another version";
     QTest::newRow("missing table") << QByteArray("DROP TABLE labels") << "damaged";
 }
 
