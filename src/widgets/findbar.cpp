@@ -7,17 +7,18 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QStyle>
 #include <QToolButton>
 
 namespace {
 
 constexpr int margin = 4; // pixels
 
-QToolButton* New_Button(const QString& text, const QString& name, const QString& description,
-                        QWidget* parent)
+/// A button without a caption, which leaves room for the result in a narrow window.
+QToolButton* New_Button(const QString& name, const QString& description, QWidget* parent)
 {
     auto* const button = new QToolButton(parent);
-    button->setText(text);
+    button->setAutoRaise(true);
     button->setToolTip(name);
     Accessibility::Describe(button, name, description);
     return button;
@@ -37,12 +38,13 @@ TFindBar::TFindBar(QWidget* parent)
                             tr("The number or a part of the text of a label. Return shows the next "
                                "one on any page, Shift+Return the previous one."));
     d_editor->installEventFilter(this);
-    auto* const previous = New_Button(tr("Previous"), tr("Find Previous"),
-                                      tr("Shows the previous label that matches."), this);
-    auto* const next =
-        New_Button(tr("Next"), tr("Find Next"), tr("Shows the next label that matches."), this);
-    auto* const close =
-        New_Button(tr("Close"), tr("Close Find Bar"), tr("Returns to the page."), this);
+    auto* const previous =
+        New_Button(tr("Find Previous"), tr("Shows the previous label that matches."), this);
+    previous->setArrowType(Qt::UpArrow);
+    auto* const next = New_Button(tr("Find Next"), tr("Shows the next label that matches."), this);
+    next->setArrowType(Qt::DownArrow);
+    auto* const close = New_Button(tr("Close Find Bar"), tr("Returns to the page."), this);
+    close->setIcon(style()->standardIcon(QStyle::SP_DialogCloseButton));
     connect(previous, &QToolButton::clicked, this,
             [this] { Q_EMIT Find_Previous(d_editor->text()); });
     connect(next, &QToolButton::clicked, this, [this] { Q_EMIT Find_Next(d_editor->text()); });
