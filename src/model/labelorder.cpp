@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <utility>
 
 namespace {
 
@@ -21,8 +20,16 @@ double Sortable(double coordinate)
     return std::isnan(coordinate) ? std::numeric_limits<double>::infinity() : coordinate;
 }
 
-std::vector<int> Ordered(std::vector<TPlace> places, int label_size)
+using TCoordinate = double (QPointF::*)() const;
+
+std::vector<int> Ordered(const std::vector<TDataItem>& items, int label_size, TCoordinate along,
+                         TCoordinate across)
 {
+    std::vector<TPlace> places;
+    places.reserve(items.size());
+    for (const TDataItem& item : items)
+        places.push_back(
+            {item.id, Sortable((item.position.*along)()), Sortable((item.position.*across)())});
     std::stable_sort(places.begin(), places.end(), [](const TPlace& left, const TPlace& right) {
         return left.across < right.across;
     });
@@ -46,18 +53,10 @@ std::vector<int> Ordered(std::vector<TPlace> places, int label_size)
 
 std::vector<int> LabelOrder::By_Lines(const std::vector<TDataItem>& items, int label_size)
 {
-    std::vector<TPlace> places;
-    places.reserve(items.size());
-    for (const TDataItem& item : items)
-        places.push_back({item.id, Sortable(item.position.x()), Sortable(item.position.y())});
-    return Ordered(std::move(places), label_size);
+    return Ordered(items, label_size, &QPointF::x, &QPointF::y);
 }
 
 std::vector<int> LabelOrder::By_Columns(const std::vector<TDataItem>& items, int label_size)
 {
-    std::vector<TPlace> places;
-    places.reserve(items.size());
-    for (const TDataItem& item : items)
-        places.push_back({item.id, Sortable(item.position.y()), Sortable(item.position.x())});
-    return Ordered(std::move(places), label_size);
+    return Ordered(items, label_size, &QPointF::y, &QPointF::x);
 }

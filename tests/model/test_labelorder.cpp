@@ -2,6 +2,9 @@
 
 #include "src/model/labelorder.h"
 
+#include "src/model/pageitem.h"
+#include "support/support.h"
+
 #include <QTest>
 
 #include <limits>
@@ -21,18 +24,11 @@ private slots:
     void a_page_without_labels_has_no_order();
 };
 
+using Support::Labels_At;
+
 namespace {
 
 constexpr int label_size = 32;
-
-/// Labels whose ids count from 1.
-std::vector<TDataItem> Labels(const QVector<QPointF>& positions)
-{
-    std::vector<TDataItem> items;
-    for (const QPointF& position : positions)
-        items.push_back({static_cast<int>(items.size()) + 1, 0, QString(), 0, position, false});
-    return items;
-}
 
 void Add_Orders()
 {
@@ -64,7 +60,7 @@ void TestLabelOrder::lines_come_from_the_top_and_labels_from_the_left_data()
 void TestLabelOrder::lines_come_from_the_top_and_labels_from_the_left()
 {
     QFETCH(QVector<QPointF>, positions);
-    QTEST(LabelOrder::By_Lines(Labels(positions), label_size), "ids");
+    QTEST(LabelOrder::By_Lines(Labels_At(positions), label_size), "ids");
 }
 
 void TestLabelOrder::columns_come_from_the_left_and_labels_from_the_top_data()
@@ -81,19 +77,19 @@ void TestLabelOrder::columns_come_from_the_left_and_labels_from_the_top_data()
 void TestLabelOrder::columns_come_from_the_left_and_labels_from_the_top()
 {
     QFETCH(QVector<QPointF>, positions);
-    QTEST(LabelOrder::By_Columns(Labels(positions), label_size), "ids");
+    QTEST(LabelOrder::By_Columns(Labels_At(positions), label_size), "ids");
 }
 
 void TestLabelOrder::a_label_size_below_its_topmost_label_a_line_ends()
 {
-    const std::vector<TDataItem> items = Labels({{300, 50}, {200, 81.9}, {100, 82}});
+    const std::vector<TDataItem> items = Labels_At({{300, 50}, {200, 81.9}, {100, 82}});
     QCOMPARE(LabelOrder::By_Lines(items, label_size), (std::vector<int>{2, 1, 3}));
     QCOMPARE(LabelOrder::By_Lines(items, label_size + 1), (std::vector<int>{3, 2, 1}));
 }
 
 void TestLabelOrder::labels_at_the_same_place_keep_their_order()
 {
-    const std::vector<TDataItem> items = Labels({{50, 50}, {50, 50}, {50, 50}});
+    const std::vector<TDataItem> items = Labels_At({{50, 50}, {50, 50}, {50, 50}});
     QCOMPARE(LabelOrder::By_Lines(items, label_size), (std::vector<int>{1, 2, 3}));
     QCOMPARE(LabelOrder::By_Columns(items, label_size), (std::vector<int>{1, 2, 3}));
 }
@@ -103,7 +99,7 @@ void TestLabelOrder::positions_that_are_no_numbers_come_last()
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     const std::vector<TDataItem> items =
-        Labels({{nan, 50}, {50, nan}, {50, -infinity}, {80, 50}, {infinity, 300}});
+        Labels_At({{nan, 50}, {50, nan}, {50, -infinity}, {80, 50}, {infinity, 300}});
     QCOMPARE(LabelOrder::By_Lines(items, label_size), (std::vector<int>{3, 4, 1, 5, 2}));
 }
 

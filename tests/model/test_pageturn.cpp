@@ -2,11 +2,13 @@
 
 #include "src/model/pageturn.h"
 
+#include "support/project.h"
 #include "support/support.h"
 
 #include <QTest>
 
 using PageTurn::TDirection;
+using Support::Describe_Label;
 
 class TestPageTurn : public QObject
 {
@@ -30,18 +32,6 @@ TPageItem Page()
             Support::Picture(60, 40),
             {{1, 11, "text", 2, {10, 5}, true}, {2, 12, "", 8, {55.25, 80}, false}},
             0};
-}
-
-QString Text(const TDataItem& item)
-{
-    return QString("%1 %2 %3 %4 %5,%6 %7")
-        .arg(item.id)
-        .arg(item.value)
-        .arg(item.text)
-        .arg(item.border_type)
-        .arg(item.position.x())
-        .arg(item.position.y())
-        .arg(item.selected);
 }
 
 } // namespace
@@ -87,8 +77,8 @@ void TestPageTurn::only_the_positions_of_labels_change()
     const TPageItem turned = PageTurn::Turned(Page(), TDirection::Right);
     QCOMPARE(turned.page_id, 7);
     QCOMPARE(turned.data_items.size(), size_t(2));
-    QCOMPARE(Text(turned.data_items[0]), QString("1 11 text 2 35,10 1"));
-    QCOMPARE(Text(turned.data_items[1]), QString("2 12  8 -40,55.25 0"));
+    QCOMPARE(Describe_Label(turned.data_items[0]), QString("label 1 11 'text' 2 35,10 selected"));
+    QCOMPARE(Describe_Label(turned.data_items[1]), QString("label 2 12 '' 8 -40,55.25"));
 }
 
 void TestPageTurn::four_turns_restore_the_page()
@@ -97,7 +87,7 @@ void TestPageTurn::four_turns_restore_the_page()
     for (int turn = 0; turn < 4; ++turn)
         page = PageTurn::Turned(page, TDirection::Right);
     QCOMPARE(Support::Difference(page.image, Page().image), QString());
-    QCOMPARE(Text(page.data_items[1]), Text(Page().data_items[1]));
+    QCOMPARE(Describe_Label(page.data_items[1]), Describe_Label(Page().data_items[1]));
 }
 
 void TestPageTurn::left_and_right_cancel_each_other()
@@ -105,7 +95,7 @@ void TestPageTurn::left_and_right_cancel_each_other()
     const TPageItem page =
         PageTurn::Turned(PageTurn::Turned(Page(), TDirection::Left), TDirection::Right);
     QCOMPARE(Support::Difference(page.image, Page().image), QString());
-    QCOMPARE(Text(page.data_items[0]), Text(Page().data_items[0]));
+    QCOMPARE(Describe_Label(page.data_items[0]), Describe_Label(Page().data_items[0]));
 }
 
 QTEST_MAIN(TestPageTurn)

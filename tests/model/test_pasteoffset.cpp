@@ -2,6 +2,9 @@
 
 #include "src/model/pasteoffset.h"
 
+#include "src/model/pageitem.h"
+#include "support/support.h"
+
 #include <QTest>
 
 class TestPasteOffset : public QObject
@@ -16,20 +19,11 @@ private slots:
     void huge_coordinates_end_the_search();
 };
 
+using Support::Labels_At;
+
 namespace {
 
 constexpr double step = 10.0;
-
-std::vector<TDataItem> Labels(const QVector<QPointF>& positions)
-{
-    std::vector<TDataItem> items;
-    for (const QPointF& position : positions) {
-        TDataItem item;
-        item.position = position;
-        items.push_back(item);
-    }
-    return items;
-}
 
 } // namespace
 
@@ -51,7 +45,7 @@ void TestPasteOffset::labels_stay_where_they_hide_none()
 {
     QFETCH(QVector<QPointF>, pasted);
     QFETCH(QVector<QPointF>, present);
-    QCOMPARE(Paste_Offset(Labels(pasted), Labels(present), step), QPointF(0, 0));
+    QCOMPARE(Paste_Offset(Labels_At(pasted), Labels_At(present), step), QPointF(0, 0));
 }
 
 void TestPasteOffset::labels_move_by_as_many_steps_as_it_takes_data()
@@ -73,13 +67,13 @@ void TestPasteOffset::labels_move_by_as_many_steps_as_it_takes()
     QFETCH(QVector<QPointF>, pasted);
     QFETCH(QVector<QPointF>, present);
     QFETCH(int, steps);
-    QCOMPARE(Paste_Offset(Labels(pasted), Labels(present), step),
+    QCOMPARE(Paste_Offset(Labels_At(pasted), Labels_At(present), step),
              QPointF(step * steps, step * steps));
 }
 
 void TestPasteOffset::huge_coordinates_end_the_search()
 {
-    const std::vector<TDataItem> far = Labels({{1e300, 1e300}});
+    const std::vector<TDataItem> far = Labels_At({{1e300, 1e300}});
     QCOMPARE(Paste_Offset(far, far, step), QPointF(step, step));
 }
 

@@ -106,6 +106,8 @@ private:
               const TFilePlaces& places = {});
     void Save_Document(TSafetyNet* net, const QString& path);
     void Save_And_Change(TSafetyNet* net, const QString& path);
+    Support::TChildResult Run_Without_Backup(const QString& path,
+                                             const std::function<void(TSafetyNet*)>& work);
     void Add_Pages();
     QString Difference() const
     {
@@ -186,6 +188,22 @@ void TestSafetyNet::Save_And_Change(TSafetyNet* net, const QString& path)
     Save_Document(net, path);
     d_document.data.Change_Item_Value(1, 100);
     net->Record_Change(path);
+}
+
+/// Makes backups fail and kills a process after it has saved and changed the document and done
+/// some work.
+Support::TChildResult
+TestSafetyNet::Run_Without_Backup(const QString& path, const std::function<void(TSafetyNet*)>& work)
+{
+    Add_Pages();
+    Write_File(In("settings/backup"), "in the way");
+    return Support::Run_In_Child([&] {
+        const auto net = Net();
+        Save_And_Change(net.get(), path);
+        work(net.get());
+        kill(getpid(), SIGKILL);
+        return 0;
+    });
 }
 
 void TestSafetyNet::Add_Pages()
@@ -726,15 +744,9 @@ void TestSafetyNet::a_save_after_a_save_leaves_a_whole_log()
 void TestSafetyNet::everything_is_stored_before_a_document_without_backup_is_overwritten()
 {
     const QString path = In("a.quillet");
-    Add_Pages();
-    Write_File(In("settings/backup"), "in the way");
-    const Support::TChildResult result = Support::Run_In_Child([&] {
-        const auto net = Net();
-        Save_And_Change(net.get(), path);
+    const Support::TChildResult result = Run_Without_Backup(path, [&](TSafetyNet* net) {
         QFile file(path);
         net->Open_For_Saving(&file, 1, &d_other_version);
-        kill(getpid(), SIGKILL);
-        return 0;
     });
     QCOMPARE(result.signal, SIGKILL);
     QCOMPARE(Read_File(path), QByteArray());
@@ -781,11 +793,7 @@ void TestSafetyNet::a_document_without_another_complete_copy_needs_room_to_be_ov
 void TestSafetyNet::changes_that_could_not_be_stored_are_stored_by_a_save()
 {
     const QString path = In("a.quillet");
-    Add_Pages();
-    Write_File(In("settings/backup"), "in the way");
-    const Support::TChildResult result = Support::Run_In_Child([&] {
-        const auto net = Net();
-        Save_And_Change(net.get(), path);
+    const Support::TChildResult result = Run_Without_Backup(path, [&](TSafetyNet* net) {
         rlimit limit = {};
         getrlimit(RLIMIT_FSIZE, &limit);
         // Unlike Limit_File_Size, for a while.
@@ -800,11 +808,8 @@ void TestSafetyNet::changes_that_could_not_be_stored_are_stored_by_a_save()
         net->Record_Change(path);
         setrlimit(RLIMIT_FSIZE, &limit);
         QFile file(path);
-        if (!net->Open_For_Saving(&file, 1, &d_other_version))
-            return 1;
-        Write_File(In("expected"), Support::Project_Of(d_document));
-        kill(getpid(), SIGKILL);
-        return 2;
+        if (net->Open_For_Saving(&file, 1, &d_other_version))
+            Write_File(In("expected"), Support::Project_Of(d_document));
     });
     QCOMPARE(result.signal, SIGKILL);
     QCOMPARE(Support::Byte_Difference(Only_Log(), Read_File(In("expected"))), QString());

@@ -1,6 +1,7 @@
 #include "support/support.h"
 
 #include "src/format/projectfile.h"
+#include "src/model/pageitem.h"
 
 #include <QBuffer>
 #include <QDateTime>
@@ -45,6 +46,14 @@ QByteArray Png(const QImage& image)
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
     return bytes;
+}
+
+std::vector<TDataItem> Labels_At(const QVector<QPointF>& positions)
+{
+    std::vector<TDataItem> labels;
+    for (const QPointF& position : positions)
+        labels.push_back({static_cast<int>(labels.size()) + 1, 0, QString(), 0, position, false});
+    return labels;
 }
 
 QString Difference(const QImage& actual, const QImage& expected)

@@ -2,10 +2,15 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <QPointF>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include <functional>
+#include <vector>
+
+struct TDataItem;
 
 /// Helpers for all tests: images, child processes, assertions and files.
 namespace Support {
@@ -15,6 +20,9 @@ QImage Picture(int width, int height, int seed = 0);
 
 /// An image as PNG bytes, as QImage::save encodes them at default quality.
 QByteArray Png(const QImage& image);
+
+/// Labels at these centres, with ids that count from 1.
+std::vector<TDataItem> Labels_At(const QVector<QPointF>& positions);
 
 /// Both sizes when they differ, or the first pixel that differs with both colours; empty for equal
 /// images. Ignores the formats.
