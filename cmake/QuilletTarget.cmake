@@ -1,6 +1,7 @@
 # Options shared by all targets: warnings, assertions, paths and instrumentation.
 
-# Assertions stay on in every build type, even if a toolchain file defines NDEBUG.
+# CMake defines NDEBUG in release builds, and toolchain files may. Assertions stay on in all of them:
+# a damaged project file must end the program, and not become a document with wrong labels.
 foreach(build_type RELEASE RELWITHDEBINFO MINSIZEREL)
     string(REGEX REPLACE "[-/]DNDEBUG *" "" CMAKE_CXX_FLAGS_${build_type} "${CMAKE_CXX_FLAGS_${build_type}}")
 endforeach()

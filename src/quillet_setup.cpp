@@ -129,8 +129,7 @@ void TQuillet::Create_Status_Bar()
     Accessibility::Describe(
         d_zoom_slider, tr("Image Magnification"),
         tr("The scale of the page. Ctrl and the mouse wheel over the page change it, and so do "
-           "Ctrl "
-           "with plus and minus. Ctrl+0 fits the page, Ctrl+1 shows its original size."));
+           "Ctrl with plus and minus. Ctrl+0 fits the page, Ctrl+1 shows its original size."));
     d_zoom_label = new QLabel(tr("1.00 X"), zoom);
     zoom_caption->setBuddy(d_zoom_slider);
 
@@ -190,8 +189,7 @@ void TQuillet::Create_Central_Widget()
     const QString use = tr(
         "The page with its labels. Arrow keys scroll it; with Ctrl they move the labels that are "
         "selected in the item list by one pixel of the page image, with Ctrl and Shift by ten. "
-        "Return "
-        "edits the text of a label.");
+        "Return edits the text of a label.");
     for (QWidget* const widget :
          {static_cast<QWidget*>(d_display_widget), d_display_widget->viewport()})
         Accessibility::Describe(widget, tr("Page"), use);

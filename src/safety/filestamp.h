@@ -42,3 +42,8 @@ inline bool operator==(const TWorkDocument& first, const TWorkDocument& second)
 {
     return first.path == second.path && first.stamp == second.stamp;
 }
+
+inline bool operator!=(const TWorkDocument& first, const TWorkDocument& second)
+{
+    return !(first == second);
+}

@@ -11,8 +11,8 @@ namespace {
 // Layout of the file. Numbers are big-endian.
 constexpr int header_size = 32;
 constexpr int frame_header_size = 24;
-constexpr int size_offset =
-    4; ///< in a frame; the number is not zero if the frame ends a transaction
+/// In the header of a frame. The number is not zero if the frame ends a transaction.
+constexpr int size_offset = 4;
 constexpr int frame_salt_offset = 8;
 constexpr int header_salt_offset = 16;
 constexpr int salt_size = 4; ///< of each of two salts

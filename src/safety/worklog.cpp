@@ -45,7 +45,7 @@ bool TWorkLog::Update(const TWorkState& state, TBaseFile* base, const TWorkDocum
         return false;
     }
     // Save As may have changed the document's path.
-    if (!(document == d_document) && d_note.Write(document))
+    if (document != d_document && d_note.Write(document))
         d_document = document;
     return d_writer->Update(state, *base, document);
 }
