@@ -10,6 +10,12 @@ namespace {
 
 const char* const help_option = "help";
 
+/// Whether one of the arguments is the option that shows the help.
+bool Names_Help(const QStringList& arguments)
+{
+    return arguments.contains(QStringLiteral("-h")) || arguments.contains(QStringLiteral("--help"));
+}
+
 } // namespace
 
 TCommandLine::TCommandLine(const QString& summary, const QStringList& arguments)
@@ -57,7 +63,8 @@ bool TCommandLine::Parse()
 {
     // The parser skips the first argument, which it takes for the program's name.
     const bool is_valid = d_parser.parse(QStringList{QString()} + d_arguments);
-    if (d_parser.isSet(help_option)) {
+    // "-photo.png" contains "-h" to the parser.
+    if (is_valid ? d_parser.isSet(help_option) : Names_Help(d_arguments)) {
         Terminal::Print_Raw(d_parser.helpText().toUtf8());
         return false;
     }

@@ -163,7 +163,7 @@ void Commands::Create(TCommandLine* line)
 
     const TInputOptions options = Input_Options(*line);
     const QString output = line->Text(CommonOptions::Output);
-    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
     const QStringList paths = Expand_Folders(line->Arguments());
     Files::Check_Is_No_Input(output, paths);
     std::vector<TInputFile> files = Open_Inputs(paths, options);
@@ -194,8 +194,8 @@ void Commands::Reindex(TCommandLine* line)
                                          std::numeric_limits<int>::max());
     const int method = line->Code(step_option, steps);
     const QString output = line->Text(CommonOptions::Output);
-    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
     Files::Check_Is_No_Legacy_Input(output, line->Argument());
+    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
     TDocument document = Files::Load(line->Argument());
     Number_Pages(document.Page_Ids(), first_value, method, &document.data);
     Files::Save(output, document);

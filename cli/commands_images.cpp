@@ -107,9 +107,14 @@ void Commands::Export_Images(TCommandLine* line)
         TTerminalProgress progress(Tr("Exporting page %1 of %2"));
         const TPageView view(&input->document, progress.Steps(), job.Has_Halo());
         QString last_path;
-        const auto path_of = [&](int, int counter) { return last_path = paths.at(counter - 1); };
+        const auto path_of = [&](int, int counter) {
+            if (counter > 1)
+                job.Mark_Written(last_path);
+            return last_path = paths.at(counter - 1);
+        };
         if (!view.Exporter().Export_Images(input->Page_Ids(), path_of, png))
             Files::Throw_Write_Error(last_path);
+        job.Mark_Written(last_path);
     });
 }
 

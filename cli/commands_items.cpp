@@ -98,9 +98,9 @@ void Commands::Import_Items(TCommandLine* line)
 
     const QString output = line->Text(CommonOptions::Output);
     const QString table = line->Text(CommonOptions::Csv);
-    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
-    Files::Check_Is_No_Input(output, {table});
     Files::Check_Is_No_Legacy_Input(output, line->Argument());
+    Files::Check_Is_No_Input(output, {table});
+    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
     TDocument document = Files::Load(line->Argument());
     const auto labels = Labels_By_Page(Read_Table(table), table, document.pages.size());
     for (std::size_t index = 0; index < labels.size(); ++index) {

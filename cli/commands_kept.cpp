@@ -102,6 +102,8 @@ void Commands::Kept(TCommandLine* line)
     const QString output = line->Text(CommonOptions::Output);
     if (static_cast<std::size_t>(number) > files.size())
         throw TJobError{QString::number(number), Tr("there is no copy with this number")};
-    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
-    Copy_Kept_File(files[static_cast<std::size_t>(number) - 1].file, output);
+    const TKeptFile& file = files[static_cast<std::size_t>(number) - 1].file;
+    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Input(output, {file.path});
+    Copy_Kept_File(file, output);
 }

@@ -200,5 +200,6 @@ void Commands::Export_Pdf(TCommandLine* line)
             Report_Extras(*line, findings));
         if (outcome != TPageExporter::TOutcome::Complete)
             Files::Throw_Write_Error(path);
+        job.Mark_Written(path);
     });
 }

@@ -29,7 +29,7 @@ void Commands::Recover(TCommandLine* line)
 
     const QString path = line->Argument();
     const QString output = line->Text(CommonOptions::Output);
-    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
     if (LegacyFile::Is_Legacy(path))
         throw TJobError{path,
                         Tr("is a file of an earlier generation; only projects can be recovered")};

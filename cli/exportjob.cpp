@@ -5,6 +5,7 @@
 #include "cli/files.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
+#include "core/samefile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -69,7 +70,11 @@ void TExportJob::Run(const std::function<void(TExportInput*)>& export_document)
 
 void TExportJob::Add_File(const QString& path, const QJsonObject& details)
 {
-    if (d_files.contains(path))
+    const bool exists = QFileInfo::exists(path);
+    // Links may give a file several names.
+    const auto is_same = [&path](const QString& file) { return Is_Same_File(path, file); };
+    if (d_files.contains(path) ||
+        (exists && std::any_of(d_files.cbegin(), d_files.cend(), is_same)))
         throw TJobError{path, Tr("would be written twice")};
     Files::Check_Output(path, d_line.Is_Set(CommonOptions::Force));
     Files::Check_Is_No_Input(path, d_line.Arguments());
@@ -77,7 +82,13 @@ void TExportJob::Add_File(const QString& path, const QJsonObject& details)
     QJsonObject entry = details;
     entry.insert(QStringLiteral("path"), path);
     d_details.append(entry);
-    if (!QFileInfo::exists(path))
+    if (!exists)
+        d_missing_files += path;
+}
+
+void TExportJob::Mark_Written(const QString& path)
+{
+    if (d_missing_files.contains(path))
         d_new_files += path;
 }
 

@@ -55,6 +55,9 @@ public:
     /// @param details  what the list in JSON says about it.
     void Add_File(const QString& path, const QJsonObject& details);
 
+    /// Notes that a file of the list is written, so that it is removed if the job fails.
+    void Mark_Written(const QString& path);
+
     bool Has_Halo() const;
 
 private:
@@ -63,7 +66,8 @@ private:
     const TCommandLine& d_line;
     std::vector<TPageRange> d_ranges; ///< empty for all pages
     QStringList d_files;
-    QJsonArray d_details; ///< of each file
-    QStringList d_new_files;
+    QJsonArray d_details;        ///< of each file
+    QStringList d_missing_files; ///< those that did not exist when they were added
+    QStringList d_new_files;     ///< those of them that are written
     bool d_is_finished = false;
 };

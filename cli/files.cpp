@@ -28,6 +28,11 @@ TDocument Load_Project(const QString& path)
     return TDocument(survey);
 }
 
+[[noreturn]] void Throw_Exists(const QString& path)
+{
+    throw TJobError{path, Tr("already exists; use --force to overwrite it")};
+}
+
 /// Whether a path is an input, or the image that belongs to a legacy input.
 bool Is_Input(const QString& path, const QString& input)
 {
@@ -87,17 +92,28 @@ void Files::Check_Output(const QString& path, bool force)
 {
     const QFileInfo file(path);
     const QFileInfo folder(file.path());
+    // Not even one that appears later.
+    if (!force)
+        TSafeFile::Keep_Existing_Files();
     if (path.isEmpty() || file.isDir())
         throw TJobError{path, Tr("is not a valid file name")};
     if (file.exists() && !file.isFile())
         throw TJobError{path, Tr("is not a regular file")};
     if (file.exists() && !force)
-        throw TJobError{path, Tr("already exists; use --force to overwrite it")};
+        Throw_Exists(path);
     if (!folder.isDir())
         throw TJobError{path, Tr("the folder does not exist")};
     // The file is replaced by a new one, so its folder has to be writable, too.
     if (!folder.isWritable() || (file.exists() && !file.isWritable()))
         throw TJobError{path, Tr("is write-protected")};
+}
+
+void Files::Check_Project_Output(const QString& path, bool force)
+{
+    if (LegacyFile::Has_Suffix(path))
+        throw TJobError{path, Tr("has the suffix of a file of an earlier generation; projects "
+                                 "usually end in .quillet")};
+    Check_Output(path, force);
 }
 
 void Files::Check_Is_No_Input(const QString& output, const QStringList& inputs)
@@ -187,5 +203,8 @@ QString Files::Describe(const TProjectDefect& defect)
 
 void Files::Throw_Write_Error(const QString& path)
 {
+    // Without --force, the file did not exist when the command began.
+    if (TSafeFile::Is_Keeping_Existing_Files() && QFileInfo::exists(path))
+        Throw_Exists(path);
     throw TJobError{path, Tr("cannot be written")};
 }

@@ -29,6 +29,9 @@ void Check_Folder(const QString& path);
 /// @param force  accepts an existing file.
 void Check_Output(const QString& path, bool force);
 
+/// The same for a project, which must not have the suffix of a file of an earlier generation.
+void Check_Project_Output(const QString& path, bool force);
+
 /// Checks that an output does not overwrite an input. Even --force does not allow that, because the
 /// inputs and outputs of these commands are different types of files.
 void Check_Is_No_Input(const QString& output, const QStringList& inputs);

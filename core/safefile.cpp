@@ -35,6 +35,16 @@ bool Rename(const QString& from, const QString& to)
     return std::rename(System_Path(from).constData(), System_Path(to).constData()) == 0;
 }
 
+/// Renames a file. Fails if there is a file with the new name.
+bool Rename_To_New(const QString& from, const QString& to)
+{
+    if (renameat2(AT_FDCWD, System_Path(from).constData(), AT_FDCWD, System_Path(to).constData(),
+                  RENAME_NOREPLACE) == 0)
+        return true;
+    // Some file systems do not support the flag.
+    return errno == EINVAL && !QFileInfo::exists(to) && Rename(from, to);
+}
+
 /// Gives a file the permissions of the file that it replaces, or those of a new file.
 bool Copy_Mode(const QString& from, const QString& to)
 {
@@ -105,6 +115,8 @@ QString Target_Of(const QString& path)
 
 } // namespace
 
+bool TSafeFile::d_keeps_existing_files = false;
+
 TSafeFile::TSafeFile(const QString& path, TKind kind, int extra_links)
     : d_target(Target_Of(path))
     , d_kind(kind)
@@ -112,7 +124,7 @@ TSafeFile::TSafeFile(const QString& path, TKind kind, int extra_links)
 {
     const QFileInfo target(d_target);
     // A device or a write-protected file is opened directly, with the same success or failure.
-    if (target.exists() && (!target.isFile() || !target.isWritable()))
+    if (!d_keeps_existing_files && target.exists() && (!target.isFile() || !target.isWritable()))
         return;
     d_file =
         std::make_unique<QTemporaryFile>(target.path() + QLatin1Char('/') + Unfinished_Template());
@@ -156,9 +168,11 @@ bool TSafeFile::Commit(const std::function<bool(const QString&)>& is_complete, T
 
 bool TSafeFile::Replace_Target(TReach reach)
 {
-    if (d_kind == TKind::Like_Target && Must_Keep_Inode(d_target, d_extra_links))
+    if (!d_keeps_existing_files && d_kind == TKind::Like_Target &&
+        Must_Keep_Inode(d_target, d_extra_links))
         return Overwrite_Target(reach);
-    if (!Rename(Path_To_Write(), d_target))
+    const auto rename = d_keeps_existing_files ? Rename_To_New : Rename;
+    if (!rename(Path_To_Write(), d_target))
         return false;
     d_file->setAutoRemove(false);
     return true;

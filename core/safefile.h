@@ -77,6 +77,10 @@ public:
     static bool Replace(const QString& path, const QByteArray& content, int extra_links = 0,
                         QString* problem = nullptr);
 
+    /// From now on, Commit() fails instead of replacing an existing file.
+    static void Keep_Existing_Files() { d_keeps_existing_files = true; }
+    static bool Is_Keeping_Existing_Files() { return d_keeps_existing_files; }
+
     /// Writes a file's content, or a folder's entries, to the disk.
     static bool Sync(const QString& path);
 
@@ -91,6 +95,8 @@ private:
     bool Replace_Target(TReach reach);
     bool Overwrite_Target(TReach reach);
     QString Make_Visible();
+
+    static bool d_keeps_existing_files;
 
     QString d_target;
     std::optional<TUnfinishedFile> d_registration; ///< of the new file

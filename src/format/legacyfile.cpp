@@ -11,6 +11,7 @@
 namespace {
 
 const QLatin1String list_suffix(".qld");
+const QLatin1String image_suffix(".qli");
 
 /// Reads the text of an element within a group below the root.
 QString Read_Setting(const TXmlFile& xml_file, const QString& group, const QString& name)
@@ -35,6 +36,11 @@ bool LegacyFile::Is_Legacy(const QString& path)
     return path.endsWith(list_suffix, Qt::CaseInsensitive);
 }
 
+bool LegacyFile::Has_Suffix(const QString& path)
+{
+    return Is_Legacy(path) || path.endsWith(image_suffix, Qt::CaseInsensitive);
+}
+
 QString LegacyFile::Base_Name(const QString& path)
 {
     return path.left(path.size() - list_suffix.size());
@@ -42,7 +48,7 @@ QString LegacyFile::Base_Name(const QString& path)
 
 QString LegacyFile::Image_Path(const QString& base_name)
 {
-    return base_name + QStringLiteral(".qli");
+    return base_name + image_suffix;
 }
 
 TFilePage LegacyFile::Read_Pair(const QString& base_name, const TReadList& read_list)

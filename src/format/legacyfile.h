@@ -19,6 +19,9 @@ namespace LegacyFile {
 /// Whether a path has the suffix of an item list, in upper or lower case.
 bool Is_Legacy(const QString& path);
 
+/// Whether a path has the suffix of an item list or of an image, in upper or lower case.
+bool Has_Suffix(const QString& path);
+
 /// The common path of a pair of files: the path of its item list without the suffix.
 QString Base_Name(const QString& path);
 

@@ -194,12 +194,12 @@ TPageImage TPageImage::From_Part(const QByteArray& whole, int offset, int length
 TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_format,
                                  TOrientation orientation)
 {
-    QImageReader header_reader(path, wanted_format);
-    if (Declares_Too_Many_Pixels(&header_reader))
+    // Not QImageReader(path), which tries suffixes if there is no such file.
+    QFile header(path);
+    QImageReader header_reader(&header, wanted_format);
+    if (!header.open(QIODevice::ReadOnly) || Declares_Too_Many_Pixels(&header_reader))
         return TPageImage();
-    // QImageReader also finds a file if its suffix is missing in the path.
-    const QString found_path = header_reader.fileName();
-    TWatchedDevice<QFile> watched(found_path);
+    TWatchedDevice<QFile> watched(path);
     QImageReader reader(&watched, wanted_format);
     const TDecoding decoding{reader.format(), 0, orientation};
     Prepare(decoding, &reader);
@@ -209,7 +209,7 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
         return TPageImage();
     // Qt takes an image named "name@2x.png" for one of half the size.
     image.setDevicePixelRatio(1.0);
-    QFile file(found_path);
+    QFile file(path);
     const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (bytes.isEmpty() || bytes.size() != file.size())
         return TPageImage(image);
@@ -222,7 +222,8 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
 
 int TPageImage::Picture_Count(const QString& path)
 {
-    QImageReader reader(path);
+    QFile file(path);
+    QImageReader reader(&file);
     return reader.format() == "tiff" ? qMax(1, reader.imageCount()) : 1;
 }
 

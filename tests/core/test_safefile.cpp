@@ -75,6 +75,7 @@ private slots:
     void a_file_with_more_hard_links_than_extra_links_keeps_all();
     void a_file_of_another_user_keeps_its_owner_data();
     void a_file_of_another_user_keeps_its_owner();
+    void a_file_that_appears_can_be_kept();
     void a_failed_overwrite_leaves_the_complete_new_file_data();
     void a_failed_overwrite_leaves_the_complete_new_file();
     void a_signal_while_overwriting_leaves_the_complete_new_file_and_names_it();
@@ -590,6 +591,22 @@ void TestSafeFile::a_file_is_synced_even_without_standard_input()
         return TSafeFile::Sync(In("file")) ? 0 : 1;
     });
     QCOMPARE(result.exit_code, 0);
+}
+
+void TestSafeFile::a_file_that_appears_can_be_kept()
+{
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        TSafeFile::Keep_Existing_Files();
+        TSafeFile late(In("late"));
+        Write_File(late.Path_To_Write(), "new");
+        Write_File(In("late"), "other");
+        TSafeFile in_time(In("in time"));
+        Write_File(in_time.Path_To_Write(), "new");
+        return !late.Commit(Accept) && in_time.Commit(Accept) ? 0 : 1;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(In("late")), QByteArray("other"));
+    QCOMPARE(Read_File(In("in time")), QByteArray("new"));
 }
 
 QTEST_MAIN(TestSafeFile)
