@@ -90,7 +90,7 @@ QStringList Defects(const QString& path)
         try {
             LegacyFile::Read(path);
         } catch (const TXmlFileException& exception) {
-            defects += exception.Message();
+            defects += exception.Placed_Message();
         }
         return defects;
     }

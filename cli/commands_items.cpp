@@ -15,26 +15,27 @@
 
 namespace {
 
-std::vector<TItemRow> Read_Table(const QString& path)
-{
-    try {
-        return ItemTable::Read(Files::Read(path));
-    } catch (const TCsvException& exception) {
-        throw TJobError{path, Tr("line %1: %2").arg(exception.Line()).arg(exception.Message())};
-    }
-}
-
 /// Groups the labels of a table by page.
+/// @throws TCsvException for a page that the document does not have.
 std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& rows,
-                                                   const QString& table, std::size_t page_count)
+                                                   std::size_t page_count)
 {
     std::vector<std::vector<TDataItem>> labels(page_count);
     for (const TItemRow& row : rows) {
         if (row.page < 1 || static_cast<std::size_t>(row.page) > page_count)
-            throw TJobError{table, Tr("line %1: there is no page %2").arg(row.line).arg(row.page)};
+            throw TCsvException(Tr("there is no page %1").arg(row.page), row.place);
         labels[static_cast<std::size_t>(row.page) - 1].push_back(row.item);
     }
     return labels;
+}
+
+std::vector<std::vector<TDataItem>> Read_Labels(const QString& table, std::size_t page_count)
+{
+    try {
+        return Labels_By_Page(ItemTable::Read(Files::Read(table)), page_count);
+    } catch (const TCsvException& exception) {
+        throw TJobError{table, exception.Placed_Message()};
+    }
 }
 
 /// Replaces line breaks with blanks: a label has one line.
@@ -102,7 +103,7 @@ void Commands::Import_Items(TCommandLine* line)
     Files::Check_Is_No_Input(output, {table});
     Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
     TDocument document = Files::Load(line->Argument());
-    const auto labels = Labels_By_Page(Read_Table(table), table, document.pages.size());
+    const auto labels = Read_Labels(table, document.pages.size());
     for (std::size_t index = 0; index < labels.size(); ++index) {
         document.data.Set_Active_Page(document.pages[index].page_id);
         Add_Labels(labels[index], &document.data);

@@ -70,7 +70,7 @@ TDocument Files::Load(const QString& path)
     try {
         return TDocument(LegacyFile::Read(path));
     } catch (const TXmlFileException& exception) {
-        throw TJobError{path, exception.Message()};
+        throw TJobError{path, exception.Placed_Message()};
     }
 }
 

@@ -17,7 +17,7 @@ TFindingsTable Read_Table(const QString& path)
     try {
         return TFindingsTable::Read(Files::Read(path));
     } catch (const TCsvException& exception) {
-        throw TJobError{path, Tr("line %1: %2").arg(exception.Line()).arg(exception.Message())};
+        throw TJobError{path, exception.Placed_Message()};
     }
 }
 

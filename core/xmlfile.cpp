@@ -3,6 +3,7 @@
 #include "core/xmlguard.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QDomImplementation>
 #include <QFile>
 #include <QFileInfo>
@@ -22,14 +23,24 @@ const QLatin1String version_attribute("File_Version");
     throw TXmlFileException(message, TXmlFileException::Data_Error);
 }
 
+/// Throws the error of a node that was read from a document.
+[[noreturn]] void Throw_Node_Error(const QDomNode& node, const QString& message)
+{
+    const QString reason = message.mid(message.indexOf(QLatin1Char(' '))).trimmed();
+    throw TXmlFileException(message, TXmlFileException::Data_Error, reason,
+                            qMax(0, node.lineNumber()), qMax(0, node.columnNumber()));
+}
+
 [[noreturn]] void Throw_File_Error(const QString& message)
 {
     throw TXmlFileException(message, TXmlFileException::File_Error);
 }
 
-[[noreturn]] void Throw_Missing_Node(const QString& name, const QString& parent_name)
+[[noreturn]] void Throw_Missing_Node(const QDomNode& parent, const QString& name,
+                                     const QString& parent_name)
 {
-    Throw_Data_Error(QStringLiteral("ERR: Node '%1' is missing from node '%2' and not optional.")
+    Throw_Node_Error(parent,
+                     QStringLiteral("ERR: Node '%1' is missing from node '%2' and not optional.")
                          .arg(name, parent_name));
 }
 
@@ -41,7 +52,8 @@ QString Child_Text(const QDomNode& node, const QString& name, bool optional)
     if (child.isText())
         return child.nodeValue();
     if (!optional)
-        Throw_Data_Error(QStringLiteral("ERR: Node Text for '%1' is not optional.").arg(name));
+        Throw_Node_Error(node,
+                         QStringLiteral("ERR: Node Text for '%1' is not optional.").arg(name));
     return QString();
 }
 
@@ -51,8 +63,8 @@ QString Attribute_Value(const QDomNode& node, const QString& name, bool optional
         Throw_Data_Error(QStringLiteral("ERR:  Cannot read attribute from a NULL node"));
     const QDomNode attribute = node.attributes().namedItem(name);
     if (attribute.isNull() && !optional)
-        Throw_Data_Error(
-            QStringLiteral("ERR: Node attribute '%1' missing and not optional.").arg(name));
+        Throw_Node_Error(
+            node, QStringLiteral("ERR: Node attribute '%1' missing and not optional.").arg(name));
     return attribute.nodeValue();
 }
 
@@ -63,7 +75,7 @@ QDomElement Child_Element(const QDomNode& node, const QString& node_name, const 
         Throw_Data_Error(QStringLiteral("ERR:  Cannot get child from a NULL node"));
     const QDomElement child = node.firstChildElement(name);
     if (child.isNull() && !optional)
-        Throw_Missing_Node(name, node_name);
+        Throw_Missing_Node(node, name, node_name);
     return child;
 }
 
@@ -100,6 +112,13 @@ QString Fixed(double value, int precision)
 }
 
 } // namespace
+
+QString TXmlFileException::Placed_Message() const
+{
+    return d_line < 1 ? d_message
+                      : QCoreApplication::translate("TXmlFile", "line %1, column %2: %3")
+                            .arg(QString::number(d_line), QString::number(d_column), d_reason);
+}
 
 TXmlFile::TXmlFile()
 {
@@ -172,22 +191,26 @@ void TXmlFile::Load(const QByteArray& data, bool namespace_processing, const QSt
     // The parser's text comes first, then the line and the column, although the pattern suggests
     // another order. Existing messages have this order.
     if (defect)
-        Throw_Data_Error(error_pattern.arg(defect->message, QString::number(defect->line),
-                                           QString::number(defect->column)));
+        throw TXmlFileException(error_pattern.arg(defect->message, QString::number(defect->line),
+                                                  QString::number(defect->column)),
+                                TXmlFileException::Data_Error, defect->message, defect->line,
+                                defect->column);
 }
 
 void TXmlFile::Identify(const QString& identification, int* version)
 {
     d_root_element = documentElement();
     if (d_root_element.tagName() != identification)
-        Throw_Data_Error(QStringLiteral("ERR:  Identification '%1' does not match '%2'")
+        Throw_Node_Error(d_root_element,
+                         QStringLiteral("ERR:  Identification '%1' does not match '%2'")
                              .arg(identification, d_root_element.tagName()));
     d_doctype_name = doctype().name();
     d_identification = identification;
     if (!version)
         return;
     if (!d_root_element.hasAttribute(version_attribute))
-        Throw_Data_Error(QStringLiteral("ERR: The 'File_Version' attribute is missing."));
+        Throw_Node_Error(d_root_element,
+                         QStringLiteral("ERR: The 'File_Version' attribute is missing."));
     *version = d_root_element.attribute(version_attribute).toInt();
 }
 
@@ -235,7 +258,7 @@ QDomElement TXmlFile::Get_Sibling_Node(const QDomElement* current_node, const QS
         Throw_Data_Error(QStringLiteral("ERR:  Cannot get sibling from a NULL node"));
     const QDomElement sibling = current_node->nextSiblingElement(name);
     if (sibling.isNull() && !optional)
-        Throw_Missing_Node(name, current_node->tagName());
+        Throw_Missing_Node(*current_node, name, current_node->tagName());
     return sibling;
 }
 

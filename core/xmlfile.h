@@ -17,17 +17,32 @@ public:
     };
 
     TXmlFileException(const QString& message, TExceptionType type)
+        : TXmlFileException(message, type, message, 0, 0)
+    {
+    }
+    /// @param reason        the message without the place.
+    /// @param line, column  of the fault in the document, from 1; 0 if unknown.
+    TXmlFileException(const QString& message, TExceptionType type, const QString& reason, int line,
+                      int column)
         : d_message(message)
         , d_type(type)
+        , d_reason(reason)
+        , d_line(line)
+        , d_column(column)
     {
     }
 
     QString Message() const { return d_message; }
     TExceptionType Type() const { return d_type; }
+    /// "line 3, column 7: reason"; the message if the place is unknown.
+    QString Placed_Message() const;
 
 private:
     QString d_message;
     TExceptionType d_type;
+    QString d_reason;
+    int d_line;
+    int d_column;
 };
 
 /// An XML document. The name of the root element identifies the kind of document, and its attribute

@@ -30,7 +30,7 @@ QByteArray FindingsData::Csv(const TFindings& findings)
     std::vector<TItemRow> rows;
     for (const TFindingsPage& page : findings.pages) {
         for (const TFinding& finding : page.rows)
-            rows.push_back({page.number, finding.label, 0, finding.cells});
+            rows.push_back({page.number, finding.label, {}, finding.cells});
     }
     return ItemTable::Write(rows, findings.headings);
 }

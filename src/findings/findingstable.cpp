@@ -43,7 +43,8 @@ TTableReader::TTableReader(const TCsvRecord& header)
             d_unnamed_indexes.push_back(index);
         } else if (!ItemTable::Columns().contains(name, Qt::CaseInsensitive)) {
             if (d_headings.contains(name))
-                throw TCsvException(tr("there are two columns \"%1\"").arg(name), header.line);
+                throw TCsvException(tr("there are two columns \"%1\"").arg(name),
+                                    header.Place(index));
             d_headings += name;
             d_indexes.push_back(index);
         }
@@ -58,11 +59,11 @@ int TTableReader::Index(const TCsvRecord& header, const QString& name)
         if (header.fields.at(index).trimmed().compare(name, Qt::CaseInsensitive) != 0)
             continue;
         if (found >= 0)
-            throw TCsvException(tr("there are two columns \"%1\"").arg(name), header.line);
+            throw TCsvException(tr("there are two columns \"%1\"").arg(name), header.Place(index));
         found = index;
     }
     if (found < 0)
-        throw TCsvException(tr("there is no column \"%1\"").arg(name), header.line);
+        throw TCsvException(tr("there is no column \"%1\"").arg(name), header.Place());
     return found;
 }
 
@@ -71,10 +72,11 @@ TFindingsRow TTableReader::Row(const TCsvRecord& record) const
     Check_Fields(record);
     const QString page_complaint = tr("\"%1\" is not a page number");
     TFindingsRow row;
-    row.line = record.line;
+    row.line = record.Line();
     row.page = Integer(record, d_page_index, page_complaint);
     if (row.page < 1)
-        throw TCsvException(page_complaint.arg(record.fields.at(d_page_index)), record.line);
+        throw TCsvException(page_complaint.arg(record.fields.at(d_page_index)),
+                            record.Place(d_page_index));
     row.value = Integer(record, d_value_index, tr("\"%1\" is not a whole number"));
     for (const int index : d_indexes) {
         QString cell = record.fields.at(index);
@@ -90,7 +92,7 @@ int TTableReader::Integer(const TCsvRecord& record, int index, const QString& co
     const QString field = record.fields.at(index);
     const int number = field.trimmed().toInt(&is_number);
     if (!is_number)
-        throw TCsvException(complaint.arg(field), record.line);
+        throw TCsvException(complaint.arg(field), record.Place(index));
     return number;
 }
 
@@ -99,12 +101,12 @@ void TTableReader::Check_Fields(const TCsvRecord& record) const
     if (record.fields.size() != d_field_count)
         throw TCsvException(
             tr("%1 fields, but there are %2 columns").arg(record.fields.size()).arg(d_field_count),
-            record.line);
+            record.Place());
     for (const int index : d_unnamed_indexes) {
         if (!record.fields.at(index).isEmpty())
             throw TCsvException(
                 tr("\"%1\" is in a column without a name").arg(record.fields.at(index)),
-                record.line);
+                record.Place(index));
     }
 }
 

@@ -32,6 +32,21 @@ int Line_Ends(const QString& text)
            text.count(QLatin1String("\r\n"));
 }
 
+/// The place behind a text that begins at a place.
+TCsvPlace After(const TCsvPlace& place, const QString& text)
+{
+    const int line_ends = Line_Ends(text);
+    const int last_end =
+        qMax(text.lastIndexOf(QLatin1Char('\n')), text.lastIndexOf(QLatin1Char('\r')));
+    const QString last_line = text.mid(last_end + 1);
+    // A character beyond 16 bits has two code units.
+    const auto low_halves = std::count_if(last_line.cbegin(), last_line.cend(), [](QChar character) {
+        return character.isLowSurrogate();
+    });
+    const int length = last_line.size() - static_cast<int>(low_halves);
+    return {place.line + line_ends, line_ends > 0 ? 1 + length : place.column + length};
+}
+
 /// Whether a record has no content. Spreadsheets write commas for an empty row.
 bool Is_Empty(const TCsvRecord& record)
 {
@@ -69,7 +84,7 @@ private:
     /// A field and the separator after it, in the groups of TFieldGroup.
     const QRegularExpression d_field;
     int d_position = 0;
-    int d_line = 1; ///< of the position
+    TCsvPlace d_place; ///< of the position
 };
 
 std::optional<TCsvRecord> TRecordReader::Next()
@@ -85,7 +100,6 @@ std::optional<TCsvRecord> TRecordReader::Next()
 TCsvRecord TRecordReader::Read_Record()
 {
     TCsvRecord record;
-    record.line = d_line;
     QRegularExpressionMatch field;
     do {
         // Checking the whole text for each field would take quadratic time.
@@ -93,12 +107,13 @@ TCsvRecord TRecordReader::Read_Record()
                               QRegularExpression::AnchoredMatchOption |
                                   QRegularExpression::DontCheckSubjectStringMatchOption);
         if (field.capturedStart(Separator) < 0)
-            throw TCsvException(Fault(field), record.line);
+            throw TCsvException(Fault(field), d_place);
+        record.places.push_back(d_place);
         record.fields += field.capturedStart(Quoted_Content) < 0
                              ? field.captured(Plain_Content)
                              : field.captured(Quoted_Content).replace(quote_pair, quote);
         d_position = field.capturedEnd();
-        d_line += Line_Ends(field.captured());
+        d_place = After(d_place, field.captured());
     } while (field.capturedRef(Separator) == d_separator);
     return record;
 }
@@ -112,13 +127,13 @@ QString TRecordReader::Fault(const QRegularExpressionMatch& field)
                                        : tr("a quote within an unquoted field");
 }
 
-/// The line of the first character that is not in UTF-8.
-int Line_Of_Damage(QByteArray table)
+/// The place of the first character that is not in UTF-8.
+TCsvPlace Place_Of_Damage(QByteArray table)
 {
     // An invalid character reads as a replacement character. Valid ones must not be found.
     table.replace("\xef\xbf\xbd", " ");
     const QString text = QString::fromUtf8(table);
-    return 1 + Line_Ends(text.left(text.indexOf(QChar(QChar::ReplacementCharacter))));
+    return After({}, text.left(text.indexOf(QChar(QChar::ReplacementCharacter))));
 }
 
 /// The text of a table, which must be UTF-8.
@@ -130,10 +145,16 @@ QString Decoded(const QByteArray& table)
     if (state.invalidChars == 0 && state.remainingChars == 0)
         return text;
     throw TCsvException(QCoreApplication::translate("Csv", "the table is not in UTF-8"),
-                        Line_Of_Damage(table));
+                        Place_Of_Damage(table));
 }
 
 } // namespace
+
+QString TCsvException::Placed_Message() const
+{
+    return QCoreApplication::translate("Csv", "line %1, column %2: %3")
+        .arg(QString::number(d_place.line), QString::number(d_place.column), d_message);
+}
 
 std::vector<TCsvRecord> Csv::Read(const QByteArray& table, QChar separator)
 {
@@ -144,11 +165,11 @@ std::vector<TCsvRecord> Csv::Read(const QByteArray& table, QChar separator)
     for (std::optional<TCsvRecord> record = reader.Next(); record; record = reader.Next())
         records.push_back(*record);
     if (records.empty())
-        throw TCsvException(QCoreApplication::translate("Csv", "the table is empty"), 1);
+        throw TCsvException(QCoreApplication::translate("Csv", "the table is empty"), {});
     if (records.front().fields.size() == 1)
         throw TCsvException(QCoreApplication::translate(
                                 "Csv", "there is only one column: columns are separated by commas"),
-                            records.front().line);
+                            records.front().Place());
     return records;
 }
 

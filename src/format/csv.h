@@ -6,30 +6,46 @@
 
 #include <vector>
 
-/// One record of a table.
+/// A place in a table.
+struct TCsvPlace
+{
+    int line = 1;   ///< from 1
+    int column = 1; ///< in characters, from 1
+};
+
+/// One record of a table. It has at least one field.
 struct TCsvRecord
 {
     QStringList fields;
-    int line = 1; ///< in which the record begins, from 1
+    std::vector<TCsvPlace> places; ///< where each field begins
+
+    /// Where a field begins, or where the record does if the index is negative.
+    TCsvPlace Place(int index = -1) const
+    {
+        return places[static_cast<std::size_t>(index < 0 ? 0 : index)];
+    }
+    int Line() const { return Place().line; }
 };
 
 /// A table that cannot be read. Thrown by value.
 class TCsvException
 {
 public:
-    TCsvException(const QString& message, int line)
+    TCsvException(const QString& message, const TCsvPlace& place)
         : d_message(message)
-        , d_line(line)
+        , d_place(place)
     {
     }
 
     QString Message() const { return d_message; }
-    /// The line in which the faulty record begins, from 1.
-    int Line() const { return d_line; }
+    /// "line 3, column 7: message".
+    QString Placed_Message() const;
+    /// Where the faulty field or record begins.
+    TCsvPlace Place() const { return d_place; }
 
 private:
     QString d_message;
-    int d_line;
+    TCsvPlace d_place;
 };
 
 /// Tables in comma-separated values (RFC 4180, UTF-8), or with another separator.

@@ -116,7 +116,7 @@ std::vector<TDataItem> TItemSurveyor::Survey()
         d_texts = PageTexts::Read(xml_file);
         Read_Document(xml_file);
     } catch (const TXmlFileException& exception) {
-        d_defects->push_back({0, exception.Message()});
+        d_defects->push_back({0, tr("label document, %1").arg(exception.Placed_Message())});
         Read_Root_Alone();
         Read_Separately();
     }

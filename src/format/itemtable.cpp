@@ -70,7 +70,7 @@ private:
     int Integer(const TCsvRecord& record, TColumn column) const;
     double Coordinate(const TCsvRecord& record, TColumn column) const;
     int Border_Type(const TCsvRecord& record) const;
-    [[noreturn]] static void Refuse(const TCsvRecord& record, TColumn column, const QString& field);
+    [[noreturn]] void Refuse(const TCsvRecord& record, TColumn column) const;
 
     int d_field_count = 0;
     std::array<int, columns.size()> d_indexes{}; ///< of the columns in a record; -1 if missing
@@ -86,9 +86,10 @@ TRowReader::TRowReader(const TCsvRecord& header)
         const QString name = QString::fromLatin1(columns[column].name);
         d_indexes[column] = names.indexOf(name);
         if (d_indexes[column] < 0 && columns[column].is_required)
-            throw TCsvException(tr("there is no column \"%1\"").arg(name), header.line);
+            throw TCsvException(tr("there is no column \"%1\"").arg(name), header.Place());
         if (names.count(name) > 1)
-            throw TCsvException(tr("there are two columns \"%1\"").arg(name), header.line);
+            throw TCsvException(tr("there are two columns \"%1\"").arg(name),
+                                header.Place(names.lastIndexOf(name)));
     }
 }
 
@@ -97,16 +98,16 @@ TItemRow TRowReader::Row(const TCsvRecord& record) const
     if (record.fields.size() != d_field_count)
         throw TCsvException(
             tr("%1 fields, but there are %2 columns").arg(record.fields.size()).arg(d_field_count),
-            record.line);
+            record.Place());
     TItemRow row;
     row.page = Integer(record, Page);
     if (row.page < 1)
-        Refuse(record, Page, Field(record, Page));
+        Refuse(record, Page);
     row.item.value = Integer(record, Value);
     row.item.text = Field(record, Text);
     row.item.border_type = Border_Type(record);
     row.item.position = {Coordinate(record, X), Coordinate(record, Y)};
-    row.line = record.line;
+    row.place = record.Place(d_indexes[Page]);
     return row;
 }
 
@@ -121,7 +122,7 @@ int TRowReader::Integer(const TCsvRecord& record, TColumn column) const
     const QString field = Field(record, column);
     const int number = field.trimmed().toInt(&is_number);
     if (!is_number)
-        Refuse(record, column, field);
+        Refuse(record, column);
     return number;
 }
 
@@ -131,7 +132,7 @@ double TRowReader::Coordinate(const TCsvRecord& record, TColumn column) const
     const QString field = Field(record, column);
     const double number = field.trimmed().toDouble(&is_number);
     if (!is_number || !std::isfinite(number))
-        Refuse(record, column, field);
+        Refuse(record, column);
     return number;
 }
 
@@ -142,11 +143,11 @@ int TRowReader::Border_Type(const TCsvRecord& record) const
         return No_Border;
     const std::optional<int> code = Border_Code(field.trimmed());
     if (!code)
-        Refuse(record, Border, field);
+        Refuse(record, Border);
     return *code;
 }
 
-void TRowReader::Refuse(const TCsvRecord& record, TColumn column, const QString& field)
+void TRowReader::Refuse(const TCsvRecord& record, TColumn column) const
 {
     static const std::array<const char*, columns.size()> kinds{
         {QT_TR_NOOP("\"%1\" is not a page number"),
@@ -154,10 +155,10 @@ void TRowReader::Refuse(const TCsvRecord& record, TColumn column, const QString&
          QT_TR_NOOP("\"%1\" is not a border: expected one of: "),
          QT_TR_NOOP("\"%1\" is not an x coordinate: expected a number such as 12.5"),
          QT_TR_NOOP("\"%1\" is not a y coordinate: expected a number such as 12.5")}};
-    QString message = tr(kinds[column]).arg(field);
+    QString message = tr(kinds[column]).arg(Field(record, column));
     if (column == Border)
         message += Border_Words();
-    throw TCsvException(message, record.line);
+    throw TCsvException(message, record.Place(d_indexes[column]));
 }
 
 } // namespace

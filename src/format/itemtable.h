@@ -14,7 +14,7 @@ struct TItemRow
 {
     int page = 1;        ///< number of the page, from 1
     TDataItem item;      ///< its id is not part of the table
-    int line = 0;        ///< first line of its record in a table that was read, from 1; else 0
+    TCsvPlace place{};   ///< of the page's number in a table that was read
     QStringList cells{}; ///< of further columns, written after the label's own
 };
 

@@ -302,6 +302,27 @@ private slots:
         QCOMPARE(Run({"check", "a.qld"}).status, 0);
     }
 
+    void xml_errors_name_line_and_column_data()
+    {
+        QTest::addColumn<QByteArray>("list");
+        QTest::addColumn<QString>("defect");
+        QTest::newRow("not well-formed")
+            << QByteArray("<Quillet_Data File_Version=\"2\">\n  <Item></Iten>\n</Quillet_Data>")
+            << "line 2, column 15: tag mismatch";
+        QTest::newRow("element missing")
+            << QByteArray("<Quillet_Data File_Version=\"2\">\n <Item_Size/>\n</Quillet_Data>")
+            << "line 2, column 12: Node 'Width' is missing from node 'Item_Size' and not optional.";
+    }
+    void xml_errors_name_line_and_column()
+    {
+        QFETCH(const QByteArray, list);
+        QFETCH(const QString, defect);
+        Write("a.qli", Picture());
+        Write("a.qld", list);
+        for (const char* const command : {"check", "info"})
+            QCOMPARE(Run({command, "a.qld"}).errors, "quillet-cli: a.qld: " + defect + '\n');
+    }
+
     void recover_saves_whole_pages_and_reports_the_rest()
     {
         const QByteArray sound = Header(48, "#0a141e", "one", "two", 2) +

@@ -153,9 +153,9 @@ private slots:
         QTest::addColumn<QByteArray>("table");
         QTest::addColumn<QString>("defect");
         QTest::newRow("column missing")
-            << QByteArray("page,Finding\n1,a\n") << "line 1: there is no column \"value\"";
+            << QByteArray("page,Finding\n1,a\n") << "line 1, column 1: there is no column \"value\"";
         QTest::newRow("invalid line") << QByteArray("page,value,Finding\n1,1,a\n1,one,b\n")
-                                      << "line 3: \"one\" is not a whole number";
+                                      << "line 3, column 3: \"one\" is not a whole number";
     }
     void a_bad_table_is_an_error_and_nothing_is_written()
     {

@@ -147,15 +147,15 @@ private slots:
         QTest::addColumn<QByteArray>("table");
         QTest::addColumn<QString>("complaint");
         QTest::newRow("page 0") << head + "1,1,,,1,1\r\n0,1,,,1,1\r\n"
-                                << "line 3: ";
+                                << "line 3, column 1: ";
         QTest::newRow("page 3 of 2") << head + "3,1,,,1,1\r\n"
-                                     << "line 2: there is no page 3\n";
+                                     << "line 2, column 1: there is no page 3\n";
         QTest::newRow("no value") << head + "1,one,,,1,1\r\n"
-                                  << "line 2: ";
+                                  << "line 2, column 3: ";
         QTest::newRow("no coordinate") << head + "1,1,,,1,\r\n"
-                                       << "line 2: ";
-        QTest::newRow("no header") << QByteArray("1,1,,,1,1\r\n") << "line 1: ";
-        QTest::newRow("empty") << QByteArray() << "line 1: ";
+                                       << "line 2, column 9: ";
+        QTest::newRow("no header") << QByteArray("1,1,,,1,1\r\n") << "line 1, column 1: ";
+        QTest::newRow("empty") << QByteArray() << "line 1, column 1: ";
     }
     void an_invalid_row_is_reported_and_nothing_is_written()
     {

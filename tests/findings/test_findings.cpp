@@ -125,30 +125,30 @@ private slots:
         QCOMPARE(Describe(findings), QStringList({"4|a", "4|b"}));
     }
 
-    void a_bad_table_is_refused_with_its_line_data()
+    void a_bad_table_is_refused_with_its_place_data()
     {
         QTest::addColumn<QByteArray>("table");
         QTest::addColumn<QString>("refusal");
         const auto row = [](const char* name, const QByteArray& table, const char* refusal) {
             QTest::newRow(name) << table << QString::fromLatin1(refusal);
         };
-        row("empty", "", "1: the table is empty");
+        row("empty", "", "1:1: the table is empty");
         row("one column", "page;value\n",
-            "1: there is only one column: columns are separated by commas");
-        row("no page", "value,Note\n", "1: there is no column \"page\"");
-        row("no value", "\npage,Note\n", "2: there is no column \"value\"");
-        row("value twice", "page,value,Value\n", "1: there are two columns \"value\"");
-        row("heading twice", "page,value,A, A\n", "1: there are two columns \"A\"");
-        row("page 0", "page,value\n1,1\n0,1\n", "3: \"0\" is not a page number");
-        row("page as a word", "page,value\none,1\n", "2: \"one\" is not a page number");
-        row("value with a fraction", "page,value\n1,1.5\n", "2: \"1.5\" is not a whole number");
-        row("field missing", "page,value,A\n1,1\n", "2: 2 fields, but there are 3 columns");
+            "1:1: there is only one column: columns are separated by commas");
+        row("no page", "value,Note\n", "1:1: there is no column \"page\"");
+        row("no value", "\npage,Note\n", "2:1: there is no column \"value\"");
+        row("value twice", "page,value,Value\n", "1:12: there are two columns \"value\"");
+        row("heading twice", "page,value,A, A\n", "1:14: there are two columns \"A\"");
+        row("page 0", "page,value\n1,1\n0,1\n", "3:1: \"0\" is not a page number");
+        row("page as a word", "page,value\none,1\n", "2:1: \"one\" is not a page number");
+        row("value with a fraction", "page,value\n1,1.5\n", "2:3: \"1.5\" is not a whole number");
+        row("field missing", "page,value,A\n1,1\n", "2:1: 2 fields, but there are 3 columns");
         row("cell without a heading", "page,value,\n1,1,x\n",
-            "2: \"x\" is in a column without a name");
-        row("quote", "page,value,A\n1,1,\"x\n", "2: a quoted field is not closed");
-        row("not in UTF-8", "page,value,A\n1,1,\xff\n", "2: the table is not in UTF-8");
+            "2:5: \"x\" is in a column without a name");
+        row("quote", "page,value,A\n1,1,\"x\n", "2:5: a quoted field is not closed");
+        row("not in UTF-8", "page,value,A\n1,1,\xff\n", "2:5: the table is not in UTF-8");
     }
-    void a_bad_table_is_refused_with_its_line()
+    void a_bad_table_is_refused_with_its_place()
     {
         QFETCH(const QByteArray, table);
         QTEST(Refusal(table), "refusal");

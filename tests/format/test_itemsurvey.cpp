@@ -124,7 +124,7 @@ private slots:
         const TResult result = Survey(whole.left(whole.indexOf("</Item>", Begin() + 120)));
         QCOMPARE(result.labels, QStringList{Label_Line(1)});
         QCOMPARE(result.defects.size(), 2);
-        QVERIFY(result.defects[0].startsWith("0: ERR: Reference data XML parse error"));
+        QVERIFY(result.defects[0].startsWith("0: label document, line 1, column "));
         QVERIFY(result.defects[1].startsWith(QString::number(Begin() + Item(1).size()) +
                                              ": label 2: "));
     }

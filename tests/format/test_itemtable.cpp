@@ -189,85 +189,98 @@ private slots:
         QCOMPARE(Describe(ItemTable::Read(header + "1,2,,,3,4\n")), QStringList{"1: 2 '' 0 3,4"});
     }
 
-    void a_defect_is_reported_with_its_line_data()
+    void a_defect_is_reported_with_its_place_data()
     {
         QTest::addColumn<QByteArray>("table");
         QTest::addColumn<QString>("refusal");
         const QByteArray good = "1,2,t,none,3,4\r\n";
-        QTest::newRow("empty") << QByteArray() << "1: the table is empty";
-        QTest::newRow("mark alone") << QByteArray("\xef\xbb\xbf") << "1: the table is empty";
+        QTest::newRow("empty") << QByteArray() << "1:1: the table is empty";
+        QTest::newRow("mark alone") << QByteArray("\xef\xbb\xbf") << "1:1: the table is empty";
         for (const char* name : {"page", "value", "x", "y"}) {
             QByteArray without = "page,value,x,y";
             without.replace(name, "other");
             QTest::addRow("no %s", name)
                 << without + "\n1,2,3,4\n"
-                << QStringLiteral("1: there is no column \"%1\"").arg(QLatin1String(name));
+                << QStringLiteral("1:1: there is no column \"%1\"").arg(QLatin1String(name));
         }
         for (const char* separator : {";", "\t"})
             QTest::addRow("separated by '%s'", separator)
                 << QByteArray(header + good).replace(",", separator)
-                << QStringLiteral("1: there is only one column: columns are separated by commas");
+                << QStringLiteral("1:1: there is only one column: columns are separated by commas");
         QTest::newRow("column twice")
-            << QByteArray("\npage,value,x,y,Value\n") << "2: there are two columns \"value\"";
+            << QByteArray("\npage,value,x,y,Value\n") << "2:16: there are two columns \"value\"";
         QTest::newRow("too few fields") << header + good + "1,2,t,none,3\r\n"
-                                        << "3: 5 fields, but there are 6 columns";
+                                        << "3:1: 5 fields, but there are 6 columns";
         QTest::newRow("too many fields") << header + "1,2,a,b,none,3,4\r\n"
-                                         << "2: 7 fields, but there are 6 columns";
+                                         << "2:1: 7 fields, but there are 6 columns";
         QTest::newRow("page no number") << header + "one,2,t,none,3,4"
-                                        << "2: \"one\" is not a page number";
+                                        << "2:1: \"one\" is not a page number";
         QTest::newRow("page 0") << header + "0,2,t,none,3,4"
-                                << "2: \"0\" is not a page number";
+                                << "2:1: \"0\" is not a page number";
         QTest::newRow("page empty") << header + ",2,t,none,3,4"
-                                    << "2: \"\" is not a page number";
+                                    << "2:1: \"\" is not a page number";
         QTest::newRow("value with fraction")
             << header + "1,2.5,t,none,3,4"
-            << "2: \"2.5\" is not a value: expected a whole number";
+            << "2:3: \"2.5\" is not a value: expected a whole number";
         QTest::newRow("value too large")
             << header + "1,2147483648,t,none,3,4"
-            << "2: \"2147483648\" is not a value: expected a whole number";
+            << "2:3: \"2147483648\" is not a value: expected a whole number";
         for (const char* border : {"round", "3", "-1", "16"})
             QTest::addRow("border %s", border)
                 << header + "1,2,t," + border + ",3,4"
-                << QStringLiteral("2: \"%1\" is not a border: expected one of: none, square, "
+                << QStringLiteral("2:7: \"%1\" is not a border: expected one of: none, square, "
                                   "ellipse, triangle, diamond")
                        .arg(QLatin1String(border));
         QTest::newRow("x no number") << header + "1,2,t,none,left,4"
-                                     << "2: \"left\" is not an x coordinate" + number_hint;
+                                     << "2:12: \"left\" is not an x coordinate" + number_hint;
         QTest::newRow("x infinite") << header + "1,2,t,none,inf,4"
-                                    << "2: \"inf\" is not an x coordinate" + number_hint;
+                                    << "2:12: \"inf\" is not an x coordinate" + number_hint;
         QTest::newRow("y nan") << header + "1,2,t,none,3,nan"
-                               << "2: \"nan\" is not a y coordinate" + number_hint;
+                               << "2:14: \"nan\" is not a y coordinate" + number_hint;
         QTest::newRow("y in another locale") << header + "1,2,t,none,3,\"4,5\""
-                                             << "2: \"4,5\" is not a y coordinate" + number_hint;
+                                             << "2:14: \"4,5\" is not a y coordinate" + number_hint;
         QTest::newRow("quote not closed") << header + "1,2,\"t,none,3,4\r\n\r\n"
-                                          << "2: a quoted field is not closed";
+                                          << "2:5: a quoted field is not closed";
         QTest::newRow("quote within") << header + good + "1,2,2\" pipe,none,3,4"
-                                      << "3: a quote within an unquoted field";
+                                      << "3:5: a quote within an unquoted field";
         QTest::newRow("after a quoted field") << header + "1,2,\"t\" ,none,3,4"
-                                              << "2: characters after a quoted field";
+                                              << "2:5: characters after a quoted field";
         QTest::newRow("not utf-8") << header + good + "1,2,Ri\xdf,none,3,4"
-                                   << "3: the table is not in UTF-8";
+                                   << "3:7: the table is not in UTF-8";
         QTest::newRow("not utf-8 after a replacement character")
             << header + "1,2,\xef\xbf\xbd,none,3,4\n" + "1,2,Ri\xdf,none,3,4"
-            << "3: the table is not in UTF-8";
+            << "3:7: the table is not in UTF-8";
         QTest::newRow("not utf-8 after lines that end with CR")
             << QByteArray(header).replace("\r\n", "\r") + "1,2,,none,3,4\r1,2,Ri\xdf,none,3,4"
-            << "3: the table is not in UTF-8";
+            << "3:7: the table is not in UTF-8";
         QTest::newRow("cut in a character") << header + "1,2,Ri\xc3"
-                                            << "2: the table is not in UTF-8";
+                                            << "2:7: the table is not in UTF-8";
     }
 
-    void a_defect_is_reported_with_its_line()
+    void a_defect_is_reported_with_its_place()
     {
         QFETCH(const QByteArray, table);
         QTEST(Refusal(table), "refusal");
     }
 
-    void the_reported_line_is_the_first_of_the_record()
+    void the_reported_place_is_that_of_the_field()
     {
         QCOMPARE(
             Refusal(header + "1,2,\"two\r\nlines\",none,3,4\r\n1,2,\"three\n\n\",none,3,bad\n"),
-            "4: \"bad\" is not a y coordinate" + number_hint);
+            "6:10: \"bad\" is not a y coordinate" + number_hint);
+    }
+
+    void columns_are_counted_in_characters()
+    {
+        // One character of one, two, three and four bytes in UTF-8.
+        QCOMPARE(Refusal(header + "1,2,a\xc3\xa4\xe2\x82\xac\xf0\x9f\x9a\xb0,none,3,bad\n"),
+                 "2:17: \"bad\" is not a y coordinate" + number_hint);
+    }
+
+    void a_row_that_is_too_short_is_reported_where_it_begins()
+    {
+        QCOMPARE(Refusal(header + "1,2,\"a\nb\",none,3\n"),
+                 QString("2:1: 5 fields, but there are 6 columns"));
     }
 
     void a_large_table_is_read_in_linear_time()

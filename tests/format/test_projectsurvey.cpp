@@ -159,7 +159,7 @@ QMap<QString, QStringList> Broken_Files()
 {
     const QString magic = "0: the file does not begin with the magic number of a project file";
     const QString parse =
-        "344: page 2: ERR: Reference data XML parse error at line %1 column 1: %2";
+        "344: page 2: label document, line 1, column %2: %1";
     const QString part = "524: page 2: label 2: ERR: %1";
     const QString node = part.arg("Node '%1' is missing from node 'Item' and not optional.");
     const QString text = part.arg("Node Text for '%1' is not optional.");
@@ -188,8 +188,7 @@ QMap<QString, QStringList> Broken_Files()
          {"127: page 1: the file ends where the length of the label document should be"}},
         {"ends_in_items",
          {"127: page 1: the length of the label document points past the end of the file: 195",
-          "131: page 1: ERR: Reference data XML parse error at line unexpected end of file "
-          "column 1: 57"}},
+          "131: page 1: label document, line 1, column 57: unexpected end of file"}},
         {"more_pages_than_records", {"326: the file ends after 1 of 2 pages"}},
         {"page_count_of_2_to_the_31", {"326: the file ends after 1 of 2147483647 pages"}},
         {"page_count_negative", {"27: the page count is -1, but there are 1 pages"}},
@@ -219,8 +218,8 @@ QMap<QString, QStringList> Broken_Files()
         {"items_no_xml", {parse.arg("error occurred while parsing element").arg(1)}},
         {"items_not_closed", {parse.arg("unexpected end of file").arg(191)}},
         {"items_other_root",
-         {"344: page 2: ERR:  Identification 'Quillet_Data' does not match 'quillet_data'"}},
-        {"items_without_version", {"344: page 2: ERR: The 'File_Version' attribute is missing."}},
+         {"344: page 2: label document, line 1, column 69: Identification 'Quillet_Data' does not match 'quillet_data'"}},
+        {"items_without_version", {"344: page 2: label document, line 1, column 52: The 'File_Version' attribute is missing."}},
         {"items_version_2", {"344: page 2: XML Version not recognized"}},
         {"items_version_no_number", {"344: page 2: XML Version not recognized"}},
         {"items_without_id", {node.arg("Id")}},
@@ -657,8 +656,7 @@ private slots:
             at_item("an earlier label has the same Id 1"), kept("label 0 8 'b' 1 3,4"));
 
         const QString parse =
-            QStringLiteral("%1: ERR: Reference data XML parse error at line %2 column 1: %3")
-                .arg(items_begin);
+            QStringLiteral("%1: label document, line 1, column %3: %2").arg(items_begin);
         const int column = item_begin - items_begin;
         row("element not closed",
             Item_Element("2", "8", "b", "1", "3,4").replace("</Item>", "</Itex>"),
@@ -686,7 +684,7 @@ private slots:
             << around;
         QTest::newRow("other root")
             << With_Items(Item_List(first + last).replace("Quillet_Data", "Quillet_Date"))
-            << QStringList{QStringLiteral("%1: ERR:  Identification 'Quillet_Data' does not match "
+            << QStringList{QStringLiteral("%1: label document, line 1, column 69: Identification 'Quillet_Data' does not match "
                                           "'Quillet_Date'")
                                .arg(items_begin)}
             << around;
@@ -734,8 +732,8 @@ private slots:
         Compare_Middle(Field("second") + Field(image) + Number(negative) + QByteArray(300, 'x'),
                        {QStringLiteral("%1: the length of the label document is negative: -1")
                             .arg(items_offset),
-                        QStringLiteral("%1: ERR: Reference data XML parse error at line error "
-                                       "occurred while parsing element column 1: 1")
+                        QStringLiteral("%1: label document, line 1, column 1: error occurred "
+                                       "while parsing element")
                             .arg(items_offset + 4)},
                        {"page 2 second 3x2"});
     }
