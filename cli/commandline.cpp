@@ -16,6 +16,18 @@ bool Names_Help(const QStringList& arguments)
     return arguments.contains(QStringLiteral("-h")) || arguments.contains(QStringLiteral("--help"));
 }
 
+/// All names of an option: the short one first, if it has one.
+QStringList Names(const char* option)
+{
+    const QString name = QString::fromLatin1(option);
+    for (const char* const abbreviated : {help_option, CommonOptions::Output, CommonOptions::Force,
+                                          CommonOptions::Quiet, CommonOptions::Verbose}) {
+        if (name == QLatin1String(abbreviated))
+            return {name.left(1), name};
+    }
+    return {name};
+}
+
 } // namespace
 
 TCommandLine::TCommandLine(const QString& summary, const QStringList& arguments)
@@ -23,7 +35,9 @@ TCommandLine::TCommandLine(const QString& summary, const QStringList& arguments)
 {
     d_parser.setApplicationDescription(summary);
     // QCommandLineParser::addHelpOption would also add --help-all, which lists Qt's own options.
-    d_parser.addOption({{QStringLiteral("h"), help_option}, Tr("Show this help.")});
+    Add_Flag(help_option, Tr("Show this help."));
+    Add_Flag(CommonOptions::Quiet, Tr("Print no progress, warnings and reports, only errors."));
+    Add_Flag(CommonOptions::Verbose, Tr("Print which files are read and written."));
 }
 
 void TCommandLine::Add_Argument(const QString& name, const QString& description, TCount count)
@@ -37,14 +51,14 @@ void TCommandLine::Add_Argument(const QString& name, const QString& description,
 void TCommandLine::Add_Option(const char* option, const QString& value_name,
                               const QString& description, TNeed need)
 {
-    d_parser.addOption({QString::fromLatin1(option), description, value_name});
+    d_parser.addOption({Names(option), description, value_name});
     if (need == TNeed::Required)
         d_required_options.push_back(option);
 }
 
 void TCommandLine::Add_Flag(const char* option, const QString& description)
 {
-    d_parser.addOption({QString::fromLatin1(option), description});
+    d_parser.addOption({Names(option), description});
 }
 
 void TCommandLine::Add_Output_Option(const char* option, const QString& value_name,
@@ -70,6 +84,7 @@ bool TCommandLine::Parse()
     }
     if (!is_valid)
         throw TUsageError{d_parser.errorText()};
+    Apply_Verbosity();
     Check_Argument_Count();
     for (const char* const option : d_required_options)
         Require(option);
@@ -83,7 +98,23 @@ void TCommandLine::Require(const char* option) const
         throw TUsageError{Tr("Missing option '%1'.").arg(name)};
     // A script passes an empty value when one of its variables is unset.
     if (Text(option).isEmpty())
-        Throw_Invalid_Value(option);
+        Throw_Invalid_Value(option, Tr("a text that is not empty"));
+}
+
+void TCommandLine::Exclude(const char* first, const char* second) const
+{
+    if (Is_Set(first) && Is_Set(second))
+        throw TUsageError{Tr("Options '%1' and '%2' exclude each other.")
+                              .arg(QLatin1String(first), QLatin1String(second))};
+}
+
+void TCommandLine::Apply_Verbosity() const
+{
+    Exclude(CommonOptions::Quiet, CommonOptions::Verbose);
+    if (Is_Set(CommonOptions::Quiet))
+        Terminal::Set_Verbosity(Terminal::TVerbosity::Quiet);
+    if (Is_Set(CommonOptions::Verbose))
+        Terminal::Set_Verbosity(Terminal::TVerbosity::Verbose);
 }
 
 void TCommandLine::Check_Argument_Count() const
@@ -102,7 +133,7 @@ int TCommandLine::Number(const char* option, int smallest, int largest) const
     bool is_number = false;
     const int number = Text(option).toInt(&is_number);
     if (!is_number || number < smallest || number > largest)
-        Throw_Invalid_Value(option);
+        Throw_Invalid_Value(option, Tr("a whole number from %1 to %2").arg(smallest).arg(largest));
     return number;
 }
 
@@ -110,12 +141,17 @@ std::vector<TPageRange> TCommandLine::Pages(const char* option) const
 {
     const std::optional<std::vector<TPageRange>> ranges = PageRanges::Parse(Text(option));
     if (!ranges)
-        Throw_Invalid_Value(option);
+        Throw_Invalid_Value(option, Tr("page numbers and ranges such as 1-3,7"));
     return *ranges;
 }
 
-void TCommandLine::Throw_Invalid_Value(const char* option) const
+QString TCommandLine::One_Of(const QStringList& values)
 {
-    throw TUsageError{
-        Tr("Invalid value '%2' for option '%1'.").arg(QLatin1String(option), Text(option))};
+    return Tr("one of %1").arg(values.join(QStringLiteral(", ")));
+}
+
+void TCommandLine::Throw_Invalid_Value(const char* option, const QString& expected) const
+{
+    throw TUsageError{Tr("Invalid value '%2' for option '%1': expected %3.")
+                          .arg(QLatin1String(option), Text(option), expected)};
 }

@@ -13,6 +13,8 @@ namespace CommonOptions {
 
 constexpr char Output[] = "output";
 constexpr char Force[] = "force";
+constexpr char Quiet[] = "quiet";
+constexpr char Verbose[] = "verbose";
 constexpr char Csv[] = "csv";
 constexpr char Json[] = "json";
 constexpr char Findings[] = "findings";
@@ -29,7 +31,8 @@ struct TOptionValue
 };
 
 /// Command line of one subcommand. A command declares its arguments and options, calls Parse, and
-/// then reads them.
+/// then reads them. Every command has --help, --quiet and --verbose; --output, --force, --quiet and
+/// --verbose also have short names.
 ///
 /// Throws a TUsageError for anything that does not match the declarations.
 class TCommandLine
@@ -66,6 +69,13 @@ public:
     QString Argument() const { return Arguments().value(0); }
     bool Is_Set(const char* option) const { return d_parser.isSet(QString::fromLatin1(option)); }
     QString Text(const char* option) const { return d_parser.value(QString::fromLatin1(option)); }
+    /// Returns the values of an option that was given several times.
+    QStringList Texts(const char* option) const
+    {
+        return d_parser.values(QString::fromLatin1(option));
+    }
+    /// Checks that two options are not used together.
+    void Exclude(const char* first, const char* second) const;
     /// Returns an option's value as an integer between two limits.
     int Number(const char* option, int smallest, int largest) const;
     /// Returns an option's value as pages: "1-3,7".
@@ -76,9 +86,13 @@ public:
     int Code(const char* option, const TValues& values) const;
 
     /// Throws the error of an option with an invalid value.
-    [[noreturn]] void Throw_Invalid_Value(const char* option) const;
+    /// @param expected  what is allowed.
+    [[noreturn]] void Throw_Invalid_Value(const char* option, const QString& expected) const;
 
 private:
+    /// "one of 1, 2, 3"
+    static QString One_Of(const QStringList& values);
+    void Apply_Verbosity() const;
     void Check_Argument_Count() const;
 
     QCommandLineParser d_parser;
@@ -92,9 +106,11 @@ template <typename TValues>
 int TCommandLine::Code(const char* option, const TValues& values) const
 {
     const QString text = Text(option);
+    QStringList allowed;
     for (const TOptionValue& value : values) {
         if (text.compare(QLatin1String(value.text), Qt::CaseInsensitive) == 0)
             return value.code;
+        allowed += QLatin1String(value.text);
     }
-    Throw_Invalid_Value(option);
+    Throw_Invalid_Value(option, One_Of(allowed));
 }

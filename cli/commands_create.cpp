@@ -4,17 +4,21 @@
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/output.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
+#include "core/safefile.h"
 #include "src/model/imagefiles.h"
 #include "src/model/numbering.h"
 #include "src/pageinput/inputfile.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <limits>
 #include <numeric>
 #include <vector>
@@ -45,7 +49,7 @@ QStringList Inputs_In(const QString& folder)
 {
     QStringList names;
     if (!QFileInfo(folder).isReadable())
-        throw TJobError{folder, Tr("cannot be read")};
+        Files::Throw_Read_Error(folder, qt_error_string(EACCES));
     // A dangling link counts as an input: an error is better than a missing page.
     const auto is_input = [&folder](const QString& name) {
         const QFileInfo file(QDir(folder).filePath(name));
@@ -68,7 +72,7 @@ QStringList Expand_Folders(const QStringList& arguments)
 {
     QStringList paths;
     for (const QString& path : arguments) {
-        if (QFileInfo(path).isDir())
+        if (path != Files::Standard_Stream && QFileInfo(path).isDir())
             paths += Inputs_In(path);
         else
             paths += path;
@@ -102,44 +106,81 @@ TInputOptions Input_Options(const TCommandLine& line)
     return options;
 }
 
-/// Counts the pages of all files.
-std::vector<TInputFile> Open_Inputs(const QStringList& paths, const TInputOptions& options)
+/// An image or PDF, and its name on the command line.
+struct TInput
 {
-    std::vector<TInputFile> files;
-    files.reserve(static_cast<std::size_t>(paths.size()));
+    QString name;
+    TInputFile file;
+};
+
+/// Copies standard input and pipes to files, since images and PDFs are read more than once.
+class TCopies
+{
+public:
+    /// The path of a copy, or the path of a file that needs none.
+    QString Path_Of(const QString& path);
+
+private:
+    QTemporaryDir d_folder{Files::Temporary_Template()};
+    int d_count = 0;
+};
+
+QString TCopies::Path_Of(const QString& path)
+{
+    const QFileInfo file(path);
+    if (path != Files::Standard_Stream && (!file.exists() || file.isFile()))
+        return path;
+    // The copy has the name of the pipe, which may become the name of a page.
+    const QString folder = d_folder.filePath(QString::number(++d_count));
+    const QString copy = QDir(folder).filePath(Files::Base_Name(path));
+    QDir().mkpath(folder);
+    QString problem;
+    if (!TSafeFile::Replace(copy, Files::Read(path), 0, &problem))
+        Files::Throw_Write_Error(copy, problem);
+    return copy;
+}
+
+/// Counts the pages of all files.
+std::vector<TInput> Open_Inputs(const QStringList& paths, const TInputOptions& options,
+                                TCopies* copies)
+{
+    std::vector<TInput> inputs;
+    inputs.reserve(static_cast<std::size_t>(paths.size()));
     for (const QString& path : paths) {
-        files.emplace_back(path, options);
-        const QString fault = files.back().Open();
+        Files::Check_Input(path);
+        inputs.push_back({path, TInputFile(copies->Path_Of(path), options)});
+        const QString fault = inputs.back().file.Open();
         if (!fault.isEmpty())
             throw TJobError{path, fault};
     }
-    return files;
+    return inputs;
 }
 
 /// Reads a page.
-TInputPage Read_Page(int index, TInputFile* file)
+TInputPage Read_Page(int index, TInput* input)
 {
-    TInputPage page = file->Read(index);
+    TInputPage page = input->file.Read(index);
     if (!page.image)
-        throw TJobError{file->Path(), page.message};
+        throw TJobError{input->name, page.message};
     if (!page.message.isEmpty())
-        Terminal::Print_Error(file->Path(), Tr("warning: ") + page.message);
+        Terminal::Print_Warning(input->name, page.message);
     return page;
 }
 
 /// Reads all pages of all files.
-std::vector<TInputPage> Read_Pages(std::vector<TInputFile>* files)
+std::vector<TInputPage> Read_Pages(std::vector<TInput>* inputs)
 {
     const int total =
-        std::accumulate(files->cbegin(), files->cend(), 0, [](int count, const TInputFile& file) {
-            return count + file.Page_Count();
+        std::accumulate(inputs->cbegin(), inputs->cend(), 0, [](int count, const TInput& input) {
+            return count + input.file.Page_Count();
         });
     TTerminalProgress progress(Tr("Reading page %1 of %2"));
     std::vector<TInputPage> pages;
-    for (TInputFile& file : *files) {
-        for (int index = 0; index < file.Page_Count(); ++index) {
+    for (TInput& input : *inputs) {
+        Terminal::Print_Detail(input.name, Tr("pages: %1").arg(input.file.Page_Count()));
+        for (int index = 0; index < input.file.Page_Count(); ++index) {
             progress.Step(static_cast<int>(pages.size()) + 1, total);
-            pages.push_back(Read_Page(index, &file));
+            pages.push_back(Read_Page(index, &input));
         }
     }
     return pages;
@@ -162,18 +203,19 @@ void Commands::Create(TCommandLine* line)
         return;
 
     const TInputOptions options = Input_Options(*line);
-    const QString output = line->Text(CommonOptions::Output);
-    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
+    const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     const QStringList paths = Expand_Folders(line->Arguments());
-    Files::Check_Is_No_Input(output, paths);
-    std::vector<TInputFile> files = Open_Inputs(paths, options);
+    Files::Check_Is_No_Input(output.Path(), paths);
+    TCopies copies;
+    std::vector<TInput> inputs = Open_Inputs(paths, options, &copies);
     TDocument document;
-    for (const TInputPage& page : Read_Pages(&files)) {
+    for (const TInputPage& page : Read_Pages(&inputs)) {
         const int page_id = document.Add_Page(QString(), *page.image);
         document.pages.back().name =
             line->Is_Set(names_option) ? page.name : TNamedPage::Default_Name(page_id);
     }
-    Files::Save(output, document);
+    Files::Save(output.Path(), document);
+    output.Finish();
 }
 
 void Commands::Reindex(TCommandLine* line)
@@ -193,10 +235,10 @@ void Commands::Reindex(TCommandLine* line)
     const int first_value = line->Number(first_option, std::numeric_limits<int>::min(),
                                          std::numeric_limits<int>::max());
     const int method = line->Code(step_option, steps);
-    const QString output = line->Text(CommonOptions::Output);
-    Files::Check_Is_No_Legacy_Input(output, line->Argument());
-    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Legacy_Input(line->Text(CommonOptions::Output), line->Argument());
+    const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     TDocument document = Files::Load(line->Argument());
     Number_Pages(document.Page_Ids(), first_value, method, &document.data);
-    Files::Save(output, document);
+    Files::Save(output.Path(), document);
+    output.Finish();
 }

@@ -4,11 +4,10 @@
 #include "cli/commands.h"
 #include "cli/files.h"
 #include "cli/findingsoptions.h"
+#include "cli/output.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "src/webpage/webpage.h"
-
-#include <QFileInfo>
 
 namespace {
 
@@ -33,20 +32,21 @@ void Commands::Export_Html(TCommandLine* line)
         return;
 
     const QString input = line->Argument();
-    const QString output = line->Text(CommonOptions::Output);
     const int max_width =
         line->Is_Set(max_width_option) ? line->Number(max_width_option, 1, largest_max_width) : 0;
-    FindingsOptions::Check(*line, output);
-    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
-    Files::Check_Is_No_Input(output, {input});
+    FindingsOptions::Check(*line, line->Text(CommonOptions::Output));
+    const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Text);
+    Files::Check_Is_No_Input(output.Path(), {input});
     const TDocument document = Files::Load_Pages(input);
     const TFindings findings = FindingsOptions::Load(*line, document);
-    TWebPage page = WebPage::Of(document.data, document.appearance, findings,
-                                QFileInfo(input).completeBaseName());
+    TWebPage page =
+        WebPage::Of(document.data, document.appearance, findings, Files::Base_Name(input));
     if (!line->Text(CommonOptions::Title).isEmpty())
         page.title = line->Text(CommonOptions::Title);
     page.max_width = max_width;
     TTerminalProgress progress(Tr("Exporting page %1 of %2"));
-    if (!WebPage::Save(page, progress.Steps(), output))
-        Files::Throw_Write_Error(output);
+    QString problem;
+    if (!WebPage::Save(page, progress.Steps(), output.Path(), &problem))
+        Files::Throw_Write_Error(output.Path(), problem);
+    output.Finish();
 }

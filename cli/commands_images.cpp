@@ -4,13 +4,13 @@
 #include "cli/commands.h"
 #include "cli/exportjob.h"
 #include "cli/files.h"
+#include "cli/output.h"
 #include "cli/pageview.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "src/export/exportnames.h"
 
 #include <QDateTime>
-#include <QFileInfo>
 #include <QJsonObject>
 #include <QPixmap>
 
@@ -44,7 +44,9 @@ TImageNames::TImageNames(const TCommandLine& line)
     , d_pattern(line.Text(name_option))
 {
     if (line.Is_Set(name_option) && !ExportNames::Is_Pattern(d_pattern))
-        line.Throw_Invalid_Value(name_option);
+        line.Throw_Invalid_Value(
+            name_option, Tr("a file name without \"/\", in which braces contain document, page, "
+                            "number or time"));
     Files::Check_Folder(d_folder);
 }
 
@@ -54,9 +56,8 @@ QString TImageNames::Next(const TExportInput& input, const TExportPage& page)
     if (d_pattern.isEmpty())
         return ExportNames::Image_Path(d_folder, page.name, page.page_id, d_time, d_count);
     return ExportNames::Pattern_Path(d_folder, d_pattern,
-                                     {QFileInfo(input.path).completeBaseName(), page.name,
-                                      page.page_id, page.number,
-                                      static_cast<int>(input.document.pages.size())},
+                                     {Files::Base_Name(input.path), page.name, page.page_id,
+                                      page.number, static_cast<int>(input.document.pages.size())},
                                      d_time);
 }
 
@@ -105,7 +106,8 @@ void Commands::Export_Images(TCommandLine* line)
     job.Run([&](TExportInput* input) {
         const QStringList paths = Add_Images(*input, &names, &job);
         TTerminalProgress progress(Tr("Exporting page %1 of %2"));
-        const TPageView view(&input->document, progress.Steps(), job.Has_Halo());
+        QString problem;
+        const TPageView view(&input->document, progress.Steps(), job.Has_Halo(), &problem);
         QString last_path;
         const auto path_of = [&](int, int counter) {
             if (counter > 1)
@@ -113,7 +115,7 @@ void Commands::Export_Images(TCommandLine* line)
             return last_path = paths.at(counter - 1);
         };
         if (!view.Exporter().Export_Images(input->Page_Ids(), path_of, png))
-            Files::Throw_Write_Error(last_path);
+            Files::Throw_Write_Error(last_path, problem);
         job.Mark_Written(last_path);
     });
 }
@@ -131,15 +133,17 @@ void Commands::Thumbnail(TCommandLine* line)
     const int edge = line->Is_Set(size_option)
                          ? line->Number(size_option, 1, maximum_thumbnail_size)
                          : default_thumbnail_size;
-    const QString output = line->Text(CommonOptions::Output);
-    Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
-    Files::Check_Is_No_Input(output, {line->Argument()});
+    Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {line->Argument()});
+    const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Binary);
     TDocument document = Files::Load_Pages(line->Argument());
+    QString problem;
     const TPageView view(&document, nullptr);
     const bool is_written = view.Exporter().Draw_Pages(
         {document.pages.front().page_id}, [&](int, const QPixmap& picture) {
-            return TPageExporter::Save_Png(Fitted(picture, edge), output);
+            return TPageExporter::Save_Png(Fitted(picture, edge), output.Path(),
+                                           TPageExporter::TPng::Small, &problem);
         });
     if (!is_written)
-        Files::Throw_Write_Error(output);
+        Files::Throw_Write_Error(output.Path(), problem);
+    output.Finish();
 }

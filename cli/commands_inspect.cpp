@@ -79,7 +79,7 @@ void Print_Json(const QString& path, const TAppearance& appearance,
                              {QStringLiteral("page_count"), list.size()},
                              {QStringLiteral("label_count"), label_count},
                              {QStringLiteral("pages"), list}};
-    Terminal::Print_Raw(QJsonDocument(object).toJson());
+    Terminal::Print_Text(QJsonDocument(object).toJson());
 }
 
 /// Describes all defects of a document.
@@ -135,7 +135,7 @@ void Commands::Check(TCommandLine* line)
         for (const QString& defect : std::as_const(defects))
             Terminal::Print_Error(path, defect);
         if (defects.isEmpty())
-            Terminal::Print(Tr("%1: no defects").arg(path));
+            Terminal::Print_Report(Tr("%1: no defects").arg(path));
         is_sound = is_sound && defects.isEmpty();
     }
     if (!is_sound)

@@ -5,6 +5,7 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/findingsoptions.h"
+#include "cli/output.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "src/findings/findingsdata.h"
@@ -12,6 +13,8 @@
 #include "src/format/itemtable.h"
 
 #include <QRegularExpression>
+
+#include <optional>
 
 namespace {
 
@@ -73,18 +76,22 @@ void Commands::Export_Items(TCommandLine* line)
     const bool is_json = line->Is_Set(CommonOptions::Json);
     if (!is_json || line->Is_Set(CommonOptions::Csv))
         line->Require(CommonOptions::Csv);
-    const QString output = line->Text(CommonOptions::Csv);
-    FindingsOptions::Check(*line, output);
-    if (!output.isEmpty()) {
-        Files::Check_Output(output, line->Is_Set(CommonOptions::Force));
-        Files::Check_Is_No_Input(output, {line->Argument()});
+    FindingsOptions::Check(*line, line->Text(CommonOptions::Csv));
+    std::optional<TOutput> output;
+    if (line->Is_Set(CommonOptions::Csv)) {
+        if (is_json && line->Text(CommonOptions::Csv) == Files::Standard_Stream)
+            throw TUsageError{Tr("Standard output can be used only once.")};
+        Files::Check_Is_No_Input(line->Text(CommonOptions::Csv), {line->Argument()});
+        output.emplace(*line, CommonOptions::Csv, TOutput::TContent::Text);
     }
     const TDocument document = Files::Load(line->Argument());
     const TFindings findings = FindingsOptions::Load(*line, document);
-    if (!output.isEmpty())
-        Files::Write(output, FindingsData::Csv(findings));
+    if (output) {
+        Files::Write(output->Path(), FindingsData::Csv(findings));
+        output->Finish();
+    }
     if (is_json)
-        Terminal::Print_Raw(FindingsData::Json(findings));
+        Terminal::Print_Text(FindingsData::Json(findings));
 }
 
 void Commands::Import_Items(TCommandLine* line)
@@ -97,16 +104,16 @@ void Commands::Import_Items(TCommandLine* line)
     if (!line->Parse())
         return;
 
-    const QString output = line->Text(CommonOptions::Output);
     const QString table = line->Text(CommonOptions::Csv);
-    Files::Check_Is_No_Legacy_Input(output, line->Argument());
-    Files::Check_Is_No_Input(output, {table});
-    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
+    Files::Check_Is_No_Legacy_Input(line->Text(CommonOptions::Output), line->Argument());
+    Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {table});
+    const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     TDocument document = Files::Load(line->Argument());
     const auto labels = Read_Labels(table, document.pages.size());
     for (std::size_t index = 0; index < labels.size(); ++index) {
         document.data.Set_Active_Page(document.pages[index].page_id);
         Add_Labels(labels[index], &document.data);
     }
-    Files::Save(output, document);
+    Files::Save(output.Path(), document);
+    output.Finish();
 }

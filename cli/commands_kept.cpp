@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/output.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "core/safefile.h"
@@ -68,7 +69,8 @@ void Print_List(const std::vector<TListedFile>& files)
 void Copy_Kept_File(const TKeptFile& file, const QString& output)
 {
     if (Files::Is_Work_Log(file.path)) {
-        Terminal::Print(Files::Recover_Work_Log(file.path, output).join(QLatin1Char('\n')));
+        const QStringList report = Files::Recover_Work_Log(file.path, output);
+        std::for_each(report.cbegin(), report.cend(), Terminal::Print_Report);
         return;
     }
     TSafeFile target(output, TSafeFile::TKind::Like_Target, Files::Protecting_Links(output));
@@ -76,7 +78,7 @@ void Copy_Kept_File(const TKeptFile& file, const QString& output)
         return TSafeFile::Is_Complete(path, QFileInfo(file.path).size(), QByteArray());
     });
     if (!is_written)
-        Files::Throw_Write_Error(output);
+        Files::Throw_Write_Error(output, target.Write_Problem());
 }
 
 } // namespace
@@ -99,11 +101,11 @@ void Commands::Kept(TCommandLine* line)
         return;
     }
     const int number = line->Number(copy_option, 1, std::numeric_limits<int>::max());
-    const QString output = line->Text(CommonOptions::Output);
     if (static_cast<std::size_t>(number) > files.size())
         throw TJobError{QString::number(number), Tr("there is no copy with this number")};
     const TKeptFile& file = files[static_cast<std::size_t>(number) - 1].file;
-    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
-    Files::Check_Is_No_Input(output, {file.path});
-    Copy_Kept_File(file, output);
+    const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
+    Files::Check_Is_No_Input(output.Path(), {file.path});
+    Copy_Kept_File(file, output.Path());
+    output.Finish();
 }

@@ -6,16 +6,17 @@
 #include "cli/exportjob.h"
 #include "cli/files.h"
 #include "cli/findingsoptions.h"
+#include "cli/output.h"
 #include "cli/pageview.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "src/export/findingspainter.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QJsonObject>
 
 #include <array>
+#include <optional>
 
 namespace {
 
@@ -93,14 +94,12 @@ void Add_Options(TCommandLine* line)
 /// Checks which options are used together.
 void Check_Options(const TCommandLine& line)
 {
-    const auto exclude = [&line](const char* first, const char* second) {
-        if (line.Is_Set(first) && line.Is_Set(second))
-            throw TUsageError{Tr("Options '%1' and '%2' exclude each other.")
-                                  .arg(QLatin1String(first), QLatin1String(second))};
-    };
-    exclude(CommonOptions::Output, CommonOptions::Folder);
-    exclude(footer_option, no_footer_option);
-    exclude(page_count_option, no_footer_option);
+    line.Exclude(CommonOptions::Output, CommonOptions::Folder);
+    line.Exclude(footer_option, no_footer_option);
+    line.Exclude(page_count_option, no_footer_option);
+    if (line.Text(CommonOptions::Output) == Files::Standard_Stream &&
+        line.Is_Set(CommonOptions::Json))
+        throw TUsageError{Tr("Standard output can be used only once.")};
     const bool has_folder = line.Is_Set(CommonOptions::Folder);
     line.Require(has_folder ? CommonOptions::Folder : CommonOptions::Output);
     const bool has_several = line.Arguments().size() > 1;
@@ -147,13 +146,11 @@ TReportExtras Report_Extras(const TCommandLine& line, const TFindings& findings)
     return extras;
 }
 
-/// The path of a document's report.
-QString Report_Path(const TCommandLine& line, const QString& document)
+/// The path of a document's report in the folder.
+QString Path_In_Folder(const TCommandLine& line, const QString& document)
 {
-    if (!line.Is_Set(CommonOptions::Folder))
-        return line.Text(CommonOptions::Output);
     const QString folder = line.Text(CommonOptions::Folder);
-    return QDir(folder).filePath(QFileInfo(document).completeBaseName() + QStringLiteral(".pdf"));
+    return QDir(folder).filePath(Files::Base_Name(document) + QStringLiteral(".pdf"));
 }
 
 /// The labels of the chosen pages.
@@ -174,6 +171,21 @@ TFindings Chosen_Findings(const TCommandLine& line, const TExportInput& input)
     return chosen;
 }
 
+void Export_Report(const TCommandLine& line, const QString& path, TExportJob* job,
+                   TExportInput* input)
+{
+    const TFindings findings = Chosen_Findings(line, *input);
+    TTerminalProgress progress(Tr("Exporting page %1 of %2"));
+    QString problem;
+    const TPageView view(&input->document, progress.Steps(), job->Has_Halo(), &problem);
+    const TPageExporter::TOutcome outcome = view.Exporter().Export_Pdf(
+        path, input->Page_Ids(), Report_Options(line, input->document.appearance),
+        Report_Extras(line, findings));
+    if (outcome != TPageExporter::TOutcome::Complete)
+        Files::Throw_Write_Error(path, problem);
+    job->Mark_Written(path);
+}
+
 } // namespace
 
 void Commands::Export_Pdf(TCommandLine* line)
@@ -184,22 +196,24 @@ void Commands::Export_Pdf(TCommandLine* line)
 
     Check_Options(*line);
     Report_Options(*line, TAppearance()); // throws for invalid values
-    FindingsOptions::Check(*line, Report_Path(*line, line->Arguments().at(0)));
+    const bool has_folder = line->Is_Set(CommonOptions::Folder);
+    FindingsOptions::Check(*line, has_folder ? Path_In_Folder(*line, line->Arguments().at(0))
+                                             : line->Text(CommonOptions::Output));
     TExportJob job(*line);
-    if (line->Is_Set(CommonOptions::Folder))
+    std::optional<TOutput> output;
+    if (has_folder) {
         Files::Check_Folder(line->Text(CommonOptions::Folder));
+    } else {
+        Files::Check_Is_No_Input(line->Text(CommonOptions::Output), line->Arguments());
+        output.emplace(*line, CommonOptions::Output, TOutput::TContent::Binary);
+    }
     job.Run([&](TExportInput* input) {
-        const QString path = Report_Path(*line, input->path);
-        job.Add_File(path, {{QStringLiteral("document"), input->path},
-                            {QStringLiteral("pages"), static_cast<int>(input->pages.size())}});
-        const TFindings findings = Chosen_Findings(*line, *input);
-        TTerminalProgress progress(Tr("Exporting page %1 of %2"));
-        const TPageView view(&input->document, progress.Steps(), job.Has_Halo());
-        const TPageExporter::TOutcome outcome = view.Exporter().Export_Pdf(
-            path, input->Page_Ids(), Report_Options(*line, input->document.appearance),
-            Report_Extras(*line, findings));
-        if (outcome != TPageExporter::TOutcome::Complete)
-            Files::Throw_Write_Error(path);
-        job.Mark_Written(path);
+        const QString path = output ? output->Path() : Path_In_Folder(*line, input->path);
+        if (!output || !output->Is_Standard_Output())
+            job.Add_File(path, {{QStringLiteral("document"), input->path},
+                                {QStringLiteral("pages"), static_cast<int>(input->pages.size())}});
+        Export_Report(*line, path, &job, input);
     });
+    if (output)
+        output->Finish();
 }

@@ -4,9 +4,12 @@
 #include "cli/commands.h"
 #include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/output.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "src/format/legacyfile.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -28,13 +31,14 @@ void Commands::Recover(TCommandLine* line)
         return;
 
     const QString path = line->Argument();
-    const QString output = line->Text(CommonOptions::Output);
-    Files::Check_Project_Output(output, line->Is_Set(CommonOptions::Force));
+    const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     if (LegacyFile::Is_Legacy(path))
         throw TJobError{path,
                         Tr("is a file of an earlier generation; only projects can be recovered")};
     if (Files::Is_Work_Log(path)) {
-        Terminal::Print(Files::Recover_Work_Log(path, output).join(QLatin1Char('\n')));
+        const QStringList report = Files::Recover_Work_Log(path, output.Path());
+        output.Finish();
+        std::for_each(report.cbegin(), report.cend(), Terminal::Print_Report);
         return;
     }
     TProjectSurvey survey = Files::Survey(path);
@@ -42,10 +46,11 @@ void Commands::Recover(TCommandLine* line)
         throw TJobError{path, Files::Describe(survey.defects.front())};
     for (TSurveyedPage& page : survey.pages)
         page.image = Sound_Image(page.image);
-    Files::Save(output, TDocument(survey));
+    Files::Save(output.Path(), TDocument(survey));
+    output.Finish();
 
     for (const TProjectDefect& defect : std::as_const(survey.defects))
-        Terminal::Print(Tr("%1: damaged, %2").arg(path, Files::Describe(defect)));
+        Terminal::Print_Report(Tr("%1: damaged, %2").arg(path, Files::Describe(defect)));
     std::size_t label_count = 0;
     int undamaged_count = 0;
     for (const TSurveyedPage& page : std::as_const(survey.pages)) {
@@ -53,10 +58,10 @@ void Commands::Recover(TCommandLine* line)
         undamaged_count += page.is_whole ? 1 : 0;
     }
     // The path is substituted last: it may contain "%1".
-    Terminal::Print(Tr("%5: pages: %1, undamaged pages: %2, labels: %3, defects: %4")
-                        .arg(survey.pages.size())
-                        .arg(undamaged_count)
-                        .arg(label_count)
-                        .arg(survey.defects.size())
-                        .arg(output));
+    Terminal::Print_Report(Tr("%5: pages: %1, undamaged pages: %2, labels: %3, defects: %4")
+                               .arg(survey.pages.size())
+                               .arg(undamaged_count)
+                               .arg(label_count)
+                               .arg(survey.defects.size())
+                               .arg(line->Text(CommonOptions::Output)));
 }

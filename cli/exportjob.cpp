@@ -63,9 +63,9 @@ void TExportJob::Run(const std::function<void(TExportInput*)>& export_document)
     }
     d_is_finished = true;
     if (d_line.Is_Set(CommonOptions::Json))
-        Terminal::Print_Raw(QJsonDocument(d_details).toJson());
+        Terminal::Print_Text(QJsonDocument(d_details).toJson());
     else
-        std::for_each(d_files.cbegin(), d_files.cend(), Terminal::Print);
+        std::for_each(d_files.cbegin(), d_files.cend(), Terminal::Print_Report);
 }
 
 void TExportJob::Add_File(const QString& path, const QJsonObject& details)

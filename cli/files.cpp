@@ -17,8 +17,15 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+#include <unistd.h>
 
 namespace {
+
+[[noreturn]] void Throw_Too_Large(const QString& path)
+{
+    Files::Throw_Read_Error(path, Tr("it is larger than 2 GiB"));
+}
 
 TDocument Load_Project(const QString& path)
 {
@@ -26,6 +33,33 @@ TDocument Load_Project(const QString& path)
     if (!survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
     return TDocument(survey);
+}
+
+/// Ends the command if it has read standard input before: there is nothing left to read.
+void Use_Standard_Input()
+{
+    static bool is_used = false;
+    if (is_used)
+        throw TUsageError{Tr("Standard input can be used only once.")};
+    is_used = true;
+}
+
+/// Reads a pipe up to the largest size of a file.
+QByteArray Read_Pipe(const QString& path, QFile* pipe)
+{
+    constexpr qint64 block_size = 1024 * 1024;
+    QByteArray content;
+    for (QByteArray block = pipe->read(block_size); !block.isEmpty();
+         block = pipe->read(block_size)) {
+        const qint64 size = qint64{content.size()} + block.size();
+        if (size > ProjectLayout::Largest_File)
+            Throw_Too_Large(path);
+        // An array that grows by itself may become larger than the limit, which fails.
+        if (size > content.capacity())
+            content.reserve(static_cast<int>(qMin(ProjectLayout::Largest_File, 2 * size)));
+        content += block;
+    }
+    return content;
 }
 
 [[noreturn]] void Throw_Exists(const QString& path)
@@ -36,6 +70,8 @@ TDocument Load_Project(const QString& path)
 /// Whether a path is an input, or the image that belongs to a legacy input.
 bool Is_Input(const QString& path, const QString& input)
 {
+    if (path == Files::Standard_Stream || input == Files::Standard_Stream)
+        return false;
     return Is_Same_File(path, input) ||
            (LegacyFile::Is_Legacy(input) &&
             Is_Same_File(path, LegacyFile::Image_Path(LegacyFile::Base_Name(input))));
@@ -43,18 +79,44 @@ bool Is_Input(const QString& path, const QString& input)
 
 } // namespace
 
+QString Files::Temporary_Template()
+{
+    return QDir::temp().filePath(QStringLiteral("quillet-XXXXXX"));
+}
+
+void Files::Check_Input(const QString& path)
+{
+    if (path == Standard_Stream)
+        return;
+    const QByteArray system_path = QFile::encodeName(path);
+    if (access(system_path.constData(), R_OK) != 0)
+        Throw_Read_Error(path, qt_error_string(errno));
+}
+
 QByteArray Files::Read(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw TJobError{path, file.errorString()};
+    const bool is_stream = path == Standard_Stream;
+    if (is_stream)
+        Use_Standard_Input();
+    if (!(is_stream ? file.open(STDIN_FILENO, QIODevice::ReadOnly)
+                    : file.open(QIODevice::ReadOnly)))
+        Throw_Read_Error(path,
+                         QFileInfo(path).isDir() ? qt_error_string(EISDIR) : file.errorString());
     if (file.size() > ProjectLayout::Largest_File)
-        throw TJobError{path, Tr("is larger than 2 GiB")};
-    QByteArray content = file.readAll();
-    // Opening a folder succeeds, reading it fails.
+        Throw_Too_Large(path);
+    // Devices have no size, even if they are endless.
+    const bool is_pipe = file.isSequential() || file.size() == 0;
+    QByteArray content = is_pipe ? Read_Pipe(path, &file) : file.readAll();
     if (file.error() != QFileDevice::NoError)
-        throw TJobError{path, file.errorString()};
+        Throw_Read_Error(path, file.errorString());
+    Terminal::Print_Detail(path, Tr("read, %1 bytes").arg(content.size()));
     return content;
+}
+
+QString Files::Base_Name(const QString& path)
+{
+    return path == Standard_Stream ? QStringLiteral("stdin") : QFileInfo(path).completeBaseName();
 }
 
 TProjectSurvey Files::Survey(const QString& path)
@@ -84,8 +146,9 @@ TDocument Files::Load_Pages(const QString& path)
 
 void Files::Check_Folder(const QString& path)
 {
-    if (!QFileInfo(path).isDir())
-        throw TJobError{path, Tr("is not a folder")};
+    const QFileInfo folder(path);
+    if (!folder.isDir())
+        Throw_Write_Error(path, qt_error_string(folder.exists() ? ENOTDIR : ENOENT));
 }
 
 void Files::Check_Output(const QString& path, bool force)
@@ -95,17 +158,17 @@ void Files::Check_Output(const QString& path, bool force)
     // Not even one that appears later.
     if (!force)
         TSafeFile::Keep_Existing_Files();
-    if (path.isEmpty() || file.isDir())
-        throw TJobError{path, Tr("is not a valid file name")};
+    if (file.isDir())
+        Throw_Write_Error(path, qt_error_string(EISDIR));
     if (file.exists() && !file.isFile())
-        throw TJobError{path, Tr("is not a regular file")};
+        throw TJobError{path, Tr("is not a regular file; \"-\" stands for standard output")};
     if (file.exists() && !force)
         Throw_Exists(path);
     if (!folder.isDir())
-        throw TJobError{path, Tr("the folder does not exist")};
+        Throw_Write_Error(path, qt_error_string(folder.exists() ? ENOTDIR : ENOENT));
     // The file is replaced by a new one, so its folder has to be writable, too.
     if (!folder.isWritable() || (file.exists() && !file.isWritable()))
-        throw TJobError{path, Tr("is write-protected")};
+        Throw_Write_Error(path, qt_error_string(EACCES));
 }
 
 void Files::Check_Project_Output(const QString& path, bool force)
@@ -141,8 +204,10 @@ int Files::Protecting_Links(const QString& path)
 
 void Files::Write(const QString& path, const QByteArray& content)
 {
-    if (!TSafeFile::Replace(path, content, Protecting_Links(path)))
-        Throw_Write_Error(path);
+    QString problem;
+    if (!TSafeFile::Replace(path, content, Protecting_Links(path), &problem))
+        Throw_Write_Error(path, problem);
+    Terminal::Print_Detail(path, Tr("written, %1 bytes").arg(content.size()));
 }
 
 void Files::Save(const QString& path, const TDocument& document)
@@ -157,13 +222,15 @@ void Files::Save(const QString& path, const TDocument& document)
         throw TJobError{path, Tr("would be larger than 2 GiB")};
     TSafeFile target(path, TSafeFile::TKind::Like_Target, Protecting_Links(path));
     if (!target.Is_Beside() || !ProjectFile::Commit(project, &target))
-        Throw_Write_Error(path);
+        Throw_Write_Error(path, target.Write_Problem());
+    Terminal::Print_Detail(path, Tr("written, %1 bytes").arg(project.Size()));
 }
 
 bool Files::Is_Work_Log(const QString& path)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) &&
+    // What is read from a pipe is lost.
+    return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) &&
            file.peek(TDatabase::Signature().size()) == TDatabase::Signature();
 }
 
@@ -184,7 +251,7 @@ QStringList Files::Recover_Work_Log(const QString& path, const QString& output)
     const LogConversion::TResult result =
         LogConversion::Write(&log, LogConversion::TDamage::Accept, &target, progress.Steps());
     if (!result.is_written)
-        Throw_Write_Error(output);
+        Throw_Write_Error(output, target.Write_Problem());
     QStringList messages;
     if (!log.Is_Whole() || log.Has_Ignored_Changes())
         messages += Tr("%1: damaged, a part is not readable").arg(path);
@@ -201,10 +268,16 @@ QString Files::Describe(const TProjectDefect& defect)
     return Tr("byte %1: %2").arg(defect.offset).arg(defect.what);
 }
 
-void Files::Throw_Write_Error(const QString& path)
+void Files::Throw_Read_Error(const QString& path, const QString& problem)
+{
+    throw TJobError{path, Tr("cannot be read: %1").arg(problem)};
+}
+
+void Files::Throw_Write_Error(const QString& path, const QString& problem)
 {
     // Without --force, the file did not exist when the command began.
-    if (TSafeFile::Is_Keeping_Existing_Files() && QFileInfo::exists(path))
+    if (TSafeFile::Is_Keeping_Existing_Files() && QFileInfo(path).isFile())
         Throw_Exists(path);
-    throw TJobError{path, Tr("cannot be written")};
+    throw TJobError{path, problem.isEmpty() ? Tr("cannot be written")
+                                            : Tr("cannot be written: %1").arg(problem)};
 }

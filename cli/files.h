@@ -10,11 +10,23 @@
 /// File access for the commands. Every failure throws a TJobError that names the file.
 namespace Files {
 
-/// Reads a whole file.
+/// The name of standard input as an input, and of standard output as an output.
+constexpr QLatin1String Standard_Stream("-");
+
+/// Template of the names of temporary folders, for QTemporaryDir.
+QString Temporary_Template();
+
+/// Checks that a file can be opened.
+void Check_Input(const QString& path);
+
+/// Reads a whole file, a pipe, or standard input.
 QByteArray Read(const QString& path);
 
 /// Reads a project file with all its defects, and decodes its images.
 TProjectSurvey Survey(const QString& path);
+
+/// A file's name without folder and last suffix; "stdin" for standard input.
+QString Base_Name(const QString& path);
 
 /// Loads a project or a file of an earlier generation. Rejects damaged files.
 TDocument Load(const QString& path);
@@ -22,7 +34,7 @@ TDocument Load(const QString& path);
 /// Loads a document. Rejects one without pages.
 TDocument Load_Pages(const QString& path);
 
-/// Checks that a folder exists.
+/// Checks that files can be written to a folder.
 void Check_Folder(const QString& path);
 
 /// Checks that a file can be written. Commands call it before they start to work.
@@ -62,7 +74,12 @@ QStringList Recover_Work_Log(const QString& path, const QString& output);
 /// Describes a defect and its byte offset.
 QString Describe(const TProjectDefect& defect);
 
+/// Throws the error of a file that could not be read.
+/// @param problem  the system's reason.
+[[noreturn]] void Throw_Read_Error(const QString& path, const QString& problem);
+
 /// Throws the error of a file that could not be written.
-[[noreturn]] void Throw_Write_Error(const QString& path);
+/// @param problem  the system's reason; empty if it is unknown.
+[[noreturn]] void Throw_Write_Error(const QString& path, const QString& problem);
 
 } // namespace Files

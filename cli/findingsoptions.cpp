@@ -52,7 +52,7 @@ TFindings FindingsOptions::Load(const TCommandLine& line, const TDocument& docum
     const bool is_strict = line.Is_Set(strict_option);
     const QStringList warnings = Findings::Join(Read_Table(path), &findings, checked_pages);
     for (const QString& warning : warnings)
-        Terminal::Print_Error(path, is_strict ? warning : Tr("warning: ") + warning);
+        is_strict ? Terminal::Print_Error(path, warning) : Terminal::Print_Warning(path, warning);
     if (is_strict && !warnings.isEmpty())
         throw TReportedError();
     return findings;

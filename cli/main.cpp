@@ -204,8 +204,9 @@ int main(int argument_count, char** raw_arguments)
 
     const TExitStatus status =
         is_known ? Run(*command, arguments.mid(1)) : Run_Without_Command(arguments);
-    if (Terminal::Flush())
+    QString problem;
+    if (Terminal::Flush(&problem))
         return status;
-    Terminal::Print_Error(Tr("standard output"), Tr("cannot be written"));
+    Terminal::Print_Error(Tr("standard output"), Tr("cannot be written: %1").arg(problem));
     return Job_Failed;
 }

@@ -1,8 +1,9 @@
 #include "cli/pageview.h"
 
-TPageView::TPageView(TDocument* document, const TStepReport& report, bool has_halo)
+TPageView::TPageView(TDocument* document, const TStepReport& report, bool has_halo,
+                     QString* problem)
     : d_view(nullptr)
-    , d_exporter(&document->data, &d_view, report)
+    , d_exporter(&document->data, &d_view, report, problem)
 {
     const int size = document->appearance.label_size;
     d_view.Set_Label_Size(QSize(size, size), TAppearance::Font_Size(size));

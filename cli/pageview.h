@@ -14,7 +14,9 @@ public:
     /// @param document  not owned; one of its pages becomes active.
     /// @param report    passed to the exporter; may be empty.
     /// @param has_halo  whether labels have a thin light outline.
-    TPageView(TDocument* document, const TStepReport& report, bool has_halo = false);
+    /// @param problem   receives the reason if a file cannot be written; may be null, not owned.
+    TPageView(TDocument* document, const TStepReport& report, bool has_halo = false,
+              QString* problem = nullptr);
 
     const TPageExporter& Exporter() const { return d_exporter; }
 

@@ -295,15 +295,20 @@ bool WebPage::Write(const TWebPage& page, const TStepReport& report, QIODevice* 
     return TWriter(page, device).Write(report);
 }
 
-bool WebPage::Save(const TWebPage& page, const TStepReport& report, const QString& path)
+bool WebPage::Save(const TWebPage& page, const TStepReport& report, const QString& path,
+                   QString* problem)
 {
     TSafeFile target(path);
     QFile file(target.Path_To_Write());
-    if (!file.open(QIODevice::WriteOnly) || !Write(page, report, &file) || !file.flush())
-        return false;
+    const bool is_written =
+        file.open(QIODevice::WriteOnly) && Write(page, report, &file) && file.flush();
     const qint64 size = file.size();
     file.close();
-    return target.Commit([size](const QString& written) {
-        return TSafeFile::Is_Complete(written, size, end_of_file);
-    });
+    if (is_written && target.Commit([size](const QString& written) {
+            return TSafeFile::Is_Complete(written, size, end_of_file);
+        }))
+        return true;
+    if (problem)
+        *problem = target.Write_Problem();
+    return false;
 }

@@ -40,6 +40,8 @@ TWebPage Of(const TData& data, const TAppearance& appearance, const TFindings& f
 bool Write(const TWebPage& page, const TStepReport& report, QIODevice* device);
 
 /// Replaces a file with the web page. On failure, returns false and the file is unchanged.
-bool Save(const TWebPage& page, const TStepReport& report, const QString& path);
+/// @param problem  receives the reason on failure; may be null.
+bool Save(const TWebPage& page, const TStepReport& report, const QString& path,
+          QString* problem = nullptr);
 
 } // namespace WebPage

@@ -184,47 +184,58 @@ private slots:
         row("create --output out", "Missing argument 'FILE'.");
         for (const QString value : {"35", "1201", "150dpi", "-1"})
             row("create image.png --output out --dpi=" + value,
-                "Invalid value '" + value + "' for option 'dpi'.");
+                "Invalid value '" + value +
+                    "' for option 'dpi': expected a whole number from 36 to 1200.");
         for (const QString value : {"", "0", "3-1", "1,,2", "all"})
             row("create image.png --output out --pdf-pages=" + value,
-                "Invalid value '" + value + "' for option 'pdf-pages'.");
+                "Invalid value '" + value +
+                    "' for option 'pdf-pages': expected page numbers and ranges such as 1-3,7.");
         row("create image.png", "Missing option 'output'.");
         row("create image.png --output", "Missing value after '--output'.");
-        row("create image.png --output=", "Invalid value '' for option 'output'.");
+        row("create image.png --output=",
+            "Invalid value '' for option 'output': expected a text that is not empty.");
         row("recover damaged.quillet", "Missing option 'output'.");
         row("reindex sound.quillet --first 1 --output out", "Missing option 'over-page'.");
         row("reindex sound.quillet --over-page 1 --output out", "Missing option 'first'.");
         row("reindex sound.quillet --first 1 --over-page 1", "Missing option 'output'.");
         row("reindex sound.quillet --first x --over-page 1 --output out",
-            "Invalid value 'x' for option 'first'.");
+            "Invalid value 'x' for option 'first': expected a whole number from -2147483648 to "
+            "2147483647.");
         row("reindex sound.quillet --first 2147483648 --over-page 1 --output out",
-            "Invalid value '2147483648' for option 'first'.");
+            "Invalid value '2147483648' for option 'first': expected a whole number from "
+            "-2147483648 to 2147483647.");
         row("reindex sound.quillet --first 1 --over-page 5 --output out",
-            "Invalid value '5' for option 'over-page'.");
+            "Invalid value '5' for option 'over-page': expected one of 1, 10, 100, 1000.");
         row("export-images sound.quillet", "Missing option 'folder'.");
-        row("export-images sound.quillet --folder=", "Invalid value '' for option 'folder'.");
+        row("export-images sound.quillet --folder=",
+            "Invalid value '' for option 'folder': expected a text that is not empty.");
         row("export-pdf sound.quillet", "Missing option 'output'.");
         row("export-pdf sound.quillet --output out --orientation upright",
-            "Invalid value 'upright' for option 'orientation'.");
+            "Invalid value 'upright' for option 'orientation': expected one of portrait, "
+            "landscape, 0, 1.");
         row("export-pdf sound.quillet --output out --resolution 100",
-            "Invalid value '100' for option 'resolution'.");
+            "Invalid value '100' for option 'resolution': expected one of 96, 180, 276, 372, "
+            "96 DPI, 180 DPI, 276 DPI, 372 DPI, 1, 2, 3, 4.");
         row("export-pdf sound.quillet --output out --resolution 5",
-            "Invalid value '5' for option 'resolution'.");
+            "Invalid value '5' for option 'resolution': expected one of 96, 180, 276, 372, "
+            "96 DPI, 180 DPI, 276 DPI, 372 DPI, 1, 2, 3, 4.");
         row("import-items sound.quillet --output out", "Missing option 'csv'.");
         row("import-items sound.quillet --csv items.csv", "Missing option 'output'.");
         row("export-items sound.quillet", "Missing option 'csv'.");
         row("thumbnail sound.quillet", "Missing option 'output'.");
         row("thumbnail sound.quillet --output out --size 0",
-            "Invalid value '0' for option 'size'.");
+            "Invalid value '0' for option 'size': expected a whole number from 1 to 8192.");
         row("thumbnail sound.quillet --output out --size 8193",
-            "Invalid value '8193' for option 'size'.");
+            "Invalid value '8193' for option 'size': expected a whole number from 1 to 8192.");
         row("thumbnail sound.quillet --output out --size big",
-            "Invalid value 'big' for option 'size'.");
+            "Invalid value 'big' for option 'size': expected a whole number from 1 to 8192.");
         row("kept 1", "Unexpected argument '1'.");
         row("kept --copy 1", "Options 'copy' and 'output' must be used together.");
         row("kept --output out", "Options 'copy' and 'output' must be used together.");
-        row("kept --copy x --output out", "Invalid value 'x' for option 'copy'.");
-        row("kept --copy 0 --output out", "Invalid value '0' for option 'copy'.");
+        row("kept --copy x --output out",
+            "Invalid value 'x' for option 'copy': expected a whole number from 1 to 2147483647.");
+        row("kept --copy 0 --output out",
+            "Invalid value '0' for option 'copy': expected a whole number from 1 to 2147483647.");
     }
     void invalid_usage_exits_with_status_2()
     {
@@ -369,7 +380,8 @@ private slots:
         const TToolResult result = Run_Tool(arguments + QStringList{"--force"},
                                             {QString(), d_folder->path(), QString(), "0"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, QStringLiteral("quillet-cli: out: cannot be written\n"));
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: out: cannot be written: File too large\n"));
         QCOMPARE(Content("out"), QByteArray("old"));
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
@@ -407,7 +419,8 @@ private slots:
         const TToolResult result = Run(arguments);
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,
-                 QStringLiteral("quillet-cli: missing/out: the folder does not exist\n"));
+                 QStringLiteral(
+                     "quillet-cli: missing/out: cannot be written: No such file or directory\n"));
     }
 
     void a_folder_is_not_a_valid_output_data() { Add_Writing_Commands(); }
@@ -417,7 +430,8 @@ private slots:
         QVERIFY(QDir(d_folder->path()).mkdir("out"));
         const TToolResult result = Run(arguments + QStringList{"--force"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, QStringLiteral("quillet-cli: out: is not a valid file name\n"));
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: out: cannot be written: Is a directory\n"));
         QCOMPARE(Support::Entries(d_folder->filePath("out")), QStringList());
     }
 
@@ -428,7 +442,9 @@ private slots:
         arguments.replaceInStrings(QRegularExpression("^out$"), "/dev/null");
         const TToolResult result = Run(arguments + QStringList{"--force"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, QStringLiteral("quillet-cli: /dev/null: is not a regular file\n"));
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: /dev/null: is not a regular file; \"-\" stands for "
+                                "standard output\n"));
     }
 
     void write_protection_is_respected_data()
@@ -453,7 +469,8 @@ private slots:
         const TToolResult result = Run_Without_Privileges(
             {"thumbnail", "sound.quillet", "--output", "locked/out", "--force"});
         QVERIFY(QFile::setPermissions(d_folder->filePath(locked), read_only | QFile::WriteOwner));
-        QCOMPARE(result.errors, QStringLiteral("quillet-cli: locked/out: is write-protected\n"));
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: locked/out: cannot be written: Permission denied\n"));
         QCOMPARE(result.status, 1);
         QCOMPARE(Support::Entries(d_folder->filePath("locked")), before);
         QCOMPARE(Content("locked/out"), QByteArray(has_file ? "old" : ""));
@@ -467,7 +484,8 @@ private slots:
         const TToolResult result =
             Run_Without_Privileges({"create", "locked", "--output", "new.quillet"});
         QVERIFY(QFile::setPermissions(locked, QFile::ReadOwner | QFile::ExeOwner));
-        QCOMPARE(result.errors, QStringLiteral("quillet-cli: locked: cannot be read\n"));
+        QCOMPARE(result.errors,
+                 QStringLiteral("quillet-cli: locked: cannot be read: Permission denied\n"));
         QCOMPARE(result.status, 1);
     }
 
@@ -509,7 +527,8 @@ private slots:
         QFile file(d_folder->filePath("sound.quillet"));
         QVERIFY(file.resize(ProjectLayout::Largest_File + 1));
         const TToolResult result = Run({"info", "sound.quillet"});
-        QCOMPARE(result.errors, QString("quillet-cli: sound.quillet: is larger than 2 GiB\n"));
+        QCOMPARE(result.errors,
+                 QString("quillet-cli: sound.quillet: cannot be read: it is larger than 2 GiB\n"));
         QCOMPARE(result.status, 1);
     }
 
@@ -518,9 +537,9 @@ private slots:
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("defect");
         QTest::newRow("missing") << "nothing"
-                                 << "No such file or directory";
+                                 << "cannot be read: No such file or directory";
         QTest::newRow("folder") << "."
-                                << "file to open is a directory";
+                                << "cannot be read: Is a directory";
         QTest::newRow("legacy") << "nothing.qld"
                                 << "Background image not found";
     }
@@ -567,7 +586,8 @@ private slots:
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.exitCode(), 1);
         QCOMPARE(process.readAllStandardError(),
-                 QByteArray("quillet-cli: standard output: cannot be written\n"));
+                 QByteArray(
+                     "quillet-cli: standard output: cannot be written: No space left on device\n"));
     }
 
     void progress_is_only_shown_on_terminals_data()

@@ -146,15 +146,16 @@ private slots:
         QTest::newRow("text") << "notes.txt"
                               << "is not a readable image; accepted formats: " + formats;
         QTest::newRow("missing") << "missing.png"
-                                 << "No such file or directory";
+                                 << "cannot be read: No such file or directory";
         QTest::newRow("folder without images")
             << "empty"
             << "contains no images or PDFs; accepted formats: " + formats;
         QTest::newRow("damaged, in a folder")
             << "damaged"
             << "damaged/a.png: is not a readable image; accepted formats: " + formats;
-        QTest::newRow("missing, in a folder") << "linked"
-                                              << "linked/b.png: No such file or directory";
+        QTest::newRow("missing, in a folder")
+            << "linked"
+            << "linked/b.png: cannot be read: No such file or directory";
     }
     void an_unreadable_image_is_reported_and_nothing_is_written()
     {
@@ -251,7 +252,8 @@ private slots:
         const QRegularExpression pattern("^quillet-cli: b.quillet: byte \\d+: .");
         for (const QString& line : lines.mid(0, lines.size() - 1))
             QVERIFY2(pattern.match(line).hasMatch(), qPrintable(line));
-        QCOMPARE(lines.last(), QStringLiteral("quillet-cli: missing: No such file or directory"));
+        QCOMPARE(lines.last(),
+                 QStringLiteral("quillet-cli: missing: cannot be read: No such file or directory"));
     }
 
     void check_fails_if_only_the_first_file_is_damaged()

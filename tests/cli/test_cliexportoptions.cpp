@@ -153,17 +153,21 @@ private slots:
         const auto row = [](const QString& command, const QString& complaint) {
             QTest::newRow(qPrintable(command)) << command << complaint;
         };
+        const QString pages_hint = ": expected page numbers and ranges such as 1-3,7.";
+        const QString name_hint = ": expected a file name without \"/\", in which braces contain "
+                                  "document, page, number or time.";
         for (const char* const pages :
              {"0", "3-1", "1-", "-2", "1,,2", "one", "1-2-3", "+1", "99999999999"})
             row(QStringLiteral("export-images a.quillet --folder out --pages=%1").arg(pages),
-                QStringLiteral("Invalid value '%1' for option 'pages'.").arg(pages));
+                QStringLiteral("Invalid value '%1' for option 'pages'").arg(pages) + pages_hint);
         row("export-pdf a.quillet --output out/a.pdf --pages=",
-            "Invalid value '' for option 'pages'.");
+            "Invalid value '' for option 'pages'" + pages_hint);
         row("export-images a.quillet --folder out --name {title}",
-            "Invalid value '{title}' for option 'name'.");
+            "Invalid value '{title}' for option 'name'" + name_hint);
         row("export-images a.quillet --folder out --name a/{page}",
-            "Invalid value 'a/{page}' for option 'name'.");
-        row("export-images a.quillet --folder out --name=", "Invalid value '' for option 'name'.");
+            "Invalid value 'a/{page}' for option 'name'" + name_hint);
+        row("export-images a.quillet --folder out --name=",
+            "Invalid value '' for option 'name'" + name_hint);
         row("export-pdf a.quillet --output out/a.pdf --folder out",
             "Options 'output' and 'folder' exclude each other.");
         row("export-pdf a.quillet --output out/a.pdf --footer x --no-footer",

@@ -180,16 +180,20 @@ private slots:
     void the_image_folder_must_exist_data()
     {
         QTest::addColumn<QString>("folder");
-        QTest::newRow("missing") << "missing";
-        QTest::newRow("a file") << "a.quillet";
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("missing") << "missing"
+                                 << "No such file or directory";
+        QTest::newRow("a file") << "a.quillet"
+                                << "Not a directory";
     }
     void the_image_folder_must_exist()
     {
         QFETCH(const QString, folder);
+        QFETCH(const QString, reason);
         Write_Project(Page("a", Picture(20, 10)), 1);
         const TToolResult result = Run({"export-images", "a.quillet", "--folder", folder});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, "quillet-cli: " + folder + ": is not a folder\n");
+        QCOMPARE(result.errors, "quillet-cli: " + folder + ": cannot be written: " + reason + '\n');
     }
 
     void a_document_without_pages_cannot_be_drawn_data()

@@ -50,7 +50,8 @@ private slots:
         Write("page.png", Picture());
         const TToolResult result = Run({"create", "page", "--output", "page.png", "--force"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors, QString("quillet-cli: page: No such file or directory\n"));
+        QCOMPARE(result.errors,
+                 QString("quillet-cli: page: cannot be read: No such file or directory\n"));
         QCOMPARE(Content("page.png"), Picture());
     }
 

@@ -178,8 +178,9 @@ private slots:
         const TToolResult result =
             Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors,
-                 QStringLiteral("quillet-cli: items.csv: No such file or directory\n"));
+        QCOMPARE(
+            result.errors,
+            QStringLiteral("quillet-cli: items.csv: cannot be read: No such file or directory\n"));
     }
 
     void a_text_that_cannot_be_saved_is_an_error()

@@ -8,6 +8,7 @@ import installed
 from installed import run, run_with
 
 TOOL = installed.installed("bin/quillet-cli")
+COMMON_OPTIONS = {"--help", "--quiet", "--verbose"}
 IMAGES = ("bmp", "gif", "jpeg", "jpg", "pbm", "pgm", "png", "ppm", "tif", "tiff", "webp", "xbm", "xpm")
 
 
@@ -17,9 +18,10 @@ def subcommands():
 
 
 def options_in_help(subcommand):
-    """Returns the options in a subcommand's help, without --help."""
+    """Returns the options in a subcommand's help, without those that every subcommand has."""
     names = re.findall(r"^\s+(?:-\w, )*(--[a-z0-9-]+)", run(TOOL, subcommand, "--help"), re.MULTILINE)
-    return set(names) - {"--help", "--help-all"}
+    assert COMMON_OPTIONS <= set(names), subcommand
+    return set(names) - COMMON_OPTIONS
 
 
 class TestManualPages(unittest.TestCase):
@@ -49,13 +51,19 @@ class TestManualPages(unittest.TestCase):
     def test_each_subcommand_has_a_section(self):
         self.assertEqual(list(self.sections()), subcommands())
 
+    def test_the_options_of_all_subcommands_are_listed_once(self):
+        text = installed.man_page("quillet-cli.1")[0]
+        common = re.search(r"^SUBCOMMANDS\n(.*?)^ {3}create\n", text, re.DOTALL | re.MULTILINE)[1]
+        self.assertEqual(set(re.findall(r"^ {7}-\w, (--[a-z0-9-]+)", common, re.MULTILINE)),
+                         COMMON_OPTIONS)
+
     def test_each_section_lists_the_options_in_the_help(self):
         for subcommand, text in self.sections().items():
             with self.subTest(subcommand):
                 synopsis, rest = text.split("\n\n", 1)
                 expected = options_in_help(subcommand)
                 self.assertEqual(set(re.findall(r"--[a-z0-9-]+", synopsis)), expected)
-                self.assertEqual(set(re.findall(r"^ {7}(--[a-z0-9-]+)", rest, re.MULTILINE)),
+                self.assertEqual(set(re.findall(r"^ {7}(?:-\w, )?(--[a-z0-9-]+)", rest, re.MULTILINE)),
                                  expected)
 
 
@@ -98,8 +106,8 @@ class TestCompletion(unittest.TestCase):
     def test_options_are_those_in_the_help(self):
         for subcommand in subcommands():
             with self.subTest(subcommand):
-                offered = set(self.complete(subcommand, "--")) - {"--help", "--help-all"}
-                self.assertEqual({name.rstrip("=") for name in offered}, options_in_help(subcommand))
+                offered = {name.rstrip("=") for name in self.complete(subcommand, "--")}
+                self.assertEqual(offered, options_in_help(subcommand) | COMMON_OPTIONS)
 
     def test_options_of_the_tool_itself(self):
         self.assertEqual(self.complete("--vers"), ["--version"])
