@@ -1,17 +1,17 @@
 // Entry point of the desktop program: one window, one event loop.
 
 #include "src/quillet.h"
+#include "src/widgets/contraststyle.h"
 
 #include <QApplication>
 #include <QIcon>
-#include <QStyleFactory>
 
 #include <memory>
 
 int main(int argument_count, char** arguments)
 {
     QApplication application(argument_count, arguments);
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    QApplication::setStyle(new TContrastStyle);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillet.png")));
     // The name of the desktop entry, by which a desktop matches the window with its entry.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.quillet"));
