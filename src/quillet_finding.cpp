@@ -39,7 +39,7 @@ void TQuillet::Find_Label(const QString& text, LabelSearch::TDirection direction
         start.item_id = selected.back();
     const std::optional<LabelSearch::TPlace> found =
         LabelSearch::Find(pages, text, start, direction);
-    d_find_bar->Show_Result(found ? QString() : tr("Nothing found"));
+    d_find_bar->Show_Result(found ? QString() : tr("Not found"));
     if (found)
         Show_Label(found->page_id, found->item_id);
 }

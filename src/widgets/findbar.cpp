@@ -31,9 +31,8 @@ TFindBar::TFindBar(QWidget* parent)
     , d_editor(new QLineEdit(this))
     , d_result(new TElidedLabel(Qt::ElideRight, this))
 {
-    auto* const caption = new QLabel(tr("Find:"), this);
-    caption->setBuddy(d_editor);
-    d_editor->setPlaceholderText(tr("Number or text"));
+    // Instead of a caption, which would take the room of the result in a narrow window.
+    d_editor->setPlaceholderText(tr("Find number or text"));
     Accessibility::Describe(d_editor, tr("Find"),
                             tr("The number or a part of the text of a label. Return shows the next "
                                "one on any page, Shift+Return the previous one."));
@@ -44,7 +43,7 @@ TFindBar::TFindBar(QWidget* parent)
     auto* const next = New_Button(tr("Find Next"), tr("Shows the next label that matches."), this);
     next->setArrowType(Qt::DownArrow);
     auto* const close = New_Button(tr("Close Find Bar"), tr("Returns to the page."), this);
-    close->setIcon(style()->standardIcon(QStyle::SP_DialogCloseButton));
+    close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
     connect(previous, &QToolButton::clicked, this,
             [this] { Q_EMIT Find_Previous(d_editor->text()); });
     connect(next, &QToolButton::clicked, this, [this] { Q_EMIT Find_Next(d_editor->text()); });
@@ -52,7 +51,6 @@ TFindBar::TFindBar(QWidget* parent)
 
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(margin, 0, margin, 0);
-    layout->addWidget(caption);
     layout->addWidget(d_editor, 2);
     layout->addWidget(previous);
     layout->addWidget(next);

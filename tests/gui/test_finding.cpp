@@ -189,10 +189,10 @@ void TestFinding::the_bar_says_if_nothing_is_found()
 {
     Open("roof");
     QCOMPARE(Find_Next(), QString("1/"));
-    QVERIFY(Support::Caption(*Bar(), "Nothing found")->isVisible());
+    QVERIFY(Support::Caption(*Bar(), "Not found")->isVisible());
     Open("5");
     QCOMPARE(Find_Next(), QString("1/2"));
-    QVERIFY(!Support::Caption(*Bar(), "Nothing found"));
+    QVERIFY(!Support::Caption(*Bar(), "Not found"));
 }
 
 void TestFinding::an_empty_document_has_nothing_to_find()
@@ -200,7 +200,7 @@ void TestFinding::an_empty_document_has_nothing_to_find()
     d_window->File_New();
     Open("17");
     QCOMPARE(Find_Next(), QString("-1/"));
-    QVERIFY(Support::Caption(*Bar(), "Nothing found"));
+    QVERIFY(Support::Caption(*Bar(), "Not found"));
 }
 
 void TestFinding::a_search_works_while_several_pages_are_selected()

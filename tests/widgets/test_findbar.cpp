@@ -142,15 +142,15 @@ void TestFindBar::its_button_closes_it()
 void TestFindBar::opening_it_removes_the_last_result()
 {
     d_bar->Open();
-    d_bar->Show_Result("Nothing found");
-    QVERIFY(Support::Caption(*d_bar, "Nothing found"));
+    d_bar->Show_Result("Not found");
+    QVERIFY(Support::Caption(*d_bar, "Not found"));
     d_bar->Open();
-    QVERIFY(!Support::Caption(*d_bar, "Nothing found"));
+    QVERIFY(!Support::Caption(*d_bar, "Not found"));
 }
 
 void TestFindBar::its_widgets_have_names()
 {
-    QCOMPARE(Support::By_Caption<QLineEdit>(*d_bar, "Find:"), Editor());
+    QCOMPARE(Editor()->placeholderText(), QString("Find number or text"));
     QCOMPARE(Editor()->accessibleName(), QString("Find"));
     const QList<QToolButton*> buttons = d_bar->findChildren<QToolButton*>();
     for (const QToolButton* const button : buttons)
