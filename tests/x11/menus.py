@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Renumbers, rotates and duplicates with the context menus, finds a label, and reads the saved document.
+"""Renumbers, inserts, rotates and duplicates with the context menus, copies and finds labels, and reads the
+saved document.
 
 Usage: menus.py QUILLET RESULTS
   QUILLET   the program
@@ -25,7 +26,7 @@ def begin(session):
     stable_screen()
     press("ctrl+Next")
     page = session.pages[0]
-    session.places = session.spots(page, (60, 90), (-80, -60), (90, -50))
+    session.places = session.spots(page, (60, 90), (-80, 60), (90, -50))
     for place in session.places:
         session.click_page(page, place, button=3)
     session.shoot("unsaved")
@@ -59,12 +60,34 @@ def choose(session, tabs, *keys):
 
 
 def renumber(session):
-    """The third entry from below numbers the labels in reading order."""
+    """The entries for the row order, the reading order and columns are the fourth to second from below."""
     session.click_page(session.pages[0], session.places[0])
-    choose(session, TO_ITEMS, *["Up"] * 3, "Return")
-    expect(session, "the labels in reading order", [[3, 1, 2], []])
-    choose(session, TO_ITEMS, "Down", "Return")
+    orders = {"reading order": (3, [3, 2, 1]), "columns": (2, [3, 1, 2])}
+    for name, (entry, expected) in orders.items():
+        choose(session, TO_ITEMS, *["Up"] * entry, "Return")
+        expect(session, f"the labels in {name}", [expected, []])
+        choose(session, TO_ITEMS, "Down", "Return")
+        expect(session, "the labels after undo", [[1, 2, 3], []])
+    press("ctrl+f", "Escape", "Tab", "alt+Down")
+    choose(session, TO_ITEMS, *["Up"] * 4, "Return")
+    expect(session, "the labels in the order of the rows", [[2, 1, 3], []])
+    press("ctrl+z")
     expect(session, "the labels after undo", [[1, 2, 3], []])
+
+
+def duplicate_and_cut(session):
+    """The copy of a label is cut, and pasted on the other page."""
+    session.click_page(session.pages[0], session.places[2])
+    press("ctrl+d")
+    expect(session, "a copy of the label", [[1, 2, 3, 4], []])
+    press("ctrl+x")
+    expect(session, "the labels without the copy", [[1, 2, 3], []])
+    press("ctrl+Next", "ctrl+v")
+    stable_screen()
+    session.shoot("pasted")
+    expect(session, "a label on the other page", [[1, 2, 3], [5]])
+    press("ctrl+z", "ctrl+Prior")
+    expect(session, "the other page without label", [[1, 2, 3], []])
 
 
 def find(session):
@@ -98,9 +121,18 @@ def rotate_and_duplicate(session):
         check_near("the rotated label", page["labels"][0]["position"], (NOISE_EDGE - y, x), TOLERANCE)
 
 
+def insert_images(session):
+    """The sixth entry from below inserts an image after the selected page."""
+    choose(session, TO_PAGES, *["Up"] * 6, "Return")
+    session.file_name("Insert images", session.images[1])
+    session.shoot("inserted")
+    expect(session, "a page between the two copies", [[1, 2, 3], [], [1, 2, 3], []])
+
+
 def make_images(folder):
     return [noise_page(folder, seed) for seed in (1, 2)]
 
 
 if __name__ == "__main__":
-    run_steps(make_images, (begin, renumber, find, rotate_and_duplicate, close_unchanged))
+    run_steps(make_images, (begin, renumber, duplicate_and_cut, find, rotate_and_duplicate, insert_images,
+                            close_unchanged))
