@@ -1,8 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QColor>
 #include <QImage>
+#include <QPoint>
+#include <QRect>
 #include <QSize>
+#include <QTransform>
 
 #include <memory>
 
@@ -13,9 +17,10 @@
 /// decoded pixels of all page images are in a cache of limited size, TPixelStore. An image is
 /// encoded as PNG at most once.
 ///
-/// Copies are cheap and share their data. Conversions from and to QImage are implicit. The first
-/// access to pixels, size or isNull() decodes the bytes; size and validity are then kept even when
-/// the pixels are dropped. GUI thread only.
+/// Copies are cheap and share their data. Conversions from and to QImage are implicit, and the
+/// const functions of QImage that describe an image or derive another one exist here, too. The
+/// first access to pixels, size or isNull() decodes the bytes; size and validity are then kept even
+/// when the pixels are dropped. GUI thread only.
 class TPageImage
 {
 public:
@@ -64,6 +69,67 @@ public:
     int width() const { return size().width(); }
     int height() const { return size().height(); }
 
+    // As in QImage, so that code for an image also takes a page image. All of them decode, and
+    // hold the pixels no longer than the call. The result is that of the decoded image.
+    QImage::Format format() const { return Decoded().format(); }
+    int depth() const { return Decoded().depth(); }
+    QRect rect() const { return {QPoint(), size()}; }
+    bool valid(int x, int y) const { return rect().contains(x, y); }
+    bool valid(const QPoint& point) const { return rect().contains(point); }
+    QRgb pixel(int x, int y) const { return Decoded().pixel(x, y); }
+    QRgb pixel(const QPoint& point) const { return Decoded().pixel(point); }
+    QColor pixelColor(int x, int y) const { return Decoded().pixelColor(x, y); }
+    QColor pixelColor(const QPoint& point) const { return Decoded().pixelColor(point); }
+    bool hasAlphaChannel() const { return Decoded().hasAlphaChannel(); }
+    qreal devicePixelRatio() const { return Decoded().devicePixelRatio(); }
+    int dotsPerMeterX() const { return Decoded().dotsPerMeterX(); }
+    int dotsPerMeterY() const { return Decoded().dotsPerMeterY(); }
+    QImage copy(const QRect& part = QRect()) const { return Decoded().copy(part); }
+    QImage copy(int x, int y, int width, int height) const
+    {
+        return Decoded().copy(x, y, width, height);
+    }
+    QImage scaled(const QSize& size, Qt::AspectRatioMode aspect_ratio = Qt::IgnoreAspectRatio,
+                  Qt::TransformationMode mode = Qt::FastTransformation) const
+    {
+        return Decoded().scaled(size, aspect_ratio, mode);
+    }
+    QImage scaled(int width, int height, Qt::AspectRatioMode aspect_ratio = Qt::IgnoreAspectRatio,
+                  Qt::TransformationMode mode = Qt::FastTransformation) const
+    {
+        return Decoded().scaled(width, height, aspect_ratio, mode);
+    }
+    QImage scaledToWidth(int width, Qt::TransformationMode mode = Qt::FastTransformation) const
+    {
+        return Decoded().scaledToWidth(width, mode);
+    }
+    QImage scaledToHeight(int height, Qt::TransformationMode mode = Qt::FastTransformation) const
+    {
+        return Decoded().scaledToHeight(height, mode);
+    }
+    QImage transformed(const QTransform& transform,
+                       Qt::TransformationMode mode = Qt::FastTransformation) const
+    {
+        return Decoded().transformed(transform, mode);
+    }
+    QImage mirrored(bool horizontal = false, bool vertical = true) const
+    {
+        return Decoded().mirrored(horizontal, vertical);
+    }
+    QImage convertToFormat(QImage::Format format,
+                           Qt::ImageConversionFlags flags = Qt::AutoColor) const
+    {
+        return Decoded().convertToFormat(format, flags);
+    }
+    bool save(const QString& path, const char* format = nullptr, int quality = -1) const
+    {
+        return Decoded().save(path, format, quality);
+    }
+    bool save(QIODevice* device, const char* format = nullptr, int quality = -1) const
+    {
+        return Decoded().save(device, format, quality);
+    }
+
     /// The image as PNG in default quality, encoded at most once. Original bytes that are PNG or
     /// cannot be decoded are returned unchanged. Empty for an image without bytes and pixels.
     QByteArray Png() const;
@@ -92,6 +158,8 @@ public:
     static constexpr qint64 Maximum_Pixels = 500'000'000;
 
 private:
+    QImage Decoded() const { return *this; }
+
     struct TContent;
     explicit TPageImage(std::shared_ptr<TContent> content);
 
@@ -99,13 +167,33 @@ private:
     std::shared_ptr<TContent> d_content;
 };
 
-/// Compares the pixels as QImage does. Decodes the image if necessary.
+/// Compares the pixels as QImage does. Decodes the images if necessary.
 inline bool operator==(const TPageImage& left, const QImage& right)
 {
     return static_cast<QImage>(left) == right;
 }
 
+inline bool operator==(const QImage& left, const TPageImage& right)
+{
+    return right == left;
+}
+
+inline bool operator==(const TPageImage& left, const TPageImage& right)
+{
+    return left.Is_Copy_Of(right) || left == static_cast<QImage>(right);
+}
+
 inline bool operator!=(const TPageImage& left, const QImage& right)
+{
+    return !(left == right);
+}
+
+inline bool operator!=(const QImage& left, const TPageImage& right)
+{
+    return !(left == right);
+}
+
+inline bool operator!=(const TPageImage& left, const TPageImage& right)
 {
     return !(left == right);
 }
