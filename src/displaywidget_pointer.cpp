@@ -73,7 +73,11 @@ void TDisplayWidget::mouseDoubleClickEvent(QMouseEvent*)
 /// The scene position of a mouse event, which is rounded to whole pixels of the viewport.
 QPointF TDisplayWidget::Scene_Point(const QMouseEvent& event) const
 {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    const QPointF position = event.position();
+#else
     const QPointF position = event.localPos();
+#endif
     return mapToScene(QPoint(Round_Half_Up(position.x()), Round_Half_Up(position.y())));
 }
 

@@ -15,7 +15,9 @@ int main(int argument_count, char** arguments)
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillet.png")));
     // The name of the desktop entry, by which a desktop matches the window with its entry.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.quillet"));
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0) // the default from then on
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
 
     auto window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
     window->show();

@@ -19,8 +19,8 @@ namespace {
 template <typename TValue>
 TValue Read_Setting(const QSettings& settings, const char* key, const TValue& default_value)
 {
-    QVariant value = settings.value(QString::fromLatin1(key));
-    return value.convert(qMetaTypeId<TValue>()) ? value.value<TValue>() : default_value;
+    const QVariant value = settings.value(QString::fromLatin1(key));
+    return value.canConvert<TValue>() ? value.value<TValue>() : default_value;
 }
 
 /// QVariant truncates numbers that are too large for an integer.

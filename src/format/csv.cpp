@@ -67,7 +67,7 @@ public:
         : d_text(text)
         , d_separator(separator)
         , d_field(QStringLiteral(
-                      R"regex((?:"([^"]*+(?:""[^"]*+)*+)"|([^"%1\r\n]*+))(%1|\r\n?|\n|\z)?)regex")
+                      R"regex(\G(?:"([^"]*+(?:""[^"]*+)*+)"|([^"%1\r\n]*+))(%1|\r\n?|\n|\z)?)regex")
                       .arg(separator))
     {
     }
@@ -81,7 +81,7 @@ private:
 
     const QString d_text;
     const QChar d_separator;
-    /// A field and the separator after it, in the groups of TFieldGroup.
+    /// A field at the position and the separator after it, in the groups of TFieldGroup.
     const QRegularExpression d_field;
     int d_position = 0;
     TCsvPlace d_place; ///< of the position
@@ -104,8 +104,7 @@ TCsvRecord TRecordReader::Read_Record()
     do {
         // Checking the whole text for each field would take quadratic time.
         field = d_field.match(d_text, d_position, QRegularExpression::NormalMatch,
-                              QRegularExpression::AnchoredMatchOption |
-                                  QRegularExpression::DontCheckSubjectStringMatchOption);
+                              QRegularExpression::DontCheckSubjectStringMatchOption);
         if (field.capturedStart(Separator) < 0)
             throw TCsvException(Fault(field), d_place);
         record.places.push_back(d_place);
@@ -114,7 +113,7 @@ TCsvRecord TRecordReader::Read_Record()
                              : field.captured(Quoted_Content).replace(quote_pair, quote);
         d_position = field.capturedEnd();
         d_place = After(d_place, field.captured());
-    } while (field.capturedRef(Separator) == d_separator);
+    } while (field.capturedView(Separator) == d_separator);
     return record;
 }
 

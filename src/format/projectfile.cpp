@@ -140,7 +140,7 @@ TProjectReader::TField TProjectReader::Read_Field()
     // The position cannot be past the end: the length before it has just been read.
     const int offset = static_cast<int>(d_position);
     d_position += length;
-    d_last_field = {offset, std::min(length, d_bytes.size() - offset)};
+    d_last_field = {offset, static_cast<int>(std::min<qint64>(length, d_bytes.size() - offset))};
     return d_last_field;
 }
 

@@ -19,19 +19,26 @@ QString Tr(const char* source)
     return QCoreApplication::translate("ToolRun", source);
 }
 
+/// Runs in the child before the program starts.
+void Limit_Child()
+{
+    const rlimit memory{ToolRun::Memory_Limit, ToolRun::Memory_Limit};
+    setrlimit(RLIMIT_AS, &memory);
+    const rlimit no_core_file{0, 0};
+    setrlimit(RLIMIT_CORE, &no_core_file);
+    // The child must not run on if this program is killed.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
+
 class TLimitedProcess : public QProcess
 {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+public:
+    TLimitedProcess() { setChildProcessModifier(Limit_Child); }
+#else
 protected:
-    /// Runs in the child before the program starts.
-    void setupChildProcess() override
-    {
-        const rlimit memory{ToolRun::Memory_Limit, ToolRun::Memory_Limit};
-        setrlimit(RLIMIT_AS, &memory);
-        const rlimit no_core_file{0, 0};
-        setrlimit(RLIMIT_CORE, &no_core_file);
-        // The child must not run on if this program is killed.
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-    }
+    void setupChildProcess() override { Limit_Child(); }
+#endif
 };
 
 /// Waits until a process ends. Returns false if that takes too long.

@@ -28,7 +28,7 @@ QString Markup::Escaped(const QString& text)
     clean.reserve(text.size());
     // Decoding joins surrogate pairs.
     const QVector<uint> characters = text.toUcs4();
-    for (const uint character : characters)
+    for (const char32_t character : characters)
         clean += Is_Allowed(character) ? QString::fromUcs4(&character, 1)
                                        : QString(QChar::ReplacementCharacter);
     return clean.toHtmlEscaped();

@@ -257,13 +257,24 @@ void TRowList::Index_Rows() const
     d_rows_outdated = false;
 }
 
+QStyleOptionViewItem TRowList::Row_Options() const
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    QStyleOptionViewItem options;
+    initViewItemOption(&options);
+    return options;
+#else
+    return viewOptions();
+#endif
+}
+
 /// Measures rows. Returns whether the size of all rows has changed.
 bool TRowList::Measure_Rows(int first, int last)
 {
     bool has_changed = false;
     for (int index = first; index <= last; ++index) {
         if (!d_delegate->Fits(item(index)->text()))
-            has_changed |= d_delegate->Measure(viewOptions(), model()->index(index, 0));
+            has_changed |= d_delegate->Measure(Row_Options(), model()->index(index, 0));
     }
     return has_changed;
 }

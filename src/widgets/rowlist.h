@@ -50,6 +50,7 @@ protected:
 private:
     void Move_Selected_Rows(int step);
     void Index_Rows() const;
+    QStyleOptionViewItem Row_Options() const;
     bool Measure_Rows(int first, int last);
 
     /// The rows by id. The next search rebuilds it when it is outdated.
