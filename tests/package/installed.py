@@ -68,14 +68,15 @@ def expected_files():
         "bin/quillet-cli",
         f"share/applications/{ID}.desktop",
         "share/bash-completion/completions/quillet-cli",
-        "share/doc/quillet/changelog.gz",
+        "share/doc/quillet/changelog",
         "share/doc/quillet/copyright",
         "share/doc/quillet/file-formats.md",
         "share/doc/quillet/guide.md",
+        "share/doc/quillet/sample/findings.csv",
         f"share/icons/hicolor/scalable/apps/{ID}.svg",
         "share/icons/hicolor/scalable/mimetypes/application-x-quillet.svg",
-        "share/man/man1/quillet-cli.1.gz",
-        "share/man/man1/quillet.1.gz",
+        "share/man/man1/quillet-cli.1",
+        "share/man/man1/quillet.1",
         f"share/metainfo/{ID}.metainfo.xml",
         f"share/mime/packages/{ID}.xml",
         f"share/thumbnailers/{ID}.thumbnailer",
@@ -85,7 +86,7 @@ def expected_files():
 def man_page(name):
     """Returns a manual page as plain text, and man's warnings about it."""
     result = subprocess.run(
-        ["man", "--warnings", "-Tutf8", "-l", installed("share/man/man1", name + ".gz")],
+        ["man", "--warnings", "-Tutf8", "-l", installed("share/man/man1", name)],
         capture_output=True, encoding="utf-8", check=True,
         env={**os.environ, "MANWIDTH": "200", "MAN_KEEP_FORMATTING": "", "LC_ALL": "C.UTF-8"})
     return re.sub(r".\x08|\x1b\[[0-9;]*m", "", result.stdout), result.stderr

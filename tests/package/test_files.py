@@ -1,5 +1,4 @@
 """Tests which files are installed where, and that all of them state the same version and licence."""
-import gzip
 import os
 import re
 import stat
@@ -7,7 +6,7 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 
 import installed
-from installed import ID, read, source
+from installed import ID, read, run, source
 
 
 class TestFiles(unittest.TestCase):
@@ -27,20 +26,27 @@ class TestFiles(unittest.TestCase):
             mode = 0o755 if path.startswith("bin/") else 0o644
             self.assertEqual(stat.S_IMODE(os.stat(installed.installed(path)).st_mode), mode, path)
 
-    def test_compressed_files_contain_no_name_and_no_time(self):
-        for name in ("share/doc/quillet/changelog.gz", "share/man/man1/quillet.1.gz",
-                     "share/man/man1/quillet-cli.1.gz"):
-            with open(installed.installed(name), "rb") as file:
-                header = file.read(10)
-            self.assertEqual(header[3], 0, name)
-            self.assertEqual(header[4:8], bytes(4), name)
-            self.assertEqual(header[8], 2, f"{name} is not compressed as well as it can be")
-
     def test_links_between_installed_documents_are_valid(self):
         folder = installed.installed("share/doc/quillet")
         for name in ("guide.md", "file-formats.md"):
             for link in re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", read(os.path.join(folder, name))):
                 self.assertTrue(os.path.exists(os.path.join(folder, link)), f"{name}: {link}")
+
+    def test_installed_documents_name_no_file_of_the_sources(self):
+        # Folders that are installed, too, are no sign of a source.
+        folders = {path.split("/")[0] for path in
+                   run("git", "ls-files", cwd=source()).splitlines() if "/" in path} | {"build"}
+        pattern = re.compile(rf"(?<![\w/.-])(?:{'|'.join(sorted(folders - {'share'}))})/\w[\w./-]*")
+        texts = {name: read(installed.installed("share/doc/quillet", name))
+                 for name in ("guide.md", "file-formats.md", "changelog")}
+        texts.update({name: installed.man_page(name)[0] for name in ("quillet.1", "quillet-cli.1")})
+        for name, text in texts.items():
+            self.assertEqual(pattern.findall(text), [], name)
+
+    def test_files_below_the_prefix_that_manual_pages_name_are_installed(self):
+        for name in ("quillet.1", "quillet-cli.1"):
+            for path in re.findall(r"(?<![\w/])share/[\w./-]+\w", installed.man_page(name)[0]):
+                self.assertTrue(os.path.exists(installed.installed(path)), f"{name}: {path}")
 
 
 class TestVersion(unittest.TestCase):
@@ -50,14 +56,13 @@ class TestVersion(unittest.TestCase):
 
     @staticmethod
     def changelog():
-        with gzip.open(installed.installed("share/doc/quillet/changelog.gz"), "rt") as file:
-            return file.read()
+        return read(installed.installed("share/doc/quillet/changelog"))
 
     def test_latest_release_of_the_metainfo(self):
         metainfo = ElementTree.parse(installed.installed("share/metainfo", ID + ".metainfo.xml"))
         release = metainfo.find("releases/release")
         self.assertEqual(release.get("version"), self.version)
-        date = installed.run("dpkg-parsechangelog", "-l", source("share/doc/changelog"), "-S", "Date")
+        date = installed.run("dpkg-parsechangelog", "-l", source("debian/changelog"), "-S", "Date")
         self.assertEqual(release.get("date"),
                          installed.run("date", "-u", "-d", date.strip(), "+%Y-%m-%d").strip())
 

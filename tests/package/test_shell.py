@@ -32,7 +32,7 @@ class TestManualPages(unittest.TestCase):
 
     def test_whatis_can_index_them(self):
         for name in ("quillet", "quillet-cli"):
-            text = run("lexgrog", installed.installed("share/man/man1", name + ".1.gz"))
+            text = run("lexgrog", installed.installed("share/man/man1", name + ".1"))
             self.assertIn(f'"{name} - ', text)
 
     def test_the_programs_page_names_all_inputs_and_exports(self):
