@@ -42,7 +42,7 @@ TCommandLine::TCommandLine(const QString& summary, const QStringList& arguments)
 
 void TCommandLine::Add_Argument(const QString& name, const QString& description, TCount count)
 {
-    d_argument_name = name;
+    d_argument_names += name;
     d_count = count;
     d_parser.addPositionalArgument(name, description,
                                    count == TCount::One ? name : name + QStringLiteral("..."));
@@ -120,12 +120,14 @@ void TCommandLine::Apply_Verbosity() const
 void TCommandLine::Check_Argument_Count() const
 {
     const QStringList arguments = Arguments();
-    const int minimum = d_argument_name.isEmpty() ? 0 : 1;
+    const int minimum = d_argument_names.size();
     if (d_count == TCount::One && arguments.size() > minimum)
         throw TUsageError{Tr("Unexpected argument '%1'.").arg(arguments.at(minimum))};
     // Arguments are empty for the same reason as values: see Require().
-    if (arguments.size() < minimum || arguments.contains(QString()))
-        throw TUsageError{Tr("Missing argument '%1'.").arg(d_argument_name)};
+    const int empty = arguments.indexOf(QString());
+    const int missing = empty < 0 ? arguments.size() : qMin(empty, minimum - 1);
+    if (missing < minimum)
+        throw TUsageError{Tr("Missing argument '%1'.").arg(d_argument_names.at(missing))};
 }
 
 int TCommandLine::Number(const char* option, int smallest, int largest) const
@@ -152,6 +154,12 @@ QString TCommandLine::One_Of(const QStringList& values)
 
 void TCommandLine::Throw_Invalid_Value(const char* option, const QString& expected) const
 {
+    Throw_Invalid_Value(option, Text(option), expected);
+}
+
+void TCommandLine::Throw_Invalid_Value(const char* option, const QString& text,
+                                       const QString& expected)
+{
     throw TUsageError{Tr("Invalid value '%2' for option '%1': expected %3.")
-                          .arg(QLatin1String(option), Text(option), expected)};
+                          .arg(QLatin1String(option), text, expected)};
 }

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 /// Names of the options that several commands share.
@@ -45,7 +46,7 @@ public:
     /// @param arguments  everything after the command's name.
     TCommandLine(const QString& summary, const QStringList& arguments);
 
-    /// Declares the positional argument.
+    /// Declares a positional argument. With several of them, each is required once.
     void Add_Argument(const QString& name, const QString& description, TCount count = TCount::One);
     /// Declares an option with a value.
     void Add_Option(const char* option, const QString& value_name, const QString& description,
@@ -85,9 +86,17 @@ public:
     template <typename TValues>
     int Code(const char* option, const TValues& values) const;
 
+    /// The code of a text, ignoring case; empty if it is not permitted.
+    /// @param values  range of TOptionValue.
+    template <typename TValues>
+    static std::optional<int> Find_Code(const QString& text, const TValues& values);
+
     /// Throws the error of an option with an invalid value.
     /// @param expected  what is allowed.
     [[noreturn]] void Throw_Invalid_Value(const char* option, const QString& expected) const;
+    /// The same for one of several values.
+    [[noreturn]] static void Throw_Invalid_Value(const char* option, const QString& text,
+                                                 const QString& expected);
 
 private:
     /// "one of 1, 2, 3"
@@ -98,19 +107,27 @@ private:
     QCommandLineParser d_parser;
     QStringList d_arguments;
     std::vector<const char*> d_required_options;
-    QString d_argument_name; ///< empty for a command without arguments
+    QStringList d_argument_names;
     TCount d_count = TCount::One;
 };
 
 template <typename TValues>
 int TCommandLine::Code(const char* option, const TValues& values) const
 {
-    const QString text = Text(option);
+    if (const std::optional<int> code = Find_Code(Text(option), values))
+        return *code;
     QStringList allowed;
+    for (const TOptionValue& value : values)
+        allowed += QLatin1String(value.text);
+    Throw_Invalid_Value(option, One_Of(allowed));
+}
+
+template <typename TValues>
+std::optional<int> TCommandLine::Find_Code(const QString& text, const TValues& values)
+{
     for (const TOptionValue& value : values) {
         if (text.compare(QLatin1String(value.text), Qt::CaseInsensitive) == 0)
             return value.code;
-        allowed += QLatin1String(value.text);
     }
-    Throw_Invalid_Value(option, One_Of(allowed));
+    return std::nullopt;
 }

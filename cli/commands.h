@@ -10,10 +10,14 @@ namespace Commands {
 void Create(TCommandLine* line);
 void Recover(TCommandLine* line);
 void Reindex(TCommandLine* line);
+void Set(TCommandLine* line);
+void Pages(TCommandLine* line);
+void Merge(TCommandLine* line);
 
 // Inspect documents and safety copies.
 void Info(TCommandLine* line);
 void Check(TCommandLine* line);
+void Diff(TCommandLine* line);
 void Kept(TCommandLine* line);
 
 // Draw pages.

@@ -20,6 +20,9 @@ namespace {
 
 enum TExitStatus { Success = 0, Job_Failed = 1, Usage_Error = 2 };
 
+/// Status of `diff` if it could not compare; its status 1 means that the documents differ.
+constexpr TExitStatus Not_Compared = Usage_Error;
+
 enum class TApplicationType {
     Core, ///< QCoreApplication
     Gui   ///< QApplication, for commands that draw pages
@@ -31,9 +34,10 @@ struct TCommand
     const char* summary;
     TApplicationType application_type;
     void (*run)(TCommandLine* line);
+    TExitStatus failure = Job_Failed; ///< if a file cannot be read or written
 };
 
-const std::array<TCommand, 12> commands = {{
+const std::array<TCommand, 16> commands = {{
     {"create", QT_TRANSLATE_NOOP("QuilletCli", "Create a project from images and PDFs."),
      TApplicationType::Core, Commands::Create},
     {"info", QT_TRANSLATE_NOOP("QuilletCli", "Show the content of a document."),
@@ -42,6 +46,15 @@ const std::array<TCommand, 12> commands = {{
      TApplicationType::Core, Commands::Check},
     {"recover", QT_TRANSLATE_NOOP("QuilletCli", "Save the readable parts of a damaged project."),
      TApplicationType::Core, Commands::Recover},
+    {"diff", QT_TRANSLATE_NOOP("QuilletCli", "Compare two documents."), TApplicationType::Core,
+     Commands::Diff, Not_Compared},
+    {"set", QT_TRANSLATE_NOOP("QuilletCli", "Change label size, label colour and header lines."),
+     TApplicationType::Core, Commands::Set},
+    {"pages",
+     QT_TRANSLATE_NOOP("QuilletCli", "List, reorder, rename, rotate, remove or extract pages."),
+     TApplicationType::Core, Commands::Pages},
+    {"merge", QT_TRANSLATE_NOOP("QuilletCli", "Put the pages of several documents into one."),
+     TApplicationType::Core, Commands::Merge},
     {"reindex", QT_TRANSLATE_NOOP("QuilletCli", "Renumber the labels of all pages."),
      TApplicationType::Core, Commands::Reindex},
     {"export-images",
@@ -79,7 +92,8 @@ void Print_Help()
                        "  -v, --version  Show the version.\n\n"
                        "Run 'quillet-cli COMMAND --help' for help on a command.\n"
                        "The exit status is 0 for success, 1 if the command failed and 2 for "
-                       "invalid usage."));
+                       "invalid usage.\n"
+                       "That of diff is 1 for different documents and 2 if it failed."));
 }
 
 /// @param command  the command whose help the message mentions; empty for the tool's own help.
@@ -119,7 +133,7 @@ TExitStatus Run(const TCommand& command, const QStringList& arguments)
         return Report_Usage_Error(error.message, QString::fromLatin1(command.name));
     } catch (const TJobError& error) {
         Terminal::Print_Error(error.file, error.defect);
-        return Job_Failed;
+        return command.failure;
     } catch (const TReportedError&) {
         return Job_Failed;
     }
@@ -208,5 +222,5 @@ int main(int argument_count, char** raw_arguments)
     if (Terminal::Flush(&problem))
         return status;
     Terminal::Print_Error(Tr("standard output"), Tr("cannot be written: %1").arg(problem));
-    return Job_Failed;
+    return is_known ? command->failure : Job_Failed;
 }

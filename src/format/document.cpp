@@ -1,6 +1,7 @@
 #include "src/format/document.h"
 
 #include "src/model/numbering.h"
+#include "src/model/pageturn.h"
 
 #include <cassert>
 
@@ -54,6 +55,43 @@ void TDocument::Add_Page(const TFilePage& page)
     for (const TDataItem& item : page.items)
         data.Add_Item(item);
     data.Set_Active_Page(active_page);
+}
+
+void TDocument::Append(const TDocument& other)
+{
+    for (const TNamedPage& page : other.pages) {
+        const TPageItem& content = other.Content(page);
+        Add_Page({page.name, content.image, content.data_items});
+    }
+}
+
+void TDocument::Keep_Pages(const std::vector<int>& numbers)
+{
+    std::vector<TNamedPage> kept;
+    std::vector<int> page_ids;
+    for (const int number : numbers) {
+        kept.push_back(pages[static_cast<std::size_t>(number) - 1]);
+        page_ids.push_back(kept.back().page_id);
+    }
+    pages = std::move(kept);
+    std::vector<TPageItem> removed;
+    data.Swap_Pages(&page_ids, &removed);
+}
+
+bool TDocument::Turn_Page(int number, int right_angles)
+{
+    TPageItem page = Content(pages[static_cast<std::size_t>(number) - 1]);
+    if (page.image.isNull())
+        return false;
+    constexpr int left = 3;
+    if (right_angles == left) {
+        page = PageTurn::Turned(page, PageTurn::TDirection::Left);
+    } else {
+        for (int turn = 0; turn < right_angles; ++turn)
+            page = PageTurn::Turned(page, PageTurn::TDirection::Right);
+    }
+    data.Replace_Content(page.page_id, page.image, std::move(page.data_items));
+    return true;
 }
 
 int Number_Pages(const QList<int>& page_ids, int first_value, int method, TData* data)

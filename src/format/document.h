@@ -11,8 +11,8 @@
 
 #include <vector>
 
-/// A whole document without a window. Like every TData, a new one restarts the page ids, so only
-/// one may exist at a time.
+/// A whole document without a window. Like every TData, a new one restarts the page ids, so pages
+/// may be added to the latest one only.
 struct TDocument
 {
     TAppearance appearance;
@@ -35,6 +35,15 @@ struct TDocument
     int Add_Page(const QString& name, const TPageImage& image);
     /// Appends a page with its labels. Does not change the active page.
     void Add_Page(const TFilePage& page);
+    /// Appends the pages of another document, under new ids.
+    void Append(const TDocument& other);
+    /// Keeps only these pages, in this order.
+    /// @param numbers  of pages, from 1, each at most once.
+    void Keep_Pages(const std::vector<int>& numbers);
+    /// Rotates a page's image and labels; false if it has no image.
+    /// @param number        of the page, from 1.
+    /// @param right_angles  clockwise, from 1 to 3.
+    bool Turn_Page(int number, int right_angles);
 };
 
 /// Numbers the labels of pages consecutively.

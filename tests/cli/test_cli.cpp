@@ -19,6 +19,7 @@ using Support::TToolResult;
 namespace {
 
 const QStringList command_names = {"create",       "info",          "check",      "recover",
+                                   "diff",         "set",           "pages",      "merge",
                                    "reindex",      "export-images", "export-pdf", "export-html",
                                    "import-items", "export-items",  "kept",       "thumbnail"};
 
@@ -74,6 +75,12 @@ class TestCli : public QObject
         QTest::newRow("recover") << QStringList{"recover", "damaged.quillet", "--output", "out"};
         QTest::newRow("reindex") << QStringList{
             "reindex", "sound.quillet", "--first", "1", "--over-page", "10", "--output", "out"};
+        QTest::newRow("set") << QStringList{"set", "sound.quillet", "--label-size",
+                                            "40",  "--output",      "out"};
+        QTest::newRow("pages") << QStringList{"pages", "sound.quillet", "--rename",
+                                              "1=b",   "--output",      "out"};
+        QTest::newRow("merge") << QStringList{"merge", "sound.quillet", "sound.quillet", "--output",
+                                              "out"};
         QTest::newRow("export-pdf")
             << QStringList{"export-pdf", "sound.quillet", "--output", "out"};
         QTest::newRow("export-html")
@@ -319,6 +326,9 @@ private slots:
         QTest::addColumn<QString>("command");
         QTest::newRow("export-html") << "export-html";
         QTest::newRow("reindex") << "reindex --first 5 --over-page 10";
+        QTest::newRow("set") << "set --label-size 40";
+        QTest::newRow("pages") << "pages --rename 1=b";
+        QTest::newRow("merge") << "merge";
         QTest::newRow("import-items") << "import-items --csv items.csv";
     }
     void neither_file_of_a_legacy_document_is_overwritten()
@@ -493,6 +503,11 @@ private slots:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::newRow("info") << QStringList{"info", "damaged.quillet"};
+        QTest::newRow("set") << QStringList{"set", "damaged.quillet", "--label-size",
+                                            "40",  "--output",        "out"};
+        QTest::newRow("pages") << QStringList{"pages", "damaged.quillet"};
+        QTest::newRow("merge") << QStringList{"merge", "sound.quillet", "damaged.quillet",
+                                              "--output", "out"};
         QTest::newRow("reindex") << QStringList{
             "reindex", "damaged.quillet", "--first", "1", "--over-page", "10", "--output", "out"};
         QTest::newRow("export-images")
