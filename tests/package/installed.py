@@ -58,7 +58,7 @@ def png_size(path):
     return int.from_bytes(header[16:20], "big"), int.from_bytes(header[20:24], "big")
 
 
-def expected_files():
+def expected_files(zsh_folder="site-functions"):
     """Returns all installed files, relative to the prefix."""
     icons = [f"share/icons/hicolor/{size}x{size}/{name}.png" for size in ICON_SIZES
              for name in (f"apps/{ID}", "mimetypes/application-x-quillet")]
@@ -73,6 +73,7 @@ def expected_files():
         "share/doc/quillet/file-formats.md",
         "share/doc/quillet/guide.md",
         "share/doc/quillet/sample/findings.csv",
+        "share/fish/vendor_completions.d/quillet-cli.fish",
         f"share/icons/hicolor/scalable/apps/{ID}.svg",
         "share/icons/hicolor/scalable/mimetypes/application-x-quillet.svg",
         "share/man/man1/quillet-cli.1",
@@ -80,6 +81,7 @@ def expected_files():
         f"share/metainfo/{ID}.metainfo.xml",
         f"share/mime/packages/{ID}.xml",
         f"share/thumbnailers/{ID}.thumbnailer",
+        f"share/zsh/{zsh_folder}/_quillet-cli",
     ])
 
 

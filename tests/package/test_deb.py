@@ -33,8 +33,9 @@ class TestPackage(unittest.TestCase):
         files = [path for path in installed.files_below(self.folder)
                  if not path.startswith("DEBIAN/")]
         # Debian compresses manual pages and the changelog.
+        expected = installed.expected_files(zsh_folder="vendor-completions")
         self.assertEqual(files, sorted(f"usr/{path}" + (".gz" if re.search("/man1/|/changelog", path) else "")
-                                       for path in installed.expected_files()))
+                                       for path in expected))
 
     def test_owners_and_modes(self):
         for line in run("dpkg-deb", "--contents", self.path).splitlines():

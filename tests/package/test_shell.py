@@ -1,5 +1,6 @@
-"""Tests the manual pages and the completion, and that they agree with the tool's help."""
+"""Tests the manual pages and the completion in three shells, and that they agree with the tool's help."""
 import os
+import pty
 import re
 import tempfile
 import unittest
@@ -67,19 +68,8 @@ class TestManualPages(unittest.TestCase):
                                  expected)
 
 
-class TestCompletion(unittest.TestCase):
-    """Lets bash load the completion from its usual folder."""
-
-    script = r"""
-        . /usr/share/bash-completion/bash_completion
-        _completion_loader quillet-cli || [ $? -eq 124 ]
-        rule=$(complete -p quillet-cli)
-        [[ $rule =~ -F\ ([^ ]+) ]] && complete=${BASH_REMATCH[1]}
-        COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMP_LINE="$*" COMP_TYPE=9 COMP_KEY=9
-        COMP_POINT=${#COMP_LINE}
-        "$complete" "$1" "${!#}" "${@: -2:1}"
-        printf '%s\n' "${COMPREPLY[@]}"
-    """
+class Completion:
+    """What each shell has to offer. The classes below run the shells."""
 
     @classmethod
     def setUpClass(cls):
@@ -91,13 +81,6 @@ class TestCompletion(unittest.TestCase):
                      "items.csv", "notes.txt"):
             with open(os.path.join(cls.folder, name), "w", encoding="utf-8"):
                 pass
-
-    def complete(self, *words):
-        environment = {"XDG_DATA_DIRS": installed.installed("share"),
-                       "PATH": installed.installed("bin") + ":" + os.environ["PATH"]}
-        text = run_with(environment, "bash", "--norc", "--noprofile", "-c", self.script, "bash",
-                        "quillet-cli", *words, cwd=self.folder)
-        return sorted(line.strip() for line in text.splitlines() if line.strip())
 
     def test_subcommands(self):
         self.assertEqual(self.complete(""), sorted(subcommands()))
@@ -144,9 +127,96 @@ class TestCompletion(unittest.TestCase):
                 (("reindex", "a.quillet", "--over-page", "10"), ["10", "100", "1000"]),
                 (("export-pdf", "a.quillet", "--orientation", "l"), ["landscape"]),
                 (("export-pdf", "a.quillet", "--resolution=1"), ["180"]),
-                (("reindex", "a.quillet", "--first", ""), [])):
+                (("reindex", "a.quillet", "--first", ""), []),
+                (("pages", "a.quillet", "--rename", ""), [])):
             with self.subTest(words):
                 self.assertEqual(self.complete(*words), expected)
+
+
+
+ENVIRONMENT = {"XDG_DATA_DIRS": installed.installed("share"), "TERM": "dumb",
+               "PATH": installed.installed("bin") + ":" + os.environ["PATH"]}
+
+
+class TestBash(Completion, unittest.TestCase):
+    """Lets bash load the completion from its usual folder."""
+
+    script = r"""
+        . /usr/share/bash-completion/bash_completion
+        _completion_loader quillet-cli || [ $? -eq 124 ]
+        rule=$(complete -p quillet-cli)
+        [[ $rule =~ -F\ ([^ ]+) ]] && complete=${BASH_REMATCH[1]}
+        COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMP_LINE="$*" COMP_TYPE=9 COMP_KEY=9
+        COMP_POINT=${#COMP_LINE}
+        "$complete" "$1" "${!#}" "${@: -2:1}"
+        printf '%s\n' "${COMPREPLY[@]}"
+    """
+
+    def complete(self, *words):
+        text = run_with(ENVIRONMENT, "bash", "--norc", "--noprofile", "-c", self.script, "bash",
+                        "quillet-cli", *words, cwd=self.folder)
+        return sorted(line.strip() for line in text.splitlines() if line.strip())
+
+
+class TestFish(Completion, unittest.TestCase):
+    """Lets fish load the completion from its usual folder."""
+
+    def complete(self, *words):
+        line = " ".join(("quillet-cli", *words))
+        text = run_with({**ENVIRONMENT, "HOME": self.folder}, "fish", "--private", "--command",
+                        f"complete --do-complete '{line}'", cwd=self.folder)
+        offered = (line.split("\t")[0] for line in text.splitlines())
+        return sorted(name.rstrip("/").removeprefix("--resolution=") for name in offered)
+
+
+class TestZsh(Completion, unittest.TestCase):
+    """Presses the Tab key in a zsh that records what the completion adds."""
+
+    setup = r"""
+        fpath=($QUILLET_FUNCTIONS $fpath)
+        autoload -Uz compinit && compinit -u -D
+        bindkey '^I' complete-word
+        compadd() {
+            if [[ ${@[1,(i)(-|--)]} == *-(O|A|D)\ * ]]; then
+                builtin compadd "$@"
+                return
+            fi
+            local -a hits
+            builtin compadd -A hits "$@"
+            print -rl -- $hits >>$QUILLET_OFFERED
+            builtin compadd "$@"
+        }
+        comppostfuncs=(exit)
+        PS1=ready
+    """
+
+    def complete(self, *words):
+        with tempfile.TemporaryDirectory() as home:
+            with open(os.path.join(home, ".zshrc"), "w", encoding="utf-8") as file:
+                file.write(self.setup)
+            offered = os.path.join(home, "offered")
+            environment = {**os.environ, **ENVIRONMENT, "HOME": home, "ZDOTDIR": home,
+                           "QUILLET_FUNCTIONS": installed.installed("share/zsh/site-functions"),
+                           "QUILLET_OFFERED": offered}
+            process, terminal = pty.fork()
+            if process == 0:
+                os.chdir(self.folder)
+                os.execvpe("zsh", ["zsh", "-i"], environment)
+            shown = b""
+            while b"ready" not in shown:
+                shown += os.read(terminal, 1024)
+            os.write(terminal, " ".join(("quillet-cli", *words)).encode() + b"\t")
+            try:
+                while os.read(terminal, 1024):
+                    pass
+            except OSError:  # the shell has closed the terminal
+                pass
+            os.waitpid(process, 0)
+            os.close(terminal)
+            if not os.path.exists(offered):
+                return []
+            names = {line.rstrip("/") for line in installed.read(offered).splitlines()}
+            return sorted(names - {""})
 
 
 installed.main()
