@@ -32,10 +32,12 @@ std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& 
     return labels;
 }
 
-std::vector<std::vector<TDataItem>> Read_Labels(const QString& table, std::size_t page_count)
+std::vector<std::vector<TDataItem>> Read_Labels(const QString& table, const TDocument& document)
 {
     try {
-        return Labels_By_Page(ItemTable::Read(Files::Read(table)), page_count);
+        const std::vector<TItemRow> rows =
+            ItemTable::Read(Files::Read(table), Csv::Comma, document.Page_Names());
+        return Labels_By_Page(rows, document.pages.size());
     } catch (const TCsvException& exception) {
         throw TJobError{table, exception.Placed_Message()};
     }
@@ -109,7 +111,7 @@ void Commands::Import_Items(TCommandLine* line)
     Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {table});
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     TDocument document = Files::Load(line->Argument());
-    const auto labels = Read_Labels(table, document.pages.size());
+    const auto labels = Read_Labels(table, document);
     for (std::size_t index = 0; index < labels.size(); ++index) {
         document.data.Set_Active_Page(document.pages[index].page_id);
         Add_Labels(labels[index], &document.data);

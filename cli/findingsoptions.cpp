@@ -12,10 +12,10 @@ namespace {
 
 const char* const strict_option = "strict";
 
-TFindingsTable Read_Table(const QString& path)
+TFindingsTable Read_Table(const QString& path, const QStringList& page_names)
 {
     try {
-        return TFindingsTable::Read(Files::Read(path));
+        return TFindingsTable::Read(Files::Read(path), page_names);
     } catch (const TCsvException& exception) {
         throw TJobError{path, exception.Placed_Message()};
     }
@@ -50,7 +50,8 @@ TFindings FindingsOptions::Load(const TCommandLine& line, const TDocument& docum
         return findings;
     const QString path = line.Text(CommonOptions::Findings);
     const bool is_strict = line.Is_Set(strict_option);
-    const QStringList warnings = Findings::Join(Read_Table(path), &findings, checked_pages);
+    const QStringList warnings =
+        Findings::Join(Read_Table(path, document.Page_Names()), &findings, checked_pages);
     for (const QString& warning : warnings)
         is_strict ? Terminal::Print_Error(path, warning) : Terminal::Print_Warning(path, warning);
     if (is_strict && !warnings.isEmpty())

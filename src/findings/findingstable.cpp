@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 
+#include <optional>
+
 namespace {
 
 /// Converts records to rows.
@@ -14,7 +16,7 @@ class TTableReader
 
 public:
     /// @throws TCsvException if page or value is missing or a column is repeated.
-    explicit TTableReader(const TCsvRecord& header);
+    TTableReader(const TCsvRecord& header, const QStringList& page_names);
 
     QStringList Headings() const { return d_headings; }
     TFindingsRow Row(const TCsvRecord& record) const;
@@ -25,6 +27,7 @@ private:
     void Check_Fields(const TCsvRecord& record) const;
 
     int d_field_count;
+    QStringList d_page_names;
     int d_page_index;
     int d_value_index;
     QStringList d_headings;
@@ -32,8 +35,9 @@ private:
     std::vector<int> d_unnamed_indexes; ///< of the columns without a name
 };
 
-TTableReader::TTableReader(const TCsvRecord& header)
+TTableReader::TTableReader(const TCsvRecord& header, const QStringList& page_names)
     : d_field_count(header.fields.size())
+    , d_page_names(page_names)
     , d_page_index(Index(header, QStringLiteral("page")))
     , d_value_index(Index(header, QStringLiteral("value")))
 {
@@ -70,13 +74,14 @@ int TTableReader::Index(const TCsvRecord& header, const QString& name)
 TFindingsRow TTableReader::Row(const TCsvRecord& record) const
 {
     Check_Fields(record);
-    const QString page_complaint = tr("\"%1\" is not a page number");
     TFindingsRow row;
     row.line = record.Line();
-    row.page = Integer(record, d_page_index, page_complaint);
-    if (row.page < 1)
-        throw TCsvException(page_complaint.arg(record.fields.at(d_page_index)),
+    const QString page_field = record.fields.at(d_page_index);
+    const std::optional<int> page = ItemTable::Page_Number(page_field, d_page_names);
+    if (!page)
+        throw TCsvException(tr("\"%1\" is not a page number").arg(page_field),
                             record.Place(d_page_index));
+    row.page = *page;
     row.value = Integer(record, d_value_index, tr("\"%1\" is not a whole number"));
     for (const int index : d_indexes) {
         QString cell = record.fields.at(index);
@@ -112,10 +117,10 @@ void TTableReader::Check_Fields(const TCsvRecord& record) const
 
 } // namespace
 
-TFindingsTable TFindingsTable::Read(const QByteArray& table)
+TFindingsTable TFindingsTable::Read(const QByteArray& table, const QStringList& page_names)
 {
     const std::vector<TCsvRecord> records = Csv::Read(table);
-    const TTableReader reader(records.front());
+    const TTableReader reader(records.front(), page_names);
     TFindingsTable result;
     result.headings = reader.Headings();
     for (std::size_t index = 1; index < records.size(); ++index)

@@ -24,6 +24,7 @@ struct TFindingsTable
     /// The columns page and value are required. Their names and those of the other columns of
     /// ItemTable may be in upper or lower case. Every further column becomes a heading. Line breaks
     /// in cells become LF. A column without a name must be empty.
+    /// @param page_names  of the document, in order: a page may be given by its name, too.
     /// @throws TCsvException
-    static TFindingsTable Read(const QByteArray& table);
+    static TFindingsTable Read(const QByteArray& table, const QStringList& page_names = {});
 };

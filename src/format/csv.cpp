@@ -40,9 +40,9 @@ TCsvPlace After(const TCsvPlace& place, const QString& text)
         qMax(text.lastIndexOf(QLatin1Char('\n')), text.lastIndexOf(QLatin1Char('\r')));
     const QString last_line = text.mid(last_end + 1);
     // A character beyond 16 bits has two code units.
-    const auto low_halves = std::count_if(last_line.cbegin(), last_line.cend(), [](QChar character) {
-        return character.isLowSurrogate();
-    });
+    const auto low_halves =
+        std::count_if(last_line.cbegin(), last_line.cend(),
+                      [](QChar character) { return character.isLowSurrogate(); });
     const int length = last_line.size() - static_cast<int>(low_halves);
     return {place.line + line_ends, line_ends > 0 ? 1 + length : place.column + length};
 }

@@ -41,6 +41,14 @@ QList<int> TDocument::Page_Ids() const
     return page_ids;
 }
 
+QStringList TDocument::Page_Names() const
+{
+    QStringList names;
+    for (const TNamedPage& page : pages)
+        names.append(page.name);
+    return names;
+}
+
 int TDocument::Add_Page(const QString& name, const TPageImage& image)
 {
     const int page_id = data.Add_Page(image);

@@ -31,6 +31,8 @@ struct TDocument
     const TPageItem& Content(const TNamedPage& page) const;
     /// Ids of the pages, in order.
     QList<int> Page_Ids() const;
+    /// Names of the pages, in order.
+    QStringList Page_Names() const;
     /// Appends a page and returns its id. Does not change the active page.
     int Add_Page(const QString& name, const TPageImage& image);
     /// Appends a page with its labels. Does not change the active page.

@@ -61,7 +61,7 @@ class TRowReader
 
 public:
     /// @throws TCsvException if a required column is missing or a column is repeated.
-    explicit TRowReader(const TCsvRecord& header);
+    TRowReader(const TCsvRecord& header, const QStringList& page_names);
 
     TItemRow Row(const TCsvRecord& record) const;
 
@@ -73,11 +73,13 @@ private:
     [[noreturn]] void Refuse(const TCsvRecord& record, TColumn column) const;
 
     int d_field_count = 0;
+    QStringList d_page_names;
     std::array<int, columns.size()> d_indexes{}; ///< of the columns in a record; -1 if missing
 };
 
-TRowReader::TRowReader(const TCsvRecord& header)
+TRowReader::TRowReader(const TCsvRecord& header, const QStringList& page_names)
     : d_field_count(header.fields.size())
+    , d_page_names(page_names)
 {
     QStringList names;
     for (const QString& field : header.fields)
@@ -100,9 +102,10 @@ TItemRow TRowReader::Row(const TCsvRecord& record) const
             tr("%1 fields, but there are %2 columns").arg(record.fields.size()).arg(d_field_count),
             record.Place());
     TItemRow row;
-    row.page = Integer(record, Page);
-    if (row.page < 1)
+    const std::optional<int> page = ItemTable::Page_Number(Field(record, Page), d_page_names);
+    if (!page)
         Refuse(record, Page);
+    row.page = *page;
     row.item.value = Integer(record, Value);
     row.item.text = Field(record, Text);
     row.item.border_type = Border_Type(record);
@@ -197,10 +200,21 @@ QByteArray ItemTable::Write(const std::vector<TItemRow>& rows, const QStringList
     return table.toUtf8();
 }
 
-std::vector<TItemRow> ItemTable::Read(const QByteArray& table, QChar separator)
+std::optional<int> ItemTable::Page_Number(const QString& field, const QStringList& page_names)
+{
+    bool is_number = false;
+    const int number = field.trimmed().toInt(&is_number);
+    if (is_number)
+        return number < 1 ? std::nullopt : std::make_optional(number);
+    return page_names.count(field) == 1 ? std::make_optional(page_names.indexOf(field) + 1)
+                                        : std::nullopt;
+}
+
+std::vector<TItemRow> ItemTable::Read(const QByteArray& table, QChar separator,
+                                      const QStringList& page_names)
 {
     const std::vector<TCsvRecord> records = Csv::Read(table, separator);
-    const TRowReader reader(records.front());
+    const TRowReader reader(records.front(), page_names);
     std::vector<TItemRow> rows;
     std::transform(std::next(records.cbegin()), records.cend(), std::back_inserter(rows),
                    [&reader](const TCsvRecord& record) { return reader.Row(record); });

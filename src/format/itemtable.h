@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 /// One label in a table.
@@ -46,7 +47,13 @@ QByteArray Write(const std::vector<TItemRow>& rows, const QStringList& headings 
 /// case. Other columns are ignored, and so are blanks around names, numbers and borders. page,
 /// value, x and y are required; text and border are optional, and their fields may be empty. A
 /// border may also be a code (0, 1, 2, 4, 8). The labels' ids are 0.
+/// @param page_names  of the document, in order: a page may be given by its name, too.
 /// @throws TCsvException
-std::vector<TItemRow> Read(const QByteArray& table, QChar separator = Csv::Comma);
+std::vector<TItemRow> Read(const QByteArray& table, QChar separator = Csv::Comma,
+                           const QStringList& page_names = {});
+
+/// The number of a page that a table gives by its number or its name; empty if it is neither, or if
+/// several pages have the name.
+std::optional<int> Page_Number(const QString& field, const QStringList& page_names);
 
 } // namespace ItemTable

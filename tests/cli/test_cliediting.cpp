@@ -411,8 +411,7 @@ private slots:
         const QJsonArray expected{
             QJsonObject{
                 {"kind", "changed"}, {"property", "label_size"}, {"left", 32}, {"right", 33}},
-            QJsonObject{
-                {"kind", "moved"}, {"left_page", 1}, {"right_page", 3}, {"page_name", "a"}},
+            QJsonObject{{"kind", "moved"}, {"left_page", 1}, {"right_page", 3}, {"page_name", "a"}},
             QJsonObject{{"kind", "changed"},
                         {"left_page", 1},
                         {"right_page", 3},

@@ -94,6 +94,23 @@ private slots:
         QCOMPARE(Content("again.csv"), Content("out.csv"));
     }
 
+    void tables_with_page_names_fit_any_order_of_the_pages()
+    {
+        Write("a.quillet", Project({QByteArray(), Label(7)}));
+        Do({"pages", "a.quillet", "--rename", "1=North", "--rename", "2=South", "-o", "b.quillet"});
+        Do({"pages", "b.quillet", "--order", "2", "-o", "c.quillet"});
+        Write("t.csv", "page,value,x,y,Finding\nSouth,7,1,2,crack\n");
+        for (const char* const document : {"b.quillet", "c.quillet"}) {
+            Do({"export-items", document, "--findings", "t.csv", "--strict", "--csv", "out.csv",
+                "--force"});
+            QVERIFY(Content("out.csv").contains(",7,,ellipse,20,20,crack\r\n"));
+            Do({"import-items", document, "--csv", "t.csv", "-fo", "out.quillet"});
+            QCOMPARE(Support::Run_Tool({"pages", d_folder->filePath("out.quillet")})
+                         .output.contains("labels: 2, South"),
+                     true);
+        }
+    }
+
     void items_are_printed_as_json()
     {
         Write("a.quillet", Project({Label(7), QByteArray()}));

@@ -51,7 +51,8 @@ QStringList Describe(const TFindings& findings)
 
 QString Refusal(const QByteArray& table)
 {
-    return Support::Table_Refusal(TFindingsTable::Read, table);
+    return Support::Table_Refusal([](const QByteArray& bytes) { TFindingsTable::Read(bytes); },
+                                  table);
 }
 
 } // namespace

@@ -283,6 +283,34 @@ private slots:
                  QString("2:1: 5 fields, but there are 6 columns"));
     }
 
+    void a_page_may_be_given_by_its_name_data()
+    {
+        QTest::addColumn<QByteArray>("page");
+        QTest::addColumn<QString>("result");
+        const auto row = [](const QByteArray& page, const QString& result) {
+            QTest::newRow(page) << page << result;
+        };
+        const QString refusal = "2:1: \"%1\" is not a page number";
+        row("2", "2");
+        row("Roof", "2");
+        row("\"a, b\"", "3");
+        row("5", "5"); // also the name of page 1
+        row("Twice", refusal.arg("Twice"));
+        row("roof", refusal.arg("roof"));
+    }
+    void a_page_may_be_given_by_its_name()
+    {
+        QFETCH(const QByteArray, page);
+        const QStringList names{"5", "Roof", "a, b", "Twice", "Twice"};
+        QString result;
+        const auto read = [&](const QByteArray& table) {
+            result = QString::number(ItemTable::Read(table, Csv::Comma, names).front().page);
+        };
+        const QString refusal =
+            Support::Table_Refusal(read, "page,value,x,y\n" + page + ",1,2,3\n");
+        QTEST(refusal.isEmpty() ? result : refusal, "result");
+    }
+
     void a_large_table_is_read_in_linear_time()
     {
         constexpr int count = 20000;
