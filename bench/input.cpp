@@ -1,10 +1,13 @@
-// Creating a document from a PDF, compared with the renderer alone.
+// Creating a document from a PDF, compared with the renderer alone, and merging documents, compared
+// with reading and writing the same bytes.
 
 #include "bench/documents.h"
 #include "bench/measure.h"
+#include "core/safefile.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QProcess>
 
 namespace {
@@ -28,9 +31,22 @@ QString Manual()
     return path;
 }
 
+QString Tool()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/quillet-cli");
+}
+
+constexpr int merged_documents = 10;
+
+QString Fifty_Pages()
+{
+    static const QString path = Bench::Document_File(QStringLiteral("part.quillet"),
+                                                     Bench::Shape(50, 20, Bench::TGrain::Clean, 8));
+    return path;
+}
+
 void create_from_pdf(benchmark::State& state)
 {
-    const QString tool = QCoreApplication::applicationDirPath() + QStringLiteral("/quillet-cli");
     const QStringList arguments{QStringLiteral("create"),
                                 Manual(),
                                 QStringLiteral("--pdf-pages"),
@@ -39,7 +55,7 @@ void create_from_pdf(benchmark::State& state)
                                 QStringLiteral("--output"),
                                 Bench::Output_Path(QStringLiteral("created.quillet"))};
     Bench::Measure(
-        &state, [] {}, [&] { Run(tool, arguments); });
+        &state, [] {}, [&] { Run(Tool(), arguments); });
 }
 BENCH_SLOW(create_from_pdf);
 
@@ -56,5 +72,37 @@ void render_pdf(benchmark::State& state)
         &state, [] {}, [&] { Run(QStringLiteral("pdftoppm"), arguments); });
 }
 BENCH_SLOW(render_pdf);
+
+void merge_documents(benchmark::State& state)
+{
+    QStringList arguments{QStringLiteral("merge"), QStringLiteral("--force"),
+                          QStringLiteral("--output"),
+                          Bench::Output_Path(QStringLiteral("merged.quillet"))};
+    for (int count = 0; count < merged_documents; ++count)
+        arguments += Fifty_Pages();
+    Bench::Measure(
+        &state, [] { Bench::Read_File(Fifty_Pages()); }, [&] { Run(Tool(), arguments); });
+}
+BENCH_SLOW(merge_documents);
+
+/// Reads each document and writes it behind the one before, to the disk as the tool does.
+void read_and_write(benchmark::State& state)
+{
+    const QString path = Bench::Output_Path(QStringLiteral("copied"));
+    Bench::Measure(
+        &state, [] { Bench::Read_File(Fifty_Pages()); },
+        [&] {
+            QFile file(path);
+            bool is_written = file.open(QIODevice::WriteOnly);
+            for (int count = 0; count < merged_documents; ++count) {
+                const QByteArray bytes = Bench::Read_File(Fifty_Pages());
+                is_written = is_written && file.write(bytes) == bytes.size();
+            }
+            file.close();
+            if (!is_written || !TSafeFile::Sync(path))
+                qFatal("cannot write %s", qPrintable(path));
+        });
+}
+BENCH_SLOW(read_and_write);
 
 } // namespace

@@ -132,7 +132,7 @@ QString TCopies::Path_Of(const QString& path)
         return path;
     // The copy has the name of the pipe, which may become the name of a page.
     const QString folder = d_folder.filePath(QString::number(++d_count));
-    const QString copy = QDir(folder).filePath(Files::Base_Name(path));
+    QString copy = QDir(folder).filePath(Files::Base_Name(path));
     QDir().mkpath(folder);
     QString problem;
     if (!TSafeFile::Replace(copy, Files::Read(path), 0, &problem))

@@ -29,10 +29,10 @@ const char* const extract_option = "extract";
 const char* const rename_option = "rename";
 const char* const rotate_option = "rotate";
 
-constexpr std::array<const char*, 4> settings = {label_size_option, label_color_option,
-                                                 header_1_option, header_2_option};
-constexpr std::array<const char*, 5> edits = {order_option, remove_option, extract_option,
-                                              rename_option, rotate_option};
+const std::array<const char*, 4> settings = {label_size_option, label_color_option, header_1_option,
+                                             header_2_option};
+const std::array<const char*, 5> edits = {order_option, remove_option, extract_option,
+                                          rename_option, rotate_option};
 
 /// Codes of rotations: the number of right angles clockwise.
 constexpr std::array<TOptionValue, 3> rotations = {{{"left", 3}, {"right", 1}, {"180", 2}}};

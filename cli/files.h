@@ -11,7 +11,7 @@
 namespace Files {
 
 /// The name of standard input as an input, and of standard output as an output.
-constexpr QLatin1String Standard_Stream("-");
+inline const QLatin1String Standard_Stream("-");
 
 /// Template of the names of temporary folders, for QTemporaryDir.
 QString Temporary_Template();
