@@ -23,7 +23,7 @@ QStringList Names(const char* option)
     for (const char* const abbreviated : {help_option, CommonOptions::Output, CommonOptions::Force,
                                           CommonOptions::Quiet, CommonOptions::Verbose}) {
         if (name == QLatin1String(abbreviated))
-            return {name.left(1), name};
+            return {QString(name.at(0)), name};
     }
     return {name};
 }

@@ -35,7 +35,8 @@ const std::array<const char*, 5> edits = {order_option, remove_option, extract_o
                                           rename_option, rotate_option};
 
 /// Codes of rotations: the number of right angles clockwise.
-constexpr std::array<TOptionValue, 3> rotations = {{{"left", 3}, {"right", 1}, {"180", 2}}};
+constexpr std::array<TOptionValue, 5> rotations = {
+    {{"left", 3}, {"right", 1}, {"90", 1}, {"180", 2}, {"270", 3}}};
 
 template <typename TOptions>
 bool Is_Any_Set(const TCommandLine& line, const TOptions& options)
@@ -122,7 +123,7 @@ TEditPlan::TEditPlan(const TCommandLine& line)
             *pages = line.Pages(option);
     }
     names = Page_Edits(line, rename_option, Tr("a page and its name such as 3=Cover"));
-    const QString expected = Tr("pages and left, right or 180, such as 1-3=left");
+    const QString expected = Tr("pages and left, right, 90, 180 or 270, such as 1-3=left");
     rotations = Page_Edits(line, rotate_option, expected);
     for (const TPageEdit& edit : names)
         Check_Line(line, rename_option, edit.value);
@@ -224,8 +225,8 @@ void Add_Page_Options(TCommandLine* line)
     line->Add_Option(rename_option, QStringLiteral("N=NAME"),
                      Tr("Rename page N; may be repeated."));
     line->Add_Option(rotate_option, QStringLiteral("PAGES=ANGLE"),
-                     Tr("Rotate these pages with their labels: left, right or 180; may be "
-                        "repeated."));
+                     Tr("Rotate these pages with their labels: left, right, or 90, 180 or 270 "
+                        "degrees clockwise; may be repeated."));
     line->Add_Flag(CommonOptions::Json, Tr("Print the list of pages as JSON."));
     line->Add_Option(CommonOptions::Output, QStringLiteral("FILE"),
                      Tr("The project to write (required if pages are edited)."));

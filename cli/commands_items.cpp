@@ -76,7 +76,9 @@ void Commands::Export_Items(TCommandLine* line)
         return;
 
     const bool is_json = line->Is_Set(CommonOptions::Json);
-    if (!is_json || line->Is_Set(CommonOptions::Csv))
+    if (!is_json && !line->Is_Set(CommonOptions::Csv))
+        throw TUsageError{Tr("Missing option 'csv' or 'json'.")};
+    if (line->Is_Set(CommonOptions::Csv))
         line->Require(CommonOptions::Csv);
     FindingsOptions::Check(*line, line->Text(CommonOptions::Csv));
     std::optional<TOutput> output;

@@ -207,7 +207,6 @@ void Files::Write(const QString& path, const QByteArray& content)
     QString problem;
     if (!TSafeFile::Replace(path, content, Protecting_Links(path), &problem))
         Throw_Write_Error(path, problem);
-    Terminal::Print_Detail(path, Tr("written, %1 bytes").arg(content.size()));
 }
 
 void Files::Save(const QString& path, const TDocument& document)
@@ -223,7 +222,6 @@ void Files::Save(const QString& path, const TDocument& document)
     TSafeFile target(path, TSafeFile::TKind::Like_Target, Protecting_Links(path));
     if (!target.Is_Beside() || !ProjectFile::Commit(project, &target))
         Throw_Write_Error(path, target.Write_Problem());
-    Terminal::Print_Detail(path, Tr("written, %1 bytes").arg(project.Size()));
 }
 
 bool Files::Is_Work_Log(const QString& path)

@@ -7,6 +7,7 @@
 #include "cli/translate.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 TOutput::TOutput(const TCommandLine& line, const char* option, TContent content)
     : d_path(line.Text(option))
@@ -36,6 +37,8 @@ void TOutput::Redirect(bool force)
 
 void TOutput::Finish() const
 {
+    Terminal::Print_Detail(d_folder ? Tr("standard output") : d_path,
+                           Tr("written, %1 bytes").arg(QFileInfo(d_path).size()));
     if (!d_folder)
         return;
     if (d_content == TContent::Text) {

@@ -30,7 +30,7 @@ public:
 
     bool Is_Standard_Output() const { return d_folder != nullptr; }
 
-    /// Prints the file if it goes to standard output.
+    /// Prints the file if it goes to standard output. Call it when the file is written.
     void Finish() const;
 
 private:

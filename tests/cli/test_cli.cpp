@@ -228,7 +228,7 @@ private slots:
             "96 DPI, 180 DPI, 276 DPI, 372 DPI, 1, 2, 3, 4.");
         row("import-items sound.quillet --output out", "Missing option 'csv'.");
         row("import-items sound.quillet --csv items.csv", "Missing option 'output'.");
-        row("export-items sound.quillet", "Missing option 'csv'.");
+        row("export-items sound.quillet", "Missing option 'csv' or 'json'.");
         row("thumbnail sound.quillet", "Missing option 'output'.");
         row("thumbnail sound.quillet --output out --size 0",
             "Invalid value '0' for option 'size': expected a whole number from 1 to 8192.");

@@ -182,6 +182,8 @@ private slots:
         QTest::addColumn<int>("degrees");
         QTest::newRow("left") << "left" << QByteArray("20.00,50.00") << -90;
         QTest::newRow("right") << "Right" << QByteArray("20.00,10.00") << 90;
+        QTest::newRow("90") << "90" << QByteArray("20.00,10.00") << 90;
+        QTest::newRow("270") << "270" << QByteArray("20.00,50.00") << -90;
         QTest::newRow("180") << "180" << QByteArray("50.00,20.00") << 180;
     }
     void pages_are_rotated_with_their_labels()
@@ -223,8 +225,8 @@ private slots:
             "1-3,7.");
         for (const char* const value : {"1", "left", "x=left", "1=", "1=up"})
             row(QString("pages three.quillet -o out --rotate ") + value, 2,
-                QString("Invalid value '%1' for option 'rotate': expected pages and left, right or "
-                        "180, such as 1-3=left.")
+                QString("Invalid value '%1' for option 'rotate': expected pages and left, right, "
+                        "90, 180 or 270, such as 1-3=left.")
                     .arg(QString(value).section('=', QString(value).startsWith("1=") ? 1 : 0)));
         row("pages three.quillet -o out --rename x", 2,
             "Invalid value 'x' for option 'rename': expected a page and its name such as 3=Cover.");
