@@ -6,8 +6,6 @@
 #include <QXmlInputSource>
 #include <QXmlSimpleReader>
 
-#include <algorithm>
-
 // The DOM parser uses the deprecated SAX reader. Only the same reader is certain to see the same
 // entities and markup.
 QT_WARNING_PUSH
@@ -22,8 +20,8 @@ constexpr int entities_per_character = 4;
 
 /// Feeds a document to the reader and stops it at the first defect.
 ///
-/// Elements and entities are counted as the reader reports them. Attributes, parentheses and
-/// references are expensive before the reader reports them, so they are counted as it reads them.
+/// Elements and entities are counted as the reader reports them. Attributes and the document type
+/// are expensive before the reader reports them, so their characters are counted as it reads them.
 class TScout : public QXmlInputSource, public QXmlDefaultHandler
 {
 public:
@@ -52,7 +50,6 @@ public:
     }
     bool endElement(const QString&, const QString&, const QString&) override
     {
-        d_in_tag = false;
         --d_depth;
         return true;
     }
@@ -100,17 +97,20 @@ private:
         d_attributes = 0;
         return XmlGuard::Is_Text(text) || Refuse("invalid character");
     }
-    void Count_In_Dtd(QChar character);
+    bool Count_Declared(int characters)
+    {
+        d_declared += characters;
+        return d_declared <= XmlGuard::Document_Type_Limit || Refuse("document type too long");
+    }
     void Count_Attributes(QChar character);
 
     XmlGuard::TDefect d_defect;
     QHash<QString, int> d_lengths; ///< of the declared entities, in characters
-    qint64 d_expanded = 0;         ///< characters
+    qint64 d_declared = 0;         ///< characters in the document type
+    qint64 d_expanded = 0;         ///< characters in expanded entities
     QChar d_previous;
     int d_attributes = 0; ///< equals signs since the last tag or text
-    int d_references = 0; ///< in the document type
     int d_depth = 0;
-    int d_parentheses = 0;
     int d_prefixes = 0;
     bool d_in_dtd = false;
     bool d_in_tag = false;
@@ -129,31 +129,18 @@ QChar TScout::next()
     if (character == QChar(EndOfData))
         return character;
     if (d_in_dtd)
-        Count_In_Dtd(character);
+        Count_Declared(1);
     else
         Count_Attributes(character);
     d_previous = character;
     return d_defect.message.isEmpty() ? character : QChar(EndOfDocument);
 }
 
-void TScout::Count_In_Dtd(QChar character)
-{
-    // Comments may contain any parentheses. The count never falls below zero, so it is at least the
-    // true depth.
-    if (character == QLatin1Char(')'))
-        d_parentheses = std::max(0, d_parentheses - 1);
-    else if (character == QLatin1Char('(') && ++d_parentheses > XmlGuard::Nesting_Limit)
-        Refuse("parentheses nested too deeply");
-    else if ((character == QLatin1Char('&') || character == QLatin1Char('%')) &&
-             ++d_references > XmlGuard::Reference_Limit)
-        Refuse("too many references in declarations");
-}
-
 void TScout::Count_Attributes(QChar character)
 {
     // A "<" within a tag is a syntax error, so a new tag can only follow the end of another.
     if (d_previous == QLatin1Char('<')) {
-        d_in_tag = character != QLatin1Char('!') && character != QLatin1Char('?');
+        d_in_tag = !QStringLiteral("/!?").contains(character);
         d_attributes = 0;
     }
     // The start of a tag that comes from an entity is not seen here. With such entities, any equals
@@ -170,17 +157,17 @@ bool TScout::internalEntityDecl(const QString& name, const QString& value)
     // The declaration of a parameter entity is reported with a "%", its expansion without. The
     // reader ignores all but the first declaration of a name.
     d_lengths.insert(name.mid(name.startsWith(QLatin1Char('%')) ? 1 : 0), value.size());
-    return d_lengths.size() <= XmlGuard::Entity_Limit || Refuse("too many entities");
+    return true;
 }
 
 bool TScout::startEntity(const QString& name)
 {
     // Even an empty entity takes time to expand.
-    d_expanded += 1 + d_lengths.value(name) + d_lengths.size() / entities_per_character;
-    // In the document type, the reader's own search for long entities takes quadratic time.
-    return d_expanded <=
-               (d_in_dtd ? XmlGuard::Declared_Expansion_Limit : XmlGuard::Expansion_Limit) ||
-           Refuse("entities expand too far");
+    const int characters = 1 + d_lengths.value(name) + d_lengths.size() / entities_per_character;
+    if (d_in_dtd)
+        return Count_Declared(characters);
+    d_expanded += characters;
+    return d_expanded <= XmlGuard::Expansion_Limit || Refuse("entities expand too far");
 }
 
 } // namespace

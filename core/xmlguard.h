@@ -10,10 +10,10 @@
 ///
 /// Qt's DOM parser limits the length of an expanded entity and loads no external ones. But it
 /// recurses once per nesting level until the stack overflows, expands a long entity at every
-/// reference, and takes quadratic time for attributes, entities and namespace prefixes. With the
-/// policy to create null nodes for invalid data, it crashes on text with invalid characters. The
-/// limits are far above what people or programs write, and within them the cost of parsing is
-/// linear.
+/// reference, and takes quadratic time for attributes, namespace prefixes and the document type.
+/// With the policy to create null nodes for invalid data, it crashes on text with invalid
+/// characters. The limits are far above what people or programs write, and within them the cost of
+/// parsing is linear.
 namespace XmlGuard {
 
 /// Why a document is refused, and where.
@@ -24,13 +24,11 @@ struct TDefect
     int column = 0; ///< from 1
 };
 
-constexpr int Nesting_Limit = 256;            ///< nested elements, and parentheses in a DTD
-constexpr int Attribute_Limit = 256;          ///< equals signs in one tag
-constexpr int Prefix_Limit = 32;              ///< namespace prefixes in scope
-constexpr int Entity_Limit = 512;             ///< declared entities
-constexpr int Reference_Limit = 4096;         ///< "&" and "%" in the document type
-constexpr qint64 Expansion_Limit = 4'000'000; ///< characters in all expanded entities together
-constexpr qint64 Declared_Expansion_Limit = 60'000; ///< the same, in the document type
+constexpr int Nesting_Limit = 256;             ///< nested elements
+constexpr int Attribute_Limit = 256;           ///< equals signs in one tag
+constexpr int Prefix_Limit = 32;               ///< namespace prefixes in scope
+constexpr qint64 Expansion_Limit = 4'000'000;  ///< characters in all expanded entities together
+constexpr qint64 Document_Type_Limit = 16'384; ///< characters, with parameter entities expanded
 
 /// Whether XML allows every character of a text: no control characters except white space, no
 /// unpaired surrogates. Unlike the DOM's own check, accepts characters beyond 16 bits.
