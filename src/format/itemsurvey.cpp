@@ -5,43 +5,32 @@
 #include "src/format/itemxml.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QSet>
 #include <QStringList>
 #include <QTextCodec>
 
 #include <algorithm>
-#include <cassert>
-#include <cctype>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace {
 
 constexpr char root_begin[] = "<Quillet_Data";
-constexpr char item_begin[] = "<Item";
 constexpr char item_end[] = "</Item>";
-constexpr int item_begin_size = sizeof(item_begin) - 1;
-constexpr int item_end_size = sizeof(item_end) - 1;
 
 /// Offsets of everything that looks like the begin tag of an "Item" element.
 std::vector<int> Item_Offsets(const QByteArray& document)
 {
+    static const QRegularExpression item_begin(QStringLiteral("<Item[\\s/>]"));
     std::vector<int> offsets;
-    for (int offset = document.indexOf(item_begin); offset >= 0;
-         offset = document.indexOf(item_begin, offset + 1)) {
-        const int next = offset + item_begin_size;
-        const char after = next < document.size() ? document.at(next) : '\0';
-        if (after == '>' || after == '/' || std::isspace(static_cast<unsigned char>(after)))
-            offsets.push_back(offset);
-    }
+    // In Latin-1, each byte is one character. Without the size, a zero byte would end the text.
+    auto matches =
+        item_begin.globalMatch(QString::fromLatin1(document.constData(), document.size()));
+    while (matches.hasNext())
+        offsets.push_back(matches.next().capturedStart());
     return offsets;
-}
-
-/// A document with a single label.
-QByteArray Alone(const QByteArray& element)
-{
-    return R"(<?xml version="1.0" encoding="utf-8"?><Quillet_Data File_Version="1">)" + element +
-           "</Quillet_Data>";
 }
 
 bool Is_Utf8(const QByteArray& document)
@@ -55,21 +44,24 @@ bool Is_Utf8(const QByteArray& document)
     return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
-/// Reports the defects of a label document and reads its labels.
+bool Is_Finite_Number(const QString& text)
+{
+    bool is_number = false;
+    return std::isfinite(text.toDouble(&is_number)) && is_number;
+}
+
+/// Reads the labels of a label document and reports its defects.
 class TItemSurveyor
 {
     Q_DECLARE_TR_FUNCTIONS(ItemSurvey)
 
 public:
-    TItemSurveyor(const QByteArray& document, std::vector<TProjectDefect>* defects)
+    explicit TItemSurveyor(const QByteArray& document)
         : d_document(document)
-        , d_defects(defects)
     {
     }
 
-    std::vector<TDataItem> Survey();
-    /// The texts in the attributes of the root, after Survey.
-    const TPageTexts& Texts() const { return d_texts; }
+    TItemSurvey Survey();
 
 private:
     void Read_Document(const TXmlFile& xml_file);
@@ -77,9 +69,7 @@ private:
     void Read_Separately();
     void Read_Element(const QByteArray& element);
     void Read_Item(const TXmlFile& xml_file, const QDomElement& node);
-    TDataItem Checked(TDataItem item, const TXmlFile& xml_file, const QDomElement& node);
-    void Check_Integer(const TXmlFile& xml_file, const QDomElement& node, const QString& name);
-    void Check_Position(const TXmlFile& xml_file, const QDomElement& node);
+    void Check_Texts(const TXmlFile& xml_file, const QDomElement& node);
     void Replace_Repeated_Ids();
 
     void Begin_Label(int offset)
@@ -90,38 +80,36 @@ private:
     /// Reports a defect of the current label.
     void Report(const QString& what)
     {
-        d_defects->push_back({d_offset, tr("label %1: %2").arg(d_number).arg(what)});
+        d_survey.defects.push_back({d_offset, tr("label %1: %2").arg(d_number).arg(what)});
     }
 
     const QByteArray d_document;
-    TPageTexts d_texts;
-    std::vector<TProjectDefect>* d_defects;
-    std::vector<TDataItem> d_items;
+    TItemSurvey d_survey;
     QSet<int> d_ids;
     std::vector<std::size_t> d_repeated; ///< indices of labels whose id an earlier label has
     int d_number = 0;                    ///< of the current label, from 1
     int d_offset = 0;                    ///< of the current label
 };
 
-std::vector<TDataItem> TItemSurveyor::Survey()
+TItemSurvey TItemSurveyor::Survey()
 {
     try {
         TXmlFile xml_file;
         int version = 0;
         xml_file.Open_Data(d_document, ItemXml::Root_Name, &version, true);
         if (version != ItemList::Version)
-            d_defects->push_back({0, tr("XML Version not recognized")});
+            d_survey.defects.push_back({0, tr("XML Version not recognized")});
         if (!Is_Utf8(d_document))
-            d_defects->push_back({0, tr("the label document is not valid UTF-8")});
-        d_texts = PageTexts::Read(xml_file);
+            d_survey.defects.push_back({0, tr("the label document is not valid UTF-8")});
+        d_survey.texts = PageTexts::Read(xml_file);
         Read_Document(xml_file);
     } catch (const TXmlFileException& exception) {
-        d_defects->push_back({0, tr("label document, %1").arg(exception.Placed_Message())});
+        d_survey.defects.push_back({0, tr("label document, %1").arg(exception.Placed_Message())});
         Read_Root_Alone();
         Read_Separately();
     }
     Replace_Repeated_Ids();
-    return std::move(d_items);
+    return std::move(d_survey);
 }
 
 /// Reads the labels of a well-formed document.
@@ -155,13 +143,13 @@ void TItemSurveyor::Read_Root_Alone()
     try {
         TXmlFile xml_file;
         xml_file.Open_Data(tag + '>', ItemXml::Root_Name, nullptr, true);
-        d_texts = PageTexts::Read(xml_file);
+        d_survey.texts = PageTexts::Read(xml_file);
     } catch (const TXmlFileException&) {
         // The defect is in the tag, and has been reported.
     }
 }
 
-/// Reads the labels of a document that is not well-formed, each in a document of its own.
+/// Reads the labels of a document that is not well-formed, each as a document of its own.
 void TItemSurveyor::Read_Separately()
 {
     std::vector<int> offsets = Item_Offsets(d_document);
@@ -173,7 +161,7 @@ void TItemSurveyor::Read_Separately()
         if (end < 0)
             Report(tr("the element is not closed"));
         else
-            Read_Element(element.left(end + item_end_size));
+            Read_Element(element.left(end) + item_end);
     }
 }
 
@@ -181,9 +169,8 @@ void TItemSurveyor::Read_Element(const QByteArray& element)
 {
     try {
         TXmlFile xml_file;
-        int version = 0;
-        xml_file.Open_Data(Alone(element), ItemXml::Root_Name, &version, true);
-        Read_Item(xml_file, xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, false));
+        xml_file.Open_Data(element, ItemXml::Item_Name, nullptr, true);
+        Read_Item(xml_file, xml_file.d_root_element);
     } catch (const TXmlFileException&) {
         // Omit the parser's message: its position is not one in this document.
         Report(tr("the element is not well-formed"));
@@ -193,55 +180,41 @@ void TItemSurveyor::Read_Element(const QByteArray& element)
 void TItemSurveyor::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
 {
     try {
-        const TDataItem item = Checked(ItemList::Read_Item(xml_file, node), xml_file, node);
+        TDataItem item = ItemList::Read_Item(xml_file, node);
+        Check_Texts(xml_file, node);
+        // A label without finite coordinates can be neither drawn nor moved.
+        for (qreal* coordinate : {&item.position.rx(), &item.position.ry()}) {
+            if (!std::isfinite(*coordinate))
+                *coordinate = 0;
+        }
         if (d_ids.contains(item.id)) {
             Report(tr("an earlier label has the same Id %1").arg(item.id));
-            d_repeated.push_back(d_items.size());
+            d_repeated.push_back(d_survey.items.size());
         }
         d_ids.insert(item.id);
-        d_items.push_back(item);
+        d_survey.items.push_back(item);
     } catch (const TXmlFileException& exception) {
         Report(exception.Message());
     }
 }
 
-/// Reports values of a label that are not read as written. Makes its position finite.
-TDataItem TItemSurveyor::Checked(TDataItem item, const TXmlFile& xml_file, const QDomElement& node)
+/// Reports values of a label that are not read as written.
+void TItemSurveyor::Check_Texts(const TXmlFile& xml_file, const QDomElement& node)
 {
-    Check_Integer(xml_file, node, ItemXml::Id_Name);
-    Check_Integer(xml_file, node, ItemXml::Value_Name);
-    Check_Integer(xml_file, node, ItemXml::Border_Name);
-    if (!Is_Border_Type(item.border_type))
-        Report(tr("unknown border code %1").arg(item.border_type));
-    Check_Position(xml_file, node);
-    // A label without finite coordinates can be neither drawn nor moved.
-    for (qreal* coordinate : {&item.position.rx(), &item.position.ry()}) {
-        if (!std::isfinite(*coordinate))
-            *coordinate = 0;
-    }
-    return item;
-}
-
-void TItemSurveyor::Check_Integer(const TXmlFile& xml_file, const QDomElement& node,
-                                  const QString& name)
-{
-    const QString text = ItemXml::Read_Text(xml_file, node, name);
-    bool is_number = false;
-    text.toInt(&is_number);
-    if (!is_number)
-        Report(tr("%1 \"%2\" is not a number and is read as 0").arg(name, text));
-}
-
-void TItemSurveyor::Check_Position(const TXmlFile& xml_file, const QDomElement& node)
-{
-    const QString text = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name, true);
-    const QStringList parts = text.split(QLatin1Char(','));
-    const bool are_numbers = std::all_of(parts.cbegin(), parts.cend(), [](const QString& part) {
+    for (const QString name : {ItemXml::Id_Name, ItemXml::Value_Name, ItemXml::Border_Name}) {
+        const QString text = ItemXml::Read_Text(xml_file, node, name);
         bool is_number = false;
-        return std::isfinite(part.toDouble(&is_number)) && is_number;
-    });
-    if (!are_numbers)
-        Report(tr("Position \"%1\" is not a pair of numbers").arg(text));
+        text.toInt(&is_number);
+        if (!is_number)
+            Report(tr("%1 \"%2\" is not a number and is read as 0").arg(name, text));
+    }
+    const int border = ItemXml::Read_Integer(xml_file, node, ItemXml::Border_Name);
+    if (!Is_Border_Type(border))
+        Report(tr("unknown border code %1").arg(border));
+    const QString position = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name, true);
+    const QStringList parts = position.split(QLatin1Char(','));
+    if (!std::all_of(parts.cbegin(), parts.cend(), Is_Finite_Number))
+        Report(tr("Position \"%1\" is not a pair of numbers").arg(position));
 }
 
 void TItemSurveyor::Replace_Repeated_Ids()
@@ -250,19 +223,13 @@ void TItemSurveyor::Replace_Repeated_Ids()
     for (const std::size_t index : d_repeated) {
         while (d_ids.contains(free_id))
             ++free_id;
-        d_items[index].id = free_id++;
+        d_survey.items[index].id = free_id++;
     }
 }
 
 } // namespace
 
-std::vector<TDataItem> ItemSurvey::Survey(const QByteArray& document,
-                                          std::vector<TProjectDefect>* defects, TPageTexts* texts)
+TItemSurvey ItemSurvey::Survey(const QByteArray& document)
 {
-    assert(defects);
-    TItemSurveyor surveyor(document, defects);
-    std::vector<TDataItem> items = surveyor.Survey();
-    if (texts)
-        *texts = surveyor.Texts();
-    return items;
+    return TItemSurveyor(document).Survey();
 }

@@ -15,6 +15,16 @@ struct TProjectDefect
     QString what;
 };
 
+/// Everything that can be read of a label document, and all its defects.
+struct TItemSurvey
+{
+    std::vector<TDataItem> items;
+    TPageTexts texts; ///< from the root, if its tag is readable
+    /// The offset is that of the label's element, or 0 if it is uncertain or the defect concerns
+    /// the whole document.
+    std::vector<TProjectDefect> defects;
+};
+
 namespace ItemSurvey {
 
 /// Reads all readable labels of a label document, and reports its defects.
@@ -23,12 +33,6 @@ namespace ItemSurvey {
 /// not well-formed, every label whose element is well-formed is read. A label that repeats the id
 /// of an earlier one gets a free id. A number that cannot be parsed is read as 0, as in
 /// ItemList::Read. Time and memory are proportional to the size of the document.
-/// @param defects  receives the defects with their offsets within the document. The offset is that
-///                 of the label's element, or 0 if it is uncertain or the defect concerns the whole
-///                 document.
-/// @param texts    receives the texts in the attributes of the root, if its tag is readable; may be
-///                 null.
-std::vector<TDataItem> Survey(const QByteArray& document, std::vector<TProjectDefect>* defects,
-                              TPageTexts* texts = nullptr);
+TItemSurvey Survey(const QByteArray& document);
 
 } // namespace ItemSurvey

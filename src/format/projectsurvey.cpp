@@ -295,15 +295,14 @@ TPageImage TSurveyor::Image(const TFileField& field)
 
 void TSurveyor::Read_Items(const TFileField& field, TSurveyedPage* page)
 {
-    std::vector<TProjectDefect> defects;
-    TPageTexts texts;
-    page->items = ItemSurvey::Survey(Content(field), &defects, &texts);
-    PageTexts::Restore(texts.name, &page->name);
+    const TItemSurvey found = ItemSurvey::Survey(Content(field));
+    page->items = found.items;
+    PageTexts::Restore(found.texts.name, &page->name);
     if (d_record_count == 1) {
-        PageTexts::Restore(texts.header_1, &d_survey.appearance.header_1);
-        PageTexts::Restore(texts.header_2, &d_survey.appearance.header_2);
+        PageTexts::Restore(found.texts.header_1, &d_survey.appearance.header_1);
+        PageTexts::Restore(found.texts.header_2, &d_survey.appearance.header_2);
     }
-    for (const TProjectDefect& defect : defects)
+    for (const TProjectDefect& defect : found.defects)
         Report(field.begin + defect.offset, defect.what);
 }
 

@@ -27,10 +27,10 @@ struct TResult
 TResult Survey(const QByteArray& document)
 {
     TResult result;
-    std::vector<TProjectDefect> defects;
-    for (const TDataItem& item : ItemSurvey::Survey(document, &defects))
+    const TItemSurvey survey = ItemSurvey::Survey(document);
+    for (const TDataItem& item : survey.items)
         result.labels += Support::Describe_Label(item);
-    for (const TProjectDefect& defect : defects)
+    for (const TProjectDefect& defect : survey.defects)
         result.defects += QStringLiteral("%1: %2").arg(defect.offset).arg(defect.what);
     return result;
 }

@@ -237,11 +237,9 @@ private slots:
     void the_texts_of_a_damaged_document_can_be_recovered()
     {
         QFETCH(const QByteArray, list);
-        std::vector<TProjectDefect> defects;
-        TPageTexts texts;
-        ItemSurvey::Survey(list, &defects, &texts);
-        QVERIFY(!defects.empty());
-        QCOMPARE(texts.name, QString::fromUtf8("Ω"));
+        const TItemSurvey survey = ItemSurvey::Survey(list);
+        QVERIFY(!survey.defects.empty());
+        QCOMPARE(survey.texts.name, QString::fromUtf8("Ω"));
     }
 
     void a_damaged_root_gives_no_texts_data()
@@ -257,11 +255,9 @@ private slots:
     void a_damaged_root_gives_no_texts()
     {
         QFETCH(const QByteArray, list);
-        std::vector<TProjectDefect> defects;
-        TPageTexts texts;
-        ItemSurvey::Survey(list, &defects, &texts);
-        QVERIFY(!defects.empty());
-        QVERIFY(texts.name.isEmpty());
+        const TItemSurvey survey = ItemSurvey::Survey(list);
+        QVERIFY(!survey.defects.empty());
+        QVERIFY(survey.texts.name.isEmpty());
     }
 
     void a_page_with_a_long_name_is_found_after_a_damaged_length()
