@@ -26,31 +26,28 @@ const ushort last_letter = 0xff;
 class TRowDelegate : public QStyledItemDelegate
 {
 public:
-    TRowDelegate(const QFont& font, QObject* parent)
-        : QStyledItemDelegate(parent)
-        , d_font(font)
-    {
-    }
+    using QStyledItemDelegate::QStyledItemDelegate;
 
     /// Discards all measurements.
-    void Reset(const QFont& font)
+    void Reset()
     {
-        d_font = font;
         d_letter_widths.clear();
         d_widest_text = 0.0;
         d_size = QSize();
     }
 
     /// Whether a row with this text certainly fits. A quick test before Measure.
-    bool Fits(const QString& text)
+    bool Fits(const QString& text) const
     {
-        const std::optional<qreal> width = Sum_Of_Letters(text);
-        return d_size.isValid() && width && *width <= d_widest_text;
+        return d_size.isValid() && Sum_Of_Letters(text).value_or(qInf()) <= d_widest_text;
     }
 
     /// Measures a row. Returns whether the size of the rows has changed.
     bool Measure(const QStyleOptionViewItem& option, const QModelIndex& row)
     {
+        // Only when there is a row: measuring earlier would slow down the start of the program.
+        if (d_letter_widths.empty())
+            Measure_Letters(option.font);
         QSize size = QStyledItemDelegate::sizeHint(option, row);
         const QString text = row.data().toString();
         if (const std::optional<qreal> width = Sum_Of_Letters(text)) {
@@ -71,11 +68,8 @@ public:
 private:
     /// The width of a text without kerning, a hundred times faster than a layout. Null for a text
     /// with letters out of range.
-    std::optional<qreal> Sum_Of_Letters(const QString& text)
+    std::optional<qreal> Sum_Of_Letters(const QString& text) const
     {
-        // Only when there is a row: measuring earlier would slow down the start of the program.
-        if (d_letter_widths.empty())
-            Measure_Letters();
         qreal width = 0.0;
         for (const QChar letter : text) {
             if (letter.unicode() < first_letter || letter.unicode() > last_letter)
@@ -85,14 +79,13 @@ private:
         return width;
     }
 
-    void Measure_Letters()
+    void Measure_Letters(const QFont& font)
     {
-        const QFontMetricsF metrics(d_font);
+        const QFontMetricsF metrics(font);
         for (ushort letter = first_letter; letter <= last_letter; ++letter)
             d_letter_widths.push_back(metrics.horizontalAdvance(QChar(letter)));
     }
 
-    QFont d_font;
     std::vector<qreal> d_letter_widths; ///< pixels; empty before the first row
     qreal d_widest_text = 0.0;          ///< pixels, without kerning
     QSize d_size;                       ///< of all rows
@@ -100,7 +93,7 @@ private:
 
 TRowList::TRowList(QWidget* parent)
     : QListWidget(parent)
-    , d_delegate(new TRowDelegate(font(), this))
+    , d_delegate(new TRowDelegate(this))
 {
     setItemDelegate(d_delegate);
     setUniformItemSizes(true);
@@ -110,8 +103,11 @@ TRowList::TRowList(QWidget* parent)
 
 QListWidgetItem* TRowList::Row(int id) const
 {
-    if (d_rows_outdated)
-        Index_Rows();
+    if (d_rows.size() != count()) {
+        d_rows.clear();
+        for (int index = 0; index < count(); ++index)
+            d_rows.insert(item(index)->data(Id_Role).toInt(), item(index));
+    }
     if (d_rows.count(id) < 2)
         return d_rows.value(id);
     // The order of rows with the same id depends on how the user moved them.
@@ -171,8 +167,8 @@ void TRowList::Select_Rows(const std::vector<int>& ids)
 void TRowList::reset()
 {
     QListWidget::reset();
-    d_rows_outdated = true;
-    d_delegate->Reset(font());
+    d_rows.clear();
+    d_delegate->Reset();
     Measure_Rows(0, count() - 1);
 }
 
@@ -193,8 +189,8 @@ void TRowList::keyPressEvent(QKeyEvent* event)
 }
 
 /// Moves each selected row up or down by one. Does nothing when one of them cannot move.
-/// @param step  -1 to move up, 1 to move down.
-void TRowList::Move_Selected_Rows(int step)
+/// @param direction  -1 to move up, 1 to move down.
+void TRowList::Move_Selected_Rows(int direction)
 {
     std::vector<int> rows;
     const QModelIndexList selected = selectionModel()->selectedRows();
@@ -202,12 +198,13 @@ void TRowList::Move_Selected_Rows(int step)
         rows.push_back(row.row());
     // Start at the end towards which the rows move, so that no selected row passes another.
     std::sort(rows.begin(), rows.end(),
-              [step](int left, int right) { return step < 0 ? left < right : left > right; });
-    if (rows.empty() || rows.front() + step < 0 || rows.front() + step >= count())
+              [direction](int left, int right) { return left * direction > right * direction; });
+    if (rows.empty() || rows.front() + direction < 0 || rows.front() + direction >= count())
         return;
     // The list moves dragged rows with the same operation.
     for (const int index : rows)
-        model()->moveRow(QModelIndex(), index, QModelIndex(), step < 0 ? index - 1 : index + 2);
+        model()->moveRow(QModelIndex(), index, QModelIndex(),
+                         direction < 0 ? index - 1 : index + 2);
     scrollTo(currentIndex());
 }
 
@@ -231,7 +228,7 @@ void TRowList::dataChanged(const QModelIndex& top_left, const QModelIndex& botto
 {
     // An empty list of roles means that any may have changed.
     if (roles.isEmpty() || roles.contains(Id_Role))
-        d_rows_outdated = true;
+        d_rows.clear();
     // A list view lays out all rows again whenever one changes. That is needed only when their size
     // changes.
     if (Measure_Rows(top_left.row(), bottom_right.row()))
@@ -244,17 +241,9 @@ void TRowList::changeEvent(QEvent* event)
 {
     QListWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
-        d_delegate->Reset(font());
+        d_delegate->Reset();
         Measure_Rows(0, count() - 1);
     }
-}
-
-void TRowList::Index_Rows() const
-{
-    d_rows.clear();
-    for (int index = 0; index < count(); ++index)
-        d_rows.insert(item(index)->data(Id_Role).toInt(), item(index));
-    d_rows_outdated = false;
 }
 
 QStyleOptionViewItem TRowList::Row_Options() const

@@ -48,13 +48,11 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void Move_Selected_Rows(int step);
-    void Index_Rows() const;
+    void Move_Selected_Rows(int direction);
     QStyleOptionViewItem Row_Options() const;
     bool Measure_Rows(int first, int last);
 
-    /// The rows by id. The next search rebuilds it when it is outdated.
+    /// Rows by id. The next search adds those that are missing.
     mutable QMultiHash<int, QListWidgetItem*> d_rows;
-    mutable bool d_rows_outdated = false;
     TRowDelegate* d_delegate;
 };
