@@ -2,13 +2,14 @@
 
 #include "core/conversion.h"
 #include "src/format/projectlayout.h"
+#include "src/model/pageimage.h"
 
 namespace {
 
 using ProjectLayout::Integer_Size;
 using ProjectLayout::Minimum_Page;
 
-constexpr char png_signature[] = "\x89PNG\r\n\x1a\n";
+constexpr auto& png_signature = TPageImage::Png_Signature;
 constexpr char root_begin[] = "<Quillet_Data";
 constexpr char root_end[] = "</Quillet_Data>";
 constexpr char item_end[] = "</Item>";

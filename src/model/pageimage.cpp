@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr char png_signature[] = "\x89PNG\r\n\x1a\n";
-
 bool Is_Too_Large(qint64 width, qint64 height)
 {
     // A negative height means that the lines are stored from top to bottom.
@@ -35,7 +33,7 @@ bool Is_Icon_Too_Large(QIODevice* device)
     const QByteArray header = device->read(header_size);
     if (header.size() < header_size)
         return false;
-    if (header.startsWith(png_signature))
+    if (header.startsWith(TPageImage::Png_Signature))
         return Is_Too_Large(qFromBigEndian<quint32>(header.constData() + 16),
                             qFromBigEndian<quint32>(header.constData() + 20));
     return Is_Too_Large(qFromLittleEndian<qint32>(header.constData() + 4),
@@ -263,7 +261,7 @@ QByteArray TPageImage::Png() const
 {
     if (!d_content)
         return QByteArray();
-    if (d_content->is_source_sufficient && d_content->source.startsWith(png_signature))
+    if (d_content->is_source_sufficient && d_content->source.startsWith(Png_Signature))
         return d_content->source;
     if (d_content->png.isEmpty()) {
         const QImage image = d_content->Pixels(TContent::Uncached);

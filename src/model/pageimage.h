@@ -154,6 +154,9 @@ public:
     /// A copy that contains only bytes and no pixels. Encodes an image that has only pixels.
     TPageImage Encoded() const;
 
+    /// The first bytes of every PNG file.
+    static constexpr char Png_Signature[] = "\x89PNG\r\n\x1a\n";
+
     /// Images whose header declares more pixels than this count as undecodable.
     static constexpr qint64 Maximum_Pixels = 500'000'000;
 

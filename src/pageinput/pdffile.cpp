@@ -38,7 +38,7 @@ QString First_Error(const QByteArray& messages)
 bool Is_Complete_Png(const QByteArray& bytes)
 {
     const QByteArray last_chunk("\0\0\0\0IEND\xae\x42\x60\x82", 12);
-    return bytes.startsWith("\x89PNG\r\n\x1a\n") && bytes.endsWith(last_chunk);
+    return bytes.startsWith(TPageImage::Png_Signature) && bytes.endsWith(last_chunk);
 }
 
 } // namespace
