@@ -250,27 +250,27 @@ void change_value(benchmark::State& state)
 BENCH_QUICK(change_value, 500)->Arg(10)->Arg(10000);
 
 /// One mouse move while dragging a label.
-void drag_step(benchmark::State& state)
+void drag_move(benchmark::State& state)
 {
     TOpenWindow& open = Labelled_Pages();
     Go_To_First_Label(&open, static_cast<int>(state.range(0)));
     const QPoint begin = Place_Of(open, 1);
     Send_Mouse(open.view, QEvent::MouseButtonPress, begin);
-    int step = 0;
+    int move = 0;
     Bench::Measure(
         &state, [] {},
         [&] {
-            ++step;
+            ++move;
             constexpr int path_length = 20;
             const int x =
-                step / path_length % 2 == 0 ? step % path_length : path_length - step % path_length;
+                move / path_length % 2 == 0 ? move % path_length : path_length - move % path_length;
             Send_Mouse(open.view, QEvent::MouseMove, begin + QPoint(2 * x, 0));
             Bench::Paint_Changes();
         });
     Send_Mouse(open.view, QEvent::MouseButtonRelease, begin);
     open.view->Move_Item(1, open.view->mapToScene(begin));
 }
-BENCH_QUICK(drag_step, 500)->Arg(10)->Arg(10000);
+BENCH_QUICK(drag_move, 500)->Arg(10)->Arg(10000);
 
 /// Alternate clicks on a label and on the empty page, so that each click changes the selection.
 void click(benchmark::State& state)
@@ -339,7 +339,6 @@ void undo_renumbering(benchmark::State& state)
     };
     QShortcut* const undo = *std::find_if(shortcuts.cbegin(), shortcuts.cend(), is_undo);
     Bench::TStopwatch unused;
-    // After an undo, the next first value may be the one that the labels already have, and
     // The first value alternates, so after an undo it may equal the current one. Then the first
     // call records no step, but the second one does.
     const auto renumber = [&open, &unused] {

@@ -30,9 +30,9 @@ const char* const dpi_option = "dpi";
 const char* const pages_option = "pdf-pages";
 const char* const stored_option = "as-stored";
 const char* const first_option = "first";
-const char* const step_option = "over-page";
+const char* const multiple_option = "over-page";
 
-constexpr std::array<TOptionValue, 4> steps = {{
+constexpr std::array<TOptionValue, 4> multiples = {{
     {"1", TNumbering::Next_1X},
     {"10", TNumbering::Next_10X},
     {"100", TNumbering::Next_100X},
@@ -179,7 +179,7 @@ std::vector<TInputPage> Read_Pages(std::vector<TInput>* inputs)
     for (TInput& input : *inputs) {
         Terminal::Print_Detail(input.name, Tr("pages: %1").arg(input.file.Page_Count()));
         for (int index = 0; index < input.file.Page_Count(); ++index) {
-            progress.Step(static_cast<int>(pages.size()) + 1, total);
+            progress.Begin_Part(static_cast<int>(pages.size()) + 1, total);
             pages.push_back(Read_Page(index, &input));
         }
     }
@@ -223,8 +223,8 @@ void Commands::Reindex(TCommandLine* line)
     line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
     line->Add_Option(first_option, QStringLiteral("N"), Tr("Value of the first label (required)."),
                      TCommandLine::TNeed::Required);
-    line->Add_Option(step_option, QStringLiteral("STEP"),
-                     Tr("Start each following page at the next multiple of STEP: 1, 10, 100 or "
+    line->Add_Option(multiple_option, QStringLiteral("N"),
+                     Tr("Start each following page at the next multiple of N: 1, 10, 100 or "
                         "1000 (required)."),
                      TCommandLine::TNeed::Required);
     line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
@@ -234,7 +234,7 @@ void Commands::Reindex(TCommandLine* line)
 
     const int first_value = line->Number(first_option, std::numeric_limits<int>::min(),
                                          std::numeric_limits<int>::max());
-    const int method = line->Code(step_option, steps);
+    const int method = line->Code(multiple_option, multiples);
     Files::Check_Is_No_Legacy_Input(line->Text(CommonOptions::Output), line->Argument());
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     TDocument document = Files::Load(line->Argument());

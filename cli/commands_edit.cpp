@@ -189,7 +189,7 @@ void Rotate_Pages(const TEditPlan& plan, const QString& path, TDocument* documen
         const std::vector<int> numbers = Numbers(edit.pages, path, *document);
         int count = 0;
         for (const int number : numbers) {
-            progress.Step(++count, static_cast<int>(numbers.size()));
+            progress.Begin_Part(++count, static_cast<int>(numbers.size()));
             if (!document->Turn_Page(number, *TCommandLine::Find_Code(edit.value, rotations)))
                 throw TJobError{path, Tr("page %1 has no image").arg(number)};
         }

@@ -46,7 +46,7 @@ void Commands::Export_Html(TCommandLine* line)
     page.max_width = max_width;
     TTerminalProgress progress(Tr("Exporting page %1 of %2"));
     QString problem;
-    if (!WebPage::Save(page, progress.Steps(), output.Path(), &problem))
+    if (!WebPage::Save(page, progress.Report(), output.Path(), &problem))
         Files::Throw_Write_Error(output.Path(), problem);
     output.Finish();
 }

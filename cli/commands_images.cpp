@@ -107,7 +107,7 @@ void Commands::Export_Images(TCommandLine* line)
         const QStringList paths = Add_Images(*input, &names, &job);
         TTerminalProgress progress(Tr("Exporting page %1 of %2"));
         QString problem;
-        const TPageView view(&input->document, progress.Steps(), job.Has_Halo(), &problem);
+        const TPageView view(&input->document, progress.Report(), job.Has_Halo(), &problem);
         QString last_path;
         const auto path_of = [&](int, int counter) {
             if (counter > 1)

@@ -29,7 +29,7 @@ std::vector<TPageSummary> Summaries(const TDocument& document)
     std::vector<TPageSummary> summaries;
     int number = 0;
     for (const TNamedPage& page : document.pages) {
-        progress.Step(++number, static_cast<int>(document.pages.size()));
+        progress.Begin_Part(++number, static_cast<int>(document.pages.size()));
         const TPageItem& content = document.Content(page);
         summaries.push_back(
             {page.name, content.image.size(), static_cast<int>(content.data_items.size())});

@@ -177,7 +177,7 @@ void Export_Report(const TCommandLine& line, const QString& path, TExportJob* jo
     const TFindings findings = Chosen_Findings(line, *input);
     TTerminalProgress progress(Tr("Exporting page %1 of %2"));
     QString problem;
-    const TPageView view(&input->document, progress.Steps(), job->Has_Halo(), &problem);
+    const TPageView view(&input->document, progress.Report(), job->Has_Halo(), &problem);
     const TPageExporter::TOutcome outcome = view.Exporter().Export_Pdf(
         path, input->Page_Ids(), Report_Options(line, input->document.appearance),
         Report_Extras(line, findings));

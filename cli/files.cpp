@@ -122,7 +122,7 @@ QString Files::Base_Name(const QString& path)
 TProjectSurvey Files::Survey(const QString& path)
 {
     TTerminalProgress progress(Tr("Checking page %1 of %2"));
-    return ProjectSurvey::Survey(Read(path), ProjectSurvey::TImages::Decode, progress.Steps());
+    return ProjectSurvey::Survey(Read(path), ProjectSurvey::TImages::Decode, progress.Report());
 }
 
 TDocument Files::Load(const QString& path)
@@ -214,7 +214,7 @@ void Files::Save(const QString& path, const TDocument& document)
     TTerminalProgress progress(Tr("Saving page %1 of %2"));
     TProjectWriter project;
     const QString fault = ProjectFile::Write(document.appearance, document.pages, document.data,
-                                             progress.Steps(), &project);
+                                             progress.Report(), &project);
     if (!fault.isEmpty())
         throw TJobError{path, fault};
     if (project.Size() > ProjectLayout::Largest_File)
@@ -247,7 +247,7 @@ QStringList Files::Recover_Work_Log(const QString& path, const QString& output)
     TTerminalProgress progress(Tr("Recovering page %1 of %2"));
     TSafeFile target(output, TSafeFile::TKind::Like_Target, Protecting_Links(output));
     const LogConversion::TResult result =
-        LogConversion::Write(&log, LogConversion::TDamage::Accept, &target, progress.Steps());
+        LogConversion::Write(&log, LogConversion::TDamage::Accept, &target, progress.Report());
     if (!result.is_written)
         Throw_Write_Error(output, target.Write_Problem());
     QStringList messages;

@@ -1,6 +1,6 @@
 #include "cli/pageview.h"
 
-TPageView::TPageView(TDocument* document, const TStepReport& report, bool has_halo,
+TPageView::TPageView(TDocument* document, const TProgressReport& report, bool has_halo,
                      QString* problem)
     : d_view(nullptr)
     , d_exporter(&document->data, &d_view, report, problem)

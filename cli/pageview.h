@@ -15,7 +15,7 @@ public:
     /// @param report    passed to the exporter; may be empty.
     /// @param has_halo  whether labels have a thin light outline.
     /// @param problem   receives the reason if a file cannot be written; may be null, not owned.
-    TPageView(TDocument* document, const TStepReport& report, bool has_halo = false,
+    TPageView(TDocument* document, const TProgressReport& report, bool has_halo = false,
               QString* problem = nullptr);
 
     const TPageExporter& Exporter() const { return d_exporter; }

@@ -174,7 +174,7 @@ TTerminalProgress::~TTerminalProgress()
         std::fputs(erase_line, stderr);
 }
 
-void TTerminalProgress::Step(int number, int total)
+void TTerminalProgress::Begin_Part(int number, int total)
 {
     if (!d_is_shown)
         return;
@@ -184,7 +184,7 @@ void TTerminalProgress::Step(int number, int total)
     std::fflush(stderr);
 }
 
-TStepReport TTerminalProgress::Steps()
+TProgressReport TTerminalProgress::Report()
 {
-    return [this](int number, int total) { Step(number, total); };
+    return [this](int number, int total) { Begin_Part(number, total); };
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/stepreport.h"
+#include "core/progressreport.h"
 
 #include <QString>
 
@@ -55,17 +55,17 @@ QString Escaped(const QString& text);
 class TTerminalProgress
 {
 public:
-    /// @param pattern  the line; "%1" stands for the current step and "%2" for the number of steps.
+    /// @param pattern  the line; "%1" stands for the current part and "%2" for the number of parts.
     explicit TTerminalProgress(const QString& pattern);
     ~TTerminalProgress();
     TTerminalProgress(const TTerminalProgress&) = delete;
     TTerminalProgress& operator=(const TTerminalProgress&) = delete;
 
-    /// Shows that a step begins.
-    /// @param number  of the step, from 1.
-    void Step(int number, int total);
-    /// Returns a function that calls Step. It must not outlive this object.
-    TStepReport Steps();
+    /// Shows that a part begins.
+    /// @param number  of the part, from 1.
+    void Begin_Part(int number, int total);
+    /// Returns a function that calls Begin_Part. It must not outlive this object.
+    TProgressReport Report();
 
 private:
     QString d_pattern;

@@ -156,7 +156,7 @@ private:
     std::vector<QGraphicsPixmapItem*> d_label_items; ///< in the order they were added
     bool d_item_moved = false;                       ///< a drag moved the pressed label
     Qt::MouseButtons d_mouse_buttons;                ///< held at the last press
-    QPointF d_last_scene_point;                      ///< of the last press or drag step
+    QPointF d_last_scene_point;                      ///< of the last press or drag
     QColor d_label_color = TLabelStyle().color;
     bool d_has_label_halo = false;
 

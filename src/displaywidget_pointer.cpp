@@ -107,12 +107,12 @@ void TDisplayWidget::Press_Item(const QPointF& scene_point)
 
 void TDisplayWidget::Drag_Item(const QPointF& scene_point)
 {
-    const QPointF step = scene_point - d_last_scene_point;
-    // Small steps do not change the last point, so they add up.
-    if (step.manhattanLength() <= drag_threshold)
+    const QPointF distance = scene_point - d_last_scene_point;
+    // Small movements do not change the last point, so they add up.
+    if (distance.manhattanLength() <= drag_threshold)
         return;
     d_last_scene_point = scene_point;
-    d_pressed_item->setData(Centre_Key, d_pressed_item->data(Centre_Key).toPointF() + step);
-    d_pressed_item->moveBy(step.x(), step.y());
+    d_pressed_item->setData(Centre_Key, d_pressed_item->data(Centre_Key).toPointF() + distance);
+    d_pressed_item->moveBy(distance.x(), distance.y());
     d_item_moved = true;
 }

@@ -143,8 +143,8 @@ void TQuillet::Help_About()
 
 void TQuillet::Image_Zoom_Changed(int value)
 {
-    // The slider covers scales from e^-2 to e^2. Each step multiplies the scale by the same factor,
-    // and the middle is the original size.
+    // The slider covers scales from e^-2 to e^2. Each step of the slider multiplies the scale by
+    // the same factor, and the middle is the original size.
     const double x =
         static_cast<double>(value - d_zoom_slider->minimum()) / d_zoom_slider->maximum();
     const double scale = std::exp(2.0 * x) * smallest_scale;

@@ -271,7 +271,7 @@ private:
     void Add_Label(const QPointF* point);
     std::optional<int> Add_Label_To_View(int value, int border);
     void Remove_Labels(TStepKind kind, const std::vector<int>& ids);
-    void Nudge_Labels(const QPointF& step);
+    void Nudge_Labels(const QPointF& distance);
     void Move_Onto_Page();
     void Select_In_Data(const std::vector<int>& ids);
     void Select_On_Page(const std::vector<int>& ids);

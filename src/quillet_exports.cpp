@@ -45,7 +45,7 @@ auto TQuillet::Export(const TExport& run, QString* problem)
 {
     const QScopedValueRollback<bool> filling(d_filling_view, true);
     TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
-    return run(TPageExporter(&d_data, d_display_widget, progress.Steps(), problem));
+    return run(TPageExporter(&d_data, d_display_widget, progress.Report(), problem));
 }
 
 /// Names a label that is outside of its page, as a further sentence; empty if there is none. Such a
@@ -156,7 +156,7 @@ void TQuillet::Export_Web_Page()
     const TWebPage page =
         WebPage::Of(d_data, Appearance(), Findings::Of(d_data, Named_Pages()), title);
     TProgress progress = New_Progress(tr("Exporting page %1 of %2"));
-    if (WebPage::Save(page, progress.Steps(), file)) {
+    if (WebPage::Save(page, progress.Report(), file)) {
         Show_Status(Exported_Text(d_data.Page_Count(), QFileInfo(file).fileName()));
     } else {
         Fail(tr("Cannot write %1").arg(file));

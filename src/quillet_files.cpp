@@ -180,7 +180,7 @@ bool TQuillet::Write_Data(const QString& file_name)
     TProgress progress = New_Progress(tr("Saving page %1 of %2"));
     TProjectWriter writer;
     const QString fault =
-        ProjectFile::Write(Appearance(), Named_Pages(), d_data, progress.Steps(), &writer);
+        ProjectFile::Write(Appearance(), Named_Pages(), d_data, progress.Report(), &writer);
     if (writer.Size() > ProjectLayout::Largest_File)
         return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
 
@@ -227,7 +227,7 @@ bool TQuillet::Load_Data(const QString& file_name)
         return Fail(tr("Cannot open file for reading"));
     if (file.size() > ProjectLayout::Largest_File)
         return Fail(tr("The file is larger than 2 GiB and cannot be read."));
-    return Show_Content(ProjectFile::Read(file.readAll(), progress.Steps()), &progress);
+    return Show_Content(ProjectFile::Read(file.readAll(), progress.Report()), &progress);
 }
 
 /// Shows the content of a file. If it has a fault, sets d_error_text and returns false.

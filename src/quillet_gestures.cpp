@@ -24,7 +24,7 @@ void TQuillet::Add_Gestures()
     for (TRowList* const list : lists)
         new TFocusFrame(list);
     new TWheelZoom(d_display_widget, d_zoom_slider);
-    new TNudgeKeys(d_display_widget, [this](const QPointF& step) { Nudge_Labels(step); });
+    new TNudgeKeys(d_display_widget, [this](const QPointF& distance) { Nudge_Labels(distance); });
     new TFileDrop(this, Can_Open, [this](const QStringList& paths) { Drop_Files(paths); });
     new TThumbnailTip(d_page_widget->findChild<TRowList*>(), [this](int page_id) {
         return d_data.Page_Index(page_id) < 0 ? TPageImage() : d_data.Page(page_id).image;
@@ -48,7 +48,7 @@ void TQuillet::Add_Selection_Mouse()
         if (std::find(selected.cbegin(), selected.cend(), id) == selected.cend())
             Toggle_On_Page(id);
     };
-    actions.move = [this](const QPointF& step) { Nudge_Labels(step); };
+    actions.move = [this](const QPointF& distance) { Nudge_Labels(distance); };
     actions.end_move = [this] { Finish_Step(); };
     actions.select = [this](const QRectF& area, bool add) {
         std::vector<int> ids = add ? d_label_widget->Selected_Items() : std::vector<int>();
@@ -60,12 +60,12 @@ void TQuillet::Add_Selection_Mouse()
 }
 
 /// Moves the selected labels.
-/// @param step  in page-image pixels.
-void TQuillet::Nudge_Labels(const QPointF& step)
+/// @param distance  in page-image pixels.
+void TQuillet::Nudge_Labels(const QPointF& distance)
 {
     const std::vector<int> ids = d_label_widget->Selected_Items();
     const TStepScope scope = Record_Step(TStepKind::Nudge_Labels, 0, static_cast<int>(ids.size()));
     // The view reports the new positions, as after a drag.
     for (const int id : ids)
-        d_display_widget->Move_Item(id, d_display_widget->Item_Position(id) + step);
+        d_display_widget->Move_Item(id, d_display_widget->Item_Position(id) + distance);
 }

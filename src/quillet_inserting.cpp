@@ -102,7 +102,7 @@ void Read_Files(std::vector<TInputFile>* files, TProgress* progress, TReadPages*
     for (TInputFile& file : *files) {
         bool is_readable = true;
         for (int index = 0; index < file.Page_Count(); ++index) {
-            progress->Step(++number, total);
+            progress->Begin_Part(++number, total);
             if (!is_readable)
                 continue;
             const TInputPage page = file.Read(index);

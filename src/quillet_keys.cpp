@@ -23,8 +23,10 @@ void TQuillet::Add_Keys()
     const auto add = [this](int key, auto command) {
         connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this, command);
     };
-    const auto add_zoom = [this, add](int key, int steps) {
-        add(key, [this, steps] { d_zoom_slider->setValue(d_zoom_slider->value() + steps); });
+    const auto add_zoom = [this, add](int key, int slider_steps) {
+        add(key, [this, slider_steps] {
+            d_zoom_slider->setValue(d_zoom_slider->value() + slider_steps);
+        });
     };
     constexpr int ctrl = Qt::CTRL;
     add(ctrl + Qt::Key_0, &TQuillet::Fit_Page);

@@ -12,7 +12,7 @@
 bool TQuillet::Load_Legacy_Data(const QString& base_name)
 {
     TProgress progress = New_Progress(tr("Opening page %1 of %2"));
-    progress.Step(1, 1);
+    progress.Begin_Part(1, 1);
     const auto read_list = [&](TXmlFile* xml_file, int version, std::vector<TDataItem>* items) {
         progress.Update();
         if (version == 1)

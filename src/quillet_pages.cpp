@@ -53,7 +53,7 @@ void TQuillet::Import_Files(const QStringList& paths)
     QStringList others;
     const TStepScope step = Record_Step(TStepKind::Import, 0, paths.size());
     for (const QString& path : paths) {
-        progress.Step(++number, paths.size());
+        progress.Begin_Part(++number, paths.size());
         if (!Import_Image(path))
             others += path;
     }
@@ -140,7 +140,7 @@ void TQuillet::Turn_Pages(PageTurn::TDirection direction)
     const TStepScope step = Record_Step(TStepKind::Rotate_Pages, 0, page_ids.size());
     int number = 0;
     for (const int page_id : std::as_const(page_ids)) {
-        progress.Step(++number, page_ids.size());
+        progress.Begin_Part(++number, page_ids.size());
         const TPageItem turned = PageTurn::Turned(d_data.Page(page_id), direction);
         d_data.Replace_Content(page_id, turned.image, turned.data_items);
     }

@@ -83,7 +83,7 @@ void TQuillet::Recover_Work()
     while (!windowHandle()->isExposed() && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     TProgress progress = New_Progress(tr("Recovering page %1 of %2"));
-    d_safety_net->Convert_Abandoned_Logs(progress.Steps());
+    d_safety_net->Convert_Abandoned_Logs(progress.Report());
     Show_Recovery_Notice(d_safety_net->Abandoned());
 }
 

@@ -56,7 +56,7 @@ bool Finish_Pdf(const QStringList& bookmarks, TSafeFile* target)
 
 } // namespace
 
-TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TStepReport report,
+TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TProgressReport report,
                              QString* problem)
     : d_data(data)
     , d_view(view)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/stepreport.h"
+#include "core/progressreport.h"
 #include "src/data.h"
 #include "src/model/reportoptions.h"
 #include "src/paint/reportpainter.h"
@@ -55,7 +55,7 @@ public:
     /// @param data, view  not owned.
     /// @param report      is called before a page is drawn, and again before its picture is used.
     /// @param problem     receives the reason if a file cannot be written; may be null, not owned.
-    TPageExporter(TData* data, TDisplayWidget* view, TStepReport report = nullptr,
+    TPageExporter(TData* data, TDisplayWidget* view, TProgressReport report = nullptr,
                   QString* problem = nullptr);
 
     /// Writes each page with its labels to a PNG file, replacing existing files. Stops and returns
@@ -84,6 +84,6 @@ private:
 
     TData* d_data;
     TDisplayWidget* d_view;
-    TStepReport d_report;
+    TProgressReport d_report;
     QString* d_problem;
 };

@@ -208,7 +208,7 @@ bool Read_Page(TProjectReader* reader, TFileContent* content)
     return true;
 }
 
-bool Read_Pages(TProjectReader* reader, const TStepReport& report, TFileContent* content)
+bool Read_Pages(TProjectReader* reader, const TProgressReport& report, TFileContent* content)
 {
     content->pages.emplace();
     const int page_count = reader->Read_Integer();
@@ -251,7 +251,7 @@ bool ProjectFile::Loses_Headers(const TAppearance& appearance, int page_count)
 }
 
 QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
-                           const TData& data, const TStepReport& report, TProjectWriter* writer)
+                           const TData& data, const TProgressReport& report, TProjectWriter* writer)
 {
     assert(writer);
     const int total = static_cast<int>(pages.size());
@@ -275,7 +275,7 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
     return QString();
 }
 
-TFileContent ProjectFile::Read(const QByteArray& bytes, const TStepReport& report)
+TFileContent ProjectFile::Read(const QByteArray& bytes, const TProgressReport& report)
 {
     TFileContent content;
     TProjectReader reader(bytes);

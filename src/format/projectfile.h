@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/stepreport.h"
+#include "core/progressreport.h"
 #include "src/format/filecontent.h"
 #include "src/format/fileplaces.h"
 #include "src/format/projectlayout.h"
@@ -129,14 +129,14 @@ bool Loses_Headers(const TAppearance& appearance, int page_count);
 /// @param report  is called before each page.
 /// @return why the labels of a page could not be written; empty on success.
 QString Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
-              const TData& data, const TStepReport& report, TProjectWriter* writer);
+              const TData& data, const TProgressReport& report, TProjectWriter* writer);
 
 /// Reads a project file up to its first fault.
 ///
 /// A file that ends within an integer fails an assertion; ProjectSurvey::Survey accepts any bytes.
 /// @param bytes   the whole file; the images keep it alive.
 /// @param report  is called before each page.
-TFileContent Read(const QByteArray& bytes, const TStepReport& report = nullptr);
+TFileContent Read(const QByteArray& bytes, const TProgressReport& report = nullptr);
 
 /// Writes a project to the temporary file of `target` and commits it. On failure, the old file is
 /// unchanged.

@@ -29,7 +29,7 @@ class TSurveyor
     Q_DECLARE_TR_FUNCTIONS(ProjectSurvey)
 
 public:
-    TSurveyor(const QByteArray& bytes, ProjectSurvey::TImages images, const TStepReport& report)
+    TSurveyor(const QByteArray& bytes, ProjectSurvey::TImages images, const TProgressReport& report)
         : d_bytes(bytes)
         , d_images(images)
         , d_report(report)
@@ -67,7 +67,7 @@ private:
 
     const QByteArray d_bytes;
     const ProjectSurvey::TImages d_images;
-    const TStepReport d_report;
+    const TProgressReport d_report;
     const TRecordFinder d_finder;
     TProjectSurvey d_survey;
     QString d_prefix; ///< for messages about the current page
@@ -309,7 +309,7 @@ void TSurveyor::Read_Items(const TFileField& field, TSurveyedPage* page)
 } // namespace
 
 TProjectSurvey ProjectSurvey::Survey(const QByteArray& bytes, TImages images,
-                                     const TStepReport& report)
+                                     const TProgressReport& report)
 {
     return TSurveyor(bytes, images, report).Survey();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/stepreport.h"
+#include "core/progressreport.h"
 #include "src/format/filecontent.h"
 #include "src/format/itemsurvey.h"
 #include "src/model/appearance.h"
@@ -43,6 +43,6 @@ enum class TImages {
 /// @param report  is called before each page. Its total is a lower bound: the page count may be
 ///                damaged.
 TProjectSurvey Survey(const QByteArray& bytes, TImages images = TImages::Leave_Alone,
-                      const TStepReport& report = nullptr);
+                      const TProgressReport& report = nullptr);
 
 } // namespace ProjectSurvey

@@ -4,8 +4,8 @@
 
 namespace {
 
-/// The step between page starts for a method code; 0 to continue counting.
-int Page_Step(int method)
+/// The number at whose multiples pages start; 0 to continue counting.
+int Page_Multiple(int method)
 {
     switch (method) {
     case TNumbering::Next_10X:
@@ -30,7 +30,7 @@ int Wrapped(std::int64_t value)
 
 TNumbering::TNumbering(int first, int method)
     : d_next(first)
-    , d_step(Page_Step(method))
+    , d_multiple(Page_Multiple(method))
 {
 }
 
@@ -48,7 +48,7 @@ int TNumbering::Take()
 
 void TNumbering::Break_Page()
 {
-    if (d_step == 0)
+    if (d_multiple == 0)
         return;
-    d_next = Wrapped((std::int64_t{d_next} / d_step + 1) * d_step);
+    d_next = Wrapped((std::int64_t{d_next} / d_multiple + 1) * d_multiple);
 }

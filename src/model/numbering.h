@@ -17,9 +17,9 @@ public:
     /// Returns the next value and advances by one.
     int Take();
 
-    /// Continues on the next page. With a step of 10, 100 or 1000, the next value x becomes
-    /// (x / step + 1) * step, with division truncating toward zero. So the page starts above x even
-    /// if x is a round number, and a page without labels also advances the value.
+    /// Continues on the next page. If pages start at multiples of m = 10, 100 or 1000, the
+    /// next value x becomes (x / m + 1) * m, with division truncating toward zero. So the page
+    /// starts above x even if x is a multiple, and a page without labels also advances the value.
     void Break_Page();
 
     /// The value that Take will return.
@@ -30,5 +30,5 @@ public:
 
 private:
     int d_next;
-    int d_step; ///< pages start at multiples of this; 0 to continue counting
+    int d_multiple; ///< pages start at multiples of this; 0 to continue counting
 };

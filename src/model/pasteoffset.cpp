@@ -5,7 +5,7 @@
 #include <utility>
 
 QPointF Paste_Offset(const std::vector<TDataItem>& pasted, const std::vector<TDataItem>& present,
-                     double step)
+                     double distance)
 {
     std::set<std::pair<double, double>> taken;
     for (const TDataItem& item : present)
@@ -15,11 +15,11 @@ QPointF Paste_Offset(const std::vector<TDataItem>& pasted, const std::vector<TDa
         const QPointF position = item.position + offset;
         return taken.count({position.x(), position.y()}) > 0;
     };
-    // A step is lost in the rounding of huge coordinates, so their labels can stay on others.
-    for (std::size_t steps = 0; steps < present.size(); ++steps) {
+    // The distance is lost in the rounding of huge coordinates, so their labels can stay on others.
+    for (std::size_t moves = 0; moves < present.size(); ++moves) {
         if (std::none_of(pasted.cbegin(), pasted.cend(), is_taken))
             break;
-        offset += QPointF(step, step);
+        offset += QPointF(distance, distance);
     }
     return offset;
 }

@@ -44,7 +44,7 @@ bool Write_Page(TLogReader* log, const TLoggedPage& page, bool is_first, TProjec
 }
 
 /// Writes the pages one by one, so that only one image is in memory.
-bool Write_Project(TLogReader* log, QIODevice* device, const TStepReport& report,
+bool Write_Project(TLogReader* log, QIODevice* device, const TProgressReport& report,
                    TProjectWriter* writer, int* missing_images)
 {
     Write_Header(*log, writer);
@@ -73,7 +73,7 @@ void Set_Time(const QString& path, const QDateTime& time)
 /// Converts the log of a locked note. Returns why it cannot be converted as a whole; empty on
 /// success.
 QString Convert(const TKeptFolder& folder, const QString& name, const QString& backup_folder,
-                const TStepReport& report, const TKeptNote& note)
+                const TProgressReport& report, const TKeptNote& note)
 {
     TLogReader log;
     const TLogReader::TContent content = log.Open(folder.Log_Path(name), backup_folder);
@@ -104,7 +104,7 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
 } // namespace
 
 LogConversion::TResult LogConversion::Write(TLogReader* log, TDamage damage, TSafeFile* target,
-                                            const TStepReport& report)
+                                            const TProgressReport& report)
 {
     TResult result;
     QFile file(target->Path_To_Write());
@@ -124,7 +124,7 @@ LogConversion::TResult LogConversion::Write(TLogReader* log, TDamage damage, TSa
 
 std::vector<TKeptFile> LogConversion::Convert_Abandoned(const TKeptFolder& folder,
                                                         const QString& backup_folder,
-                                                        const TStepReport& report)
+                                                        const TProgressReport& report)
 {
     std::vector<TKeptFile> problems;
     for (TKeptFile& log : folder.Abandoned_Logs()) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/stepreport.h"
+#include "core/progressreport.h"
 
 #include <QString>
 
@@ -30,7 +30,7 @@ struct TResult
 /// a page without one.
 /// @param target  is replaced only when the new file is complete.
 /// @param report  is called before each page.
-TResult Write(TLogReader* log, TDamage damage, TSafeFile* target, const TStepReport& report);
+TResult Write(TLogReader* log, TDamage damage, TSafeFile* target, const TProgressReport& report);
 
 /// Converts the logs of processes that have ended to copies in the same folder, and deletes them.
 /// Logs that are not readable stay. A log whose copy lacks images, labels or changes stays beside
@@ -39,6 +39,6 @@ TResult Write(TLogReader* log, TDamage damage, TSafeFile* target, const TStepRep
 /// @return  the logs that could not be converted as a whole, with the reason. Later calls do not
 ///          return them again.
 std::vector<TKeptFile> Convert_Abandoned(const TKeptFolder& folder, const QString& backup_folder,
-                                         const TStepReport& report);
+                                         const TProgressReport& report);
 
 } // namespace LogConversion

@@ -56,7 +56,7 @@ bool TSafetyNet::Has_Abandoned_Logs() const
     return !d_folder.Abandoned_Logs().empty();
 }
 
-void TSafetyNet::Convert_Abandoned_Logs(const TStepReport& report)
+void TSafetyNet::Convert_Abandoned_Logs(const TProgressReport& report)
 {
     d_abandoned =
         LogConversion::Convert_Abandoned(d_folder, Backup_Folder(d_settings_folder), report);

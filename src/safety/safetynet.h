@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/stepreport.h"
+#include "core/progressreport.h"
 #include "src/safety/backup.h"
 #include "src/safety/basefile.h"
 #include "src/safety/filestamp.h"
@@ -37,7 +37,7 @@ public:
     bool Has_Abandoned_Logs() const;
     /// Converts these work logs to recovery copies.
     /// @param report  is called before each page.
-    void Convert_Abandoned_Logs(const TStepReport& report);
+    void Convert_Abandoned_Logs(const TProgressReport& report);
     /// The work of processes that ended before this one started: logs that could not be converted,
     /// if the user was not shown them before, and recovery copies.
     const std::vector<TKeptFile>& Abandoned() const { return d_abandoned; }

@@ -60,7 +60,7 @@ public:
     TWriter(const TWebPage& page, QIODevice* device);
 
     /// Returns false if the device did not accept everything.
-    bool Write(const TStepReport& report);
+    bool Write(const TProgressReport& report);
 
 private:
     /// What a page shows.
@@ -100,7 +100,7 @@ TWriter::TWriter(const TWebPage& page, QIODevice* device)
     }
 }
 
-bool TWriter::Write(const TStepReport& report)
+bool TWriter::Write(const TProgressReport& report)
 {
     Put_Head();
     Put_Header();
@@ -290,12 +290,12 @@ TWebPage WebPage::Of(const TData& data, const TAppearance& appearance, const TFi
     return web_page;
 }
 
-bool WebPage::Write(const TWebPage& page, const TStepReport& report, QIODevice* device)
+bool WebPage::Write(const TWebPage& page, const TProgressReport& report, QIODevice* device)
 {
     return TWriter(page, device).Write(report);
 }
 
-bool WebPage::Save(const TWebPage& page, const TStepReport& report, const QString& path,
+bool WebPage::Save(const TWebPage& page, const TProgressReport& report, const QString& path,
                    QString* problem)
 {
     TSafeFile target(path);

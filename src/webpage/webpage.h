@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/stepreport.h"
+#include "core/progressreport.h"
 #include "src/findings/findings.h"
 #include "src/model/appearance.h"
 #include "src/model/pageimage.h"
@@ -37,11 +37,11 @@ TWebPage Of(const TData& data, const TAppearance& appearance, const TFindings& f
 /// Writes the web page; false when the device does not accept all of it. Needs a QGuiApplication to
 /// measure texts.
 /// @param report  called before each page; may be empty.
-bool Write(const TWebPage& page, const TStepReport& report, QIODevice* device);
+bool Write(const TWebPage& page, const TProgressReport& report, QIODevice* device);
 
 /// Replaces a file with the web page. On failure, returns false and the file is unchanged.
 /// @param problem  receives the reason on failure; may be null.
-bool Save(const TWebPage& page, const TStepReport& report, const QString& path,
+bool Save(const TWebPage& page, const TProgressReport& report, const QString& path,
           QString* problem = nullptr);
 
 } // namespace WebPage

@@ -101,7 +101,7 @@
       chooseRow(row);
   });
 
-  const steps = {ArrowDown: 1, ArrowRight: 1, ArrowUp: -1, ArrowLeft: -1};
+  const moves = {ArrowDown: 1, ArrowRight: 1, ArrowUp: -1, ArrowLeft: -1};
   document.addEventListener('keydown', (event) => {
     if (event.key === 'Escape') {
       choose(null);
@@ -114,8 +114,8 @@
     const group = groups.find((links) => links.includes(link)).filter(isReachable);
     const place = group.indexOf(link);
     let next = null;
-    if (event.key in steps)
-      next = group[place + steps[event.key]];
+    if (event.key in moves)
+      next = group[place + moves[event.key]];
     else if (event.key === 'Home')
       next = group[0];
     else if (event.key === 'End')

@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr double short_step = 1.0; // page-image pixels
-constexpr double long_step = 10.0; // page-image pixels
+constexpr double short_distance = 1.0; // page-image pixels
+constexpr double long_distance = 10.0; // page-image pixels
 
 /// The direction of an arrow key; null for other keys.
 QPointF Direction(int key)
@@ -45,7 +45,7 @@ bool TNudgeKeys::eventFilter(QObject* object, QEvent* event)
     const bool is_long = modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
     if (direction.isNull() || (!is_long && modifiers != Qt::ControlModifier))
         return QObject::eventFilter(object, event);
-    d_callback(direction * (is_long ? long_step : short_step));
+    d_callback(direction * (is_long ? long_distance : short_distance));
     event->accept();
     return true;
 }

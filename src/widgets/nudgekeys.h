@@ -7,7 +7,7 @@
 
 class QWidget;
 
-/// Turns Ctrl with an arrow key into a step of one page-image pixel; with Shift, of ten.
+/// Turns Ctrl with an arrow key into a movement of one page-image pixel; with Shift, of ten.
 ///
 /// The watched widget never receives these keys. It still receives arrow keys without Ctrl.
 class TNudgeKeys : public QObject
@@ -15,7 +15,7 @@ class TNudgeKeys : public QObject
     Q_OBJECT
 
 public:
-    /// Receives each step in page-image pixels, including those of a key that is held down.
+    /// Receives each movement in page-image pixels, including those of a key that is held down.
     using TCallback = std::function<void(const QPointF&)>;
 
     /// @param widget  owns this object.

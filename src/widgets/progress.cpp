@@ -32,16 +32,16 @@ TProgress::~TProgress()
     QApplication::restoreOverrideCursor();
 }
 
-void TProgress::Step(int number, int total)
+void TProgress::Begin_Part(int number, int total)
 {
     d_number = number;
     d_total = total;
     Update();
 }
 
-TStepReport TProgress::Steps()
+TProgressReport TProgress::Report()
 {
-    return [this](int number, int total) { Step(number, total); };
+    return [this](int number, int total) { Begin_Part(number, total); };
 }
 
 void TProgress::Update()
@@ -54,7 +54,7 @@ void TProgress::Update()
         Appear();
     d_bar->setFormat(d_pattern.arg(d_number).arg(d_total));
     d_bar->setRange(0, d_total);
-    // The current step is not done yet.
+    // The current part is not done yet.
     d_bar->setValue(d_number - 1);
     d_bar->repaint();
     // Without an event loop, the window does not repaint areas that another window uncovers, such

@@ -32,7 +32,7 @@ public:
         /// A drag of a label begins.
         std::function<void(int id)> begin_move;
         /// Moves the selected labels.
-        std::function<void(const QPointF& step)> move;
+        std::function<void(const QPointF& distance)> move;
         /// The drag has ended.
         std::function<void()> end_move;
         /// Selects the labels in a rectangle.

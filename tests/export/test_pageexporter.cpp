@@ -89,15 +89,16 @@ private slots:
 
     void progress_is_reported_before_drawing_and_before_handling_a_page()
     {
-        QStringList steps;
+        QStringList reports;
         const TPageExporter exporter(&d_document.data, d_view.get(), [&](int number, int total) {
-            steps += QString("%1 of %2").arg(number).arg(total);
+            reports += QString("%1 of %2").arg(number).arg(total);
         });
         exporter.Draw_Pages({1, 2}, [&](int page_id, const QPixmap&) {
-            steps += QString("page %1").arg(page_id);
+            reports += QString("page %1").arg(page_id);
             return true;
         });
-        QCOMPARE(steps, QStringList({"1 of 2", "1 of 2", "page 1", "2 of 2", "2 of 2", "page 2"}));
+        QCOMPARE(reports,
+                 QStringList({"1 of 2", "1 of 2", "page 1", "2 of 2", "2 of 2", "page 2"}));
     }
 
     void images_are_written_to_the_given_paths()

@@ -505,12 +505,12 @@ void TestDurability::the_log_is_synced_after_five_seconds()
     const auto advance = From_Library<decltype(Quillet_Advance_Clock)>("Quillet_Advance_Clock");
     const auto net = Net();
     Arm(Faults::Sync, Faults::Fail, 0);
-    constexpr int step = 3;
-    for (int seconds = 0; seconds <= 4 * step; seconds += step) {
+    constexpr int interval = 3;
+    for (int seconds = 0; seconds <= 4 * interval; seconds += interval) {
         ++d_document.appearance.label_size;
         net->Record_Change("/a");
-        QCOMPARE(Logged("sync").count("sync " + Only_Log() + "-wal"), seconds / (2 * step));
-        advance(step);
+        QCOMPARE(Logged("sync").count("sync " + Only_Log() + "-wal"), seconds / (2 * interval));
+        advance(interval);
     }
     Disarm();
 }

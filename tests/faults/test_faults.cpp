@@ -348,13 +348,13 @@ void TestFaults::a_full_disk_leaves_the_document_data()
 void TestFaults::a_full_disk_leaves_the_document()
 {
     QFETCH(QString, operation);
-    constexpr int steps = 12;
+    constexpr int rounds = 12;
     int losses = 0;
-    for (int step = 0; step < steps; ++step) {
+    for (int round = 0; round < rounds; ++round) {
         Restore_Files();
         const Support::TChildResult result = Support::Run_In_Child([&] {
             Edit(operation);
-            const qint64 room = qint64{d_first_version.size()} * step / (steps - 2);
+            const qint64 room = qint64{d_first_version.size()} * round / (rounds - 2);
             if (Small_Disk().isEmpty())
                 Support::Limit_File_Size(room);
             else
@@ -367,11 +367,11 @@ void TestFaults::a_full_disk_leaves_the_document()
         const QString loss = Loss(operation);
         losses += loss.isEmpty() ? 0 : 1;
         if (!loss.isEmpty())
-            qWarning("step %d: %s", step, qPrintable(loss));
+            qWarning("round %d: %s", round, qPrintable(loss));
     }
     const QString disk =
         Settings().startsWith(Small_Disk()) ? "full disk" : "full disk, settings elsewhere";
-    Add_To_Table(operation, Small_Disk().isEmpty() ? "files cannot grow" : disk, steps, losses);
+    Add_To_Table(operation, Small_Disk().isEmpty() ? "files cannot grow" : disk, rounds, losses);
     QCOMPARE(losses, 0);
 }
 

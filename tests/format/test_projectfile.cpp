@@ -525,13 +525,13 @@ private slots:
         TDocument document;
         document.Add_Page("a", TPageImage());
         document.Add_Page("b", TPageImage());
-        QStringList steps;
+        QStringList reports;
         TProjectWriter writer;
-        const auto note = [&steps](int number, int total) {
-            steps += QStringLiteral("%1 of %2").arg(number).arg(total);
+        const auto note = [&reports](int number, int total) {
+            reports += QStringLiteral("%1 of %2").arg(number).arg(total);
         };
         ProjectFile::Write({}, document.pages, document.data, note, &writer);
-        QCOMPARE(steps, QStringList({"1 of 2", "2 of 2"}));
+        QCOMPARE(reports, QStringList({"1 of 2", "2 of 2"}));
     }
 
     void a_text_that_cannot_be_written_is_a_fault()
@@ -654,13 +654,13 @@ private slots:
 
     void a_step_is_reported_before_each_page_is_read()
     {
-        QStringList steps;
+        QStringList reports;
         ProjectFile::Read(Header(32, "#fa0832", "", "", 2) + Page_Record("a", "", Item_List()) +
                               Page_Record("b", "", Item_List()),
-                          [&steps](int number, int total) {
-                              steps += QStringLiteral("%1 of %2").arg(number).arg(total);
+                          [&reports](int number, int total) {
+                              reports += QStringLiteral("%1 of %2").arg(number).arg(total);
                           });
-        QCOMPARE(steps, QStringList({"1 of 2", "2 of 2"}));
+        QCOMPARE(reports, QStringList({"1 of 2", "2 of 2"}));
     }
 
     void everything_before_a_fault_is_read_data()

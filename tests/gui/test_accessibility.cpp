@@ -181,7 +181,7 @@ void TestAccessibility::the_tab_key_visits_all_widgets_in_order()
                                   "Page"};
     d_window->d_display_widget->setFocus();
     QStringList visited;
-    for (int step = 0; step < expected.size(); ++step) {
+    for (int round = 0; round < expected.size(); ++round) {
         visited += QApplication::focusWidget()->accessibleName();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
@@ -195,7 +195,7 @@ void TestAccessibility::the_tab_key_visits_the_find_bar_before_the_zoom()
     d_window->findChild<TFindBar*>()->Open();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
     QStringList visited;
-    for (int step = 0; step < 6; ++step) {
+    for (int round = 0; round < 6; ++round) {
         visited += QApplication::focusWidget()->accessibleName();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }

@@ -95,7 +95,7 @@ public:
     Q_DISABLE_COPY(TNextFile)
 
     int Next() const { return *d_next; }
-    void Step() { ++*d_next; }
+    void Advance() { ++*d_next; }
 
 private:
     int* d_next;
@@ -133,7 +133,7 @@ QString Try_All(int count, const std::function<void(int)>& try_file, bool may_st
                 const long before = Peak_Memory();
                 while (next_file.Next() < count) {
                     const int number = next_file.Next();
-                    next_file.Step();
+                    next_file.Advance();
                     try_file(number);
                     if (Peak_Memory() - before > most_memory)
                         return memory_exit_code;

@@ -219,7 +219,7 @@ private slots:
     void labels_are_renumbered_alike_data()
     {
         QTest::addColumn<QString>("first");
-        QTest::addColumn<QString>("step");
+        QTest::addColumn<QString>("multiple");
         QTest::addColumn<QString>("entry");
         QTest::newRow("1") << "1"
                            << "1"
@@ -237,7 +237,7 @@ private slots:
     void labels_are_renumbered_alike()
     {
         QFETCH(const QString, first);
-        QFETCH(const QString, step);
+        QFETCH(const QString, multiple);
         QFETCH(const QString, entry);
         const auto fill_in = [&](QWidget* dialog) {
             Support::Only<QLineEdit>(*dialog)->setText(first);
@@ -247,7 +247,7 @@ private slots:
                                         {Support::Click("Apply", fill_in)}),
                  QString());
         Save("window.quillet");
-        Run({"reindex", "document.quillet", "--first", first, "--over-page", step, "--output",
+        Run({"reindex", "document.quillet", "--first", first, "--over-page", multiple, "--output",
              "tool.quillet"});
         Compare_Saved("tool.quillet", "window.quillet");
         QVERIFY(Content("window.quillet") != Content("document.quillet"));

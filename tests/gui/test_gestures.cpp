@@ -483,22 +483,22 @@ void TestGestures::ctrl_and_arrows_move_the_selected_labels_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-    QTest::addColumn<QPointF>("step");
+    QTest::addColumn<QPointF>("distance");
     const struct
     {
         const char* name;
         int key;
-        QPointF step;
+        QPointF distance;
     } arrows[] = {{"left", Qt::Key_Left, {-1, 0}},
                   {"right", Qt::Key_Right, {1, 0}},
                   {"up", Qt::Key_Up, {0, -1}},
                   {"down", Qt::Key_Down, {0, 1}}};
     for (const auto& arrow : arrows) {
         QTest::addRow("%s", arrow.name)
-            << arrow.key << Qt::KeyboardModifiers(Qt::ControlModifier) << arrow.step;
+            << arrow.key << Qt::KeyboardModifiers(Qt::ControlModifier) << arrow.distance;
         QTest::addRow("far %s", arrow.name)
             << arrow.key << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier)
-            << 10 * arrow.step;
+            << 10 * arrow.distance;
     }
     QTest::newRow("number pad") << int(Qt::Key_Left)
                                 << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::KeypadModifier)
@@ -509,20 +509,20 @@ void TestGestures::ctrl_and_arrows_move_the_selected_labels()
 {
     QFETCH(int, key);
     QFETCH(Qt::KeyboardModifiers, modifiers);
-    QFETCH(QPointF, step);
+    QFETCH(QPointF, distance);
     Show_Page();
     Focus(d_window->d_display_widget);
     d_window->d_label_widget->Set_Selection(11);
     d_window->d_label_widget->Add_Selection(12);
     QVERIFY(!d_window->d_data_changed);
-    // At every zoom, a step is one pixel of the page image.
+    // At every zoom, the distance is one pixel of the page image.
     d_window->d_zoom_slider->setValue(37);
     const int scrolled = d_window->d_display_widget->horizontalScrollBar()->value();
     QTest::keyClick(d_window->d_display_widget, Qt::Key(key), modifiers);
-    QCOMPARE(
-        Positions(),
-        QStringList({QString("11 %1,%2").arg(100 + step.x()).arg(120 + step.y()),
-                     QString("12 %1,%2").arg(200.5 + step.x()).arg(120 + step.y()), "13 300,120"}));
+    QCOMPARE(Positions(),
+             QStringList({QString("11 %1,%2").arg(100 + distance.x()).arg(120 + distance.y()),
+                          QString("12 %1,%2").arg(200.5 + distance.x()).arg(120 + distance.y()),
+                          "13 300,120"}));
     QVERIFY(d_window->d_data_changed);
     QCOMPARE(d_window->d_display_widget->horizontalScrollBar()->value(), scrolled);
     QCOMPARE(d_window->d_label_widget->Selected_Items().size(), std::size_t(2));
@@ -1010,7 +1010,7 @@ void TestGestures::the_bar_fits_beside_the_zoom_control()
         d_time = 0;
         d_window->d_progress_clock = [this] { return d_time += 600; };
         TProgress progress = d_window->New_Progress("%1 of %2");
-        progress.Step(1, 2);
+        progress.Begin_Part(1, 2);
         const auto* const bar = d_window->findChild<QProgressBar*>();
         QVERIFY(bar);
         QVERIFY(d_window->statusBar()->rect().contains(bar->geometry()));

@@ -544,7 +544,7 @@ private slots:
         Fill(&data, {});
         QVector<TDataItem> expected;
         quint32 random = 12345;
-        for (int step = 0; step < 20000; ++step) {
+        for (int round = 0; round < 20000; ++round) {
             random = random * 1664525u + 1013904223u;
             const int id = static_cast<int>(random >> 8) % id_count;
             const auto found = std::find_if(expected.begin(), expected.end(),
@@ -552,9 +552,9 @@ private slots:
             const bool exists = found != expected.end();
             switch ((random >> 28) % 4) {
             case 0:
-                QCOMPARE(data.Add_Item(Make_Item(id, step)), !exists);
+                QCOMPARE(data.Add_Item(Make_Item(id, round)), !exists);
                 if (!exists)
-                    expected.append(Make_Item(id, step));
+                    expected.append(Make_Item(id, round));
                 break;
             case 1:
                 QCOMPARE(data.Remove_Item(id), exists);
@@ -562,9 +562,9 @@ private slots:
                     expected.erase(found);
                 break;
             case 2:
-                QCOMPARE(data.Change_Item_Value(id, step), exists);
+                QCOMPARE(data.Change_Item_Value(id, round), exists);
                 if (exists)
-                    found->value = step;
+                    found->value = round;
                 break;
             default:
                 QCOMPARE(data.Item_Exists(id), exists);

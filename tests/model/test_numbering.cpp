@@ -108,7 +108,7 @@ private slots:
     void a_page_starts_at_a_round_number_above_the_last_value_data()
     {
         QTest::addColumn<int>("method");
-        QTest::addColumn<int>("step");
+        QTest::addColumn<int>("multiple");
 
         QTest::newRow("10X") << 1 << 10;
         QTest::newRow("100X") << 2 << 100;
@@ -117,14 +117,14 @@ private slots:
     void a_page_starts_at_a_round_number_above_the_last_value()
     {
         QFETCH(int, method);
-        QFETCH(int, step);
-        for (int after = -2 * step - 1; after <= 2 * step + 1; ++after) {
+        QFETCH(int, multiple);
+        for (int after = -2 * multiple - 1; after <= 2 * multiple + 1; ++after) {
             const int start = Start_After(after, method);
-            QCOMPARE(start % step, 0);
+            QCOMPARE(start % multiple, 0);
             QVERIFY2(start > after, qPrintable(QString::number(after)));
             // After a value of at least 0, it is the very next one. After a negative value,
             // truncation may skip one.
-            QVERIFY2(start - after <= (after < 0 ? 2 * step : step),
+            QVERIFY2(start - after <= (after < 0 ? 2 * multiple : multiple),
                      qPrintable(QString::number(after)));
         }
     }

@@ -23,7 +23,7 @@ using Support::Labels_At;
 
 namespace {
 
-constexpr double step = 10.0;
+constexpr double distance = 10.0;
 
 } // namespace
 
@@ -45,14 +45,14 @@ void TestPasteOffset::labels_stay_where_they_hide_none()
 {
     QFETCH(QVector<QPointF>, pasted);
     QFETCH(QVector<QPointF>, present);
-    QCOMPARE(Paste_Offset(Labels_At(pasted), Labels_At(present), step), QPointF(0, 0));
+    QCOMPARE(Paste_Offset(Labels_At(pasted), Labels_At(present), distance), QPointF(0, 0));
 }
 
 void TestPasteOffset::labels_move_by_as_many_steps_as_it_takes_data()
 {
     QTest::addColumn<QVector<QPointF>>("pasted");
     QTest::addColumn<QVector<QPointF>>("present");
-    QTest::addColumn<int>("steps");
+    QTest::addColumn<int>("moves");
     QTest::newRow("on itself") << QVector<QPointF>{{50, 60}} << QVector<QPointF>{{50, 60}} << 1;
     QTest::newRow("on one of several")
         << QVector<QPointF>{{50, 60}, {0, 0}} << QVector<QPointF>{{7, 7}, {0, 0}} << 1;
@@ -66,15 +66,15 @@ void TestPasteOffset::labels_move_by_as_many_steps_as_it_takes()
 {
     QFETCH(QVector<QPointF>, pasted);
     QFETCH(QVector<QPointF>, present);
-    QFETCH(int, steps);
-    QCOMPARE(Paste_Offset(Labels_At(pasted), Labels_At(present), step),
-             QPointF(step * steps, step * steps));
+    QFETCH(int, moves);
+    QCOMPARE(Paste_Offset(Labels_At(pasted), Labels_At(present), distance),
+             QPointF(distance * moves, distance * moves));
 }
 
 void TestPasteOffset::huge_coordinates_end_the_search()
 {
     const std::vector<TDataItem> far = Labels_At({{1e300, 1e300}});
-    QCOMPARE(Paste_Offset(far, far, step), QPointF(step, step));
+    QCOMPARE(Paste_Offset(far, far, distance), QPointF(distance, distance));
 }
 
 QTEST_APPLESS_MAIN(TestPasteOffset)

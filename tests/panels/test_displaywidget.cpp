@@ -515,12 +515,12 @@ void TestDisplayWidget::changing_an_item_redraws_it()
     const QString other = Label_State(Support::Label(*d_view, 1));
     const qint64 other_pixmap = Support::Label(*d_view, 1)->pixmap().cacheKey();
     Support::TSignalLog log(*d_view);
-    for (const QString& step : change.split(QStringLiteral(", "))) {
-        if (step == QLatin1String("value"))
+    for (const QString& part : change.split(QStringLiteral(", "))) {
+        if (part == QLatin1String("value"))
             d_view->Change_Item_Value(2, 99);
-        else if (step == QLatin1String("text"))
+        else if (part == QLatin1String("text"))
             d_view->Change_Item_Text(2, QStringLiteral("hut"));
-        else if (step == QLatin1String("no text"))
+        else if (part == QLatin1String("no text"))
             d_view->Change_Item_Text(2, QString());
         else
             d_view->Change_Item_Border(2, 8);

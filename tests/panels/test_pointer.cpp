@@ -300,7 +300,7 @@ void TestPointer::a_drag_has_no_limits()
 
 void TestPointer::a_drag_keeps_the_offset_of_a_label_from_its_centre()
 {
-    // The step is added to both; the corner is not calculated from the centre.
+    // The movement is added to both; the corner is not calculated from the centre.
     Support::Label(*d_view, 7)->setPos(180, 130);
     Press(QPointF(99, 100));
     Move(QPointF(119, 100));

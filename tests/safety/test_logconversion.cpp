@@ -83,7 +83,7 @@ private:
     QByteArray Copy() const { return Read_File(Folder() + '/' + Files("*.quillet").value(0)); }
     bool Leave_Log();
     QList<qint64> Leave_Changes(int count, QList<QByteArray>* documents);
-    QStringList Convert(const TStepReport& report = nullptr) const
+    QStringList Convert(const TProgressReport& report = nullptr) const
     {
         QStringList problems;
         for (const TKeptFile& log :
@@ -356,9 +356,10 @@ void TestLogConversion::a_new_first_page_has_the_header_lines()
 void TestLogConversion::each_page_is_reported()
 {
     QVERIFY(Leave_Log());
-    QStringList steps;
-    Convert([&steps](int number, int total) { steps += QString("%1/%2").arg(number).arg(total); });
-    QCOMPARE(steps, QStringList({"1/3", "2/3", "3/3"}));
+    QStringList reports;
+    Convert(
+        [&reports](int number, int total) { reports += QString("%1/%2").arg(number).arg(total); });
+    QCOMPARE(reports, QStringList({"1/3", "2/3", "3/3"}));
 }
 
 void TestLogConversion::a_killed_conversion_is_repeated_data()

@@ -438,7 +438,7 @@ void TestLogWriter::references_are_stored_one_by_one()
     QVERIFY(Update(base));
     const QByteArray expected = Project_Of(*d_document);
     // Three times labels, three images.
-    for (int step = 0; step < 6; ++step) {
+    for (int round = 0; round < 6; ++round) {
         QVERIFY(d_writer->Has_References());
         QVERIFY(d_writer->Store_Reference(Data()));
         QCOMPARE(Byte_Difference(Recovered(Log()), expected), QString());
@@ -611,7 +611,7 @@ void TestLogWriter::any_walk_of_changes_is_recovered()
             Data().Number_Items(row->page_id, false, [&] { return below(3); });
         }
     };
-    for (int step = 0; step < 60; ++step) {
+    for (int round = 0; round < 60; ++round) {
         order.clear();
         recorded.clear();
         const std::vector<TNamedPage> rows = d_document->pages;
@@ -628,7 +628,7 @@ void TestLogWriter::any_walk_of_changes_is_recovered()
         }
         if (below(8) == 0)
             QVERIFY(d_writer->Store_Reference(Data()));
-        if (step % 10 == 9)
+        if (round % 10 == 9)
             QCOMPARE(Difference(), QString());
     }
 }

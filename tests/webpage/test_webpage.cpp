@@ -229,17 +229,17 @@ private slots:
 
     void progress_is_reported_for_each_page()
     {
-        QStringList steps;
+        QStringList reports;
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
         const TWebPage page = Page({{"a", TPageImage(), {}}, {"b", TPageImage(), {}}});
         QVERIFY(WebPage::Write(
             page,
-            [&steps](int number, int total) {
-                steps += QStringLiteral("%1/%2").arg(number).arg(total);
+            [&reports](int number, int total) {
+                reports += QStringLiteral("%1/%2").arg(number).arg(total);
             },
             &buffer));
-        QCOMPARE(steps, QStringList({"1/2", "2/2"}));
+        QCOMPARE(reports, QStringList({"1/2", "2/2"}));
     }
 
     void a_device_that_accepts_only_a_part_is_a_failure()

@@ -1,4 +1,4 @@
-// Steps of Ctrl with an arrow key, on a bare widget.
+// Movements by Ctrl with an arrow key, on a bare widget.
 
 #include "src/widgets/nudgekeys.h"
 
@@ -35,7 +35,7 @@ void TestNudgeKeys::arrows_with_ctrl_are_steps_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
-    QTest::addColumn<QPointF>("step");
+    QTest::addColumn<QPointF>("distance");
     const int ctrl = Qt::ControlModifier;
     const int ctrl_shift = Qt::ControlModifier | Qt::ShiftModifier;
     QTest::newRow("left") << int{Qt::Key_Left} << ctrl << QPointF(-1, 0);
@@ -52,13 +52,13 @@ void TestNudgeKeys::arrows_with_ctrl_are_steps()
 {
     QFETCH(int, key);
     QFETCH(int, modifiers);
-    QFETCH(QPointF, step);
+    QFETCH(QPointF, distance);
     TKeyReader widget;
-    QList<QPointF> steps;
-    new TNudgeKeys(&widget, [&steps](const QPointF& done) { steps += done; });
+    QList<QPointF> moves;
+    new TNudgeKeys(&widget, [&moves](const QPointF& done) { moves += done; });
     QTest::keyClick(&widget, static_cast<Qt::Key>(key),
                     static_cast<Qt::KeyboardModifiers>(modifiers));
-    QCOMPARE(steps, QList<QPointF>{step});
+    QCOMPARE(moves, QList<QPointF>{distance});
     QVERIFY(!widget.d_keys.contains(key));
 }
 
@@ -79,11 +79,11 @@ void TestNudgeKeys::other_keys_reach_the_widget()
     QFETCH(int, key);
     QFETCH(int, modifiers);
     TKeyReader widget;
-    int steps = 0;
-    new TNudgeKeys(&widget, [&steps](const QPointF&) { ++steps; });
+    int moves = 0;
+    new TNudgeKeys(&widget, [&moves](const QPointF&) { ++moves; });
     QTest::keyClick(&widget, static_cast<Qt::Key>(key),
                     static_cast<Qt::KeyboardModifiers>(modifiers));
-    QCOMPARE(steps, 0);
+    QCOMPARE(moves, 0);
     QCOMPARE(widget.d_keys.count(key), 1);
 }
 

@@ -84,8 +84,8 @@ void TestProgress::cleanup()
 void TestProgress::a_quick_operation_is_not_shown()
 {
     const auto progress = Begin();
-    for (int step = 1; step <= 10; ++step) {
-        progress->Step(step, 10);
+    for (int part = 1; part <= 10; ++part) {
+        progress->Begin_Part(part, 10);
         QVERIFY(!Bar());
         QVERIFY(!QApplication::overrideCursor());
         d_time += 55;
@@ -95,12 +95,12 @@ void TestProgress::a_quick_operation_is_not_shown()
 void TestProgress::an_operation_is_shown_after_half_a_second()
 {
     const auto progress = Begin();
-    progress->Step(1, 3);
+    progress->Begin_Part(1, 3);
     d_time += 499;
-    progress->Step(2, 3);
+    progress->Begin_Part(2, 3);
     QVERIFY(!Bar());
     d_time += 1;
-    progress->Step(3, 3);
+    progress->Begin_Part(3, 3);
     QVERIFY(Bar());
     QVERIFY(Bar()->isVisible());
     QCOMPARE(Bar()->geometry(), area);
@@ -110,14 +110,14 @@ void TestProgress::the_delay_starts_with_the_operation_and_not_with_the_first_st
 {
     const auto progress = Begin();
     d_time += 500;
-    progress->Step(1, 3);
+    progress->Begin_Part(1, 3);
     QVERIFY(Bar());
 }
 
 void TestProgress::an_update_within_a_step_shows_the_operation_too()
 {
     const auto progress = Begin();
-    progress->Step(1, 1);
+    progress->Begin_Part(1, 1);
     d_time += 500;
     progress->Update();
     QVERIFY(Bar());
@@ -128,7 +128,7 @@ void TestProgress::an_update_within_a_step_shows_the_operation_too()
 void TestProgress::a_block_of_an_image_shows_the_operation_too()
 {
     auto progress = Begin();
-    progress->Step(1, 1);
+    progress->Begin_Part(1, 1);
     d_time += 500;
     TWorkWatch::Notify();
     QVERIFY(Bar());
@@ -149,7 +149,7 @@ void TestProgress::the_bar_shows_the_current_step_and_the_finished_ones()
 {
     const auto progress = Begin();
     d_time += 700;
-    progress->Step(3, 8);
+    progress->Begin_Part(3, 8);
     QCOMPARE(Bar()->text(), QString("Doing 3 of 8"));
     QVERIFY(Bar()->isTextVisible());
     QCOMPARE(Bar()->minimum(), 0);
@@ -157,7 +157,7 @@ void TestProgress::the_bar_shows_the_current_step_and_the_finished_ones()
     QCOMPARE(Bar()->maximum(), 8);
     QCOMPARE(Bar()->accessibleName(), QString("Progress"));
     d_time += 100;
-    progress->Step(8, 8);
+    progress->Begin_Part(8, 8);
     QCOMPARE(Bar()->text(), QString("Doing 8 of 8"));
     QCOMPARE(Bar()->value(), 7);
 }
@@ -168,16 +168,16 @@ void TestProgress::the_bar_is_painted_at_once_but_not_too_often()
     QCoreApplication::instance()->installEventFilter(&counter);
     const auto progress = Begin();
     d_time += 500;
-    progress->Step(1, 20);
+    progress->Begin_Part(1, 20);
     QVERIFY(counter.d_count > 0);
     counter.d_count = 0;
 
     d_time += 99;
-    progress->Step(2, 20);
+    progress->Begin_Part(2, 20);
     QCOMPARE(counter.d_count, 0);
     QCOMPARE(Bar()->text(), QString("Doing 1 of 20"));
     d_time += 1;
-    progress->Step(3, 20);
+    progress->Begin_Part(3, 20);
     QVERIFY(counter.d_count > 0);
     QCOMPARE(Bar()->text(), QString("Doing 3 of 20"));
 }
@@ -188,9 +188,9 @@ void TestProgress::no_event_is_handled_during_the_operation()
     QMetaObject::invokeMethod(
         d_status_bar.get(), [&handled] { handled = true; }, Qt::QueuedConnection);
     const auto progress = Begin();
-    for (int step = 1; step <= 5; ++step) {
+    for (int part = 1; part <= 5; ++part) {
         d_time += 500;
-        progress->Step(step, 5);
+        progress->Begin_Part(part, 5);
     }
     QVERIFY(Bar());
     QVERIFY(!handled);
@@ -201,10 +201,10 @@ void TestProgress::no_event_is_handled_during_the_operation()
 void TestProgress::the_cursor_is_busy_while_the_bar_is_shown()
 {
     auto progress = Begin();
-    progress->Step(1, 2);
+    progress->Begin_Part(1, 2);
     QVERIFY(!QApplication::overrideCursor());
     d_time += 500;
-    progress->Step(2, 2);
+    progress->Begin_Part(2, 2);
     QVERIFY(QApplication::overrideCursor());
     QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
     progress.reset();
@@ -218,7 +218,7 @@ void TestProgress::an_exception_ends_the_operation_too()
     try {
         const auto progress = Begin();
         d_time += 500;
-        progress->Step(1, 2);
+        progress->Begin_Part(1, 2);
         shown = Bar() && QApplication::overrideCursor();
         throw std::runtime_error("the disk is full");
     } catch (const std::runtime_error&) {
@@ -237,7 +237,7 @@ void TestProgress::the_bar_does_not_change_the_layout()
     const QSize minimum_size = d_status_bar->minimumSizeHint();
     auto progress = Begin();
     d_time += 500;
-    progress->Step(1, 2);
+    progress->Begin_Part(1, 2);
     QCOMPARE(d_status_bar->childAt(area.center()), Bar());
     QVERIFY(notice->isVisible());
     QCOMPARE(notice->geometry(), geometry);
@@ -250,11 +250,11 @@ void TestProgress::each_operation_has_its_own_delay()
 {
     auto progress = Begin();
     d_time += 600;
-    progress->Step(1, 2);
+    progress->Begin_Part(1, 2);
     progress = nullptr;
     progress = Begin();
     d_time += 400;
-    progress->Step(1, 2);
+    progress->Begin_Part(1, 2);
     QVERIFY(!Bar());
 }
 

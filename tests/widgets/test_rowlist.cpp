@@ -183,7 +183,7 @@ void TestRowList::the_index_agrees_with_a_linear_search()
         state = state * 1103515245u + 12345u;
         return static_cast<int>((state >> 16) % static_cast<unsigned>(below));
     };
-    for (int step = 0; step < 2000; ++step) {
+    for (int round = 0; round < 2000; ++round) {
         const int count = d_list->count();
         switch (draw(6)) {
         case 0:

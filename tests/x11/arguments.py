@@ -11,7 +11,7 @@ Run it in an X server with a window manager and an empty home folder (tests/supp
 import os
 
 from driver import run
-from session import close_discarding, close_unchanged, noise_page, run_steps
+from session import close_discarding, close_unchanged, noise_page, run_parts
 
 
 def open_project(session):
@@ -32,4 +32,4 @@ def open_image(session):
 
 
 if __name__ == "__main__":
-    run_steps(lambda folder: [noise_page(folder)], [open_project, open_image])
+    run_parts(lambda folder: [noise_page(folder)], [open_project, open_image])

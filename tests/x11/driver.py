@@ -190,8 +190,8 @@ def click(target, button=1, times=1, holding=None):
         run("xdotool", "keyup", holding)
 
 
-def drag(start, end, steps=8, holding=None):
-    """Drags with the left button from one point to another, in steps as a hand does.
+def drag(start, end, moves=8, holding=None):
+    """Drags with the left button from one point to another, in small moves as a hand does.
 
     `holding` names a key to hold down.
     """
@@ -199,9 +199,9 @@ def drag(start, end, steps=8, holding=None):
     if holding:
         run("xdotool", "keydown", holding)
     run("xdotool", "mousedown", "1")
-    for step in range(1, steps + 1):
-        x = start[0] + (end[0] - start[0]) * step // steps
-        y = start[1] + (end[1] - start[1]) * step // steps
+    for move in range(1, moves + 1):
+        x = start[0] + (end[0] - start[0]) * move // moves
+        y = start[1] + (end[1] - start[1]) * move // moves
         point_at(x, y)
         # A list needs separate moves to start a drag and to find its target.
         time.sleep(POLL_SECONDS)

@@ -14,7 +14,7 @@ import subprocess
 
 from driver import Program, drag, press, run, stable_screen, wait_until
 from results import Project, pixels_of_png
-from session import (WORKING_SIZE, check, close_discarding, close_unchanged, noise_page, run_steps,
+from session import (WORKING_SIZE, check, close_discarding, close_unchanged, noise_page, run_parts,
                      save_as)
 
 SOURCE_PLACE = (1188, 600)  # to the right of the program's window
@@ -88,5 +88,5 @@ def unsaved_images(session):
 
 
 if __name__ == "__main__":
-    run_steps(lambda folder: [noise_page(folder, seed) for seed in (1, 2, 3)],
+    run_parts(lambda folder: [noise_page(folder, seed) for seed in (1, 2, 3)],
               (begin, drop_images, drop_project, unsaved_images))

@@ -14,7 +14,7 @@ import re
 from driver import Box, click, drag, point_at, press, stable_screen, turn_wheel, write
 from results import Project, report_pages
 from session import (BORDERS, COLOUR, DIAMOND, TRIANGLE, check, check_labels, check_near,
-                     close_unchanged, import_pages, label_at, run_steps, save_as, start_working)
+                     close_unchanged, import_pages, label_at, run_parts, save_as, start_working)
 
 FIRST_PAGE, LAST_PAGE = 16, 18
 # The page of this test, with one page before it and one after it.
@@ -171,7 +171,7 @@ def render_pages(folder):
 
 
 if __name__ == "__main__":
-    run_steps(render_pages,
+    run_parts(render_pages,
               (start_working, import_pages, label_page, zoom_with_slider, zoom_with_wheel,
                move_label_with_keys, remove_label_with_key, copy_labels_with_keys,
                move_page_with_keys, check_saved_labels))

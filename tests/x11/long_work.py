@@ -15,7 +15,7 @@ import time
 
 from driver import (Failure, Picture, stable_screen, click, cursor, point_at, press, wait_until,
                     write)
-from session import (check, close_discarding, run_steps, start_working, status_bar,
+from session import (check, close_discarding, run_parts, start_working, status_bar,
                      wait_for_end_of_message)
 
 # A little more than the time that the program waits before it shows progress.
@@ -81,4 +81,4 @@ def close_pipe(end, pipe, goal):
 
 
 if __name__ == "__main__":
-    run_steps(lambda _: [], (start_working, watch_long_work))
+    run_parts(lambda _: [], (start_working, watch_long_work))

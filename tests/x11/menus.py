@@ -11,7 +11,7 @@ Run it in an X server with a window manager and an empty home folder (tests/supp
 
 from driver import press, stable_screen, wait_until, write
 from results import Project
-from session import (NOISE_EDGE, WORKING_SIZE, check, check_near, close_unchanged, noise_page, run_steps,
+from session import (NOISE_EDGE, WORKING_SIZE, check, check_near, close_unchanged, noise_page, run_parts,
                      save_as)
 
 # How many times to press Tab from the page view to a list while a label is selected.
@@ -134,5 +134,5 @@ def make_images(folder):
 
 
 if __name__ == "__main__":
-    run_steps(make_images, (begin, renumber, duplicate_and_cut, find, rotate_and_duplicate, insert_images,
+    run_parts(make_images, (begin, renumber, duplicate_and_cut, find, rotate_and_duplicate, insert_images,
                             close_unchanged))

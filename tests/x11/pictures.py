@@ -107,9 +107,9 @@ def main():
     quillet, sample, pictures = (os.path.abspath(path) for path in sys.argv[1:])
     tour = Tour(quillet, sample, pictures)
     try:
-        for step in (first_start, open_sample, learn_boxes, select_labels, arrange_pages,
+        for part in (first_start, open_sample, learn_boxes, select_labels, arrange_pages,
                         open_dialogs):
-            step(tour)
+            part(tour)
     finally:
         if tour.program and tour.program.process.poll() is None:
             tour.program.process.kill()

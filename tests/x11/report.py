@@ -18,7 +18,7 @@ from driver import Box, Picture, stable_screen, click, drag, press, run, wait_un
 from results import Project, pixels_of_png, report_pages
 from session import (DIAMOND, ELLIPSE, NEW_COLOUR, NEW_SIZE, SQUARE, TRIANGLE, change_appearance, check,
                      check_label_colour, check_labels, close_unchanged, import_pages, label_at,
-                     learn_boxes, run_steps, save_as, start_working)
+                     learn_boxes, run_parts, save_as, start_working)
 
 FIRST_PAGE, LAST_PAGE = 15, 19
 HEADERS = ["Debian Policy Manual", "Review of the binary packages chapter"]
@@ -182,7 +182,7 @@ def render_pages(folder):
 
 
 if __name__ == "__main__":
-    run_steps(render_pages,
+    run_parts(render_pages,
               (start_working, import_pages, learn_boxes, label_first_page, label_third_page,
                arrange_pages, change_appearance, export_images, reindex, export_pdf, save,
                check_project, check_images, check_pdf))

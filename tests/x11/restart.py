@@ -21,7 +21,7 @@ from driver import Box, Failure, Picture, stable_screen, click, drag, press, wai
 from results import Project
 from session import (ELLIPSE, NEW_COLOUR, NEW_SIZE, WORKING_SIZE, change_appearance, check,
                      check_label_colour, check_labels, close_discarding, close_unchanged,
-                     import_pages, label_at, noise_page, run_steps, save_as)
+                     import_pages, label_at, noise_page, run_parts, save_as)
 
 # The page to work with. A new start selects the first one.
 PAGE = 1
@@ -170,6 +170,6 @@ def make_images(folder):
 
 
 if __name__ == "__main__":
-    run_steps(make_images,
+    run_parts(make_images,
               (first_look, import_pages, change_appearance, label_page, close_with_cancel_then_yes,
                open_again, recover_after_a_kill, float_a_dock, check_home))

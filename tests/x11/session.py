@@ -200,7 +200,7 @@ class Session:
         stable_screen()
 
 
-# --- steps that several tests take ----------------------------------------------------------------
+# --- actions that several tests take ----------------------------------------------------------------
 
 
 def start_working(session):
@@ -299,8 +299,8 @@ def close_unchanged(session):
     check("exit code", session.program.ended(), 0)
 
 
-def run_steps(make_images, steps):
-    """Runs a test's steps, each with the session as its argument, and prints how long they take.
+def run_parts(make_images, parts):
+    """Runs a test's parts, each with the session as its argument, and prints how long they take.
 
     Takes the program and the results folder from the command line. `make_images` writes the page
     images into a folder and returns their paths.
@@ -309,7 +309,7 @@ def run_steps(make_images, steps):
     shutil.rmtree(results, ignore_errors=True)
     os.makedirs(results)
     with Session(quillet, results, make_images(tempfile.mkdtemp())) as session:
-        for step in steps:
+        for part in parts:
             started = time.monotonic()
-            step(session)
-            print(f"{step.__name__}: {time.monotonic() - started:.1f} s", flush=True)
+            part(session)
+            print(f"{part.__name__}: {time.monotonic() - started:.1f} s", flush=True)

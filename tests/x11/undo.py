@@ -11,7 +11,7 @@ Run it in an X server with a window manager and an empty home folder (tests/supp
 from driver import (HIGHLIGHT, Box, Failure, Picture, stable_screen, click, drag, press,
                     wait_until, write)
 from results import Project
-from session import check, close_unchanged, noise_page, run_steps, save_as, start_working
+from session import check, close_unchanged, noise_page, run_parts, save_as, start_working
 
 # How many times to press Tab from the page view to a widget while a label is selected.
 TO_VALUE, TO_TEXT, TO_NAME, TO_ADD_PAGE = 4, 5, 8, 9
@@ -179,5 +179,5 @@ def make_images(folder):
 
 
 if __name__ == "__main__":
-    run_steps(make_images, (start_working, begin, work, go_back_and_forth, type_a_text, drag_a_page,
+    run_parts(make_images, (start_working, begin, work, go_back_and_forth, type_a_text, drag_a_page,
                             close_unchanged))
