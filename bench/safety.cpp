@@ -1,7 +1,7 @@
 // The cost of protecting the user's work: saves, edits and editing sessions with and without it.
 //
-// For a save without a backup, the settings folder cannot hold backups. An edit without protection
-// has no safety net.
+// Saves without a backup run with a settings folder that cannot hold backups, edits without
+// protection in a window without a safety net.
 
 #include "bench/documents.h"
 #include "bench/measure.h"
@@ -29,7 +29,7 @@ using Bench::TGrain;
 
 constexpr int labels = 100; ///< on each page
 
-/// The path of a document with a number of pages, which is on the disk.
+/// The path of a document with a number of pages, synced to the disk.
 const QString& Document(int pages)
 {
     static std::map<int, QString> paths;
@@ -49,8 +49,8 @@ void Require(bool succeeded)
         qFatal("a file operation failed");
 }
 
-/// Empties the folders for backups and unsaved work, which a program creates only once, or replaces
-/// them by files. A file in place of a folder prevents copies even if the process is privileged.
+/// Creates empty folders for backups and unsaved work, or files in their place. A file in place of
+/// a folder prevents copies even if the process is privileged.
 void Allow_Copies(bool allowed)
 {
     for (const char* const name : {"backup", "recovery"}) {
@@ -73,8 +73,7 @@ std::unique_ptr<TOpenWindow> New_Window(bool with_net, int pages = 10)
     return window;
 }
 
-/// Measures saving over an existing file that is already on the disk, as is usual half a minute
-/// after a save.
+/// Measures saving over a file that is already synced, as is usual half a minute after a save.
 void Measure_Save(benchmark::State* state, bool with_net)
 {
     const QString path = Bench::Output_Path(QStringLiteral("saved.quillet"));
@@ -112,7 +111,7 @@ std::unique_ptr<TOpenWindow> Window_To_Edit(int pages, bool with_net)
     return window;
 }
 
-/// Bytes that this process has written so far, to files or to pages of memory that belong to one.
+/// Bytes that this process has written so far, to files or to memory mapped from files.
 double Written_Bytes()
 {
     QFile file(QStringLiteral("/proc/self/io"));
@@ -125,7 +124,7 @@ double Written_Bytes()
     return most;
 }
 
-/// Measures something in a new window each time, after some edits.
+/// Measures a function in a new window each time, after some edits.
 void Measure_After_Edits(benchmark::State* state, bool with_net, int edits,
                          const std::function<void(TOpenWindow*)>& measured)
 {

@@ -77,7 +77,7 @@ bool TCommandLine::Parse()
 {
     // The parser skips the first argument, which it takes for the program's name.
     const bool is_valid = d_parser.parse(QStringList{QString()} + d_arguments);
-    // "-photo.png" contains "-h" to the parser.
+    // The parser reads "-photo.png" as short options, one of them "-h".
     if (is_valid ? d_parser.isSet(help_option) : Names_Help(d_arguments)) {
         Terminal::Print_Raw(d_parser.helpText().toUtf8());
         return false;
@@ -123,7 +123,7 @@ void TCommandLine::Check_Argument_Count() const
     const int minimum = d_argument_names.size();
     if (d_count == TCount::One && arguments.size() > minimum)
         throw TUsageError{Tr("Unexpected argument '%1'.").arg(arguments.at(minimum))};
-    // Arguments are empty for the same reason as values: see Require().
+    // A script passes empty arguments for the reason given in Require().
     const int empty = arguments.indexOf(QString());
     const int missing = empty < 0 ? arguments.size() : qMin(empty, minimum - 1);
     if (missing < minimum)

@@ -90,7 +90,7 @@ void Add_Input_Options(TCommandLine* line)
                          .arg(TPdfFile::Default_Resolution));
     line->Add_Option(pages_option, QStringLiteral("PAGES"),
                      Tr("Pages to take from each PDF, for example 1-3,7; all by default."));
-    line->Add_Flag(stored_option, Tr("Do not rotate images as their EXIF orientation says."));
+    line->Add_Flag(stored_option, Tr("Do not rotate images by their EXIF orientation."));
 }
 
 TInputOptions Input_Options(const TCommandLine& line)

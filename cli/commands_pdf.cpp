@@ -62,8 +62,8 @@ void Add_Page_Options(TCommandLine* line)
                      Tr("Page orientation: portrait (default) or landscape."));
     line->Add_Option(
         resolution_option, QStringLiteral("DPI"),
-        Tr("Resolution as the window names it: 96, 180 (default), 276 or 372, or its number "
-           "from 1 to 4."));
+        Tr("Resolution as in the window: 96, 180 (default), 276 or 372, or its number from 1 to "
+           "4."));
     line->Add_Option(header_1_option, QStringLiteral("TEXT"),
                      Tr("First header line; by default the document's own."));
     line->Add_Option(header_2_option, QStringLiteral("TEXT"),

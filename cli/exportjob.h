@@ -37,7 +37,7 @@ struct TExportInput
 class TExportJob
 {
 public:
-    /// Declares the argument and the shared options.
+    /// Declares the argument and these options except --force, which the output option declares.
     static void Declare(TCommandLine* line);
 
     /// @param line  parsed; must outlive this object.
@@ -52,7 +52,7 @@ public:
     void Run(const std::function<void(TExportInput*)>& export_document);
 
     /// Checks that a file can be written and adds it to the list.
-    /// @param details  what the list in JSON says about it.
+    /// @param details  the further members of its entry in the JSON list.
     void Add_File(const QString& path, const QJsonObject& details);
 
     /// Notes that a file of the list is written, so that it is removed if the job fails.

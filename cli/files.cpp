@@ -155,7 +155,7 @@ void Files::Check_Output(const QString& path, bool force)
 {
     const QFileInfo file(path);
     const QFileInfo folder(file.path());
-    // Not even one that appears later.
+    // A file that appears later must not be replaced either.
     if (!force)
         TSafeFile::Keep_Existing_Files();
     if (file.isDir())

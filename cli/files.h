@@ -68,7 +68,7 @@ void Save(const QString& path, const TDocument& document);
 bool Is_Work_Log(const QString& path);
 
 /// Writes the document in a work log as a project.
-/// @return what to tell the user about it.
+/// @return messages for the user.
 QStringList Recover_Work_Log(const QString& path, const QString& output);
 
 /// Describes a defect and its byte offset.

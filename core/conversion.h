@@ -25,9 +25,9 @@ public:
     static int Integer(unsigned int index, const QByteArray& array);
     static qint64 Long_Integer(unsigned int index, const QByteArray& array);
 
-    /// Stores data without a terminating zero byte. The bound is checked in 32-bit unsigned
-    /// arithmetic: empty data is accepted at an index from 1 to the array's size and changes
-    /// nothing, but fails the assertion at index 0.
+    /// Stores data without a terminating zero byte. Empty data changes nothing at an index from 1
+    /// to the array's size. At index 0 it fails the assertion, which uses 32-bit unsigned
+    /// arithmetic.
     static void Set_Ascii(unsigned int index, const QByteArray& data, QByteArray* array);
     static void Set_Double(unsigned int index, const double& value, QByteArray* array);
     static void Set_Float(unsigned int index, const float& value, QByteArray* array);

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Hidden, so that nobody mistakes it for a document. Qt replaces each X.
+/// A hidden name, so that nobody mistakes the file for a document. Qt replaces each X.
 const char* const unfinished_name = ".quillet-XXXXXX";
 
 /// Permissions of a new file: read and write for all, restricted by the umask.
@@ -88,8 +88,8 @@ bool Clone(const QFile& from, const QFile& to, qint64 size)
     return true;
 }
 
-/// Overwrites an existing file. Without O_CREAT, which Linux refuses for files of other users in
-/// sticky folders.
+/// Overwrites an existing file. Does not use O_CREAT, which Linux refuses for files of other users
+/// in sticky folders.
 bool Copy_Content(const QString& from, const QString& to)
 {
     QFile source(from);
@@ -257,7 +257,7 @@ QString TSafeFile::Write_Problem() const
     // The new content still takes up the space that it found on the disk, so more of it fails in
     // the same way.
     constexpr int block_size = 64 * 1024;
-    // It may have got a visible name.
+    // Make_Visible() may have renamed it.
     if (d_file && !d_file->exists())
         return QString();
     QFile file(Path_To_Write());

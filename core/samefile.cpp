@@ -1,4 +1,4 @@
-// Compares files by what the system stores, since hard and symbolic links have other names.
+// Compares device and inode, because links give one file several names.
 
 #include "core/samefile.h"
 

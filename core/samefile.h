@@ -2,6 +2,6 @@
 
 class QString;
 
-/// Whether two paths are one file, under whatever names: by device and inode. Symbolic links are
-/// followed; a path without a file equals none.
+/// Whether two paths lead to the same file, by device and inode. Follows symbolic links. False when
+/// one of the paths has no file.
 bool Is_Same_File(const QString& left, const QString& right);

@@ -23,7 +23,8 @@ const QLatin1String version_attribute("File_Version");
     throw TXmlFileException(message, TXmlFileException::Data_Error);
 }
 
-/// Throws the error of a node that was read from a document.
+/// Throws the error of a node that was read from a document. The reason is the message without its
+/// prefix "ERR:".
 [[noreturn]] void Throw_Node_Error(const QDomNode& node, const QString& message)
 {
     const QString reason = message.mid(message.indexOf(QLatin1Char(' '))).trimmed();

@@ -13,7 +13,7 @@ int main(int argument_count, char** arguments)
     QApplication application(argument_count, arguments);
     QApplication::setStyle(new TContrastStyle);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillet.png")));
-    // The name of the desktop entry, by which a desktop matches the window with its entry.
+    // Desktops match the window with the desktop entry of this name.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.quillet"));
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0) // the default from then on
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

@@ -41,8 +41,7 @@ void TPageWidget::Create_Widgets()
         d_list, tr("Page List"),
         tr("The pages of the document; the selected one is shown. Delete removes the selected "
            "ones after confirmation; Alt with the up and down arrow keys moves them. Ctrl+Page Up "
-           "and "
-           "Ctrl+Page Down show the previous and the next page."));
+           "and Ctrl+Page Down show the previous and the next page."));
     d_list->setMinimumHeight(minimum_list_height);
     d_name_editor = new QLineEdit(this);
     d_name_editor->setAlignment(Qt::AlignCenter);

@@ -266,7 +266,7 @@ void TQuillet::Renumber_In_Order(const std::vector<int>& ids)
         d_display_widget->Change_Item_Value(id, value);
         d_label_widget->Show_Value(id, value);
     }
-    // New labels go on after the page's last value if they would have before.
+    // If the next value followed the page's largest one, let it follow the new largest one.
     if (is_next)
         d_label_widget->Set_Values(numbering.Next(), numbering.Next());
     Show_Selection(shown, d_page_widget->Selected_Pages());

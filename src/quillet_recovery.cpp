@@ -50,7 +50,8 @@ QString Notice_Text(const TKeptFile& work, std::size_t others)
     return others == 0 ? text : text + TQuillet::tr(" (%1 more)").arg(others);
 }
 
-/// The tool tip of the notice. Its first line has no names, which may look like rich text.
+/// The tool tip of the notice. Qt decides by the first line whether a text is rich text, so that
+/// line contains no names.
 QString Notice_Details(const TKeptFile& work)
 {
     const QString document = Document_Of(work);

@@ -8,9 +8,9 @@ class QImage;
 /// files of about the same size.
 namespace FastPng {
 
-/// Encodes a picture without transparency; empty on failure. There are two ways: scans have grain,
-/// which a search for repetitions does not find, so that only the differences between rows are
-/// encoded. Drawings and texts repeat themselves. A sample of the rows decides.
+/// Encodes a picture without transparency; empty on failure. Tries two methods on a sample of the
+/// rows and uses the better one: scans have grain without repetitions, so only the differences
+/// between rows are encoded; in drawings and texts, repetitions are searched for.
 QByteArray Encode(const QImage& picture);
 
 } // namespace FastPng

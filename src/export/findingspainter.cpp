@@ -141,7 +141,7 @@ std::vector<double> TListLayout::Natural_Widths() const
     return widths;
 }
 
-/// From pixels of a table to those of the device, as QTextDocument scales them.
+/// Device pixels per pixel of a table, as in QTextDocument.
 double TListLayout::Scale() const
 {
     const QImage table_device(1, 1, QImage::Format_RGB32);
@@ -232,7 +232,8 @@ std::vector<double> TListLayout::Table_Heights(const TLines& lines) const
     return heights;
 }
 
-/// The lines of each page. A page that begins within a document page repeats its name.
+/// The lines of each report page. Rows of a document page that continue on another report page
+/// repeat its name there.
 std::vector<TListLayout::TLines> TListLayout::Pages() const
 {
     const std::vector<double> heights = Heights();
@@ -245,7 +246,7 @@ std::vector<TListLayout::TLines> TListLayout::Pages() const
             name = place;
         // A name stays on the same page as the first row below it.
         const double needed = heights[place + 1] + (is_name ? heights[place + 2] : 0.0);
-        // No break after a name alone: the row below it is higher than a page.
+        // Do not break after a name alone: the row below it is higher than a page.
         const bool has_rows = pages.back().size() > 1;
         if (height + needed > d_room.height() && has_rows) {
             pages.emplace_back();

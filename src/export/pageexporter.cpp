@@ -35,7 +35,7 @@ void Prepare_Printer(const QString& path, const QString& title, const TReportOpt
     printer->setResolution(TReportGeometry::Resolution(settings.resolution));
 }
 
-/// A picture as Qt encodes it by default; empty on failure.
+/// A picture as PNG, encoded with Qt's default settings; empty on failure.
 QByteArray Default_Png(const QPixmap& picture)
 {
     QByteArray bytes;
@@ -135,11 +135,11 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TPictureHandler
     bool succeeded = true;
     int number = 0;
     for (const int page_id : page_ids) {
-        Report_Step(++number, page_ids.size());
+        Report_Part(++number, page_ids.size());
         d_data->Set_Active_Page(page_id);
         Reload_View();
         const QPixmap picture = d_view->Pixmap();
-        Report_Step(number, page_ids.size());
+        Report_Part(number, page_ids.size());
         succeeded = handler(page_id, picture);
         if (!succeeded)
             break;
@@ -154,7 +154,7 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TPictureHandler
     return succeeded;
 }
 
-void TPageExporter::Report_Step(int number, int total) const
+void TPageExporter::Report_Part(int number, int total) const
 {
     if (d_report)
         d_report(number, total);

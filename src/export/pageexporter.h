@@ -78,7 +78,7 @@ public:
                          QString* problem = nullptr);
 
 private:
-    void Report_Step(int number, int total) const;
+    void Report_Part(int number, int total) const;
     void Reload_View() const;
     TOutcome Fail(const TSafeFile& target, TOutcome outcome) const;
 

@@ -54,8 +54,9 @@ TFindings Of(const TData& data, const std::vector<TNamedPage>& pages);
 /// value. Labels with the same value get the rows in order; if there are too few rows, the
 /// remaining labels get the last one.
 /// @param checked_pages  numbers of the pages to check; all if empty.
-/// @return a warning for each row without a label, each label without a row, and each value that a
-/// page has more than once, on the pages to check; and for each row of a page that does not exist.
+/// @return warnings about the pages to check: a row without a label, a label without a row, a value
+///         that a page has more than once. Also a warning for each row of a page that does not
+///         exist.
 QStringList Join(const TFindingsTable& table, TFindings* findings,
                  const QSet<int>& checked_pages = {});
 

@@ -23,7 +23,7 @@ public:
 
 private:
     static int Index(const TCsvRecord& header, const QString& name);
-    static int Integer(const TCsvRecord& record, int index, const QString& complaint);
+    static int Integer(const TCsvRecord& record, int index, const QString& message);
     void Check_Fields(const TCsvRecord& record) const;
 
     int d_field_count;
@@ -91,13 +91,13 @@ TFindingsRow TTableReader::Row(const TCsvRecord& record) const
     return row;
 }
 
-int TTableReader::Integer(const TCsvRecord& record, int index, const QString& complaint)
+int TTableReader::Integer(const TCsvRecord& record, int index, const QString& message)
 {
     bool is_number = false;
     const QString field = record.fields.at(index);
     const int number = field.trimmed().toInt(&is_number);
     if (!is_number)
-        throw TCsvException(complaint.arg(field), record.Place(index));
+        throw TCsvException(message.arg(field), record.Place(index));
     return number;
 }
 

@@ -129,7 +129,7 @@ QString TRecordReader::Fault(const QRegularExpressionMatch& field)
 /// The place of the first character that is not in UTF-8.
 TCsvPlace Place_Of_Damage(QByteArray table)
 {
-    // An invalid character reads as a replacement character. Valid ones must not be found.
+    // fromUtf8 replaces invalid bytes with U+FFFD. First remove those that the table contains.
     table.replace("\xef\xbf\xbd", " ");
     const QString text = QString::fromUtf8(table);
     return After({}, text.left(text.indexOf(QChar(QChar::ReplacementCharacter))));

@@ -77,7 +77,7 @@ QByteArray ItemList::Write(const std::vector<TDataItem>& items, TBadText bad_tex
 
 QByteArray ItemList::With_Texts(const QByteArray& document, const TPageTexts& texts)
 {
-    // What Write() begins a document without texts with.
+    // The beginning of a document that Write() wrote without texts.
     const QByteArray plain_start = Write({}).chopped(static_cast<int>(qstrlen("/>"))) + '>';
     if (document.startsWith(plain_start) && PageTexts::Attributes(texts).isEmpty())
         return document;

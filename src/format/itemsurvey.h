@@ -20,7 +20,7 @@ struct TItemSurvey
 {
     std::vector<TDataItem> items;
     TPageTexts texts; ///< from the root, if its tag is readable
-    /// The offset is that of the label's element, or 0 if it is uncertain or the defect concerns
+    /// Each has the offset of the label's element, or 0 if it is uncertain or the defect concerns
     /// the whole document.
     std::vector<TProjectDefect> defects;
 };

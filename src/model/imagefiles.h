@@ -10,7 +10,7 @@ namespace ImageFiles {
 QString Patterns();
 
 /// Suffixes of all image files that become pages, in alphabetical order: those in Patterns, TIFF
-/// and WebP, as far as the running Qt reads them.
+/// and WebP, if the installed Qt reads them.
 QStringList Suffixes();
 
 /// The same with PDF.

@@ -138,8 +138,8 @@ public:
     /// Qt would not read the same pixels from the original bytes alone.
     QByteArray Source_Bytes() const;
 
-    /// A number that images with the same source bytes share if one is a copy of the other, also
-    /// one made by Encoded(). Unique in this process; 0 without bytes and pixels.
+    /// A number shared by the copies of an image that have the same source bytes, including those
+    /// made by Encoded(). Unique in this process; 0 without bytes and pixels.
     quint64 Id() const;
 
     /// Whether two images share their content: one is a copy of the other.

@@ -14,8 +14,8 @@ enum class TDirection { Left, Right };
 /// @param size  of the image before.
 QPointF Turned(const QPointF& point, const QSize& size, TDirection direction);
 
-/// The page with its image and its labels rotated. Rotates the positions of the labels, not what
-/// they look like. The page must have an image.
+/// The page with its image rotated. The labels move with the image but stay upright. The page must
+/// have an image.
 TPageItem Turned(const TPageItem& page, TDirection direction);
 
 } // namespace PageTurn

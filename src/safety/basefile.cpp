@@ -95,7 +95,7 @@ const TPagePlace* TBaseFile::Find_Image(quint64 image_id) const
 void TBaseFile::Protect(const QString& path)
 {
     d_protection.clear();
-    // It does not wait for the other side if the path is now that of a FIFO.
+    // O_NONBLOCK: if the path is now that of a FIFO, do not wait for its writer.
     const int file =
         open(QFile::encodeName(d_identity.path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0)

@@ -90,7 +90,7 @@ QString Convert(const TKeptFolder& folder, const QString& name, const QString& b
     if (!result.is_written)
         return log.Is_Whole() ? Tr("cannot be converted: writing failed") : Tr("is damaged");
     Set_Time(copy, log.Changed());
-    // The file with the missing images may be unreachable for a short time only.
+    // The file with the missing images may be unreachable only for a short time.
     if (result.missing_images > 0 || log.Has_Ignored_Changes()) {
         note.Write(log.Document(), result.missing_images);
     } else {

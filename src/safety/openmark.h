@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Marks a document as open in this window, so that other windows can say so. Prevents nothing.
+/// Marks a document as open in this window, so that other windows can show that. Prevents nothing.
 ///
 /// A mark is an empty file named after the document's path, with a shared lock. The kernel releases
 /// the lock when the process ends; only a locked mark counts.

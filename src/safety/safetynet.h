@@ -50,8 +50,8 @@ public:
     /// a modal dialog opens.
     void Flush(const QString& document);
 
-    /// Whether another program or window has changed a file since it was opened or saved as this
-    /// document.
+    /// Whether another program or window has changed this document's file since it was opened or
+    /// saved.
     bool Is_Changed_Elsewhere(const QString& document) const;
 
     /// Backs up the file that a save is about to replace, and opens it for writing. Fails if there
@@ -116,7 +116,7 @@ private:
     qint64 d_store_time = 0;   ///< earliest time to store references
     QString d_opened_path;     ///< file that the document was read from or saved to
     QString d_recovered_path;  ///< recovery copy that is this document's unsaved work
-    TWorkDocument d_version;   ///< file that was last opened or saved, in the version of then
+    TWorkDocument d_version;   ///< file that was last opened or saved, as it was then
     QString d_incomplete_path; ///< target of the last save, if it was left incomplete
     bool d_is_pending = false; ///< there are changes that the log does not have
     bool d_has_reported = false;

@@ -102,8 +102,8 @@ bool TDocumentStep::Is_Unchanged(const TData& data, const TPageItem& stored)
         return false;
     const std::vector<TDataItem>& items = page->data_items;
     const std::vector<TDataItem>& others = stored.data_items;
-    // The label that was changed last time usually still is. Comparing a large page after each
-    // keystroke would take too long.
+    // Usually the same label differs as at the last comparison. Comparing all labels of a large
+    // page after each keystroke would take too long.
     if (d_difference < std::min(items.size(), others.size()) &&
         !Has_Same_Content(items[d_difference], others[d_difference]))
         return false;

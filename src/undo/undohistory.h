@@ -77,7 +77,7 @@ public:
 
     bool Can_Undo() const { return d_done_count > 0; }
     bool Can_Redo() const { return d_done_count < d_steps.size(); }
-    /// What the step that Undo would undo is called; empty if there is none.
+    /// Name of the step that Undo() would undo; empty if there is none.
     QString Undo_Name() const;
     /// The same for Redo.
     QString Redo_Name() const;
@@ -139,7 +139,7 @@ class TStepScope
 public:
     /// @param history  may be null: nothing is recorded then.
     /// @param subject  what the step changes: the id of a label or page, or a border; 0 if the kind
-    ///                 says it all.
+    ///                 is enough.
     /// @param count    how many labels, pages or images the step affects.
     TStepScope(TUndoHistory* history, TStepKind kind, int subject, int count);
     ~TStepScope();

@@ -26,6 +26,6 @@ void TDocumentName::Show_Document(const QString& path, bool is_changed)
     const QString state = is_changed ? tr("Unsaved changes") : tr("No unsaved changes");
     setText(is_changed ? name + QStringLiteral(" *") : name);
     setAccessibleName(is_changed ? tr("%1, unsaved changes").arg(name) : name);
-    // The first line has no file name, which may look like rich text.
+    // Qt decides by the first line whether a text is rich text, so that line has no file name.
     setToolTip(path.isEmpty() ? state : state + QLatin1Char('\n') + path);
 }

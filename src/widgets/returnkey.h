@@ -6,7 +6,8 @@
 
 class QWidget;
 
-/// Calls a function when the user presses Return or Enter in a widget, which does not receive them.
+/// Calls a function when the user presses Return or Enter in a widget. The widget does not receive
+/// these keys.
 class TReturnKey : public QObject
 {
     Q_OBJECT

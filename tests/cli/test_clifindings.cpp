@@ -128,7 +128,7 @@ private slots:
         QCOMPARE(Support::Entries(d_folder->path()), QStringList({"a.quillet", "t.csv"}));
     }
 
-    void what_does_not_match_is_a_warning()
+    void a_mismatch_is_a_warning()
     {
         Write("a.quillet", Project({Label(1) + Label(2)}));
         Write("t.csv", "page,value,Finding\n1,2,a\n1,3,b\n2,1,c\n");
@@ -142,14 +142,14 @@ private slots:
         QVERIFY(QFile::exists(Path("out.html")));
     }
 
-    void with_strict_what_does_not_match_is_an_error_data()
+    void with_strict_a_mismatch_is_an_error_data()
     {
         QTest::addColumn<QStringList>("command");
         QTest::newRow("web page") << QStringList{"export-html", "--output", "out"};
         QTest::newRow("report") << QStringList{"export-pdf", "--output", "out", "--list"};
         QTest::newRow("items") << QStringList{"export-items", "--csv", "out"};
     }
-    void with_strict_what_does_not_match_is_an_error()
+    void with_strict_a_mismatch_is_an_error()
     {
         QFETCH(const QStringList, command);
         Write("a.quillet", Project({Label(1)}));

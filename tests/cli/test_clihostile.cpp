@@ -113,7 +113,7 @@ private slots:
     void a_file_that_appears_during_the_work_is_kept()
     {
         Write("a.pdf", Support::Pdf({"0 0 100 50"}));
-        // Renders slowly, while another program writes the output.
+        // This page renders slowly, so that another program can write the output meanwhile.
         Write("pdftoppm", "#!/bin/sh\necho other > out\nPATH=$OLD_PATH exec pdftoppm \"$@\"\n");
         QFile::setPermissions(Path("pdftoppm"), QFile::ReadUser | QFile::ExeUser);
         QProcess process;

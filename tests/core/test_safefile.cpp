@@ -344,7 +344,7 @@ void TestSafeFile::a_signal_while_overwriting_leaves_the_complete_new_file_and_n
     QCOMPARE(result.signal, SIGTERM);
     QCOMPARE(Entries(d_folder->path()), QStringList({"file", "file.new", "two"}));
     QCOMPARE(Read_File(In("file.new")), QByteArray(2000, 'n'));
-    // Like the message after a failure.
+    // The message is the same as after a failure.
     QCOMPARE(QString::fromUtf8(result.error_output),
              QString("%1: '%2' is incomplete; the complete new version is in '%3'\n")
                  .arg(QCoreApplication::applicationName(), In("file"), In("file.new")));

@@ -67,7 +67,7 @@ private slots:
         QTest::newRow("blank") << Blank_Page();
         QTest::newRow("pixel") << Support::Picture(1, 1);
         QTest::newRow("odd width") << Support::Picture(33, 40);
-        // As high as the distance of the sample's bands, and a row more or less.
+        // The encoder samples a band every 256 rows.
         QTest::newRow("255 rows") << Support::Picture(5, 255);
         QTest::newRow("256 rows") << Support::Picture(5, 256);
         QTest::newRow("257 rows") << Support::Picture(5, 257);

@@ -129,7 +129,8 @@ void Recorder::Wrote(int descriptor, ssize_t size, off64_t place)
         return;
     if (place < 0)
         place = lseek64(descriptor, 0, SEEK_CUR) - size;
-    // Read back, because not every call gets the bytes, and by a descriptor that can read.
+    // Read the bytes from the file, since not every call has them as an argument. The descriptor
+    // may be for writing only, so open another one.
     const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
     const int readable = Open(link.c_str(), O_RDONLY);
     std::string bytes(static_cast<size_t>(size), '\0');

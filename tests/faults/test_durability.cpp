@@ -1,4 +1,4 @@
-// Which files are synced in which order before something else is deleted.
+// The order in which files are synced before others are deleted.
 //
 // Needs tests/faults/faultlibrary.cpp preloaded.
 
@@ -434,7 +434,7 @@ void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_log_data()
 void TestDurability::a_failing_sync_of_the_saved_file_keeps_the_log()
 {
     QFETCH(const QString, target);
-    // Finds out which of the calls it is.
+    // The rehearsal finds the number of the call that fails later.
     int at = 0;
     for (const bool is_rehearsal : {true, false}) {
         const auto net = Net();

@@ -56,7 +56,7 @@ const TFaultKind fault_kinds[] = {
     {"kill after deleting", Remove, Kill_After},
 };
 
-/// What is disturbed, and how often it makes each call at least. Linking counts as renaming.
+/// An operation, and the least number of its calls of each kind. Linking counts as renaming.
 struct TOperation
 {
     const char* name;

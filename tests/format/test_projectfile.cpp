@@ -520,7 +520,7 @@ private slots:
         QCOMPARE(Support::Byte_Difference(Bytes_Of(writer), expected), QString());
     }
 
-    void a_step_is_reported_before_each_page_is_written()
+    void progress_is_reported_before_each_page_is_written()
     {
         TDocument document;
         document.Add_Page("a", TPageImage());
@@ -600,7 +600,7 @@ private slots:
         QVERIFY(content.pages->back().items.empty());
     }
 
-    void places_of_pages_are_where_the_file_has_them()
+    void places_of_pages_locate_their_images_and_labels()
     {
         TDocument document;
         document.appearance.header_1 = QStringLiteral("one");
@@ -652,7 +652,7 @@ private slots:
         }
     }
 
-    void a_step_is_reported_before_each_page_is_read()
+    void progress_is_reported_before_each_page_is_read()
     {
         QStringList reports;
         ProjectFile::Read(Header(32, "#fa0832", "", "", 2) + Page_Record("a", "", Item_List()) +

@@ -101,8 +101,8 @@ private:
     int* d_next;
 };
 
-/// Tries the files that fail no assertion again in this process, because leaks in child processes
-/// are not detected.
+/// Under a sanitizer, tries the files that fail no assertion again in this process: leaks in child
+/// processes are not detected.
 void Try_Here(int count, const QSet<int>& stopped, const std::function<void(int)>& try_file)
 {
 #if defined(__SANITIZE_ADDRESS__)

@@ -34,7 +34,7 @@ private slots:
     void pages_follow_each_other_in_the_order_of_the_list();
     void the_search_starts_at_the_selected_label();
     void a_found_label_is_selected_and_visible();
-    void the_bar_says_if_nothing_is_found();
+    void the_bar_shows_if_nothing_is_found();
     void an_empty_document_has_nothing_to_find();
     void a_search_works_while_several_pages_are_selected();
     void escape_returns_to_the_page();
@@ -185,7 +185,7 @@ void TestFinding::a_found_label_is_selected_and_visible()
     QCOMPARE(d_window->d_page_widget->Selected_Pages(), std::vector<int>{1});
 }
 
-void TestFinding::the_bar_says_if_nothing_is_found()
+void TestFinding::the_bar_shows_if_nothing_is_found()
 {
     Open("roof");
     QCOMPARE(Find_Next(), QString("1/"));

@@ -1,5 +1,4 @@
-// Text that the user has typed into an editor but not finished goes into the document before a
-// command that saves, exports or replaces it.
+// Commands that save, export or replace the document first commit the text that the user is typing.
 
 #include "support/modal.h"
 #include "support/project.h"
@@ -118,7 +117,7 @@ void TestPendingText::Type(QLineEdit* editor, const QString& text)
     QCOMPARE(editor->text(), text);
 }
 
-/// Presses keys for whatever has the focus.
+/// Presses keys in the widget that has the focus.
 void TestPendingText::Press_Keys(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
     QTest::keyClick(QApplication::focusWidget(), key, modifiers);
@@ -275,7 +274,7 @@ void TestPendingText::without_pending_text_nothing_changes_data()
     Add_Commands();
 }
 
-/// The text editor shows a text that finishing it would simplify.
+/// The text editor shows a text that would be simplified if it was committed.
 void TestPendingText::without_pending_text_nothing_changes()
 {
     QFETCH(const QString, name);

@@ -693,7 +693,7 @@ private slots:
         constexpr int pages = 33;
         const TPageImage image =
             TPageImage::From_Bytes("\x89PNG\r\n\x1a\n" + QByteArray(size, 'x'));
-        // Without a folder for it, no safety copy is written.
+        // Without their folder, no backups are written.
         const QString settings_folder = QDir::home().filePath(QStringLiteral(".quillet"));
         QVERIFY(QDir(settings_folder).removeRecursively());
         Support::Write_File(settings_folder, "in the way");

@@ -104,7 +104,7 @@ QStringList TestRecoveredWork::Copies()
     return paths;
 }
 
-/// Starts the program again. Unsaved work of the window before is abandoned, as after a crash.
+/// Starts the program again. Unsaved work of the previous window is abandoned, as after a crash.
 void TestRecoveredWork::Open_Window()
 {
     d_window.reset();
@@ -121,7 +121,7 @@ void TestRecoveredWork::Save_As(const QString& path)
              QString());
 }
 
-/// Leaves unsaved work of a document with one page: the document has no labels, the work some.
+/// Leaves unsaved work of a document with one page: the document has no labels, the work has some.
 /// @param document  empty for one that was never saved.
 void TestRecoveredWork::Leave_Work(const QString& document, int labels)
 {

@@ -135,7 +135,7 @@ class TestReindex : public QObject
         return selected;
     }
 
-    /// Takes the value of the next label, as adding one does.
+    /// Takes the value of the next label, as adding a label does.
     int Next_Value() { return d_window->d_label_widget->Take_Label_Index(); }
 
     /// Triggers the command and answers its dialog.

@@ -155,7 +155,7 @@ TFontMeasure Font_Measure(int points, const QPrinter& printer)
     return {metrics.height(), metrics.xHeight()};
 }
 
-/// A printer with the report's settings, to measure fonts.
+/// Gives a printer the report's settings, to measure fonts.
 void Set_Up(QPrinter* printer, const TReportSettings& settings)
 {
     printer->setOutputFormat(QPrinter::PdfFormat);

@@ -1,4 +1,4 @@
-// What the status bar says after saving, exporting and importing, and when idle.
+// Messages in the status bar after saving, exporting and importing, and when idle.
 
 #include "support/modal.h"
 #include "support/pages.h"
@@ -32,7 +32,7 @@ private slots:
     void a_save_over_another_file_names_its_backup();
     void an_import_counts_images_data();
     void an_import_counts_images();
-    void a_cancelled_import_says_nothing();
+    void a_cancelled_import_shows_no_message();
     void exported_images_are_counted_data();
     void exported_images_are_counted();
     void an_image_that_cannot_be_written_is_named();
@@ -41,10 +41,10 @@ private slots:
     void a_report_that_cannot_be_written_is_named();
     void a_full_disk_is_named_data();
     void a_full_disk_is_named();
-    void an_export_without_pages_says_nothing();
+    void an_export_without_pages_shows_no_message();
     void the_idle_line_names_the_document();
     void the_idle_line_marks_unsaved_changes();
-    void the_idle_line_makes_room_for_messages();
+    void the_idle_line_is_hidden_during_messages();
 
 private:
     QString In(const QString& name) const { return d_folder->filePath(name); }
@@ -163,7 +163,7 @@ void TestStatusLine::an_import_counts_images()
     QTEST(Line(), "line");
 }
 
-void TestStatusLine::a_cancelled_import_says_nothing()
+void TestStatusLine::a_cancelled_import_shows_no_message()
 {
     QCOMPARE(Run_Answering([this] { d_window->File_Import(); }, {Support::Cancel()}), QString());
     QCOMPARE(Line(), QString());
@@ -238,14 +238,14 @@ void TestStatusLine::a_full_disk_is_named()
             Export_Report("report.pdf");
         else
             d_window->Export_Images(d_folder->path(), d_window->d_page_widget->Page_Ids());
-        // A limit of the size has another reason than a full disk.
+        // The size limit of a process has an error message of its own.
         return Line().endsWith(".p" + QString(is_report ? "df" : "ng") + ": File too large") ? 0
                                                                                              : 1;
     });
     QCOMPARE(result.exit_code, 0);
 }
 
-void TestStatusLine::an_export_without_pages_says_nothing()
+void TestStatusLine::an_export_without_pages_shows_no_message()
 {
     QVERIFY(!d_window->Export_Images(d_folder->path(), {}));
     QVERIFY(!Export_Report("report.pdf"));
@@ -286,7 +286,7 @@ void TestStatusLine::the_idle_line_marks_unsaved_changes()
     QCOMPARE(Idle_Line(), QString("a.quillet *"));
 }
 
-void TestStatusLine::the_idle_line_makes_room_for_messages()
+void TestStatusLine::the_idle_line_is_hidden_during_messages()
 {
     QVERIFY(QTest::qWaitForWindowActive(d_window.get()));
     const auto* const name = Support::Only<TDocumentName>(*d_window);

@@ -68,7 +68,7 @@ void TestStrayLabels::Show(const std::vector<TDataItem>& labels)
     d_window->d_history->Clear();
 }
 
-/// Positions of the labels in the document, which the view shares.
+/// Positions of the labels in the document. Checks that they have the same ones in the view.
 QList<QPointF> TestStrayLabels::Positions() const
 {
     QList<QPointF> positions;

@@ -1,7 +1,7 @@
 // A random walk through all commands that change the document, undo and redo. The test compares the
 // window with its own copies of all states of the document.
 //
-// The environment variables QUILLET_WALK_SEED and QUILLET_WALK_STEPS select another walk.
+// The environment variables QUILLET_WALK_SEED and QUILLET_WALK_LENGTH select another walk.
 
 #include "support/modal.h"
 #include "support/project.h"
@@ -47,7 +47,7 @@ static bool operator==(const TDataItem& left, const TDataItem& right)
 
 namespace {
 
-constexpr int default_steps = 10000;
+constexpr int default_length = 10000;
 constexpr unsigned int default_seed = 20240229;
 constexpr int picture_count = 4;
 
@@ -205,9 +205,9 @@ void TestUndoWalk::ten_thousand_commands_with_undo_and_redo_agree_with_a_plain_c
     bool is_given = false;
     const int given = qEnvironmentVariableIntValue("QUILLET_WALK_SEED", &is_given);
     const unsigned int seed = is_given ? static_cast<unsigned int>(given) : default_seed;
-    const int given_steps = qEnvironmentVariableIntValue("QUILLET_WALK_STEPS", &is_given);
-    const int steps = is_given ? given_steps : default_steps;
-    qInfo("seed %u, %d steps", seed, steps);
+    const int given_length = qEnvironmentVariableIntValue("QUILLET_WALK_LENGTH", &is_given);
+    const int length = is_given ? given_length : default_length;
+    qInfo("seed %u, %d commands", seed, length);
     d_random.seed(seed);
 
     std::vector<int> weights;
@@ -215,18 +215,18 @@ void TestUndoWalk::ten_thousand_commands_with_undo_and_redo_agree_with_a_plain_c
         weights.push_back(choice.weight);
     std::discrete_distribution<int> distribution(weights.begin(), weights.end());
     QMap<QString, int> done;
-    for (int step = 0; step < steps;) {
+    for (int command = 0; command < length;) {
         const TChoice& choice = choices[distribution(d_random)];
         d_window->d_history->Finish_Step();
         if (!(this->*choice.run)())
             continue;
-        ++step;
+        ++command;
         ++done[choice.name];
         if (qEnvironmentVariableIsSet("QUILLET_WALK_TRACE"))
-            qInfo("%d %s, state %zu of %zu", step, choice.name, d_state, d_states.size());
+            qInfo("%d %s, state %zu of %zu", command, choice.name, d_state, d_states.size());
         const QString difference = Difference();
-        QVERIFY2(difference.isEmpty(), qPrintable(QString("step %1, %2 (seed %3): %4")
-                                                      .arg(step)
+        QVERIFY2(difference.isEmpty(), qPrintable(QString("command %1, %2 (seed %3): %4")
+                                                      .arg(command)
                                                       .arg(choice.name)
                                                       .arg(seed)
                                                       .arg(difference)));

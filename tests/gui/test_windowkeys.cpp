@@ -182,7 +182,7 @@ void TestWindowKeys::ctrl_0_fits_the_page()
                               .mapRect(QRectF(QPointF(), QSizeF(size)))
                               .adjusted(1, 1, -1, -1)));
 
-    // One step more is too large.
+    // One more step of the slider is too large.
     d_window->d_zoom_slider->setValue(Zoom() + 1);
     QCoreApplication::processEvents();
     QVERIFY(view.horizontalScrollBar()->isVisible() || view.verticalScrollBar()->isVisible());

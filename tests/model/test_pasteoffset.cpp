@@ -14,8 +14,8 @@ class TestPasteOffset : public QObject
 private slots:
     void labels_stay_where_they_hide_none_data();
     void labels_stay_where_they_hide_none();
-    void labels_move_by_as_many_steps_as_it_takes_data();
-    void labels_move_by_as_many_steps_as_it_takes();
+    void labels_move_as_often_as_it_takes_data();
+    void labels_move_as_often_as_it_takes();
     void huge_coordinates_end_the_search();
 };
 
@@ -48,7 +48,7 @@ void TestPasteOffset::labels_stay_where_they_hide_none()
     QCOMPARE(Paste_Offset(Labels_At(pasted), Labels_At(present), distance), QPointF(0, 0));
 }
 
-void TestPasteOffset::labels_move_by_as_many_steps_as_it_takes_data()
+void TestPasteOffset::labels_move_as_often_as_it_takes_data()
 {
     QTest::addColumn<QVector<QPointF>>("pasted");
     QTest::addColumn<QVector<QPointF>>("present");
@@ -62,7 +62,7 @@ void TestPasteOffset::labels_move_by_as_many_steps_as_it_takes_data()
         << QVector<QPointF>{{0, 0}, {10, 10}} << QVector<QPointF>{{0, 0}, {10, 10}} << 2;
 }
 
-void TestPasteOffset::labels_move_by_as_many_steps_as_it_takes()
+void TestPasteOffset::labels_move_as_often_as_it_takes()
 {
     QFETCH(QVector<QPointF>, pasted);
     QFETCH(QVector<QPointF>, present);

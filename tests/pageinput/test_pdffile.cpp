@@ -169,7 +169,7 @@ private slots:
         QCOMPARE(QImage::fromData(file.Render(1, 72).png).size(), QSize(100, 50));
     }
 
-    void a_title_cannot_pretend_another_number_of_pages()
+    void a_title_does_not_change_the_number_of_pages()
     {
         QByteArray content = Support::Pdf({ordinary});
         content.replace("/Root 1 0 R", "/Root 1 0 R/Info<</Title(x\\nPages: 500\\nPage 1 MediaBox: "
@@ -215,7 +215,7 @@ private slots:
 
     void a_page_that_cannot_be_read_is_refused()
     {
-        // Without its object, pdftoppm would silently repeat the page before.
+        // If the object of a page is missing, pdftoppm silently repeats the previous page.
         QByteArray content = Support::Pdf({ordinary, ordinary, ordinary});
         TPdfFile file(Write(content.replace("5 0 R", "99999")));
         QCOMPARE(file.Open(), QString());

@@ -19,7 +19,7 @@ ToolRun::TResult Run_Script(const QString& script, int time_limit = ToolRun::Tim
 
 } // namespace
 
-/// Tests ToolRun.
+/// Running external programs with limits.
 class TestToolRun : public QObject
 {
     Q_OBJECT

@@ -82,13 +82,13 @@ private Q_SLOTS:
     void clearing_the_selection_reports_it_once();
     void selected_items_are_in_the_order_of_their_selection();
     void item_ids_are_in_the_order_of_the_rows();
-    void a_shown_value_is_silent();
+    void showing_a_value_emits_no_signal();
     void operations_follow_a_drag();
     void clearing_removes_all_rows();
 
     void the_border_type_is_that_of_the_current_entry();
-    void setting_the_border_type_shows_it_silently_data();
-    void setting_the_border_type_shows_it_silently();
+    void setting_the_border_type_emits_no_signal_data();
+    void setting_the_border_type_emits_no_signal();
     void blocked_signals_stay_blocked();
 
     void the_first_label_is_number_one();
@@ -106,7 +106,7 @@ private Q_SLOTS:
 
     void a_typed_value_reaches_the_selected_row_data();
     void a_typed_value_reaches_the_selected_row();
-    void every_keystroke_counts();
+    void every_keystroke_changes_the_value();
     void an_emptied_value_changes_nothing();
     void a_typed_value_does_not_reach_several_rows();
     void setting_a_value_is_not_an_edit();
@@ -496,7 +496,7 @@ void TestLabelWidget::item_ids_are_in_the_order_of_the_rows()
     QCOMPARE(d_panel->Item_Ids(), std::vector<int>({11, 13, 12}));
 }
 
-void TestLabelWidget::a_shown_value_is_silent()
+void TestLabelWidget::showing_a_value_emits_no_signal()
 {
     Add_Three();
     const QSignalSpy changes(d_panel.data(), SIGNAL(Change_Item_Value(int, int)));
@@ -559,7 +559,7 @@ void TestLabelWidget::the_border_type_is_that_of_the_current_entry()
     QCOMPARE(d_panel->Border_Type(), 0);
 }
 
-void TestLabelWidget::setting_the_border_type_shows_it_silently_data()
+void TestLabelWidget::setting_the_border_type_emits_no_signal_data()
 {
     QTest::addColumn<int>("code");
     QTest::addColumn<int>("index");
@@ -574,7 +574,7 @@ void TestLabelWidget::setting_the_border_type_shows_it_silently_data()
     QTest::newRow("-1 stays") << -1 << -1;
 }
 
-void TestLabelWidget::setting_the_border_type_shows_it_silently()
+void TestLabelWidget::setting_the_border_type_emits_no_signal()
 {
     QFETCH(int, code);
     QFETCH(int, index);
@@ -808,7 +808,7 @@ void TestLabelWidget::a_typed_value_reaches_the_selected_row()
     const QString typed = QString::fromLatin1(QTest::currentDataTag());
     Add_Three();
     d_panel->Set_Selection(12);
-    // Each keystroke makes another value; the last one counts.
+    // Each keystroke changes the value. The last one is tested.
     Type_Value(typed.left(typed.size() - 1));
     const int before = d_list->item(1)->data(value_role).toInt();
     const QString text_before = d_list->item(1)->text();
@@ -827,7 +827,7 @@ void TestLabelWidget::a_typed_value_reaches_the_selected_row()
     QCOMPARE(d_panel->Take_Label_Index(), 1);
 }
 
-void TestLabelWidget::every_keystroke_counts()
+void TestLabelWidget::every_keystroke_changes_the_value()
 {
     Add_Three();
     d_panel->Set_Selection(12);
@@ -935,7 +935,7 @@ void TestLabelWidget::clicking_another_row_finishes_the_edit_of_the_first()
     QSignalSpy texts(d_panel.data(), SIGNAL(Change_Item_Text(int, QString)));
     d_text->setFocus();
     Support::Type_Over(d_text, QStringLiteral("valve"));
-    // The window system moves the focus before the list sees the click.
+    // The window system moves the focus before the list receives the click.
     d_list->setFocus(Qt::MouseFocusReason);
     Support::Click_Row(d_list, 0);
     QCOMPARE(texts.count(), 1);

@@ -1,4 +1,4 @@
-// The file that unsaved work refers to, while it is protected and when its parts are read again.
+// The file that unsaved work refers to: its protection, and how its parts are read.
 
 #include "src/safety/basefile.h"
 #include "support/support.h"

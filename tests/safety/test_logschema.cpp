@@ -13,7 +13,7 @@ class TestLogSchema : public QObject
 
 private slots:
     void a_label_has_the_documented_bytes();
-    void labels_survive();
+    void labels_are_read_as_they_were_written();
     void the_labels_before_damage_are_read();
 };
 
@@ -40,7 +40,7 @@ void TestLogSchema::a_label_has_the_documented_bytes()
     QCOMPARE(Encoded({{1, 0, QString(), 0, {}, false}}).right(4).toHex(), QByteArray("ffffffff"));
 }
 
-void TestLogSchema::labels_survive()
+void TestLogSchema::labels_are_read_as_they_were_written()
 {
     const double infinite = std::numeric_limits<double>::infinity();
     const double not_a_number = std::numeric_limits<double>::quiet_NaN();

@@ -289,7 +289,7 @@ void TestSafetyNet::an_incomplete_save_leaves_a_log()
 {
     QFETCH(QByteArray, content);
     const auto net = Net();
-    // Even without an earlier copy.
+    // There is no earlier copy.
     Save(net.get(), In("a.quillet"), content);
     QCOMPARE(Only_Log(), Empty_Project(32));
     Set_Label_Size(40);
@@ -365,7 +365,7 @@ void TestSafetyNet::an_incomplete_file_does_not_replace_the_backup()
 
 void TestSafetyNet::a_damaged_document_is_backed_up()
 {
-    // Only a file that this program's own save left incomplete is not.
+    // The exception is a file that a save of this program left incomplete.
     const auto net = Net();
     const QString path = In("a.quillet");
     Write_File(path, "damaged");
@@ -796,7 +796,7 @@ void TestSafetyNet::changes_that_could_not_be_stored_are_stored_by_a_save()
     const Support::TChildResult result = Run_Without_Backup(path, [&](TSafetyNet* net) {
         rlimit limit = {};
         getrlimit(RLIMIT_FSIZE, &limit);
-        // Unlike Limit_File_Size, for a while.
+        // Limit_File_Size cannot be undone, but this limit is lifted below.
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit less = {100, limit.rlim_max};
         setrlimit(RLIMIT_FSIZE, &less);
@@ -852,7 +852,7 @@ void TestSafetyNet::a_saved_file_that_is_overwritten_is_stored_bit_by_bit()
     Save_And_Change(net.get(), path);
     Write_File(path, "overwritten");
     QVERIFY(!Difference().isEmpty());
-    // The user pauses, which is when it is noticed, and goes on.
+    // A pause detects that the file was overwritten. Further changes store its content.
     net->Flush(path);
     QTRY_VERIFY((net->Record_Change(path), Difference().isEmpty()));
 }

@@ -41,8 +41,8 @@ QList<QWidget*> Tab_Order(QDialog* dialog, int count);
 /// The text of the label that names a widget for screen readers; empty when there is none.
 QString Accessible_Label(QWidget* widget);
 
-/// A child widget that is too small for its text or lies outside the dialog; empty when there is
-/// none.
+/// Describes a child widget that is too small for its text or lies outside the dialog; empty when
+/// there is none.
 QString Clipped_Widget(const QDialog& dialog);
 
 } // namespace Support

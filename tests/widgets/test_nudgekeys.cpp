@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Remembers the keys that it receives. Modifiers are keys, too.
+/// Records the keys that it receives. Modifiers are keys, too.
 class TKeyReader : public QWidget
 {
 public:
@@ -25,13 +25,13 @@ class TestNudgeKeys : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void arrows_with_ctrl_are_steps_data();
-    void arrows_with_ctrl_are_steps();
+    void arrows_with_ctrl_are_movements_data();
+    void arrows_with_ctrl_are_movements();
     void other_keys_reach_the_widget_data();
     void other_keys_reach_the_widget();
 };
 
-void TestNudgeKeys::arrows_with_ctrl_are_steps_data()
+void TestNudgeKeys::arrows_with_ctrl_are_movements_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
@@ -48,7 +48,7 @@ void TestNudgeKeys::arrows_with_ctrl_are_steps_data()
                                 << QPointF(0, 1);
 }
 
-void TestNudgeKeys::arrows_with_ctrl_are_steps()
+void TestNudgeKeys::arrows_with_ctrl_are_movements()
 {
     QFETCH(int, key);
     QFETCH(int, modifiers);

@@ -72,7 +72,7 @@ private Q_SLOTS:
     void no_line_of_a_drawing_disappears_data();
     void no_line_of_a_drawing_disappears();
     void a_drawing_is_the_same_at_every_position();
-    void the_scale_counts_pixels_of_the_screen();
+    void the_scale_includes_the_pixel_ratio();
     void a_picture_is_reduced_only_once();
     void an_item_without_a_pixmap_paints_nothing();
 };
@@ -144,7 +144,7 @@ void TestPictureItems::no_line_of_a_drawing_disappears()
     TDrawingItem drawing(Frame());
     drawing.setPos(position, position);
     const QImage screen = Painted(&drawing, scale);
-    // A line of two pixels covers this much of at least one pixel of the screen, or of two.
+    // The least darkness that a line of two pixels gives to a pixel of the screen.
     const int least = static_cast<int>(255 * scale * 0.9);
     const QPoint corner = (QPointF(position, position) * scale).toPoint();
     const int extent = qRound(40 * scale);
@@ -175,7 +175,7 @@ void TestPictureItems::a_drawing_is_the_same_at_every_position()
     }
 }
 
-void TestPictureItems::the_scale_counts_pixels_of_the_screen()
+void TestPictureItems::the_scale_includes_the_pixel_ratio()
 {
     const QPixmap pixmap = QPixmap::fromImage(Support::Picture(120, 90));
     QGraphicsPixmapItem plain(pixmap);
