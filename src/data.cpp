@@ -26,8 +26,8 @@ void Copy_Selection(const TPageItem& from, TPageItem* to)
         item.selected = selected.contains(item.id);
 }
 
-/// Asserts that a page was found. The condition, and so the name of the parameter, is the one that
-/// all operations on the active page assert.
+/// Asserts that a page was found. The parameter is named like the member, so that the message is
+/// the same as from operations on the active page.
 int Checked_Index(int d_active_page_index)
 {
     assert(!(d_active_page_index < 0));
@@ -336,7 +336,7 @@ void TData::Swap_Pages(std::vector<int>* order, std::vector<TPageItem>* pages)
 }
 
 /// Makes the page at an index active, or none if the index is -1. Clears the index of labels, which
-/// is that of the active page.
+/// belongs to the active page.
 void TData::Make_Active(int page_index)
 {
     if (page_index == d_active_page_index)

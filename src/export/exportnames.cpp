@@ -27,7 +27,7 @@ QString Folder_Part(const QString& folder)
     return has_separator ? folder : folder + QLatin1Char('/');
 }
 
-/// Not QDateTime::toString, which writes other digits than ASCII in some locales.
+/// The time in ASCII digits. QDateTime::toString uses other digits in some locales.
 QString Time_Part(const QDateTime& time)
 {
     return QLocale::c().toString(time, QStringLiteral("ddMMyyyyhhmmss"));

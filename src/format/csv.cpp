@@ -32,7 +32,7 @@ int Line_Ends(const QString& text)
            text.count(QLatin1String("\r\n"));
 }
 
-/// The place behind a text that begins at a place.
+/// The place where a text ends that begins at a place.
 TCsvPlace After(const TCsvPlace& place, const QString& text)
 {
     const int line_ends = Line_Ends(text);

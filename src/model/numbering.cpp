@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The number at whose multiples pages start; 0 to continue counting.
+/// The number of which each page start is a multiple; 0 to continue counting.
 int Page_Multiple(int method)
 {
     switch (method) {

@@ -72,12 +72,12 @@ private:
     void Set_Header_Band(const TReportLayout& layout);
 
     int d_gap;              ///< between rules and picture
-    int d_left = 0;         ///< x0, first column inside the margins
-    int d_right = 0;        ///< x1, last column inside the margins
-    int d_rule_right = 0;   ///< xr, last column of the rules
-    int d_bottom = 0;       ///< yb, the bottom margin's edge
-    int d_header_top = 0;   ///< y0, the top margin's edge
+    int d_left = 0;         ///< first column inside the margins
+    int d_right = 0;        ///< last column inside the margins
+    int d_rule_right = 0;   ///< last column of the rules
+    int d_bottom = 0;       ///< the bottom margin's edge
+    int d_header_top = 0;   ///< the top margin's edge
     int d_header_2_top = 0; ///< the header rule's line when there is no second header
-    int d_header_rule = 0;  ///< hy
-    int d_footer_top = 0;   ///< fy
+    int d_header_rule = 0;
+    int d_footer_top = 0;
 };

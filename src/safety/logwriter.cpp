@@ -131,7 +131,8 @@ bool TLogWriter::Start_Over()
     return d_is_known;
 }
 
-/// Writes the document's row if it differs, or if anything else was written: it has the time.
+/// Writes the document's row if it differs. Also writes it if anything else was written, because it
+/// contains the time.
 bool TLogWriter::Write_Document(const TAppearance& appearance, const TWorkDocument& document)
 {
     if (d_has_document && !d_database.Is_In_Transaction() && appearance == d_appearance &&

@@ -18,7 +18,7 @@ public:
 
     /// Shows the bar and selects the text in its editor, ready for typing another one.
     void Open();
-    /// Shows a line about the last search; empty if there is nothing to say.
+    /// Shows a line about the last search; an empty text for none.
     void Show_Result(const QString& text);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/// Tests PageRanges.
+/// Page numbers as users write them.
 class TestPageRanges : public QObject
 {
     Q_OBJECT

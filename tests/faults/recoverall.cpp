@@ -1,4 +1,4 @@
-// Does what the program does with abandoned work when it starts.
+// Recovers abandoned work as the program does when it starts.
 //
 // Usage: recoverall
 //

@@ -188,7 +188,7 @@ void TestFaults::Restore_Files()
 }
 
 /// Opens the document and adds one label, which is stored at once, except before the first change.
-/// Before a recovery, a process that is killed does so.
+/// Before a recovery, a child process does this and is killed.
 void TestFaults::Edit(const QString& operation)
 {
     if (operation == "recovery") {

@@ -37,10 +37,10 @@ private slots:
     void labels_are_pasted_with_an_offset_on_the_same_page();
     void pasting_again_moves_the_labels_further();
     void cut_labels_are_pasted_where_they_were();
-    void duplicates_leave_the_clipboard_alone();
+    void duplicating_does_not_change_the_clipboard();
     void new_labels_get_the_next_values_in_the_order_of_the_document();
     void pasted_labels_are_selected();
-    void more_labels_than_random_ids_of_a_second_can_be_pasted();
+    void labels_can_be_pasted_beyond_the_random_ids_of_a_second();
     void each_command_is_one_step_data();
     void each_command_is_one_step();
     void the_keys_work_in_the_lists_data();
@@ -156,7 +156,7 @@ void TestClipboard::cut_labels_are_pasted_where_they_were()
     QCOMPARE(Labels().mid(1), QStringList({"20 'Pump' 1 at 50,50", "21 '' 8 at 100.5,70"}));
 }
 
-void TestClipboard::duplicates_leave_the_clipboard_alone()
+void TestClipboard::duplicating_does_not_change_the_clipboard()
 {
     QApplication::clipboard()->setText("Pump");
     Press(Qt::Key_D);
@@ -188,7 +188,7 @@ void TestClipboard::pasted_labels_are_selected()
     QVERIFY(items[3].selected && items[4].selected && !items[0].selected);
 }
 
-void TestClipboard::more_labels_than_random_ids_of_a_second_can_be_pasted()
+void TestClipboard::labels_can_be_pasted_beyond_the_random_ids_of_a_second()
 {
     std::vector<TDataItem> many;
     for (int id = 1; id <= 300; ++id)

@@ -60,7 +60,7 @@ private slots:
     void without_a_single_selected_label_f2_edits_the_newest();
     void f2_edits_the_label_that_was_just_added();
     void f2_edits_a_label_that_was_selected_after_another_was_added();
-    void f2_on_a_page_without_labels_says_so();
+    void f2_on_a_page_without_labels_shows_a_message();
     void f2_commits_a_text_typed_for_another_label();
     void f2_shows_the_item_list_if_it_is_hidden();
     void return_on_the_page_edits_and_return_in_the_editor_goes_back();
@@ -366,7 +366,7 @@ void TestWindowKeys::f2_edits_a_label_that_was_selected_after_another_was_added(
     QCOMPARE(d_window->d_label_widget->Selected_Items(), std::vector<int>{1});
 }
 
-void TestWindowKeys::f2_on_a_page_without_labels_says_so()
+void TestWindowKeys::f2_on_a_page_without_labels_shows_a_message()
 {
     Show();
     Press(Qt::Key_F2);

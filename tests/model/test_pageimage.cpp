@@ -644,7 +644,7 @@ private slots:
         QCOMPARE(TPageImage::From_File(path).Png(), bytes);
     }
 
-    void an_upright_photo_is_turned_as_its_orientation_says_data()
+    void an_upright_photo_is_turned_by_its_orientation_data()
     {
         QTest::addColumn<bool>("is_tiff");
         QTest::addColumn<int>("orientation");
@@ -654,7 +654,7 @@ private slots:
         }
     }
 
-    void an_upright_photo_is_turned_as_its_orientation_says()
+    void an_upright_photo_is_turned_by_its_orientation()
     {
         QFETCH(const bool, is_tiff);
         QFETCH(const int, orientation);

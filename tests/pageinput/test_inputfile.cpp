@@ -9,7 +9,7 @@
 
 #include <memory>
 
-/// Tests TInputFile.
+/// Pages from images, TIFFs and PDFs.
 class TestInputFile : public QObject
 {
     Q_OBJECT
@@ -149,7 +149,7 @@ private slots:
         QCOMPARE(Pages(path), QStringList({"a: 40 x 30"}));
     }
 
-    void photos_are_turned_upright_unless_they_shall_stay_as_stored()
+    void photos_are_turned_upright_unless_read_as_stored()
     {
         const QString path = Write("a.jpg", Support::Exif_Jpeg(Support::Picture(40, 30), 6));
         QCOMPARE(Pages(path), QStringList({"a: 30 x 40"}));

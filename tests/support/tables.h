@@ -7,8 +7,8 @@
 
 namespace Support {
 
-/// Line, column and message of the exception that a function throws when it reads a table; empty without
-/// an exception.
+/// Line, column and message of the exception that a function throws when it reads a table; empty
+/// without an exception.
 template <typename TRead>
 QString Table_Refusal(const TRead& read, const QByteArray& table)
 {

@@ -39,7 +39,7 @@ def drag_source(session, paths):
 
 def drop(session, *paths):
     with drag_source(session, paths) as start:
-        drag(start, session.view().centre, steps=20)
+        drag(start, session.view().centre, moves=20)
         stable_screen()
 
 
