@@ -34,10 +34,16 @@ class TLimitedProcess : public QProcess
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
 public:
-    TLimitedProcess() { setChildProcessModifier(Limit_Child); }
+    TLimitedProcess()
+    {
+        setChildProcessModifier(Limit_Child);
+    }
 #else
 protected:
-    void setupChildProcess() override { Limit_Child(); }
+    void setupChildProcess() override
+    {
+        Limit_Child();
+    }
 #endif
 };
 
