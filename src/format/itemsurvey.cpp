@@ -201,7 +201,7 @@ void TItemSurveyor::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
 /// Reports values of a label that are not read as written.
 void TItemSurveyor::Check_Texts(const TXmlFile& xml_file, const QDomElement& node)
 {
-    for (const QString name : {ItemXml::Id_Name, ItemXml::Value_Name, ItemXml::Border_Name}) {
+    for (const QLatin1String name : {ItemXml::Id_Name, ItemXml::Value_Name, ItemXml::Border_Name}) {
         const QString text = ItemXml::Read_Text(xml_file, node, name);
         bool is_number = false;
         text.toInt(&is_number);
