@@ -209,6 +209,12 @@ void Files::Write(const QString& path, const QByteArray& content)
         Throw_Write_Error(path, problem);
 }
 
+void Files::Check_Size(const QString& path, qint64 size)
+{
+    if (size > ProjectLayout::Largest_File)
+        Throw_Write_Error(path, Tr("it would be larger than 2 GiB"));
+}
+
 void Files::Save(const QString& path, const TDocument& document)
 {
     TTerminalProgress progress(Tr("Saving page %1 of %2"));
@@ -217,8 +223,7 @@ void Files::Save(const QString& path, const TDocument& document)
                                              progress.Report(), &project);
     if (!fault.isEmpty())
         throw TJobError{path, fault};
-    if (project.Size() > ProjectLayout::Largest_File)
-        throw TJobError{path, Tr("would be larger than 2 GiB")};
+    Check_Size(path, project.Size());
     TSafeFile target(path, TSafeFile::TKind::Like_Target, Protecting_Links(path));
     if (!target.Is_Beside() || !ProjectFile::Commit(project, &target))
         Throw_Write_Error(path, target.Write_Problem());

@@ -61,6 +61,9 @@ int Protecting_Links(const QString& path);
 /// Writes a file completely, or leaves it unchanged.
 void Write(const QString& path, const QByteArray& content);
 
+/// Checks that a project of this size may be written.
+void Check_Size(const QString& path, qint64 size);
+
 /// Writes a project file completely, or leaves an existing one unchanged.
 void Save(const QString& path, const TDocument& document);
 
