@@ -36,7 +36,7 @@ class TestTwoCopies(unittest.TestCase):
         run("find", ".", "-exec", "touch", f"--date={time}", "{}", "+", cwd=folder)
         build = os.path.join(folder, "obj")
         # As debian/rules and debhelper do it.
-        run_with({"CXXFLAGS": f"-g -O2 -ffile-prefix-map={folder}=."}, "cmake", "-S", folder, "-B", build,
+        run_with({"CXXFLAGS": f"-g -O2 -fdebug-prefix-map={folder}=."}, "cmake", "-S", folder, "-B", build,
                  "-G", "Ninja", "-D", "CMAKE_BUILD_TYPE=None", "-D", "QUILLET_CCACHE=OFF",
                  "-D", "QUILLET_TESTS=OFF")
         run("cmake", "--build", build, "--target", *TARGETS)
