@@ -18,8 +18,10 @@ namespace {
 
 const char* const name_option = "name";
 const char* const fast_option = "fast";
+const char* const jobs_option = "jobs";
 const char* const size_option = "size";
 
+constexpr int maximum_jobs = 256;
 constexpr int default_thumbnail_size = 128; // pixels
 constexpr int maximum_thumbnail_size = 8192;
 
@@ -96,6 +98,9 @@ void Commands::Export_Images(TCommandLine* line)
                         "{time}."));
     line->Add_Flag(fast_option, Tr("Compress the images in less time; files may be a little "
                                    "larger."));
+    line->Add_Option(jobs_option, QStringLiteral("N"),
+                     Tr("Encode up to N images at the same time; by default as many as there are "
+                        "processors."));
     if (!line->Parse())
         return;
 
@@ -103,6 +108,8 @@ void Commands::Export_Images(TCommandLine* line)
     TImageNames names(*line);
     const auto png =
         line->Is_Set(fast_option) ? TPageExporter::TPng::Fast : TPageExporter::TPng::Small;
+    const int jobs = line->Is_Set(jobs_option) ? line->Number(jobs_option, 1, maximum_jobs)
+                                               : TPngEncoder::Processors();
     job.Run([&](TExportInput* input) {
         const QStringList paths = Add_Images(*input, &names, &job);
         TTerminalProgress progress(Tr("Exporting page %1 of %2"));
@@ -114,7 +121,7 @@ void Commands::Export_Images(TCommandLine* line)
                 job.Mark_Written(last_path);
             return last_path = paths.at(counter - 1);
         };
-        if (!view.Exporter().Export_Images(input->Page_Ids(), path_of, png))
+        if (!view.Exporter().Export_Images(input->Page_Ids(), path_of, png, jobs))
             Files::Throw_Write_Error(last_path, problem);
         job.Mark_Written(last_path);
     });

@@ -1,13 +1,12 @@
 #include "src/export/pageexporter.h"
 
 #include "core/safefile.h"
-#include "core/workwatch.h"
 #include "src/displaywidget.h"
+#include "src/encoding/pngencoding.h"
 #include "src/export/fastpng.h"
 #include "src/export/findingspainter.h"
 #include "src/export/printedpdf.h"
 
-#include <QBuffer>
 #include <QPainter>
 #include <QPrinter>
 #include <QScrollBar>
@@ -35,16 +34,10 @@ void Prepare_Printer(const QString& path, const QString& title, const TReportOpt
     printer->setResolution(TReportGeometry::Resolution(settings.resolution));
 }
 
-/// A picture as PNG, encoded with Qt's default settings; empty on failure.
-QByteArray Default_Png(const QPixmap& picture)
+/// @param problem  receives the reason of a failure; may be null.
+bool Write_Png(const QByteArray& png, const QString& path, QString* problem)
 {
-    QByteArray bytes;
-    TWatchedDevice<QBuffer> buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    // Every PNG ends with an empty chunk of this type and its checksum. Check for it before
-    // replacing an existing file.
-    const QByteArray end("IEND\xAE\x42\x60\x82", 8);
-    return picture.save(&buffer, "png") && bytes.endsWith(end) ? bytes : QByteArray();
+    return !png.isEmpty() && TSafeFile::Replace(path, png, 0, problem);
 }
 
 bool Finish_Pdf(const QStringList& bookmarks, TSafeFile* target)
@@ -65,13 +58,31 @@ TPageExporter::TPageExporter(TData* data, TDisplayWidget* view, TProgressReport 
 {
 }
 
-bool TPageExporter::Export_Images(const QList<int>& page_ids, const TPathOf& path_of,
-                                  TPng png) const
+bool TPageExporter::Export_Images(const QList<int>& page_ids, const TPathOf& path_of, TPng png,
+                                  int jobs) const
 {
     int counter = 1;
-    return Draw_Pages(page_ids, [&](int page_id, const QPixmap& picture) {
-        return Save_Png(picture, path_of(page_id, counter++), png, d_problem);
-    });
+    if (png == TPng::Fast)
+        return Draw_Pages(page_ids, [&](int page_id, const QPixmap& picture) {
+            return Save_Png(picture, path_of(page_id, counter++), png, d_problem);
+        });
+    TPngEncoder encoder(qMin(jobs, static_cast<int>(page_ids.size())));
+    QList<int>::const_iterator next = page_ids.cbegin();
+    const auto write_oldest = [&] {
+        const QByteArray bytes = encoder.Take();
+        return Write_Png(bytes, path_of(*next++, counter++), d_problem);
+    };
+    const auto encode = [&](int, const QPixmap& picture) {
+        encoder.Add(picture.toImage());
+        return !encoder.Is_Full() || write_oldest();
+    };
+    if (!Draw_Pages(page_ids, encode))
+        return false;
+    while (!encoder.Is_Empty()) {
+        if (!write_oldest())
+            return false;
+    }
+    return true;
 }
 
 TPageExporter::TOutcome TPageExporter::Export_Pdf(const QString& file, const QList<int>& page_ids,
@@ -171,7 +182,7 @@ void TPageExporter::Reload_View() const
 bool TPageExporter::Save_Png(const QPixmap& picture, const QString& path, TPng png,
                              QString* problem)
 {
-    const QByteArray bytes =
-        png == TPng::Fast ? FastPng::Encode(picture.toImage()) : Default_Png(picture);
-    return !bytes.isEmpty() && TSafeFile::Replace(path, bytes, 0, problem);
+    const QImage image = picture.toImage();
+    return Write_Png(png == TPng::Fast ? FastPng::Encode(image) : PngEncoding::Encode(image), path,
+                     problem);
 }

@@ -2,6 +2,7 @@
 
 #include "core/progressreport.h"
 #include "src/data.h"
+#include "src/encoding/pngencoder.h"
 #include "src/model/reportoptions.h"
 #include "src/paint/reportpainter.h"
 
@@ -60,8 +61,10 @@ public:
 
     /// Writes each page with its labels to a PNG file, replacing existing files. Stops and returns
     /// false when a file cannot be written. Returns false when there are no pages.
-    bool Export_Images(const QList<int>& page_ids, const TPathOf& path_of,
-                       TPng png = TPng::Small) const;
+    /// @param path_of  is called right before a file is written, in the order of the pages.
+    /// @param jobs     number of images that are encoded at the same time.
+    bool Export_Images(const QList<int>& page_ids, const TPathOf& path_of, TPng png = TPng::Small,
+                       int jobs = TPngEncoder::Processors()) const;
 
     /// Writes pages as a PDF report, in the given order.
     /// @param file  replaced only by a complete report.

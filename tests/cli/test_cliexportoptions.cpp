@@ -293,6 +293,16 @@ private slots:
         }
     }
 
+    void the_number_of_jobs_does_not_change_the_images()
+    {
+        Do("export-images a.quillet --folder . --name {number} --jobs 1");
+        Do("export-images a.quillet --folder out --name {number} --jobs 3");
+        for (const QString& name : QStringList{"1.png", "2.png", "3.png"}) {
+            QVERIFY(!Image(name).isNull());
+            QCOMPARE(Support::Read_File(Path("out/" + name)), Support::Read_File(Path(name)));
+        }
+    }
+
     void a_given_text_replaces_that_of_the_footer()
     {
         Do("export-pdf a.quillet --output a.pdf --footer", {"Office of\nM. Adler"});

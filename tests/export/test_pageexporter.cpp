@@ -33,6 +33,12 @@ class TestPageExporter : public QObject
 
     TPageExporter Exporter() { return TPageExporter(&d_document.data, d_view.get()); }
     QString Path(const QString& name) const { return d_folder->filePath(name); }
+    /// Adds pages that are large enough to be encoded by another process.
+    void Add_Large_Pages(int count)
+    {
+        for (int page = 0; page < count; ++page)
+            d_document.Add_Page("large", Support::Picture(1000, 600, page));
+    }
 
 private slots:
     void init()
@@ -111,6 +117,35 @@ private slots:
         QCOMPARE(asked, QStringList({"2 1", "1 2"}));
         QCOMPARE(Support::Difference(QImage(Path("1"), "png"), Page_Picture(0)), QString());
         QCOMPARE(Support::Difference(QImage(Path("2"), "png"), Page_Picture(1)), QString());
+    }
+
+    void large_images_are_the_same_with_any_number_of_jobs()
+    {
+        Add_Large_Pages(3);
+        const QList<int> ids{3, 4, 5};
+        for (const int jobs : {1, 2, 4}) {
+            QVERIFY(Exporter().Export_Images(
+                ids, [&](int id, int) { return Path(QString("%1-%2").arg(jobs).arg(id)); },
+                TPageExporter::TPng::Small, jobs));
+        }
+        for (const int id : ids) {
+            const QByteArray png = Support::Png(d_document.data.Page(id).image);
+            for (const int jobs : {1, 2, 4})
+                QCOMPARE(Support::Read_File(Path(QString("%1-%2").arg(jobs).arg(id))), png);
+        }
+    }
+
+    void after_an_image_that_cannot_be_written_no_other_one_is()
+    {
+        Add_Large_Pages(4);
+        QStringList asked;
+        const auto path_of = [&](int page_id, int) {
+            asked += QString::number(page_id);
+            return Path(page_id == 4 ? "missing/4" : asked.last());
+        };
+        QVERIFY(!Exporter().Export_Images({3, 4, 5, 6}, path_of, TPageExporter::TPng::Small, 4));
+        QCOMPARE(asked, QStringList({"3", "4"}));
+        QCOMPARE(Support::Entries(d_folder->path()), QStringList("3"));
     }
 
     void a_report_that_cannot_be_opened_is_not_begun()

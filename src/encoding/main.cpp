@@ -1,0 +1,61 @@
+// quillet-encode: reads an image from standard input and writes it to standard output as PNG.
+//
+// The window and the tool start it to encode several images at a time; see TPngEncoder. It exits
+// with 1 if the input is no image or the output cannot be written.
+
+#include "src/encoding/pngencoding.h"
+#include "src/encoding/rawimage.h"
+
+#include <QFile>
+#include <QImage>
+
+#include <csignal>
+#include <cstdlib>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+/// Leaves the processor to programs that somebody waits for, and ends with the program that waits
+/// for the result.
+void Step_Back()
+{
+    constexpr int lowest_priority = 19;
+    setpriority(PRIO_PROCESS, 0, lowest_priority);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
+
+/// Limits the memory, so that an error here does not take it from other programs.
+void Limit_Memory(qint64 input_size)
+{
+#ifndef __SANITIZE_ADDRESS__ // which reserves a large part of the address space
+    // The pixels, a copy in another format, the result, and the program itself.
+    constexpr rlim_t copies = 4;
+    constexpr rlim_t program = 512 * 1024 * 1024;
+    const rlim_t size = copies * static_cast<rlim_t>(input_size) + program;
+    const rlimit limit{size, size};
+    setrlimit(RLIMIT_AS, &limit);
+#else
+    Q_UNUSED(input_size)
+#endif
+}
+
+} // namespace
+
+int main()
+{
+    Step_Back();
+    QFile input;
+    QFile output;
+    if (!input.open(STDIN_FILENO, QIODevice::ReadOnly) ||
+        !output.open(STDOUT_FILENO, QIODevice::WriteOnly))
+        return EXIT_FAILURE;
+    Limit_Memory(input.size());
+    const QImage image = RawImage::Read(&input);
+    if (image.isNull())
+        return EXIT_FAILURE;
+    const QByteArray png = PngEncoding::Encode(image);
+    const bool is_written = !png.isEmpty() && output.write(png) == png.size() && output.flush();
+    return is_written ? EXIT_SUCCESS : EXIT_FAILURE;
+}
