@@ -4,6 +4,7 @@
 #include "core/safefile.h"
 #include "core/xmlfile.h"
 #include "src/data.h"
+#include "src/format/imageencoder.h"
 #include "src/format/itemlist.h"
 #include "src/model/appearance.h"
 
@@ -255,6 +256,11 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
 {
     assert(writer);
     const int total = static_cast<int>(pages.size());
+    std::vector<TPageImage> images;
+    images.reserve(pages.size());
+    for (const TNamedPage& page : pages)
+        images.push_back(data.Page(page.page_id).image);
+    TImageEncoder encoder(images);
     Write_Header(appearance, data.Page_Count(), writer);
     try {
         int number = 0;
@@ -267,7 +273,9 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
                 texts.header_1 = appearance.header_1;
                 texts.header_2 = appearance.header_2;
             }
-            Write_Page(texts, data.Page(page.page_id), writer);
+            const TPageItem& item = data.Page(page.page_id);
+            encoder.Encode(item.image);
+            Write_Page(texts, item, writer);
         }
     } catch (const TXmlFileException& exception) {
         return exception.Message();

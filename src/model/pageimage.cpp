@@ -111,6 +111,8 @@ struct TPageImage::TContent
     ~TContent() { TPixelStore::Shared().Remove(this); }
     Q_DISABLE_COPY(TContent)
 
+    bool Is_Source_Png() const { return is_source_sufficient && source.startsWith(Png_Signature); }
+
     enum TCaching { Cached, Uncached };
     QImage Pixels(TCaching caching = Cached);
     void Keep_Decoded(const QImage& image, TCaching caching = Cached);
@@ -261,16 +263,33 @@ QByteArray TPageImage::Png() const
 {
     if (!d_content)
         return QByteArray();
-    if (d_content->is_source_sufficient && d_content->source.startsWith(Png_Signature))
+    if (d_content->Is_Source_Png())
         return d_content->source;
     if (d_content->png.isEmpty()) {
-        const QImage image = d_content->Pixels(TContent::Uncached);
+        const QImage image = Pixels_Once();
         if (image.isNull())
             return d_content->source;
         TWatchedDevice<QBuffer> buffer(&d_content->png);
         image.save(&buffer, "PNG");
     }
     return d_content->png;
+}
+
+bool TPageImage::Needs_Encoding() const
+{
+    return d_content && d_content->png.isEmpty() && !d_content->Is_Source_Png() &&
+           d_content->state != TContent::Undecodable;
+}
+
+void TPageImage::Set_Png(const QByteArray& png) const
+{
+    if (Needs_Encoding())
+        d_content->png = png;
+}
+
+QImage TPageImage::Pixels_Once() const
+{
+    return d_content ? d_content->Pixels(TContent::Uncached) : QImage();
 }
 
 QByteArray TPageImage::Source_Bytes() const

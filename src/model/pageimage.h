@@ -134,6 +134,17 @@ public:
     /// cannot be decoded are returned unchanged. Empty for an image without bytes and pixels.
     QByteArray Png() const;
 
+    /// Whether Png() has to encode the image first.
+    bool Needs_Encoding() const;
+
+    /// Sets the result of Png() for an image that needs encoding, and for its copies.
+    /// @param png  what QImage::save writes for the pixels, in default quality.
+    void Set_Png(const QByteArray& png) const;
+
+    /// The pixels for a single use: unlike others, they do not replace those of displayed pages in
+    /// the cache.
+    QImage Pixels_Once() const;
+
     /// The original bytes in any format. PNG for an image that was constructed from pixels, or if
     /// Qt would not read the same pixels from the original bytes alone.
     QByteArray Source_Bytes() const;
