@@ -66,6 +66,7 @@ def expected_files(zsh_folder="site-functions"):
     return sorted(icons + pictures + [
         "bin/quillet",
         "bin/quillet-cli",
+        "libexec/quillet/quillet-encode",
         f"share/applications/{ID}.desktop",
         "share/bash-completion/completions/quillet-cli",
         "share/doc/quillet/changelog",

@@ -41,7 +41,7 @@ class TestPackage(unittest.TestCase):
         for line in run("dpkg-deb", "--contents", self.path).splitlines():
             mode, owner, *_, name = line.split()
             self.assertEqual(owner, "root/root", line)
-            runs = name.startswith("./usr/bin/") or name.endswith("/")
+            runs = name.startswith(("./usr/bin/", "./usr/libexec/")) or name.endswith("/")
             self.assertEqual(mode[1:], "rwxr-xr-x" if runs else "rw-r--r--", line)
 
     def test_every_file_has_a_valid_checksum(self):
