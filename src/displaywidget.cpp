@@ -61,7 +61,12 @@ void TDisplayWidget::Set_Background_Image(const QPixmap& pixmap)
 
 void TDisplayWidget::Show_Start_Image()
 {
-    Show_Background(Start_Image(), TBackground::Built_In);
+    Show_Built_In_Image(Start_Image());
+}
+
+void TDisplayWidget::Show_Built_In_Image(const QPixmap& image)
+{
+    Show_Background(image, TBackground::Built_In);
     Update_Scene_Rect();
 }
 
@@ -213,7 +218,15 @@ void TDisplayWidget::Set_Selected_Items(const std::vector<int>& ids, bool center
             Select_Item(item, true);
     }
     if (center && d_track_item && !wanted.isEmpty())
-        centerOn(Last_Selected_Item()->data(Centre_Key).toPointF());
+        Scroll_To(*Last_Selected_Item());
+}
+
+void TDisplayWidget::Scroll_To(const QGraphicsPixmapItem& item)
+{
+    // The view scrolls only within the scene, which may have been smaller without this label.
+    if (!sceneRect().contains(item.sceneBoundingRect()))
+        Update_Scene_Rect();
+    centerOn(item.data(Centre_Key).toPointF());
 }
 
 QPixmap TDisplayWidget::Pixmap()

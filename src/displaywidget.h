@@ -52,6 +52,8 @@ public:
     QPixmap Background_Pixmap() const;
     /// Shows the built-in image of the program's start instead of a page.
     void Show_Start_Image();
+    /// Shows an image that is not a page, which has no edge.
+    void Show_Built_In_Image(const QPixmap& image);
     /// Shows a page's image and its labels, unselected. Does not remove the labels of another page.
     void Show_Page(const TPageItem& page);
     /// Fits the scene to the page image and all labels. Takes linear time, so adding or moving a
@@ -137,6 +139,7 @@ private:
     QPixmap Render_Label(int value, const QString& text, int border_type, bool selected) const;
     void Select_Item(QGraphicsPixmapItem* item, bool selected);
     const QGraphicsPixmapItem* Last_Selected_Item() const;
+    void Scroll_To(const QGraphicsPixmapItem& item);
     void Change_Item(int id, TItemKey key, const QVariant& content);
     enum class TBackground { Page, Built_In };
     void Show_Background(const QPixmap& pixmap, TBackground kind);

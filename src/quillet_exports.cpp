@@ -48,8 +48,8 @@ auto TQuillet::Export(const TExport& run, QString* problem)
     return run(TPageExporter(&d_data, d_display_widget, progress.Report(), problem));
 }
 
-/// Names a label that is outside of its page, as a further sentence; empty if there is none. Such a
-/// label enlarges the exported picture.
+/// Names a label that is outside of its page, as a sentence before another one; empty if there is
+/// none. Such a label enlarges the exported picture.
 QString TQuillet::Stray_Text(const QList<int>& page_ids) const
 {
     QString text;
@@ -66,12 +66,14 @@ QString TQuillet::Stray_Text(const QList<int>& page_ids) const
             if (!text.isEmpty())
                 ++others;
             else
-                text = tr(". %1: label %2 is %3 pixels outside the page")
+                text = tr("%1: label %2 is %3 pixels outside the page")
                            .arg(d_page_widget->Page_Name(page_id), QString::number(item.value),
                                 QLocale().toString(std::ceil(distance), 'f', 0));
         }
     }
-    return others == 0 ? text : text + tr(", and %1 more").arg(others);
+    if (others > 0)
+        text += tr(", and %1 more").arg(others);
+    return text.isEmpty() ? text : text + QStringLiteral(". ");
 }
 
 void TQuillet::File_Export_Images()
@@ -100,8 +102,8 @@ bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
         [&](const TPageExporter& exporter) { return exporter.Export_Images(page_ids, path_of); },
         &problem);
     if (exported)
-        Show_Status(Exported_Text(page_ids.size(), QDir(folder).dirName() + QLatin1Char('/')) +
-                    Stray_Text(page_ids));
+        Show_Status(Stray_Text(page_ids) +
+                    Exported_Text(page_ids.size(), QDir(folder).dirName() + QLatin1Char('/')));
     else if (!path.isEmpty())
         Show_Status(Unwritable_Text(path, problem));
     return exported;
@@ -135,7 +137,7 @@ bool TQuillet::Export_PDF(const QString& file, const QList<int>& pages,
         [&](const TPageExporter& exporter) { return exporter.Export_Pdf(file, pages, settings); },
         &problem);
     if (outcome == TOutcome::Complete)
-        Show_Status(Exported_Text(pages.size(), QFileInfo(file).fileName()) + Stray_Text(pages));
+        Show_Status(Stray_Text(pages) + Exported_Text(pages.size(), QFileInfo(file).fileName()));
     else if (!pages.isEmpty())
         Show_Status(Unwritable_Text(file, problem));
     // An incomplete report is discarded without a question or a message box.

@@ -158,7 +158,7 @@ bool TPageExporter::Draw_Pages(const QList<int>& page_ids, const TPictureHandler
     d_data->Set_Active_Page(active_page);
     Reload_View();
     if (!d_data->Page_Image_Valid())
-        d_view->Set_Background_Image(background);
+        d_view->Show_Built_In_Image(background);
     d_view->horizontalScrollBar()->setValue(scrolled.x());
     d_view->verticalScrollBar()->setValue(scrolled.y());
     d_view->setUpdatesEnabled(true);

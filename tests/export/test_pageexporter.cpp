@@ -93,6 +93,15 @@ private slots:
         QVERIFY(d_view->updatesEnabled());
     }
 
+    void the_built_in_image_is_shown_as_before_after_an_export()
+    {
+        d_view->Show_Start_Image();
+        d_view->resize(500, 400);
+        const QImage before = d_view->grab().toImage();
+        Exporter().Draw_Pages({1, 2}, [](int, const QPixmap&) { return true; });
+        QCOMPARE(Support::Difference(d_view->grab().toImage(), before), QString());
+    }
+
     void progress_is_reported_before_drawing_and_before_handling_a_page()
     {
         QStringList reports;

@@ -1,6 +1,7 @@
 // The page view: labels on a page, their selection and looks, zoom, and the finished picture.
 
 #include "src/displaywidget.h"
+#include "src/model/pageitem.h"
 
 #include "support/support.h"
 #include "support/view.h"
@@ -113,6 +114,8 @@ private slots:
     void selecting_scrolls_to_the_last_label_in_list_order();
     void selecting_scrolls_only_when_requested_and_tracking_data();
     void selecting_scrolls_only_when_requested_and_tracking();
+    void selecting_scrolls_to_a_label_outside_of_the_page_data();
+    void selecting_scrolls_to_a_label_outside_of_the_page();
     void selecting_unknown_ids_does_not_scroll();
     void the_label_size_is_five_less_than_the_pixmap();
     void changing_the_label_size_redraws_and_keeps_the_centres();
@@ -661,6 +664,30 @@ void TestDisplayWidget::selecting_scrolls_only_when_requested_and_tracking()
         d_view->horizontalScrollBar()->value() != 10 || d_view->verticalScrollBar()->value() != 20;
     QCOMPARE(scrolled, center && track);
     QCOMPARE(Support::Label(*d_view, 1)->data(17).toInt(), 1);
+}
+
+void TestDisplayWidget::selecting_scrolls_to_a_label_outside_of_the_page_data()
+{
+    QTest::addColumn<QPointF>("centre");
+    QTest::newRow("on the right") << QPointF(9040, 40);
+    QTest::newRow("on the left") << QPointF(-300, 40);
+    QTest::newRow("above") << QPointF(50, -19);
+    QTest::newRow("below") << QPointF(50, 4000);
+}
+
+void TestDisplayWidget::selecting_scrolls_to_a_label_outside_of_the_page()
+{
+    QFETCH(QPointF, centre);
+    d_view->resize(300, 200);
+    TPageItem page;
+    page.image = Page(1000, 800).toImage();
+    page.data_items = {{1, 1, QString(), 1, centre, false}};
+    d_view->d_track_item = true;
+    d_view->Show_Page(page);
+    d_view->Set_Selected_Items({1}, true);
+    const QRect label =
+        d_view->mapFromScene(Support::Label(*d_view, 1)->sceneBoundingRect()).boundingRect();
+    QVERIFY(d_view->viewport()->rect().contains(label));
 }
 
 void TestDisplayWidget::selecting_unknown_ids_does_not_scroll()
