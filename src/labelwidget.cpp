@@ -301,11 +301,20 @@ void TLabelWidget::Current_Text_Changed()
     QListWidgetItem* const row = d_list->Only_Selected_Row();
     if (row == nullptr)
         return;
-    const QString text = d_text_editor->text().simplified();
+    const QString text = Text_From_Editor(row->data(Text_Role).toString());
     d_text_editor->setModified(false);
     row->setData(Text_Role, text);
     Update_Row_Text(row);
     Q_EMIT Change_Item_Text(row->data(TRowList::Id_Role).toInt(), text);
+}
+
+/// The text that the editor stands for. One that nobody has changed stands for the whole text of
+/// the label, even if it is longer than the editor or has several lines.
+QString TLabelWidget::Text_From_Editor(const QString& stored) const
+{
+    const QString shown = stored.left(d_text_editor->maxLength());
+    const bool is_unchanged = !d_text_editor->isModified() && d_text_editor->text() == shown;
+    return is_unchanged ? stored : d_text_editor->text().simplified();
 }
 
 void TLabelWidget::Commit_Text()

@@ -93,6 +93,7 @@ private:
     void Arrange_Widgets();
     void Connect_Widgets();
     void Show_Selection();
+    QString Text_From_Editor(const QString& stored) const;
     void Update_Row_Text(QListWidgetItem* row) const;
     const QIcon& Border_Icon(int border_type) const;
 

@@ -111,6 +111,7 @@ private Q_SLOTS:
     void a_typed_value_does_not_reach_several_rows();
     void setting_a_value_is_not_an_edit();
     void a_typed_text_is_simplified();
+    void an_unchanged_editor_keeps_what_it_cannot_show();
     void an_emptied_text_is_a_change();
     void leaving_the_text_editor_finishes_the_edit();
     void clicking_another_row_finishes_the_edit_of_the_first();
@@ -902,6 +903,21 @@ void TestLabelWidget::a_typed_text_is_simplified()
     Support::Type_Over(d_text, QStringLiteral("100 %1 %2"));
     QTest::keyClick(d_text, Qt::Key_Return);
     QCOMPARE(d_list->item(1)->text(), QStringLiteral("Item [2] 100 %1 %2"));
+}
+
+void TestLabelWidget::an_unchanged_editor_keeps_what_it_cannot_show()
+{
+    const QString text = QStringLiteral("A text of several lines\nand more than 32 characters");
+    d_panel->Add_Item(Item(1, 3, text));
+    d_list->setCurrentRow(0);
+    QSignalSpy texts(d_panel.data(), SIGNAL(Change_Item_Text(int, QString)));
+    QTest::keyClick(d_text, Qt::Key_Return);
+    QCOMPARE(texts.takeFirst(), QVariantList({1, text}));
+    QCOMPARE(d_list->item(0)->data(text_role).toString(), text);
+    QTest::keyClick(d_text, Qt::Key_Backspace);
+    QTest::keyClick(d_text, Qt::Key_Return);
+    QCOMPARE(texts.takeFirst(),
+             QVariantList({1, QStringLiteral("A text of several lines and mor")}));
 }
 
 void TestLabelWidget::an_emptied_text_is_a_change()
