@@ -67,6 +67,9 @@ void TQuillet::Show_Page_Beside(int rows)
     if (pages.isEmpty())
         return;
     Commit_Editors();
+    // Without a label, its editor is disabled, and the focus would go to another editor.
+    if (d_label_widget->Text_Editor()->hasFocus())
+        Return_To_Page();
     const std::vector<int> selected = d_page_widget->Selected_Pages();
     const int last = pages.size() - 1;
     const int row = selected.empty() ? (rows > 0 ? 0 : last)
@@ -85,7 +88,7 @@ void TQuillet::Add_Text_Keys()
 }
 
 /// Selects a label and goes to the editor of its text: the label that was added since the last
-/// selection, otherwise the selected one or, if there is not exactly one, the newest on the page.
+/// selection, otherwise the last of the selected ones or, without a selection, of the page.
 void TQuillet::Edit_Text()
 {
     if (!d_data.Page_Image_Valid() || !d_data.Page_Has_Data()) {
@@ -95,13 +98,17 @@ void TQuillet::Edit_Text()
     Commit_Editors();
     const std::vector<int> selected = d_label_widget->Selected_Items();
     const bool has_new = d_new_label && d_data.Item_Exists(*d_new_label);
-    if (has_new || selected.size() != 1)
-        d_label_widget->Set_Selection(has_new ? *d_new_label
-                                              : d_data.Active_Page_Item()->data_items.back().id);
+    if (has_new)
+        d_label_widget->Set_Selection(*d_new_label);
+    else if (selected.size() != 1)
+        d_label_widget->Set_Selection(
+            selected.empty() ? d_data.Active_Page_Item()->data_items.back().id : selected.back());
     d_label_dock->show();
     QLineEdit* const editor = d_label_widget->Text_Editor();
     editor->activateWindow();
     editor->setFocus(Qt::ShortcutFocusReason);
+    // Qt selects the text only if the editor's window is active already.
+    editor->selectAll();
 }
 
 void TQuillet::Return_To_Page()

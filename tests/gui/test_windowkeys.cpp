@@ -56,8 +56,8 @@ private slots:
 
     void f2_edits_the_text_of_the_selected_label_data();
     void f2_edits_the_text_of_the_selected_label();
-    void without_a_single_selected_label_f2_edits_the_newest_data();
-    void without_a_single_selected_label_f2_edits_the_newest();
+    void without_a_selected_label_f2_edits_the_newest();
+    void with_several_selected_labels_f2_edits_the_last_of_them();
     void f2_edits_the_label_that_was_just_added();
     void f2_edits_a_label_that_was_selected_after_another_was_added();
     void f2_on_a_page_without_labels_shows_a_message();
@@ -328,22 +328,22 @@ void TestWindowKeys::f2_edits_the_text_of_the_selected_label()
     QCOMPARE(d_window->d_label_widget->Selected_Items(), std::vector<int>{1});
 }
 
-void TestWindowKeys::without_a_single_selected_label_f2_edits_the_newest_data()
+void TestWindowKeys::without_a_selected_label_f2_edits_the_newest()
 {
-    QTest::addColumn<bool>("has_several");
-    QTest::newRow("none") << false;
-    QTest::newRow("several") << true;
-}
-
-void TestWindowKeys::without_a_single_selected_label_f2_edits_the_newest()
-{
-    QFETCH(bool, has_several);
     Show({Label(1, 5, "", 1, {50, 50}), Label(2, 6, "", 1, {90, 50}), Label(3, 4, "", 1, {9, 9})});
-    if (has_several)
-        d_window->d_label_widget->Select_Items({1, 2});
     Press(Qt::Key_F2);
     QCOMPARE(d_window->d_label_widget->Selected_Items(), std::vector<int>{3});
     QVERIFY(Editor("Item Text")->hasFocus());
+}
+
+void TestWindowKeys::with_several_selected_labels_f2_edits_the_last_of_them()
+{
+    Show({Label(1, 5, "", 1, {50, 50}), Label(2, 6, "Pump", 1, {90, 50}),
+          Label(3, 4, "", 1, {9, 9})});
+    d_window->d_label_widget->Select_Items({1, 2});
+    Press(Qt::Key_F2);
+    QCOMPARE(d_window->d_label_widget->Selected_Items(), std::vector<int>{2});
+    QCOMPARE(Editor("Item Text")->selectedText(), QString("Pump"));
 }
 
 void TestWindowKeys::f2_edits_the_label_that_was_just_added()
