@@ -14,6 +14,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace {
@@ -27,7 +28,12 @@ struct TReadPages
 
     void Add_Fault(const TInputFile& file, const QString& message)
     {
-        (file.Is_Pdf() ? pdf_faults : notes) += About(file, message);
+        if (file.Is_Pdf())
+            pdf_faults += About(file, message);
+        else if (file.Page_Count() > 1)
+            notes += About(file, message);
+        else
+            notes += TQuillet::tr("%1 is not an image").arg(QFileInfo(file.Path()).fileName());
     }
 
     void Add_Note(const TInputFile& file, const QString& message) { notes += About(file, message); }
@@ -205,10 +211,14 @@ void TQuillet::Insert_Pages(const std::vector<TPageImage>& images, int row)
 /// Handles files that were dropped on the window.
 void TQuillet::Drop_Files(const QStringList& paths)
 {
-    if (std::none_of(paths.cbegin(), paths.cend(), Is_Document_Name))
+    if (std::none_of(paths.cbegin(), paths.cend(), Is_Document_Name)) {
         Insert_Dropped_Files(paths);
-    else // A question now would block the program that the files come from.
-        QTimer::singleShot(0, this, [this, paths] { Open_Files(paths); });
+        return;
+    }
+    QStringList accepted;
+    std::copy_if(paths.cbegin(), paths.cend(), std::back_inserter(accepted), Can_Open);
+    // A question now would block the program that the files come from.
+    QTimer::singleShot(0, this, [this, accepted] { Open_Files(accepted); });
 }
 
 /// Whether a file is a document, or has pages to insert.

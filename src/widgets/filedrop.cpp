@@ -8,6 +8,8 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace {
 
 /// Whether a widget is a graphics view or its viewport. Graphics views accept every drag that
@@ -50,17 +52,17 @@ bool TFileDrop::eventFilter(QObject* object, QEvent* event)
     }
 }
 
-/// The paths of the accepted files in a drag.
+/// The paths of the files in a drag; none if no file is accepted.
 QStringList TFileDrop::Accepted_Paths(const QMimeData& dragged) const
 {
     QStringList paths;
     const QList<QUrl> urls = dragged.urls();
     for (const QUrl& url : urls) {
         const QString path = url.toLocalFile();
-        if (QFileInfo(path).isFile() && d_accepts(path))
+        if (QFileInfo(path).isFile())
             paths += path;
     }
-    return paths;
+    return std::any_of(paths.cbegin(), paths.cend(), d_accepts) ? paths : QStringList();
 }
 
 /// Returns whether the event was handled.

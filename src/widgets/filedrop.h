@@ -19,7 +19,7 @@ class TFileDrop : public QObject
     Q_OBJECT
 
 public:
-    /// Receives the paths of the dropped files, at least one, in the order of the drag.
+    /// Receives the paths of the dropped files in the order of the drag. At least one is accepted.
     using TCallback = std::function<void(const QStringList&)>;
 
     /// Whether the window accepts a file with this path.
