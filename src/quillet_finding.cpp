@@ -16,6 +16,8 @@ void TQuillet::Add_Find_Bar()
 {
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, [this] {
         centralWidget()->layout()->addWidget(d_find_bar);
+        // The key also works in a floating dock, which is another window.
+        activateWindow();
         d_find_bar->Open();
     });
     connect(d_find_bar, &TFindBar::Find_Next, this,
@@ -39,9 +41,10 @@ void TQuillet::Find_Label(const QString& text, LabelSearch::TDirection direction
         start.item_id = selected.back();
     const std::optional<LabelSearch::TPlace> found =
         LabelSearch::Find(pages, text, start, direction);
-    d_find_bar->Show_Result(found ? QString() : tr("Not found"));
     if (found)
         Show_Label(found->page_id, found->item_id);
+    else
+        Show_Status(tr("Not found"));
 }
 
 /// Shows a page and selects one of its labels. Scrolls to it.

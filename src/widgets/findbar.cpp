@@ -1,9 +1,7 @@
 #include "src/widgets/findbar.h"
 
 #include "src/widgets/accessibility.h"
-#include "src/widgets/elidedlabel.h"
 
-#include <QAccessible>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -14,7 +12,7 @@ namespace {
 
 constexpr int margin = 4; // pixels
 
-/// A button without a caption, which leaves room for the result in a narrow window.
+/// A button without a caption, so that the bar fits a narrow window.
 QToolButton* New_Button(const QString& name, const QString& description, QWidget* parent)
 {
     auto* const button = new QToolButton(parent);
@@ -29,9 +27,7 @@ QToolButton* New_Button(const QString& name, const QString& description, QWidget
 TFindBar::TFindBar(QWidget* parent)
     : QWidget(parent)
     , d_editor(new QLineEdit(this))
-    , d_result(new TElidedLabel(Qt::ElideRight, this))
 {
-    // Instead of a caption, which would take the room of the result in a narrow window.
     d_editor->setPlaceholderText(tr("Find number or text"));
     Accessibility::Describe(d_editor, tr("Find"),
                             tr("The number or a part of the text of a label. Return shows the next "
@@ -51,30 +47,18 @@ TFindBar::TFindBar(QWidget* parent)
 
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(margin, 0, margin, 0);
-    layout->addWidget(d_editor, 2);
+    layout->addWidget(d_editor);
     layout->addWidget(previous);
     layout->addWidget(next);
-    layout->addWidget(d_result, 1);
     layout->addWidget(close);
     hide();
 }
 
 void TFindBar::Open()
 {
-    Show_Result(QString());
     show();
     d_editor->selectAll();
     d_editor->setFocus();
-}
-
-void TFindBar::Show_Result(const QString& text)
-{
-    d_result->setText(text);
-    if (text.isEmpty())
-        return;
-    // Screen readers do not read a label that changes.
-    QAccessibleEvent alert(d_result, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
 }
 
 bool TFindBar::eventFilter(QObject* watched, QEvent* event)

@@ -2,7 +2,6 @@
 
 #include <QWidget>
 
-class QLabel;
 class QLineEdit;
 
 /// A bar with a line editor that searches when the user presses Return.
@@ -18,8 +17,6 @@ public:
 
     /// Shows the bar and selects the text in its editor, ready for typing another one.
     void Open();
-    /// Shows a line about the last search; an empty text for none.
-    void Show_Result(const QString& text);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -36,5 +33,4 @@ private:
     void Close();
 
     QLineEdit* d_editor;
-    QLabel* d_result;
 };

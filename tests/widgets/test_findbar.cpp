@@ -24,7 +24,6 @@ private Q_SLOTS:
     void its_buttons_do_the_same();
     void escape_closes_it_from_each_of_its_widgets();
     void its_button_closes_it();
-    void opening_it_removes_the_last_result();
     void its_widgets_have_names();
 
 private:
@@ -137,15 +136,6 @@ void TestFindBar::its_button_closes_it()
     Press("Close Find Bar");
     QVERIFY(!d_bar->isVisible());
     QCOMPARE(d_signals, QStringList("closed"));
-}
-
-void TestFindBar::opening_it_removes_the_last_result()
-{
-    d_bar->Open();
-    d_bar->Show_Result("Not found");
-    QVERIFY(Support::Caption(*d_bar, "Not found"));
-    d_bar->Open();
-    QVERIFY(!Support::Caption(*d_bar, "Not found"));
 }
 
 void TestFindBar::its_widgets_have_names()
