@@ -24,9 +24,14 @@
 
 namespace {
 
-QString Labels_Text(std::size_t count)
+/// @param outside  how many of them are outside the page.
+QString Labels_Text(std::size_t count, std::size_t outside = 0)
 {
-    return count == 1 ? TQuillet::tr("1 label") : TQuillet::tr("%1 labels").arg(count);
+    if (count == 1)
+        return outside == 0 ? TQuillet::tr("1 label") : TQuillet::tr("1 label outside the page");
+    const QString text = TQuillet::tr("%1 labels").arg(count);
+    return outside == 0 ? text
+                        : TQuillet::tr("%1; %2 of them outside the page").arg(text).arg(outside);
 }
 
 } // namespace
@@ -69,9 +74,7 @@ void TQuillet::Paste_Labels()
     try {
         std::vector<TDataItem> items = LabelClipboard::Paste(copied ? *copied : empty);
         const std::size_t outside = Insert_Labels(TStepKind::Paste_Labels, &items);
-        const QString text = tr("Pasted %1").arg(Labels_Text(items.size()));
-        Show_Status(outside == 0 ? text
-                                 : tr("%1; %2 of them outside the page").arg(text).arg(outside));
+        Show_Status(tr("Pasted %1").arg(Labels_Text(items.size(), outside)));
     } catch (const TCsvException& exception) {
         Show_Status(tr("The clipboard contains no labels: %1").arg(exception.Message()));
     }
@@ -82,8 +85,8 @@ void TQuillet::Duplicate_Labels()
     std::vector<TDataItem> items = Selected_Labels();
     if (items.empty())
         return;
-    Insert_Labels(TStepKind::Duplicate_Labels, &items);
-    Show_Status(tr("Duplicated %1").arg(Labels_Text(items.size())));
+    const std::size_t outside = Insert_Labels(TStepKind::Duplicate_Labels, &items);
+    Show_Status(tr("Duplicated %1").arg(Labels_Text(items.size(), outside)));
 }
 
 /// The selected labels in the order of the document, with their texts as typed. Shows a message if

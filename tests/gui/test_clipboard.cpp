@@ -319,6 +319,9 @@ void TestClipboard::labels_outside_the_page_are_counted()
     Show(QSize(80, 80));
     Press(Qt::Key_V);
     QCOMPARE(Line(), QString("Pasted 2 labels; 1 of them outside the page"));
+    // The last label, which is the one outside.
+    Press(Qt::Key_D);
+    QVERIFY2(Line().startsWith("Duplicated 2 labels; "), qPrintable(Line()));
 }
 
 void TestClipboard::nothing_is_pasted_without_a_page()
