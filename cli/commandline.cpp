@@ -5,6 +5,7 @@
 #include "cli/translate.h"
 
 #include <QCommandLineOption>
+#include <QFileInfo>
 
 namespace {
 
@@ -83,12 +84,21 @@ bool TCommandLine::Parse()
         return false;
     }
     if (!is_valid)
-        throw TUsageError{d_parser.errorText()};
+        throw TUsageError{Parse_Error()};
     Apply_Verbosity();
     Check_Argument_Count();
     for (const char* const option : d_required_options)
         Require(option);
     return true;
+}
+
+QString TCommandLine::Parse_Error() const
+{
+    for (const QString& argument : d_arguments) {
+        if (argument.startsWith(QLatin1Char('-')) && QFileInfo(argument).isFile())
+            return Tr("Unknown option '%1'; a file of this name is './%1'.").arg(argument);
+    }
+    return d_parser.errorText();
 }
 
 void TCommandLine::Require(const char* option) const

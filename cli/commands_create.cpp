@@ -13,14 +13,17 @@
 #include "src/pageinput/inputfile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <limits>
 #include <numeric>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -44,12 +47,26 @@ QString Accepted_Formats()
     return ImageFiles::Suffixes_And_Pdf().join(QStringLiteral(", "));
 }
 
+/// Refuses a folder with an image or PDF whose name is not valid UTF-8. QDir omits such names.
+void Check_Names_In(const QString& folder)
+{
+    std::error_code error;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(QFile::encodeName(folder).constData(), error)) {
+        const QByteArray bytes = QByteArray::fromStdString(entry.path().filename().string());
+        const QString name = QFile::decodeName(bytes);
+        if (QFile::encodeName(name) != bytes && ImageFiles::Is_Image_Or_Pdf_Name(name))
+            throw TJobError{QDir(folder).filePath(name), Tr("the name is not valid UTF-8")};
+    }
+}
+
 /// Returns the images and PDFs of a folder in natural order: "page 2" before "page 10".
 QStringList Inputs_In(const QString& folder)
 {
     QStringList names;
     if (!QFileInfo(folder).isReadable())
         Files::Throw_Read_Error(folder, qt_error_string(EACCES));
+    Check_Names_In(folder);
     // A dangling link counts as an input: an error is better than a missing page.
     const auto is_input = [&folder](const QString& name) {
         const QFileInfo file(QDir(folder).filePath(name));
@@ -103,6 +120,7 @@ TInputOptions Input_Options(const TCommandLine& line)
         options.pdf_pages = line.Pages(pages_option);
     if (line.Is_Set(stored_option))
         options.orientation = TPageImage::TOrientation::As_Stored;
+    options.needs_whole_images = true;
     return options;
 }
 
@@ -238,6 +256,10 @@ void Commands::Reindex(TCommandLine* line)
     Files::Check_Is_No_Legacy_Input(line->Text(CommonOptions::Output), line->Argument());
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     TDocument document = Files::Load(line->Argument());
+    if (!Can_Number_Pages(document.Page_Ids(), first_value, method, document.data))
+        throw TJobError{
+            line->Argument(),
+            Tr("the numbers would become larger than %1").arg(std::numeric_limits<int>::max())};
     Number_Pages(document.Page_Ids(), first_value, method, &document.data);
     Files::Save(output.Path(), document);
     output.Finish();

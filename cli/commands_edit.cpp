@@ -187,6 +187,7 @@ void Rotate_Pages(const TEditPlan& plan, const QString& path, TDocument* documen
     TTerminalProgress progress(Tr("Rotating page %1 of %2"));
     for (const TPageEdit& edit : plan.rotations) {
         const std::vector<int> numbers = Numbers(edit.pages, path, *document);
+        Files::Check_Images(path, *document, numbers);
         int count = 0;
         for (const int number : numbers) {
             progress.Begin_Part(++count, static_cast<int>(numbers.size()));

@@ -38,6 +38,7 @@ void Commands::Export_Html(TCommandLine* line)
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Text);
     Files::Check_Is_No_Input(output.Path(), {input});
     const TDocument document = Files::Load_Pages(input);
+    Files::Check_Images(input, document, document.Page_Numbers());
     const TFindings findings = FindingsOptions::Load(*line, document);
     TWebPage page =
         WebPage::Of(document.data, document.appearance, findings, Files::Base_Name(input));

@@ -143,6 +143,7 @@ void Commands::Thumbnail(TCommandLine* line)
     Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {line->Argument()});
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Binary);
     TDocument document = Files::Load_Pages(line->Argument());
+    Files::Check_Images(line->Argument(), document, {1});
     QString problem;
     const TPageView view(&document, nullptr);
     const bool is_written = view.Exporter().Draw_Pages(

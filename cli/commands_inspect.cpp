@@ -1,13 +1,11 @@
-// Commands that show a document's content and its defects.
+// Command that shows a document's content.
 
 #include "cli/commandline.h"
 #include "cli/commands.h"
-#include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
-#include "core/xmlfile.h"
-#include "src/format/legacyfile.h"
+#include "src/model/imagecheck.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -19,20 +17,19 @@ namespace {
 struct TPageSummary
 {
     QString name;
-    QSize size; ///< of the image in pixels; (0, 0) when there is none
+    bool has_image;
+    QSize size; ///< of the image in pixels; (0, 0) if there is none or its header is damaged
     int labels;
 };
 
 std::vector<TPageSummary> Summaries(const TDocument& document)
 {
-    TTerminalProgress progress(Tr("Reading page %1 of %2"));
     std::vector<TPageSummary> summaries;
-    int number = 0;
     for (const TNamedPage& page : document.pages) {
-        progress.Begin_Part(++number, static_cast<int>(document.pages.size()));
         const TPageItem& content = document.Content(page);
-        summaries.push_back(
-            {page.name, content.image.size(), static_cast<int>(content.data_items.size())});
+        const QByteArray image = content.image.Source_Bytes();
+        summaries.push_back({page.name, !image.isEmpty(), ImageCheck::Size(image),
+                             static_cast<int>(content.data_items.size())});
     }
     return summaries;
 }
@@ -48,10 +45,9 @@ void Print_Text(const QString& path, const TAppearance& appearance,
     Terminal::Print(Tr("Pages: %1").arg(pages.size()));
     int number = 0;
     for (const TPageSummary& page : pages) {
-        const QString size =
-            page.size.isEmpty()
-                ? Tr("no image")
-                : QStringLiteral("%1 x %2").arg(page.size.width()).arg(page.size.height());
+        QString size = page.has_image ? Tr("damaged image") : Tr("no image");
+        if (!page.size.isEmpty())
+            size = QStringLiteral("%1 x %2").arg(page.size.width()).arg(page.size.height());
         // The name comes last and is appended, not substituted: it may contain "%1" or commas.
         Terminal::Print(Tr("%1: %2, labels: %3, ").arg(++number).arg(size).arg(page.labels) +
                         page.name);
@@ -82,24 +78,6 @@ void Print_Json(const QString& path, const TAppearance& appearance,
     Terminal::Print_Text(QJsonDocument(object).toJson());
 }
 
-/// Describes all defects of a document.
-QStringList Defects(const QString& path)
-{
-    QStringList defects;
-    if (LegacyFile::Is_Legacy(path)) {
-        try {
-            LegacyFile::Read(path);
-        } catch (const TXmlFileException& exception) {
-            defects += exception.Placed_Message();
-        }
-        return defects;
-    }
-    const TProjectSurvey survey = Files::Survey(path);
-    for (const TProjectDefect& defect : survey.defects)
-        defects += Files::Describe(defect);
-    return defects;
-}
-
 } // namespace
 
 void Commands::Info(TCommandLine* line)
@@ -113,31 +91,4 @@ void Commands::Info(TCommandLine* line)
     const std::vector<TPageSummary> pages = Summaries(document);
     const auto print = line->Is_Set(CommonOptions::Json) ? Print_Json : Print_Text;
     print(line->Argument(), document.appearance, pages);
-}
-
-void Commands::Check(TCommandLine* line)
-{
-    line->Add_Argument(QStringLiteral("FILE"), Tr("The documents."),
-                       TCommandLine::TCount::One_Or_More);
-    if (!line->Parse())
-        return;
-
-    bool is_sound = true;
-    const QStringList paths = line->Arguments();
-    for (const QString& path : paths) {
-        QStringList defects;
-        try {
-            defects = Defects(path);
-        } catch (const TJobError& error) {
-            // Continue with the other files.
-            defects += error.defect;
-        }
-        for (const QString& defect : std::as_const(defects))
-            Terminal::Print_Error(path, defect);
-        if (defects.isEmpty())
-            Terminal::Print_Report(Tr("%1: no defects").arg(path));
-        is_sound = is_sound && defects.isEmpty();
-    }
-    if (!is_sound)
-        throw TReportedError();
 }

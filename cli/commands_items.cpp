@@ -5,6 +5,7 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/findingsoptions.h"
+#include "cli/itemimport.h"
 #include "cli/output.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
@@ -12,53 +13,29 @@
 #include "src/format/csv.h"
 #include "src/format/itemtable.h"
 
-#include <QRegularExpression>
-
+#include <algorithm>
 #include <optional>
 
 namespace {
 
-/// Groups the labels of a table by page.
-/// @throws TCsvException for a page that the document does not have.
-std::vector<std::vector<TDataItem>> Labels_By_Page(const std::vector<TItemRow>& rows,
-                                                   std::size_t page_count)
-{
-    std::vector<std::vector<TDataItem>> labels(page_count);
-    for (const TItemRow& row : rows) {
-        if (row.page < 1 || static_cast<std::size_t>(row.page) > page_count)
-            throw TCsvException(Tr("there is no page %1").arg(row.page), row.place);
-        labels[static_cast<std::size_t>(row.page) - 1].push_back(row.item);
-    }
-    return labels;
-}
+const char* const replace_option = "replace";
+const char* const dry_run_option = "dry-run";
+const char* const any_place_option = "any-place";
 
-std::vector<std::vector<TDataItem>> Read_Labels(const QString& table, const TDocument& document)
+/// Brings the labels of a table into a document.
+/// @return what was done.
+QStringList Import(const TCommandLine& line, const QString& table, TDocument* document)
 {
+    const auto others =
+        line.Is_Set(replace_option) ? TItemImport::TOthers::Remove : TItemImport::TOthers::Keep;
     try {
-        const std::vector<TItemRow> rows =
-            ItemTable::Read(Files::Read(table), Csv::Comma, document.Page_Names());
-        return Labels_By_Page(rows, document.pages.size());
+        TItemImport import(ItemTable::Read(Files::Read(table), Csv::Comma, document->Page_Names()),
+                           others);
+        if (!line.Is_Set(any_place_option))
+            import.Check_Positions(*document);
+        return import.Apply(document);
     } catch (const TCsvException& exception) {
         throw TJobError{table, exception.Placed_Message()};
-    }
-}
-
-/// Replaces line breaks with blanks: a label has one line.
-QString In_One_Line(QString text)
-{
-    static const QRegularExpression line_break(QStringLiteral("\\r\\n|\\r|\\n"));
-    return text.replace(line_break, QStringLiteral(" "));
-}
-
-/// Adds labels to the active page under unused ids.
-void Add_Labels(const std::vector<TDataItem>& labels, TData* data)
-{
-    int next_id = 1;
-    for (TDataItem label : labels) {
-        label.text = In_One_Line(label.text);
-        do
-            label.id = next_id++;
-        while (!data->Add_Item(label));
     }
 }
 
@@ -103,21 +80,30 @@ void Commands::Import_Items(TCommandLine* line)
     line->Add_Argument(QStringLiteral("FILE"), Tr("The document."));
     line->Add_Option(CommonOptions::Csv, QStringLiteral("ITEMS.csv"),
                      Tr("The table to read (required)."), TCommandLine::TNeed::Required);
-    line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
-                            Tr("The project to write (required)."));
+    line->Add_Option(CommonOptions::Output, QStringLiteral("FILE"),
+                     Tr("The project to write (required without --dry-run)."));
+    line->Add_Flag(replace_option, Tr("Remove the labels that the table does not name by an id."));
+    line->Add_Flag(any_place_option, Tr("Accept positions that are far outside the images."));
+    line->Add_Flag(dry_run_option, Tr("Only print what would happen."));
+    line->Add_Force_Flag();
     if (!line->Parse())
         return;
 
+    const bool is_dry_run = line->Is_Set(dry_run_option);
     const QString table = line->Text(CommonOptions::Csv);
-    Files::Check_Is_No_Legacy_Input(line->Text(CommonOptions::Output), line->Argument());
-    Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {table});
-    const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
-    TDocument document = Files::Load(line->Argument());
-    const auto labels = Read_Labels(table, document);
-    for (std::size_t index = 0; index < labels.size(); ++index) {
-        document.data.Set_Active_Page(document.pages[index].page_id);
-        Add_Labels(labels[index], &document.data);
+    std::optional<TOutput> output;
+    if (!is_dry_run || line->Is_Set(CommonOptions::Output)) {
+        line->Require(CommonOptions::Output);
+        Files::Check_Is_No_Legacy_Input(line->Text(CommonOptions::Output), line->Argument());
+        Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {table});
+        output.emplace(*line, CommonOptions::Output, TOutput::TContent::Project);
     }
-    Files::Save(output.Path(), document);
-    output.Finish();
+    TDocument document = Files::Load(line->Argument());
+    const QStringList changes = Import(*line, table, &document);
+    if (is_dry_run) {
+        std::for_each(changes.cbegin(), changes.cend(), Terminal::Print);
+    } else {
+        Files::Save(output->Path(), document);
+        output->Finish();
+    }
 }

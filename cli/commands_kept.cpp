@@ -12,6 +12,9 @@
 #include "src/safety/safetynet.h"
 
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <algorithm>
 #include <limits>
@@ -22,7 +25,7 @@ const char* const copy_option = "copy";
 
 struct TListedFile
 {
-    QString kind;
+    const char* kind; ///< not translated
     TKeptFile file;
 };
 
@@ -32,13 +35,14 @@ std::vector<TListedFile> Listed_Files()
     const QString settings_folder = Files::Settings_Folder();
     const TKeptFolder recovery(TSafetyNet::Recovery_Folder(settings_folder));
     std::vector<TListedFile> files;
-    const auto add = [&files](const QString& kind, const std::vector<TKeptFile>& listed) {
+    const auto add = [&files](const char* kind, const std::vector<TKeptFile>& listed) {
         for (const TKeptFile& file : listed)
             files.push_back({kind, file});
     };
-    add(Tr("recovery"), recovery.List());
-    add(Tr("work log"), recovery.Abandoned_Logs());
-    add(Tr("backup"), TKeptFolder(TSafetyNet::Backup_Folder(settings_folder)).List());
+    add(QT_TRANSLATE_NOOP("QuilletCli", "recovery"), recovery.List());
+    add(QT_TRANSLATE_NOOP("QuilletCli", "work log"), recovery.Abandoned_Logs());
+    add(QT_TRANSLATE_NOOP("QuilletCli", "backup"),
+        TKeptFolder(TSafetyNet::Backup_Folder(settings_folder)).List());
     std::stable_sort(files.begin(), files.end(),
                      [](const TListedFile& first, const TListedFile& second) {
                          return first.file.time > second.file.time;
@@ -57,13 +61,30 @@ void Print_List(const std::vector<TListedFile>& files)
         Terminal::Print(
             Tr("%1: %2, %3, %4 bytes, ")
                 .arg(++number)
-                .arg(listed.kind, file.time.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")))
+                .arg(Tr(listed.kind), file.time.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")))
                 .arg(file.size) +
             (file.missing_images > 0 ? Tr("missing images: %1, ").arg(file.missing_images)
                                      : QString()) +
             (file.Is_Document_Changed() ? Tr("document changed since, ") : QString()) +
             (file.document.isEmpty() ? Tr("never saved") : file.document));
     }
+}
+
+void Print_Json(const std::vector<TListedFile>& files)
+{
+    QJsonArray list;
+    for (const TListedFile& listed : files) {
+        const TKeptFile& file = listed.file;
+        list.append(QJsonObject{{QStringLiteral("number"), list.size() + 1},
+                                {QStringLiteral("kind"), QLatin1String(listed.kind)},
+                                {QStringLiteral("path"), file.path},
+                                {QStringLiteral("time"), file.time.toString(Qt::ISODate)},
+                                {QStringLiteral("bytes"), file.size},
+                                {QStringLiteral("missing_images"), file.missing_images},
+                                {QStringLiteral("document_changed"), file.Is_Document_Changed()},
+                                {QStringLiteral("document"), file.document}});
+    }
+    Terminal::Print_Text(QJsonDocument(list).toJson());
 }
 
 void Copy_Kept_File(const TKeptFile& file, const QString& output)
@@ -89,15 +110,18 @@ void Commands::Kept(TCommandLine* line)
                      Tr("Copy number N of the list to the file given by --output."));
     line->Add_Option(CommonOptions::Output, QStringLiteral("FILE"), Tr("The file to write."));
     line->Add_Force_Flag();
+    line->Add_Flag(CommonOptions::Json, Tr("Print the list as JSON."));
     if (!line->Parse())
         return;
 
     const bool is_copy = line->Is_Set(copy_option);
     if (is_copy != line->Is_Set(CommonOptions::Output))
         throw TUsageError{Tr("Options 'copy' and 'output' must be used together.")};
+    line->Exclude(copy_option, CommonOptions::Json);
     const std::vector<TListedFile> files = Listed_Files();
     if (!is_copy) {
-        Print_List(files);
+        const auto print = line->Is_Set(CommonOptions::Json) ? Print_Json : Print_List;
+        print(files);
         return;
     }
     const int number = line->Number(copy_option, 1, std::numeric_limits<int>::max());

@@ -8,16 +8,33 @@
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "src/format/legacyfile.h"
+#include "src/model/imagecheck.h"
 
 #include <algorithm>
 
 namespace {
 
-/// Returns the image, or a null image if it cannot be decoded: undecodable bytes would be a defect
-/// of the new file.
-TPageImage Sound_Image(const TPageImage& image)
+/// Replaces damaged images by what can be decoded of them.
+/// @return a message about each.
+QStringList Repair_Images(std::vector<TSurveyedPage>* pages)
 {
-    return image.isNull() ? TPageImage() : image;
+    QStringList messages;
+    int number = 0;
+    for (TSurveyedPage& page : *pages) {
+        ++number;
+        if (page.is_image_whole)
+            continue;
+        const ImageCheck::TRest rest = ImageCheck::Rest(page.image.Source_Bytes());
+        page.image = rest.image;
+        if (rest.image.isNull())
+            messages += Tr("page %1: the image is lost").arg(number);
+        else if (rest.lost_rows > 0)
+            messages += Tr("page %1: %2 of %3 rows of the image are incomplete")
+                            .arg(number)
+                            .arg(rest.lost_rows)
+                            .arg(rest.rows);
+    }
+    return messages;
 }
 
 } // namespace
@@ -44,13 +61,14 @@ void Commands::Recover(TCommandLine* line)
     TProjectSurvey survey = Files::Survey(path);
     if (survey.pages.empty() && !survey.defects.empty())
         throw TJobError{path, Files::Describe(survey.defects.front())};
-    for (TSurveyedPage& page : survey.pages)
-        page.image = Sound_Image(page.image);
+    const QStringList losses = Repair_Images(&survey.pages);
     Files::Save(output.Path(), TDocument(survey));
     output.Finish();
 
     for (const TProjectDefect& defect : std::as_const(survey.defects))
         Terminal::Print_Report(Tr("%1: damaged, %2").arg(path, Files::Describe(defect)));
+    for (const QString& loss : losses)
+        Terminal::Print_Report(path + QStringLiteral(": ") + loss);
     std::size_t label_count = 0;
     int undamaged_count = 0;
     for (const TSurveyedPage& page : std::as_const(survey.pages)) {

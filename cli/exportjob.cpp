@@ -105,9 +105,12 @@ TExportInput TExportJob::Load(const QString& path) const
     if (last_page > page_count)
         throw TJobError{path, Tr("there is no page %1").arg(last_page)};
     const std::vector<TPageRange> all{{1, page_count}};
+    std::vector<int> numbers;
     for (const int number : PageRanges::Numbers(d_ranges.empty() ? all : d_ranges)) {
         const TNamedPage& page = input.document.pages[static_cast<std::size_t>(number) - 1];
         input.pages.push_back({number, page.page_id, page.name});
+        numbers.push_back(number);
     }
+    Files::Check_Images(path, input.document, numbers);
     return input;
 }

@@ -7,7 +7,9 @@
 #include "core/samefile.h"
 #include "core/xmlfile.h"
 #include "src/format/legacyfile.h"
+#include "src/format/pagetexts.h"
 #include "src/format/projectfile.h"
+#include "src/model/imagecheck.h"
 #include "src/safety/logconversion.h"
 #include "src/safety/logreader.h"
 #include "src/safety/safetynet.h"
@@ -27,11 +29,22 @@ namespace {
     Files::Throw_Read_Error(path, Tr("it is larger than 2 GiB"));
 }
 
+/// A defect with the command that helps.
+QString With_Advice(const QString& defect)
+{
+    return defect + Tr("; 'quillet-cli recover' saves what can be read");
+}
+
 TDocument Load_Project(const QString& path)
 {
     const TProjectSurvey survey = ProjectSurvey::Survey(Files::Read(path));
-    if (!survey.defects.empty())
-        throw TJobError{path, Files::Describe(survey.defects.front())};
+    for (const TProjectDefect& defect : survey.defects) {
+        const QString description = Files::Describe(defect);
+        if (defect.is_harmless)
+            Terminal::Print_Warning(path, description);
+        else
+            throw TJobError{path, survey.pages.empty() ? description : With_Advice(description)};
+    }
     return TDocument(survey);
 }
 
@@ -75,6 +88,26 @@ bool Is_Input(const QString& path, const QString& input)
     return Is_Same_File(path, input) ||
            (LegacyFile::Is_Legacy(input) &&
             Is_Same_File(path, LegacyFile::Image_Path(LegacyFile::Base_Name(input))));
+}
+
+/// Prints a warning for each text whose characters a project cannot store.
+void Warn_Of_Lost_Characters(const QString& path, const TDocument& document)
+{
+    const auto warn = [&path](const QString& where) {
+        Terminal::Print_Warning(path,
+                                where + Tr("characters that a project cannot store are lost"));
+    };
+    int number = 0;
+    for (const TNamedPage& page : document.pages) {
+        ++number;
+        if (!PageTexts::Is_Storable(page.name))
+            warn(Tr("name of page %1: ").arg(number));
+    }
+    const bool has_pages = !document.pages.empty();
+    for (const QString& header : {document.appearance.header_1, document.appearance.header_2}) {
+        if (!(has_pages ? PageTexts::Is_Storable(header) : PageTexts::Is_Latin1(header)))
+            warn(Tr("header lines: "));
+    }
 }
 
 } // namespace
@@ -122,17 +155,38 @@ QString Files::Base_Name(const QString& path)
 TProjectSurvey Files::Survey(const QString& path)
 {
     TTerminalProgress progress(Tr("Checking page %1 of %2"));
-    return ProjectSurvey::Survey(Read(path), ProjectSurvey::TImages::Decode, progress.Report());
+    return ProjectSurvey::Survey(Read(path), ProjectSurvey::TImages::Check, progress.Report());
 }
 
 TDocument Files::Load(const QString& path)
 {
     if (!LegacyFile::Is_Legacy(path))
         return Load_Project(path);
+    const QString image = LegacyFile::Image_Path(LegacyFile::Base_Name(path));
+    if (QFileInfo::exists(image)) {
+        const QString fault = ImageCheck::Fault(Read(image));
+        if (!fault.isEmpty())
+            throw TJobError{image, fault};
+    }
     try {
         return TDocument(LegacyFile::Read(path));
     } catch (const TXmlFileException& exception) {
         throw TJobError{path, exception.Placed_Message()};
+    }
+}
+
+void Files::Check_Images(const QString& path, const TDocument& document,
+                         const std::vector<int>& numbers)
+{
+    TTerminalProgress progress(Tr("Checking page %1 of %2"));
+    int step = 0;
+    for (const int number : numbers) {
+        progress.Begin_Part(++step, static_cast<int>(numbers.size()));
+        const TNamedPage& page = document.pages[static_cast<std::size_t>(number) - 1];
+        const QByteArray image = document.Content(page).image.Source_Bytes();
+        const QString fault = image.isEmpty() ? QString() : ImageCheck::Fault(image);
+        if (!fault.isEmpty())
+            throw TJobError{path, With_Advice(Tr("page %1: ").arg(number) + fault)};
     }
 }
 
@@ -217,6 +271,7 @@ void Files::Check_Size(const QString& path, qint64 size)
 
 void Files::Save(const QString& path, const TDocument& document)
 {
+    Warn_Of_Lost_Characters(path, document);
     TTerminalProgress progress(Tr("Saving page %1 of %2"));
     TProjectWriter project;
     const QString fault = ProjectFile::Write(document.appearance, document.pages, document.data,

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 /// File access for the commands. Every failure throws a TJobError that names the file.
 namespace Files {
 
@@ -22,7 +24,7 @@ void Check_Input(const QString& path);
 /// Reads a whole file, a pipe, or standard input.
 QByteArray Read(const QString& path);
 
-/// Reads a project file with all its defects, and decodes its images.
+/// Reads a project file with all its defects, and checks its images.
 TProjectSurvey Survey(const QString& path);
 
 /// A file's name without folder and last suffix; "stdin" for standard input.
@@ -33,6 +35,10 @@ TDocument Load(const QString& path);
 
 /// Loads a document. Rejects one without pages.
 TDocument Load_Pages(const QString& path);
+
+/// Checks that the images of pages can be decoded to their ends.
+/// @param numbers  of the pages, from 1.
+void Check_Images(const QString& path, const TDocument& document, const std::vector<int>& numbers);
 
 /// Checks that files can be written to a folder.
 void Check_Folder(const QString& path);

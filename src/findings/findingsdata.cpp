@@ -15,7 +15,8 @@ QJsonObject Label_Object(const TFinding& finding, const QStringList& headings)
     QJsonObject cells;
     for (int column = 0; column < finding.cells.size(); ++column)
         cells.insert(headings.at(column), finding.cells.at(column));
-    return {{QStringLiteral("value"), label.value},
+    return {{QStringLiteral("id"), label.id},
+            {QStringLiteral("value"), label.value},
             {QStringLiteral("text"), label.text},
             {QStringLiteral("border"), ItemTable::Border_Text(label.border_type)},
             {QStringLiteral("x"), label.position.x()},

@@ -4,6 +4,7 @@
 #include "src/model/pageturn.h"
 
 #include <cassert>
+#include <numeric>
 
 TDocument::TDocument(const TFileContent& content)
 {
@@ -47,6 +48,13 @@ QStringList TDocument::Page_Names() const
     for (const TNamedPage& page : pages)
         names.append(page.name);
     return names;
+}
+
+std::vector<int> TDocument::Page_Numbers() const
+{
+    std::vector<int> numbers(pages.size());
+    std::iota(numbers.begin(), numbers.end(), 1);
+    return numbers;
 }
 
 int TDocument::Add_Page(const QString& name, const TPageImage& image)
@@ -100,6 +108,17 @@ bool TDocument::Turn_Page(int number, int right_angles)
     }
     data.Replace_Content(page.page_id, page.image, std::move(page.data_items));
     return true;
+}
+
+bool Can_Number_Pages(const QList<int>& page_ids, int first_value, int method, const TData& data)
+{
+    TNumbering numbering(first_value, method);
+    for (const int page_id : page_ids) {
+        for (std::size_t label = 0; label < data.Page(page_id).data_items.size(); ++label)
+            numbering.Take();
+        numbering.Break_Page();
+    }
+    return !numbering.Has_Overflowed();
 }
 
 int Number_Pages(const QList<int>& page_ids, int first_value, int method, TData* data)

@@ -33,6 +33,8 @@ struct TDocument
     QList<int> Page_Ids() const;
     /// Names of the pages, in order.
     QStringList Page_Names() const;
+    /// Numbers of the pages, from 1.
+    std::vector<int> Page_Numbers() const;
     /// Appends a page and returns its id. Does not change the active page.
     int Add_Page(const QString& name, const TPageImage& image);
     /// Appends a page with its labels. Does not change the active page.
@@ -47,6 +49,9 @@ struct TDocument
     /// @param right_angles  clockwise, from 1 to 3.
     bool Turn_Page(int number, int right_angles);
 };
+
+/// Whether all numbers that Number_Pages would give fit into a label's value.
+bool Can_Number_Pages(const QList<int>& page_ids, int first_value, int method, const TData& data);
 
 /// Numbers the labels of pages consecutively.
 /// @param method  one of TNumbering::TMethod.

@@ -2,6 +2,7 @@
 
 #include "src/format/document.h"
 #include "src/format/itemtable.h"
+#include "src/model/imagecheck.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -121,6 +122,14 @@ qint64 Different_Pixels(const QImage& left, const QImage& right)
     return count;
 }
 
+/// The pixels of an image, or those before its first defect.
+QImage Readable_Pixels(const TPageImage& image)
+{
+    const QByteArray bytes = image.Source_Bytes();
+    return bytes.isEmpty() || ImageCheck::Fault(bytes).isEmpty() ? image
+                                                                 : ImageCheck::Rest(bytes).image;
+}
+
 QString Size_Text(const QImage& image)
 {
     return image.isNull() ? QCoreApplication::translate("DocumentDiff", "no image")
@@ -220,8 +229,8 @@ void TComparison::Compare_Images(const TPageImage& left, const TPageImage& right
 {
     if (left.Is_Same(right))
         return;
-    const QImage left_image = left;
-    const QImage right_image = right;
+    const QImage left_image = Readable_Pixels(left);
+    const QImage right_image = Readable_Pixels(right);
     if (left_image.size() != right_image.size()) {
         Compare_Values("image", Size_Text(left_image), Size_Text(right_image));
         return;

@@ -78,9 +78,10 @@ private:
         d_offset = offset;
     }
     /// Reports a defect of the current label.
-    void Report(const QString& what)
+    void Report(const QString& what, bool is_harmless = false)
     {
-        d_survey.defects.push_back({d_offset, tr("label %1: %2").arg(d_number).arg(what)});
+        d_survey.defects.push_back(
+            {d_offset, tr("label %1: %2").arg(d_number).arg(what), 0, is_harmless});
     }
 
     const QByteArray d_document;
@@ -210,7 +211,7 @@ void TItemSurveyor::Check_Texts(const TXmlFile& xml_file, const QDomElement& nod
     }
     const int border = ItemXml::Read_Integer(xml_file, node, ItemXml::Border_Name);
     if (!Is_Border_Type(border))
-        Report(tr("unknown border code %1").arg(border));
+        Report(tr("unknown border code %1").arg(border), true);
     const QString position = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name, true);
     const QStringList parts = position.split(QLatin1Char(','));
     if (!std::all_of(parts.cbegin(), parts.cend(), Is_Finite_Number))

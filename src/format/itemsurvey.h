@@ -8,11 +8,13 @@
 
 #include <vector>
 
-/// Something in a file that a reader would drop, change or refuse.
+/// Something in a file that a reader would drop, change, refuse or ignore.
 struct TProjectDefect
 {
     qint64 offset = 0; ///< in bytes, from the beginning of the surveyed data
     QString what;
+    int page = 0;             ///< number of the page from 1; 0 if it concerns the whole file
+    bool is_harmless = false; ///< whether the meaning is clear in spite of it
 };
 
 /// Everything that can be read of a label document, and all its defects.

@@ -11,7 +11,7 @@
 
 namespace {
 
-enum TColumn { Page, Value, Text, Border, X, Y };
+enum TColumn { Page, Value, Text, Border, X, Y, Id };
 
 struct TColumnName
 {
@@ -20,12 +20,13 @@ struct TColumnName
 };
 
 /// In the order of TColumn. Columns are written in this order.
-constexpr std::array<TColumnName, 6> columns{{{"page", true},
+constexpr std::array<TColumnName, 7> columns{{{"page", true},
                                               {"value", true},
                                               {"text", false},
                                               {"border", false},
                                               {"x", true},
-                                              {"y", true}}};
+                                              {"y", true},
+                                              {"id", false}}};
 
 /// The code of a border, which is given as a word or a code.
 std::optional<int> Border_Code(const QString& text)
@@ -61,7 +62,7 @@ class TRowReader
 
 public:
     /// @throws TCsvException if a required column is missing or a column is repeated.
-    TRowReader(const TCsvRecord& header, const QStringList& page_names);
+    TRowReader(const TCsvRecord& header, const QStringList& page_names, ItemTable::TIds ids);
 
     TItemRow Row(const TCsvRecord& record) const;
 
@@ -72,13 +73,15 @@ private:
     int Border_Type(const TCsvRecord& record) const;
     [[noreturn]] void Refuse(const TCsvRecord& record, TColumn column) const;
 
+    ItemTable::TIds d_ids;
     int d_field_count = 0;
     QStringList d_page_names;
     std::array<int, columns.size()> d_indexes{}; ///< of the columns in a record; -1 if missing
 };
 
-TRowReader::TRowReader(const TCsvRecord& header, const QStringList& page_names)
-    : d_field_count(header.fields.size())
+TRowReader::TRowReader(const TCsvRecord& header, const QStringList& page_names, ItemTable::TIds ids)
+    : d_ids(ids)
+    , d_field_count(header.fields.size())
     , d_page_names(page_names)
 {
     QStringList names;
@@ -110,6 +113,11 @@ TItemRow TRowReader::Row(const TCsvRecord& record) const
     row.item.text = Field(record, Text);
     row.item.border_type = Border_Type(record);
     row.item.position = {Coordinate(record, X), Coordinate(record, Y)};
+    row.has_text = d_indexes[Text] >= 0;
+    row.has_border = d_indexes[Border] >= 0;
+    row.has_id = d_ids == ItemTable::TIds::Read && !Field(record, Id).trimmed().isEmpty();
+    if (row.has_id)
+        row.item.id = Integer(record, Id);
     row.place = record.Place(d_indexes[Page]);
     return row;
 }
@@ -157,7 +165,8 @@ void TRowReader::Refuse(const TCsvRecord& record, TColumn column) const
          QT_TR_NOOP("\"%1\" is not a value: expected a whole number"), "",
          QT_TR_NOOP("\"%1\" is not a border: expected one of: "),
          QT_TR_NOOP("\"%1\" is not an x coordinate: expected a number such as 12.5"),
-         QT_TR_NOOP("\"%1\" is not a y coordinate: expected a number such as 12.5")}};
+         QT_TR_NOOP("\"%1\" is not a y coordinate: expected a number such as 12.5"),
+         QT_TR_NOOP("\"%1\" is not an id: expected a whole number")}};
     QString message = tr(kinds[column]).arg(Field(record, column));
     if (column == Border)
         message += Border_Words();
@@ -183,6 +192,14 @@ QString ItemTable::Border_Text(int code)
                                             : QString::fromLatin1(found->name);
 }
 
+QString ItemTable::Position_Text(const QPointF& position)
+{
+    constexpr char without_exponent = 'f';
+    return QString::number(position.x(), without_exponent, QLocale::FloatingPointShortest) +
+           QLatin1Char(',') +
+           QString::number(position.y(), without_exponent, QLocale::FloatingPointShortest);
+}
+
 QByteArray ItemTable::Write(const std::vector<TItemRow>& rows, const QStringList& headings,
                             QChar separator)
 {
@@ -194,7 +211,8 @@ QByteArray ItemTable::Write(const std::vector<TItemRow>& rows, const QStringList
                                  item.text,
                                  Border_Text(item.border_type),
                                  Coordinate_Text(item.position.x()),
-                                 Coordinate_Text(item.position.y())};
+                                 Coordinate_Text(item.position.y()),
+                                 QString::number(item.id)};
         table += Csv::Line(fields + row.cells, separator);
     }
     return table.toUtf8();
@@ -211,10 +229,10 @@ std::optional<int> ItemTable::Page_Number(const QString& field, const QStringLis
 }
 
 std::vector<TItemRow> ItemTable::Read(const QByteArray& table, QChar separator,
-                                      const QStringList& page_names)
+                                      const QStringList& page_names, TIds ids)
 {
     const std::vector<TCsvRecord> records = Csv::Read(table, separator);
-    const TRowReader reader(records.front(), page_names);
+    const TRowReader reader(records.front(), page_names, ids);
     std::vector<TItemRow> rows;
     std::transform(std::next(records.cbegin()), records.cend(), std::back_inserter(rows),
                    [&reader](const TCsvRecord& record) { return reader.Row(record); });

@@ -37,7 +37,8 @@ std::vector<TDataItem> LabelClipboard::Paste(const QMimeData& data)
 {
     const QByteArray table = data.hasFormat(csv_type) ? data.data(csv_type) : data.text().toUtf8();
     std::vector<TDataItem> items;
-    for (const TItemRow& row : ItemTable::Read(table, Separator(table)))
+    for (const TItemRow& row :
+         ItemTable::Read(table, Separator(table), {}, ItemTable::TIds::Ignore))
         items.push_back(row.item);
     return items;
 }

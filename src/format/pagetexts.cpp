@@ -41,6 +41,11 @@ bool PageTexts::Is_Latin1(const QString& text)
     return QString::fromLatin1(text.toLatin1()) == text;
 }
 
+bool PageTexts::Is_Storable(const QString& text)
+{
+    return Is_Latin1(text) || XmlGuard::Is_Text(text);
+}
+
 QByteArray PageTexts::Attributes(const TPageTexts& texts)
 {
     QByteArray written;

@@ -19,6 +19,9 @@ namespace PageTexts {
 /// Whether Latin-1 has all characters of a text.
 bool Is_Latin1(const QString& text);
 
+/// Whether a file with a page can store all characters of a text.
+bool Is_Storable(const QString& text);
+
 /// Returns the attributes of a root element for the texts that Latin-1 cannot represent, each after
 /// a blank. Omits texts that XML cannot represent.
 QByteArray Attributes(const TPageTexts& texts);

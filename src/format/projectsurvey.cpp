@@ -2,11 +2,13 @@
 
 #include "src/format/projectlayout.h"
 #include "src/format/recordfinder.h"
+#include "src/model/imagecheck.h"
 
 #include <QColor>
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 
 namespace {
@@ -52,7 +54,7 @@ private:
     bool Check_Length(const QString& what, qint64 offset, const std::optional<TFileField>& field);
     void Check_Record(const TPageRecord& record);
     QString Text(const QString& what, const TFileField& field);
-    TPageImage Image(const TFileField& field);
+    void Read_Image(const TFileField& field, TSurveyedPage* page);
     void Read_Items(const TFileField& field, TSurveyedPage* page);
 
     QByteArray Content(const TFileField& field) const
@@ -60,9 +62,10 @@ private:
         return d_bytes.mid(static_cast<int>(field.begin), static_cast<int>(field.length));
     }
     /// Reports a defect.
-    void Report(qint64 offset, const QString& what)
+    void Report(qint64 offset, const QString& what, bool is_harmless = false)
     {
-        d_survey.defects.push_back({offset, d_prefix + what});
+        const QString prefix = d_page == 0 ? QString() : tr("page %1: ").arg(d_page);
+        d_survey.defects.push_back({offset, prefix + what, d_page, is_harmless});
     }
 
     const QByteArray d_bytes;
@@ -70,7 +73,7 @@ private:
     const TProgressReport d_report;
     const TRecordFinder d_finder;
     TProjectSurvey d_survey;
-    QString d_prefix; ///< for messages about the current page
+    int d_page = 0; ///< number of the current page from 1; 0 outside of the pages
     std::optional<int> d_page_count;
     qint64 d_count_offset = 0;
     int d_record_count = 0;
@@ -112,10 +115,12 @@ bool TSurveyor::Read_Header()
     int* const label_size = &d_survey.appearance.label_size;
     *label_size = qBound(TAppearance::Smallest_Label, size, TAppearance::Largest_Label);
     if (*label_size != size)
-        Report(size_offset, tr("the label size %1 is not between %2 and %3")
-                                .arg(size)
-                                .arg(TAppearance::Smallest_Label)
-                                .arg(TAppearance::Largest_Label));
+        Report(size_offset,
+               tr("the label size %1 is not between %2 and %3")
+                   .arg(size)
+                   .arg(TAppearance::Smallest_Label)
+                   .arg(TAppearance::Largest_Label),
+               true);
     qint64 offset = color_offset;
     return Read_Color(&offset) &&
            Read_Header_Line(tr("header line 1"), &d_survey.appearance.header_1, &offset) &&
@@ -197,10 +202,10 @@ void TSurveyor::Read_Pages(bool begin_is_sure)
 
 void TSurveyor::Read_Record(const TPageRecord& record)
 {
-    d_prefix = tr("page %1: ").arg(++d_record_count);
+    d_page = ++d_record_count;
     if (d_report)
         d_report(d_record_count, qMax(d_record_count, d_page_count.value_or(0)));
-    const auto defect_count = d_survey.defects.size();
+    const auto defect_count = static_cast<std::ptrdiff_t>(d_survey.defects.size());
     Check_Record(record);
     if (!record.name && !record.image && !record.items)
         return;
@@ -208,10 +213,11 @@ void TSurveyor::Read_Record(const TPageRecord& record)
     if (record.name)
         page.name = Text(tr("the name"), *record.name);
     if (record.image)
-        page.image = Image(*record.image);
+        Read_Image(*record.image, &page);
     if (record.items)
         Read_Items(*record.items, &page);
-    page.is_whole = d_survey.defects.size() == defect_count;
+    page.is_whole = std::all_of(d_survey.defects.cbegin() + defect_count, d_survey.defects.cend(),
+                                [](const TProjectDefect& defect) { return defect.is_harmless; });
     d_survey.pages.push_back(page);
 }
 
@@ -258,7 +264,7 @@ bool TSurveyor::Check_Length(const QString& what, qint64 offset,
 
 void TSurveyor::Check_Page_Count()
 {
-    d_prefix.clear();
+    d_page = 0;
     if (!d_page_count)
         return;
     const int count = *d_page_count;
@@ -269,7 +275,8 @@ void TSurveyor::Check_Page_Count()
         Report(d_count_offset,
                tr("the page count is %1, but there are %2 pages").arg(count).arg(d_record_count));
     if (d_position < d_finder.Size())
-        Report(d_position, tr("%1 bytes follow the last page").arg(d_finder.Size() - d_position));
+        Report(d_position, tr("%1 bytes follow the last page").arg(d_finder.Size() - d_position),
+               true);
 }
 
 /// The text of a field, cut at its first zero byte as by TProjectReader.
@@ -283,14 +290,17 @@ QString TSurveyor::Text(const QString& what, const TFileField& field)
     return QString::fromLatin1(content.left(zero));
 }
 
-TPageImage TSurveyor::Image(const TFileField& field)
+void TSurveyor::Read_Image(const TFileField& field, TSurveyedPage* page)
 {
-    TPageImage image = TPageImage::From_Part(d_bytes, static_cast<int>(field.begin),
-                                             static_cast<int>(field.length));
+    page->image = TPageImage::From_Part(d_bytes, static_cast<int>(field.begin),
+                                        static_cast<int>(field.length));
     // A page without an image is written with a length of 0.
-    if (field.length > 0 && d_images == ProjectSurvey::TImages::Decode && image.isNull())
-        Report(field.begin, tr("the image cannot be decoded"));
-    return image;
+    if (field.length == 0 || d_images == ProjectSurvey::TImages::Leave_Alone)
+        return;
+    const QString fault = ImageCheck::Fault(page->image.Source_Bytes());
+    page->is_image_whole = fault.isEmpty();
+    if (!fault.isEmpty())
+        Report(field.begin, fault);
 }
 
 void TSurveyor::Read_Items(const TFileField& field, TSurveyedPage* page)
@@ -303,7 +313,7 @@ void TSurveyor::Read_Items(const TFileField& field, TSurveyedPage* page)
         PageTexts::Restore(found.texts.header_2, &d_survey.appearance.header_2);
     }
     for (const TProjectDefect& defect : found.defects)
-        Report(field.begin + defect.offset, defect.what);
+        Report(field.begin + defect.offset, defect.what, defect.is_harmless);
 }
 
 } // namespace

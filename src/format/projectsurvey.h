@@ -13,7 +13,8 @@
 /// A page of a project file, as far as it can be read.
 struct TSurveyedPage : TFilePage
 {
-    bool is_whole = true; ///< false when the page has a defect
+    bool is_whole = true;       ///< false when the page has a defect
+    bool is_image_whole = true; ///< false when the image was checked and is damaged
 };
 
 /// Everything that can be read of a project file, and all its defects.
@@ -36,7 +37,7 @@ struct TProjectSurvey
 namespace ProjectSurvey {
 
 enum class TImages {
-    Decode,     ///< decode every image; an undecodable one is a defect
+    Check,      ///< decode every image; one that cannot be decoded to its end is a defect
     Leave_Alone ///< do not look at images
 };
 

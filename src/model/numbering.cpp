@@ -1,7 +1,5 @@
 #include "src/model/numbering.h"
 
-#include <cstdint>
-
 namespace {
 
 /// The number of which each page start is a multiple; 0 to continue counting.
@@ -42,7 +40,8 @@ int TNumbering::After(int value)
 int TNumbering::Take()
 {
     const int value = d_next;
-    d_next = After(value);
+    d_has_overflowed = d_has_overflowed || d_is_wrapped;
+    Set_Next(std::int64_t{value} + 1);
     return value;
 }
 
@@ -50,5 +49,11 @@ void TNumbering::Break_Page()
 {
     if (d_multiple == 0)
         return;
-    d_next = Wrapped((std::int64_t{d_next} / d_multiple + 1) * d_multiple);
+    Set_Next((std::int64_t{d_next} / d_multiple + 1) * d_multiple);
+}
+
+void TNumbering::Set_Next(std::int64_t next)
+{
+    d_next = Wrapped(next);
+    d_is_wrapped = d_is_wrapped || d_next != next;
 }

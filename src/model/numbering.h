@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 /// Assigns consecutive values to labels, across one or more pages.
 ///
 /// Values wrap around at the limits of a 32-bit integer.
@@ -22,6 +24,9 @@ public:
     /// starts above x even if x is a multiple, and a page without labels also advances the value.
     void Break_Page();
 
+    /// Whether a value that Take returned has wrapped around.
+    bool Has_Overflowed() const { return d_has_overflowed; }
+
     /// The value that Take will return.
     int Next() const { return d_next; }
 
@@ -29,6 +34,10 @@ public:
     static int After(int value);
 
 private:
+    void Set_Next(std::int64_t next);
+
     int d_next;
-    int d_multiple; ///< pages start at multiples of this; 0 to continue counting
+    int d_multiple;            ///< pages start at multiples of this; 0 to continue counting
+    bool d_is_wrapped = false; ///< whether d_next has wrapped around
+    bool d_has_overflowed = false;
 };

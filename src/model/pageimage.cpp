@@ -240,6 +240,11 @@ TPageImage TPageImage::Picture(int index) const
     return content->Pixels().isNull() ? TPageImage() : TPageImage(std::move(content));
 }
 
+bool TPageImage::Is_Too_Large(const QSize& size)
+{
+    return ::Is_Too_Large(size.width(), size.height());
+}
+
 TPageImage::operator QImage() const
 {
     return d_content ? d_content->Pixels() : QImage();

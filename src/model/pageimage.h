@@ -170,6 +170,7 @@ public:
 
     /// Images whose header declares more pixels than this count as undecodable.
     static constexpr qint64 Maximum_Pixels = 500'000'000;
+    static bool Is_Too_Large(const QSize& size);
 
 private:
     QImage Decoded() const { return *this; }

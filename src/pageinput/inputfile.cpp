@@ -1,5 +1,6 @@
 #include "src/pageinput/inputfile.h"
 
+#include "src/model/imagecheck.h"
 #include "src/model/imagefiles.h"
 
 #include <QCoreApplication>
@@ -82,6 +83,9 @@ TInputPage TInputFile::Read_Image(int index)
     const bool is_only_page = d_page_count == 1;
     const QString name =
         is_only_page ? QFileInfo(d_path).completeBaseName() : Numbered_Name(d_path, index + 1);
+    const QString damage = index == 0 && d_options.needs_whole_images ? Damage() : QString();
+    if (!damage.isEmpty())
+        return {std::nullopt, name, damage};
     if (index == 0)
         d_first_picture = TPageImage::From_File(d_path, QByteArray(), d_options.orientation);
     const TPageImage image = d_first_picture.Picture(index);
@@ -89,6 +93,17 @@ TInputPage TInputFile::Read_Image(int index)
         return {image, name, QString()};
     return {std::nullopt, name,
             is_only_page ? Image_Fault() : About_Page(index + 1, Image_Fault())};
+}
+
+/// Why the file cannot be decoded to its end; empty if it can.
+QString TInputFile::Damage() const
+{
+    QFile file(d_path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Image_Fault();
+    const QByteArray bytes = file.readAll();
+    const QString fault = ImageCheck::Fault(bytes);
+    return fault.isEmpty() || !ImageCheck::Size(bytes).isEmpty() ? fault : Image_Fault();
 }
 
 QString TInputFile::Image_Fault() const

@@ -15,6 +15,7 @@ struct TInputOptions
     TPageImage::TOrientation orientation = TPageImage::TOrientation::Upright;
     int resolution = TPdfFile::Default_Resolution; ///< of pages of a PDF, in dots per inch
     std::vector<TPageRange> pdf_pages;             ///< of each PDF; all if empty
+    bool needs_whole_images = false;               ///< refuse damaged images
 };
 
 /// A page read from a file.
@@ -48,6 +49,7 @@ private:
     QString Open_Pdf();
     TInputPage Read_Pdf(int index) const;
     TInputPage Read_Image(int index);
+    QString Damage() const;
     QString Image_Fault() const;
 
     QString d_path;

@@ -87,8 +87,8 @@ private slots:
         Write("a.quillet", Project({Label(7, "x")}));
         Write("t.csv", "page,value,Finding\n1,7,\"a\nb\"\n");
         Do({"export-items", "a.quillet", "--csv", "out.csv", "--findings", "t.csv"});
-        QCOMPARE(Content("out.csv"), QByteArray("page,value,text,border,x,y,Finding\r\n"
-                                                "1,7,x,ellipse,20,20,\"a\nb\"\r\n"));
+        QCOMPARE(Content("out.csv"), QByteArray("page,value,text,border,x,y,id,Finding\r\n"
+                                                "1,7,x,ellipse,20,20,1007,\"a\nb\"\r\n"));
         // The exported table can be used as input.
         Do({"export-items", "a.quillet", "--csv", "again.csv", "--findings", "out.csv"});
         QCOMPARE(Content("again.csv"), Content("out.csv"));
@@ -103,7 +103,7 @@ private slots:
         for (const char* const document : {"b.quillet", "c.quillet"}) {
             Do({"export-items", document, "--findings", "t.csv", "--strict", "--csv", "out.csv",
                 "--force"});
-            QVERIFY(Content("out.csv").contains(",7,,ellipse,20,20,crack\r\n"));
+            QVERIFY(Content("out.csv").contains(",7,,ellipse,20,20,1007,crack\r\n"));
             Do({"import-items", document, "--csv", "t.csv", "-fo", "out.quillet"});
             QCOMPARE(Support::Run_Tool({"pages", d_folder->filePath("out.quillet")})
                          .output.contains("labels: 2, South"),

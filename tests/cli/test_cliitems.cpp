@@ -19,6 +19,7 @@ using Support::TToolResult;
 namespace {
 
 const QByteArray head = "page,value,text,border,x,y\r\n";
+const QByteArray exported_head = "page,value,text,border,x,y,id\r\n";
 
 QByteArray Project(const QByteArray& first_items, const QByteArray& second_items)
 {
@@ -92,10 +93,10 @@ private slots:
         const TToolResult result = Run({"export-items", "a.quillet", "--csv", "items.csv"});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
-        QCOMPARE(Content("items.csv"), head + "1,-3,\"a, \"\"b\"\"\",diamond,1.5,2\r\n"
-                                              "2,7,Gr\xc3\xb6\xc3\x9f"
-                                              "e,none,10,-20.25\r\n"
-                                              "2,8,,ellipse,0,0\r\n");
+        QCOMPARE(Content("items.csv"), exported_head + "1,-3,\"a, \"\"b\"\"\",diamond,1.5,2,9\r\n"
+                                                       "2,7,Gr\xc3\xb6\xc3\x9f"
+                                                       "e,none,10,-20.25,4\r\n"
+                                                       "2,8,,ellipse,0,0,3\r\n");
     }
 
     void imported_labels_are_appended_under_new_ids()
@@ -142,6 +143,71 @@ private slots:
         QCOMPARE(Support::Byte_Difference(Content("out"), Content("a.quillet")), QString());
     }
 
+    void a_table_can_be_imported_twice()
+    {
+        const QByteArray project = Project(Item_Element("9", "5", "x", "4", "1.25,2.00") +
+                                               Item_Element("3", "6", "", "0", "3.00,4.00"),
+                                           QByteArray());
+        Support::Write_File(Path("a.quillet"), project);
+        QCOMPARE(Run({"export-items", "a.quillet", "--csv", "items.csv"}).status, 0);
+        const QStringList import{"import-items", "a.quillet", "--csv",  "items.csv",
+                                 "--output",     "a.quillet", "--force"};
+        QCOMPARE(Run(import).errors, QString());
+        QCOMPARE(Run(import).errors, QString());
+        QCOMPARE(Support::Byte_Difference(Content("a.quillet"), project), QString());
+    }
+
+    void a_known_id_changes_its_label()
+    {
+        Support::Write_File(Path("a.quillet"),
+                            Project(Item_Element("9", "5", "x", "4", "1.25,2.00") +
+                                        Item_Element("3", "6", "y", "1", "3.00,4.00"),
+                                    QByteArray()));
+        // There is no column for the border, and 8 is the id of no label.
+        Support::Write_File(Path("items.csv"), "text,id,page,value,x,y,note\r\n"
+                                               "new,9,1,7,10,20,ignored\r\n"
+                                               "other,8,1,1,0,1,\r\n"
+                                               "z,,1,2,5,5,\r\n");
+        QCOMPARE(Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"}).errors,
+                 QString());
+        const QByteArray changed = Item_Element("9", "7", "new", "4", "10.00,20.00");
+        const QByteArray added = Item_Element("8", "1", "other", "0", "0.00,1.00") +
+                                 Item_Element("1", "2", "z", "0", "5.00,5.00");
+        const QByteArray unnamed = Item_Element("3", "6", "y", "1", "3.00,4.00");
+        QCOMPARE(Support::Byte_Difference(Content("out"),
+                                          Project(changed + unnamed + added, QByteArray())),
+                 QString());
+        QCOMPARE(Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out",
+                      "--replace", "--force"})
+                     .errors,
+                 QString());
+        QCOMPARE(Support::Byte_Difference(Content("out"), Project(changed + added, QByteArray())),
+                 QString());
+    }
+
+    void a_dry_run_prints_what_would_happen()
+    {
+        Support::Write_File(Path("a.quillet"),
+                            Project(Item_Element("9", "5", "%1", "4", "1.25,2.00") +
+                                        Item_Element("3", "6", "", "0", "3.00,4.00"),
+                                    Item_Element("3", "8", "", "0", "3.00,4.00")));
+        Support::Write_File(Path("items.csv"), exported_head + "1,7,%1,triangle,10,2,9\r\n"
+                                                               "2,8,,,3,4,3\r\n"
+                                                               "2,1,,square,5,6,\r\n");
+        const QStringList before = Support::Entries(d_folder->path());
+        const TToolResult result =
+            Run({"import-items", "a.quillet", "--csv", "items.csv", "--replace", "--dry-run"});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output,
+                 QStringLiteral("page 1: remove 6 none at 3,4\n"
+                                "page 1: change 5 \"%1\" triangle at 1.25,2 to 7 \"%1\" triangle "
+                                "at 10,2\n"
+                                "page 2: add 1 square at 5,6\n"
+                                "labels added: 1, changed: 1, removed: 1, unchanged: 1\n"));
+        QCOMPARE(Support::Entries(d_folder->path()), before);
+    }
+
     void an_invalid_row_is_reported_and_nothing_is_written_data()
     {
         QTest::addColumn<QByteArray>("table");
@@ -150,6 +216,10 @@ private slots:
                                 << "line 3, column 1: ";
         QTest::newRow("page 3 of 2") << head + "3,1,,,1,1\r\n"
                                      << "line 2, column 1: there is no page 3\n";
+        QTest::newRow("id no number") << exported_head + "1,1,,,1,1,a\r\n"
+                                      << "line 2, column 11: \"a\" is not an id";
+        QTest::newRow("id twice") << exported_head + "1,1,,,1,1,5\r\n2,1,,,1,1,5\r\n1,2,,,1,1,5\r\n"
+                                  << "line 4, column 1: an earlier row has the same id 5\n";
         QTest::newRow("no value") << head + "1,one,,,1,1\r\n"
                                   << "line 2, column 3: ";
         QTest::newRow("no coordinate") << head + "1,1,,,1,\r\n"

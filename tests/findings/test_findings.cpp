@@ -166,9 +166,9 @@ private slots:
     {
         TFindings findings = Labels({{3}});
         Join("page,value,A,\"B, C\"\n1,3,\"x\ny\",\n", &findings);
-        QCOMPARE(
-            FindingsData::Csv(findings),
-            QByteArray("page,value,text,border,x,y,A,\"B, C\"\r\n1,3,,none,1,2,\"x\ny\",\r\n"));
+        QCOMPARE(FindingsData::Csv(findings),
+                 QByteArray(
+                     "page,value,text,border,x,y,id,A,\"B, C\"\r\n1,3,,none,1,2,1,\"x\ny\",\r\n"));
     }
 
     void csv_that_is_read_again_gives_the_same_list()
@@ -193,7 +193,8 @@ private slots:
                  (QJsonObject{{"number", 2}, {"name", "name 2"}, {"labels", QJsonArray()}}));
         const QJsonArray labels = pages[0].toObject()["labels"].toArray();
         QCOMPARE(labels,
-                 (QJsonArray{QJsonObject{{"value", 3},
+                 (QJsonArray{QJsonObject{{"id", 1},
+                                         {"value", 3},
                                          {"text", ""},
                                          {"border", "none"},
                                          {"x", 1},

@@ -17,6 +17,7 @@ using Support::Label;
 namespace {
 
 const QByteArray header = "page,value,text,border,x,y\r\n";
+const QByteArray written_header = "page,value,text,border,x,y,id\r\n";
 const QString number_hint = ": expected a number such as 12.5";
 
 /// Rows as lines of text.
@@ -50,7 +51,7 @@ class TestItemTable : public QObject
 private slots:
     void a_table_without_labels_is_the_header_line()
     {
-        QCOMPARE(ItemTable::Write({}), header);
+        QCOMPARE(ItemTable::Write({}), written_header);
         QVERIFY(ItemTable::Read(header).empty());
     }
 
@@ -61,7 +62,8 @@ private slots:
             {12, Label(18, -7, QString(), 0, {-1.25, 0})},
         };
         QCOMPARE(ItemTable::Write(rows),
-                 header + "1,5,Ri\xc3\x9f,ellipse,120.5,33\r\n12,-7,,none,-1.25,0\r\n");
+                 written_header +
+                     "1,5,Ri\xc3\x9f,ellipse,120.5,33,17\r\n12,-7,,none,-1.25,0,18\r\n");
     }
 
     void borders_are_written_as_words_data()
@@ -80,7 +82,7 @@ private slots:
         QFETCH(const int, code);
         QFETCH(const QByteArray, word);
         QCOMPARE(ItemTable::Write({{1, Label(1, 1, QString(), code, {})}}),
-                 header + "1,1,," + word + ",0,0\r\n");
+                 written_header + "1,1,," + word + ",0,0,1\r\n");
         for (const QByteArray& written :
              {word, word.toUpper(), ' ' + word + ' ', QByteArray::number(code)})
             QCOMPARE(
@@ -90,7 +92,8 @@ private slots:
 
     void an_unknown_border_code_is_written_as_a_number()
     {
-        QCOMPARE(ItemTable::Write({{1, Label(1, 1, QString(), 3, {})}}), header + "1,1,,3,0,0\r\n");
+        QCOMPARE(ItemTable::Write({{1, Label(1, 1, QString(), 3, {})}}),
+                 written_header + "1,1,,3,0,0,1\r\n");
     }
 
     void texts_are_quoted_when_necessary_and_read_back_data()
@@ -119,7 +122,7 @@ private slots:
         QFETCH(const QString, text);
         QFETCH(const QByteArray, field);
         const QByteArray table = ItemTable::Write({{1, Label(1, 2, text, 1, {3, 4})}});
-        QCOMPARE(table, header + "1,2," + field + ",square,3,4\r\n");
+        QCOMPARE(table, written_header + "1,2," + field + ",square,3,4,1\r\n");
         const std::vector<TItemRow> rows = ItemTable::Read(table);
         QCOMPARE(rows.size(), 1U);
         QCOMPARE(rows.at(0).item.text, text);
@@ -147,8 +150,28 @@ private slots:
             ItemTable::Write({{1000, Label(1, 12345, QString(), 0, {0.5, 1234.5})}});
         const QStringList rows = Describe(ItemTable::Read(table));
         QLocale::setDefault(before);
-        QCOMPARE(table, header + "1000,12345,,none,0.5,1234.5\r\n");
+        QCOMPARE(table, written_header + "1000,12345,,none,0.5,1234.5,1\r\n");
         QCOMPARE(rows, QStringList{"1000: 12345 '' 0 0.5,1234.5"});
+    }
+
+    void an_id_is_read_unless_it_is_ignored()
+    {
+        const QByteArray table = written_header + "1,2,,none,3,4,-17\r\n1,2,,none,3,4,\r\n";
+        const std::vector<TItemRow> rows = ItemTable::Read(table);
+        QVERIFY(rows.at(0).has_id);
+        QCOMPARE(rows.at(0).item.id, -17);
+        QVERIFY(!rows.at(1).has_id);
+        const QByteArray other = QByteArray(table).replace("-17", "B-4");
+        QVERIFY(!ItemTable::Read(other, Csv::Comma, {}, ItemTable::TIds::Ignore).at(0).has_id);
+        QCOMPARE(Refusal(other).section(": expected", 0, 0), QString("2:15: \"B-4\" is not an id"));
+    }
+
+    void a_row_says_which_optional_columns_there_are()
+    {
+        const TItemRow without = ItemTable::Read("page,value,x,y\r\n1,2,3,4\r\n").at(0);
+        QVERIFY(!without.has_text && !without.has_border && !without.has_id);
+        const TItemRow with = ItemTable::Read(header + "1,2,,,3,4\r\n").at(0);
+        QVERIFY(with.has_text && with.has_border && !with.has_id);
     }
 
     void other_forms_of_a_table_are_read_data()

@@ -58,20 +58,20 @@ private slots:
     void labels_are_copied_as_a_csv_table()
     {
         const QByteArray table = LabelClipboard::Copy(labels, 3)->data("text/csv");
-        QCOMPARE(table, QByteArray("page,value,text,border,x,y\r\n"
-                                   "3,5,\"Ri\xc3\x9f, \"\"A\"\"\tB\",ellipse,120.5,0.1\r\n"
-                                   "3,-7,,none,-1.25,0\r\n"
-                                   "3,8,C\tD,diamond,0,1\r\n"));
+        QCOMPARE(table, QByteArray("page,value,text,border,x,y,id\r\n"
+                                   "3,5,\"Ri\xc3\x9f, \"\"A\"\"\tB\",ellipse,120.5,0.1,17\r\n"
+                                   "3,-7,,none,-1.25,0,18\r\n"
+                                   "3,8,C\tD,diamond,0,1,19\r\n"));
         QCOMPARE(ItemTable::Read(table).size(), labels.size());
     }
 
     void spreadsheets_get_the_columns_separated_by_tabs()
     {
         QCOMPARE(LabelClipboard::Copy(labels, 3)->text(),
-                 QStringLiteral("page\tvalue\ttext\tborder\tx\ty\r\n"
-                                "3\t5\t\"Riß, \"\"A\"\"\tB\"\tellipse\t120.5\t0.1\r\n"
-                                "3\t-7\t\tnone\t-1.25\t0\r\n"
-                                "3\t8\t\"C\tD\"\tdiamond\t0\t1\r\n"));
+                 QStringLiteral("page\tvalue\ttext\tborder\tx\ty\tid\r\n"
+                                "3\t5\t\"Riß, \"\"A\"\"\tB\"\tellipse\t120.5\t0.1\t17\r\n"
+                                "3\t-7\t\tnone\t-1.25\t0\t18\r\n"
+                                "3\t8\t\"C\tD\"\tdiamond\t0\t1\t19\r\n"));
     }
 
     void pasting_returns_what_was_copied()

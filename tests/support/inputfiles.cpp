@@ -82,6 +82,30 @@ QByteArray Support::Tiff(const QVector<QImage>& images, int orientation)
     return bytes;
 }
 
+QByteArray Support::Gif(int width, int height)
+{
+    // Codes have 8 bits as long as the decoder's table is cleared often enough.
+    constexpr char clear = '\x80';
+    constexpr char end = '\x81';
+    constexpr int run = 100;
+    QByteArray codes;
+    for (int pixel = 0; pixel < width * height; ++pixel) {
+        if (pixel % run == 0)
+            codes += clear;
+        codes += '\0';
+    }
+    codes += end;
+    const QByteArray size = Little_Endian(quint16(width)) + Little_Endian(quint16(height));
+    QByteArray bytes = "GIF89a" + size + QByteArray("\xf6\0\0", 3) + QByteArray(3 * 128, 'x') +
+                       ',' + QByteArray(4, '\0') + size + QByteArray("\0\7", 2);
+    constexpr int block_size = 255;
+    for (int offset = 0; offset < codes.size(); offset += block_size) {
+        const QByteArray block = codes.mid(offset, block_size);
+        bytes += static_cast<char>(block.size()) + block;
+    }
+    return bytes + '\0' + ';';
+}
+
 QByteArray Support::Pdf(const QVector<QByteArray>& boxes, const QByteArray& content)
 {
     constexpr int first_page = 4;

@@ -4,8 +4,8 @@
 #include <QImage>
 #include <QVector>
 
-/// Makes files that Qt cannot write: photos with an orientation, TIFFs with several pages, and PDFs
-/// with any page box.
+/// Makes files that Qt cannot write: GIFs, photos with an orientation, TIFFs with several pages,
+/// and PDFs with any page box.
 namespace Support {
 
 /// An image as JPEG with EXIF data.
@@ -14,6 +14,9 @@ QByteArray Exif_Jpeg(const QImage& image, int orientation);
 
 /// Images as the pages of an uncompressed TIFF.
 QByteArray Tiff(const QVector<QImage>& images, int orientation = 1);
+
+/// A GIF of one colour.
+QByteArray Gif(int width, int height);
 
 /// A PDF with a page for each media box: "0 0 100 50", in points.
 /// @param content  drawing operators, the same for all pages.
