@@ -1,5 +1,7 @@
 #include "src/model/pngreader.h"
 
+#include "src/model/pageimage.h"
+
 #include <QImage>
 
 #include <algorithm>
@@ -31,7 +33,7 @@ TPngReader::~TPngReader()
 
 bool TPngReader::Is_Png(const QByteArray& bytes)
 {
-    return bytes.startsWith("\x89PNG\r\n\x1a\n");
+    return bytes.startsWith(TPageImage::Png_Signature);
 }
 
 // libpng reports a defect by a jump back into these functions, so they have no objects with
