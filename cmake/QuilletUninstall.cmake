@@ -9,7 +9,7 @@ add_custom_target(uninstall
 # The folders in share/ have the layout of the installation.
 file(GLOB_RECURSE data_paths LIST_DIRECTORIES true RELATIVE ${PROJECT_SOURCE_DIR}/share
     CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/share/*)
-set(installed_folders ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_MANDIR}/man1
+set(installed_folders ${CMAKE_INSTALL_BINDIR} libexec/quillet ${CMAKE_INSTALL_MANDIR}/man1
     ${CMAKE_INSTALL_DOCDIR}/pictures ${CMAKE_INSTALL_DOCDIR}/sample
     ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 foreach(path IN LISTS data_paths)

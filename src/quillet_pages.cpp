@@ -92,7 +92,6 @@ void TQuillet::Add_Page()
     const TStepScope step = Record_Step(TStepKind::Add_Page);
     d_page_widget->Add_Page(d_data.Add_Page());
     Mark_Changed();
-    Update_Document_Actions();
 }
 
 void TQuillet::Remove_Pages(const QList<int>& pages)

@@ -230,7 +230,7 @@ private slots:
         QTest::newRow("100") << "100"
                              << "100"
                              << "Next 100X";
-        QTest::newRow("1000") << "2147482000"
+        QTest::newRow("1000") << "2147479000"
                               << "1000"
                               << "Next 1000X";
     }

@@ -119,7 +119,6 @@ private slots:
     void ids_are_restored();
     void the_changed_flag_is_set();
     void the_document_actions_are_updated();
-    void the_document_actions_are_updated_after_removing_pages();
     void a_new_document_clears_the_steps();
     void opening_clears_the_steps();
     void a_refused_file_keeps_the_steps();
@@ -1012,18 +1011,6 @@ void TestUndo::the_changed_flag_is_set()
 }
 
 void TestUndo::the_document_actions_are_updated()
-{
-    Answer([this] { Window().File_New(); }, QMessageBox::Yes);
-    QVERIFY(!Window().d_action_save->isEnabled());
-    Window().Add_Page();
-    QVERIFY(Window().d_action_save->isEnabled());
-    Undo();
-    QVERIFY(!Window().d_action_save->isEnabled());
-    Redo();
-    QVERIFY(Window().d_action_save->isEnabled());
-}
-
-void TestUndo::the_document_actions_are_updated_after_removing_pages()
 {
     Answer([this] { Window().Remove_Pages({1, 2, 3}); }, QMessageBox::Yes);
     QVERIFY(!Window().d_action_save->isEnabled());

@@ -1,12 +1,17 @@
 """Shared by the tests of the installed files: their paths, and tools to inspect them."""
 import os
 import re
+import shutil
 import subprocess
 import unittest
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 ID = "org.example.quillet"
 ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
+
+
+# Relative to the prefix, and to the build folder.
+PROGRAMS = ("bin/quillet", "bin/quillet-cli", "libexec/quillet/quillet-encode")
 
 
 def setting(name):
@@ -64,9 +69,7 @@ def expected_files(zsh_folder="site-functions"):
              for name in (f"apps/{ID}", "mimetypes/application-x-quillet")]
     pictures = [f"share/doc/quillet/pictures/{name}" for name in os.listdir(source("docs/pictures"))]
     return sorted(icons + pictures + [
-        "bin/quillet",
-        "bin/quillet-cli",
-        "libexec/quillet/quillet-encode",
+        *PROGRAMS,
         f"share/applications/{ID}.desktop",
         "share/bash-completion/completions/quillet-cli",
         "share/doc/quillet/changelog",
@@ -84,6 +87,14 @@ def expected_files(zsh_folder="site-functions"):
         f"share/thumbnailers/{ID}.thumbnailer",
         f"share/zsh/{zsh_folder}/_quillet-cli",
     ])
+
+
+def copy_programs(folder):
+    """Copies the installed programs to a build folder, as if they had been built there."""
+    for path in PROGRAMS:
+        target = os.path.join(folder, path)
+        os.makedirs(os.path.dirname(target), exist_ok=True)
+        shutil.copy2(installed(path), target)
 
 
 def man_page(name):

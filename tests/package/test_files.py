@@ -23,7 +23,7 @@ class TestFiles(unittest.TestCase):
     def test_installed_files_are_readable_by_all_users(self):
         # Modes of folders depend on the umask during the installation.
         for path in installed.files_below(installed.prefix()):
-            mode = 0o755 if path.startswith("bin/") else 0o644
+            mode = 0o755 if path in installed.PROGRAMS else 0o644
             self.assertEqual(stat.S_IMODE(os.stat(installed.installed(path)).st_mode), mode, path)
 
     def test_links_between_installed_documents_are_valid(self):
@@ -97,8 +97,8 @@ class TestLicence(unittest.TestCase):
     def test_the_copyright_file_names_every_linked_library(self):
         permitted = re.compile(r"libQt5(Core|Gui|Widgets|Xml|PrintSupport)\.so\.5"
                                r"|libsqlite3\.so\.0|libpng16\.so\.16|lib(stdc\+\+|gcc_s|c|m)\.so\.\d|ld-linux\S*")
-        for program in ("quillet", "quillet-cli"):
-            dynamic = installed.run("readelf", "-dW", installed.installed("bin", program))
+        for program in installed.PROGRAMS:
+            dynamic = installed.run("readelf", "-dW", installed.installed(program))
             libraries = re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic)
             self.assertIn("libQt5Core.so.5", libraries)
             self.assertEqual([name for name in libraries if not permitted.fullmatch(name)], [])

@@ -23,8 +23,7 @@ class TestInstallation(unittest.TestCase):
         self.build, self.root = (os.path.join(room.name, name) for name in ("build", "root"))
         os.mkdir(self.root)
         run("cmake", "-S", installed.SOURCE, "-B", self.build, "-G", "Ninja", "-D", "QUILLET_TESTS=OFF")
-        for program in ("quillet", "quillet-cli"):
-            shutil.copy2(installed.installed("bin", program), os.path.join(self.build, "bin"))
+        installed.copy_programs(self.build)
 
     def install(self, prefix, stage=""):
         run_with({"DESTDIR": stage}, "cmake", "--install", self.build, "--prefix", prefix)

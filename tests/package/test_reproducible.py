@@ -5,7 +5,6 @@ installed that is not compiled. script/try-package compares whole packages.
 """
 import os
 import re
-import shutil
 import tempfile
 import unittest
 
@@ -43,8 +42,7 @@ class TestTwoCopies(unittest.TestCase):
         moc = [line.split(":")[0] for line in run("ninja", "-C", build, "-t", "targets", "all").splitlines()
                if line.split(":")[0].endswith("_autogen") and "/" in line and "CMakeFiles" not in line]
         run("ninja", "-C", build, *moc)
-        for program in ("quillet", "quillet-cli"):
-            shutil.copy2(installed.installed("bin", program), os.path.join(build, "bin"))
+        installed.copy_programs(build)
         run_with({"DESTDIR": os.path.join(build, "stage")}, "cmake", "--install", build, "--prefix", "/usr")
         return build
 
