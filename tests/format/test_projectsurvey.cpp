@@ -158,8 +158,7 @@ QString Survey_Fault(const QByteArray& bytes)
 QMap<QString, QStringList> Broken_Files()
 {
     const QString magic = "0: the file does not begin with the magic number of a project file";
-    const QString parse =
-        "344: page 2: label document, line 1, column %2: %1";
+    const QString parse = "344: page 2: label document, line 1, column %2: %1";
     const QString part = "524: page 2: label 2: ERR: %1";
     const QString node = part.arg("Node '%1' is missing from node 'Item' and not optional.");
     const QString text = part.arg("Node Text for '%1' is not optional.");
@@ -218,8 +217,11 @@ QMap<QString, QStringList> Broken_Files()
         {"items_no_xml", {parse.arg("error occurred while parsing element").arg(1)}},
         {"items_not_closed", {parse.arg("unexpected end of file").arg(191)}},
         {"items_other_root",
-         {"344: page 2: label document, line 1, column 69: Identification 'Quillet_Data' does not match 'quillet_data'"}},
-        {"items_without_version", {"344: page 2: label document, line 1, column 52: The 'File_Version' attribute is missing."}},
+         {"344: page 2: label document, line 1, column 69: Identification 'Quillet_Data' does not "
+          "match 'quillet_data'"}},
+        {"items_without_version",
+         {"344: page 2: label document, line 1, column 52: The 'File_Version' attribute is "
+          "missing."}},
         {"items_version_2", {"344: page 2: XML Version not recognized"}},
         {"items_version_no_number", {"344: page 2: XML Version not recognized"}},
         {"items_without_id", {node.arg("Id")}},
@@ -297,8 +299,8 @@ class TestProjectSurvey : public QObject
             std::all_of(survey.defects.cbegin(), survey.defects.cend(),
                         [](const TProjectDefect& defect) { return defect.is_harmless; });
         for (const TSurveyedPage& page_there : survey.pages)
-            QCOMPARE(page_there.is_whole, is_harmless || page_there.name == "first" ||
-                                              page_there.name == "third");
+            QCOMPARE(page_there.is_whole,
+                     is_harmless || page_there.name == "first" || page_there.name == "third");
     }
 
     static void Compare_Middle_Row()
@@ -688,7 +690,8 @@ private slots:
             << around;
         QTest::newRow("other root")
             << With_Items(Item_List(first + last).replace("Quillet_Data", "Quillet_Date"))
-            << QStringList{QStringLiteral("%1: label document, line 1, column 69: Identification 'Quillet_Data' does not match "
+            << QStringList{QStringLiteral("%1: label document, line 1, column 69: Identification "
+                                          "'Quillet_Data' does not match "
                                           "'Quillet_Date'")
                                .arg(items_begin)}
             << around;
