@@ -19,7 +19,8 @@ qint64 Line_Size(const QImage& image)
 QMap<QString, QString> Texts(const QImage& image)
 {
     QMap<QString, QString> texts;
-    for (const QString& key : image.textKeys())
+    const QStringList keys = image.textKeys();
+    for (const QString& key : keys)
         texts.insert(key, image.text(key));
     return texts;
 }
