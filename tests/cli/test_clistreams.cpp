@@ -175,7 +175,12 @@ private slots:
 
     void an_endless_pipe_is_refused()
     {
+        // The sanitizer reserves more address space than any limit of use.
+#if defined(__SANITIZE_ADDRESS__)
+        const TResult result = Shell("$tool info /dev/zero");
+#else
         const TResult result = Shell("ulimit -v 8000000; $tool info /dev/zero");
+#endif
         QCOMPARE(result.errors,
                  QByteArray("quillet-cli: /dev/zero: cannot be read: it is larger than 2 GiB\n"));
         QCOMPARE(result.status, 1);
