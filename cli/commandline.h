@@ -21,6 +21,8 @@ constexpr char Json[] = "json";
 constexpr char Findings[] = "findings";
 constexpr char Folder[] = "folder";
 constexpr char Title[] = "title";
+constexpr char Header_1[] = "header-1";
+constexpr char Header_2[] = "header-2";
 
 } // namespace CommonOptions
 

@@ -79,7 +79,7 @@ std::vector<TProjectDefect> Defects_Or_Error(const QString& path)
     }
 }
 
-void Print_Text(const QString& path, const std::vector<TProjectDefect>& defects)
+void Print_Defects(const QString& path, const std::vector<TProjectDefect>& defects)
 {
     for (const TProjectDefect& defect : defects) {
         const QString text = defect.offset == no_offset ? defect.what : Files::Describe(defect);
@@ -134,7 +134,7 @@ void Commands::Check(TCommandLine* line)
         if (is_json)
             results.append(Json_Object(path, defects));
         else
-            Print_Text(path, defects);
+            Print_Defects(path, defects);
         is_sound = is_sound &&
                    std::all_of(defects.cbegin(), defects.cend(),
                                [](const TProjectDefect& defect) { return defect.is_harmless; });

@@ -30,7 +30,7 @@ namespace {
 
 const char* const names_option = "names-from-files";
 const char* const dpi_option = "dpi";
-const char* const pages_option = "pdf-pages";
+const char* const pdf_pages_option = "pdf-pages";
 const char* const stored_option = "as-stored";
 const char* const first_option = "first";
 const char* const multiple_option = "over-page";
@@ -105,7 +105,7 @@ void Add_Input_Options(TCommandLine* line)
                          .arg(TPdfFile::Lowest_Resolution)
                          .arg(TPdfFile::Highest_Resolution)
                          .arg(TPdfFile::Default_Resolution));
-    line->Add_Option(pages_option, QStringLiteral("PAGES"),
+    line->Add_Option(pdf_pages_option, QStringLiteral("PAGES"),
                      Tr("Pages to take from each PDF, for example 1-3,7; all by default."));
     line->Add_Flag(stored_option, Tr("Do not rotate images by their EXIF orientation."));
 }
@@ -116,8 +116,8 @@ TInputOptions Input_Options(const TCommandLine& line)
     if (line.Is_Set(dpi_option))
         options.resolution =
             line.Number(dpi_option, TPdfFile::Lowest_Resolution, TPdfFile::Highest_Resolution);
-    if (line.Is_Set(pages_option))
-        options.pdf_pages = line.Pages(pages_option);
+    if (line.Is_Set(pdf_pages_option))
+        options.pdf_pages = line.Pages(pdf_pages_option);
     if (line.Is_Set(stored_option))
         options.orientation = TPageImage::TOrientation::As_Stored;
     options.needs_whole_images = true;

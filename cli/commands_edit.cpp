@@ -20,8 +20,6 @@ namespace {
 
 const char* const label_size_option = "label-size";
 const char* const label_color_option = "label-color";
-const char* const header_1_option = "header-1";
-const char* const header_2_option = "header-2";
 
 const char* const order_option = "order";
 const char* const remove_option = "remove";
@@ -29,8 +27,8 @@ const char* const extract_option = "extract";
 const char* const rename_option = "rename";
 const char* const rotate_option = "rotate";
 
-const std::array<const char*, 4> settings = {label_size_option, label_color_option, header_1_option,
-                                             header_2_option};
+const std::array<const char*, 4> settings = {label_size_option, label_color_option,
+                                             CommonOptions::Header_1, CommonOptions::Header_2};
 const std::array<const char*, 5> edits = {order_option, remove_option, extract_option,
                                           rename_option, rotate_option};
 
@@ -70,8 +68,8 @@ void Apply_Settings(const TCommandLine& line, TAppearance* appearance)
             line.Number(label_size_option, TAppearance::Smallest_Label, TAppearance::Largest_Label);
     if (line.Is_Set(label_color_option))
         Set_Color(line, appearance);
-    for (const auto& [option, text] : {std::pair{header_1_option, &appearance->header_1},
-                                       std::pair{header_2_option, &appearance->header_2}}) {
+    for (const auto& [option, text] : {std::pair{CommonOptions::Header_1, &appearance->header_1},
+                                       std::pair{CommonOptions::Header_2, &appearance->header_2}}) {
         if (!line.Is_Set(option))
             continue;
         Check_Line(line, option, line.Text(option));
@@ -265,8 +263,10 @@ void Commands::Set(TCommandLine* line)
                          .arg(TAppearance::Largest_Label));
     line->Add_Option(label_color_option, QStringLiteral("COLOR"),
                      Tr("Colour of the labels: #rrggbb or a name such as red."));
-    line->Add_Option(header_1_option, QStringLiteral("TEXT"), Tr("First header line of reports."));
-    line->Add_Option(header_2_option, QStringLiteral("TEXT"), Tr("Second header line of reports."));
+    line->Add_Option(CommonOptions::Header_1, QStringLiteral("TEXT"),
+                     Tr("First header line of reports."));
+    line->Add_Option(CommonOptions::Header_2, QStringLiteral("TEXT"),
+                     Tr("Second header line of reports."));
     line->Add_Output_Option(CommonOptions::Output, QStringLiteral("FILE"),
                             Tr("The project to write (required)."));
     if (!line->Parse())

@@ -70,7 +70,7 @@ void Print_List(const std::vector<TListedFile>& files)
     }
 }
 
-void Print_Json(const std::vector<TListedFile>& files)
+void Print_List_As_Json(const std::vector<TListedFile>& files)
 {
     QJsonArray list;
     for (const TListedFile& listed : files) {
@@ -120,7 +120,7 @@ void Commands::Kept(TCommandLine* line)
     line->Exclude(copy_option, CommonOptions::Json);
     const std::vector<TListedFile> files = Listed_Files();
     if (!is_copy) {
-        const auto print = line->Is_Set(CommonOptions::Json) ? Print_Json : Print_List;
+        const auto print = line->Is_Set(CommonOptions::Json) ? Print_List_As_Json : Print_List;
         print(files);
         return;
     }

@@ -22,8 +22,6 @@ namespace {
 
 const char* const orientation_option = "orientation";
 const char* const resolution_option = "resolution";
-const char* const header_1_option = "header-1";
-const char* const header_2_option = "header-2";
 const char* const footer_option = "footer";
 const char* const no_footer_option = "no-footer";
 const char* const page_count_option = "page-count";
@@ -56,7 +54,7 @@ constexpr std::array<TOptionValue, 12> resolutions = {{
 constexpr int default_orientation = 0;
 constexpr int default_resolution = 2;
 
-void Add_Page_Options(TCommandLine* line)
+void Add_Layout_Options(TCommandLine* line)
 {
     line->Add_Option(orientation_option, QStringLiteral("ORIENTATION"),
                      Tr("Page orientation: portrait (default) or landscape."));
@@ -64,9 +62,9 @@ void Add_Page_Options(TCommandLine* line)
         resolution_option, QStringLiteral("DPI"),
         Tr("Resolution as in the window: 96, 180 (default), 276 or 372, or its number from 1 to "
            "4."));
-    line->Add_Option(header_1_option, QStringLiteral("TEXT"),
+    line->Add_Option(CommonOptions::Header_1, QStringLiteral("TEXT"),
                      Tr("First header line; by default the document's own."));
-    line->Add_Option(header_2_option, QStringLiteral("TEXT"),
+    line->Add_Option(CommonOptions::Header_2, QStringLiteral("TEXT"),
                      Tr("Second header line; by default the document's own."));
     line->Add_Option(footer_option, QStringLiteral("TEXT"),
                      Tr("Text at the left of the footer, instead of the program's name."));
@@ -82,7 +80,7 @@ void Add_Options(TCommandLine* line)
                      Tr("The folder for the reports, named after the documents; instead of "
                         "--output."));
     line->Add_Force_Flag();
-    Add_Page_Options(line);
+    Add_Layout_Options(line);
     line->Add_Option(CommonOptions::Title, QStringLiteral("TEXT"),
                      Tr("Title in the properties of the PDF file."));
     line->Add_Flag(bookmarks_option,
@@ -119,10 +117,10 @@ TReportOptions Report_Options(const TCommandLine& line, const TAppearance& appea
         options.orientation = line.Code(orientation_option, orientations);
     if (line.Is_Set(resolution_option))
         options.resolution = line.Code(resolution_option, resolutions);
-    if (line.Is_Set(header_1_option))
-        options.header_1 = line.Text(header_1_option);
-    if (line.Is_Set(header_2_option))
-        options.header_2 = line.Text(header_2_option);
+    if (line.Is_Set(CommonOptions::Header_1))
+        options.header_1 = line.Text(CommonOptions::Header_1);
+    if (line.Is_Set(CommonOptions::Header_2))
+        options.header_2 = line.Text(CommonOptions::Header_2);
     return options;
 }
 

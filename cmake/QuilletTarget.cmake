@@ -21,6 +21,10 @@ if(QUILLET_QT EQUAL 6)
     # null pointers to GCC, even where the code has checked that it is not empty.
     target_compile_options(quillet_options INTERFACE -Wno-conversion -Wno-null-dereference)
 endif()
+if(CMAKE_UNITY_BUILD)
+    # GCC takes the included sources for headers, whose anonymous types would differ between sources.
+    target_compile_options(quillet_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endif()
 
 # Release builds are hardened like Debian's packages.
 set(is_release $<CONFIG:Release>)

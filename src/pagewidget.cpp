@@ -13,7 +13,7 @@
 
 namespace {
 
-const QSize panel_size(280, 250); // pixels
+const QSize initial_size(280, 250); // pixels
 // Two rows. The list's own minimum would make the window too high for a small screen.
 const int minimum_list_height = 48; // pixels
 const int no_page = -1;
@@ -24,7 +24,7 @@ TPageWidget::TPageWidget(const QWidget* parent, Qt::WindowFlags flags)
     : QWidget(Parent_Widget(parent), flags)
 {
     qRegisterMetaType<QList<int>>("QList<int>");
-    resize(panel_size);
+    resize(initial_size);
     setWindowTitle(tr("Page List"));
     Create_Widgets();
     Arrange_Widgets();

@@ -18,7 +18,7 @@ constexpr int initial_width = 520; // pixels
 constexpr int initial_height = 250;
 constexpr int fallback_value = 1; ///< first value when the typed text is not an integer
 constexpr int column_count = 5;
-constexpr int spacer_size = 8; ///< minimum size of the spacers in pixels
+constexpr int spacer_size = 8; ///< minimum width of the space beside the parameters, in pixels
 
 /// Rows of the grid, from top to bottom.
 enum TRow {
@@ -68,8 +68,7 @@ TReindexDialog::TReindexDialog(const QWidget* parent, Qt::WindowFlags flags)
         grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), row, 0, 1, column_count);
     Build_Parameters(grid);
     Build_Options(grid);
-    grid->addItem(new QSpacerItem(0, spacer_size, QSizePolicy::Minimum, QSizePolicy::Expanding),
-                  Spacer, 0, 1, column_count);
+    DialogParts::Add_Space(grid, Spacer, column_count);
     Build_Buttons(grid);
 }
 

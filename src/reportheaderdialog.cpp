@@ -11,13 +11,10 @@
 
 namespace {
 
-constexpr int initial_width = 510; // pixels
-constexpr int initial_height = 163;
-constexpr int column_count = 2;
-constexpr int spacer_size = 8; ///< minimum size of the spacer in pixels
+constexpr int header_columns = 2;
 
 /// Rows of the grid, from top to bottom.
-enum TRow { Header_1 = 0, Header_2 = 1, Line = 2, Spacer = 3, Buttons = 4 };
+enum THeaderRow { First_Header, Second_Header, Line, Space, Buttons_Row };
 
 } // namespace
 
@@ -25,18 +22,17 @@ TReportHeaderDialog::TReportHeaderDialog(const QWidget* parent, Qt::WindowFlags 
     : QDialog(Parent_Widget(parent), flags)
 {
     setWindowTitle(tr("Report Header"));
-    resize(initial_width, initial_height);
+    resize(510, 163); // pixels
 
     auto* const grid = new QGridLayout(this);
-    d_header_1 = Add_Header(tr("Header 1 Text:"), Header_1, grid);
-    d_header_2 = Add_Header(tr("Header 2 Text:"), Header_2, grid);
-    grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), Line, 0, 1, column_count);
-    grid->addItem(new QSpacerItem(0, spacer_size, QSizePolicy::Minimum, QSizePolicy::Expanding),
-                  Spacer, 0, 1, column_count);
+    d_header_1 = Add_Header(tr("Header 1 Text:"), First_Header, grid);
+    d_header_2 = Add_Header(tr("Header 2 Text:"), Second_Header, grid);
+    grid->addWidget(DialogParts::Sunken_Line(QFrame::HLine, this), Line, 0, 1, header_columns);
+    DialogParts::Add_Space(grid, Space, header_columns);
     auto* const accept = new QPushButton(tr("Accept"), this);
     accept->setAutoDefault(true);
     accept->setAccessibleDescription(tr("Continues with the file name of the report."));
-    grid->addLayout(DialogParts::Button_Row(accept, this), Buttons, 0, 1, column_count);
+    grid->addLayout(DialogParts::Button_Row(accept, this), Buttons_Row, 0, 1, header_columns);
 }
 
 QString TReportHeaderDialog::Header1_Text() const

@@ -17,9 +17,6 @@
 
 namespace {
 
-constexpr char root_begin[] = "<Quillet_Data";
-constexpr char item_end[] = "</Item>";
-
 /// Offsets of everything that looks like the begin tag of an "Item" element.
 std::vector<int> Item_Offsets(const QByteArray& document)
 {
@@ -134,7 +131,7 @@ void TItemSurveyor::Read_Document(const TXmlFile& xml_file)
 /// Reads the root's begin tag of a document that is not well-formed.
 void TItemSurveyor::Read_Root_Alone()
 {
-    const int begin = d_document.indexOf(root_begin);
+    const int begin = d_document.indexOf(ItemXml::Root_Begin);
     const int end = d_document.indexOf('>', begin);
     if (begin < 0 || end < 0)
         return;
@@ -158,11 +155,11 @@ void TItemSurveyor::Read_Separately()
     for (std::size_t i = 0; i + 1 < offsets.size(); ++i) {
         Begin_Label(offsets[i]);
         const QByteArray element = d_document.mid(offsets[i], offsets[i + 1] - offsets[i]);
-        const int end = element.indexOf(item_end);
+        const int end = element.indexOf(ItemXml::Item_End);
         if (end < 0)
             Report(tr("the element is not closed"));
         else
-            Read_Element(element.left(end) + item_end);
+            Read_Element(element.left(end) + ItemXml::Item_End);
     }
 }
 

@@ -50,7 +50,7 @@ QString Border_Words()
     return words.join(QStringLiteral(", "));
 }
 
-QString Coordinate_Text(double coordinate)
+QString Shortest_Text(double coordinate)
 {
     return QString::number(coordinate, 'g', QLocale::FloatingPointShortest);
 }
@@ -210,8 +210,8 @@ QByteArray ItemTable::Write(const std::vector<TItemRow>& rows, const QStringList
                                  QString::number(item.value),
                                  item.text,
                                  Border_Text(item.border_type),
-                                 Coordinate_Text(item.position.x()),
-                                 Coordinate_Text(item.position.y()),
+                                 Shortest_Text(item.position.x()),
+                                 Shortest_Text(item.position.y()),
                                  QString::number(item.id)};
         table += Csv::Line(fields + row.cells, separator);
     }

@@ -17,6 +17,10 @@ extern const QLatin1String Value_Name;
 extern const QLatin1String Border_Name;
 extern const QLatin1String Position_Name;
 
+/// Tags in the bytes of a document: where its root begins and where a label ends.
+constexpr char Root_Begin[] = "<Quillet_Data";
+constexpr char Item_End[] = "</Item>";
+
 /// The text of a required child element.
 /// @param optional_text  whether the element may be empty.
 /// @throws TXmlFileException when the element, or a required text, is missing.

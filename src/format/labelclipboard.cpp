@@ -9,7 +9,7 @@ namespace {
 const QLatin1String csv_type("text/csv");
 
 /// The separator of a table: a tab if the first line contains one, otherwise a comma.
-QChar Separator(const QByteArray& table)
+QChar Separator_Of(const QByteArray& table)
 {
     const int tab = table.indexOf('\t');
     const int line_end = table.indexOf('\n');
@@ -38,7 +38,7 @@ std::vector<TDataItem> LabelClipboard::Paste(const QMimeData& data)
     const QByteArray table = data.hasFormat(csv_type) ? data.data(csv_type) : data.text().toUtf8();
     std::vector<TDataItem> items;
     for (const TItemRow& row :
-         ItemTable::Read(table, Separator(table), {}, ItemTable::TIds::Ignore))
+         ItemTable::Read(table, Separator_Of(table), {}, ItemTable::TIds::Ignore))
         items.push_back(row.item);
     return items;
 }

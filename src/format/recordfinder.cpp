@@ -1,6 +1,7 @@
 #include "src/format/recordfinder.h"
 
 #include "core/conversion.h"
+#include "src/format/itemxml.h"
 #include "src/format/projectlayout.h"
 #include "src/model/pageimage.h"
 
@@ -10,9 +11,7 @@ using ProjectLayout::Integer_Size;
 using ProjectLayout::Minimum_Page;
 
 constexpr auto& png_signature = TPageImage::Png_Signature;
-constexpr char root_begin[] = "<Quillet_Data";
 constexpr char root_end[] = "</Quillet_Data>";
-constexpr char item_end[] = "</Item>";
 constexpr char declaration_begin[] = "<?xml";
 constexpr int longest_declaration = 128; ///< bytes between a document's beginning and its root
 constexpr int longest_tag = 16384;       ///< bytes of a root's begin tag, with the page's texts
@@ -34,7 +33,7 @@ qint64 TFileField::Length_Offset() const
 
 TRecordFinder::TRecordFinder(const QByteArray& bytes)
     : d_bytes(bytes)
-    , d_last_root(bytes.lastIndexOf(root_begin))
+    , d_last_root(bytes.lastIndexOf(ItemXml::Root_Begin))
 {
 }
 
@@ -132,7 +131,7 @@ std::optional<TPageRecord> TRecordFinder::Document_After(qint64 offset) const
 {
     if (offset > d_last_root)
         return std::nullopt;
-    const int root = d_bytes.indexOf(root_begin, static_cast<int>(offset));
+    const int root = d_bytes.indexOf(ItemXml::Root_Begin, static_cast<int>(offset));
     const int head = qMax(static_cast<int>(offset), root - longest_declaration);
     const int declaration = d_bytes.mid(head, root - head).lastIndexOf(declaration_begin);
     const int begin = declaration < 0 ? root : head + declaration;
@@ -150,7 +149,7 @@ std::optional<TPageRecord> TRecordFinder::Document_After(qint64 offset) const
 qint64 TRecordFinder::Document_End(int root, bool* is_sure) const
 {
     const bool is_last = root == d_last_root;
-    const int limit = is_last ? d_bytes.size() : d_bytes.indexOf(root_begin, root + 1);
+    const int limit = is_last ? d_bytes.size() : d_bytes.indexOf(ItemXml::Root_Begin, root + 1);
     const QByteArray body = QByteArray::fromRawData(d_bytes.constData() + root, limit - root);
     const int tag_end = body.left(longest_tag).indexOf('>');
     const int close = body.indexOf(root_end);
@@ -161,8 +160,9 @@ qint64 TRecordFinder::Document_End(int root, bool* is_sure) const
     *is_sure = is_last;
     if (is_last)
         return limit;
-    const int last_item = body.lastIndexOf(item_end);
-    return root + (last_item < 0 ? Length(root_begin) : last_item + Length(item_end));
+    const int last_item = body.lastIndexOf(ItemXml::Item_End);
+    return root +
+           (last_item < 0 ? Length(ItemXml::Root_Begin) : last_item + Length(ItemXml::Item_End));
 }
 
 /// A record with a wrong length, rebuilt around the next label document.

@@ -95,7 +95,7 @@ bool Has_Hidden_Damage(const QByteArray& format, const QByteArray& bytes)
     return (format == "jpeg" || format == "jpg") && TWarningWatch::Has_Warned();
 }
 
-QString Undecodable()
+QString Decoding_Fault()
 {
     return Tr("the image cannot be decoded");
 }
@@ -104,7 +104,7 @@ QString Png_Fault(const QByteArray& bytes)
 {
     TPngReader reader(bytes);
     if (!reader.Read_Header() || TPageImage::Is_Too_Large(reader.Size()))
-        return Undecodable();
+        return Decoding_Fault();
     if (reader.Read_Rows(nullptr))
         return QString();
     const int rows = reader.Complete_Rows();
@@ -139,7 +139,7 @@ QString ImageCheck::Fault(const QByteArray& bytes)
     const TWarningWatch watch;
     // Checks the size first.
     if (TPageImage::From_Bytes(bytes).isNull())
-        return Undecodable();
+        return Decoding_Fault();
     QBuffer buffer;
     buffer.setData(bytes);
     QImageReader reader(&buffer);

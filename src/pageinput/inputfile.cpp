@@ -9,15 +9,12 @@
 
 namespace {
 
-QString Tr(const char* source)
-{
-    return QCoreApplication::translate("TInputFile", source);
-}
-
 /// A message about a page, or an empty one.
 QString About_Page(int page, const QString& message)
 {
-    return message.isEmpty() ? QString() : Tr("page %1: %2").arg(page).arg(message);
+    return message.isEmpty()
+               ? QString()
+               : QCoreApplication::translate("TInputFile", "page %1: %2").arg(page).arg(message);
 }
 
 QString Numbered_Name(const QString& path, int page)
@@ -109,7 +106,8 @@ QString TInputFile::Damage() const
 QString TInputFile::Image_Fault() const
 {
     if (QFileInfo(d_path).isReadable())
-        return Tr("is not a readable image; accepted formats: %1")
+        return QCoreApplication::translate("TInputFile",
+                                           "is not a readable image; accepted formats: %1")
             .arg(ImageFiles::Suffixes_And_Pdf().join(QStringLiteral(", ")));
     QFile file(d_path);
     file.open(QIODevice::ReadOnly);

@@ -15,11 +15,6 @@ namespace {
 /// More pages are refused. A file of some bytes can declare billions of pages.
 constexpr int page_limit = 100'000;
 
-QString Tr(const char* source)
-{
-    return QCoreApplication::translate("TPdfFile", source);
-}
-
 /// An absolute path is not mistaken for an option or a number of an open file.
 QString Argument(const QString& path)
 {
@@ -58,7 +53,7 @@ QString TPdfFile::Open()
                      {QStringLiteral("-box"), QStringLiteral("-f"), QStringLiteral("1"),
                       QStringLiteral("-l"), QString::number(page_limit), Argument(d_path)});
     if (run.messages.contains("Incorrect password"))
-        return Tr("is encrypted and needs a password");
+        return tr("is encrypted and needs a password");
     return run.fault.isEmpty() ? Read_Sizes(QString::fromLatin1(run.output)) : run.fault;
 }
 
@@ -75,7 +70,7 @@ QString TPdfFile::Read_Sizes(const QString& output)
     for (auto matches = count_pattern.globalMatch(output); matches.hasNext();)
         count = matches.next().captured(1).toInt();
     if (count > page_limit)
-        return Tr("has more than %1 pages").arg(page_limit);
+        return tr("has more than %1 pages").arg(page_limit);
     d_sizes.assign(static_cast<std::size_t>(count), QSizeF());
     for (auto matches = box_pattern.globalMatch(output); matches.hasNext();) {
         const QRegularExpressionMatch match = matches.next();
@@ -85,23 +80,23 @@ QString TPdfFile::Read_Sizes(const QString& output)
             d_sizes[static_cast<std::size_t>(page - 1)] = {number(4) - number(2),
                                                            number(5) - number(3)};
     }
-    return count > 0 ? QString() : Tr("contains no pages");
+    return count > 0 ? QString() : tr("contains no pages");
 }
 
 QString TPdfFile::Page_Fault(int page, int resolution) const
 {
     if (page > Page_Count())
-        return Tr("does not exist; the file has %1 pages").arg(Page_Count());
+        return tr("does not exist; the file has %1 pages").arg(Page_Count());
     const QSizeF size = d_sizes[static_cast<std::size_t>(page - 1)];
     // For such a page, pdftoppm silently renders the previous page again.
     if (!size.isValid())
-        return Tr("cannot be read");
+        return tr("cannot be read");
     constexpr double points_per_inch = 72.0;
     const double scale = resolution / points_per_inch;
     const double pixels = std::ceil(size.width() * scale) * std::ceil(size.height() * scale);
     constexpr qint64 million = 1'000'000;
     if (!(pixels <= TPageImage::Maximum_Pixels))
-        return Tr("is larger than %1 megapixels at %2 dpi")
+        return tr("is larger than %1 megapixels at %2 dpi")
             .arg(TPageImage::Maximum_Pixels / million)
             .arg(resolution);
     return QString();
@@ -118,6 +113,6 @@ TRenderedPage TPdfFile::Render(int page, int resolution) const
         return {QByteArray(), run.fault};
     const QString error = First_Error(run.messages);
     if (Is_Complete_Png(run.output))
-        return {run.output, error.isEmpty() ? error : Tr("may be incomplete: %1").arg(error)};
-    return {QByteArray(), error.isEmpty() ? Tr("cannot be rendered") : error};
+        return {run.output, error.isEmpty() ? error : tr("may be incomplete: %1").arg(error)};
+    return {QByteArray(), error.isEmpty() ? tr("cannot be rendered") : error};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QSizeF>
 #include <QString>
 
@@ -16,6 +17,8 @@ struct TRenderedPage
 /// A PDF whose pages are rendered by poppler's command-line tools, one process for each page.
 class TPdfFile
 {
+    Q_DECLARE_TR_FUNCTIONS(TPdfFile)
+
 public:
     static constexpr int Lowest_Resolution = 36;    ///< dots per inch
     static constexpr int Highest_Resolution = 1200; ///< dots per inch

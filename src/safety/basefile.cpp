@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr mode_t file_mode = S_IRUSR | S_IWUSR;
-
 /// Gives an open file another name. Unlike its path, its descriptor cannot become another file.
 bool Link(int descriptor, const QString& path)
 {
@@ -30,7 +28,8 @@ bool Link(int descriptor, const QString& path)
 bool Clone(int descriptor, const QString& path)
 {
     const QByteArray name = QFile::encodeName(path);
-    const int clone = open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, file_mode);
+    const int clone =
+        open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (clone < 0)
         return false;
     const bool is_cloned = ioctl(clone, FICLONE, descriptor) == 0;

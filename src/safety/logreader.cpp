@@ -15,11 +15,6 @@
 
 namespace {
 
-QString Tr(const char* text)
-{
-    return QCoreApplication::translate("TLogReader", text);
-}
-
 /// The single value of a query; none if it fails.
 std::optional<qint64> Number(TDatabase* database, const char* query)
 {
@@ -39,16 +34,16 @@ TLogReader::TContent TLogReader::Open(const QString& path, const QString& backup
     if (QFileInfo(path).isFile() && QFileInfo(path).size() == 0)
         return Unreadable_Unless(commits.all == 0);
     if (!d_database.Open(path))
-        return Unreadable(Tr("is not readable: %1").arg(d_database.Error()));
+        return Unreadable(tr("is not readable: %1").arg(d_database.Error()));
     const std::optional<qint64> tables = Number(&d_database, "SELECT count(*) FROM sqlite_master");
     if (!tables)
-        return Unreadable(Tr("is not readable: %1").arg(d_database.Error()));
+        return Unreadable(tr("is not readable: %1").arg(d_database.Error()));
     if (*tables == 0)
         return Unreadable_Unless(commits.all == 0);
     if (Number(&d_database, "PRAGMA application_id") != LogSchema::Application_Id)
-        return Unreadable(Tr("is not a work log"));
+        return Unreadable(tr("is not a work log"));
     if (Number(&d_database, "PRAGMA user_version") != LogSchema::Version)
-        return Unreadable(Tr("is from another version of the program"));
+        return Unreadable(tr("is from another version of the program"));
     // The first commit creates the tables.
     if (!Read_Document())
         return Unreadable_Unless(d_is_whole && commits.all <= 1);
@@ -61,7 +56,7 @@ TLogReader::TContent TLogReader::Open(const QString& path, const QString& backup
 /// damaged.
 TLogReader::TContent TLogReader::Unreadable_Unless(bool is_unfinished)
 {
-    return is_unfinished ? TContent::Nothing : Unreadable(Tr("is damaged"));
+    return is_unfinished ? TContent::Nothing : Unreadable(tr("is damaged"));
 }
 
 TLogReader::TContent TLogReader::Unreadable(const QString& problem)

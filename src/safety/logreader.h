@@ -8,6 +8,7 @@
 #include "src/safety/database.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QString>
 
@@ -30,6 +31,8 @@ struct TLoggedPage
 /// Of a damaged log, reads what is readable.
 class TLogReader
 {
+    Q_DECLARE_TR_FUNCTIONS(TLogReader)
+
 public:
     enum class TContent {
         Work,      ///< a document

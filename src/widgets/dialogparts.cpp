@@ -1,6 +1,7 @@
 #include "src/widgets/dialogparts.h"
 
 #include <QDialog>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QPushButton>
 
@@ -10,6 +11,13 @@ QFrame* DialogParts::Sunken_Line(QFrame::Shape shape, QWidget* parent)
     line->setFrameShape(shape);
     line->setFrameShadow(QFrame::Sunken);
     return line;
+}
+
+void DialogParts::Add_Space(QGridLayout* grid, int row, int column_count)
+{
+    constexpr int least_height = 8; // pixels
+    grid->addItem(new QSpacerItem(0, least_height, QSizePolicy::Minimum, QSizePolicy::Expanding),
+                  row, 0, 1, column_count);
 }
 
 QBoxLayout* DialogParts::Button_Row(QPushButton* accept, QDialog* dialog)

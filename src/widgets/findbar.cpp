@@ -13,7 +13,7 @@ namespace {
 constexpr int margin = 4; // pixels
 
 /// A button without a caption, so that the bar fits a narrow window.
-QToolButton* New_Button(const QString& name, const QString& description, QWidget* parent)
+QToolButton* New_Icon_Button(const QString& name, const QString& description, QWidget* parent)
 {
     auto* const button = new QToolButton(parent);
     button->setAutoRaise(true);
@@ -34,11 +34,12 @@ TFindBar::TFindBar(QWidget* parent)
                                "one on any page, Shift+Return the previous one."));
     d_editor->installEventFilter(this);
     auto* const previous =
-        New_Button(tr("Find Previous"), tr("Shows the previous label that matches."), this);
+        New_Icon_Button(tr("Find Previous"), tr("Shows the previous label that matches."), this);
     previous->setArrowType(Qt::UpArrow);
-    auto* const next = New_Button(tr("Find Next"), tr("Shows the next label that matches."), this);
+    auto* const next =
+        New_Icon_Button(tr("Find Next"), tr("Shows the next label that matches."), this);
     next->setArrowType(Qt::DownArrow);
-    auto* const close = New_Button(tr("Close Find Bar"), tr("Returns to the page."), this);
+    auto* const close = New_Icon_Button(tr("Close Find Bar"), tr("Returns to the page."), this);
     close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
     connect(previous, &QToolButton::clicked, this,
             [this] { Q_EMIT Find_Previous(d_editor->text()); });

@@ -8,7 +8,7 @@
 
 namespace {
 
-QToolButton* New_Button(const QString& text, const QString& description, QWidget* parent)
+QToolButton* New_Text_Button(const QString& text, const QString& description, QWidget* parent)
 {
     auto* const button = new QToolButton(parent);
     button->setText(text);
@@ -24,9 +24,9 @@ TRecoveryNotice::TRecoveryNotice(QWidget* parent)
     , d_label(new TElidedLabel(Qt::ElideRight, this))
 {
     auto* const open =
-        New_Button(tr("Open"), tr("Open the recovered work as unsaved changes"), this);
+        New_Text_Button(tr("Open"), tr("Open the recovered work as unsaved changes"), this);
     d_open_button = open;
-    auto* const dismiss = New_Button(
+    auto* const dismiss = New_Text_Button(
         tr("Dismiss"), tr("Hide this notice until the next start; the file stays"), this);
     connect(open, &QToolButton::clicked, this, &TRecoveryNotice::Open_Requested);
     connect(dismiss, &QToolButton::clicked, this, &TRecoveryNotice::Dismissed);

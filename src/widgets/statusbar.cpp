@@ -42,12 +42,12 @@ QRect TStatusBar::Message_Area() const
 {
     constexpr int left = 6;   // pixels, as in QStatusBar
     constexpr int right = 12; // to the edge of the bar
-    constexpr int margin = 2; // to a widget
+    constexpr int gap = 2;    // to a widget
     int end = width() - right;
     const auto widgets = findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
     for (const QWidget* const widget : widgets) {
         if (widget->isVisible())
-            end = qMin(end, widget->x() - margin);
+            end = qMin(end, widget->x() - gap);
     }
     return {left, 0, end - left, height()};
 }

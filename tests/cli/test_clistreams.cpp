@@ -53,6 +53,10 @@ class TestCliStreams : public QObject
     {
         QProcess process;
         process.setWorkingDirectory(d_folder->path());
+        // The shell that script(1) starts; the tests use Bash's quotation marks.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("SHELL", "/bin/bash");
+        process.setProcessEnvironment(environment);
         process.start("script",
                       {"-qec", "tool=" + Support::Tool_Path() + "; " + script, "/dev/null"});
         if (!process.waitForFinished())
