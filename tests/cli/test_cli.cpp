@@ -6,14 +6,11 @@
 
 #include <QFile>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <unistd.h>
 
-using Support::Run_Tool;
 using Support::TToolResult;
 
 namespace {
@@ -23,28 +20,13 @@ const QStringList command_names = {"create",       "info",          "check",    
                                    "reindex",      "export-images", "export-pdf", "export-html",
                                    "import-items", "export-items",  "kept",       "thumbnail"};
 
-QByteArray Sound_Project()
-{
-    return Support::Header(32, "#0a141e", "", "", 1) +
-           Support::Page_Record(
-               "a", Support::Png(Support::Picture(60, 40)),
-               Support::Item_List(Support::Item_Element("5", "7", "", "1", "10.00,20.00")));
-}
-
 } // namespace
 
 /// Tests what all commands have in common. Each test has a folder with a sound document, a damaged
 /// one, a table and an image.
-class TestCli : public QObject
+class TestCli : public Support::TToolTest
 {
     Q_OBJECT
-
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    TToolResult Run(const QStringList& arguments) const
-    {
-        return Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
-    }
 
     /// Runs the tool as an ordinary user: root's right to ignore permissions is dropped.
     TToolResult Run_Without_Privileges(const QStringList& arguments) const
@@ -60,11 +42,6 @@ class TestCli : public QObject
             result.status = process.exitCode();
         result.errors = QString::fromUtf8(process.readAllStandardError());
         return result;
-    }
-
-    QByteArray Content(const QString& name) const
-    {
-        return Support::Read_File(d_folder->filePath(name));
     }
 
     /// Adds the arguments of each command that writes a file, here "out".
@@ -95,14 +72,12 @@ class TestCli : public QObject
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
-        const QByteArray project = Sound_Project();
-        Support::Write_File(d_folder->filePath("sound.quillet"), project);
-        Support::Write_File(d_folder->filePath("damaged.quillet"),
-                            project.left(project.size() - 9));
-        Support::Write_File(d_folder->filePath("items.csv"), "page,value,x,y\r\n1,3,4,5\r\n");
-        Support::Write_File(d_folder->filePath("image.png"),
-                            Support::Png(Support::Picture(60, 40)));
+        TToolTest::init();
+        const QByteArray project = Support::One_Label_Project();
+        Write("sound.quillet", project);
+        Write("damaged.quillet", project.left(project.size() - 9));
+        Write("items.csv", "page,value,x,y\r\n1,3,4,5\r\n");
+        Write("image.png", Support::Png(Support::Picture(60, 40)));
     }
 
     void help_lists_every_command_data()
@@ -260,20 +235,17 @@ private slots:
 
     void an_argument_that_is_not_utf_8_is_refused_data()
     {
-        QTest::addColumn<QString>("arguments");
-        QTest::newRow("read") << "check $'b\\xff'";
-        QTest::newRow("written") << "create image.png --output $'b\\xff'";
+        QTest::addColumn<QString>("command");
+        QTest::newRow("read") << "$tool check $'b\\xff'";
+        QTest::newRow("written") << "$tool create image.png --output $'b\\xff'";
     }
     void an_argument_that_is_not_utf_8_is_refused()
     {
-        QFETCH(const QString, arguments);
+        QFETCH(const QString, command);
         const QStringList before = Support::Entries(d_folder->path());
-        QProcess process;
-        process.setWorkingDirectory(d_folder->path());
-        process.start("bash", {"-c", Support::Tool_Path() + ' ' + arguments});
-        QVERIFY(process.waitForFinished());
-        QCOMPARE(process.exitCode(), 2);
-        QCOMPARE(process.readAllStandardError().split('\n').first(),
+        const Support::TScriptResult result = Shell(command);
+        QCOMPARE(result.status, 2);
+        QCOMPARE(result.errors.split('\n').first(),
                  QByteArray("quillet-cli: Argument 'b\xef\xbf\xbd' is not valid UTF-8."));
         QCOMPARE(Support::Entries(d_folder->path()), before);
     }
@@ -298,7 +270,7 @@ private slots:
     {
         QFETCH(const QString, arguments);
         QFETCH(const QString, name);
-        QVERIFY(QFile::link("sound.quillet", d_folder->filePath("link")));
+        QVERIFY(QFile::link("sound.quillet", Path("link")));
         const QByteArray before = Content(name);
         const TToolResult result = Run(arguments.split(' ') + QStringList{"--force"});
         QCOMPARE(result.status, 1);
@@ -309,8 +281,8 @@ private slots:
 
     void a_hard_link_to_an_input_is_not_overwritten()
     {
-        QCOMPARE(link(QFile::encodeName(d_folder->filePath("sound.quillet")).constData(),
-                      QFile::encodeName(d_folder->filePath("hard.quillet")).constData()),
+        QCOMPARE(link(QFile::encodeName(Path("sound.quillet")).constData(),
+                      QFile::encodeName(Path("hard.quillet")).constData()),
                  0);
         const TToolResult result =
             Run({"export-pdf", "sound.quillet", "--output", "hard.quillet", "--force"});
@@ -318,7 +290,7 @@ private slots:
         QCOMPARE(
             result.errors,
             QStringLiteral("quillet-cli: hard.quillet: is an input and cannot be overwritten\n"));
-        QCOMPARE(Content("sound.quillet"), Sound_Project());
+        QCOMPARE(Content("sound.quillet"), Support::One_Label_Project());
     }
 
     void neither_file_of_a_legacy_document_is_overwritten_data()
@@ -336,12 +308,12 @@ private slots:
         QFETCH(const QString, command);
         const QByteArray image = Content("image.png");
         const QByteArray list = "<Quillet_Data File_Version=\"3\"/>";
-        Support::Write_File(d_folder->filePath("a.qli"), image);
-        Support::Write_File(d_folder->filePath("a.qld"), list);
-        QCOMPARE(link(QFile::encodeName(d_folder->filePath("a.qli")).constData(),
-                      QFile::encodeName(d_folder->filePath("hard.qli")).constData()),
+        Write("a.qli", image);
+        Write("a.qld", list);
+        QCOMPARE(link(QFile::encodeName(Path("a.qli")).constData(),
+                      QFile::encodeName(Path("hard.qli")).constData()),
                  0);
-        QVERIFY(QFile::link("a.qld", d_folder->filePath("soft.qld")));
+        QVERIFY(QFile::link("a.qld", Path("soft.qld")));
         for (const char* const output : {"a.qld", "./a.qli", "hard.qli", "soft.qld"}) {
             const TToolResult result =
                 Run(command.split(' ') + QStringList{"a.qld", "--output", output, "--force"});
@@ -358,7 +330,7 @@ private slots:
     void an_existing_file_is_kept_without_force()
     {
         QFETCH(const QStringList, arguments);
-        Support::Write_File(d_folder->filePath("out"), "old");
+        Write("out", "old");
         const QStringList before = Support::Entries(d_folder->path());
         const TToolResult result = Run(arguments);
         QCOMPARE(result.status, 1);
@@ -372,7 +344,7 @@ private slots:
     void force_overwrites_an_existing_file()
     {
         QFETCH(const QStringList, arguments);
-        Support::Write_File(d_folder->filePath("out"), "old");
+        Write("out", "old");
         const QStringList before = Support::Entries(d_folder->path());
         const TToolResult result = Run(arguments + QStringList{"--force"});
         QCOMPARE(result.errors, QString());
@@ -385,10 +357,10 @@ private slots:
     void a_full_disk_keeps_the_existing_file()
     {
         QFETCH(const QStringList, arguments);
-        Support::Write_File(d_folder->filePath("out"), "old");
+        Write("out", "old");
         const QStringList before = Support::Entries(d_folder->path());
-        const TToolResult result = Run_Tool(arguments + QStringList{"--force"},
-                                            {QString(), d_folder->path(), QString(), "0"});
+        d_options.file_size = "0";
+        const TToolResult result = Run(arguments + QStringList{"--force"});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,
                  QStringLiteral("quillet-cli: out: cannot be written: File too large\n"));
@@ -402,9 +374,9 @@ private slots:
         // program.
         const QString out = QDir(QDir(d_folder->path()).canonicalPath()).filePath("out");
         QVERIFY(QFile::copy("/bin/sleep", out));
-        QCOMPARE(link(QFile::encodeName(out).constData(),
-                      QFile::encodeName(d_folder->filePath("other")).constData()),
-                 0);
+        QCOMPARE(
+            link(QFile::encodeName(out).constData(), QFile::encodeName(Path("other")).constData()),
+            0);
         QProcess program;
         program.start(out, {"60"});
         QVERIFY(program.waitForStarted());
@@ -442,7 +414,7 @@ private slots:
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,
                  QStringLiteral("quillet-cli: out: cannot be written: Is a directory\n"));
-        QCOMPARE(Support::Entries(d_folder->filePath("out")), QStringList());
+        QCOMPARE(Support::Entries(Path("out")), QStringList());
     }
 
     void a_device_is_not_a_valid_output_data() { Add_Writing_Commands(); }
@@ -471,25 +443,25 @@ private slots:
         QFETCH(const bool, is_folder_writable);
         QVERIFY(QDir(d_folder->path()).mkdir("locked"));
         if (has_file)
-            Support::Write_File(d_folder->filePath("locked/out"), "old");
+            Write("locked/out", "old");
         const QFile::Permissions read_only = QFile::ReadOwner | QFile::ExeOwner;
         const QString locked = is_folder_writable ? "locked/out" : "locked";
-        QVERIFY(QFile::setPermissions(d_folder->filePath(locked), read_only));
-        const QStringList before = Support::Entries(d_folder->filePath("locked"));
+        QVERIFY(QFile::setPermissions(Path(locked), read_only));
+        const QStringList before = Support::Entries(Path("locked"));
         const TToolResult result = Run_Without_Privileges(
             {"thumbnail", "sound.quillet", "--output", "locked/out", "--force"});
-        QVERIFY(QFile::setPermissions(d_folder->filePath(locked), read_only | QFile::WriteOwner));
+        QVERIFY(QFile::setPermissions(Path(locked), read_only | QFile::WriteOwner));
         QCOMPARE(result.errors,
                  QStringLiteral("quillet-cli: locked/out: cannot be written: Permission denied\n"));
         QCOMPARE(result.status, 1);
-        QCOMPARE(Support::Entries(d_folder->filePath("locked")), before);
+        QCOMPARE(Support::Entries(Path("locked")), before);
         QCOMPARE(Content("locked/out"), QByteArray(has_file ? "old" : ""));
     }
 
     void a_folder_of_images_that_cannot_be_read_is_refused()
     {
         QVERIFY(QDir(d_folder->path()).mkdir("locked"));
-        const QString locked = d_folder->filePath("locked");
+        const QString locked = Path("locked");
         QVERIFY(QFile::setPermissions(locked, QFile::WriteOwner | QFile::ExeOwner));
         const TToolResult result =
             Run_Without_Privileges({"create", "locked", "--output", "new.quillet"});
@@ -529,7 +501,7 @@ private slots:
         QCOMPARE(result.status, 1);
         QCOMPARE(result.output, QString());
         // The file ends within the labels, so the length field of the labels is the first defect.
-        const int offset = Sound_Project().indexOf("<?xml") - 4;
+        const int offset = Support::One_Label_Project().indexOf("<?xml") - 4;
         QVERIFY2(result.errors.startsWith(
                      QString("quillet-cli: damaged.quillet: byte %1: ").arg(offset)),
                  qPrintable(result.errors));
@@ -539,7 +511,7 @@ private slots:
 
     void a_document_beyond_2_gib_is_refused()
     {
-        QFile file(d_folder->filePath("sound.quillet"));
+        QFile file(Path("sound.quillet"));
         QVERIFY(file.resize(ProjectLayout::Largest_File + 1));
         const TToolResult result = Run({"info", "sound.quillet"});
         QCOMPARE(result.errors,
@@ -577,8 +549,8 @@ private slots:
     {
         QFETCH(const QStringList, arguments);
         for (const char* const display : {"", ":7654", "nonsense"}) {
-            const TToolResult result = Run_Tool(arguments + QStringList{"--force"},
-                                                {QString(), d_folder->path(), display, QString()});
+            d_options.display = display;
+            const TToolResult result = Run(arguments + QStringList{"--force"});
             QCOMPARE(result.errors, QString());
             QCOMPARE(result.status, 0);
             // The home folder stays empty.
@@ -595,12 +567,9 @@ private slots:
 
     void a_full_standard_output_is_an_error()
     {
-        QProcess process;
-        process.setStandardOutputFile("/dev/full");
-        process.start(Support::Tool_Path(), {"info", d_folder->filePath("sound.quillet")});
-        QVERIFY(process.waitForFinished());
-        QCOMPARE(process.exitCode(), 1);
-        QCOMPARE(process.readAllStandardError(),
+        const Support::TScriptResult result = Shell("$tool info sound.quillet >/dev/full");
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors,
                  QByteArray(
                      "quillet-cli: standard output: cannot be written: No space left on device\n"));
     }
@@ -627,28 +596,19 @@ private slots:
         QFETCH(const QString, arguments);
         QFETCH(const QByteArray, output);
         QCOMPARE(Run(arguments.split(' ')).errors, QString());
-        QFile::remove(d_folder->filePath("b"));
-        // `script` runs the tool in a new terminal and prints that terminal's output.
-        QProcess process;
-        process.setWorkingDirectory(d_folder->path());
-        process.start("script", {"-qec", Support::Tool_Path() + ' ' + arguments, "/dev/null"});
-        QVERIFY(process.waitForFinished());
-        QCOMPARE(process.exitCode(), 0);
-        QCOMPARE(process.readAllStandardOutput(), output);
+        QFile::remove(Path("b"));
+        const Support::TScriptResult shown = On_Terminal("$tool " + arguments);
+        QCOMPARE(shown.status, 0);
+        QCOMPARE(shown.output, output);
     }
 
     void file_names_are_utf_8_in_any_locale()
     {
         const QString name = QString::fromUtf8("Prüfung Ω.quillet");
-        Support::Write_File(d_folder->filePath(name), Sound_Project());
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("LC_ALL", "C");
-        process.setProcessEnvironment(environment);
-        process.start(Support::Tool_Path(), {"info", d_folder->filePath(name)});
-        QVERIFY(process.waitForFinished());
-        QCOMPARE(process.exitCode(), 0);
-        QVERIFY(QString::fromUtf8(process.readAllStandardOutput()).contains(name));
+        Write(name, Support::One_Label_Project());
+        const Support::TScriptResult result = Shell("LC_ALL=C $tool info '" + name + '\'');
+        QCOMPARE(result.status, 0);
+        QVERIFY(QString::fromUtf8(result.output).contains(name));
     }
 };
 

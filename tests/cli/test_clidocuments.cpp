@@ -8,23 +8,18 @@
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QVariantList>
 
 #include <sys/stat.h>
 
-using Support::Header;
-using Support::Item_Element;
-using Support::Item_List;
-using Support::Page_Record;
-using Support::TToolResult;
+using namespace Support;
 
 namespace {
 
 QByteArray Picture(int seed = 0)
 {
-    return Support::Png(Support::Picture(60, 40, seed));
+    return Png(Support::Picture(60, 40, seed));
 }
 
 QByteArray One_Label(const QByteArray& value)
@@ -41,23 +36,9 @@ QByteArray Two_Pages()
 } // namespace
 
 /// Tests create, info, check, recover and reindex.
-class TestCliDocuments : public QObject
+class TestCliDocuments : public TToolTest
 {
     Q_OBJECT
-
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-
-    TToolResult Run(const QStringList& arguments) const
-    {
-        return Support::Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
-    }
-
-    void Write(const QString& name, const QByteArray& content) const
-    {
-        Support::Write_File(Path(name), content);
-    }
 
     /// Creates a project from a folder with images of these names, and returns its page names.
     QStringList Page_Names_Of(const QStringList& file_names) const
@@ -94,8 +75,6 @@ class TestCliDocuments : public QObject
     }
 
 private slots:
-    void init() { d_folder = std::make_unique<QTemporaryDir>(); }
-
     void images_become_pages_in_the_given_order()
     {
         Write("z.png", Picture(1));
@@ -107,8 +86,7 @@ private slots:
         const QByteArray expected = Header(32, "#f79741", "", "", 2) +
                                     Page_Record("Page 1", Picture(1), Item_List()) +
                                     Page_Record("Page 2", Picture(2), Item_List());
-        QCOMPARE(Support::Byte_Difference(Support::Read_File(Path("out.quillet")), expected),
-                 QString());
+        QCOMPARE(Byte_Difference(Content("out.quillet"), expected), QString());
     }
 
     void images_of_a_folder_are_in_natural_order()
@@ -225,7 +203,7 @@ private slots:
 
     void a_document_without_pages_is_valid()
     {
-        Write("a.quillet", Support::Empty_Project());
+        Write("a.quillet", Empty_Project());
         QVERIFY(Run({"info", "a.quillet"}).output.endsWith("Pages: 0\n"));
         QCOMPARE(Run({"check", "a.quillet"}).status, 0);
     }
@@ -233,7 +211,7 @@ private slots:
     void check_accepts_sound_files()
     {
         Write("a.quillet", Two_Pages());
-        Write("b.quillet", Support::Empty_Project());
+        Write("b.quillet", Empty_Project());
         const TToolResult result = Run({"check", "a.quillet", "b.quillet"});
         QCOMPARE(result.status, 0);
         QCOMPARE(result.errors, QString());
@@ -389,7 +367,7 @@ private slots:
                      .status,
                  0);
         QCOMPARE(Page_Names("reindexed.quillet"), QStringList{name});
-        Write("damaged.quillet", Support::Read_File(Path("out.quillet")) + "x");
+        Write("damaged.quillet", Content("out.quillet") + "x");
         QCOMPARE(Run({"recover", "damaged.quillet", "--output", "recovered.quillet"}).status, 0);
         QCOMPARE(Page_Names("recovered.quillet"), QStringList{name});
         QDir(d_folder->path()).mkdir("exported");
@@ -410,8 +388,7 @@ private slots:
                       "out.quillet"})
                      .errors,
                  QString());
-        QCOMPARE(Support::Byte_Difference(Support::Read_File(Path("out.quillet")), document),
-                 QString());
+        QCOMPARE(Byte_Difference(Content("out.quillet"), document), QString());
     }
 
     void line_breaks_and_blanks_survive_renumbering()
@@ -425,7 +402,7 @@ private slots:
                       "out.quillet"})
                      .errors,
                  QString());
-        QVERIFY(Support::Read_File(Path("out.quillet")).contains("<Text>" + text + "</Text>"));
+        QVERIFY(Content("out.quillet").contains("<Text>" + text + "</Text>"));
     }
 
     void a_legacy_text_keeps_its_line_breaks()
@@ -441,7 +418,7 @@ private slots:
             Run({"reindex", "a.qld", "--first", "1", "--over-page", "1", "--output", "out.quillet"})
                 .errors,
             QString());
-        QVERIFY(Support::Read_File(Path("out.quillet")).contains("<Text>two&#10;  lines</Text>"));
+        QVERIFY(Content("out.quillet").contains("<Text>two&#10;  lines</Text>"));
         QCOMPARE(Page_Names("out.quillet"), QStringList{"Page 1"});
     }
 
@@ -455,8 +432,7 @@ private slots:
         const QByteArray expected = Header(48, "#0a141e", "one", "two", 2) +
                                     Page_Record("a", Picture(), One_Label("-4")) +
                                     Page_Record("b", QByteArray(), Item_List());
-        QCOMPARE(Support::Byte_Difference(Support::Read_File(Path("a.quillet")), expected),
-                 QString());
+        QCOMPARE(Byte_Difference(Content("a.quillet"), expected), QString());
     }
 };
 

@@ -7,15 +7,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTransform>
 
-using Support::Header;
-using Support::Item_Element;
-using Support::Item_List;
-using Support::Page_Record;
-using Support::TToolResult;
+using namespace Support;
 
 namespace {
 
@@ -25,8 +20,7 @@ QByteArray Page(char name, const QByteArray& item = QByteArray())
     const QByteArray number = QByteArray::number(name - 'a' + 1);
     const QByteArray label =
         item.isEmpty() ? Item_Element(number, number, "", "1", "10.00,20.00") : item;
-    return Page_Record(QByteArray(1, name), Support::Png(Support::Picture(60, 40, name)),
-                       Item_List(label));
+    return Page_Record(QByteArray(1, name), Png(Picture(60, 40, name)), Item_List(label));
 }
 
 QByteArray Project(const QByteArray& pages, quint32 count)
@@ -42,23 +36,9 @@ QByteArray Three_Pages()
 } // namespace
 
 /// Tests set, pages, merge and diff. Each test has a folder with a document of three pages.
-class TestCliEditing : public QObject
+class TestCliEditing : public TToolTest
 {
     Q_OBJECT
-
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-    QByteArray Content(const QString& name) const { return Support::Read_File(Path(name)); }
-    void Write(const QString& name, const QByteArray& content) const
-    {
-        Support::Write_File(Path(name), content);
-    }
-
-    TToolResult Run(const QStringList& arguments) const
-    {
-        return Support::Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
-    }
 
     /// Runs a command that has to succeed silently, and returns the file "out".
     QByteArray Edited(const QStringList& arguments) const
@@ -82,7 +62,7 @@ class TestCliEditing : public QObject
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
+        TToolTest::init();
         Write("three.quillet", Three_Pages());
     }
 
@@ -107,8 +87,8 @@ private slots:
     {
         QFETCH(const QStringList, options);
         QFETCH(const QByteArray, header);
-        QCOMPARE(Support::Byte_Difference(Edited(QStringList{"set", "three.quillet"} + options),
-                                          header + Page('a') + Page('b') + Page('c')),
+        QCOMPARE(Byte_Difference(Edited(QStringList{"set", "three.quillet"} + options),
+                                 header + Page('a') + Page('b') + Page('c')),
                  QString());
     }
 
@@ -118,8 +98,8 @@ private slots:
                  0);
         QCOMPARE(Run({"pages", "three.quillet", "--remove", "2-3", "-fo", "three.quillet"}).status,
                  0);
-        QCOMPARE(Support::Byte_Difference(Content("three.quillet"),
-                                          Header(44, "#0a141e", "first", "second", 1) + Page('a')),
+        QCOMPARE(Byte_Difference(Content("three.quillet"),
+                                 Header(44, "#0a141e", "first", "second", 1) + Page('a')),
                  QString());
     }
 
@@ -158,8 +138,8 @@ private slots:
         for (const char name : names)
             expected += Page(name);
         // Images that are decoded and encoded again would have other bytes.
-        QCOMPARE(Support::Byte_Difference(Edited(QStringList{"pages", "three.quillet"} + options),
-                                          Project(expected, static_cast<quint32>(names.size()))),
+        QCOMPARE(Byte_Difference(Edited(QStringList{"pages", "three.quillet"} + options),
+                                 Project(expected, static_cast<quint32>(names.size()))),
                  QString());
     }
 
@@ -168,11 +148,11 @@ private slots:
         const QByteArray edited = Edited(
             {"pages", "three.quillet", "--rename", "3=x=y", "--rename", "1=", "--order", "3"});
         const auto renamed = [](char name, const QByteArray& new_name) {
-            return Support::Field(new_name) + Page(name).mid(5);
+            return Field(new_name) + Page(name).mid(5);
         };
-        QCOMPARE(Support::Byte_Difference(
-                     edited, Project(renamed('c', "x=y") + renamed('a', "") + Page('b'), 3)),
-                 QString());
+        QCOMPARE(
+            Byte_Difference(edited, Project(renamed('c', "x=y") + renamed('a', "") + Page('b'), 3)),
+            QString());
     }
 
     void pages_are_rotated_with_their_labels_data()
@@ -191,14 +171,12 @@ private slots:
         QFETCH(const QString, angle);
         QFETCH(const QByteArray, position);
         QFETCH(const int, degrees);
-        const QImage picture =
-            Support::Picture(60, 40, 'b').transformed(QTransform().rotate(degrees));
-        const QByteArray page = Page_Record("b", Support::Png(picture),
-                                            Item_List(Item_Element("2", "2", "", "1", position)));
-        QCOMPARE(
-            Support::Byte_Difference(Edited({"pages", "three.quillet", "--rotate", "2=" + angle}),
-                                     Project(Page('a') + page + Page('c'), 3)),
-            QString());
+        const QImage picture = Picture(60, 40, 'b').transformed(QTransform().rotate(degrees));
+        const QByteArray page =
+            Page_Record("b", Png(picture), Item_List(Item_Element("2", "2", "", "1", position)));
+        QCOMPARE(Byte_Difference(Edited({"pages", "three.quillet", "--rotate", "2=" + angle}),
+                                 Project(Page('a') + page + Page('c'), 3)),
+                 QString());
     }
 
     void an_edit_that_is_not_possible_is_refused_data()
@@ -280,7 +258,7 @@ private slots:
         Write("b.quillet", Project(Page('b') + Page('a'), 2));
         Write("none.quillet", Project(QByteArray(), 0));
         // Names and ids of labels may repeat. Nothing about a page changes.
-        QCOMPARE(Support::Byte_Difference(
+        QCOMPARE(Byte_Difference(
                      Edited({"merge", "b.quillet", "none.quillet", "three.quillet", "b.quillet"}),
                      Project(Page('b') + Page('a') + Page('a') + Page('b') + Page('c') + Page('b') +
                                  Page('a'),
@@ -336,8 +314,7 @@ private slots:
             << QStringList{"page 3 \"c\": removed", "page 2 \"d\": added"};
         QTest::newRow("one page moved") << Project(Page('b') + Page('c') + Page('a'), 3)
                                         << QStringList{"page 1 \"a\": moved, now page 3"};
-        QTest::newRow("renamed") << Project(Page('a') + Support::Field("B") + Page('b').mid(5) +
-                                                Page('c'),
+        QTest::newRow("renamed") << Project(Page('a') + Field("B") + Page('b').mid(5) + Page('c'),
                                             3)
                                  << QStringList{"page 2 \"b\": name: \"b\" -> \"B\""};
         const auto label = [](const QByteArray& item) {
@@ -371,20 +348,18 @@ private slots:
         const auto project = [](const QByteArray& image) {
             return Project(Page_Record("a", image, Item_List()), 1);
         };
-        QImage picture = Support::Picture(60, 40).convertToFormat(QImage::Format_RGB32);
-        Write("three.quillet", project(Support::Png(picture)));
+        QImage picture = Picture(60, 40).convertToFormat(QImage::Format_RGB32);
+        Write("three.quillet", project(Png(picture)));
         // The same pixels in another format, and in a larger one.
         QByteArray other;
         QBuffer buffer(&other);
         buffer.open(QIODevice::WriteOnly);
         QVERIFY(picture.save(&buffer, "BMP"));
         QCOMPARE(Diff(project(other)), QStringList());
-        QCOMPARE(Diff(project(Support::Png(picture.convertToFormat(QImage::Format_RGBA64)))),
-                 QStringList());
+        QCOMPARE(Diff(project(Png(picture.convertToFormat(QImage::Format_RGBA64)))), QStringList());
         picture.setPixelColor(59, 39, Qt::red);
         picture.setPixelColor(0, 0, Qt::red);
-        QCOMPARE(Diff(project(Support::Png(picture))),
-                 QStringList{"page 1 \"a\": image: 2 pixels differ"});
+        QCOMPARE(Diff(project(Png(picture))), QStringList{"page 1 \"a\": image: 2 pixels differ"});
     }
 
     void labels_in_another_order_are_a_difference()

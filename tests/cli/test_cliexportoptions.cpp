@@ -13,7 +13,6 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QRgb>
-#include <QTemporaryDir>
 #include <QTest>
 
 using Support::TToolResult;
@@ -51,18 +50,13 @@ QString Output_Of(const QString& program, const QStringList& arguments)
 
 } // namespace
 
-class TestCliExportOptions : public QObject
+class TestCliExportOptions : public Support::TToolTest
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-
     TToolResult Run(const QString& command, const QStringList& arguments = {}) const
     {
-        return Support::Run_Tool(command.split(' ') + arguments,
-                                 {QString(), d_folder->path(), QString(), QString()});
+        return TToolTest::Run(command.split(' ') + arguments);
     }
 
     /// Runs a command that has to succeed, and returns the lines of its output.
@@ -81,10 +75,10 @@ class TestCliExportOptions : public QObject
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
+        TToolTest::init();
         QVERIFY(QDir(d_folder->path()).mkdir("out"));
-        Support::Write_File(Path("a.quillet"), Project({"One", "Two", "Three"}));
-        Support::Write_File(Path("b.quillet"), Project({"One"}));
+        Write("a.quillet", Project({"One", "Two", "Three"}));
+        Write("b.quillet", Project({"One"}));
     }
 
     void chosen_pages_are_exported_in_the_given_order_data()
@@ -217,7 +211,7 @@ private slots:
     void documents_of_the_same_name_are_refused()
     {
         QVERIFY(QDir(d_folder->path()).mkdir("sub"));
-        Support::Write_File(Path("sub/a.quillet"), Project({"One"}));
+        Write("sub/a.quillet", Project({"One"}));
         const TToolResult result = Run("export-pdf a.quillet sub/a.quillet --folder out");
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, QStringLiteral("quillet-cli: out/a.pdf: would be written twice\n"));
@@ -242,7 +236,7 @@ private slots:
     void a_damaged_document_leaves_no_file_of_the_others()
     {
         QFETCH(const QString, command);
-        Support::Write_File(Path("c.quillet"), Project({"One"}).chopped(9));
+        Write("c.quillet", Project({"One"}).chopped(9));
         const TToolResult result = Run(command + " a.quillet c.quillet --folder out");
         QCOMPARE(result.status, 1);
         QCOMPARE(result.output, QString());
@@ -255,12 +249,12 @@ private slots:
     {
         QVERIFY(QFile::rename(Path("b.quillet"), Path("out/b.pdf")));
         QVERIFY(QFile::copy(Path("a.quillet"), Path("b.quillet")));
-        const QByteArray before = Support::Read_File(Path("out/b.pdf"));
+        const QByteArray before = Content("out/b.pdf");
         const TToolResult result = Run("export-pdf b.quillet out/b.pdf --folder out --force");
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, QStringLiteral("quillet-cli: out/b.pdf: is an input and cannot be "
                                                "overwritten\n"));
-        QCOMPARE(Support::Read_File(Path("out/b.pdf")), before);
+        QCOMPARE(Content("out/b.pdf"), before);
     }
 
     void written_files_are_listed_as_json()
@@ -289,7 +283,7 @@ private slots:
         for (const QString& name : QStringList{"1.png", "2.png", "3.png"}) {
             QVERIFY(!Image(name).isNull());
             QCOMPARE(Support::Difference(Image("out/" + name), Image(name)), QString());
-            QVERIFY(Support::Read_File(Path("out/" + name)) != Support::Read_File(Path(name)));
+            QVERIFY(Support::Read_File(Path("out/" + name)) != Content(name));
         }
     }
 
@@ -299,7 +293,7 @@ private slots:
         Do("export-images a.quillet --folder out --name {number} --jobs 3");
         for (const QString& name : QStringList{"1.png", "2.png", "3.png"}) {
             QVERIFY(!Image(name).isNull());
-            QCOMPARE(Support::Read_File(Path("out/" + name)), Support::Read_File(Path(name)));
+            QCOMPARE(Support::Read_File(Path("out/" + name)), Content(name));
         }
     }
 
@@ -344,7 +338,7 @@ private slots:
 
     void the_list_has_the_labels_of_the_chosen_pages()
     {
-        Support::Write_File(Path("t.csv"), "page,value,Note\n1,1,first\n2,2,second\n3,3,third\n");
+        Write("t.csv", "page,value,Note\n1,1,first\n2,2,second\n3,3,third\n");
         Do("export-pdf a.quillet --output a.pdf --list --findings t.csv --strict --pages 3,1");
         const QString list = Texts("a.pdf").last().simplified();
         QVERIFY2(list.contains("Three 3 third One 1 first"), qPrintable(list));
@@ -356,13 +350,13 @@ private slots:
         const QString command = "export-pdf a.quillet --output a.pdf --force --list "
                                 "--findings t.csv --strict --pages ";
         // Page 1 has no row, and page 3 has no label 9.
-        Support::Write_File(Path("t.csv"), "page,value,Note\n2,2,second\n3,3,third\n3,9,x\n");
+        Write("t.csv", "page,value,Note\n2,2,second\n3,3,third\n3,9,x\n");
         QCOMPARE(Do(command + "2,2"), QStringList("a.pdf"));
         QCOMPARE(Run(command + "2,1").errors,
                  QStringLiteral("quillet-cli: t.csv: page 1: label 1 has no row\n"));
         QCOMPARE(Run(command + "2-3").errors,
                  QStringLiteral("quillet-cli: t.csv: line 4: page 3 has no label 9\n"));
-        Support::Write_File(Path("t.csv"), "page,value,Note\n2,2,second\n4,1,x\n");
+        Write("t.csv", "page,value,Note\n2,2,second\n4,1,x\n");
         QCOMPARE(Run(command + "2").errors,
                  QStringLiteral("quillet-cli: t.csv: line 3: there is no page 4\n"));
     }
@@ -387,7 +381,7 @@ private slots:
 
     void a_page_without_a_name_has_its_number_as_bookmark()
     {
-        Support::Write_File(Path("a.quillet"), Project({"One", ""}));
+        Write("a.quillet", Project({"One", ""}));
         Do("export-pdf a.quillet --output a.pdf --bookmarks --pages 2");
         const QString json = Output_Of("qpdf", {"--json", "--json-key=outlines", Path("a.pdf")});
         QVERIFY2(json.contains("\"title\": \"Page 2\""), qPrintable(json));
@@ -398,9 +392,9 @@ private slots:
         QImage dark(100, 80, QImage::Format_RGB32);
         dark.fill(QColor(20, 20, 20));
         const QByteArray label = Support::Item_Element("1", "8", "", "1", "50,40");
-        Support::Write_File(Path("a.quillet"), Support::Header(32, "#ff0000", "", "", 1) +
-                                                   Support::Page_Record("p", Support::Png(dark),
-                                                                        Support::Item_List(label)));
+        Write("a.quillet",
+              Support::Header(32, "#ff0000", "", "", 1) +
+                  Support::Page_Record("p", Support::Png(dark), Support::Item_List(label)));
         Do("export-images a.quillet --folder out --name plain");
         Do("export-images a.quillet --folder out --name halo --halo");
         const QImage plain = Image("out/plain.png");

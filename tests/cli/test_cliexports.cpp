@@ -10,7 +10,6 @@
 #include <QPixmap>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
@@ -44,23 +43,13 @@ QString Time_Stamp()
 } // namespace
 
 /// Tests the commands that draw: export-images, export-pdf and thumbnail.
-class TestCliExports : public QObject
+class TestCliExports : public Support::TToolTest
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-
-    TToolResult Run(const QStringList& arguments) const
-    {
-        return Support::Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
-    }
-
     void Write_Project(const QByteArray& pages, int count) const
     {
-        Support::Write_File(Path("a.quillet"),
-                            Header(32, color, "", "", static_cast<quint32>(count)) + pages);
+        Write("a.quillet", Header(32, color, "", "", static_cast<quint32>(count)) + pages);
     }
 
     /// Writes a file under each name that the image of a page can get within the next minute, and
@@ -88,7 +77,7 @@ class TestCliExports : public QObject
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
+        TToolTest::init();
         QVERIFY(QDir(d_folder->path()).mkdir("out"));
     }
 
@@ -304,31 +293,27 @@ private slots:
 
     void the_desktop_does_not_change_what_is_drawn_data()
     {
-        QTest::addColumn<QByteArray>("variable");
         QTest::addColumn<QByteArray>("value");
-        const auto row = [](const char* variable, const char* value) {
-            QTest::newRow(variable) << QByteArray(variable) << QByteArray(value);
-        };
-        row("QT_QPA_PLATFORMTHEME", "desktop");
-        row("QT_STYLE_OVERRIDE", "desktop");
-        row("QT_SCALE_FACTOR", "2");
-        row("QT_SCREEN_SCALE_FACTORS", "2");
-        row("QT_DEVICE_PIXEL_RATIO", "2");
-        row("QT_FONT_DPI", "192");
+        QTest::newRow("QT_QPA_PLATFORMTHEME") << QByteArray("desktop");
+        QTest::newRow("QT_STYLE_OVERRIDE") << QByteArray("desktop");
+        QTest::newRow("QT_SCALE_FACTOR") << QByteArray("2");
+        QTest::newRow("QT_SCREEN_SCALE_FACTORS") << QByteArray("2");
+        QTest::newRow("QT_DEVICE_PIXEL_RATIO") << QByteArray("2");
+        QTest::newRow("QT_FONT_DPI") << QByteArray("192");
     }
     void the_desktop_does_not_change_what_is_drawn()
     {
-        QFETCH(const QByteArray, variable);
         QFETCH(const QByteArray, value);
+        const char* const variable = QTest::currentDataTag();
         Write_Project(Page("a", Picture(100, 80),
                            Item_List(Item_Element("5", "7", "A long text", "1", "50.00,40.00"))),
                       1);
         QCOMPARE(Run({"thumbnail", "a.quillet", "--output", "expected.png"}).status, 0);
 
         qputenv("QT_PLUGIN_PATH", QUILLET_DESKTOP_PLUGINS);
-        qputenv(variable.constData(), value);
+        qputenv(variable, value);
         const TToolResult result = Run({"thumbnail", "a.quillet", "--output", "t.png"});
-        qunsetenv(variable.constData());
+        qunsetenv(variable);
         qunsetenv("QT_PLUGIN_PATH");
         // The desktop plugins print a line when they are loaded.
         QCOMPARE(result.errors, QString());

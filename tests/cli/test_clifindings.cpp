@@ -10,15 +10,9 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QRegularExpressionMatchIterator>
-#include <QTemporaryDir>
 #include <QTest>
 
-using Support::Header;
-using Support::Item_Element;
-using Support::Item_List;
-using Support::Page_Record;
-using Support::Text_Of_Pages;
-using Support::TToolResult;
+using namespace Support;
 
 namespace {
 
@@ -35,8 +29,8 @@ QByteArray Project(const QList<QByteArray>& pages)
         Header(32, "#0a141e", "First header", "", static_cast<quint32>(pages.size()));
     int number = 0;
     for (const QByteArray& labels : pages)
-        project += Page_Record("Sheet " + QByteArray::number(++number),
-                               Support::Png(Support::Picture(60, 40)), Item_List(labels));
+        project += Page_Record("Sheet " + QByteArray::number(++number), Png(Picture(60, 40)),
+                               Item_List(labels));
     return project;
 }
 
@@ -53,23 +47,9 @@ QByteArray Without_Date(const QByteArray& pdf)
 
 } // namespace
 
-class TestCliFindings : public QObject
+class TestCliFindings : public TToolTest
 {
     Q_OBJECT
-
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-    QByteArray Content(const QString& name) const { return Support::Read_File(Path(name)); }
-    void Write(const QString& name, const QByteArray& content) const
-    {
-        Support::Write_File(Path(name), content);
-    }
-
-    TToolResult Run(const QStringList& arguments) const
-    {
-        return Support::Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
-    }
 
     /// Runs a command that has to succeed without a message.
     void Do(const QStringList& arguments) const
@@ -80,8 +60,6 @@ class TestCliFindings : public QObject
     }
 
 private slots:
-    void init() { d_folder = std::make_unique<QTemporaryDir>(); }
-
     void items_are_exported_with_the_columns_of_the_table()
     {
         Write("a.quillet", Project({Label(7, "x")}));
@@ -105,9 +83,7 @@ private slots:
                 "--force"});
             QVERIFY(Content("out.csv").contains(",7,,ellipse,20,20,1007,crack\r\n"));
             Do({"import-items", document, "--csv", "t.csv", "-fo", "out.quillet"});
-            QCOMPARE(Support::Run_Tool({"pages", d_folder->filePath("out.quillet")})
-                         .output.contains("labels: 2, South"),
-                     true);
+            QVERIFY(Run({"pages", "out.quillet"}).output.contains("labels: 2, South"));
         }
     }
 
@@ -125,7 +101,7 @@ private slots:
         QCOMPARE(page["name"].toString(), QStringLiteral("Sheet 1"));
         QCOMPARE(page["labels"].toArray()[0].toObject()["findings"].toObject(),
                  (QJsonObject{{"Finding", "a"}}));
-        QCOMPARE(Support::Entries(d_folder->path()), QStringList({"a.quillet", "t.csv"}));
+        QCOMPARE(Entries(d_folder->path()), QStringList({"a.quillet", "t.csv"}));
     }
 
     void a_mismatch_is_a_warning()
@@ -243,14 +219,13 @@ private slots:
     {
         Write("a.quillet", Project({Label(1)}));
         Write("out", "old");
-        const TToolResult result =
-            Support::Run_Tool({"export-html", "a.quillet", "--output", "out", "--force"},
-                              {QString(), d_folder->path(), QString(), "4"});
+        d_options.file_size = "4";
+        const TToolResult result = Run({"export-html", "a.quillet", "--output", "out", "--force"});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,
                  QStringLiteral("quillet-cli: out: cannot be written: File too large\n"));
         QCOMPARE(Content("out"), QByteArray("old"));
-        QCOMPARE(Support::Entries(d_folder->path()), QStringList({"a.quillet", "out"}));
+        QCOMPARE(Entries(d_folder->path()), QStringList({"a.quillet", "out"}));
     }
 
     void the_title_of_a_web_page_is_the_option_or_the_first_header_line()
@@ -439,9 +414,9 @@ private slots:
         Do({"export-pdf", "a.quillet", "--output", "list.pdf", "--list"});
         QCOMPARE(Text_Of_Pages(Path("list.pdf")).mid(0, 2), Text_Of_Pages(Path("a.pdf")));
         Do({"export-pdf", "a.quillet", "--output", "again.pdf"});
-        QCOMPARE(Support::Byte_Difference(Without_Date(Content("again.pdf")),
-                                          Without_Date(Content("a.pdf"))),
-                 QString());
+        QCOMPARE(
+            Byte_Difference(Without_Date(Content("again.pdf")), Without_Date(Content("a.pdf"))),
+            QString());
     }
 };
 

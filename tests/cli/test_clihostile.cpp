@@ -11,35 +11,17 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cstdio>
-#include <memory>
 
 using Support::TToolResult;
 
 /// Tests that hostile input gives neither a wrong result with exit status 0 nor a lost file.
-class TestCliHostile : public QObject
+class TestCliHostile : public Support::TToolTest
 {
     Q_OBJECT
-
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-    QByteArray Content(const QString& name) const { return Support::Read_File(Path(name)); }
-    void Write(const QString& name, const QByteArray& content) const
-    {
-        Support::Write_File(Path(name), content);
-    }
-
-    TToolResult Run(const QStringList& arguments) const
-    {
-        return Support::Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
-    }
 
     static QByteArray Picture(int seed = 0) { return Support::Png(Support::Picture(60, 40, seed)); }
 
@@ -95,8 +77,6 @@ class TestCliHostile : public QObject
     }
 
 private slots:
-    void init() { d_folder = std::make_unique<QTemporaryDir>(); }
-
     void the_suffix_of_an_image_is_not_guessed()
     {
         Write("page.png", Picture());
@@ -168,18 +148,11 @@ private slots:
         // This page renders slowly, so that another program can write the output meanwhile.
         Write("pdftoppm", "#!/bin/sh\necho other > out\nPATH=$OLD_PATH exec pdftoppm \"$@\"\n");
         QFile::setPermissions(Path("pdftoppm"), QFile::ReadUser | QFile::ExeUser);
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        const QString programs = environment.value("PATH");
-        environment.insert("OLD_PATH", programs);
-        environment.insert("PATH", d_folder->path() + ':' + programs);
-        process.setProcessEnvironment(environment);
-        process.setWorkingDirectory(d_folder->path());
-        process.start(Support::Tool_Path(), {"create", "a.pdf", "--output", "out"});
-        QVERIFY(process.waitForFinished());
-        QCOMPARE(process.readAllStandardError(),
+        const Support::TScriptResult result =
+            Shell("OLD_PATH=$PATH PATH=$PWD:$PATH $tool create a.pdf -o out");
+        QCOMPARE(result.errors,
                  QByteArray("quillet-cli: out: already exists; use --force to overwrite it\n"));
-        QCOMPARE(process.exitCode(), 1);
+        QCOMPARE(result.status, 1);
         QCOMPARE(Content("out"), QByteArray("other\n"));
     }
 

@@ -5,12 +5,8 @@
 
 #include <QFile>
 #include <QProcess>
-#include <QProcessEnvironment>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTransform>
-
-#include <memory>
 
 using Support::TToolResult;
 
@@ -22,26 +18,14 @@ const char* const billions_of_pixels = "0 0 99999999999 99999999999";
 } // namespace
 
 /// Tests which files "create" turns into pages.
-class TestCliInput : public QObject
+class TestCliInput : public Support::TToolTest
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-
-    void Write(const QString& name, const QByteArray& content) const
-    {
-        Support::Write_File(Path(name), content);
-    }
-
     TToolResult Create(const QStringList& arguments) const
     {
-        return Support::Run_Tool(QStringList{"create", "--output", "out"} + arguments,
-                                 {QString(), d_folder->path(), QString(), QString()});
+        return Run(QStringList{"create", "--output", "out"} + arguments);
     }
-
-    QByteArray Content() const { return Support::Read_File(Path("out")); }
 
     /// A page as pdftoppm renders it.
     QByteArray Rendered(const QString& pdf, int page, int resolution) const
@@ -49,7 +33,7 @@ class TestCliInput : public QObject
         QProcess process;
         process.start("pdftoppm", {"-r", QString::number(resolution), "-png", "-f",
                                    QString::number(page), "-singlefile", Path(pdf), Path("page")});
-        return process.waitForFinished() ? Support::Read_File(Path("page.png")) : QByteArray();
+        return process.waitForFinished() ? Content("page.png") : QByteArray();
     }
 
     /// A project with these pages, as a pair of name and image.
@@ -62,8 +46,6 @@ class TestCliInput : public QObject
     }
 
 private slots:
-    void init() { d_folder = std::make_unique<QTemporaryDir>(); }
-
     void pages_of_pdfs_and_images_are_in_the_given_order()
     {
         const QByteArray image = Support::Png(Support::Picture(60, 40));
@@ -75,11 +57,11 @@ private slots:
         const QByteArray first = Rendered("b.pdf", 1, 150);
         const QByteArray second = Rendered("b.pdf", 2, 150);
         QVERIFY(!first.isEmpty() && first != second);
-        QCOMPARE(Support::Byte_Difference(Content(), Project({{"Page 1", first},
-                                                              {"Page 2", second},
-                                                              {"Page 3", image},
-                                                              {"Page 4", first},
-                                                              {"Page 5", second}})),
+        QCOMPARE(Support::Byte_Difference(Content("out"), Project({{"Page 1", first},
+                                                                   {"Page 2", second},
+                                                                   {"Page 3", image},
+                                                                   {"Page 4", first},
+                                                                   {"Page 5", second}})),
                  QString());
     }
 
@@ -90,13 +72,14 @@ private slots:
         const TToolResult result =
             Create({"a.pdf", "b.pdf", "--pdf-pages", "3,1-2", "--dpi", "36", "--names-from-files"});
         QCOMPARE(result.errors, QString());
-        QCOMPARE(Support::Byte_Difference(Content(), Project({{"a 3", Rendered("a.pdf", 3, 36)},
+        QCOMPARE(
+            Support::Byte_Difference(Content("out"), Project({{"a 3", Rendered("a.pdf", 3, 36)},
                                                               {"a 1", Rendered("a.pdf", 1, 36)},
                                                               {"a 2", Rendered("a.pdf", 2, 36)},
                                                               {"b 3", Rendered("b.pdf", 3, 36)},
                                                               {"b 1", Rendered("b.pdf", 1, 36)},
                                                               {"b 2", Rendered("b.pdf", 2, 36)}})),
-                 QString());
+            QString());
     }
 
     void pages_of_a_tiff_and_a_webp_become_pages()
@@ -110,9 +93,9 @@ private slots:
         const QImage rgb = QImage(Path("scan.tif"));
         QCOMPARE(Support::Difference(rgb, pictures[0]), QString());
         const QByteArray second = Support::Png(pictures[1].convertToFormat(rgb.format()));
-        QCOMPARE(Support::Byte_Difference(Content(), Project({{"scan 1", Support::Png(rgb)},
-                                                              {"scan 2", second},
-                                                              {"a", Support::Png(webp)}})),
+        QCOMPARE(Support::Byte_Difference(Content("out"), Project({{"scan 1", Support::Png(rgb)},
+                                                                   {"scan 2", second},
+                                                                   {"a", Support::Png(webp)}})),
                  QString());
     }
 
@@ -130,7 +113,7 @@ private slots:
                      {"Page 2", Rendered("images/2.PDF", 1, 150)},
                      {"Page 3", Rendered("images/2.PDF", 2, 150)},
                      {"Page 4", Support::Png(QImage(Path("images/10.TIF")))}});
-        QCOMPARE(Support::Byte_Difference(Content(), expected), QString());
+        QCOMPARE(Support::Byte_Difference(Content("out"), expected), QString());
     }
 
     void a_pdf_needs_no_suffix()
@@ -138,7 +121,7 @@ private slots:
         Write("report", Support::Pdf({ordinary}));
         const TToolResult result = Create({"report"});
         QCOMPARE(result.errors, QString());
-        QCOMPARE(Content(), Project({{"Page 1", Rendered("report", 1, 150)}}));
+        QCOMPARE(Content("out"), Project({{"Page 1", Rendered("report", 1, 150)}}));
     }
 
     void photos_are_turned_upright_unless_as_stored_is_given()
@@ -148,11 +131,13 @@ private slots:
         const QImage upright = stored.transformed(QTransform().rotate(90));
         QCOMPARE(upright.size(), QSize(30, 40));
         QCOMPARE(Create({"a.jpg", "--as-stored"}).errors, QString());
-        QCOMPARE(Support::Byte_Difference(Content(), Project({{"Page 1", Support::Png(stored)}})),
-                 QString());
+        QCOMPARE(
+            Support::Byte_Difference(Content("out"), Project({{"Page 1", Support::Png(stored)}})),
+            QString());
         QCOMPARE(Create({"a.jpg", "--force"}).errors, QString());
-        QCOMPARE(Support::Byte_Difference(Content(), Project({{"Page 1", Support::Png(upright)}})),
-                 QString());
+        QCOMPARE(
+            Support::Byte_Difference(Content("out"), Project({{"Page 1", Support::Png(upright)}})),
+            QString());
     }
 
     void a_refused_pdf_is_reported_and_nothing_is_written_data()
@@ -182,7 +167,7 @@ private slots:
         const TToolResult result = Create({"good.png", "bad.pdf", "--pdf-pages", pages, "--force"});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, "quillet-cli: bad.pdf: " + defect + '\n');
-        QCOMPARE(Content(), QByteArray("an earlier file"));
+        QCOMPARE(Content("out"), QByteArray("an earlier file"));
     }
 
     void a_pdf_that_needs_a_password_is_refused()
@@ -201,16 +186,10 @@ private slots:
     void a_missing_renderer_is_named()
     {
         Write("a.pdf", Support::Pdf({ordinary}));
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("PATH", d_folder->path());
-        process.setProcessEnvironment(environment);
-        process.start(Support::Tool_Path(), {"create", Path("a.pdf"), "--output", Path("out")});
-        QVERIFY(process.waitForFinished());
-        QCOMPARE(process.exitCode(), 1);
-        QCOMPARE(process.readAllStandardError(),
-                 "quillet-cli: " + Path("a.pdf").toUtf8() +
-                     ": pdfinfo is not installed (package poppler-utils)\n");
+        const Support::TScriptResult result = Shell("PATH=. $tool create a.pdf -o out");
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, QByteArray("quillet-cli: a.pdf: pdfinfo is not installed (package "
+                                           "poppler-utils)\n"));
         QVERIFY(!QFile::exists(Path("out")));
     }
 
@@ -222,7 +201,7 @@ private slots:
         QVERIFY2(
             result.errors.startsWith("quillet-cli: a.pdf: warning: page 1: may be incomplete: "),
             qPrintable(result.errors));
-        QCOMPARE(Content(), Project({{"Page 1", Rendered("a.pdf", 1, 150)}}));
+        QCOMPARE(Content("out"), Project({{"Page 1", Rendered("a.pdf", 1, 150)}}));
     }
 
     void an_input_pdf_is_never_overwritten()
@@ -233,7 +212,7 @@ private slots:
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,
                  QStringLiteral("quillet-cli: out: is an input and cannot be overwritten\n"));
-        QCOMPARE(Content(), content);
+        QCOMPARE(Content("out"), content);
     }
 
     void help_lists_the_accepted_formats()

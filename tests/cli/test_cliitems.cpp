@@ -5,16 +5,11 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <unistd.h>
 
-using Support::Header;
-using Support::Item_Element;
-using Support::Item_List;
-using Support::Page_Record;
-using Support::TToolResult;
+using namespace Support;
 
 namespace {
 
@@ -31,19 +26,9 @@ QByteArray Project(const QByteArray& first_items, const QByteArray& second_items
 } // namespace
 
 /// Tests export-items, import-items and kept.
-class TestCliItems : public QObject
+class TestCliItems : public TToolTest
 {
     Q_OBJECT
-
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-    QByteArray Content(const QString& name) const { return Support::Read_File(Path(name)); }
-
-    TToolResult Run(const QStringList& arguments) const
-    {
-        return Support::Run_Tool(arguments, {Path("home"), d_folder->path(), QString(), QString()});
-    }
 
     /// Writes a backup or recovery copy with an age in seconds.
     void Keep(const QString& name, const QByteArray& content, const QString& document,
@@ -51,9 +36,9 @@ class TestCliItems : public QObject
     {
         const QString path = Path("home/.quillet/" + name);
         QDir(d_folder->path()).mkpath("home/.quillet/" + name.section('/', 0, 0));
-        Support::Write_File(path + ".quillet", content);
-        Support::Write_File(path + ".note", document.toUtf8());
-        Support::Make_Old(path + ".quillet", age);
+        Write_File(path + ".quillet", content);
+        Write_File(path + ".note", document.toUtf8());
+        Make_Old(path + ".quillet", age);
     }
 
     /// Returns names, sizes and times of all files in the home folder.
@@ -77,19 +62,19 @@ class TestCliItems : public QObject
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
+        TToolTest::init();
+        d_options.home = Path("home");
         QVERIFY(QDir(d_folder->path()).mkdir("home"));
     }
 
     void labels_are_exported_page_by_page()
     {
-        Support::Write_File(Path("a.quillet"),
-                            Project(Item_Element("9", "-3", "a, \"b\"", "8", "1.50,2.00"),
-                                    Item_Element("4", "7",
-                                                 "Gr\xc3\xb6\xc3\x9f"
-                                                 "e",
-                                                 "0", "10.00,-20.25") +
-                                        Item_Element("3", "8", "", "2", "0.00,0.00")));
+        Write("a.quillet", Project(Item_Element("9", "-3", "a, \"b\"", "8", "1.50,2.00"),
+                                   Item_Element("4", "7",
+                                                "Gr\xc3\xb6\xc3\x9f"
+                                                "e",
+                                                "0", "10.00,-20.25") +
+                                       Item_Element("3", "8", "", "2", "0.00,0.00")));
         const TToolResult result = Run({"export-items", "a.quillet", "--csv", "items.csv"});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
@@ -101,11 +86,10 @@ private slots:
 
     void imported_labels_are_appended_under_new_ids()
     {
-        Support::Write_File(Path("a.quillet"),
-                            Project(Item_Element("2", "5", "", "0", "1.00,2.00"), QByteArray()));
-        Support::Write_File(Path("items.csv"), head + "2,1,,triangle,1,2\r\n"
-                                                      "1,7,first,square,3,4\r\n"
-                                                      "1,7,second,,5.25,6\r\n");
+        Write("a.quillet", Project(Item_Element("2", "5", "", "0", "1.00,2.00"), QByteArray()));
+        Write("items.csv", head + "2,1,,triangle,1,2\r\n"
+                                  "1,7,first,square,3,4\r\n"
+                                  "1,7,second,,5.25,6\r\n");
         const TToolResult result =
             Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
         QCOMPARE(result.errors, QString());
@@ -114,33 +98,31 @@ private slots:
                                                 Item_Element("1", "7", "first", "1", "3.00,4.00") +
                                                 Item_Element("3", "7", "second", "0", "5.25,6.00"),
                                             Item_Element("1", "1", "", "4", "1.00,2.00"));
-        QCOMPARE(Support::Byte_Difference(Content("out"), expected), QString());
+        QCOMPARE(Byte_Difference(Content("out"), expected), QString());
     }
 
     void line_breaks_in_texts_become_blanks()
     {
-        Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
-        Support::Write_File(Path("items.csv"), head + "1,7,\"Pump\r\nleaks\n\",,3,4\r\n");
+        Write("a.quillet", Project(QByteArray(), QByteArray()));
+        Write("items.csv", head + "1,7,\"Pump\r\nleaks\n\",,3,4\r\n");
         QCOMPARE(Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"}).errors,
                  QString());
-        QCOMPARE(
-            Support::Byte_Difference(
-                Content("out"),
-                Project(Item_Element("1", "7", "Pump leaks ", "0", "3.00,4.00"), QByteArray())),
-            QString());
+        QCOMPARE(Byte_Difference(Content("out"),
+                                 Project(Item_Element("1", "7", "Pump leaks ", "0", "3.00,4.00"),
+                                         QByteArray())),
+                 QString());
     }
 
     void exported_labels_can_be_imported()
     {
-        Support::Write_File(Path("a.quillet"),
-                            Project(Item_Element("1", "5", "x", "4", "1.25,2.00"),
-                                    Item_Element("1", "6", "y", "2", "3.00,4.00")));
-        Support::Write_File(Path("empty.quillet"), Project(QByteArray(), QByteArray()));
+        Write("a.quillet", Project(Item_Element("1", "5", "x", "4", "1.25,2.00"),
+                                   Item_Element("1", "6", "y", "2", "3.00,4.00")));
+        Write("empty.quillet", Project(QByteArray(), QByteArray()));
         QCOMPARE(Run({"export-items", "a.quillet", "--csv", "items.csv"}).status, 0);
         QCOMPARE(
             Run({"import-items", "empty.quillet", "--csv", "items.csv", "--output", "out"}).status,
             0);
-        QCOMPARE(Support::Byte_Difference(Content("out"), Content("a.quillet")), QString());
+        QCOMPARE(Byte_Difference(Content("out"), Content("a.quillet")), QString());
     }
 
     void a_table_can_be_imported_twice()
@@ -148,53 +130,50 @@ private slots:
         const QByteArray project = Project(Item_Element("9", "5", "x", "4", "1.25,2.00") +
                                                Item_Element("3", "6", "", "0", "3.00,4.00"),
                                            QByteArray());
-        Support::Write_File(Path("a.quillet"), project);
+        Write("a.quillet", project);
         QCOMPARE(Run({"export-items", "a.quillet", "--csv", "items.csv"}).status, 0);
         const QStringList import{"import-items", "a.quillet", "--csv",  "items.csv",
                                  "--output",     "a.quillet", "--force"};
         QCOMPARE(Run(import).errors, QString());
         QCOMPARE(Run(import).errors, QString());
-        QCOMPARE(Support::Byte_Difference(Content("a.quillet"), project), QString());
+        QCOMPARE(Byte_Difference(Content("a.quillet"), project), QString());
     }
 
     void a_known_id_changes_its_label()
     {
-        Support::Write_File(Path("a.quillet"),
-                            Project(Item_Element("9", "5", "x", "4", "1.25,2.00") +
-                                        Item_Element("3", "6", "y", "1", "3.00,4.00"),
-                                    QByteArray()));
+        Write("a.quillet", Project(Item_Element("9", "5", "x", "4", "1.25,2.00") +
+                                       Item_Element("3", "6", "y", "1", "3.00,4.00"),
+                                   QByteArray()));
         // There is no column for the border, and 8 is the id of no label.
-        Support::Write_File(Path("items.csv"), "text,id,page,value,x,y,note\r\n"
-                                               "new,9,1,7,10,20,ignored\r\n"
-                                               "other,8,1,1,0,1,\r\n"
-                                               "z,,1,2,5,5,\r\n");
+        Write("items.csv", "text,id,page,value,x,y,note\r\n"
+                           "new,9,1,7,10,20,ignored\r\n"
+                           "other,8,1,1,0,1,\r\n"
+                           "z,,1,2,5,5,\r\n");
         QCOMPARE(Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"}).errors,
                  QString());
         const QByteArray changed = Item_Element("9", "7", "new", "4", "10.00,20.00");
         const QByteArray added = Item_Element("8", "1", "other", "0", "0.00,1.00") +
                                  Item_Element("1", "2", "z", "0", "5.00,5.00");
         const QByteArray unnamed = Item_Element("3", "6", "y", "1", "3.00,4.00");
-        QCOMPARE(Support::Byte_Difference(Content("out"),
-                                          Project(changed + unnamed + added, QByteArray())),
+        QCOMPARE(Byte_Difference(Content("out"), Project(changed + unnamed + added, QByteArray())),
                  QString());
         QCOMPARE(Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out",
                       "--replace", "--force"})
                      .errors,
                  QString());
-        QCOMPARE(Support::Byte_Difference(Content("out"), Project(changed + added, QByteArray())),
+        QCOMPARE(Byte_Difference(Content("out"), Project(changed + added, QByteArray())),
                  QString());
     }
 
     void a_dry_run_prints_what_would_happen()
     {
-        Support::Write_File(Path("a.quillet"),
-                            Project(Item_Element("9", "5", "%1", "4", "1.25,2.00") +
-                                        Item_Element("3", "6", "", "0", "3.00,4.00"),
-                                    Item_Element("3", "8", "", "0", "3.00,4.00")));
-        Support::Write_File(Path("items.csv"), exported_head + "1,7,%1,triangle,10,2,9\r\n"
-                                                               "2,8,,,3,4,3\r\n"
-                                                               "2,1,,square,5,6,\r\n");
-        const QStringList before = Support::Entries(d_folder->path());
+        Write("a.quillet", Project(Item_Element("9", "5", "%1", "4", "1.25,2.00") +
+                                       Item_Element("3", "6", "", "0", "3.00,4.00"),
+                                   Item_Element("3", "8", "", "0", "3.00,4.00")));
+        Write("items.csv", exported_head + "1,7,%1,triangle,10,2,9\r\n"
+                                           "2,8,,,3,4,3\r\n"
+                                           "2,1,,square,5,6,\r\n");
+        const QStringList before = Entries(d_folder->path());
         const TToolResult result =
             Run({"import-items", "a.quillet", "--csv", "items.csv", "--replace", "--dry-run"});
         QCOMPARE(result.errors, QString());
@@ -205,7 +184,7 @@ private slots:
                                 "at 10,2\n"
                                 "page 2: add 1 square at 5,6\n"
                                 "labels added: 1, changed: 1, removed: 1, unchanged: 1\n"));
-        QCOMPARE(Support::Entries(d_folder->path()), before);
+        QCOMPARE(Entries(d_folder->path()), before);
     }
 
     void an_invalid_row_is_reported_and_nothing_is_written_data()
@@ -231,8 +210,8 @@ private slots:
     {
         QFETCH(const QByteArray, table);
         QFETCH(const QString, complaint);
-        Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
-        Support::Write_File(Path("items.csv"), table);
+        Write("a.quillet", Project(QByteArray(), QByteArray()));
+        Write("items.csv", table);
         const TToolResult result =
             Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
         QCOMPARE(result.status, 1);
@@ -244,7 +223,7 @@ private slots:
 
     void a_missing_table_is_reported()
     {
-        Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
+        Write("a.quillet", Project(QByteArray(), QByteArray()));
         const TToolResult result =
             Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
         QCOMPARE(result.status, 1);
@@ -255,8 +234,8 @@ private slots:
 
     void a_text_that_cannot_be_saved_is_an_error()
     {
-        Support::Write_File(Path("a.quillet"), Project(QByteArray(), QByteArray()));
-        Support::Write_File(Path("items.csv"), head + "1,1,\x01,,1,1\r\n");
+        Write("a.quillet", Project(QByteArray(), QByteArray()));
+        Write("items.csv", head + "1,1,\x01,,1,1\r\n");
         const TToolResult result =
             Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
         QCOMPARE(result.status, 1);
@@ -274,9 +253,9 @@ private slots:
 
     void kept_lists_copies_newest_first()
     {
-        Keep("backup/one", Support::Empty_Project(), "/tmp/one.quillet", 100);
-        Keep("recovery/20260501-010203", Support::Empty_Project() + "longer", "", 200);
-        Keep("backup/two", Support::Empty_Project(), "/tmp/%1 two.quillet", 300);
+        Keep("backup/one", Empty_Project(), "/tmp/one.quillet", 100);
+        Keep("recovery/20260501-010203", Empty_Project() + "longer", "", 200);
+        Keep("backup/two", Empty_Project(), "/tmp/%1 two.quillet", 300);
         const QStringList before = Home();
         const TToolResult result = Run({"kept"});
         QCOMPARE(result.errors, QString());
@@ -296,27 +275,27 @@ private slots:
 
     void kept_copies_a_file_without_removing_it()
     {
-        Keep("backup/one", Support::Empty_Project(40), "/tmp/one.quillet", 100);
-        Keep("recovery/two", Support::Empty_Project(50), "", 200);
+        Keep("backup/one", Empty_Project(40), "/tmp/one.quillet", 100);
+        Keep("recovery/two", Empty_Project(50), "", 200);
         const QStringList before = Home();
         const TToolResult result = Run({"kept", "--copy", "2", "--output", "out"});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
-        QCOMPARE(Content("out"), Support::Empty_Project(50));
+        QCOMPARE(Content("out"), Empty_Project(50));
         QCOMPARE(Home(), before);
     }
 
     void kept_overwrites_only_with_force()
     {
-        Keep("backup/one", Support::Empty_Project(40), "/tmp/one.quillet", 100);
-        Support::Write_File(Path("out"), "old");
+        Keep("backup/one", Empty_Project(40), "/tmp/one.quillet", 100);
+        Write("out", "old");
         const TToolResult refused = Run({"kept", "--copy", "1", "--output", "out"});
         QCOMPARE(refused.status, 1);
         QCOMPARE(refused.errors,
                  QStringLiteral("quillet-cli: out: already exists; use --force to overwrite it\n"));
         QCOMPARE(Content("out"), QByteArray("old"));
         QCOMPARE(Run({"kept", "--copy", "1", "--output", "out", "--force"}).status, 0);
-        QCOMPARE(Content("out"), Support::Empty_Project(40));
+        QCOMPARE(Content("out"), Empty_Project(40));
     }
 
     void a_link_that_protects_unsaved_work_keeps_the_old_content_data()
@@ -331,9 +310,9 @@ private slots:
     void a_link_that_protects_unsaved_work_keeps_the_old_content()
     {
         QFETCH(QStringList, command);
-        Support::Write_File(Path("a.quillet"), Support::Empty_Project(40));
-        Keep("recovery/one", Support::Empty_Project(50), "", 100);
-        Support::Write_File(Path("out"), "old");
+        Write("a.quillet", Empty_Project(40));
+        Keep("recovery/one", Empty_Project(50), "", 100);
+        Write("out", "old");
         const QString base = Path("home/.quillet/recovery/two.base");
         QVERIFY(link(QFile::encodeName(Path("out")).constData(),
                      QFile::encodeName(base).constData()) == 0);
@@ -341,12 +320,12 @@ private slots:
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
         QVERIFY(Content("out") != "old");
-        QCOMPARE(Support::Read_File(base), QByteArray("old"));
+        QCOMPARE(Read_File(base), QByteArray("old"));
     }
 
     void kept_refuses_a_number_beyond_the_list()
     {
-        Keep("backup/one", Support::Empty_Project(), "/tmp/one.quillet", 100);
+        Keep("backup/one", Empty_Project(), "/tmp/one.quillet", 100);
         const TToolResult result = Run({"kept", "--copy", "2", "--output", "out"});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,

@@ -7,12 +7,9 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
-#include <QImage>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cstdio>
-#include <memory>
 #include <unistd.h>
 
 using Support::TToolResult;
@@ -50,17 +47,9 @@ QByteArray Two_Labels()
 
 /// Tests that docs/reliability.md says what hostile input leads to. If QUILLET_HOSTILE_TABLE is
 /// set, appends the rows of the table to that file.
-class TestCliReliability : public QObject
+class TestCliReliability : public Support::TToolTest
 {
     Q_OBJECT
-
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-    void Write(const QString& name, const QByteArray& content) const
-    {
-        Support::Write_File(Path(name), content);
-    }
 
     /// The names and contents of all files except "out".
     QList<QPair<QString, QByteArray>> Inputs() const
@@ -68,7 +57,7 @@ class TestCliReliability : public QObject
         QList<QPair<QString, QByteArray>> inputs;
         for (const QString& name : QDir(d_folder->path()).entryList(QDir::Files, QDir::Name)) {
             if (name != "out")
-                inputs += {name, Support::Read_File(Path(name))};
+                inputs += {name, Content(name)};
         }
         return inputs;
     }
@@ -99,7 +88,7 @@ class TestCliReliability : public QObject
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
+        TToolTest::init();
         const QByteArray picture = Plain_Png();
         const QByteArray cut = picture.left(picture.size() / 2);
         Write("page.png", picture);
@@ -173,8 +162,7 @@ private slots:
     {
         QFETCH(const QString, arguments);
         const auto before = Inputs();
-        const TToolResult result = Support::Run_Tool(
-            arguments.split(' '), {QString(), d_folder->path(), QString(), QString()});
+        const TToolResult result = Run(arguments.split(' '));
         QCOMPARE(Inputs(), before);
         QVERIFY(result.status >= 0);
         QCOMPARE(QFile::exists(Path("out")), result.status == 0 && arguments.endsWith(" out"));

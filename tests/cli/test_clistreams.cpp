@@ -3,74 +3,29 @@
 #include "support/tool.h"
 
 #include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QTest>
+
+using Support::TScriptResult;
 
 namespace {
 
-QByteArray Project()
-{
-    return Support::Header(32, "#0a141e", "", "", 1) +
-           Support::Page_Record(
-               "a\x1b[31m\n\xad", Support::Png(Support::Picture(60, 40)),
-               Support::Item_List(Support::Item_Element("5", "7", "", "1", "10.00,20.00")));
-}
+const QByteArray page_name = "a\x1b[31m\n\xad";
 
 } // namespace
 
-/// Tests standard streams, pipes, and what is printed where. Commands run in a shell, in which
-/// "$tool" is the tool; each test has a folder with a document, a table and an image.
-class TestCliStreams : public QObject
+/// Tests standard streams, pipes, and what is printed where. Each test has a folder with a
+/// document, a table and an image.
+class TestCliStreams : public Support::TToolTest
 {
     Q_OBJECT
-
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-    QByteArray Content(const QString& name) const { return Support::Read_File(Path(name)); }
-
-    struct TResult
-    {
-        int status;
-        QByteArray output;
-        QByteArray errors;
-    };
-
-    TResult Shell(const QString& script) const
-    {
-        QProcess process;
-        process.setWorkingDirectory(d_folder->path());
-        process.start("bash", {"-c", "tool=" + Support::Tool_Path() + "; " + script});
-        if (!process.waitForFinished())
-            return {-1, QByteArray(), "time limit"};
-        return {process.exitCode(), process.readAllStandardOutput(),
-                process.readAllStandardError()};
-    }
-
-    /// What a command prints on a terminal, which receives both streams.
-    QByteArray On_Terminal(const QString& script) const
-    {
-        QProcess process;
-        process.setWorkingDirectory(d_folder->path());
-        // The shell that script(1) starts; the tests use Bash's quotation marks.
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("SHELL", "/bin/bash");
-        process.setProcessEnvironment(environment);
-        process.start("script",
-                      {"-qec", "tool=" + Support::Tool_Path() + "; " + script, "/dev/null"});
-        if (!process.waitForFinished())
-            return "time limit";
-        return process.readAllStandardOutput();
-    }
 
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
-        Support::Write_File(Path("a.quillet"), Project());
-        Support::Write_File(Path("items.csv"), "page,value,x,y\r\n1,3,4,5\r\n");
-        Support::Write_File(Path("image.png"), Support::Png(Support::Picture(60, 40)));
+        TToolTest::init();
+        Write("a.quillet", Support::One_Label_Project(page_name));
+        Write("items.csv", "page,value,x,y\r\n1,3,4,5\r\n");
+        Write("image.png", Support::Png(Support::Picture(60, 40)));
     }
 
     void a_hyphen_stands_for_standard_input_data()
@@ -96,7 +51,7 @@ private slots:
     {
         QFETCH(const QString, streamed);
         QFETCH(const QString, named);
-        const TResult result = Shell("$tool " + streamed);
+        const TScriptResult result = Shell("$tool " + streamed);
         QCOMPARE(result.errors, QByteArray());
         QCOMPARE(result.status, 0);
         QCOMPARE(Shell("$tool " + named).status, 0);
@@ -120,10 +75,10 @@ private slots:
     {
         QFETCH(const QString, command);
         QCOMPARE(Shell("$tool " + command + " named").status, 0);
-        const TResult result = Shell("$tool " + command + " -");
+        const TScriptResult result = Shell("$tool " + command + " -");
         QCOMPARE(result.status, 0);
         const auto timeless = [this](const QByteArray& content) {
-            Support::Write_File(Path("pdf"), content);
+            Write("pdf", content);
             return content.startsWith("%PDF") ? Support::Timeless_Pdf(Path("pdf")) : content;
         };
         QCOMPARE(Support::Byte_Difference(timeless(result.output), timeless(Content("named"))),
@@ -157,7 +112,7 @@ private slots:
     {
         QFETCH(const QString, command);
         QFETCH(const QByteArray, complaint);
-        const TResult result = Shell("$tool " + command);
+        const TScriptResult result = Shell("$tool " + command);
         QCOMPARE(result.errors.split('\n').first(), "quillet-cli: " + complaint);
         QCOMPARE(result.status, 2);
         QCOMPARE(result.output, QByteArray());
@@ -181,9 +136,9 @@ private slots:
     {
         // The sanitizer reserves more address space than any limit of use.
 #if defined(__SANITIZE_ADDRESS__)
-        const TResult result = Shell("$tool info /dev/zero");
+        const TScriptResult result = Shell("$tool info /dev/zero");
 #else
-        const TResult result = Shell("ulimit -v 8000000; $tool info /dev/zero");
+        const TScriptResult result = Shell("ulimit -v 8000000; $tool info /dev/zero");
 #endif
         QCOMPARE(result.errors,
                  QByteArray("quillet-cli: /dev/zero: cannot be read: it is larger than 2 GiB\n"));
@@ -192,11 +147,11 @@ private slots:
 
     void binary_files_are_printed_on_a_terminal_only_with_force()
     {
-        QCOMPARE(On_Terminal("$tool thumbnail a.quillet -o -"),
+        QCOMPARE(On_Terminal("$tool thumbnail a.quillet -o -").output,
                  QByteArray("quillet-cli: standard output: is a terminal; redirect it, or use "
                             "--force to write to it\r\n"));
-        QVERIFY(On_Terminal("$tool thumbnail a.quillet -o - -f").contains("PNG"));
-        QVERIFY(On_Terminal("$tool export-items a.quillet --csv -").startsWith("page,"));
+        QVERIFY(On_Terminal("$tool thumbnail a.quillet -o - -f").output.contains("PNG"));
+        QVERIFY(On_Terminal("$tool export-items a.quillet --csv -").output.startsWith("page,"));
     }
 
     void control_characters_are_escaped_on_terminals()
@@ -205,18 +160,18 @@ private slots:
         const QByteArray name = "a\x1b[31m\n\xc2\xad";
         const QByteArray shown = "a\\x1b[31m\\n\\xad";
         QVERIFY(Shell("$tool info a.quillet").output.endsWith(", " + name + '\n'));
-        QVERIFY(On_Terminal("$tool info a.quillet").endsWith(", " + shown + "\r\n"));
-        QCOMPARE(On_Terminal("$tool info $'b\\e\\u202e'"),
+        QVERIFY(On_Terminal("$tool info a.quillet").output.endsWith(", " + shown + "\r\n"));
+        QCOMPARE(On_Terminal("$tool info $'b\\e\\u202e'").output,
                  QByteArray("quillet-cli: b\\x1b\\u202e: cannot be read: No such file or "
                             "directory\r\n"));
-        Support::Write_File(Path("items.csv"), "page,value,x,y,text\r\n1,3,4,5,\"a\tb\x7f\"\r\n");
+        Write("items.csv", "page,value,x,y,text\r\n1,3,4,5,\"a\tb\x7f\"\r\n");
         QCOMPARE(Shell("$tool import-items a.quillet --csv items.csv -o b").errors, QByteArray());
-        QVERIFY(On_Terminal("$tool export-items b --csv -").contains("a\\tb\\x7f"));
+        QVERIFY(On_Terminal("$tool export-items b --csv -").output.contains("a\\tb\\x7f"));
     }
 
     void errors_and_results_are_in_the_order_in_which_they_are_printed()
     {
-        const TResult result = Shell("$tool check a.quillet missing a.quillet 2>&1");
+        const TScriptResult result = Shell("$tool check a.quillet missing a.quillet 2>&1");
         QCOMPARE(result.output,
                  QByteArray("a.quillet: no defects\n"
                             "quillet-cli: missing: cannot be read: No such file or directory\n"
@@ -234,8 +189,9 @@ private slots:
     void quiet_prints_neither_reports_nor_warnings_nor_progress()
     {
         QFETCH(QString, command);
-        QVERIFY(!On_Terminal("$tool " + command).isEmpty());
-        QCOMPARE(On_Terminal("$tool " + command.replace("out", "other") + " -q"), QByteArray());
+        QVERIFY(!On_Terminal("$tool " + command).output.isEmpty());
+        QCOMPARE(On_Terminal("$tool " + command.replace("out", "other") + " -q").output,
+                 QByteArray());
         // What a command is asked for is printed.
         QVERIFY(!Shell("$tool info -q a.quillet").output.isEmpty());
         QVERIFY(!Shell("$tool check -q missing").errors.isEmpty());
@@ -243,12 +199,13 @@ private slots:
 
     void verbose_prints_the_files_that_are_read_and_written()
     {
-        const TResult result = Shell("$tool import-items -v a.quillet --csv items.csv -o out");
+        const TScriptResult result =
+            Shell("$tool import-items -v a.quillet --csv items.csv -o out");
         QCOMPARE(result.output, QByteArray());
         QCOMPARE(result.errors, QByteArray("quillet-cli: a.quillet: read, %1 bytes\n"
                                            "quillet-cli: items.csv: read, 25 bytes\n"
                                            "quillet-cli: out: written, %2 bytes\n")
-                                    .replace("%1", QByteArray::number(Project().size()))
+                                    .replace("%1", QByteArray::number(Content("a.quillet").size()))
                                     .replace("%2", QByteArray::number(Content("out").size())));
         QCOMPARE(Shell("$tool info -qv a.quillet").errors.split('\n').first(),
                  QByteArray("quillet-cli: Options 'quiet' and 'verbose' exclude each other."));
@@ -256,7 +213,7 @@ private slots:
 
     void short_options_can_be_combined()
     {
-        Support::Write_File(Path("out"), "old");
+        Write("out", "old");
         QCOMPARE(Shell("$tool create -qfoout image.png").status, 0);
         QVERIFY(Content("out").startsWith(Support::Magic()));
     }

@@ -14,23 +14,16 @@ using Support::Project_Of;
 using Support::Read_File;
 using Support::TToolResult;
 
-class TestCliWorkLogs : public QObject
+class TestCliWorkLogs : public Support::TToolTest
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> d_folder;
     TDocument d_document;
 
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
     QString Folder() const { return Path("home/.quillet/recovery"); }
     QString Log_Path() const
     {
         return Folder() + '/' + QDir(Folder()).entryList({"*.log"}).value(0);
-    }
-
-    TToolResult Run(const QStringList& arguments) const
-    {
-        return Support::Run_Tool(arguments, {Path("home"), d_folder->path(), QString(), QString()});
     }
 
     /// Leaves the log of a process that ended, with a changed page.
@@ -44,7 +37,8 @@ class TestCliWorkLogs : public QObject
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
+        TToolTest::init();
+        d_options.home = Path("home");
         QVERIFY(QDir(d_folder->path()).mkpath("home/.quillet"));
         d_document = TDocument();
         for (int page = 1; page <= 2; ++page)

@@ -15,7 +15,6 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSettings>
-#include <QTemporaryDir>
 #include <QTest>
 
 using Support::Label;
@@ -57,15 +56,11 @@ QList<QImage> Report_Pages(const QString& file, const QString& folder)
 
 /// The tool and the window write the same files. Each test has a document of four pages that was
 /// saved by a window. One of the pages has no image.
-class TestCliEquality : public QObject
+class TestCliEquality : public Support::TToolTest
 {
     Q_OBJECT
 
     std::unique_ptr<TOpenWindow> d_window;
-    std::unique_ptr<QTemporaryDir> d_folder;
-
-    QString Path(const QString& name) const { return d_folder->filePath(name); }
-    QByteArray Content(const QString& name) const { return Support::Read_File(Path(name)); }
 
     /// A window at its first start.
     static std::unique_ptr<TOpenWindow> New_Window()
@@ -76,11 +71,10 @@ class TestCliEquality : public QObject
         return window;
     }
 
-    /// Runs the tool in the test's folder; fails when the tool fails.
+    /// Runs the tool; fails when the tool fails.
     void Run(const QStringList& arguments) const
     {
-        const TToolResult result =
-            Support::Run_Tool(arguments, {QString(), d_folder->path(), QString(), QString()});
+        const TToolResult result = TToolTest::Run(arguments);
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
     }
@@ -149,7 +143,7 @@ class TestCliEquality : public QObject
 private slots:
     void init()
     {
-        d_folder = std::make_unique<QTemporaryDir>();
+        TToolTest::init();
         d_window = New_Window();
         Support::Add_Pages(d_window.get(), {{"Front", Picture(0), Labels()},
                                             {"a/b:c", QImage(), {}},

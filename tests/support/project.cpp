@@ -54,6 +54,13 @@ QByteArray Item_Element(const QByteArray& id, const QByteArray& value, const QBy
            "</Position></Item>";
 }
 
+QByteArray One_Label_Project(const QByteArray& page_name)
+{
+    return Header(32, "#0a141e", "", "", 1) +
+           Page_Record(page_name, Png(Picture(60, 40)),
+                       Item_List(Item_Element("5", "7", "", "1", "10.00,20.00")));
+}
+
 TDataItem Label(int id, int value, const QString& text, int border, const QPointF& position)
 {
     TDataItem item;

@@ -37,6 +37,9 @@ QByteArray Item_List(const QByteArray& content = QByteArray(),
 QByteArray Item_Element(const QByteArray& id, const QByteArray& value, const QByteArray& text,
                         const QByteArray& border, const QByteArray& position);
 
+/// A project with one page, on which a square label has the number 7.
+QByteArray One_Label_Project(const QByteArray& page_name = "a");
+
 /// A page to put into a window.
 struct TPage
 {

@@ -3,7 +3,7 @@
 #include "support/support.h"
 
 #include <QProcess>
-#include <QTemporaryDir>
+#include <QProcessEnvironment>
 
 namespace Support {
 
@@ -21,6 +21,23 @@ QProcessEnvironment Environment(const TToolOptions& options, const QString& home
     if (!options.display.isEmpty())
         environment.insert(QStringLiteral("DISPLAY"), options.display);
     return environment;
+}
+
+/// Runs a program with the path of the tool in $tool.
+TScriptResult Run_Script(const QString& program, const QStringList& arguments,
+                         const QString& folder)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("tool"), Tool_Path());
+    // script(1) runs its command in this shell.
+    environment.insert(QStringLiteral("SHELL"), QStringLiteral("/bin/bash"));
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(folder);
+    process.start(program, arguments);
+    if (!process.waitForFinished())
+        return {-1, QByteArray(), "time limit"};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 } // namespace
@@ -54,6 +71,35 @@ TToolResult Run_Tool(const QStringList& arguments, const TToolOptions& options)
     result.errors = QString::fromUtf8(process.readAllStandardError());
     result.home = Entries(home);
     return result;
+}
+
+QByteArray TToolTest::Content(const QString& name) const
+{
+    return Read_File(Path(name));
+}
+
+void TToolTest::Write(const QString& name, const QByteArray& content) const
+{
+    Write_File(Path(name), content);
+}
+
+TScriptResult TToolTest::Shell(const QString& script) const
+{
+    return Run_Script(QStringLiteral("bash"), {QStringLiteral("-c"), script}, d_folder->path());
+}
+
+TScriptResult TToolTest::On_Terminal(const QString& script) const
+{
+    return Run_Script(QStringLiteral("script"),
+                      {QStringLiteral("-qec"), script, QStringLiteral("/dev/null")},
+                      d_folder->path());
+}
+
+void TToolTest::init()
+{
+    d_folder = std::make_unique<QTemporaryDir>();
+    d_options = TToolOptions();
+    d_options.folder = d_folder->path();
 }
 
 QStringList Text_Of_Pages(const QString& pdf)
