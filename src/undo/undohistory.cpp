@@ -102,11 +102,9 @@ void TUndoHistory::Begin(TStepKind kind, int subject, int count)
     const bool has_last = d_new || d_may_continue;
     const bool continues = has_last && StepKind::May_Continue(kind) &&
                            Current_Step().kind == kind && Current_Step().subject == subject;
-    if (!continues) {
-        d_may_continue = false;
+    if (!continues)
         d_new =
             TStep{kind, subject, count, TDocumentStep(*d_data, Rows_And_Look()), Shown(), {}, 0};
-    }
     d_data->Set_Recorder(
         [this](const TPageItem& page) { Current_Step().document.Store_Page(page); });
 }

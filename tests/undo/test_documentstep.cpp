@@ -335,6 +335,7 @@ void TestDocumentStep::a_label_that_changes_back_is_compared_with_the_others()
 void TestDocumentStep::bytes_count_labels_texts_rows_and_images_of_the_step()
 {
     const qint64 nothing = Run([](TData*) {}).Bytes();
+    QCOMPARE(nothing, static_cast<qint64>(sizeof(TDocumentStep) + 2 * sizeof(int)));
     // Three labels with the text "text", and two rows with names such as "Page 1".
     const auto labels = static_cast<qint64>(3 * (sizeof(TDataItem) + 4 * sizeof(QChar)));
     const auto rows = static_cast<qint64>(2 * (sizeof(TNamedPage) + 6 * sizeof(QChar)));

@@ -4,6 +4,7 @@
 
 #include <QSignalSpy>
 #include <QStandardItemModel>
+#include <QStringListModel>
 #include <QTest>
 
 class TestUndoHistory : public QObject
@@ -26,6 +27,7 @@ private slots:
     void a_run_that_began_before_clearing_is_not_continued();
     void values_are_set_if_the_step_changed_them_data();
     void values_are_set_if_the_step_changed_them();
+    void the_outcome_says_whether_the_step_marks_the_document();
     void every_change_of_the_page_list_is_recorded_data();
     void every_change_of_the_page_list_is_recorded();
     void nested_scopes_are_one_step();
@@ -41,13 +43,26 @@ private slots:
     void a_renamed_page_is_a_step();
     void moving_pages_is_a_step_that_touches_no_page();
     void rows_are_recorded_on_return_to_the_event_loop();
+    void undo_and_redo_record_the_page_list_first();
+    void a_reported_change_that_leaves_the_rows_is_not_a_step();
+    void rows_that_undo_puts_back_are_not_a_step();
+    void rows_of_another_document_are_not_a_step();
+    void a_new_history_records_the_page_list();
     void a_row_missing_during_a_drag_is_not_a_step();
     void rows_that_change_within_a_step_belong_to_it();
+    void a_page_renamed_within_a_step_belongs_to_it();
+    void the_page_list_is_recorded_after_a_step_that_processed_events();
     void the_oldest_steps_are_dropped_beyond_the_budget();
     void selections_count_towards_the_budget();
     void a_continued_step_counts_towards_the_budget();
     void an_undone_step_counts_towards_the_budget();
     void two_hundred_steps_are_kept_even_beyond_the_budget();
+    void steps_that_fill_the_budget_exactly_are_kept();
+    void removed_steps_do_not_count_towards_the_budget();
+    void a_dropped_step_releases_its_images_at_once();
+    void the_last_step_that_is_done_and_undone_steps_are_kept_data();
+    void the_last_step_that_is_done_and_undone_steps_are_kept();
+    void the_budget_is_256_mib();
 
 private:
     void Start(qint64 budget);
@@ -55,6 +70,8 @@ private:
     void Change_Border(int id, int border);
     void Change_Value(int id, int value);
     void Change_Values(int steps);
+    void Rename(const QString& name);
+    qint64 Bytes_Of_A_Value_Step();
     int Undo_All();
     int Value(int index) const { return d_model.Item(index).value; }
 
@@ -128,6 +145,24 @@ void TestUndoHistory::Change_Values(int steps)
         Change_Value(1, value);
         d_history->Finish_Step();
     }
+}
+
+/// Renames the page in the list, which reports the change.
+void TestUndoHistory::Rename(const QString& name)
+{
+    d_rows[0].name = name;
+    d_list.setItem(0, new QStandardItem(name));
+}
+
+/// The size of each step of Change_Values.
+qint64 TestUndoHistory::Bytes_Of_A_Value_Step()
+{
+    TDocumentStep step(d_model, {d_rows, d_look});
+    step.Store_Page(d_model.Pages()[0]);
+    d_model.Change_Item_Value(1, 99);
+    step.Close(d_model);
+    // One page and one label are selected before the step and after it.
+    return step.Bytes() + qint64{4 * sizeof(int)};
 }
 
 /// Undoes all steps; returns how many there were.
@@ -298,16 +333,28 @@ void TestUndoHistory::values_are_set_if_the_step_changed_them()
     QTEST(d_history->Undo()->sets_values, "sets_values");
 }
 
+void TestUndoHistory::the_outcome_says_whether_the_step_marks_the_document()
+{
+    Change_Value(1, 10);
+    QVERIFY(d_history->Undo()->marks_document);
+    QVERIFY(d_history->Redo()->marks_document);
+    Record(TStepKind::Change_Color, 0, [&] { d_look.color = Qt::blue; });
+    QVERIFY(!d_history->Undo()->marks_document);
+    QVERIFY(!d_history->Redo()->marks_document);
+}
+
 void TestUndoHistory::every_change_of_the_page_list_is_recorded_data()
 {
     QTest::addColumn<QString>("change");
-    for (const char* const change : {"data", "insertion", "removal", "reset"})
+    for (const char* const change : {"data", "insertion", "removal", "reset", "move"})
         QTest::newRow(change) << change;
 }
 
 void TestUndoHistory::every_change_of_the_page_list_is_recorded()
 {
     QFETCH(QString, change);
+    QStringListModel movable({"Page 1", "Page 2"}); // QStandardItemModel does not move rows
+    d_history->Watch_Page_List(movable);
     d_rows[0].name = "Roof";
     if (change == "data")
         d_list.setData(d_list.index(0, 0), "Roof");
@@ -315,8 +362,10 @@ void TestUndoHistory::every_change_of_the_page_list_is_recorded()
         d_list.insertRow(0);
     else if (change == "removal")
         d_list.removeRow(0);
-    else
+    else if (change == "reset")
         d_list.clear();
+    else
+        QVERIFY(movable.moveRow(QModelIndex(), 0, QModelIndex(), 2));
     QCoreApplication::processEvents();
     QVERIFY(d_history->Can_Undo());
 }
@@ -362,6 +411,7 @@ void TestUndoHistory::steps_share_an_unchanged_selection()
     QVERIFY(first->shown.next_value != second->shown.next_value);
     QCOMPARE(first->shown.labels, QVector<int>{2});
     QCOMPARE(first->shown.labels.constData(), second->shown.labels.constData());
+    QCOMPARE(first->shown.pages, QVector<int>{1});
     QCOMPARE(first->shown.pages.constData(), second->shown.pages.constData());
 }
 
@@ -507,6 +557,58 @@ void TestUndoHistory::rows_are_recorded_on_return_to_the_event_loop()
     QCOMPARE(d_history->Undo()->message, QString("Undone: rename page"));
 }
 
+void TestUndoHistory::undo_and_redo_record_the_page_list_first()
+{
+    Change_Value(1, 10);
+    Rename("Roof");
+    QCOMPARE(d_history->Undo()->message, QString("Undone: rename page"));
+    Rename("Cellar");
+    QVERIFY(!d_history->Redo().has_value());
+    QCOMPARE(d_history->Undo_Name(), QString("rename page"));
+}
+
+void TestUndoHistory::a_reported_change_that_leaves_the_rows_is_not_a_step()
+{
+    QSignalSpy changed(d_history.get(), &TUndoHistory::Page_List_Changed);
+    Rename("Page 1");
+    d_history->Record_Page_List();
+    QCOMPARE(changed.count(), 0);
+    QVERIFY(!d_history->Can_Undo());
+}
+
+void TestUndoHistory::rows_that_undo_puts_back_are_not_a_step()
+{
+    Rename("Roof");
+    Rename(d_history->Undo()->rows_and_look.rows[0].name);
+    d_history->Record_Page_List();
+    QVERIFY(!d_history->Can_Undo());
+    QVERIFY(d_history->Can_Redo());
+}
+
+void TestUndoHistory::rows_of_another_document_are_not_a_step()
+{
+    d_rows[0].name = "Other";
+    d_history->Clear();
+    d_history->Record_Page_List();
+    QVERIFY(!d_history->Can_Undo());
+}
+
+void TestUndoHistory::a_new_history_records_the_page_list()
+{
+    const auto shown = [] { return TShownState(); };
+    TUndoHistory history(&d_model, {[this] { return d_rows; }, [this] { return d_look; }, shown},
+                         0);
+    history.Watch_Page_List(d_list);
+    for (const char* const name : {"Page 1", "Roof"}) {
+        QVERIFY(!history.Can_Undo());
+        QVERIFY(!history.Can_Redo());
+        Rename(name);
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(history.Undo()->rows_and_look.rows[0].name, QString("Page 1"));
+    QVERIFY(!history.Can_Undo());
+}
+
 void TestUndoHistory::a_row_missing_during_a_drag_is_not_a_step()
 {
     const TPageRows rows = std::exchange(d_rows, {});
@@ -534,6 +636,29 @@ void TestUndoHistory::rows_that_change_within_a_step_belong_to_it()
     QVERIFY(!d_history->Can_Undo());
     QCOMPARE(d_history->Redo()->rows_and_look.rows.size(), 2);
     QCOMPARE(d_model.Page_Id(1), 2);
+}
+
+void TestUndoHistory::a_page_renamed_within_a_step_belongs_to_it()
+{
+    QSignalSpy changed(d_history.get(), &TUndoHistory::Page_List_Changed);
+    Record(TStepKind::Change_Value, 1, [&] {
+        Rename("Roof");
+        d_history->Record_Page_List();
+    });
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(d_history->Undo()->message, QString("Undone: change value"));
+    QVERIFY(!d_history->Can_Undo());
+}
+
+void TestUndoHistory::the_page_list_is_recorded_after_a_step_that_processed_events()
+{
+    Record(TStepKind::Change_Value, 1, [&] {
+        Rename("Roof");
+        QCoreApplication::processEvents();
+    });
+    Rename("Cellar");
+    QCoreApplication::processEvents();
+    QCOMPARE(d_history->Undo_Name(), QString("rename page"));
 }
 
 void TestUndoHistory::the_oldest_steps_are_dropped_beyond_the_budget()
@@ -594,6 +719,79 @@ void TestUndoHistory::two_hundred_steps_are_kept_even_beyond_the_budget()
     while (d_history->Can_Redo())
         d_history->Redo();
     QCOMPARE(Value(0), 349);
+}
+
+void TestUndoHistory::steps_that_fill_the_budget_exactly_are_kept()
+{
+    constexpr int kept = 250;
+    for (const int missing_bytes : {0, 1}) {
+        Start(kept * Bytes_Of_A_Value_Step() - missing_bytes);
+        for (int round = 0; round < 2; ++round) {
+            Change_Values(kept + 10);
+            QCOMPARE(Undo_All(), kept - missing_bytes);
+            d_history->Clear();
+        }
+    }
+}
+
+void TestUndoHistory::removed_steps_do_not_count_towards_the_budget()
+{
+    constexpr int kept = 250;
+    Start(kept * Bytes_Of_A_Value_Step());
+    Change_Values(kept);
+    QCOMPARE(Undo_All(), kept);
+    Change_Values(kept);
+    QCOMPARE(Undo_All(), kept);
+}
+
+void TestUndoHistory::a_dropped_step_releases_its_images_at_once()
+{
+    Start(0);
+    QByteArray image = Support::Png(Support::Picture(4, 4));
+    const int page_id = d_model.Add_Page(TPageImage::From_Bytes(image));
+    Record(TStepKind::Remove_Pages, 0, [&] { d_model.Remove_Page(page_id); });
+    d_history->Finish_Step();
+    Change_Values(static_cast<int>(TUndoHistory::Minimum_Steps) - 1);
+    QVERIFY(!image.isDetached());
+    Change_Values(1);
+    QVERIFY(image.isDetached());
+}
+
+void TestUndoHistory::the_last_step_that_is_done_and_undone_steps_are_kept_data()
+{
+    QTest::addColumn<int>("done");
+    QTest::addColumn<int>("kept");
+    QTest::newRow("none done") << 0 << 0;
+    QTest::newRow("one done") << 1 << 1;
+    QTest::newRow("two done") << 2 << 1;
+}
+
+void TestUndoHistory::the_last_step_that_is_done_and_undone_steps_are_kept()
+{
+    QFETCH(const int, done);
+    constexpr int undone = 250;
+    Start(1024 * 1024);
+    for (int id = 1; id <= done; ++id)
+        Change_Value(id, 50);
+    QByteArray image(2 * 1024 * 1024, '\0');
+    image.prepend(Support::Png(Support::Picture(4, 4)));
+    Record(TStepKind::Import, 0, [&] { d_model.Add_Page(TPageImage::From_Bytes(image)); });
+    Change_Values(undone);
+    // Undoing the import adds the image to its step, which then exceeds the budget.
+    for (int step = 0; step <= undone; ++step)
+        QVERIFY(d_history->Undo().has_value());
+    QCOMPARE(d_history->Redo_Name(), QString("import 1 image"));
+    QTEST(Undo_All(), "kept");
+    int redone = 0;
+    for (; d_history->Can_Redo(); ++redone)
+        d_history->Redo();
+    QFETCH(const int, kept);
+    QCOMPARE(redone, kept + 1 + undone);
+}
+
+void TestUndoHistory::the_budget_is_256_mib()
+{
+    QCOMPARE(TUndoHistory::Memory_Budget, qint64{268435456});
 }
 
 QTEST_MAIN(TestUndoHistory)
