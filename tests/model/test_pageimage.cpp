@@ -249,6 +249,25 @@ private slots:
         QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
     }
 
+    // First: the other tests create the cache, so that it outlives every static image.
+    void an_image_may_outlive_main()
+    {
+        const Support::TChildResult result = Support::Run_In_Child([] {
+            // The C library overwrites freed memory, so that any use of it crashes.
+            mallopt(M_PERTURB, 0xa5);
+            // Called when the static objects below have been destroyed, and before sanitizers
+            // report what the parent left in memory.
+            std::atexit([] { _exit(0); });
+            static TPageImage image = TPageImage::From_Bytes(Support::Png(Support::Picture(9, 9)));
+            if (image.isNull() || TPixelStore::Shared().Bytes() == 0)
+                return 1;
+            // Destroys static objects in the reverse order of their construction.
+            std::exit(1);
+        });
+        QCOMPARE(result.signal, 0);
+        QCOMPARE(result.exit_code, 0);
+    }
+
     void a_null_image_behaves_like_a_null_qimage()
     {
         for (const TPageImage& image :
@@ -447,6 +466,40 @@ private slots:
                     .isNull());
         QVERIFY(
             TPageImage::From_Bytes("P4\n500000008 1\n" + QByteArray(62'500'001, '\x55')).isNull());
+    }
+
+    void the_pixels_of_a_size_are_counted_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<bool>("is_too_large");
+        QTest::newRow("one line") << QSize(500'000'000, 1) << false;
+        QTest::newRow("one line too long") << QSize(500'000'001, 1) << true;
+        QTest::newRow("one column too long") << QSize(1, 500'000'001) << true;
+        QTest::newRow("top-down line too long") << QSize(500'000'001, -1) << true;
+        QTest::newRow("no line") << QSize(500'000'001, 0) << false;
+    }
+
+    void the_pixels_of_a_size_are_counted()
+    {
+        QFETCH(const QSize, size);
+        QTEST(TPageImage::Is_Too_Large(size), "is_too_large");
+    }
+
+    void a_cursor_is_checked_like_an_icon()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("arrow.cur"));
+        Support::Write_File(path, Icon(Icon_Bitmap(40, 30)));
+        QCOMPARE(TPageImage::From_File(path, "cur").size(), QSize(40, 30));
+        Support::Write_File(path, Icon(Icon_Bitmap(20000, 12501)));
+        QVERIFY(TPageImage::From_File(path, "cur").isNull());
+    }
+
+    void an_icon_of_a_large_png_is_decoded()
+    {
+        QImage picture(3000, 3000, QImage::Format_Mono);
+        picture.fill(0);
+        QCOMPARE(TPageImage::From_Bytes(Icon(Support::Png(picture))).size(), picture.size());
     }
 
     void an_icon_of_a_bitmap_is_decoded()
@@ -823,24 +876,6 @@ private slots:
         QCOMPARE(QImage(large).cacheKey(), key);
         QVERIFY(!QImage(small).isNull());
         QCOMPARE(TPixelStore::Shared().Bytes(), qint64(40 * 30 * 4));
-    }
-
-    void an_image_may_outlive_main()
-    {
-        const Support::TChildResult result = Support::Run_In_Child([] {
-            // The C library overwrites freed memory, so that any use of it crashes.
-            mallopt(M_PERTURB, 0xa5);
-            // Called when the static objects below have been destroyed, and before sanitizers
-            // report what the parent left in memory.
-            std::atexit([] { _exit(0); });
-            static TPageImage image = TPageImage::From_Bytes(Support::Png(Support::Picture(9, 9)));
-            if (image.isNull() || TPixelStore::Shared().Bytes() == 0)
-                return 1;
-            // Destroys static objects in the reverse order of their construction.
-            std::exit(1);
-        });
-        QCOMPARE(result.signal, 0);
-        QCOMPARE(result.exit_code, 0);
     }
 
     void an_encoded_image_behaves_like_the_original_data() { Add_Samples(); }
