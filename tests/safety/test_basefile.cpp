@@ -236,12 +236,17 @@ void TestBaseFile::parts_are_read_from_the_first_candidate_that_has_them_data()
     other_image[4] = 'I';
     QByteArray other_end = content;
     other_end[3 + image.size()] = 'D';
+    QByteArray other_length = content;
+    other_length[0] = other_length[0] ^ 1;
+    other_length[4 + image.size() / 2] = 'x';
     for (const char* const candidate : {"base", "a.quillet", "backup"}) {
         QTest::addRow("%s, others missing", candidate) << candidate << QByteArray();
         QTest::addRow("%s, others longer", candidate) << candidate << content + 'x';
         QTest::addRow("%s, others shorter", candidate) << candidate << content.chopped(1);
         QTest::addRow("%s, others with another image", candidate) << candidate << other_image;
         QTest::addRow("%s, others with another end", candidate) << candidate << other_end;
+        QTest::addRow("%s, others with an image of another length", candidate)
+            << candidate << other_length;
         QTest::addRow("%s, others shifted", candidate) << candidate << "x" + content.chopped(1);
     }
 }
@@ -305,6 +310,12 @@ void TestBaseFile::a_part_that_no_candidate_has_is_missing()
     const TBaseReader reader = Reader(identity);
     QVERIFY(!reader.Read_Items({Content().size() - 3, 10}, Place().items_digest));
     QVERIFY(!reader.Read_Items({-1, 0}, Place().items_digest));
+    // The size of the file is right, but it ends within the part.
+    QByteArray too_long = Content();
+    too_long[4 + image.size()] = static_cast<char>(items.size() + 1);
+    Write_File(In("a.quillet"), too_long);
+    QVERIFY(!Reader(identity).Read_Items({Place().items.offset, items.size() + 1},
+                                         Place().items_digest));
     QVERIFY(QFile::remove(In("a.quillet")));
     QVERIFY(!Reader(identity).Read_Items(Place().items, Place().items_digest));
     QVERIFY(!Reader(identity).Read_Image(Place().image, Place().image_ends));

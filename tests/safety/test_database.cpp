@@ -28,6 +28,8 @@ private slots:
     void an_existing_file_is_not_overwritten();
     void a_folder_behind_a_link_is_accepted();
     void files_are_accessible_to_their_owner_only();
+    void a_query_can_be_started_again();
+    void a_database_without_a_write_ahead_log_has_a_log_size_of_0();
     void a_failed_statement_reports_its_reason();
     void a_statement_that_cannot_be_prepared_fails_without_crashing();
     void a_transaction_ends_with_its_commit();
@@ -131,6 +133,32 @@ void TestDatabase::files_are_accessible_to_their_owner_only()
     QCOMPARE(Entries(d_folder->path()), QStringList({"a.log", "a.log-wal"}));
     for (const QString& name : Entries(d_folder->path()))
         QCOMPARE(Mode(d_folder->filePath(name)), QString("600"));
+}
+
+void TestDatabase::a_query_can_be_started_again()
+{
+    TDatabase database;
+    QVERIFY(Create(&database));
+    TStatement query(&database, "SELECT ?");
+    for (const int value : {1, 2}) {
+        QVERIFY(query.Start(value));
+        QVERIFY(query.Next());
+        QCOMPARE(query.Integer(0), qint64(value));
+    }
+}
+
+void TestDatabase::a_database_without_a_write_ahead_log_has_a_log_size_of_0()
+{
+    {
+        TDatabase database;
+        QVERIFY(Create(&database));
+        QVERIFY(database.Checkpoint());
+    }
+    QVERIFY(QFile::remove(Path() + "-wal"));
+    TDatabase database;
+    QVERIFY(database.Open(Path()));
+    QCOMPARE(database.Log_Size(), qint64(0));
+    QVERIFY(database.Sync());
 }
 
 void TestDatabase::a_failed_statement_reports_its_reason()
