@@ -176,6 +176,37 @@ private slots:
         QCOMPARE(Values(&document.data, 1), first_page);
         QCOMPARE(Values(&document.data, 2), second_page);
     }
+
+    void a_page_is_turned_by_right_angles_data()
+    {
+        QTest::addColumn<int>("right_angles");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QPoint>("corner");
+        QTest::newRow("right") << 1 << QSize(20, 40) << QPoint(19, 0);
+        QTest::newRow("upside down") << 2 << QSize(40, 20) << QPoint(39, 19);
+        QTest::newRow("left") << 3 << QSize(20, 40) << QPoint(0, 39);
+    }
+    void a_page_is_turned_by_right_angles()
+    {
+        QFETCH(const int, right_angles);
+        QImage image(40, 20, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        image.setPixelColor(0, 0, Qt::black);
+        TDocument document;
+        document.Add_Page("without an image", TPageImage());
+        document.Add_Page("turned", image);
+        document.Add_Page("other", image);
+        Add_Items(&document, 2, {Label(1, 1, "", 0, {0, 0})});
+        QVERIFY(!document.Turn_Page(1, right_angles));
+        QVERIFY(document.Turn_Page(2, right_angles));
+        const TPageItem& page = document.Content(document.pages[1]);
+        QTEST(page.image.size(), "size");
+        QFETCH(const QPoint, corner);
+        QCOMPARE(QImage(page.image).pixelColor(corner), QColor(Qt::black));
+        const QPointF label = page.data_items.at(0).position;
+        QVERIFY((label - corner).manhattanLength() <= 2);
+        QCOMPARE(document.Content(document.pages[2]).image.size(), QSize(40, 20));
+    }
 };
 
 QTEST_MAIN(TestDocument)

@@ -96,6 +96,12 @@ private slots:
             Describe({Label(0, 2, "Pump, old", 0, {5, 6})}));
     }
 
+    void the_first_column_needs_no_heading()
+    {
+        QCOMPARE(Describe(Paste_Text("\tpage\tvalue\tx\ty\nleft\t1\t2\t5\t6\n")),
+                 Describe({Label(0, 2, "", 0, {5, 6})}));
+    }
+
     void a_tab_in_a_text_does_not_separate_columns()
     {
         QCOMPARE(Describe(Paste_Text("page,value,x,y,text\n1,2,5,6,\"A\tB\"\n")),

@@ -1,5 +1,6 @@
 // The project container, field by field, written and read.
 
+#include "core/safefile.h"
 #include "src/format/document.h"
 #include "src/format/projectfile.h"
 #include "src/model/pixelstore.h"
@@ -7,7 +8,9 @@
 #include "support/support.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QIODevice>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
@@ -723,6 +726,70 @@ private slots:
                               Page_Record("b", "", Item_List()) + "rest");
         QCOMPARE(content.fault, QString());
         QCOMPARE(content.pages.value().size(), std::size_t{1});
+    }
+
+    void a_field_of_negative_length_is_empty()
+    {
+        const QByteArray bytes = Number(0xffffffff) + "bytes";
+        TProjectReader reader(bytes);
+        QCOMPARE(reader.Read_Bytes(), QByteArray());
+        QVERIFY(!reader.Is_Valid());
+        QCOMPARE(reader.Read_Image().Source_Bytes(), QByteArray());
+    }
+
+    void a_file_is_whole_if_it_ends_with_its_last_page_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("is_whole");
+        const QByteArray header = Header(32, "red", "one", "two", 2);
+        const QByteArray page = Page_Record("a", "image", Item_List());
+        const QByteArray whole = header + page + page;
+        const auto row = [](const char* name, const QByteArray& bytes, bool is_whole) {
+            QTest::newRow(name) << bytes << is_whole;
+        };
+        row("whole", whole, true);
+        row("no pages", Header(32, "red", "", "", 0), true);
+        row("empty fields", Header(32, "", "", "", 1) + Page_Record("", "", ""), true);
+        row("empty file", QByteArray(), false);
+        row("another magic number", Number(90211) + whole.mid(4), false);
+        row("magic number alone", whole.left(4), false);
+        row("no page count", Header(32, "red", "", "", 0).chopped(4), false);
+        row("a page missing", header + page, false);
+        row("last byte missing", whole.chopped(1), false);
+        row("another byte", whole + 'x', false);
+        row("negative length", header + page + Number(0xffffffff) + page.mid(4), false);
+        row("length beyond the end", header + page + Number(1000) + page.mid(4), false);
+    }
+    void a_file_is_whole_if_it_ends_with_its_last_page()
+    {
+        QFETCH(const QByteArray, bytes);
+        const QTemporaryDir folder;
+        Support::Write_File(folder.filePath("a"), bytes);
+        QTEST(ProjectFile::Is_Whole(folder.filePath("a")), "is_whole");
+        QVERIFY(!ProjectFile::Is_Whole(folder.filePath("missing")));
+    }
+
+    void only_a_complete_project_replaces_a_file()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("a.quillet");
+        TProjectWriter writer;
+        writer.Write_Bytes(QByteArray(1000, 'x'));
+        const auto commit = [&] {
+            TSafeFile target(path);
+            return ProjectFile::Commit(writer, &target);
+        };
+        Support::Write_File(path, "old");
+        const Support::TChildResult full = Support::Run_In_Child([&] {
+            Support::Limit_File_Size(500);
+            return commit() ? 1 : 0;
+        });
+        QCOMPARE(full.exit_code, 0);
+        QCOMPARE(Support::Read_File(path), QByteArray("old"));
+        QVERIFY(commit());
+        QCOMPARE(Support::Read_File(path), Bytes_Of(writer));
+        QVERIFY(QFile::remove(path) && QDir(folder.path()).mkdir("a.quillet"));
+        QVERIFY(!commit());
     }
 };
 
