@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cerrno>
 #include <csignal>
 #include <memory>
 #include <sys/file.h>
@@ -76,6 +77,8 @@ private slots:
     void a_file_of_another_user_keeps_its_owner_data();
     void a_file_of_another_user_keeps_its_owner();
     void a_file_that_appears_can_be_kept();
+    void the_problem_of_a_failed_write_is_that_of_the_system();
+    void there_is_no_problem_if_the_file_can_be_written();
     void a_failed_overwrite_leaves_the_complete_new_file_data();
     void a_failed_overwrite_leaves_the_complete_new_file();
     void a_signal_while_overwriting_leaves_the_complete_new_file_and_names_it();
@@ -602,11 +605,41 @@ void TestSafeFile::a_file_that_appears_can_be_kept()
         Write_File(In("late"), "other");
         TSafeFile in_time(In("in time"));
         Write_File(in_time.Path_To_Write(), "new");
-        return !late.Commit(Accept) && in_time.Commit(Accept) ? 0 : 1;
+        TSafeFile linked(In("linked"));
+        Write_File(linked.Path_To_Write(), "new");
+        Write_File_With_Two_Hard_Links("linked");
+        return !late.Commit(Accept) && in_time.Commit(Accept) && !linked.Commit(Accept) ? 0 : 1;
     });
     QCOMPARE(result.exit_code, 0);
     QCOMPARE(Read_File(In("late")), QByteArray("other"));
     QCOMPARE(Read_File(In("in time")), QByteArray("new"));
+}
+
+void TestSafeFile::the_problem_of_a_failed_write_is_that_of_the_system()
+{
+    Write_File(In("target"), "old");
+    const Support::TChildResult full = Support::Run_In_Child([this] {
+        Support::Limit_File_Size(500);
+        QString problem;
+        if (TSafeFile::Replace(In("target"), QByteArray(1000, 'x'), 0, &problem))
+            return 1;
+        return problem == qt_error_string(EFBIG) ? 0 : 2;
+    });
+    QCOMPARE(full.exit_code, 0);
+    QCOMPARE(Read_File(In("target")), QByteArray("old"));
+    QString problem;
+    QVERIFY(!TSafeFile::Replace(In("missing/target"), "new", 0, &problem));
+    QCOMPARE(problem, qt_error_string(ENOENT));
+}
+
+void TestSafeFile::there_is_no_problem_if_the_file_can_be_written()
+{
+    const TSafeFile file(In("target"));
+    QCOMPARE(file.Write_Problem(), QString());
+    // Another program may have removed it.
+    QVERIFY(QFile::remove(file.Path_To_Write()));
+    QCOMPARE(file.Write_Problem(), QString());
+    QVERIFY(Entries(d_folder->path()).isEmpty());
 }
 
 QTEST_MAIN(TestSafeFile)

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 using Support::Write_File;
@@ -20,6 +21,7 @@ private slots:
     void a_hard_link_is_the_same_file();
     void a_symbolic_link_is_the_same_file();
     void a_copy_is_another_file();
+    void a_file_with_the_same_number_in_another_file_system_is_another_file();
     void a_missing_file_equals_none();
 
 private:
@@ -50,6 +52,15 @@ void TestSameFile::a_copy_is_another_file()
     Write_File(In("original"), "content");
     QVERIFY(QFile::copy(In("original"), In("copy")));
     QVERIFY(!Is_Same_File(In("original"), In("copy")));
+}
+
+void TestSameFile::a_file_with_the_same_number_in_another_file_system_is_another_file()
+{
+    struct stat proc = {};
+    struct stat sys = {};
+    QVERIFY(stat("/proc", &proc) == 0 && stat("/sys", &sys) == 0);
+    QCOMPARE(proc.st_ino, sys.st_ino);
+    QVERIFY(!Is_Same_File("/proc", "/sys"));
 }
 
 void TestSameFile::a_missing_file_equals_none()

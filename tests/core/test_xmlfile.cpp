@@ -116,6 +116,7 @@ private slots:
     void text_is_read_data();
     void text_is_read();
     void missing_text_names_the_node();
+    void the_placed_message_begins_with_line_and_column();
     void attributes_are_read();
     void missing_attributes_are_named();
     void first_child_with_a_name_is_found();
@@ -610,6 +611,30 @@ void TestXmlFile::missing_text_names_the_node()
     const QDomNode plain = file.d_root_element.firstChild();
     COMPARE_THROWN(file.Read_Text_Node(&plain, false), Data_Error,
                    "ERR: Node Text for '' is not optional.");
+}
+
+void TestXmlFile::the_placed_message_begins_with_line_and_column()
+{
+    const auto placed_message = [](const TXmlFile& file) {
+        const QDomElement element = file.d_root_element.firstChildElement();
+        try {
+            file.Read_Text_Node(&element, false);
+        } catch (const TXmlFileException& exception) {
+            return exception.Placed_Message();
+        }
+        return QString();
+    };
+    TXmlFile file;
+    file.Open_Data("<R><E/></R>", QStringLiteral("R"), nullptr, true);
+    QCOMPARE(placed_message(file),
+             QStringLiteral("line 1, column 6: Node Text for 'E' is not optional."));
+    file.Open_Data("<R>\n\n<E/></R>", QStringLiteral("R"), nullptr, true);
+    QCOMPARE(placed_message(file),
+             QStringLiteral("line 3, column 3: Node Text for 'E' is not optional."));
+    // A node that was not read from a document has no place.
+    file.Reset(QStringLiteral("R"), 1);
+    file.Create_Node(&file.d_root_element, QStringLiteral("E"));
+    QCOMPARE(placed_message(file), QStringLiteral("ERR: Node Text for 'E' is not optional."));
 }
 
 void TestXmlFile::attributes_are_read()
