@@ -61,6 +61,8 @@ private slots:
     void a_renamed_page_has_only_its_new_name();
     void a_new_first_page_has_the_header_lines();
     void each_page_is_reported();
+    void a_log_that_another_process_converts_meanwhile_is_no_problem();
+    void an_existing_file_in_a_read_only_folder_is_not_overwritten();
     void a_killed_conversion_is_repeated_data();
     void a_killed_conversion_is_repeated();
     void a_full_disk_leaves_the_log();
@@ -360,6 +362,42 @@ void TestLogConversion::each_page_is_reported()
     Convert(
         [&reports](int number, int total) { reports += QString("%1/%2").arg(number).arg(total); });
     QCOMPARE(reports, QStringList({"1/3", "2/3", "3/3"}));
+}
+
+void TestLogConversion::a_log_that_another_process_converts_meanwhile_is_no_problem()
+{
+    QVERIFY(Leave_Log());
+    QVERIFY(Leave_Log());
+    QCOMPARE(Files("*.log").size(), 2);
+    // The first log is open by now.
+    const auto remove_logs = [this](int, int) {
+        for (const QString& name : Files("*.log"))
+            QFile::remove(Folder() + '/' + name);
+    };
+    QCOMPARE(Convert(remove_logs), QStringList());
+    QCOMPARE(Files("*.quillet").size(), 1);
+}
+
+void TestLogConversion::an_existing_file_in_a_read_only_folder_is_not_overwritten()
+{
+    QVERIFY(Leave_Log());
+    QVERIFY(QDir(d_folder->path()).mkdir("read-only"));
+    const QString path = In("read-only/a.quillet");
+    Support::Write_File(path, "old");
+    QVERIFY(QFile::setPermissions(In("read-only"), QFile::ReadOwner | QFile::ExeOwner));
+    const Support::TChildResult result = Support::Run_In_Child([&] {
+        Support::Obey_File_Permissions();
+        TLogReader log;
+        if (log.Open(Log_Path(), In("backup")) != TLogReader::TContent::Work)
+            return 1;
+        TSafeFile target(path, TSafeFile::TKind::Private);
+        const LogConversion::TResult written =
+            LogConversion::Write(&log, LogConversion::TDamage::Accept, &target, nullptr);
+        return written.is_written ? 2 : 0;
+    });
+    QFile::setPermissions(In("read-only"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(Read_File(path), QByteArray("old"));
 }
 
 void TestLogConversion::a_killed_conversion_is_repeated_data()

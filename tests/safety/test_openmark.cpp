@@ -2,6 +2,7 @@
 
 #include "support/support.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -130,6 +131,16 @@ private slots:
         QStringList expected = used + others;
         expected.sort();
         QCOMPARE(left, expected);
+    }
+
+    void the_next_start_leaves_no_mark_open()
+    {
+        QVERIFY(QDir().mkpath(Marks()));
+        Support::Write_File(Marks() + '/' + QString(64, 'f'), QByteArray());
+        const int open_files = Support::Entries("/proc/self/fd").size();
+        const TOpenMark next(Marks());
+        QCOMPARE(Support::Entries(Marks()), QStringList());
+        QCOMPARE(Support::Entries("/proc/self/fd").size(), open_files);
     }
 
     void a_mark_that_is_removed_before_it_is_locked_is_made_again()

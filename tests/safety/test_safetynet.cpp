@@ -63,6 +63,8 @@ private slots:
     void an_abandoned_copy_stays_otherwise();
     void an_unusable_settings_folder_is_reported_once_data();
     void an_unusable_settings_folder_is_reported_once();
+    void an_unusable_backup_folder_is_reported_once();
+    void a_failed_update_is_not_repeated_at_once();
     void a_full_disk_is_reported_once();
     void a_document_without_pages_has_no_work_to_lose();
     void stale_files_are_deleted_at_the_start();
@@ -652,6 +654,43 @@ void TestSafetyNet::an_unusable_settings_folder_is_reported_once()
              QByteArray("quillet: cannot write unsaved work to the settings folder\n"));
     QVERIFY(Entries(In("elsewhere")).isEmpty());
     QCOMPARE(Read_File(In("a.quillet")), Empty_Project());
+}
+
+void TestSafetyNet::an_unusable_backup_folder_is_reported_once()
+{
+    QVERIFY(QDir(d_folder->path()).mkdir("elsewhere"));
+    QVERIFY(QFile::link(In("elsewhere"), In("settings/backup")));
+    Write_File(In("a.quillet"), Empty_Project(41));
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        const auto net = Net();
+        for (int i = 0; i < 3; ++i)
+            Save(net.get(), In("a.quillet"), Empty_Project());
+        return 0;
+    });
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(result.error_output,
+             QByteArray("quillet: cannot write backups to the settings folder\n"));
+    QCOMPARE(Read_File(In("a.quillet")), Empty_Project());
+}
+
+void TestSafetyNet::a_failed_update_is_not_repeated_at_once()
+{
+    QVERIFY(QDir(d_folder->path()).mkdir("elsewhere"));
+    QVERIFY(QFile::link(In("elsewhere"), In("settings/recovery")));
+    Add_Pages();
+    const Support::TChildResult result = Support::Run_In_Child([this] {
+        int updates = 0;
+        TSafetyNet net(Settings(), [&] {
+            ++updates;
+            return Support::State_Of(d_document);
+        });
+        constexpr int changes = 200;
+        for (int change = 0; change < changes; ++change)
+            net.Record_Change("/a");
+        // The rest lasts longer than these changes, unless the machine is very slow.
+        return updates < changes / 2 ? 0 : 1;
+    });
+    QCOMPARE(result.exit_code, 0);
 }
 
 void TestSafetyNet::a_full_disk_is_reported_once()
