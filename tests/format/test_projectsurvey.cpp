@@ -437,6 +437,16 @@ private slots:
         QCOMPARE(Defects(Survey(bytes)).size(), 1);
     }
 
+    void labels_without_a_name_and_an_image_are_a_page()
+    {
+        const TProjectSurvey survey = Survey(Header(32, look, "", "", 1) + Good_Items());
+        QVERIFY(!survey.defects.empty());
+        QCOMPARE(survey.pages.size(), 1U);
+        QVERIFY(!survey.pages[0].items.empty());
+        QCOMPARE(survey.pages[0].name, QString());
+        QVERIFY(!survey.pages[0].is_whole);
+    }
+
     void a_page_without_an_image_is_not_a_defect()
     {
         QCOMPARE(Defects(Survey(Header(32, look, "", "", 1) + Empty_Page("a"))), QStringList());
