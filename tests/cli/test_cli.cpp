@@ -137,6 +137,7 @@ private slots:
         QCOMPARE(result.output.contains("\nArguments:\n"), name != "kept");
         // Qt's own options are not listed.
         QVERIFY(!result.output.contains("--help-all"));
+        QCOMPARE(Run({name, "-h"}).output, result.output);
     }
 
     void invalid_usage_exits_with_status_2_data()

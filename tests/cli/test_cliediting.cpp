@@ -266,6 +266,17 @@ private slots:
                  QString());
     }
 
+    void details_of_a_merge_are_the_numbers_of_the_pages()
+    {
+        Write("b.quillet", Project(Page('b') + Page('a'), 2));
+        const TToolResult result =
+            Run({"merge", "b.quillet", "three.quillet", "-o", "out", "--verbose"});
+        QCOMPARE(result.status, 0);
+        for (const char* const detail :
+             {"b.quillet: pages 1 to 2\n", "three.quillet: pages 3 to 5\n"})
+            QVERIFY2(result.errors.contains(detail), qPrintable(result.errors));
+    }
+
     void a_merged_document_has_the_settings_of_the_first()
     {
         Write("b.quillet", Header(44, "#0a141e", "first", "second", 1) + Page('b'));

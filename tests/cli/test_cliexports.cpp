@@ -244,6 +244,19 @@ private slots:
         QCOMPARE(report({}) == expected, is_default);
     }
 
+    void a_web_page_has_whole_images_by_default()
+    {
+        Write_Project(Page("a", Picture(60, 40)), 1);
+        const auto web_page = [this](const QStringList& options) {
+            const QStringList command{"export-html", "a.quillet", "--output", "page", "--force"};
+            return Run(command + options).status == 0 ? Content("page") : QByteArray();
+        };
+        const QByteArray whole = web_page({});
+        QVERIFY(!whole.isEmpty());
+        QCOMPARE(web_page({"--max-width", "60"}), whole);
+        QVERIFY(web_page({"--max-width", "59"}) != whole);
+    }
+
     void a_large_page_is_scaled_down_for_the_thumbnail_data()
     {
         QTest::addColumn<QSize>("page");

@@ -273,6 +273,19 @@ private slots:
         QCOMPARE(Home(), before);
     }
 
+    void kept_lists_copies_of_the_same_time_with_unsaved_work_first()
+    {
+        for (const char* const name : {"backup/one", "recovery/two"}) {
+            Keep(name, Empty_Project(), "/tmp/a.quillet", 0);
+            QFile file(Path(QString("home/.quillet/%1.quillet").arg(name)));
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1'000'000'000),
+                                     QFileDevice::FileModificationTime));
+        }
+        const QString output = Run({"kept"}).output;
+        QVERIFY2(output.startsWith("1: recovery, "), qPrintable(output));
+    }
+
     void kept_copies_a_file_without_removing_it()
     {
         Keep("backup/one", Empty_Project(40), "/tmp/one.quillet", 100);
