@@ -161,9 +161,10 @@ private slots:
         const QByteArray shown = "a\\x1b[31m\\n\\xad";
         QVERIFY(Shell("$tool info a.quillet").output.endsWith(", " + name + '\n'));
         QVERIFY(On_Terminal("$tool info a.quillet").output.endsWith(", " + shown + "\r\n"));
-        QCOMPARE(On_Terminal("$tool info $'b\\e\\u202e'").output,
-                 QByteArray("quillet-cli: b\\x1b\\u202e: cannot be read: No such file or "
-                            "directory\r\n"));
+        QCOMPARE(
+            On_Terminal("$tool info $'b\\e\\u202e\\u2028\\u2029'").output,
+            QByteArray("quillet-cli: b\\x1b\\u202e\\u2028\\u2029: cannot be read: No such file or "
+                       "directory\r\n"));
         Write("items.csv", "page,value,x,y,text\r\n1,3,4,5,\"a\tb\x7f\"\r\n");
         QCOMPARE(Shell("$tool import-items a.quillet --csv items.csv -o b").errors, QByteArray());
         QVERIFY(On_Terminal("$tool export-items b --csv -").output.contains("a\\tb\\x7f"));
