@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <limits>
+
 using Support::Label;
 
 namespace {
@@ -175,6 +177,31 @@ private slots:
         QCOMPARE(Number_Pages({2, 3, 1}, 1, method, &document.data), next);
         QCOMPARE(Values(&document.data, 1), first_page);
         QCOMPARE(Values(&document.data, 2), second_page);
+    }
+
+    void kept_pages_have_the_given_order()
+    {
+        TDocument document;
+        for (const char* const name : {"a", "b", "c"})
+            document.Add_Page(name, TPageImage());
+        document.Keep_Pages({3, 1});
+        QCOMPARE(document.Page_Names(), QStringList({"c", "a"}));
+        QCOMPARE(document.Page_Ids(), QList<int>({3, 1}));
+        QCOMPARE(document.data.Page_Count(), 2);
+        QCOMPARE(document.data.Page_Id(0), 3);
+    }
+
+    void numbers_beyond_the_largest_value_are_refused()
+    {
+        TDocument document;
+        for (const char* const name : {"a", "b"})
+            document.Add_Page(name, TPageImage());
+        Add_Items(&document, 1, {Label(1, 0, "", 0, {}), Label(2, 0, "", 0, {})});
+        const int largest = std::numeric_limits<int>::max();
+        const int method = TNumbering::Next_1X;
+        QVERIFY(Can_Number_Pages({1}, largest - 1, method, document.data));
+        QVERIFY(!Can_Number_Pages({1}, largest, method, document.data));
+        QVERIFY(Can_Number_Pages({2}, largest, method, document.data));
     }
 
     void a_page_is_turned_by_right_angles_data()

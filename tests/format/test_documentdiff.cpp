@@ -282,7 +282,11 @@ private slots:
         left.fill(Qt::white);
         QImage right = left;
         right.setPixelColor(1, 1, QColor(QRgba64::fromRgba64(0xfffe, 0xffff, 0xffff, 0xffff)));
-        QCOMPARE(Image_Differences(left, right), QStringList({"changed 1/1 a: image 1 pixels"}));
+        const QStringList one_pixel{"changed 1/1 a: image 1 pixels"};
+        QCOMPARE(Image_Differences(left, right), one_pixel);
+        const QImage white = left.convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(Image_Differences(white, right), one_pixel);
+        QCOMPARE(Image_Differences(right, white), one_pixel);
     }
 
     void images_of_other_sizes_differ_in_their_size()

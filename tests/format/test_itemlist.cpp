@@ -87,6 +87,23 @@ private slots:
                                               Element("Position", "-0.13,10000000.00"))));
     }
 
+    void a_document_gets_other_texts()
+    {
+        const QByteArray items = Item_With();
+        const QString omega(QChar(0x3a9));
+        const TPageTexts none{"plain", QString(), QString()};
+        const TPageTexts other{omega, QString(), QString()};
+        // Without texts before and after, no byte changes.
+        const QByteArray plain = Document(items + "<!-- comment -->");
+        QCOMPARE(ItemList::With_Texts(plain, none), plain);
+        const auto with_name = [](QByteArray document) {
+            return document.insert(document.indexOf(" File_Version"), " Page_Name=\"\xce\xa9\"");
+        };
+        QCOMPARE(ItemList::With_Texts(plain, other), with_name(Document(items)));
+        QCOMPARE(ItemList::With_Texts(with_name(plain), none), Document(items));
+        QCOMPARE(ItemList::With_Texts(with_name(plain), other), with_name(Document(items)));
+    }
+
     void an_empty_page_is_an_empty_root()
     {
         QCOMPARE(ItemList::Write({}), declaration + "<Quillet_Data File_Version=\"1\"/>");

@@ -65,6 +65,16 @@ private slots:
         QCOMPARE(result.defects, QStringList());
     }
 
+    void an_unknown_border_is_harmless()
+    {
+        const QByteArray bad_border = Item_Element("1", "7", "t", "3", "1,2");
+        const QByteArray bad_value = Item_Element("2", "x", "t", "2", "1,2");
+        const TItemSurvey survey = ItemSurvey::Survey(Item_List(bad_border + bad_value));
+        QCOMPARE(survey.defects.size(), 2U);
+        QVERIFY(survey.defects[0].is_harmless);
+        QVERIFY(!survey.defects[1].is_harmless);
+    }
+
     void an_empty_document_has_no_labels_and_no_defects()
     {
         const TResult result = Survey(Item_List());

@@ -172,6 +172,8 @@ private slots:
         QVERIFY(!without.has_text && !without.has_border && !without.has_id);
         const TItemRow with = ItemTable::Read(header + "1,2,,,3,4\r\n").at(0);
         QVERIFY(with.has_text && with.has_border && !with.has_id);
+        QVERIFY(ItemTable::Read("text,page,value,x,y\r\n,1,2,3,4\r\n").at(0).has_text);
+        QVERIFY(ItemTable::Read("border,page,value,x,y\r\n,1,2,3,4\r\n").at(0).has_border);
     }
 
     void other_forms_of_a_table_are_read_data()

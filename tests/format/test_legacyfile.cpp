@@ -108,6 +108,16 @@ private:
     }
 
 private slots:
+    void the_suffixes_of_both_files_are_legacy_in_any_case()
+    {
+        for (const char* const name : {"a.qld", "a.qli", "A.QLD", "A.Qli"})
+            QVERIFY2(LegacyFile::Has_Suffix(name), name);
+        for (const char* const name : {"a.quillet", "a.qld.png", "qld", "aqli"})
+            QVERIFY2(!LegacyFile::Has_Suffix(name), name);
+        QVERIFY(LegacyFile::Is_Legacy("a.qld"));
+        QVERIFY(!LegacyFile::Is_Legacy("a.qli"));
+    }
+
     void border_numbers_become_border_types_data()
     {
         QTest::addColumn<int>("legacy_border");

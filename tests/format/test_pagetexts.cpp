@@ -3,6 +3,7 @@
 #include "src/format/document.h"
 #include "src/format/itemlist.h"
 #include "src/format/itemsurvey.h"
+#include "src/format/pagetexts.h"
 #include "src/format/projectfile.h"
 #include "src/format/projectsurvey.h"
 #include "support/project.h"
@@ -70,6 +71,21 @@ class TestPageTexts : public QObject
     Q_OBJECT
 
 private slots:
+    void white_space_and_markup_are_references_in_an_attribute()
+    {
+        QCOMPARE(PageTexts::Attributes({greek + "\t\n \"&<=>", QString(), greek}),
+                 QByteArray(" Page_Name=\"\xce\xa9-1&#9;&#10; &#34;&#38;&#60;&#61;&#62;\""
+                            " Header_2=\"\xce\xa9-1\""));
+    }
+
+    void only_a_text_of_other_scripts_with_control_characters_cannot_be_stored()
+    {
+        QVERIFY(PageTexts::Is_Storable("plain"));
+        QVERIFY(PageTexts::Is_Storable("a\x01"));
+        QVERIFY(PageTexts::Is_Storable(greek));
+        QVERIFY(!PageTexts::Is_Storable(greek + "\x01"));
+    }
+
     void every_text_is_read_as_it_was_written_data()
     {
         QTest::addColumn<QString>("text");

@@ -624,6 +624,8 @@ private slots:
         QCOMPARE(part(written[0].items),
                  Item_List(Item_Element("5", "7", "Pump", "2", "1.00,2.50")));
         QCOMPARE(written[0].image_ends, png.left(32) + png.right(32));
+        for (std::size_t i = 0; i < written.size(); ++i)
+            QCOMPARE(written[i].image_id, document.Content(document.pages[i]).image.Id());
         // By sha1sum.
         QCOMPARE(written[2].items_digest.toHex(),
                  QByteArray("08fa37145627b43a8f35b7d0d7351bc1a2e74405"));
@@ -758,6 +760,8 @@ private slots:
         row("last byte missing", whole.chopped(1), false);
         row("another byte", whole + 'x', false);
         row("negative length", header + page + Number(0xffffffff) + page.mid(4), false);
+        row("negative length that leads back to a length",
+            header + Page_Record("a", "", Number(4)) + Number(0xfffffff8) + Number(0), false);
         row("length beyond the end", header + page + Number(1000) + page.mid(4), false);
     }
     void a_file_is_whole_if_it_ends_with_its_last_page()
