@@ -104,6 +104,7 @@ private slots:
         QVERIFY(TRecordFinder(picture).Is_Boundary(0));
         QVERIFY(!TRecordFinder(Page_Record("a", "", "")).Is_Boundary(0));
         QVERIFY(!TRecordFinder(Page_Record("a", "junk", "")).Is_Boundary(0));
+        QVERIFY(!TRecordFinder(Page_Record("a", "", "") + "<").Is_Boundary(0));
     }
 
     void a_damaged_name_length_is_derived_from_the_image()
@@ -111,6 +112,25 @@ private slots:
         const QByteArray name = "name";
         const QByteArray file = negative + name + Field(png) + Field(Item_List());
         QCOMPARE(Describe(TRecordFinder(file).Find(0)), Sound(0, name, png, Item_List()));
+        QCOMPARE(Describe(TRecordFinder("before" + file).Find(6)),
+                 Sound(6, name, png, Item_List()));
+    }
+
+    void without_a_later_document_the_lengths_are_right()
+    {
+        const QByteArray file = Page_Record("name", png, "abc") + "trailing";
+        QCOMPARE(Describe(TRecordFinder(file).Find(0)), Sound(0, "name", png, "abc"));
+    }
+
+    void a_document_is_found_at_the_offset_of_its_root()
+    {
+        const QByteArray file = "before" + Item_List();
+        const int root = file.indexOf("<Quillet_Data");
+        const TRecordFinder finder(file);
+        QVERIFY(finder.Has_Record_After(root));
+        QVERIFY(!finder.Has_Record_After(root + 1));
+        QCOMPARE(Describe(finder.Find_After(root).items),
+                 QStringLiteral("%1+%2").arg(root).arg(file.size() - root));
     }
 
     void a_name_with_a_damaged_length_has_at_most_1024_bytes_data()
