@@ -1,5 +1,7 @@
 #include "cli/pageview.h"
 
+#include <algorithm>
+
 TPageView::TPageView(TDocument* document, const TProgressReport& report, bool has_halo,
                      QString* problem)
     : d_view(nullptr)
@@ -9,9 +11,12 @@ TPageView::TPageView(TDocument* document, const TProgressReport& report, bool ha
     d_view.Set_Label_Size(QSize(size, size), TAppearance::Font_Size(size));
     d_view.Set_Label_Color(TAppearance::Color(document->appearance.color_name));
     d_view.Set_Label_Halo(has_halo);
-    // Show the last page, as the window does after opening a document: the size of a page without
-    // an image depends on the pages shown before.
-    if (document->pages.empty())
+    // The size of a page without an image depends on the pages shown before. The window shows the
+    // last page after opening a document.
+    const auto has_no_image = [document](const TNamedPage& page) {
+        return document->Content(page).image.Source_Bytes().isEmpty();
+    };
+    if (std::none_of(document->pages.cbegin(), document->pages.cend(), has_no_image))
         return;
     document->data.Set_Active_Page(document->pages.back().page_id);
     if (document->data.Page_Image_Valid())

@@ -11,7 +11,7 @@
 class TPageView
 {
 public:
-    /// @param document  not owned; one of its pages becomes active.
+    /// @param document  not owned; its active page may change.
     /// @param report    passed to the exporter; may be empty.
     /// @param has_halo  whether labels have a thin light outline.
     /// @param problem   receives the reason if a file cannot be written; may be null, not owned.

@@ -1,11 +1,14 @@
 #include "src/model/imagecheck.h"
 
+#include "core/errorcapture.h"
 #include "src/model/pngreader.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QImageReader>
 #include <QtEndian>
+
+#include <algorithm>
 
 namespace {
 
@@ -14,8 +17,8 @@ QString Tr(const char* source)
     return QCoreApplication::translate("ImageCheck", source);
 }
 
-/// Replaces Qt's message handler and notes whether a decoder printed a warning, since Qt decodes a
-/// damaged JPEG image without an error.
+/// Hides the messages of decoders. Notes whether there was a warning of Qt, which decodes a damaged
+/// JPEG image without an error.
 class TWarningWatch
 {
 public:
@@ -29,9 +32,12 @@ public:
     Q_DISABLE_COPY(TWarningWatch)
 
     static bool Has_Warned() { return d_has_warned; }
+    /// What libraries printed.
+    QByteArray Library_Messages() const { return d_library_messages.Text(); }
 
 private:
     static bool d_has_warned;
+    TErrorCapture d_library_messages;
     QtMessageHandler d_outer;
 };
 
@@ -95,6 +101,11 @@ bool Has_Hidden_Damage(const QByteArray& format, const QByteArray& bytes)
     return (format == "jpeg" || format == "jpg") && TWarningWatch::Has_Warned();
 }
 
+QString Damage()
+{
+    return Tr("the image is damaged");
+}
+
 QString Decoding_Fault()
 {
     return Tr("the image cannot be decoded");
@@ -145,8 +156,19 @@ QString ImageCheck::Fault(const QByteArray& bytes)
     QImageReader reader(&buffer);
     const QByteArray format = reader.format();
     QImage image;
-    const bool is_whole = reader.read(&image) && !Has_Hidden_Damage(format, bytes);
-    return is_whole ? QString() : Tr("the image is damaged");
+    if (!reader.read(&image) || Has_Hidden_Damage(format, bytes))
+        return Damage();
+    return format == "tiff" ? Tiff_Fault(watch.Library_Messages()) : QString();
+}
+
+QString ImageCheck::Tiff_Fault(const QByteArray& messages)
+{
+    // Warnings are about unusual tags, except those about the data of JPEG pictures.
+    const auto names_damage = [](const QByteArray& line) {
+        return !line.isEmpty() && (line.startsWith("JPEGLib") || !line.contains(": Warning, "));
+    };
+    const QList<QByteArray> lines = messages.split('\n');
+    return std::any_of(lines.cbegin(), lines.cend(), names_damage) ? Damage() : QString();
 }
 
 ImageCheck::TRest ImageCheck::Rest(const QByteArray& bytes)

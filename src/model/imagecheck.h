@@ -16,6 +16,10 @@ QSize Size(const QByteArray& bytes);
 /// row of a PNG image.
 QString Fault(const QByteArray& bytes);
 
+/// The same for a TIFF image that Qt has decoded: Qt ignores the errors of libtiff.
+/// @param messages  of libtiff while Qt decoded the image.
+QString Tiff_Fault(const QByteArray& messages);
+
 /// What remains of a damaged image.
 struct TRest
 {

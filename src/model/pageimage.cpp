@@ -1,5 +1,6 @@
 #include "src/model/pageimage.h"
 
+#include "core/errorcapture.h"
 #include "core/workwatch.h"
 #include "src/model/pixelstore.h"
 
@@ -71,6 +72,7 @@ bool Declares_Too_Many_Pixels(QImageReader* reader)
 /// Decodes like QImage::fromData, but rejects headers that declare too many pixels.
 QImage Decode(const QByteArray& bytes, const TDecoding& decoding)
 {
+    const TErrorCapture messages;
     TWatchedDevice<QBuffer> buffer;
     buffer.setData(bytes);
     // Reading the size moves the first reader on in its data, so a second one decodes the image.
@@ -194,6 +196,7 @@ TPageImage TPageImage::From_Part(const QByteArray& whole, int offset, int length
 TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_format,
                                  TOrientation orientation)
 {
+    const TErrorCapture messages;
     // Not QImageReader(path), which tries suffixes if there is no such file.
     QFile header(path);
     QImageReader header_reader(&header, wanted_format);
@@ -222,6 +225,7 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
 
 int TPageImage::Picture_Count(const QString& path)
 {
+    const TErrorCapture messages;
     QFile file(path);
     QImageReader reader(&file);
     return reader.format() == "tiff" ? qMax(1, reader.imageCount()) : 1;

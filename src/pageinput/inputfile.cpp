@@ -36,8 +36,10 @@ QString TInputFile::Open()
 {
     if (d_pdf)
         return Open_Pdf();
+    const TErrorCapture messages;
     d_page_count = TPageImage::Picture_Count(d_path);
-    return QString();
+    // Without the rest of its directories, a TIFF seems to have fewer pages.
+    return Damage_In(messages);
 }
 
 QString TInputFile::Open_Pdf()
@@ -85,11 +87,21 @@ TInputPage TInputFile::Read_Image(int index)
         return {std::nullopt, name, damage};
     if (index == 0)
         d_first_picture = TPageImage::From_File(d_path, QByteArray(), d_options.orientation);
+    const TErrorCapture messages;
     const TPageImage image = d_first_picture.Picture(index);
+    const QString fault = Damage_In(messages);
+    if (!fault.isEmpty())
+        return {std::nullopt, name, About_Page(index + 1, fault)};
     if (!image.isNull())
         return {image, name, QString()};
     return {std::nullopt, name,
             is_only_page ? Image_Fault() : About_Page(index + 1, Image_Fault())};
+}
+
+/// The damage of a TIFF that libtiff has named; empty for none.
+QString TInputFile::Damage_In(const TErrorCapture& messages) const
+{
+    return d_options.needs_whole_images ? ImageCheck::Tiff_Fault(messages.Text()) : QString();
 }
 
 /// Why the file cannot be decoded to its end; empty if it can.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/errorcapture.h"
 #include "core/pageranges.h"
 #include "src/model/pageimage.h"
 #include "src/pageinput/pdffile.h"
@@ -49,6 +50,7 @@ private:
     QString Open_Pdf();
     TInputPage Read_Pdf(int index) const;
     TInputPage Read_Image(int index);
+    QString Damage_In(const TErrorCapture& messages) const;
     QString Damage() const;
     QString Image_Fault() const;
 

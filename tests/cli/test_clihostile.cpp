@@ -192,8 +192,14 @@ private slots:
     void pages_with_sound_pictures_can_be_exported()
     {
         Write("a.quillet", Second_Page(Cut_Picture()));
-        QCOMPARE(Run({"export-pdf", "a.quillet", "--pages", "1", "--output", "out"}).status, 0);
-        QCOMPARE(Run({"thumbnail", "a.quillet", "--output", "thumbnail"}).status, 0);
+        for (const QStringList& command :
+             {QStringList{"export-pdf", "--pages", "1", "--output", "out"},
+              QStringList{"export-images", "--pages", "1", "--folder", "."},
+              QStringList{"thumbnail", "--output", "thumbnail"}}) {
+            const TToolResult result = Run(command + QStringList{"a.quillet"});
+            QCOMPARE(result.errors, QString());
+            QCOMPARE(result.status, 0);
+        }
         Write("b.quillet", Project(Cut_Picture()));
         QCOMPARE(Run({"thumbnail", "b.quillet", "--output", "thumbnail", "--force"}).status, 1);
     }
@@ -213,6 +219,15 @@ private slots:
         QTest::newRow("PPM") << cut("PPM") << "the image cannot be decoded";
         QTest::newRow("XBM") << cut("XBM") << damaged;
         QTest::newRow("GIF") << Support::Gif(20, 10).chopped(4) << damaged;
+        const QByteArray tiff = Support::Tiff({picture});
+        QTest::newRow("TIFF") << tiff.chopped(1000) << "the image cannot be decoded\n";
+        QTest::newRow("TIFF that Qt decodes")
+            << Support::Read_File(QUILLET_TEST_DATA "/jpeg_data_changed.tif") << damaged + '\n';
+        QTest::newRow("TIFF header") << tiff.left(20) << damaged + '\n';
+        QTest::newRow("TIFF without its second page")
+            << Support::Tiff({picture, picture}).left(tiff.size() + 20) << damaged + '\n';
+        QTest::newRow("second page of a TIFF")
+            << Support::Tiff({picture, picture}).chopped(1000) << "page 2: the image is damaged\n";
         QTest::newRow("PNG") << Cut_Picture() << "the image is damaged from row 1";
         QByteArray flipped = Support::Png(picture);
         flipped[flipped.size() / 2] = static_cast<char>(~flipped.at(flipped.size() / 2));
@@ -240,6 +255,9 @@ private slots:
         QTest::addColumn<QByteArray>("image");
         for (const char* const format : {"BMP", "JPEG", "PPM", "XBM", "XPM", "TIFF", "WEBP", "PNG"})
             QTest::newRow(format) << Encoded(Support::Picture(301, 200), format);
+        const QByteArray tiff = Support::Tiff({Support::Picture(301, 200)});
+        QTest::newRow("TIFF with an unknown tag") << QByteArray(tiff).replace(
+            QByteArray("\x12\x01\x03\0", 4), QByteArray("\x13\x01\x03\0", 4));
         QTest::newRow("GIF") << Support::Gif(20, 10);
         QTest::newRow("GIF without its last byte") << Support::Gif(20, 10).chopped(1);
         QTest::newRow("monochrome BMP")
