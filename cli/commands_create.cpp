@@ -223,7 +223,7 @@ void Commands::Create(TCommandLine* line)
     const TInputOptions options = Input_Options(*line);
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     const QStringList paths = Expand_Folders(line->Arguments());
-    Files::Check_Is_No_Input(output.Path(), paths);
+    Files::Check_Is_No_Input(line->Text(CommonOptions::Output), paths);
     TCopies copies;
     std::vector<TInput> inputs = Open_Inputs(paths, options, &copies);
     TDocument document;

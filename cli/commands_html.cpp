@@ -36,7 +36,7 @@ void Commands::Export_Html(TCommandLine* line)
         line->Is_Set(max_width_option) ? line->Number(max_width_option, 1, largest_max_width) : 0;
     FindingsOptions::Check(*line, line->Text(CommonOptions::Output));
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Text);
-    Files::Check_Is_No_Input(output.Path(), {input});
+    Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {input});
     const TDocument document = Files::Load_Pages(input);
     Files::Check_Images(input, document, document.Page_Numbers());
     const TFindings findings = FindingsOptions::Load(*line, document);

@@ -129,7 +129,7 @@ void Commands::Kept(TCommandLine* line)
         throw TJobError{QString::number(number), Tr("there is no copy with this number")};
     const TKeptFile& file = files[static_cast<std::size_t>(number) - 1].file;
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
-    Files::Check_Is_No_Input(output.Path(), {file.path});
+    Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {file.path});
     Copy_Kept_File(file, output.Path());
     output.Finish();
 }

@@ -80,11 +80,19 @@ QByteArray Read_Pipe(const QString& path, QFile* pipe)
     throw TJobError{path, Tr("already exists; use --force to overwrite it")};
 }
 
-/// Whether a path is an input, or the image that belongs to a legacy input.
-bool Is_Input(const QString& path, const QString& input)
+/// The path of the file to which a standard stream is redirected; empty for a pipe or a device.
+QString Redirected(const QString& stream)
 {
-    if (path == Files::Standard_Stream || input == Files::Standard_Stream)
-        return false;
+    return QFileInfo(stream).isFile() ? stream : QString();
+}
+
+/// Whether a path is an input, or the image that belongs to a legacy input.
+bool Is_Input(const QString& output, const QString& input)
+{
+    const QString path =
+        output == Files::Standard_Stream ? Redirected(QStringLiteral("/dev/stdout")) : output;
+    if (input == Files::Standard_Stream)
+        return Is_Same_File(path, Redirected(QStringLiteral("/dev/stdin")));
     return Is_Same_File(path, input) ||
            (LegacyFile::Is_Legacy(input) &&
             Is_Same_File(path, LegacyFile::Image_Path(LegacyFile::Base_Name(input))));
@@ -237,7 +245,8 @@ void Files::Check_Is_No_Input(const QString& output, const QStringList& inputs)
 {
     if (std::any_of(inputs.cbegin(), inputs.cend(),
                     [&output](const QString& input) { return Is_Input(output, input); }))
-        throw TJobError{output, Tr("is an input and cannot be overwritten")};
+        throw TJobError{output == Standard_Stream ? Tr("standard output") : output,
+                        Tr("is an input and cannot be overwritten")};
 }
 
 void Files::Check_Is_No_Legacy_Input(const QString& output, const QString& input)

@@ -118,6 +118,42 @@ private slots:
         QCOMPARE(result.output, QByteArray());
     }
 
+    void the_file_behind_a_standard_stream_is_not_overwritten_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QByteArray>("output");
+        QTest::newRow("input") << "thumbnail - -o a.quillet -f <a.quillet"
+                               << QByteArray("a.quillet");
+        QTest::newRow("image") << "create - -o a.quillet -f <a.quillet" << QByteArray("a.quillet");
+        QTest::newRow("output") << "export-items a.quillet --csv - >>a.quillet"
+                                << QByteArray("standard output");
+        QTest::newRow("both") << "export-html - -o - <a.quillet >>a.quillet"
+                              << QByteArray("standard output");
+    }
+    void the_file_behind_a_standard_stream_is_not_overwritten()
+    {
+        QFETCH(const QString, command);
+        QFETCH(const QByteArray, output);
+        const QByteArray before = Content("a.quillet");
+        const TScriptResult result = Shell("$tool " + command);
+        QCOMPARE(result.errors,
+                 "quillet-cli: " + output + ": is an input and cannot be overwritten\n");
+        QCOMPARE(result.status, 1);
+        QCOMPARE(Content("a.quillet"), before);
+    }
+
+    void the_document_behind_standard_input_can_be_edited()
+    {
+        QCOMPARE(Shell("$tool set - --label-size 40 -o a.quillet -f <a.quillet").errors,
+                 QByteArray());
+        QVERIFY(Shell("$tool info a.quillet").output.contains("\nLabel size: 40\n"));
+    }
+
+    void the_same_device_may_be_input_and_output()
+    {
+        QVERIFY(!Shell("$tool create - -o - </dev/null >/dev/null").errors.contains("overwritten"));
+    }
+
     void a_file_named_hyphen_is_reached_by_its_path()
     {
         QCOMPARE(Shell("$tool export-items a.quillet --csv ./-").status, 0);
