@@ -48,6 +48,8 @@ void Commands::Recover(TCommandLine* line)
         return;
 
     const QString path = line->Argument();
+    // What cannot be read now may be readable in another way.
+    Files::Check_Is_No_Input(line->Text(CommonOptions::Output), {path});
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     if (LegacyFile::Is_Legacy(path))
         throw TJobError{path,
@@ -65,8 +67,12 @@ void Commands::Recover(TCommandLine* line)
     Files::Save(output.Path(), TDocument(survey));
     output.Finish();
 
-    for (const TProjectDefect& defect : std::as_const(survey.defects))
-        Terminal::Print_Report(Tr("%1: damaged, %2").arg(path, Files::Describe(defect)));
+    std::size_t defect_count = 0;
+    for (const TProjectDefect& defect : std::as_const(survey.defects)) {
+        defect_count += defect.is_harmless ? 0 : 1;
+        const QString report = defect.is_harmless ? Tr("%1: warning: %2") : Tr("%1: damaged, %2");
+        Terminal::Print_Report(report.arg(path, Files::Describe(defect)));
+    }
     for (const QString& loss : losses)
         Terminal::Print_Report(path + QStringLiteral(": ") + loss);
     std::size_t label_count = 0;
@@ -80,6 +86,6 @@ void Commands::Recover(TCommandLine* line)
                                .arg(survey.pages.size())
                                .arg(undamaged_count)
                                .arg(label_count)
-                               .arg(survey.defects.size())
+                               .arg(defect_count)
                                .arg(line->Text(CommonOptions::Output)));
 }

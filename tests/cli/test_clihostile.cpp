@@ -311,6 +311,18 @@ private slots:
         QCOMPARE(rest.pixelColor(0, 199), QColor(Qt::white));
     }
 
+    void recover_keeps_the_damaged_file()
+    {
+        const QByteArray project = Second_Page(Cut_Picture());
+        Write("a.quillet", project);
+        const TToolResult result =
+            Run({"recover", "a.quillet", "--output", "a.quillet", "--force"});
+        QCOMPARE(result.errors,
+                 QString("quillet-cli: a.quillet: is an input and cannot be overwritten\n"));
+        QCOMPARE(result.status, 1);
+        QCOMPARE(Content("a.quillet"), project);
+    }
+
     void the_picture_of_a_legacy_document_must_be_whole()
     {
         Write("a.qli", Cut_Picture());
@@ -334,6 +346,9 @@ private slots:
         QCOMPARE(result.errors, check.errors);
         QVERIFY(Content("out").contains("<Value>9</Value><Text></Text><Border_Type>3<"));
         QVERIFY(!Content("out").contains("xyz"));
+        const QString report = Run({"recover", "a.quillet", "--output", "recovered"}).output;
+        QCOMPARE(report.count("a.quillet: warning: byte "), 2);
+        QVERIFY2(report.endsWith(", labels: 1, defects: 0\n"), qPrintable(report));
     }
 
     void a_refused_document_comes_with_advice()
