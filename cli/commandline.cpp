@@ -76,15 +76,16 @@ void TCommandLine::Add_Force_Flag()
 
 bool TCommandLine::Parse()
 {
+    Check_File_Names();
     // The parser skips the first argument, which it takes for the program's name.
     const bool is_valid = d_parser.parse(QStringList{QString()} + d_arguments);
-    // The parser reads "-photo.png" as short options, one of them "-h".
+    // The parser finds "-h" in "-photo.png", too.
     if (is_valid ? d_parser.isSet(help_option) : Names_Help(d_arguments)) {
         Terminal::Print_Raw(d_parser.helpText().toUtf8());
         return false;
     }
     if (!is_valid)
-        throw TUsageError{Parse_Error()};
+        throw TUsageError{d_parser.errorText()};
     Apply_Verbosity();
     Check_Argument_Count();
     for (const char* const option : d_required_options)
@@ -92,13 +93,19 @@ bool TCommandLine::Parse()
     return true;
 }
 
-QString TCommandLine::Parse_Error() const
+/// Refuses file names that the parser would read as short options, such as "-of.png". A shell makes
+/// them of "*.png".
+void TCommandLine::Check_File_Names() const
 {
+    constexpr int option_length = 2;
     for (const QString& argument : d_arguments) {
-        if (argument.startsWith(QLatin1Char('-')) && QFileInfo(argument).isFile())
-            return Tr("Unknown option '%1'; a file of this name is './%1'.").arg(argument);
+        if (argument == QLatin1String("--"))
+            return;
+        if (argument.startsWith(QLatin1Char('-')) && argument.size() > option_length &&
+            QFileInfo(argument).isFile())
+            throw TUsageError{
+                Tr("Unknown option '%1'; a file of this name is './%1'.").arg(argument)};
     }
-    return d_parser.errorText();
 }
 
 void TCommandLine::Require(const char* option) const

@@ -104,7 +104,7 @@ private:
     /// "one of 1, 2, 3"
     static QString One_Of(const QStringList& values);
     void Apply_Verbosity() const;
-    QString Parse_Error() const;
+    void Check_File_Names() const;
     void Check_Argument_Count() const;
 
     QCommandLineParser d_parser;

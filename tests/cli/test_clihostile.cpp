@@ -165,6 +165,29 @@ private slots:
                  qPrintable(result.errors));
     }
 
+    void a_file_name_is_never_read_as_options()
+    {
+        Write("a.png", Picture());
+        // These could be read as "--output a.png", and as "--help --output to.png".
+        for (const QString& name : {QString("-oa.png"), QString("-hoto.png")}) {
+            Write(name, Picture());
+            for (const QStringList& arguments :
+                 {QStringList{"create", name, "a.png", "--output", "out"},
+                  QStringList{"create", name, "a.png"}}) {
+                const TToolResult result = Run(arguments + QStringList{"--force"});
+                QCOMPARE(result.status, 2);
+                QCOMPARE(result.output, QString());
+                QCOMPARE(result.errors.section('\n', 0, 0),
+                         QString("quillet-cli: Unknown option '%1'; a file of this name is "
+                                 "'./%1'.")
+                             .arg(name));
+            }
+            QCOMPARE(Content("a.png"), Picture());
+            QVERIFY(!QFile::exists(Path("out")));
+            QCOMPARE(Run({"create", "-f", "-o", "after", "--", name}).status, 0);
+        }
+    }
+
     void a_damaged_picture_fails_with_its_page_data()
     {
         QTest::addColumn<QString>("arguments");
