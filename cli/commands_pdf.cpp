@@ -99,6 +99,8 @@ void Check_Options(const TCommandLine& line)
         line.Is_Set(CommonOptions::Json))
         throw TUsageError{Tr("Standard output can be used only once.")};
     const bool has_folder = line.Is_Set(CommonOptions::Folder);
+    if (!has_folder && !line.Is_Set(CommonOptions::Output))
+        throw TUsageError{Tr("Missing option 'output' or 'folder'.")};
     line.Require(has_folder ? CommonOptions::Folder : CommonOptions::Output);
     const bool has_several = line.Arguments().size() > 1;
     if (has_several && !has_folder)

@@ -1,6 +1,7 @@
 #include "cli/itemimport.h"
 
 #include "cli/translate.h"
+#include "core/xmlguard.h"
 #include "src/format/document.h"
 #include "src/model/imagecheck.h"
 
@@ -106,6 +107,9 @@ std::vector<TItemImport::TPageRows> TItemImport::Rows_By_Page(std::size_t page_c
     for (const TItemRow& row : d_rows) {
         if (static_cast<std::size_t>(row.page) > page_count)
             throw TCsvException(Tr("there is no page %1").arg(row.page), row.place);
+        if (!XmlGuard::Is_Text(row.item.text))
+            throw TCsvException(Tr("the text has a character that a project cannot store"),
+                                row.place);
         pages[static_cast<std::size_t>(row.page) - 1].push_back(&row);
     }
     return pages;

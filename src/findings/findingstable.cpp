@@ -5,8 +5,6 @@
 
 #include <QCoreApplication>
 
-#include <optional>
-
 namespace {
 
 /// Converts records to rows.
@@ -76,12 +74,7 @@ TFindingsRow TTableReader::Row(const TCsvRecord& record) const
     Check_Fields(record);
     TFindingsRow row;
     row.line = record.Line();
-    const QString page_field = record.fields.at(d_page_index);
-    const std::optional<int> page = ItemTable::Page_Number(page_field, d_page_names);
-    if (!page)
-        throw TCsvException(tr("\"%1\" is not a page number").arg(page_field),
-                            record.Place(d_page_index));
-    row.page = *page;
+    row.page = ItemTable::Page_Number(record, d_page_index, d_page_names);
     row.value = Integer(record, d_value_index, tr("\"%1\" is not a whole number"));
     for (const int index : d_indexes) {
         QString cell = record.fields.at(index);

@@ -105,10 +105,7 @@ TItemRow TRowReader::Row(const TCsvRecord& record) const
             tr("%1 fields, but there are %2 columns").arg(record.fields.size()).arg(d_field_count),
             record.Place());
     TItemRow row;
-    const std::optional<int> page = ItemTable::Page_Number(Field(record, Page), d_page_names);
-    if (!page)
-        Refuse(record, Page);
-    row.page = *page;
+    row.page = ItemTable::Page_Number(record, d_indexes[Page], d_page_names);
     row.item.value = Integer(record, Value);
     row.item.text = Field(record, Text);
     row.item.border_type = Border_Type(record);
@@ -161,8 +158,7 @@ int TRowReader::Border_Type(const TCsvRecord& record) const
 void TRowReader::Refuse(const TCsvRecord& record, TColumn column) const
 {
     static const std::array<const char*, columns.size()> kinds{
-        {QT_TR_NOOP("\"%1\" is not a page number"),
-         QT_TR_NOOP("\"%1\" is not a value: expected a whole number"), "",
+        {"", QT_TR_NOOP("\"%1\" is not a value: expected a whole number"), "",
          QT_TR_NOOP("\"%1\" is not a border: expected one of: "),
          QT_TR_NOOP("\"%1\" is not an x coordinate: expected a number such as 12.5"),
          QT_TR_NOOP("\"%1\" is not a y coordinate: expected a number such as 12.5"),
@@ -218,14 +214,18 @@ QByteArray ItemTable::Write(const std::vector<TItemRow>& rows, const QStringList
     return table.toUtf8();
 }
 
-std::optional<int> ItemTable::Page_Number(const QString& field, const QStringList& page_names)
+int ItemTable::Page_Number(const TCsvRecord& record, int index, const QStringList& page_names)
 {
+    const QString& field = record.fields.at(index);
     bool is_number = false;
     const int number = field.trimmed().toInt(&is_number);
-    if (is_number)
-        return number < 1 ? std::nullopt : std::make_optional(number);
-    return page_names.count(field) == 1 ? std::make_optional(page_names.indexOf(field) + 1)
-                                        : std::nullopt;
+    if (is_number && number > 0)
+        return number;
+    if (!is_number && page_names.count(field) == 1)
+        return page_names.indexOf(field) + 1;
+    throw TCsvException(
+        TRowReader::tr("\"%1\" is neither a page number nor the name of one page").arg(field),
+        record.Place(index));
 }
 
 std::vector<TItemRow> ItemTable::Read(const QByteArray& table, QChar separator,

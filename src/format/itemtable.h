@@ -7,7 +7,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <optional>
 #include <vector>
 
 /// One label in a table.
@@ -64,8 +63,8 @@ enum class TIds {
 std::vector<TItemRow> Read(const QByteArray& table, QChar separator = Csv::Comma,
                            const QStringList& page_names = {}, TIds ids = TIds::Read);
 
-/// The number of a page that a table gives by its number or its name; empty if it is neither, or if
-/// several pages have the name.
-std::optional<int> Page_Number(const QString& field, const QStringList& page_names);
+/// The number of the page that a field gives by its number or its name.
+/// @throws TCsvException if it is neither, or if several pages have the name.
+int Page_Number(const TCsvRecord& record, int index, const QStringList& page_names);
 
 } // namespace ItemTable

@@ -192,7 +192,7 @@ private slots:
         row("export-images sound.quillet", "Missing option 'folder'.");
         row("export-images sound.quillet --folder=",
             "Invalid value '' for option 'folder': expected a text that is not empty.");
-        row("export-pdf sound.quillet", "Missing option 'output'.");
+        row("export-pdf sound.quillet", "Missing option 'output' or 'folder'.");
         row("export-pdf sound.quillet --output out --orientation upright",
             "Invalid value 'upright' for option 'orientation': expected one of portrait, "
             "landscape, 0, 1.");

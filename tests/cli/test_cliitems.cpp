@@ -235,12 +235,17 @@ private slots:
     void a_text_that_cannot_be_saved_is_an_error()
     {
         Write("a.quillet", Project(QByteArray(), QByteArray()));
-        Write("items.csv", head + "1,1,\x01,,1,1\r\n");
-        const TToolResult result =
-            Run({"import-items", "a.quillet", "--csv", "items.csv", "--output", "out"});
-        QCOMPARE(result.status, 1);
-        QVERIFY(result.errors.startsWith("quillet-cli: out: "));
-        QVERIFY(!QFile::exists(Path("out")));
+        Write("items.csv", head + "1,1,,,1,1\r\n1,1,\x01,,1,1\r\n");
+        for (const QStringList& option : {QStringList{"--output", "out"}, {"--dry-run"}}) {
+            const TToolResult result =
+                Run(QStringList{"import-items", "a.quillet", "--csv", "items.csv"} + option);
+            QCOMPARE(result.status, 1);
+            QCOMPARE(result.output, QString());
+            QCOMPARE(result.errors,
+                     QString("quillet-cli: items.csv: line 3, column 1: the text has a character "
+                             "that a project cannot store\n"));
+            QVERIFY(!QFile::exists(Path("out")));
+        }
     }
 
     void kept_without_copies_prints_a_message()

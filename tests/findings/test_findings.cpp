@@ -140,8 +140,10 @@ private slots:
         row("no value", "\npage,Note\n", "2:1: there is no column \"value\"");
         row("value twice", "page,value,Value\n", "1:12: there are two columns \"value\"");
         row("heading twice", "page,value,A, A\n", "1:14: there are two columns \"A\"");
-        row("page 0", "page,value\n1,1\n0,1\n", "3:1: \"0\" is not a page number");
-        row("page as a word", "page,value\none,1\n", "2:1: \"one\" is not a page number");
+        row("page 0", "page,value\n1,1\n0,1\n",
+            "3:1: \"0\" is neither a page number nor the name of one page");
+        row("page as a word", "page,value\none,1\n",
+            "2:1: \"one\" is neither a page number nor the name of one page");
         row("value with a fraction", "page,value\n1,1.5\n", "2:3: \"1.5\" is not a whole number");
         row("field missing", "page,value,A\n1,1\n", "2:1: 2 fields, but there are 3 columns");
         row("cell without a heading", "page,value,\n1,1,x\n",

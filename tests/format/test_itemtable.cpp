@@ -238,12 +238,14 @@ private slots:
                                         << "3:1: 5 fields, but there are 6 columns";
         QTest::newRow("too many fields") << header + "1,2,a,b,none,3,4\r\n"
                                          << "2:1: 7 fields, but there are 6 columns";
-        QTest::newRow("page no number") << header + "one,2,t,none,3,4"
-                                        << "2:1: \"one\" is not a page number";
+        QTest::newRow("page no number")
+            << header + "one,2,t,none,3,4"
+            << "2:1: \"one\" is neither a page number nor the name of one page";
         QTest::newRow("page 0") << header + "0,2,t,none,3,4"
-                                << "2:1: \"0\" is not a page number";
-        QTest::newRow("page empty") << header + ",2,t,none,3,4"
-                                    << "2:1: \"\" is not a page number";
+                                << "2:1: \"0\" is neither a page number nor the name of one page";
+        QTest::newRow("page empty")
+            << header + ",2,t,none,3,4"
+            << "2:1: \"\" is neither a page number nor the name of one page";
         QTest::newRow("value with fraction")
             << header + "1,2.5,t,none,3,4"
             << "2:3: \"2.5\" is not a value: expected a whole number";
@@ -315,7 +317,7 @@ private slots:
         const auto row = [](const QByteArray& page, const QString& result) {
             QTest::newRow(page) << page << result;
         };
-        const QString refusal = "2:1: \"%1\" is not a page number";
+        const QString refusal = "2:1: \"%1\" is neither a page number nor the name of one page";
         row("2", "2");
         row("Roof", "2");
         row("\"a, b\"", "3");
