@@ -14,7 +14,9 @@
 
 #include <algorithm>
 #include <array>
+#include <fcntl.h>
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -140,6 +142,17 @@ TExitStatus Run(const TCommand& command, const QStringList& arguments)
     return Success;
 }
 
+/// Opens /dev/null for each standard stream that is closed. Otherwise, the next file that is opened
+/// would take its place, and errors could be written to a document.
+void Open_Closed_Streams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // In the other direction, so that using the stream is an error.
+        if (fcntl(stream, F_GETFD) < 0)
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
 /// Decodes the tool's arguments.
 /// @throws TUsageError for an argument that is not valid UTF-8: Qt would read or, worse, write a
 /// file of another name.
@@ -191,6 +204,7 @@ std::unique_ptr<QCoreApplication> New_Application(TApplicationType type, QByteAr
 
 int main(int argument_count, char** raw_arguments)
 {
+    Open_Closed_Streams();
     // File names are UTF-8 even if a script runs in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     qInstallMessageHandler(Print_Qt_Errors);

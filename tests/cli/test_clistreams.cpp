@@ -154,6 +154,17 @@ private slots:
         QVERIFY(!Shell("$tool create - -o - </dev/null >/dev/null").errors.contains("overwritten"));
     }
 
+    void a_closed_stream_is_an_error_only_if_it_is_used()
+    {
+        const QByteArray reason = ": Bad file descriptor\n";
+        QCOMPARE(Shell("$tool info - <&-").errors,
+                 "quillet-cli: standard input: cannot be read" + reason);
+        QCOMPARE(Shell("$tool info a.quillet >&-").errors,
+                 "quillet-cli: standard output: cannot be written" + reason);
+        QCOMPARE(Shell("$tool create image.png -o out <&- >&- 2>&-").status, 0);
+        QCOMPARE(Shell("$tool check out").status, 0);
+    }
+
     void a_file_named_hyphen_is_reached_by_its_path()
     {
         QCOMPARE(Shell("$tool export-items a.quillet --csv ./-").status, 0);
