@@ -58,7 +58,11 @@ std::vector<TProjectDefect> Defects(const QString& path)
 {
     std::vector<TProjectDefect> defects;
     if (LegacyFile::Is_Legacy(path)) {
-        Find_Stray_Labels(Files::Load(path), &defects);
+        QString loss;
+        const TDocument document = Files::Load_Legacy(path, &loss);
+        if (!loss.isEmpty())
+            defects.push_back({no_offset, loss});
+        Find_Stray_Labels(document, &defects);
         return defects;
     }
     const TProjectSurvey survey = Files::Survey(path);

@@ -170,6 +170,15 @@ TDocument Files::Load(const QString& path)
 {
     if (!LegacyFile::Is_Legacy(path))
         return Load_Project(path);
+    QString loss;
+    TDocument document = Load_Legacy(path, &loss);
+    if (!loss.isEmpty())
+        Terminal::Print_Warning(path, loss);
+    return document;
+}
+
+TDocument Files::Load_Legacy(const QString& path, QString* loss)
+{
     const QString image = LegacyFile::Image_Path(LegacyFile::Base_Name(path));
     if (QFileInfo::exists(image)) {
         const QString fault = ImageCheck::Fault(Read(image));
@@ -177,7 +186,16 @@ TDocument Files::Load(const QString& path)
             throw TJobError{image, fault};
     }
     try {
-        return TDocument(LegacyFile::Read(path));
+        int invalid = 0;
+        const TFileContent content = LegacyFile::Read(path, &invalid);
+        const TDocument document(content);
+        const std::size_t repeated = content.pages->front().items.size() -
+                                     document.Content(document.pages.front()).data_items.size();
+        if (invalid > 0 || repeated > 0)
+            *loss = Tr("labels without a valid position: %1, with the id of an earlier one: %2")
+                        .arg(invalid)
+                        .arg(repeated);
+        return document;
     } catch (const TXmlFileException& exception) {
         throw TJobError{path, exception.Placed_Message()};
     }

@@ -33,6 +33,10 @@ QString Base_Name(const QString& path);
 /// Loads a project or a file of an earlier generation. Rejects damaged files.
 TDocument Load(const QString& path);
 
+/// Loads a document of an earlier generation.
+/// @param loss  receives a message if it has labels that cannot be read.
+TDocument Load_Legacy(const QString& path, QString* loss);
+
 /// Loads a document. Rejects one without pages.
 TDocument Load_Pages(const QString& path);
 

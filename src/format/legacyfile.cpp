@@ -69,16 +69,18 @@ TFilePage LegacyFile::Read_Pair(const QString& base_name, const TReadList& read_
     return page;
 }
 
-TFileContent LegacyFile::Read(const QString& path)
+TFileContent LegacyFile::Read(const QString& path, int* skipped_count)
 {
     TFileContent content;
-    const auto read_list = [&content](TXmlFile* xml_file, int version,
-                                      std::vector<TDataItem>* items) {
+    int skipped = 0;
+    const auto read_list = [&](TXmlFile* xml_file, int version, std::vector<TDataItem>* items) {
         content.label_size = Read_Label_Size(*xml_file);
         content.color_name = Read_Color_Name(*xml_file);
-        Read_Items(*xml_file, version, items);
+        skipped = Read_Items(*xml_file, version, items);
     };
     content.pages.emplace({Read_Pair(Base_Name(path), read_list)});
+    if (skipped_count)
+        *skipped_count = skipped;
     return content;
 }
 
@@ -92,9 +94,10 @@ QString LegacyFile::Read_Color_Name(const TXmlFile& xml_file)
     return Read_Setting(xml_file, QStringLiteral("Colors"), QStringLiteral("Foreground"));
 }
 
-void LegacyFile::Read_Items(const TXmlFile& xml_file, int version, std::vector<TDataItem>* items)
+int LegacyFile::Read_Items(const TXmlFile& xml_file, int version, std::vector<TDataItem>* items)
 {
     assert(items);
+    int skipped = 0;
     QDomElement node = xml_file.Get_Node(&xml_file.d_root_element, ItemXml::Item_Name, true);
     while (!node.isNull()) {
         TDataItem item;
@@ -106,8 +109,11 @@ void LegacyFile::Read_Items(const TXmlFile& xml_file, int version, std::vector<T
         const QString position = ItemXml::Read_Text(xml_file, node, ItemXml::Position_Name);
         if (ItemXml::To_Position(position, &item.position))
             items->push_back(item);
+        else
+            ++skipped;
         node = xml_file.Get_Sibling_Node(&node, ItemXml::Item_Name, true);
     }
+    return skipped;
 }
 
 int LegacyFile::Border_Type(int legacy_border)

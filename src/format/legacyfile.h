@@ -39,9 +39,10 @@ using TReadList =
 TFilePage Read_Pair(const QString& base_name, const TReadList& read_list);
 
 /// Reads a whole document.
-/// @param path  of the item list.
+/// @param path           of the item list.
+/// @param skipped_count  receives the number of skipped labels; may be null.
 /// @throws TXmlFileException when one of the files cannot be read.
-TFileContent Read(const QString& path);
+TFileContent Read(const QString& path, int* skipped_count = nullptr);
 
 /// Label size in pixels.
 int Read_Label_Size(const TXmlFile& xml_file);
@@ -51,7 +52,8 @@ QString Read_Color_Name(const TXmlFile& xml_file);
 
 /// Appends the labels in document order. A label whose position does not have two parts is skipped.
 /// Labels have texts in version 2 only; a text that is an integer is dropped.
-void Read_Items(const TXmlFile& xml_file, int version, std::vector<TDataItem>* items);
+/// @return the number of skipped labels.
+int Read_Items(const TXmlFile& xml_file, int version, std::vector<TDataItem>* items);
 
 /// Border type code of a border number in a list.
 int Border_Type(int legacy_border);

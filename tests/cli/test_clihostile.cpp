@@ -356,6 +356,25 @@ private slots:
                  qPrintable(result.errors));
     }
 
+    void lost_labels_of_a_legacy_document_are_reported()
+    {
+        const QByteArray label = "<Item><ID>1</ID><Border_Type>1</Border_Type><Position>3,4"
+                                 "</Position></Item>";
+        Write("a.qli", Picture());
+        Write("a.qld", "<Quillet_Data File_Version=\"1\"><Item_Size><Width>20</Width></Item_Size>"
+                       "<Colors><Foreground>red</Foreground></Colors>" +
+                           label + label + QByteArray(label).replace("3,4", "3,4,5") +
+                           "</Quillet_Data>");
+        const QString loss = "labels without a valid position: 1, with the id of an earlier one: 1";
+        const TToolResult check = Run({"check", "a.qld"});
+        QCOMPARE(check.errors, "quillet-cli: a.qld: " + loss + '\n');
+        QCOMPARE(check.status, 1);
+        const TToolResult info = Run({"info", "a.qld"});
+        QCOMPARE(info.errors, "quillet-cli: a.qld: warning: " + loss + '\n');
+        QCOMPARE(info.status, 0);
+        QVERIFY2(info.output.endsWith(", labels: 1, Page 1\n"), qPrintable(info.output));
+    }
+
     void harmless_defects_are_warnings()
     {
         Write("a.quillet", Project(Picture(), Label("3", "5.00,6.00")) + "xyz");
