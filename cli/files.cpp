@@ -188,7 +188,7 @@ TDocument Files::Load_Legacy(const QString& path, QString* loss)
     try {
         int invalid = 0;
         const TFileContent content = LegacyFile::Read(path, &invalid);
-        const TDocument document(content);
+        TDocument document(content);
         const std::size_t repeated = content.pages->front().items.size() -
                                      document.Content(document.pages.front()).data_items.size();
         if (invalid > 0 || repeated > 0)
