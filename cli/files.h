@@ -54,8 +54,8 @@ void Check_Output(const QString& path, bool force);
 /// The same for a project, which must not have the suffix of a file of an earlier generation.
 void Check_Project_Output(const QString& path, bool force);
 
-/// Checks that an output does not overwrite an input. Even --force does not allow that, because the
-/// inputs and outputs of these commands are different types of files.
+/// Checks that an output does not overwrite an input, which not even --force allows. Both may be
+/// standard streams.
 void Check_Is_No_Input(const QString& output, const QStringList& inputs);
 
 /// Checks that a project does not overwrite a legacy document from which it is made. A project may
