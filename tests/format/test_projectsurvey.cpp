@@ -452,6 +452,15 @@ private slots:
         QCOMPARE(Defects(Survey(Header(32, look, "", "", 1) + Empty_Page("a"))), QStringList());
     }
 
+    void a_label_size_out_of_range_is_harmless()
+    {
+        const TProjectSurvey survey = Survey(Header(15, look, "", "", 1) + Good_Page("a"));
+        QCOMPARE(survey.defects.size(), 1U);
+        QVERIFY(survey.defects[0].is_harmless);
+        QVERIFY(
+            !Survey(Header(32, "no colour", "", "", 1) + Good_Page("a")).defects[0].is_harmless);
+    }
+
     void a_damaged_header_is_reported_and_the_pages_are_found_data()
     {
         QTest::addColumn<QByteArray>("header");
