@@ -26,7 +26,7 @@ constexpr qint64 no_offset = -1; ///< of a defect that is not at a certain byte
 void Find_Stray_Labels(const TPageItem& page, int number, int label_size,
                        std::vector<TProjectDefect>* defects)
 {
-    const QRectF image(QPointF(0, 0), ImageCheck::Size(page.image.Source_Bytes()));
+    const QRectF image(QPointF(0, 0), ImageCheck::Size(page.image.Stored_Source()));
     if (image.isEmpty())
         return;
     const int edge = label_size + LabelPainter::Margin;

@@ -319,13 +319,8 @@ void Commands::Merge(TCommandLine* line)
     Files::Check_Is_No_Input(line->Text(CommonOptions::Output), paths);
     const TOutput output(*line, CommonOptions::Output, TOutput::TContent::Project);
     std::vector<TDocument> parts;
-    qint64 size = 0; // of the images, all of which are in memory
-    for (const QString& path : paths) {
+    for (const QString& path : paths)
         parts.push_back(Files::Load(path));
-        for (const TPageItem& page : parts.back().data.Pages())
-            size += page.image.Png().size();
-        Files::Check_Size(output.Path(), size);
-    }
     // The latest document is the only one to which pages may be added.
     TDocument merged;
     merged.appearance = parts.front().appearance;

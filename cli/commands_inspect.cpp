@@ -27,8 +27,8 @@ std::vector<TPageSummary> Summaries(const TDocument& document)
     std::vector<TPageSummary> summaries;
     for (const TNamedPage& page : document.pages) {
         const TPageItem& content = document.Content(page);
-        const QByteArray image = content.image.Source_Bytes();
-        summaries.push_back({page.name, !image.isEmpty(), ImageCheck::Size(image),
+        const TByteSource image = content.image.Stored_Source();
+        summaries.push_back({page.name, !image.Is_Empty(), ImageCheck::Size(image),
                              static_cast<int>(content.data_items.size())});
     }
     return summaries;

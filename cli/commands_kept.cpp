@@ -8,7 +8,7 @@
 #include "cli/terminal.h"
 #include "cli/translate.h"
 #include "core/safefile.h"
-#include "src/safety/keptfiles.h"
+#include "src/safety/backup.h"
 #include "src/safety/safetynet.h"
 
 #include <QFileInfo>
@@ -42,7 +42,7 @@ std::vector<TListedFile> Listed_Files()
     add(QT_TRANSLATE_NOOP("QuilletCli", "recovery"), recovery.List());
     add(QT_TRANSLATE_NOOP("QuilletCli", "work log"), recovery.Abandoned_Logs());
     add(QT_TRANSLATE_NOOP("QuilletCli", "backup"),
-        TKeptFolder(TSafetyNet::Backup_Folder(settings_folder)).List());
+        TBackup(TSafetyNet::Backup_Folder(settings_folder)).List());
     std::stable_sort(files.begin(), files.end(),
                      [](const TListedFile& first, const TListedFile& second) {
                          return first.file.time > second.file.time;

@@ -25,7 +25,7 @@ QStringList Repair_Images(std::vector<TSurveyedPage>* pages)
         if (page.is_image_whole)
             continue;
         const ImageCheck::TRest rest = ImageCheck::Rest(page.image.Source_Bytes());
-        page.image = rest.image;
+        page.image = rest.image.Encoded();
         if (rest.image.isNull())
             messages += Tr("page %1: the image is lost").arg(number);
         else if (rest.lost_rows > 0)

@@ -24,6 +24,9 @@
 
 namespace {
 
+/// In bytes. QFile::readAll() returns nothing for a file that is a few bytes larger.
+constexpr qint64 largest_content = 0x7fffff00;
+
 [[noreturn]] void Throw_Too_Large(const QString& path)
 {
     Files::Throw_Read_Error(path, Tr("it is larger than 2 GiB"));
@@ -37,7 +40,7 @@ QString With_Advice(const QString& defect)
 
 TDocument Load_Project(const QString& path)
 {
-    const TProjectSurvey survey = ProjectSurvey::Survey(Files::Read(path));
+    const TProjectSurvey survey = ProjectSurvey::Survey(Files::Read_Project(path));
     for (const TProjectDefect& defect : survey.defects) {
         const QString description = Files::Describe(defect);
         if (defect.is_harmless)
@@ -65,11 +68,11 @@ QByteArray Read_Pipe(const QString& path, QFile* pipe)
     for (QByteArray block = pipe->read(block_size); !block.isEmpty();
          block = pipe->read(block_size)) {
         const qint64 size = qint64{content.size()} + block.size();
-        if (size > ProjectLayout::Largest_File)
+        if (size > largest_content)
             Throw_Too_Large(path);
         // An array that grows by itself may become larger than the limit, which fails.
         if (size > content.capacity())
-            content.reserve(static_cast<int>(qMin(ProjectLayout::Largest_File, 2 * size)));
+            content.reserve(static_cast<int>(qMin(largest_content, 2 * size)));
         content += block;
     }
     return content;
@@ -144,7 +147,7 @@ QByteArray Files::Read(const QString& path)
                     : file.open(QIODevice::ReadOnly)))
         Throw_Read_Error(path,
                          QFileInfo(path).isDir() ? qt_error_string(EISDIR) : file.errorString());
-    if (file.size() > ProjectLayout::Largest_File)
+    if (file.size() > largest_content)
         Throw_Too_Large(path);
     // Devices have no size, even if they are endless.
     const bool is_pipe = file.isSequential() || file.size() == 0;
@@ -152,6 +155,17 @@ QByteArray Files::Read(const QString& path)
     if (file.error() != QFileDevice::NoError)
         Throw_Read_Error(path, file.errorString());
     Terminal::Print_Detail(path, Tr("read, %1 bytes").arg(content.size()));
+    return content;
+}
+
+TByteSource Files::Read_Project(const QString& path)
+{
+    const TByteSource content =
+        path == Standard_Stream ? TByteSource() : TByteSource::Of_File(path);
+    // A pipe, an empty file or one that cannot be read.
+    if (content.Is_Empty())
+        return Read(path);
+    Terminal::Print_Detail(path, Tr("read, %1 bytes").arg(content.Size()));
     return content;
 }
 
@@ -163,7 +177,8 @@ QString Files::Base_Name(const QString& path)
 TProjectSurvey Files::Survey(const QString& path)
 {
     TTerminalProgress progress(Tr("Checking page %1 of %2"));
-    return ProjectSurvey::Survey(Read(path), ProjectSurvey::TImages::Check, progress.Report());
+    return ProjectSurvey::Survey(Read_Project(path), ProjectSurvey::TImages::Check,
+                                 progress.Report());
 }
 
 TDocument Files::Load(const QString& path)
@@ -290,12 +305,6 @@ void Files::Write(const QString& path, const QByteArray& content)
         Throw_Write_Error(path, problem);
 }
 
-void Files::Check_Size(const QString& path, qint64 size)
-{
-    if (size > ProjectLayout::Largest_File)
-        Throw_Write_Error(path, Tr("it would be larger than 2 GiB"));
-}
-
 void Files::Save(const QString& path, const TDocument& document)
 {
     Warn_Of_Lost_Characters(path, document);
@@ -305,7 +314,6 @@ void Files::Save(const QString& path, const TDocument& document)
                                              progress.Report(), &project);
     if (!fault.isEmpty())
         throw TJobError{path, fault};
-    Check_Size(path, project.Size());
     TSafeFile target(path, TSafeFile::TKind::Like_Target, Protecting_Links(path));
     if (!target.Is_Beside() || !ProjectFile::Commit(project, &target))
         Throw_Write_Error(path, target.Write_Problem());

@@ -21,8 +21,11 @@ QString Temporary_Template();
 /// Checks that a file can be opened.
 void Check_Input(const QString& path);
 
-/// Reads a whole file, a pipe, or standard input.
+/// Reads a whole file, a pipe, or standard input. Refuses more than 2 GiB.
 QByteArray Read(const QString& path);
+
+/// The same for a project, but a file of any size, and a large one is read when it is needed.
+TByteSource Read_Project(const QString& path);
 
 /// Reads a project file with all its defects, and checks its images.
 TProjectSurvey Survey(const QString& path);
@@ -70,9 +73,6 @@ int Protecting_Links(const QString& path);
 
 /// Writes a file completely, or leaves it unchanged.
 void Write(const QString& path, const QByteArray& content);
-
-/// Checks that a project of this size may be written.
-void Check_Size(const QString& path, qint64 size);
 
 /// Writes a project file completely, or leaves an existing one unchanged.
 void Save(const QString& path, const TDocument& document);

@@ -68,7 +68,7 @@ void TItemImport::Check_Positions(const TDocument& document) const
         if (pages[index].empty())
             continue;
         const QSize size =
-            ImageCheck::Size(document.Content(document.pages[index]).image.Source_Bytes());
+            ImageCheck::Size(document.Content(document.pages[index]).image.Stored_Source());
         if (size.isEmpty())
             continue;
         for (const TItemRow* const row : pages[index]) {

@@ -186,6 +186,7 @@ private:
     bool Open_For_Saving(QFile* file, qint64 size);
     void Record_Change();
     void Flush_Work();
+    void Show_Lost_Images();
     void End_Recovery(bool loss_confirmed, const QString& opened = QString());
 
     // Recovered work.

@@ -181,9 +181,6 @@ bool TQuillet::Write_Data(const QString& file_name)
     TProjectWriter writer;
     const QString fault =
         ProjectFile::Write(Appearance(), Named_Pages(), d_data, progress.Report(), &writer);
-    if (writer.Size() > ProjectLayout::Largest_File)
-        return Fail(tr("The document is larger than 2 GiB and cannot be saved in one file."));
-
     progress.Update();
     QFile file(file_name);
     if (!Open_For_Saving(&file, writer.Size()))
@@ -194,6 +191,7 @@ bool TQuillet::Write_Data(const QString& file_name)
     writer.Write_To(&file);
     file.close();
     d_safety_net->After_Save(file_name, writer.Size(), writer.Places());
+    Show_Lost_Images();
     // An incomplete file counts as saved, so this line stays until the next message.
     if (QFileInfo(file_name).size() != writer.Size())
         statusBar()->showMessage(
@@ -225,9 +223,10 @@ bool TQuillet::Load_Data(const QString& file_name)
     QFile file(file_name);
     if (!file.open(QIODevice::ReadOnly))
         return Fail(tr("Cannot open file for reading"));
-    if (file.size() > ProjectLayout::Largest_File)
-        return Fail(tr("The file is larger than 2 GiB and cannot be read."));
-    return Show_Content(ProjectFile::Read(file.readAll(), progress.Report()), &progress);
+    // A pipe can only be read once and from its beginning to its end.
+    const TByteSource content =
+        file.isSequential() ? file.readAll() : TByteSource::Of_File(file_name);
+    return Show_Content(ProjectFile::Read(content, progress.Report()), &progress);
 }
 
 /// Shows the content of a file. If it has a fault, sets d_error_text and returns false.

@@ -198,6 +198,8 @@ void TQuillet::Fill_View()
     const QScopedValueRollback<bool> filling(d_filling_view, true);
     const TPageItem& page = *d_data.Active_Page_Item();
     d_display_widget->Set_Background_Image(QPixmap::fromImage(page.image));
+    if (page.image.Is_Lost())
+        Show_Lost_Images();
     for (const TDataItem& item : page.data_items) {
         d_label_widget->Add_Item(item);
         d_display_widget->Add_Item(item);

@@ -69,6 +69,23 @@ void TQuillet::End_Recovery(bool loss_confirmed, const QString& opened)
         d_safety_net->Release();
 }
 
+/// Adds the pages whose images another program has overwritten to the line in the status bar.
+void TQuillet::Show_Lost_Images()
+{
+    QStringList names;
+    for (const TNamedPage& page : Named_Pages()) {
+        if (d_data.Page(page.page_id).image.Is_Lost())
+            names += d_page_widget->Page_Name(page.page_id);
+    }
+    if (names.isEmpty())
+        return;
+    const QString text = tr("Another program has overwritten the images of %1")
+                             .arg(names.join(QStringLiteral(", ")));
+    const QString line = statusBar()->currentMessage();
+    if (!line.contains(text))
+        statusBar()->showMessage(line.isEmpty() ? text : line + QStringLiteral(". ") + text);
+}
+
 void TQuillet::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);

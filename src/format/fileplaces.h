@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/bytesource.h"
+
 #include <QByteArray>
 #include <QCryptographicHash>
 
@@ -27,10 +29,11 @@ struct TPagePlace
     QByteArray items_digest; ///< SHA-1 of the document of the labels
 
     /// The value of image_ends for an image.
-    static QByteArray Ends_Of(const QByteArray& image)
+    static QByteArray Ends_Of(const TByteSource& image)
     {
-        return image.size() <= 2 * End_Length ? image
-                                              : image.left(End_Length) + image.right(End_Length);
+        return image.Size() <= 2 * End_Length
+                   ? image.Read(0, image.Size())
+                   : image.Read(0, End_Length) + image.Read(image.Size() - End_Length, End_Length);
     }
 
     /// The value of items_digest for a document of labels.

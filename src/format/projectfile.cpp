@@ -42,9 +42,10 @@ void TProjectWriter::Write_Bytes(const QByteArray& bytes)
 
 void TProjectWriter::Write_Image(const TPageImage& image, TImageBytes which)
 {
-    const QByteArray bytes = which == TImageBytes::Png ? image.Png() : image.Source_Bytes();
-    Write_Integer(bytes.size());
-    Append(bytes, image);
+    const TByteSource bytes =
+        which == TImageBytes::Png ? image.Stored_Png() : image.Stored_Source();
+    Write_Integer(static_cast<int>(bytes.Size()));
+    Append(bytes);
 }
 
 void TProjectWriter::Write_Page(const QString& name, const TPageItem& page, TImageBytes which,
@@ -56,7 +57,7 @@ void TProjectWriter::Write_Page(const QString& name, const TPageItem& page, TIma
     Write_Text(name);
     Write_Image(page.image, which);
     place.image = Last_Field();
-    place.image_ends = TPagePlace::Ends_Of(d_pieces.back().bytes);
+    place.image_ends = TPagePlace::Ends_Of(d_pieces.back());
     Write_Bytes(items);
     place.items = Last_Field();
     place.items_digest = TPagePlace::Digest_Of(items);
@@ -65,14 +66,14 @@ void TProjectWriter::Write_Page(const QString& name, const TPageItem& page, TIma
 
 TFilePart TProjectWriter::Last_Field() const
 {
-    const int length = d_pieces.back().bytes.size();
+    const qint64 length = d_pieces.back().Size();
     return {d_size - length, length};
 }
 
-void TProjectWriter::Append(const QByteArray& bytes, const TPageImage& owner)
+void TProjectWriter::Append(const TByteSource& bytes)
 {
-    d_pieces.push_back({bytes, owner});
-    d_size += bytes.size();
+    d_pieces.push_back(bytes);
+    d_size += bytes.Size();
 }
 
 qint64 TProjectWriter::Size() const
@@ -82,9 +83,8 @@ qint64 TProjectWriter::Size() const
 
 bool TProjectWriter::Write_To(QIODevice* device) const
 {
-    return std::all_of(d_pieces.cbegin(), d_pieces.cend(), [device](const TPiece& piece) {
-        return device->write(piece.bytes) == piece.bytes.size();
-    });
+    return std::all_of(d_pieces.cbegin(), d_pieces.cend(),
+                       [device](const TByteSource& piece) { return piece.Write_To(device); });
 }
 
 bool TProjectWriter::Flush_To(QIODevice* device)
@@ -94,22 +94,25 @@ bool TProjectWriter::Flush_To(QIODevice* device)
     return is_written;
 }
 
-TProjectReader::TProjectReader(const QByteArray& bytes)
-    : d_bytes(bytes)
+TProjectReader::TProjectReader(const TByteSource& file)
+    : d_file(file)
 {
 }
 
 bool TProjectReader::Read_Magic()
 {
-    return d_bytes.size() >= ProjectLayout::Minimum_File && Read_Integer() == ProjectLayout::Magic;
+    return d_file.Size() >= ProjectLayout::Minimum_File && Read_Integer() == ProjectLayout::Magic;
 }
 
 int TProjectReader::Read_Integer()
 {
     if (!d_valid)
         return 0;
-    const int value = Conversion::Integer(static_cast<unsigned int>(d_position), d_bytes);
-    d_position += static_cast<qint64>(sizeof(value));
+    const QByteArray bytes = Read({d_position, ProjectLayout::Integer_Size});
+    if (!d_valid)
+        return 0;
+    const int value = Conversion::Integer(0, bytes);
+    d_position += ProjectLayout::Integer_Size;
     return value;
 }
 
@@ -122,26 +125,32 @@ QString TProjectReader::Read_Text()
 
 QByteArray TProjectReader::Read_Bytes()
 {
-    const TField field = Read_Field();
-    return d_bytes.mid(field.offset, field.length);
+    return Read(Read_Field());
 }
 
 TPageImage TProjectReader::Read_Image()
 {
-    const TField field = Read_Field();
-    return TPageImage::From_Part(d_bytes, field.offset, field.length);
+    const TFilePart field = Read_Field();
+    return TPageImage::From_Bytes(d_file.Part(field.offset, field.length));
 }
 
-TProjectReader::TField TProjectReader::Read_Field()
+/// Reads a part of the file.
+QByteArray TProjectReader::Read(const TFilePart& part)
+{
+    const QByteArray bytes = d_file.Read(part.offset, part.length);
+    d_valid = d_valid && (!bytes.isEmpty() || !d_file.Is_Lost());
+    return bytes;
+}
+
+TFilePart TProjectReader::Read_Field()
 {
     const int length = Read_Integer();
     d_valid = d_valid && length >= 0;
     if (!d_valid)
         return {0, 0};
     // The position cannot be past the end: the length before it has just been read.
-    const int offset = static_cast<int>(d_position);
+    d_last_field = {d_position, std::min<qint64>(length, d_file.Size() - d_position)};
     d_position += length;
-    d_last_field = {offset, static_cast<int>(std::min<qint64>(length, d_bytes.size() - offset))};
     return d_last_field;
 }
 
@@ -187,7 +196,7 @@ bool Read_Page(TProjectReader* reader, TFileContent* content)
     page.name = reader->Read_Text();
     page.image = reader->Read_Image();
     page.place.image = reader->Last_Field();
-    page.place.image_ends = TPagePlace::Ends_Of(page.image.Source_Bytes());
+    page.place.image_ends = TPagePlace::Ends_Of(page.image.Stored_Source());
     const QByteArray items = reader->Read_Bytes();
     page.place.items = reader->Last_Field();
     page.place.items_digest = TPagePlace::Digest_Of(items);
@@ -283,10 +292,10 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
     return QString();
 }
 
-TFileContent ProjectFile::Read(const QByteArray& bytes, const TProgressReport& report)
+TFileContent ProjectFile::Read(const TByteSource& file, const TProgressReport& report)
 {
     TFileContent content;
-    TProjectReader reader(bytes);
+    TProjectReader reader(file);
     bool is_valid = reader.Read_Magic() && Read_Header(&reader, &content);
     try {
         if (is_valid)

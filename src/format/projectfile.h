@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/bytesource.h"
 #include "core/progressreport.h"
 #include "src/format/filecontent.h"
 #include "src/format/fileplaces.h"
@@ -18,8 +19,8 @@ struct TAppearance;
 
 /// Collects the fields of a project file in their order.
 ///
-/// The fields are kept in pieces that share their bytes with the caller, so that a large document
-/// is not copied before it is written.
+/// The fields are kept in pieces that share their bytes with the caller. Images that are in a file
+/// are copied from file to file when they are written.
 class TProjectWriter
 {
 public:
@@ -59,16 +60,10 @@ public:
     bool Flush_To(QIODevice* device);
 
 private:
-    /// Bytes. For those of an image, also the image that keeps them alive.
-    struct TPiece
-    {
-        QByteArray bytes;
-        TPageImage owner;
-    };
-    void Append(const QByteArray& bytes, const TPageImage& owner = TPageImage());
+    void Append(const TByteSource& bytes);
     TFilePart Last_Field() const;
 
-    std::vector<TPiece> d_pieces;
+    std::vector<TByteSource> d_pieces;
     TFilePlaces d_places;
     qint64 d_size = 0;
 };
@@ -76,12 +71,13 @@ private:
 /// Reads the fields of a project file in their order.
 ///
 /// Reading an integer past the end fails an assertion. A length that points past the end is
-/// clipped. A negative length makes the reader invalid; every later field is then empty or 0.
+/// clipped. A negative length makes the reader invalid; every later field is then empty or 0. So
+/// does another program that changes the file meanwhile.
 class TProjectReader
 {
 public:
-    /// @param bytes  the whole file; images that are read from it keep it alive.
-    explicit TProjectReader(const QByteArray& bytes);
+    /// @param file  the whole file; images that are read from it keep it alive.
+    explicit TProjectReader(const TByteSource& file);
 
     /// Reads the magic number; false when it is another number or the file is too short.
     bool Read_Magic();
@@ -90,29 +86,24 @@ public:
     QString Read_Text();
     /// Reads a field of raw bytes.
     QByteArray Read_Bytes();
-    /// Reads a page's image without decoding it. It shares the file's bytes.
+    /// Reads a page's image without decoding it. It shares the file's bytes, or reads them later.
     TPageImage Read_Image();
 
     /// Number of bytes that have not been read; 0 past the end.
-    qint64 Bytes_Left() const { return qMax<qint64>(0, d_bytes.size() - d_position); }
+    qint64 Bytes_Left() const { return qMax<qint64>(0, d_file.Size() - d_position); }
 
-    /// False after a field with a negative length.
+    /// False after a field with a negative length, or if the file has changed.
     bool Is_Valid() const { return d_valid; }
 
     /// Where the file has the content of the last field, clipped to the file's end.
-    TFilePart Last_Field() const { return {d_last_field.offset, d_last_field.length}; }
+    TFilePart Last_Field() const { return d_last_field; }
 
 private:
-    /// Where a field's content is in the file, clipped to the file's end.
-    struct TField
-    {
-        int offset;
-        int length;
-    };
-    TField Read_Field();
+    TFilePart Read_Field();
+    QByteArray Read(const TFilePart& part);
 
-    QByteArray d_bytes;
-    TField d_last_field{0, 0};
+    TByteSource d_file;
+    TFilePart d_last_field{0, 0};
     /// Of the next field; past the end when the last length pointed there.
     qint64 d_position = 0;
     bool d_valid = true;
@@ -134,9 +125,9 @@ QString Write(const TAppearance& appearance, const std::vector<TNamedPage>& page
 /// Reads a project file up to its first fault.
 ///
 /// A file that ends within an integer fails an assertion; ProjectSurvey::Survey accepts any bytes.
-/// @param bytes   the whole file; the images keep it alive.
+/// @param file    the whole file; the images keep it alive.
 /// @param report  is called before each page.
-TFileContent Read(const QByteArray& bytes, const TProgressReport& report = nullptr);
+TFileContent Read(const TByteSource& file, const TProgressReport& report = nullptr);
 
 /// Writes a project to the temporary file of `target` and commits it. On failure, the old file is
 /// unchanged.

@@ -19,7 +19,5 @@ constexpr int Page_Fields = 3;
 /// Magic number and label size, in bytes. A shorter file is not a project.
 constexpr int Minimum_File = 2 * Integer_Size;
 constexpr qint64 Minimum_Page = Page_Fields * Integer_Size; ///< bytes
-/// In bytes. QFile::readAll() returns nothing for a file that is a few bytes larger.
-constexpr qint64 Largest_File = 0x7fffff00;
 
 } // namespace ProjectLayout

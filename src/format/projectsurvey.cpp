@@ -31,11 +31,11 @@ class TSurveyor
     Q_DECLARE_TR_FUNCTIONS(ProjectSurvey)
 
 public:
-    TSurveyor(const QByteArray& bytes, ProjectSurvey::TImages images, const TProgressReport& report)
-        : d_bytes(bytes)
+    TSurveyor(const TByteSource& file, ProjectSurvey::TImages images, const TProgressReport& report)
+        : d_file(file)
         , d_images(images)
         , d_report(report)
-        , d_finder(bytes)
+        , d_finder(file)
     {
     }
 
@@ -59,7 +59,7 @@ private:
 
     QByteArray Content(const TFileField& field) const
     {
-        return d_bytes.mid(static_cast<int>(field.begin), static_cast<int>(field.length));
+        return d_file.Read(field.begin, field.length);
     }
     /// Reports a defect.
     void Report(qint64 offset, const QString& what, bool is_harmless = false)
@@ -68,7 +68,7 @@ private:
         d_survey.defects.push_back({offset, prefix + what, d_page, is_harmless});
     }
 
-    const QByteArray d_bytes;
+    const TByteSource d_file;
     const ProjectSurvey::TImages d_images;
     const TProgressReport d_report;
     const TRecordFinder d_finder;
@@ -97,8 +97,8 @@ TProjectSurvey TSurveyor::Survey()
 /// Whether the file is a project, or contains at least one page record.
 bool TSurveyor::Read_Start()
 {
-    if (d_bytes.size() < color_offset) {
-        Report(0, tr("the file is too short to be a project file: %1 bytes").arg(d_bytes.size()));
+    if (d_file.Size() < color_offset) {
+        Report(0, tr("the file is too short to be a project file: %1 bytes").arg(d_file.Size()));
         return false;
     }
     if (d_finder.Integer_At(0) == ProjectLayout::Magic)
@@ -134,7 +134,7 @@ bool TSurveyor::Read_Color(qint64* offset)
     const bool is_good = field && Is_Color(Content(*field));
     // If a valid name of the usual length is there, only the stored length is damaged.
     const TFileField usual{color_begin, color_length};
-    if (!is_good && d_bytes.size() >= usual.End() && Is_Color(Content(usual)))
+    if (!is_good && d_file.Size() >= usual.End() && Is_Color(Content(usual)))
         field = usual;
     Check_Length(tr("the colour name"), *offset, field);
     if (!field)
@@ -292,8 +292,7 @@ QString TSurveyor::Text(const QString& what, const TFileField& field)
 
 void TSurveyor::Read_Image(const TFileField& field, TSurveyedPage* page)
 {
-    page->image = TPageImage::From_Part(d_bytes, static_cast<int>(field.begin),
-                                        static_cast<int>(field.length));
+    page->image = TPageImage::From_Bytes(d_file.Part(field.begin, field.length));
     // A page without an image is written with a length of 0.
     if (field.length == 0 || d_images == ProjectSurvey::TImages::Leave_Alone)
         return;
@@ -318,8 +317,8 @@ void TSurveyor::Read_Items(const TFileField& field, TSurveyedPage* page)
 
 } // namespace
 
-TProjectSurvey ProjectSurvey::Survey(const QByteArray& bytes, TImages images,
+TProjectSurvey ProjectSurvey::Survey(const TByteSource& file, TImages images,
                                      const TProgressReport& report)
 {
-    return TSurveyor(bytes, images, report).Survey();
+    return TSurveyor(file, images, report).Survey();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/bytesource.h"
 #include "core/progressreport.h"
 #include "src/format/filecontent.h"
 #include "src/format/itemsurvey.h"
@@ -41,9 +42,10 @@ enum class TImages {
     Leave_Alone ///< do not look at images
 };
 
+/// @param file    the whole file; the images keep it alive.
 /// @param report  is called before each page. Its total is a lower bound: the page count may be
 ///                damaged.
-TProjectSurvey Survey(const QByteArray& bytes, TImages images = TImages::Leave_Alone,
+TProjectSurvey Survey(const TByteSource& file, TImages images = TImages::Leave_Alone,
                       const TProgressReport& report = nullptr);
 
 } // namespace ProjectSurvey

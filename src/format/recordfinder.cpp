@@ -31,17 +31,20 @@ qint64 TFileField::Length_Offset() const
     return begin - Integer_Size;
 }
 
-TRecordFinder::TRecordFinder(const QByteArray& bytes)
-    : d_bytes(bytes)
-    , d_last_root(bytes.lastIndexOf(ItemXml::Root_Begin))
+TRecordFinder::TRecordFinder(const TByteSource& file)
+    : d_file(file)
+    , d_last_root(file.Last_Index_Of(ItemXml::Root_Begin))
 {
 }
 
 std::optional<int> TRecordFinder::Integer_At(qint64 offset) const
 {
-    if (offset < 0 || Size() - offset < Integer_Size)
+    if (offset < 0)
         return std::nullopt;
-    return Conversion::Integer(static_cast<unsigned int>(offset), d_bytes);
+    const QByteArray bytes = d_file.Read(offset, Integer_Size);
+    if (bytes.size() < Integer_Size)
+        return std::nullopt;
+    return Conversion::Integer(0, bytes);
 }
 
 std::optional<TFileField> TRecordFinder::Field_At(qint64 offset) const
@@ -89,7 +92,7 @@ TPageRecord TRecordFinder::Find_After(qint64 offset) const
 
 bool TRecordFinder::Begins_With(const TFileField& field, const QByteArray& what) const
 {
-    return field.length > 0 && d_bytes.mid(static_cast<int>(field.begin), what.size()) == what;
+    return field.length > 0 && d_file.Read(field.begin, what.size()) == what;
 }
 
 /// The record that the lengths describe; empty when they point past the end of the file.
@@ -131,10 +134,10 @@ std::optional<TPageRecord> TRecordFinder::Document_After(qint64 offset) const
 {
     if (offset > d_last_root)
         return std::nullopt;
-    const int root = d_bytes.indexOf(ItemXml::Root_Begin, static_cast<int>(offset));
-    const int head = qMax(static_cast<int>(offset), root - longest_declaration);
-    const int declaration = d_bytes.mid(head, root - head).lastIndexOf(declaration_begin);
-    const int begin = declaration < 0 ? root : head + declaration;
+    const qint64 root = d_file.Index_Of(ItemXml::Root_Begin, offset);
+    const qint64 head = qMax(offset, root - longest_declaration);
+    const int declaration = d_file.Read(head, root - head).lastIndexOf(declaration_begin);
+    const qint64 begin = declaration < 0 ? root : head + declaration;
     TPageRecord record;
     record.items = Field_At(begin - Integer_Size);
     if (!record.items || record.items->length == 0 || !Is_Boundary(record.items->End())) {
@@ -146,21 +149,22 @@ std::optional<TPageRecord> TRecordFinder::Document_After(qint64 offset) const
 
 /// Where a label document ends.
 /// @param is_sure  set to false if the document is not closed and another one follows.
-qint64 TRecordFinder::Document_End(int root, bool* is_sure) const
+qint64 TRecordFinder::Document_End(qint64 root, bool* is_sure) const
 {
     const bool is_last = root == d_last_root;
-    const int limit = is_last ? d_bytes.size() : d_bytes.indexOf(ItemXml::Root_Begin, root + 1);
-    const QByteArray body = QByteArray::fromRawData(d_bytes.constData() + root, limit - root);
-    const int tag_end = body.left(longest_tag).indexOf('>');
-    const int close = body.indexOf(root_end);
-    if (tag_end > 0 && body.at(tag_end - 1) == '/')
+    const qint64 limit = is_last ? Size() : d_file.Index_Of(ItemXml::Root_Begin, root + 1);
+    const TByteSource body = d_file.Part(root, limit - root);
+    const QByteArray tag = body.Read(0, longest_tag);
+    const int tag_end = tag.indexOf('>');
+    if (tag_end > 0 && tag.at(tag_end - 1) == '/')
         return root + tag_end + 1;
+    const qint64 close = body.Index_Of(root_end);
     if (close >= 0)
         return root + close + Length(root_end);
     *is_sure = is_last;
     if (is_last)
         return limit;
-    const int last_item = body.lastIndexOf(ItemXml::Item_End);
+    const qint64 last_item = body.Last_Index_Of(ItemXml::Item_End);
     return root +
            (last_item < 0 ? Length(ItemXml::Root_Begin) : last_item + Length(ItemXml::Item_End));
 }
@@ -196,8 +200,9 @@ std::optional<TFileField> TRecordFinder::Image_Before(qint64 end, qint64 offset)
     if (image && image->End() == end)
         return image;
     std::optional<TFileField> last;
-    for (int begin = d_bytes.indexOf(png_signature, static_cast<int>(offset) + Integer_Size);
-         begin >= 0 && begin < end; begin = d_bytes.indexOf(png_signature, begin + 1)) {
+    const TByteSource before = d_file.Part(0, end);
+    for (qint64 begin = before.Index_Of(png_signature, offset + Integer_Size); begin >= 0;
+         begin = before.Index_Of(png_signature, begin + 1)) {
         last = TFileField{begin, end - begin};
         if (Integer_At(last->Length_Offset()) == last->length)
             return last;

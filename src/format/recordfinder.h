@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/bytesource.h"
+
 #include <QByteArray>
 
 #include <optional>
@@ -34,10 +36,10 @@ struct TPageRecord
 class TRecordFinder
 {
 public:
-    /// @param bytes  the whole file.
-    explicit TRecordFinder(const QByteArray& bytes);
+    /// @param file  the whole file.
+    explicit TRecordFinder(const TByteSource& file);
 
-    qint64 Size() const { return d_bytes.size(); }
+    qint64 Size() const { return d_file.Size(); }
     /// The integer at an offset; empty if the file ends before or within it.
     std::optional<int> Integer_At(qint64 offset) const;
     /// The field whose length is at an offset; empty when it does not lie within the file.
@@ -59,11 +61,11 @@ private:
     std::optional<TPageRecord> Record_At(qint64 offset) const;
     TPageRecord Record_Up_To(qint64 end, qint64 offset) const;
     std::optional<TPageRecord> Document_After(qint64 offset) const;
-    qint64 Document_End(int root, bool* is_sure) const;
+    qint64 Document_End(qint64 root, bool* is_sure) const;
     TPageRecord Rebuilt(qint64 offset, bool begins_here) const;
     std::optional<TFileField> Image_Before(qint64 end, qint64 offset) const;
     std::optional<TFileField> Name_Before(qint64 end, qint64 offset) const;
 
-    const QByteArray d_bytes;
-    const int d_last_root; ///< offset of the last label document's root, -1 for none
+    const TByteSource d_file;
+    const qint64 d_last_root; ///< offset of the last label document's root, -1 for none
 };

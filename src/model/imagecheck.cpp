@@ -125,9 +125,8 @@ QString Png_Fault(const QByteArray& bytes)
                : Tr("the image is damaged from row %1 of %2 on").arg(rows + 1).arg(height);
 }
 
-} // namespace
-
-QSize ImageCheck::Size(const QByteArray& bytes)
+/// The size that the header of an image declares; (0, 0) without one, or if it is too large.
+QSize Declared_Size(const QByteArray& bytes)
 {
     QSize size;
     if (TPngReader::Is_Png(bytes)) {
@@ -141,6 +140,16 @@ QSize ImageCheck::Size(const QByteArray& bytes)
         size = QImageReader(&buffer).size();
     }
     return size.isEmpty() || TPageImage::Is_Too_Large(size) ? QSize(0, 0) : size;
+}
+
+} // namespace
+
+QSize ImageCheck::Size(const TByteSource& image)
+{
+    // Enough for nearly all images.
+    constexpr qint64 usual_header = 64 * 1024; // bytes
+    const QSize size = Declared_Size(image.Read(0, usual_header));
+    return size.isEmpty() && image.Size() > usual_header ? Declared_Size(image.Read()) : size;
 }
 
 QString ImageCheck::Fault(const QByteArray& bytes)

@@ -10,7 +10,7 @@
 namespace ImageCheck {
 
 /// Size of an image in pixels, read from its header; (0, 0) if that is not possible.
-QSize Size(const QByteArray& bytes);
+QSize Size(const TByteSource& image);
 
 /// Describes why an image cannot be decoded to its end; empty if it can. Names the first damaged
 /// row of a PNG image.

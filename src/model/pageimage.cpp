@@ -1,12 +1,15 @@
 #include "src/model/pageimage.h"
 
 #include "core/errorcapture.h"
+#include "core/spool.h"
 #include "core/workwatch.h"
+#include "src/encoding/pngencoding.h"
 #include "src/model/pixelstore.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
+#include <QPainter>
 #include <QtEndian>
 
 #include <utility>
@@ -84,6 +87,19 @@ QImage Decode(const QByteArray& bytes, const TDecoding& decoding)
     return Prepare(decoding, &reader) ? reader.read() : QImage();
 }
 
+/// Stands for an image that is lost.
+QImage Placeholder(const QSize& known_size)
+{
+    const QSize size = known_size.isEmpty() ? QSize(1000, 1000) : known_size;
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::lightGray);
+    QPainter painter(&image);
+    painter.setPen(QPen(Qt::gray, 1 + size.width() / 100));
+    painter.drawLine(0, 0, size.width(), size.height());
+    painter.drawLine(0, size.height(), size.width(), 0);
+    return image;
+}
+
 quint64 Next_Id()
 {
     static quint64 last = 0;
@@ -113,38 +129,48 @@ struct TPageImage::TContent
     ~TContent() { TPixelStore::Shared().Remove(this); }
     Q_DISABLE_COPY(TContent)
 
-    bool Is_Source_Png() const { return is_source_sufficient && source.startsWith(Png_Signature); }
+    bool Is_Source_Png() const { return is_source_sufficient && has_png_signature; }
 
     enum TCaching { Cached, Uncached };
     QImage Pixels(TCaching caching = Cached);
+    QImage True_Pixels(TCaching caching);
     void Keep_Decoded(const QImage& image, TCaching caching = Cached);
 
     enum TState { Not_Decoded, Decodable, Undecodable };
 
     quint64 id;
-    QImage pixels;     ///< null for an image that was constructed from bytes
-    QByteArray source; ///< the original bytes; may be a part of owner
-    QByteArray owner;  ///< array that contains the source
+    QImage pixels;      ///< null for an image that was constructed from bytes
+    TByteSource source; ///< the original bytes
     TDecoding decoding;
-    QByteArray png;                   ///< created on demand
+    TByteSource png;                  ///< created on demand
+    bool has_png_signature = false;   ///< of the source
     bool is_source_sufficient = true; ///< Qt reads the same pixels without `decoding`
     TState state = Not_Decoded;
     QSize size{0, 0}; ///< in pixels; set when the source is decoded
 };
 
-/// Returns the original pixels or those in the cache, or decodes the source.
+/// The pixels, or the placeholder of a lost image.
+QImage TPageImage::TContent::Pixels(TCaching caching)
+{
+    const QImage image = True_Pixels(caching);
+    return image.isNull() && source.Is_Lost() ? Placeholder(size) : image;
+}
+
+/// Returns the original pixels or those in the cache, or decodes the source. Null if it is lost.
 ///
 /// Pixels that are used only once are not cached, so that they do not replace those of displayed
 /// pages.
-QImage TPageImage::TContent::Pixels(TCaching caching)
+QImage TPageImage::TContent::True_Pixels(TCaching caching)
 {
     if (!pixels.isNull() || state == Undecodable)
         return pixels;
     QImage image = TPixelStore::Shared().Find(this);
-    if (image.isNull()) {
-        image = Decode(source, decoding);
+    if (!image.isNull())
+        return image;
+    image = Decode(source.Read(), decoding);
+    // An image is not undecodable because its bytes could not be read.
+    if (!source.Is_Lost())
         Keep_Decoded(image, caching);
-    }
     return image;
 }
 
@@ -171,25 +197,13 @@ TPageImage::TPageImage(const QImage& image)
     d_content->state = TContent::Decodable;
 }
 
-TPageImage TPageImage::From_Bytes(const QByteArray& bytes)
+TPageImage TPageImage::From_Bytes(const TByteSource& bytes)
 {
-    return From_Part(bytes, 0, bytes.size());
-}
-
-TPageImage TPageImage::From_Part(const QByteArray& whole, int offset, int length)
-{
-    const int start = qBound(0, offset, whole.size());
-    const int end =
-        static_cast<int>(qBound<qint64>(start, static_cast<qint64>(offset) + length, whole.size()));
-    if (start == end)
+    if (bytes.Is_Empty())
         return TPageImage();
     auto content = std::make_shared<TContent>();
-    if (end - start == whole.size()) {
-        content->source = whole;
-    } else {
-        content->owner = whole;
-        content->source = QByteArray::fromRawData(whole.constData() + start, end - start);
-    }
+    content->source = bytes;
+    content->has_png_signature = bytes.Begins_With(Png_Signature);
     return TPageImage(std::move(content));
 }
 
@@ -216,7 +230,7 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
     const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (bytes.isEmpty() || bytes.size() != file.size())
         return TPageImage(image);
-    TPageImage result = From_Bytes(bytes);
+    TPageImage result = From_Bytes(Spool::Keep(bytes));
     result.d_content->decoding = decoding;
     result.d_content->is_source_sufficient = !is_transformed && Format_Of(bytes) == decoding.format;
     result.d_content->Keep_Decoded(image);
@@ -237,7 +251,6 @@ TPageImage TPageImage::Picture(int index) const
         return *this;
     auto content = std::make_shared<TContent>();
     content->source = d_content->source;
-    content->owner = d_content->owner;
     content->decoding = d_content->decoding;
     content->decoding.picture = index;
     content->is_source_sufficient = false;
@@ -263,37 +276,37 @@ QSize TPageImage::size() const
 {
     if (!d_content)
         return QImage().size();
-    if (d_content->state == TContent::Not_Decoded)
-        d_content->Pixels();
-    return d_content->size;
+    if (d_content->state != TContent::Not_Decoded)
+        return d_content->size;
+    const QImage image = d_content->Pixels();
+    return d_content->state == TContent::Not_Decoded ? image.size() : d_content->size;
 }
 
-QByteArray TPageImage::Png() const
+TByteSource TPageImage::Stored_Png() const
 {
     if (!d_content)
-        return QByteArray();
-    if (d_content->Is_Source_Png())
+        return TByteSource();
+    if (d_content->Is_Source_Png() && !d_content->source.Is_Lost())
         return d_content->source;
-    if (d_content->png.isEmpty()) {
-        const QImage image = Pixels_Once();
+    if (d_content->png.Is_Empty()) {
+        const QImage image = d_content->True_Pixels(TContent::Uncached);
         if (image.isNull())
-            return d_content->source;
-        TWatchedDevice<QBuffer> buffer(&d_content->png);
-        image.save(&buffer, "PNG");
+            return d_content->source.Is_Lost() ? TByteSource() : d_content->source;
+        d_content->png = Spool::Keep(PngEncoding::Encode(image));
     }
     return d_content->png;
 }
 
 bool TPageImage::Needs_Encoding() const
 {
-    return d_content && d_content->png.isEmpty() && !d_content->Is_Source_Png() &&
-           d_content->state != TContent::Undecodable;
+    return d_content && d_content->png.Is_Empty() && !d_content->Is_Source_Png() &&
+           d_content->state != TContent::Undecodable && !Is_Lost();
 }
 
 void TPageImage::Set_Png(const QByteArray& png) const
 {
     if (Needs_Encoding())
-        d_content->png = png;
+        d_content->png = Spool::Keep(png);
 }
 
 QImage TPageImage::Pixels_Once() const
@@ -301,11 +314,18 @@ QImage TPageImage::Pixels_Once() const
     return d_content ? d_content->Pixels(TContent::Uncached) : QImage();
 }
 
-QByteArray TPageImage::Source_Bytes() const
+TByteSource TPageImage::Stored_Source() const
 {
-    return d_content && !d_content->source.isEmpty() && d_content->is_source_sufficient
+    return d_content && !d_content->source.Is_Empty() && d_content->is_source_sufficient &&
+                   !d_content->source.Is_Lost()
                ? d_content->source
-               : Png();
+               : Stored_Png();
+}
+
+bool TPageImage::Is_Lost() const
+{
+    return d_content && d_content->source.Is_Lost() && d_content->png.Is_Empty() &&
+           TPixelStore::Shared().Find(d_content.get()).isNull();
 }
 
 quint64 TPageImage::Id() const
@@ -317,8 +337,8 @@ TPageImage TPageImage::Encoded() const
 {
     if (!d_content)
         return TPageImage();
-    if (d_content->source.isEmpty()) {
-        TPageImage encoded = From_Bytes(Png());
+    if (d_content->source.Is_Empty()) {
+        TPageImage encoded = From_Bytes(Stored_Png());
         if (encoded.d_content)
             encoded.d_content->id = d_content->id;
         return encoded;
@@ -326,7 +346,7 @@ TPageImage TPageImage::Encoded() const
     auto content = std::make_shared<TContent>();
     content->id = d_content->id;
     content->source = d_content->source;
-    content->owner = d_content->owner;
+    content->has_png_signature = d_content->has_png_signature;
     content->decoding = d_content->decoding;
     content->png = d_content->png;
     content->is_source_sufficient = d_content->is_source_sufficient;

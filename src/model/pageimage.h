@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/bytesource.h"
+
 #include <QByteArray>
 #include <QColor>
 #include <QImage>
@@ -13,9 +15,9 @@
 /// The image of a page, as encoded bytes, as pixels, or both.
 ///
 /// A scan takes some megabytes as a file, but ten times as much as pixels, and only one page is
-/// shown at a time. So a page image keeps its original bytes and decodes them on demand. The
-/// decoded pixels of all page images are in a cache of limited size, TPixelStore. An image is
-/// encoded as PNG at most once.
+/// shown at a time. So a page image keeps its original bytes and decodes them on demand. Those of a
+/// large file stay there; see TByteSource. The decoded pixels of all page images are in a cache of
+/// limited size, TPixelStore. An image is encoded as PNG at most once.
 ///
 /// Copies are cheap and share their data. Conversions from and to QImage are implicit, and the
 /// const functions of QImage that describe an image or derive another one exist here, too. The
@@ -33,12 +35,8 @@ public:
     /// Constructs an image from encoded bytes, without decoding them. Qt detects the format. The
     /// result is null for empty bytes, and also for bytes that cannot be decoded, but those are
     /// kept and can be saved again.
-    static TPageImage From_Bytes(const QByteArray& bytes);
-
-    /// Like From_Bytes, for a part of an array, which is shared and not copied. Bytes returned by
-    /// this image are valid only as long as a copy of the image lives.
-    /// @param offset, length  the part, in bytes; clipped to the array.
-    static TPageImage From_Part(const QByteArray& whole, int offset, int length);
+    static TPageImage From_Bytes(const TByteSource& bytes);
+    static TPageImage From_Bytes(const QByteArray& bytes) { return From_Bytes(TByteSource(bytes)); }
 
     /// Whether the orientation in the file, usually from a camera's EXIF data, is applied.
     enum class TOrientation { As_Stored, Upright };
@@ -131,8 +129,12 @@ public:
     }
 
     /// The image as PNG in default quality, encoded at most once. Original bytes that are PNG or
-    /// cannot be decoded are returned unchanged. Empty for an image without bytes and pixels.
-    QByteArray Png() const;
+    /// cannot be decoded are returned unchanged. Empty for an image without bytes and pixels, and
+    /// for a lost one. Bytes in memory are valid only as long as a copy of the image lives.
+    QByteArray Png() const { return Stored_Png().Read(); }
+
+    /// The same, where it is stored.
+    TByteSource Stored_Png() const;
 
     /// Whether Png() has to encode the image first.
     bool Needs_Encoding() const;
@@ -147,7 +149,15 @@ public:
 
     /// The original bytes in any format. PNG for an image that was constructed from pixels, or if
     /// Qt would not read the same pixels from the original bytes alone.
-    QByteArray Source_Bytes() const;
+    QByteArray Source_Bytes() const { return Stored_Source().Read(); }
+
+    /// The same, where they are stored.
+    TByteSource Stored_Source() const;
+
+    /// Whether nothing is left of the image: another program has changed the file that contained
+    /// it, and its pixels are not in the cache. Its pixels are those of a placeholder then: a gray
+    /// page, crossed out, of the size that the image had if that is known.
+    bool Is_Lost() const;
 
     /// A number shared by the copies of an image that have the same source bytes, including those
     /// made by Encoded(). Unique in this process; 0 without bytes and pixels.

@@ -1,5 +1,6 @@
 #include "src/pageinput/inputfile.h"
 
+#include "core/spool.h"
 #include "src/model/imagecheck.h"
 #include "src/model/imagefiles.h"
 
@@ -74,7 +75,7 @@ TInputPage TInputFile::Read_Pdf(int index) const
     const QString message = About_Page(page, rendered.message);
     if (rendered.png.isEmpty())
         return {std::nullopt, name, message};
-    return {TPageImage::From_Bytes(rendered.png), name, message};
+    return {TPageImage::From_Bytes(Spool::Keep(rendered.png)), name, message};
 }
 
 TInputPage TInputFile::Read_Image(int index)

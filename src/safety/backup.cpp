@@ -9,6 +9,7 @@
 #include <QSet>
 #include <QTemporaryFile>
 
+#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -121,6 +122,20 @@ QStringList TBackup::Separate_Paths_For(const QString& document) const
     return paths;
 }
 
+std::vector<TKeptFile> TBackup::List() const
+{
+    std::vector<TKeptFile> files = d_folder.List();
+    for (TKeptFile& file : files) {
+        const QFileInfo note(d_folder.Note_Path(TKeptFolder::Name_Of(file.path)));
+        if (note.exists())
+            file.time = note.lastModified();
+    }
+    std::stable_sort(files.begin(), files.end(), [](const TKeptFile& left, const TKeptFile& right) {
+        return left.time > right.time;
+    });
+    return files;
+}
+
 std::optional<QString> TBackup::Keep(QFile* document, const TOptions& options) const
 {
     const QString path = document->fileName();
@@ -189,9 +204,9 @@ bool TBackup::Move(QFile* document, const QString& copy, const TOptions& options
         document->close();
         return false;
     }
-    // Mode and time are those of a copy. Until now they belonged to the document.
+    // The mode is that of a copy. The time stays: by its time, another window recognizes the file
+    // from which it reads images.
     chmod(System_Path(copy).constData(), S_IRUSR | S_IWUSR);
-    utimensat(AT_FDCWD, System_Path(copy).constData(), nullptr, 0);
     return true;
 }
 

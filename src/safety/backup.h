@@ -51,8 +51,9 @@ public:
     /// Paths of a document's separate backups, newest first.
     QStringList Separate_Paths_For(const QString& document) const;
 
-    /// All backups, newest first.
-    std::vector<TKeptFile> List() const { return d_folder.List(); }
+    /// All backups, newest first. Their time is that of the backup, which is when the note was
+    /// written: the file has the time of the version that it is.
+    std::vector<TKeptFile> List() const;
 
     /// Deletes stale files of ended processes.
     void Clean_Up() const { d_folder.Clean_Up(); }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/filestamp.h"
 #include "src/format/fileplaces.h"
-#include "src/safety/filestamp.h"
 
 #include <QByteArray>
 #include <QHash>

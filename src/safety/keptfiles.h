@@ -1,6 +1,6 @@
 #pragma once
 
-#include "src/safety/filestamp.h"
+#include "src/safety/workdocument.h"
 
 #include <QByteArray>
 #include <QDateTime>

@@ -6,6 +6,7 @@
 #include "src/model/pageitem.h"
 #include "src/safety/basefile.h"
 #include "src/safety/database.h"
+#include "src/safety/workdocument.h"
 
 #include <QByteArray>
 #include <QCoreApplication>

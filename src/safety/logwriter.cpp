@@ -252,6 +252,11 @@ bool TLogWriter::Write_Image(const TPageImage& image, const TBaseFile& base)
         return Run(&d_statements->refer_to_image, id, place->image.offset, place->image.length,
                    place->image_ends);
     }
+    // A row that refers to the base file stays: a backup may have the image.
+    if (image.Is_Lost()) {
+        d_images.insert(id, false);
+        return true;
+    }
     const QByteArray bytes = image.Source_Bytes();
     d_images.insert(id, false);
     d_image_bytes += bytes.size();

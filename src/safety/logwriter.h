@@ -4,7 +4,7 @@
 #include "src/model/appearance.h"
 #include "src/model/pageitem.h"
 #include "src/safety/database.h"
-#include "src/safety/filestamp.h"
+#include "src/safety/workdocument.h"
 
 #include <QByteArray>
 #include <QHash>

@@ -1,5 +1,6 @@
 #include "src/safety/safetynet.h"
 
+#include "core/openfile.h"
 #include "core/safefile.h"
 #include "src/data.h"
 #include "src/format/projectfile.h"
@@ -142,7 +143,9 @@ bool TSafetyNet::Open_For_Saving(QFile* document, qint64 size, QString* other_ve
     if (!Back_Up(document, size, other_version) &&
         !TBackup::Can_Overwrite(document->fileName(), size))
         return false;
-    return document->isOpen() || document->open(QIODevice::WriteOnly);
+    // Opening also empties the file in which images of the open document may be.
+    return document->isOpen() || (TOpenFile::Copy_Before_Overwriting(document->fileName()) &&
+                                  document->open(QIODevice::WriteOnly));
 }
 
 /// Backs up a document; returns whether the work survives if the document is lost.

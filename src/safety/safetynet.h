@@ -3,8 +3,8 @@
 #include "core/progressreport.h"
 #include "src/safety/backup.h"
 #include "src/safety/basefile.h"
-#include "src/safety/filestamp.h"
 #include "src/safety/keptfiles.h"
+#include "src/safety/workdocument.h"
 #include "src/safety/worklog.h"
 #include "src/safety/workstate.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "src/safety/filestamp.h"
 #include "src/safety/keptfiles.h"
 #include "src/safety/logwriter.h"
+#include "src/safety/workdocument.h"
 
 #include <QString>
 

@@ -155,7 +155,7 @@ void TDocumentStep::Release_Images(const TData& data)
         if (page && page->image.Is_Copy_Of(stored.image))
             continue;
         stored.image = stored.image.Encoded();
-        bytes += static_cast<std::size_t>(stored.image.Source_Bytes().size());
+        bytes += static_cast<std::size_t>(stored.image.Stored_Source().Size());
     }
     d_bytes = static_cast<qint64>(bytes);
 }

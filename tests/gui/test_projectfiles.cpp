@@ -5,7 +5,6 @@
 #include "support/window.h"
 
 #include "src/displaywidget.h"
-#include "src/format/projectlayout.h"
 #include "src/labelwidget.h"
 #include "src/pagewidget.h"
 #include "src/reportheaderdialog.h"
@@ -684,47 +683,6 @@ private slots:
         QCOMPARE(window.d_error_text, QStringLiteral("Invalid file."));
         QTEST(Describe_Appearance(window), "appearance");
         QTEST(Describe(&window), "document");
-    }
-
-    void a_document_beyond_2_gib_is_refused_before_the_file_is_touched()
-    {
-        // The pages share one array of bytes: the document is large, but needs little memory.
-        constexpr int size = 64 * 1024 * 1024;
-        constexpr int pages = 33;
-        const TPageImage image =
-            TPageImage::From_Bytes("\x89PNG\r\n\x1a\n" + QByteArray(size, 'x'));
-        // Without their folder, no backups are written.
-        const QString settings_folder = QDir::home().filePath(QStringLiteral(".quillet"));
-        QVERIFY(QDir(settings_folder).removeRecursively());
-        Support::Write_File(settings_folder, "in the way");
-        {
-            TOpenWindow window;
-            for (int i = 0; i < pages; ++i)
-                window.d_page_widget->Add_Page(window.d_data.Add_Page(image));
-            Support::Write_File(Path(), "the version before");
-            QVERIFY(!window.Save_Data(Path()));
-            QCOMPARE(window.d_error_text,
-                     QStringLiteral("The document is larger than 2 GiB and cannot be saved in one "
-                                    "file."));
-            QCOMPARE(Support::Read_File(Path()), QByteArray("the version before"));
-            QCOMPARE(window.d_data.Page_Count(), pages);
-        }
-        QVERIFY(QFile::remove(settings_folder));
-    }
-
-    void a_file_beyond_2_gib_is_refused()
-    {
-        QFile file(Path());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(One_Page());
-        QVERIFY(file.resize(ProjectLayout::Largest_File + 1));
-        file.close();
-        TOpenWindow window;
-        Prepare(&window);
-        QVERIFY(!window.Load_Data(Path()));
-        QCOMPARE(window.d_error_text,
-                 QStringLiteral("The file is larger than 2 GiB and cannot be read."));
-        QCOMPARE(Describe(&window), Prepared());
     }
 };
 

@@ -26,6 +26,12 @@ using Support::Write_File;
 
 namespace {
 
+/// Sets the time of a backup, which is that of its note, to some seconds ago.
+void Make_Backup_Old(const QString& copy, int seconds)
+{
+    Make_Old(QString(copy).replace(".quillet", ".note"), seconds);
+}
+
 /// Called by the next sync.
 std::function<void()> on_sync;
 
@@ -212,7 +218,7 @@ void TestBackup::the_list_has_document_time_and_size_newest_first()
     const int ages[] = {300, 100, 200};
     for (int i = 0; i < 3; ++i) {
         QVERIFY(Keep(Document(names[i], QByteArray(i + 1, 'x'))));
-        Make_Old(Backup().Path_For(In("documents/" + names[i])), ages[i]);
+        Make_Backup_Old(Backup().Path_For(In("documents/" + names[i])), ages[i]);
     }
     const std::vector<TKeptFile> list = Backup().List();
     QCOMPARE(list.size(), size_t(3));
@@ -233,7 +239,7 @@ void TestBackup::the_oldest_backups_are_deleted_beyond_the_limit()
     for (int i = 0; i < 4; ++i) {
         const QString document = Document(names[i], QByteArray(100, 'x'));
         QVERIFY(Keep_Limited(document, 250));
-        Make_Old(Backup().Path_For(document), 1000 - i);
+        Make_Backup_Old(Backup().Path_For(document), 1000 - i);
     }
     QStringList left;
     for (const TKeptFile& file : Backup().List())
@@ -258,7 +264,7 @@ void TestBackup::the_limit_is_2_gib()
     const QString large = Document("large", QByteArray());
     QVERIFY(QFile::resize(large, 0x7fffffff));
     QVERIFY(Keep(large));
-    Make_Old(Backup().Path_For(large), 1000);
+    Make_Backup_Old(Backup().Path_For(large), 1000);
     QVERIFY(Keep(Document("a", "x")));
     QCOMPARE(Backup().List().size(), size_t(2));
     QVERIFY(Keep(Document("b", "x")));
@@ -595,10 +601,10 @@ void TestBackup::separate_backups_count_towards_the_limit()
 {
     const QString document = Document("a.quillet", QByteArray(100, 'x'));
     const QString oldest = Keep_Separately(document);
-    Make_Old(oldest, 200);
+    Make_Backup_Old(oldest, 200);
     Document("a.quillet", QByteArray(100, 'y'));
     const QString newest = Keep_Separately(document);
-    Make_Old(newest, 100);
+    Make_Backup_Old(newest, 100);
     Document("a.quillet", QByteArray(100, 'z'));
     QVERIFY(Keep_Limited(document, 250));
     QVERIFY(!QFile::exists(oldest));
@@ -614,13 +620,13 @@ void TestBackup::the_newest_separate_backup_of_each_document_stays_beyond_the_li
         const QString document = Document(name, QByteArray(100, 'x'));
         QVERIFY(Keep(document));
         others += Backup().Path_For(document);
-        Make_Old(others.last(), 1000);
+        Make_Backup_Old(others.last(), 1000);
         Document(name, QByteArray(100, 'y'));
         others += Keep_Separately(document);
-        Make_Old(others.last(), 3000);
+        Make_Backup_Old(others.last(), 3000);
         Document(name, QByteArray(100, 'z'));
         newest += Keep_Separately(document);
-        Make_Old(newest.last(), 2000);
+        Make_Backup_Old(newest.last(), 2000);
     }
     const QString saved = Document("c.quillet", QByteArray(100, 'c'));
     QVERIFY(Keep_Limited(saved, 150));

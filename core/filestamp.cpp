@@ -1,4 +1,4 @@
-#include "src/safety/filestamp.h"
+#include "core/filestamp.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
 // Stamps of files, which differ after another program has changed a file.
 
-#include "src/safety/filestamp.h"
+#include "core/filestamp.h"
 
 #include "support/support.h"
 
