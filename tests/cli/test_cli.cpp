@@ -2,7 +2,6 @@
 #include "support/support.h"
 #include "support/tool.h"
 
-
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>

@@ -39,6 +39,7 @@ class TestCliItems : public TToolTest
         Write_File(path + ".quillet", content);
         Write_File(path + ".note", document.toUtf8());
         Make_Old(path + ".quillet", age);
+        Make_Old(path + ".note", age);
     }
 
     /// Returns names, sizes and times of all files in the home folder.

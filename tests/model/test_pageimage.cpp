@@ -773,7 +773,8 @@ private slots:
     {
         const QByteArray tiff = Support::Tiff({Support::Picture(4, 3), Support::Picture(5, 3)});
         const QByteArray whole = "before" + tiff;
-        const TPageImage picture = TPageImage::From_Bytes(TByteSource(whole).Part(6, tiff.size()).Picture(1));
+        const TPageImage picture =
+            TPageImage::From_Bytes(TByteSource(whole).Part(6, tiff.size())).Picture(1);
         QCOMPARE(picture.size(), QSize(5, 3));
         QVERIFY(!whole.isDetached());
     }
@@ -936,7 +937,8 @@ private slots:
     {
         const QByteArray png = Support::Png(Support::Picture(40, 30));
         const QByteArray whole = "before" + png;
-        const TPageImage encoded = TPageImage::From_Bytes(TByteSource(whole).Part(6, png.size())).Encoded();
+        const TPageImage encoded =
+            TPageImage::From_Bytes(TByteSource(whole).Part(6, png.size())).Encoded();
         QCOMPARE(encoded.Source_Bytes(), png);
         QVERIFY(!whole.isDetached());
     }
