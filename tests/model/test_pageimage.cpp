@@ -492,7 +492,9 @@ private slots:
         const QString path = folder.filePath(QStringLiteral("arrow.cur"));
         Support::Write_File(path, Icon(Icon_Bitmap(40, 30)));
         QCOMPARE(TPageImage::From_File(path, "cur").size(), QSize(40, 30));
-        Support::Write_File(path, Icon(Icon_Bitmap(20000, 12501)));
+        QImage picture(25000, 20001, QImage::Format_Mono);
+        picture.fill(0);
+        Support::Write_File(path, Icon(Support::Png(picture)));
         QVERIFY(TPageImage::From_File(path, "cur").isNull());
     }
 
