@@ -136,6 +136,9 @@ private slots:
         // Qt's own options are not listed.
         QVERIFY(!result.output.contains("--help-all"));
         QCOMPARE(Run({name, "-h"}).output, result.output);
+        // Help is printed despite other mistakes.
+        for (const char* const option : {"-h", "--help"})
+            QCOMPARE(Run({name, "--paint", option}).output, result.output);
     }
 
     void invalid_usage_exits_with_status_2_data()
