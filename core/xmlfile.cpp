@@ -23,13 +23,17 @@ const QLatin1String version_attribute("File_Version");
     throw TXmlFileException(message, TXmlFileException::Data_Error);
 }
 
-/// Throws the error of a node that was read from a document. The reason is the message without its
-/// prefix "ERR:".
-[[noreturn]] void Throw_Node_Error(const QDomNode& node, const QString& message)
+using TPlaces = XmlBuilder::TPlaces;
+
+/// Throws the error of a node, with its place if it was read from a document. The reason is the
+/// message without its prefix "ERR:".
+[[noreturn]] void Throw_Node_Error(const TPlaces& places, const QDomNode& node,
+                                   const QString& message)
 {
     const QString reason = message.mid(message.indexOf(QLatin1Char(' '))).trimmed();
-    throw TXmlFileException(message, TXmlFileException::Data_Error, reason,
-                            qMax(0, node.lineNumber()), qMax(0, node.columnNumber()));
+    const XmlBuilder::TPlace place = places.Find(node);
+    throw TXmlFileException(message, TXmlFileException::Data_Error, reason, place.line,
+                            place.column);
 }
 
 [[noreturn]] void Throw_File_Error(const QString& message)
@@ -37,15 +41,15 @@ const QLatin1String version_attribute("File_Version");
     throw TXmlFileException(message, TXmlFileException::File_Error);
 }
 
-[[noreturn]] void Throw_Missing_Node(const QDomNode& parent, const QString& name,
-                                     const QString& parent_name)
+[[noreturn]] void Throw_Missing_Node(const TPlaces& places, const QDomNode& parent,
+                                     const QString& name, const QString& parent_name)
 {
-    Throw_Node_Error(parent,
+    Throw_Node_Error(places, parent,
                      QStringLiteral("ERR: Node '%1' is missing from node '%2' and not optional.")
                          .arg(name, parent_name));
 }
 
-QString Child_Text(const QDomNode& node, const QString& name, bool optional)
+QString Child_Text(const TPlaces& places, const QDomNode& node, const QString& name, bool optional)
 {
     if (node.isNull())
         Throw_Data_Error(QStringLiteral("ERR:  Cannot read data from a NULL node"));
@@ -53,30 +57,32 @@ QString Child_Text(const QDomNode& node, const QString& name, bool optional)
     if (child.isText())
         return child.nodeValue();
     if (!optional)
-        Throw_Node_Error(node,
+        Throw_Node_Error(places, node,
                          QStringLiteral("ERR: Node Text for '%1' is not optional.").arg(name));
     return QString();
 }
 
-QString Attribute_Value(const QDomNode& node, const QString& name, bool optional)
+QString Attribute_Value(const TPlaces& places, const QDomNode& node, const QString& name,
+                        bool optional)
 {
     if (node.isNull())
         Throw_Data_Error(QStringLiteral("ERR:  Cannot read attribute from a NULL node"));
     const QDomNode attribute = node.attributes().namedItem(name);
     if (attribute.isNull() && !optional)
         Throw_Node_Error(
-            node, QStringLiteral("ERR: Node attribute '%1' missing and not optional.").arg(name));
+            places, node,
+            QStringLiteral("ERR: Node attribute '%1' missing and not optional.").arg(name));
     return attribute.nodeValue();
 }
 
-QDomElement Child_Element(const QDomNode& node, const QString& node_name, const QString& name,
-                          bool optional)
+QDomElement Child_Element(const TPlaces& places, const QDomNode& node, const QString& node_name,
+                          const QString& name, bool optional)
 {
     if (node.isNull())
         Throw_Data_Error(QStringLiteral("ERR:  Cannot get child from a NULL node"));
     const QDomElement child = node.firstChildElement(name);
     if (child.isNull() && !optional)
-        Throw_Missing_Node(node, name, node_name);
+        Throw_Missing_Node(places, node, name, node_name);
     return child;
 }
 
@@ -148,6 +154,7 @@ void TXmlFile::Clear()
 
 void TXmlFile::Create_Root(const QString& root_name, int version)
 {
+    d_places.Clear();
     d_root_element = createElement(root_name);
     d_root_element.setAttribute(version_attribute, version);
     appendChild(d_root_element);
@@ -183,11 +190,10 @@ void TXmlFile::Load(const QByteArray& data, bool namespace_processing, const QSt
     std::optional<XmlGuard::TDefect> defect = XmlGuard::Find_Defect(data, namespace_processing);
     if (defect) {
         clear();
+        d_places.Clear();
     } else {
         const TAcceptAnyText scope;
-        XmlGuard::TDefect error;
-        if (!setContent(data, namespace_processing, &error.message, &error.line, &error.column))
-            defect = error;
+        defect = XmlBuilder::Build(data, namespace_processing, this, &d_places);
     }
     // The parser's text comes first, then the line and the column, although the pattern suggests
     // another order. Existing messages have this order.
@@ -202,7 +208,7 @@ void TXmlFile::Identify(const QString& identification, int* version)
 {
     d_root_element = documentElement();
     if (d_root_element.tagName() != identification)
-        Throw_Node_Error(d_root_element,
+        Throw_Node_Error(d_places, d_root_element,
                          QStringLiteral("ERR:  Identification '%1' does not match '%2'")
                              .arg(identification, d_root_element.tagName()));
     d_doctype_name = doctype().name();
@@ -210,7 +216,7 @@ void TXmlFile::Identify(const QString& identification, int* version)
     if (!version)
         return;
     if (!d_root_element.hasAttribute(version_attribute))
-        Throw_Node_Error(d_root_element,
+        Throw_Node_Error(d_places, d_root_element,
                          QStringLiteral("ERR: The 'File_Version' attribute is missing."));
     *version = d_root_element.attribute(version_attribute).toInt();
 }
@@ -218,37 +224,37 @@ void TXmlFile::Identify(const QString& identification, int* version)
 QString TXmlFile::Read_Text_Node(const QDomElement* node, bool optional) const
 {
     assert(node);
-    return Child_Text(*node, node->tagName(), optional);
+    return Child_Text(d_places, *node, node->tagName(), optional);
 }
 
 QString TXmlFile::Read_Text_Node(const QDomNode* node, bool optional) const
 {
     assert(node);
-    return Child_Text(*node, node->localName(), optional);
+    return Child_Text(d_places, *node, node->localName(), optional);
 }
 
 QString TXmlFile::Read_Attribute(const QDomElement* node, const QString& name, bool optional) const
 {
     assert(node);
-    return Attribute_Value(*node, name, optional);
+    return Attribute_Value(d_places, *node, name, optional);
 }
 
 QString TXmlFile::Read_Attribute(const QDomNode* node, const QString& name, bool optional) const
 {
     assert(node);
-    return Attribute_Value(*node, name, optional);
+    return Attribute_Value(d_places, *node, name, optional);
 }
 
 QDomElement TXmlFile::Get_Node(const QDomElement* node, const QString& name, bool optional) const
 {
     assert(node);
-    return Child_Element(*node, node->tagName(), name, optional);
+    return Child_Element(d_places, *node, node->tagName(), name, optional);
 }
 
 QDomElement TXmlFile::Get_Node(const QDomNode* node, const QString& name, bool optional) const
 {
     assert(node);
-    return Child_Element(*node, node->nodeName(), name, optional);
+    return Child_Element(d_places, *node, node->nodeName(), name, optional);
 }
 
 QDomElement TXmlFile::Get_Sibling_Node(const QDomElement* current_node, const QString& name,
@@ -259,7 +265,7 @@ QDomElement TXmlFile::Get_Sibling_Node(const QDomElement* current_node, const QS
         Throw_Data_Error(QStringLiteral("ERR:  Cannot get sibling from a NULL node"));
     const QDomElement sibling = current_node->nextSiblingElement(name);
     if (sibling.isNull() && !optional)
-        Throw_Missing_Node(*current_node, name, current_node->tagName());
+        Throw_Missing_Node(d_places, *current_node, name, current_node->tagName());
     return sibling;
 }
 

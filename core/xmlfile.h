@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/xmlbuilder.h"
+
 #include <QByteArray>
 #include <QDomDocument>
 #include <QString>
@@ -140,4 +142,6 @@ private:
     void Load(const QByteArray& data, bool namespace_processing, const QString& error_pattern);
     void Identify(const QString& identification, int* version);
     void Save_To(QIODevice* device, bool compact) const;
+
+    XmlBuilder::TPlaces d_places; ///< of the elements of the loaded document
 };

@@ -6,7 +6,7 @@
 #include <QXmlInputSource>
 #include <QXmlSimpleReader>
 
-// The DOM parser uses the deprecated SAX reader. Only the same reader is certain to see the same
+// XmlBuilder uses the deprecated SAX reader. Only the same reader is certain to see the same
 // entities and markup.
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
@@ -197,7 +197,7 @@ std::optional<TDefect> Find_Defect(const QByteArray& data, bool namespace_proces
     buffer.setData(data);
     TScout scout(&buffer);
     QXmlSimpleReader reader;
-    // The DOM parser sets it in the same way.
+    // XmlBuilder sets it in the same way.
     reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespaces"),
                       namespace_processing);
     reader.setFeature(QStringLiteral("http://qt-project.org/xml/features/report-start-end-entity"),

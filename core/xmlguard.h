@@ -5,14 +5,13 @@
 
 #include <optional>
 
-/// Detects small documents that would take too much time or memory to parse, or crash the parser,
-/// before the DOM parser reads them.
+/// Detects small documents that would take too much time or memory to parse, or crash the program,
+/// before XmlBuilder reads them.
 ///
-/// Qt's DOM parser limits the length of an expanded entity and loads no external ones. But it
-/// recurses once per nesting level until the stack overflows, expands a long entity at every
-/// reference, and takes quadratic time for attributes, namespace prefixes and the document type.
-/// With the policy to create null nodes for invalid data, it crashes on text with invalid
-/// characters. The limits are far above what people or programs write, and within them the cost of
+/// Qt's SAX reader limits the length of an expanded entity and loads no external ones. But it
+/// expands a long entity at every reference, and takes quadratic time for attributes, namespace
+/// prefixes and the document type. The DOM recurses once per nesting level until the stack
+/// overflows. The limits are far above what people or programs write, and within them the cost of
 /// parsing is linear.
 namespace XmlGuard {
 
@@ -35,8 +34,8 @@ constexpr qint64 Document_Type_Limit = 16'384; ///< characters, with parameter e
 bool Is_Text(const QString& text);
 
 /// Returns the first exceeded limit or invalid text. Ignores everything after the first syntax
-/// error, which the DOM parser reports.
-/// @param namespace_processing  must be the same for the DOM parser.
+/// error, which XmlBuilder reports.
+/// @param namespace_processing  must be the same for XmlBuilder.
 std::optional<TDefect> Find_Defect(const QByteArray& data, bool namespace_processing);
 
 } // namespace XmlGuard
