@@ -175,7 +175,7 @@ void Choose_Platform()
     qputenv("QT_QPA_PLATFORM", "offscreen");
     for (const char* const setting :
          {"QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE", "QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS",
-          "QT_DEVICE_PIXEL_RATIO"})
+          "QT_DEVICE_PIXEL_RATIO", "QT_FONT_DPI"})
         qunsetenv(setting);
 }
 

@@ -31,6 +31,14 @@ void Store(unsigned int index, const T& value, QByteArray* array)
     Store(index, bytes, static_cast<int>(sizeof(T)), array);
 }
 
+/// Bytes with a 32-bit size, as an assertion needs it. Qt 6 counts with 64 bits.
+struct TAscii
+{
+    const QByteArray& bytes;
+
+    int size() const { return static_cast<int>(bytes.size()); }
+};
+
 } // namespace
 
 // An assertion prints its condition verbatim, and this text must not change. So each function
@@ -75,13 +83,14 @@ qint64 Conversion::Long_Integer(unsigned int index, const QByteArray& array)
     return Load<qint64>(index, array);
 }
 
-void Conversion::Set_Ascii(unsigned int index, const QByteArray& data, QByteArray* array)
+void Conversion::Set_Ascii(unsigned int index, const QByteArray& bytes, QByteArray* array)
 {
+    const TAscii data{bytes};
     assert(array);
     assert((index + data.size() -1) < static_cast<unsigned int>(array->size()));
     // The sum above wraps around for a very large index.
     assert(index <= static_cast<unsigned int>(array->size()));
-    Store(index, data.constData(), data.size(), array);
+    Store(index, bytes.constData(), bytes.size(), array);
 }
 
 void Conversion::Set_Double(unsigned int index, const double& value, QByteArray* array)

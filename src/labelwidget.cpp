@@ -124,7 +124,7 @@ void TLabelWidget::Connect_Widgets()
     connect(d_add_button, SIGNAL(clicked()), this, SIGNAL(Add_Item()));
     connect(d_remove_button, SIGNAL(clicked()), this, SIGNAL(Remove_Item()));
     connect(d_list, SIGNAL(Delete_Pressed()), d_remove_button, SLOT(click()));
-    connect(d_list, SIGNAL(itemSelectionChanged()), this, SLOT(Item_Selection_Changed()));
+    connect(d_list, SIGNAL(Selected_Rows_Changed()), this, SLOT(Item_Selection_Changed()));
     connect(d_value_editor, SIGNAL(textEdited(QString)), this,
             SLOT(Current_Value_Changed(QString)));
     connect(d_text_editor, SIGNAL(editingFinished()), this, SLOT(Current_Text_Changed()));

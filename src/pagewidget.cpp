@@ -72,7 +72,7 @@ void TPageWidget::Arrange_Widgets()
 void TPageWidget::Connect_Widgets()
 {
     connect(d_list, SIGNAL(Delete_Pressed()), d_remove_button, SLOT(click()));
-    connect(d_list, SIGNAL(itemSelectionChanged()), this, SLOT(Page_Selection_Changed()));
+    connect(d_list, SIGNAL(Selected_Rows_Changed()), this, SLOT(Page_Selection_Changed()));
     connect(d_add_button, SIGNAL(clicked()), this, SIGNAL(Add_Page()));
     connect(d_remove_button, SIGNAL(clicked()), this, SLOT(Remove_Page()));
     connect(d_name_editor, SIGNAL(textEdited(QString)), this, SLOT(Page_Name_Edited(QString)));

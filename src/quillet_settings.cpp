@@ -20,7 +20,10 @@ template <typename TValue>
 TValue Read_Setting(const QSettings& settings, const char* key, const TValue& default_value)
 {
     const QVariant value = settings.value(QString::fromLatin1(key));
-    return value.canConvert<TValue>() ? value.value<TValue>() : default_value;
+    // A text with a comma is a list, which Qt 6 converts to an empty text.
+    const bool is_list =
+        value.userType() == QMetaType::QStringList && value.toStringList().size() != 1;
+    return value.canConvert<TValue>() && !is_list ? value.value<TValue>() : default_value;
 }
 
 /// QVariant truncates numbers that are too large for an integer.

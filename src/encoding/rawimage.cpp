@@ -67,7 +67,9 @@ QImage RawImage::Read(QIODevice* device)
     image.setDotsPerMeterX(dots_x);
     image.setDotsPerMeterY(dots_y);
     image.setOffset(offset);
-    image.setColorSpace(color_space);
+    // Qt 6 takes an image without colour space for different from one with an invalid one.
+    if (color_space.isValid())
+        image.setColorSpace(color_space);
     for (auto text = texts.cbegin(); text != texts.cend(); ++text)
         image.setText(text.key(), text.value());
     return image;

@@ -16,6 +16,14 @@
 
 namespace {
 
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+/// Removes the limit of 128 MiB that Qt 6 has for all images; Is_Too_Large is the limit here.
+const bool is_allocation_unlimited = [] {
+    QImageReader::setAllocationLimit(0);
+    return QImageReader::allocationLimit() == 0;
+}();
+#endif
+
 bool Is_Too_Large(qint64 width, qint64 height)
 {
     // A negative height means that the lines are stored from top to bottom.

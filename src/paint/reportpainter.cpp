@@ -52,6 +52,8 @@ void TReportPainter::Draw_Frame(int number)
 
 void TReportPainter::Draw_Rules()
 {
+    // In Qt 6.4, a first pen like the painter's own does not reach the PDF.
+    d_painter->setPen(Qt::NoPen);
     d_painter->setPen(QPen(QColor(0, 0, 0), TReportGeometry::Rule_Width(d_resolution_code)));
     d_painter->drawLine(d_geometry.Footer_Rule());
     d_painter->drawLine(d_geometry.Header_Rule());

@@ -17,6 +17,14 @@ const int Margin = 2;            // pixels
 const int column_gap = 3;        // pixels
 const QSize button_size(22, 22); // pixels
 
+/// The size of a caption that does not wrap.
+QSize Line_Size(const QLabel& caption)
+{
+    QLabel line(caption.text());
+    line.setFont(caption.font());
+    return line.sizeHint();
+}
+
 /// A caption that wraps in a narrow column. Its minimum size includes the wrapped lines, because
 /// docks ignore heightForWidth().
 class TCaption : public QLabel
@@ -27,6 +35,9 @@ public:
     {
         setWordWrap(true);
     }
+
+    // By default, a text that wraps prefers two lines from a width on that depends on the font.
+    QSize sizeHint() const override { return Line_Size(*this); }
 
     QSize minimumSizeHint() const override
     {
@@ -75,10 +86,8 @@ int Caption_Room(const QWidget& panel)
     int unwrapped = 0;
     const auto captions = panel.findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly);
     for (const QLabel* const caption : captions) {
-        QLabel line(caption->text());
-        line.setFont(caption->font());
         wrapped = std::max(wrapped, caption->minimumSizeHint().width());
-        unwrapped = std::max(unwrapped, line.sizeHint().width());
+        unwrapped = std::max(unwrapped, Line_Size(*caption).width());
     }
     return unwrapped - wrapped;
 }

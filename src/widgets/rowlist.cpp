@@ -223,6 +223,13 @@ void TRowList::rowsAboutToBeRemoved(const QModelIndex& parent, int first, int la
         d_rows.remove(item(index)->data(Id_Role).toInt(), item(index));
 }
 
+void TRowList::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    QListWidget::selectionChanged(selected, deselected);
+    if (!selected.isEmpty() || !deselected.isEmpty())
+        Q_EMIT Selected_Rows_Changed();
+}
+
 void TRowList::dataChanged(const QModelIndex& top_left, const QModelIndex& bottom_right,
                            const QVector<int>& roles)
 {

@@ -36,6 +36,9 @@ public:
     void reset() override;
 
 Q_SIGNALS:
+    /// Rows were selected or deselected, or selected rows removed. Unlike itemSelectionChanged(),
+    /// not emitted when Qt 6 removes another row.
+    void Selected_Rows_Changed();
     /// The user pressed the Delete key. The receiver removes the selected rows.
     void Delete_Pressed();
 
@@ -45,6 +48,8 @@ protected:
     void rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last) override;
     void dataChanged(const QModelIndex& top_left, const QModelIndex& bottom_right,
                      const QVector<int>& roles) override;
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override;
     void changeEvent(QEvent* event) override;
 
 private:
