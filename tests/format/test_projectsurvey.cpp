@@ -353,9 +353,10 @@ private slots:
     void all_pages_before_a_cut_are_whole()
     {
         const QByteArray whole = Between(Good_Page("second"));
-        const QVector<int> ends{static_cast<int>(Middle()),
-                                static_cast<int>(Middle()) + Good_Page("second").size(),
-                                whole.size()};
+        const int middle = static_cast<int>(Middle());
+        const int size_of_second = Good_Page("second").size();
+        const int end = whole.size();
+        const QVector<int> ends{middle, middle + size_of_second, end};
         const QStringList names{"first", "second", "third"};
         for (int size = 0; size < whole.size(); ++size) {
             const QByteArray cut = whole.left(size);
@@ -372,9 +373,10 @@ private slots:
     void a_changed_byte_loses_no_other_page_and_is_reported_if_the_window_refuses_it()
     {
         const QByteArray whole = Between(Good_Page("second"));
-        const QVector<int> ends{static_cast<int>(Middle()),
-                                static_cast<int>(Middle()) + Good_Page("second").size(),
-                                whole.size()};
+        const int middle = static_cast<int>(Middle());
+        const int size_of_second = Good_Page("second").size();
+        const int end = whole.size();
+        const QVector<int> ends{middle, middle + size_of_second, end};
         const QStringList names{"first", "second", "third"};
         const int pages_begin = Header(32, look, "one", "two", 3).size();
         for (int offset = 0; offset < whole.size(); ++offset) {

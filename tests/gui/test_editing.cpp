@@ -453,7 +453,8 @@ void TestEditing::a_drag_reaches_the_model()
     const QPoint from = d_window->d_display_widget->mapFromScene(60, 60);
     QTest::mousePress(viewport, Qt::LeftButton, Qt::KeyboardModifiers(), from);
     const QPoint to = from + QPoint(30, 20);
-    QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, to, viewport->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
     QApplication::sendEvent(viewport, &move);
     QCOMPARE(d_window->d_data.Item(0).position, QPointF(60, 60));
     QTest::mouseRelease(viewport, Qt::LeftButton, Qt::KeyboardModifiers(), to);

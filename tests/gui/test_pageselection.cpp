@@ -296,9 +296,11 @@ void TestPageSelection::a_lost_release_ends_the_drag()
 {
     Mouse(QEvent::MouseButtonPress, {50, 50}, Qt::ControlModifier);
     Mouse(QEvent::MouseMove, {90, 71}, Qt::ControlModifier);
-    QMouseEvent hover(QEvent::MouseMove, Place({200, 200}), Qt::NoButton, Qt::NoButton,
-                      Qt::ControlModifier);
-    QApplication::sendEvent(d_window->d_display_widget->viewport(), &hover);
+    QWidget* const viewport = d_window->d_display_widget->viewport();
+    const QPoint point = Place({200, 200});
+    QMouseEvent hover(QEvent::MouseMove, point, viewport->mapToGlobal(point), Qt::NoButton,
+                      Qt::NoButton, Qt::ControlModifier);
+    QApplication::sendEvent(viewport, &hover);
     QCOMPARE(Positions(), QString("90,71 170,71 50,130"));
     Click({50, 130}, {});
     QCOMPARE(Selected(), QList<int>{3});

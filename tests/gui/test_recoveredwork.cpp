@@ -9,6 +9,7 @@
 #include "src/displaywidget.h"
 #include "src/pagewidget.h"
 #include "src/safety/keptfiles.h"
+#include "src/widgets/documentname.h"
 #include "src/widgets/recoverynotice.h"
 
 #include <QApplication>
@@ -187,9 +188,10 @@ void TestRecoveredWork::work_of_a_killed_process_is_announced()
     QCOMPARE(Notice(), "Unsaved changes to site-plan.quillet from " + time + " were recovered");
     QVERIFY(Details().contains(Copies().first()));
     QVERIFY(Details().contains(In("site-plan.quillet")));
-    // The notice is on the left, and there is no dialog.
-    QCOMPARE(d_window->findChild<TRecoveryNotice*>()->parentWidget(), d_window->statusBar());
-    QVERIFY(d_window->findChild<TRecoveryNotice*>()->x() < 10);
+    // The notice is on the left, beside the document's name, and there is no dialog.
+    const auto* const notice = d_window->findChild<TRecoveryNotice*>();
+    QCOMPARE(notice->parentWidget(), d_window->statusBar());
+    QVERIFY(notice->x() < d_window->findChild<TDocumentName*>()->geometry().right() + 10);
     QVERIFY(!QApplication::activeModalWidget());
 }
 

@@ -178,7 +178,7 @@ private slots:
             if (!key.endsWith(QStringLiteral("_Position")) || key.startsWith("Mainwindow"))
                 QCOMPARE(settings.value(key), value);
             else
-                QCOMPARE(settings.value(key).type(), QVariant::Point);
+                QCOMPARE(settings.value(key).userType(), static_cast<int>(QMetaType::QPoint));
         }
     }
 

@@ -299,8 +299,9 @@ void TestUndo::Drag(int id, const QPoint& way)
     TDisplayWidget* const view = Window().d_display_widget;
     const QPoint begin = view->mapFromScene(view->Item_Position(id));
     const auto send = [view](QEvent::Type type, const QPoint& point, Qt::MouseButtons buttons) {
-        QMouseEvent event(type, point, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                          buttons, Qt::NoModifier);
+        QMouseEvent event(type, point, view->viewport()->mapToGlobal(point),
+                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons,
+                          Qt::NoModifier);
         QApplication::sendEvent(view->viewport(), &event);
     };
     send(QEvent::MouseButtonPress, begin, Qt::LeftButton);
@@ -885,7 +886,8 @@ void TestUndo::undo_during_a_drag_restores_the_position()
     Window().Change_Item_Value(13, 55);
     const QPoint begin = view->mapFromScene(QPointF(50, 60));
     const auto send = [view](QEvent::Type type, const QPoint& point, Qt::MouseButtons buttons) {
-        QMouseEvent event(type, point, Qt::LeftButton, buttons, Qt::NoModifier);
+        QMouseEvent event(type, point, view->viewport()->mapToGlobal(point), Qt::LeftButton,
+                          buttons, Qt::NoModifier);
         QApplication::sendEvent(view->viewport(), &event);
     };
     send(QEvent::MouseButtonPress, begin, Qt::LeftButton);
@@ -1116,7 +1118,7 @@ void TestUndo::nothing_appears_in_menus_and_tool_bar()
              QStringList());
     const QList<QAction*> actions = Window().findChildren<QAction*>();
     for (const QAction* const action : actions)
-        QVERIFY(!action->shortcuts().contains(QKeySequence(Qt::CTRL + Qt::Key_Z)));
+        QVERIFY(!action->shortcuts().contains(QKeySequence(QStringLiteral("Ctrl+Z"))));
 }
 
 /// Compares the signals of a window that records steps with those of one that does not.

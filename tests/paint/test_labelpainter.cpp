@@ -33,7 +33,7 @@ QFont Arial(double size)
 {
     QFont font(QStringLiteral("Arial"));
     font.setPointSizeF(size);
-    font.setWeight(75);
+    font.setWeight(QFont::Bold);
     font.setItalic(false);
     return font;
 }

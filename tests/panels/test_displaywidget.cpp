@@ -343,7 +343,7 @@ void TestDisplayWidget::an_added_item_has_all_its_data()
     QCOMPARE(item->data(8), QVariant(QPointF(16, 16)));
     QCOMPARE(item->data(16), QVariant(8));
     QCOMPARE(item->data(17), QVariant(0));
-    QCOMPARE(static_cast<QMetaType::Type>(item->data(17).type()), QMetaType::Int);
+    QCOMPARE(item->data(17).userType(), static_cast<int>(QMetaType::Int));
     QCOMPARE(item->pos(), QPointF(0, 0));
     QCOMPARE(item->zValue(), 1.0);
     QCOMPARE(item->transformationMode(), Qt::SmoothTransformation);

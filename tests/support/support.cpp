@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QMetaType>
 #include <QPainter>
 #include <QThreadPool>
 
@@ -194,6 +195,15 @@ QByteArray Read_File(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool Is_Meta_Type(const char* name)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    return QMetaType::fromName(name).isValid();
+#else
+    return QMetaType::type(name) != QMetaType::UnknownType;
+#endif
 }
 
 QByteArray Timeless_Pdf(const QString& path)

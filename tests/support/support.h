@@ -62,6 +62,9 @@ void Write_File(const QString& path, const QByteArray& content);
 /// The content of a file; empty when it cannot be read.
 QByteArray Read_File(const QString& path);
 
+/// Whether queued connections by signature can pass this type.
+bool Is_Meta_Type(const char* name);
+
 /// A PDF file without its creation time.
 QByteArray Timeless_Pdf(const QString& path);
 

@@ -110,11 +110,11 @@ private slots:
 
     void characters_that_html_forbids_are_replaced()
     {
-        const uint noncharacter = 0x1ffff;
+        const char32_t noncharacter = 0x1ffff;
         QCOMPARE(Markup::Escaped(QStringLiteral("a\x01\x7f\n\t\u00e9") +
                                  QString::fromUcs4(&noncharacter, 1) + QChar(0xd800)),
                  QStringLiteral("a\ufffd\ufffd\n\t\u00e9\ufffd\ufffd"));
-        const uint treble_clef = 0x1d11e;
+        const char32_t treble_clef = 0x1d11e;
         QCOMPARE(Markup::Escaped(QString::fromUcs4(&treble_clef, 1)),
                  QString::fromUcs4(&treble_clef, 1));
     }
