@@ -7,7 +7,7 @@
 namespace {
 
 /// In bytes. A file is searched in blocks.
-constexpr qint64 block_size = 1024 * 1024;
+constexpr qint64 search_size = 1024 * 1024;
 
 } // namespace
 
@@ -74,8 +74,8 @@ qint64 TByteSource::Index_Of(const QByteArray& what, qint64 from) const
     if (!d_file)
         return Read().indexOf(what, static_cast<int>(from));
     // The blocks overlap, so that each occurrence is within one of them.
-    for (qint64 begin = qMax<qint64>(0, from); begin < d_size; begin += block_size) {
-        const int found = Read(begin, block_size + what.size() - 1).indexOf(what);
+    for (qint64 begin = qMax<qint64>(0, from); begin < d_size; begin += search_size) {
+        const int found = Read(begin, search_size + what.size() - 1).indexOf(what);
         if (found >= 0)
             return begin + found;
     }
@@ -86,8 +86,8 @@ qint64 TByteSource::Last_Index_Of(const QByteArray& what) const
 {
     if (!d_file)
         return Read().lastIndexOf(what);
-    for (qint64 end = d_size; end > 0; end -= block_size) {
-        const qint64 begin = qMax<qint64>(0, end - block_size);
+    for (qint64 end = d_size; end > 0; end -= search_size) {
+        const qint64 begin = qMax<qint64>(0, end - search_size);
         const int found = Read(begin, end - begin + what.size() - 1).lastIndexOf(what);
         if (found >= 0)
             return begin + found;
