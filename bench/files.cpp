@@ -64,14 +64,14 @@ void save_unchanged(benchmark::State& state)
 }
 BENCH_SLOW(save_unchanged);
 
-void plain_write(benchmark::State& state)
+void plain_copy(benchmark::State& state)
 {
-    const QByteArray bytes = Bench::Read_File(Hundred_Pages());
     QString path;
     Bench::Measure(
-        &state, [&] { path = Fresh_Path(); }, [&] { Write_Plain(path, bytes); });
+        &state, [&] { path = Fresh_Path(); },
+        [&] { Write_Plain(path, Bench::Read_File(Hundred_Pages())); });
 }
-BENCH_SLOW(plain_write);
+BENCH_SLOW(plain_copy);
 
 void save_imported(benchmark::State& state)
 {
@@ -156,17 +156,12 @@ void open_document(benchmark::State& state)
 }
 BENCH_SLOW(open_document);
 
-void read_and_decode_one(benchmark::State& state)
+void read_document(benchmark::State& state)
 {
-    const QByteArray page =
-        Bench::Read_File(Bench::Page_File(499 % 8, TGrain::Clean, QStringLiteral("png")));
     Bench::Measure(
         &state, [&] { Bench::Read_File(Five_Hundred_Pages()); },
-        [&] {
-            const QByteArray bytes = Bench::Read_File(Five_Hundred_Pages());
-            Require(!bytes.isEmpty() && !QImage::fromData(page).isNull());
-        });
+        [&] { Require(!Bench::Read_File(Five_Hundred_Pages()).isEmpty()); });
 }
-BENCH_SLOW(read_and_decode_one);
+BENCH_SLOW(read_document);
 
 } // namespace

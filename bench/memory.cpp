@@ -9,7 +9,6 @@
 #include "src/pagewidget.h"
 #include "src/quillet.h"
 
-#include <QFileInfo>
 #include <QStyleFactory>
 
 #include <cstdio>
@@ -68,7 +67,6 @@ int main(int argument_count, char** arguments)
     struct rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
     constexpr long bytes_per_unit = 1024;
-    std::printf("{\"peak\": %ld, \"file\": %lld}\n", usage.ru_maxrss * bytes_per_unit,
-                static_cast<long long>(QFileInfo(document).size()));
+    std::printf("{\"peak\": %ld}\n", usage.ru_maxrss * bytes_per_unit);
     return 0;
 }
