@@ -13,7 +13,7 @@
 namespace {
 
 /// In bytes. TWorkWatch is notified of each block.
-constexpr qint64 transfer_size = 8 * 1024 * 1024;
+constexpr qint64 copy_size = 8 * 1024 * 1024;
 /// QFile::readAll() returns nothing for a file that is a few bytes larger.
 constexpr qint64 largest_array = 0x7fffff00;
 
@@ -51,8 +51,8 @@ int Open_Unnamed()
 bool Read_All(int descriptor, qint64 offset, qint64 length, char* bytes)
 {
     while (length > 0) {
-        const ssize_t count = pread(
-            descriptor, bytes, static_cast<std::size_t>(std::min(length, transfer_size)), offset);
+        const ssize_t count =
+            pread(descriptor, bytes, static_cast<std::size_t>(std::min(length, copy_size)), offset);
         if (count <= 0)
             return false;
         TWorkWatch::Notify();
@@ -123,7 +123,7 @@ bool TOpenFile::Copy_To(QFileDevice* file, qint64 offset, qint64 length) const
         loff_t position = offset;
         const ssize_t count =
             copy_file_range(d_descriptor, &position, file->handle(), nullptr,
-                            static_cast<std::size_t>(std::min(end - offset, transfer_size)), 0);
+                            static_cast<std::size_t>(std::min(end - offset, copy_size)), 0);
         // Not every pair of file systems supports it.
         if (count <= 0)
             break;
@@ -136,7 +136,7 @@ bool TOpenFile::Copy_To(QFileDevice* file, qint64 offset, qint64 length) const
 bool TOpenFile::Copy_Blocks(QFileDevice* file, qint64 offset, qint64 length) const
 {
     while (length > 0) {
-        const QByteArray block = Read(offset, std::min(length, transfer_size));
+        const QByteArray block = Read(offset, std::min(length, copy_size));
         if (block.isEmpty() || file->write(block) != block.size())
             return false;
         offset += block.size();

@@ -1,5 +1,7 @@
 #include "core/safefile.h"
 
+#include "core/openfile.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -63,43 +65,14 @@ bool Must_Keep_Inode(const QString& target, int extra_links)
            (state.st_uid != geteuid() || state.st_nlink > replaceable_links);
 }
 
-/// Copies the content of an open file to another one, block by block.
-bool Copy_Blocks(QFile* from, QFile* to)
-{
-    constexpr qint64 block_size = 1024 * 1024;
-    while (!from->atEnd()) {
-        const QByteArray block = from->read(block_size);
-        if (block.isEmpty() || to->write(block) != block.size())
-            return false;
-    }
-    return to->flush();
-}
-
-/// Copies within the file system, which can share the blocks. Returns false unless it copied all.
-bool Clone(const QFile& from, const QFile& to, qint64 size)
-{
-    while (size > 0) {
-        const ssize_t copied = copy_file_range(from.handle(), nullptr, to.handle(), nullptr,
-                                               static_cast<size_t>(size), 0);
-        if (copied <= 0)
-            return false;
-        size -= copied;
-    }
-    return true;
-}
-
 /// Overwrites an existing file. Does not use O_CREAT, which Linux refuses for files of other users
 /// in sticky folders.
 bool Copy_Content(const QString& from, const QString& to)
 {
-    QFile source(from);
+    const std::shared_ptr<const TOpenFile> source = TOpenFile::Open(from);
     QFile copy(to);
-    // Unbuffered, so that both ways of copying use the same file positions.
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
-        !copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered | QIODevice::ExistingOnly))
-        return false;
-    return Clone(source, copy, source.size()) ||
-           (source.seek(0) && copy.seek(0) && Copy_Blocks(&source, &copy));
+    return source && copy.open(QIODevice::WriteOnly | QIODevice::ExistingOnly) &&
+           source->Copy_To(&copy, 0, source->Size()) && copy.flush();
 }
 
 /// The file that a path refers to: a link's target, not the link itself.

@@ -38,18 +38,19 @@ class Project:
     """A project file: label_size, colour, headers, and pages as dictionaries."""
 
     def __init__(self, path):
-        with open(path, "rb") as file:
-            self.rest = file.read()
-        assert self.integer() == MAGIC
-        self.label_size = self.integer()
-        self.colour = self.text()
-        self.headers = [self.text(), self.text()]
-        self.pages = [{"name": self.text(), "image": self.blob(), "labels": labels(self.blob())}
-                      for _ in range(self.integer())]
-        assert not self.rest, "bytes after the last page"
+        with open(path, "rb") as self.file:
+            assert self.integer() == MAGIC
+            self.label_size = self.integer()
+            self.colour = self.text()
+            self.headers = [self.text(), self.text()]
+            self.pages = [self.page() for _ in range(self.integer())]
+            assert not self.file.read(1), "bytes after the last page"
+
+    def page(self):
+        return {"name": self.text(), "image": self.blob(), "labels": labels(self.blob())}
 
     def take(self, size):
-        taken, self.rest = self.rest[:size], self.rest[size:]
+        taken = self.file.read(size)
         assert len(taken) == size, "the file is too short"
         return taken
 
