@@ -283,10 +283,12 @@ private slots:
     {
         for (const char* const name : {"backup/one", "recovery/two"}) {
             Keep(name, Empty_Project(), "/tmp/a.quillet", 0);
-            QFile file(Path(QString("home/.quillet/%1.quillet").arg(name)));
-            QVERIFY(file.open(QIODevice::ReadWrite));
-            QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1'000'000'000),
-                                     QFileDevice::FileModificationTime));
+            for (const char* const suffix : {".quillet", ".note"}) {
+                QFile file(Path("home/.quillet/") + name + suffix);
+                QVERIFY(file.open(QIODevice::ReadWrite));
+                QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1'000'000'000),
+                                         QFileDevice::FileModificationTime));
+            }
         }
         const QString output = Run({"kept"}).output;
         QVERIFY2(output.startsWith("1: recovery, "), qPrintable(output));

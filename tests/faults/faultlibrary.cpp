@@ -165,6 +165,14 @@ ssize_t Disturbed_Write(TCall call, int descriptor, size_t size, const TWrite& w
     return Disturbed_Transfer(call, size, write_part);
 }
 
+template <typename TRead>
+ssize_t Disturbed_Read(int descriptor, size_t size, const TRead& read_part)
+{
+    if (!fault.armed || fault.call != Read || !Is_Watched(Path_Of(descriptor).text))
+        return read_part(size);
+    return Disturbed_Transfer(Read, size, read_part);
+}
+
 template <typename TRename>
 int Disturbed_Rename(const char* call, const char* from, const char* to, const TRename& rename_it)
 {
@@ -387,10 +395,22 @@ ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t offset)
 ssize_t read(int descriptor, void* bytes, size_t size)
 {
     QUILLET_NEXT(read);
-    const auto read_part = [&](size_t part) { return next(descriptor, bytes, part); };
-    if (!fault.armed || fault.call != Read || !Is_Watched(Path_Of(descriptor).text))
-        return read_part(size);
-    return Disturbed_Transfer(Read, size, read_part);
+    return Disturbed_Read(descriptor, size,
+                          [&](size_t part) { return next(descriptor, bytes, part); });
+}
+
+ssize_t pread(int descriptor, void* bytes, size_t size, off_t offset)
+{
+    QUILLET_NEXT(pread);
+    return Disturbed_Read(descriptor, size,
+                          [&](size_t part) { return next(descriptor, bytes, part, offset); });
+}
+
+ssize_t pread64(int descriptor, void* bytes, size_t size, off64_t offset)
+{
+    QUILLET_NEXT(pread64);
+    return Disturbed_Read(descriptor, size,
+                          [&](size_t part) { return next(descriptor, bytes, part, offset); });
 }
 
 int close(int descriptor)
