@@ -160,8 +160,7 @@ QByteArray Files::Read(const QString& path)
 
 TByteSource Files::Read_Project(const QString& path)
 {
-    const TByteSource content =
-        path == Standard_Stream ? TByteSource() : TByteSource::Of_File(path);
+    TByteSource content = path == Standard_Stream ? TByteSource() : TByteSource::Of_File(path);
     // A pipe, an empty file or one that cannot be read.
     if (content.Is_Empty())
         return Read(path);

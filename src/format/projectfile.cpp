@@ -137,7 +137,7 @@ TPageImage TProjectReader::Read_Image()
 /// Reads a part of the file.
 QByteArray TProjectReader::Read(const TFilePart& part)
 {
-    const QByteArray bytes = d_file.Read(part.offset, part.length);
+    QByteArray bytes = d_file.Read(part.offset, part.length);
     d_valid = d_valid && (!bytes.isEmpty() || !d_file.Is_Lost());
     return bytes;
 }

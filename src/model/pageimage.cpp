@@ -102,7 +102,7 @@ QImage Placeholder(const QSize& known_size)
     QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::lightGray);
     QPainter painter(&image);
-    painter.setPen(QPen(Qt::gray, 1 + size.width() / 100));
+    painter.setPen(QPen(Qt::gray, 1.0 + size.width() / 100.0));
     painter.drawLine(0, 0, size.width(), size.height());
     painter.drawLine(0, size.height(), size.width(), 0);
     return image;
