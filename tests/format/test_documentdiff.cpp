@@ -6,7 +6,6 @@
 #include "src/format/document.h"
 #include "src/format/documentdiff.h"
 
-#include <QBuffer>
 #include <QTest>
 
 #include <memory>
@@ -17,15 +16,6 @@ using Support::Picture;
 namespace {
 
 using TPages = std::vector<TFilePage>;
-
-QByteArray Encoded(const QImage& image, const char* format)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
 
 QString Text_Of(const QJsonValue& value)
 {
@@ -243,8 +233,9 @@ private slots:
     void images_with_the_same_pixels_are_equal()
     {
         const QImage picture = Picture(20, 10);
-        QCOMPARE(Image_Differences(TPageImage::From_Bytes(Encoded(picture, "BMP")), picture),
-                 QStringList());
+        QCOMPARE(
+            Image_Differences(TPageImage::From_Bytes(Support::Encoded(picture, "BMP")), picture),
+            QStringList());
         // Pixels that are invisible on both sides have no colour.
         QImage left(4, 3, QImage::Format_ARGB32);
         left.fill(qRgba(255, 0, 0, 0));

@@ -20,15 +20,6 @@
 
 namespace {
 
-QByteArray Encoded(const QImage& image, const char* format)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
-
 quint32 Crc(const QByteArray& bytes)
 {
     quint32 crc = 0xffffffff;
@@ -74,7 +65,7 @@ QByteArray Pgm_Declaring(int width, int height)
 
 QByteArray Bmp_Declaring(qint32 width, qint32 height)
 {
-    QByteArray bytes = Encoded(Support::Picture(8, 8), "BMP");
+    QByteArray bytes = Support::Encoded(Support::Picture(8, 8), "BMP");
     return bytes.replace(18, 8, Little_Endian(width) + Little_Endian(height));
 }
 
@@ -121,7 +112,7 @@ QByteArray Pbm_Or_Xbm()
 /// Encodes a picture as a BMP whose lines are stored from top to bottom.
 QByteArray Top_Down_Bmp(const QImage& picture)
 {
-    QByteArray bytes = Encoded(picture.convertToFormat(QImage::Format_RGB32), "BMP");
+    QByteArray bytes = Support::Encoded(picture.convertToFormat(QImage::Format_RGB32), "BMP");
     const int header = 54;
     const int line = (bytes.size() - header) / picture.height();
     QByteArray top_down = bytes.left(header);
@@ -146,7 +137,7 @@ QVector<QPair<const char*, QByteArray>> Samples()
     const QImage picture = Support::Picture(40, 30, 3);
     QByteArray bad_checksum = Support::Png(picture);
     bad_checksum[40] = static_cast<char>(bad_checksum[40] ^ 0x55);
-    const QByteArray jpeg = Encoded(picture, "JPG");
+    const QByteArray jpeg = Support::Encoded(picture, "JPG");
     return {
         {"png", Support::Png(picture)},
         {"png with transparency", Support::Png(Transparent_Picture())},
@@ -155,12 +146,12 @@ QVector<QPair<const char*, QByteArray>> Samples()
         {"grey png", Support::Png(picture.convertToFormat(QImage::Format_Grayscale8))},
         {"png of 16 bits", Support::Png(picture.convertToFormat(QImage::Format_RGBA64))},
         {"jpeg", jpeg},
-        {"grey jpeg", Encoded(picture.convertToFormat(QImage::Format_Grayscale8), "JPG")},
-        {"bmp", Encoded(picture, "BMP")},
-        {"ppm", Encoded(picture, "PPM")},
-        {"xbm", Encoded(picture.convertToFormat(QImage::Format_Mono), "XBM")},
+        {"grey jpeg", Support::Encoded(picture.convertToFormat(QImage::Format_Grayscale8), "JPG")},
+        {"bmp", Support::Encoded(picture, "BMP")},
+        {"ppm", Support::Encoded(picture, "PPM")},
+        {"xbm", Support::Encoded(picture.convertToFormat(QImage::Format_Mono), "XBM")},
         {"xpm", Text_Of_Xpm()},
-        {"ico", Encoded(picture, "ICO")},
+        {"ico", Support::Encoded(picture, "ICO")},
         {"ico of a png", Icon(Support::Png(picture))},
         {"gif",
          QByteArray::fromBase64("R0lGODlhAgACAIAAAP8AAAAA/yH5BAAAAAAALAAAAAACAAIAAAIDRAIFADs=")},
@@ -339,7 +330,7 @@ private slots:
         QVERIFY(!TPageImage().Needs_Encoding());
         QVERIFY(!TPageImage::From_Bytes(Support::Png(picture)).Needs_Encoding());
         QVERIFY(TPageImage(picture).Needs_Encoding());
-        const TPageImage image = TPageImage::From_Bytes(Encoded(picture, "BMP"));
+        const TPageImage image = TPageImage::From_Bytes(Support::Encoded(picture, "BMP"));
         QVERIFY(image.Needs_Encoding());
         QVERIFY(!image.isNull());
         QVERIFY(image.Needs_Encoding());
@@ -352,7 +343,8 @@ private slots:
 
     void a_png_can_be_set_once()
     {
-        const TPageImage image = TPageImage::From_Bytes(Encoded(Support::Picture(40, 30), "BMP"));
+        const TPageImage image =
+            TPageImage::From_Bytes(Support::Encoded(Support::Picture(40, 30), "BMP"));
         image.Set_Png("encoded elsewhere");
         QVERIFY(!image.Needs_Encoding());
         image.Set_Png("encoded again");
@@ -362,7 +354,8 @@ private slots:
 
     void all_copies_share_one_encoding()
     {
-        const TPageImage image = TPageImage::From_Bytes(Encoded(Support::Picture(40, 30), "BMP"));
+        const TPageImage image =
+            TPageImage::From_Bytes(Support::Encoded(Support::Picture(40, 30), "BMP"));
         const TPageImage copy = image;
         const QByteArray bytes = image.Png();
         // Not QCOMPARE, which compares the text at the addresses.
@@ -386,7 +379,7 @@ private slots:
     void encoding_adds_nothing_to_the_cache()
     {
         const QImage picture = Support::Picture(40, 30);
-        const TPageImage image = TPageImage::From_Bytes(Encoded(picture, "BMP"));
+        const TPageImage image = TPageImage::From_Bytes(Support::Encoded(picture, "BMP"));
         QCOMPARE(QImage::fromData(image.Png()), picture);
         QCOMPARE(TPixelStore::Shared().Bytes(), qint64(0));
         QCOMPARE(image.size(), picture.size());
@@ -629,7 +622,8 @@ private slots:
     {
         QFETCH(const bool, is_top_down);
         const QImage picture = Support::Picture(40, 30);
-        const QByteArray bytes = is_top_down ? Top_Down_Bmp(picture) : Encoded(picture, "BMP");
+        const QByteArray bytes =
+            is_top_down ? Top_Down_Bmp(picture) : Support::Encoded(picture, "BMP");
         const QTemporaryDir folder;
         const QString path = folder.filePath(QStringLiteral("picture.bmp"));
         Support::Write_File(path, bytes);
@@ -913,7 +907,8 @@ private slots:
 
     void an_encoded_image_contains_no_pixels()
     {
-        TPageImage image = TPageImage::From_Bytes(Encoded(Support::Picture(40, 30), "BMP"));
+        TPageImage image =
+            TPageImage::From_Bytes(Support::Encoded(Support::Picture(40, 30), "BMP"));
         const QByteArray png = image.Png();
         QVERIFY(!QImage(image).isNull());
         const TPageImage encoded = image.Encoded();

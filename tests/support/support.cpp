@@ -40,13 +40,18 @@ QImage Picture(int width, int height, int seed)
     return image;
 }
 
-QByteArray Png(const QImage& image)
+QByteArray Encoded(const QImage& image, const char* format)
 {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
+    image.save(&buffer, format);
     return bytes;
+}
+
+QByteArray Png(const QImage& image)
+{
+    return Encoded(image, "PNG");
 }
 
 std::vector<TDataItem> Labels_At(const QVector<QPointF>& positions)

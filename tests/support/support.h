@@ -18,6 +18,10 @@ namespace Support {
 /// A coloured gradient with some shapes. Every seed gives a different picture.
 QImage Picture(int width, int height, int seed = 0);
 
+/// An image as the bytes of a file, as QImage::save encodes them at default quality.
+/// @param format  its name in Qt, for example "BMP".
+QByteArray Encoded(const QImage& image, const char* format);
+
 /// An image as PNG bytes, as QImage::save encodes them at default quality.
 QByteArray Png(const QImage& image);
 

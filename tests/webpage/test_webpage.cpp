@@ -65,15 +65,6 @@ QByteArray Embedded(const QString& html, const QByteArray& type)
     return QByteArray::fromBase64(data.toLatin1());
 }
 
-QByteArray Encoded(const QImage& image, const char* format)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
-
 /// Refuses to store more than a number of bytes.
 class TSmallDevice : public QBuffer
 {
@@ -148,7 +139,7 @@ private slots:
     void images_are_embedded_as_they_are_stored()
     {
         QFETCH(const QByteArray, format);
-        const QByteArray bytes = Encoded(Support::Picture(40, 30), format.constData());
+        const QByteArray bytes = Support::Encoded(Support::Picture(40, 30), format.constData());
         const QString html = Written(Page({{"a", TPageImage::From_Bytes(bytes), {}}}));
         QCOMPARE(Support::Byte_Difference(Embedded(html, "image/" + format), bytes), QString());
         QVERIFY(html.contains("viewBox=\"0 0 40 30\""));
@@ -157,7 +148,7 @@ private slots:
     void an_image_of_a_format_that_browsers_do_not_read_becomes_png()
     {
         const QImage picture = Support::Picture(40, 30);
-        const QByteArray bytes = Encoded(picture, "ppm");
+        const QByteArray bytes = Support::Encoded(picture, "ppm");
         const QString html = Written(Page({{"a", TPageImage::From_Bytes(bytes), {}}}));
         const QImage embedded = QImage::fromData(Embedded(html, "image/png"), "png");
         QCOMPARE(Support::Difference(embedded, picture), QString());
