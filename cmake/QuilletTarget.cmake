@@ -32,11 +32,17 @@ target_compile_options(quillet_options INTERFACE
     $<${is_release}:-D_FORTIFY_SOURCE=2 -fstack-protector-strong -Werror=format-security>)
 target_link_options(quillet_options INTERFACE $<${is_release}:LINKER:-z,relro,-z,now>)
 
+# With the sources of a room in one object, only the linker can leave out what a program does not use.
+set(is_optimized $<CONFIG:Release,None>)
+target_compile_options(quillet_options INTERFACE
+    $<${is_optimized}:-ffunction-sections -fdata-sections>)
+target_link_options(quillet_options INTERFACE $<${is_optimized}:LINKER:--gc-sections>)
+
 # An optimizing GCC warns about a null pointer in Qt 5's copy constructor of QVector: Qt does not declare
 # that qBadAlloc() never returns. Only a copy of an unsharable vector allocates memory there, and no code
 # makes one.
 target_compile_definitions(quillet_options INTERFACE
-    $<$<CONFIG:Release,None>:QT_NO_UNSHARABLE_CONTAINERS>)
+    $<${is_optimized}:QT_NO_UNSHARABLE_CONTAINERS>)
 
 if(QUILLET_SANITIZE)
     target_compile_options(quillet_options INTERFACE

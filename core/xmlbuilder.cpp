@@ -71,7 +71,8 @@ public:
     }
     bool skippedEntity(const QString& name) override
     {
-        return Append(d_document->createEntityReference(name));
+        // One in an attribute of the root element or in the declaration is not kept.
+        return d_current.isDocument() || Append(d_document->createEntityReference(name));
     }
 
     bool fatalError(const QXmlParseException& exception) override
