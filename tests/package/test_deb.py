@@ -80,6 +80,20 @@ class TestPackage(unittest.TestCase):
             self.assertRegex(segments, r"GNU_STACK .* RW ")
             self.assertIn("__stack_chk_fail", run("readelf", "--dyn-syms", "-W", path))
 
+    def test_the_optimized_tool_makes_the_sample_and_exports_it(self):
+        tool = os.path.join(self.folder, "usr/bin/quillet-cli")
+        sample = os.path.join(self.folder, "sample")
+        run(installed.source("script/make-sample"), tool, sample)
+        document = os.path.join(sample, "sample.quillet")
+        for command, result in (("export-html", "a.html"), ("export-pdf", "a.pdf")):
+            path = os.path.join(sample, result)
+            run(tool, command, document, "--output", path)
+            self.assertGreater(os.path.getsize(path), 100_000)
+        images = os.path.join(sample, "images")
+        os.mkdir(images)
+        run(tool, "export-images", document, "--folder", images)
+        self.assertEqual(len(os.listdir(images)), len(os.listdir(os.path.join(sample, "drawings"))))
+
     def test_programs_contain_no_path_of_the_build(self):
         for program in ("quillet", "quillet-cli"):
             with open(os.path.join(self.folder, "usr/bin", program), "rb") as file:
