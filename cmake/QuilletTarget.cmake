@@ -1,7 +1,8 @@
 # Options shared by all targets: warnings, assertions, paths and instrumentation.
 
-# CMake defines NDEBUG in release builds, and toolchain files may. Assertions stay on in all of them:
-# a damaged project file must end the program, and not become a document with wrong labels.
+# No build may define NDEBUG, which removes assertions. They stop the program when a project file is
+# damaged; without them, it would show a document with wrong labels, and a save would overwrite the file
+# with them. CMake defines NDEBUG in release builds, so take it out of their flags.
 foreach(build_type RELEASE RELWITHDEBINFO MINSIZEREL)
     string(REGEX REPLACE "[-/]DNDEBUG *" "" CMAKE_CXX_FLAGS_${build_type} "${CMAKE_CXX_FLAGS_${build_type}}")
 endforeach()

@@ -17,15 +17,16 @@ constexpr qint64 copy_size = 8 * 1024 * 1024;
 /// QFile::readAll() returns nothing for a file that is a few bytes larger.
 constexpr qint64 largest_array = 0x7fffff00;
 
-/// All open files that have a name. Never destroyed: static objects may contain some of them.
+/// All open files that have a name. The list is never destroyed, since static objects may close
+/// files at the end of the program.
 std::vector<TOpenFile*>& Named_Files()
 {
     static auto* const files = new std::vector<TOpenFile*>;
     return *files;
 }
 
-/// A file that gets another descriptor, or is closed, is no named file any more.
-void Remove_Name(TOpenFile* file)
+/// Removes a file from that list.
+void Remove_From_Named(TOpenFile* file)
 {
     std::vector<TOpenFile*>& files = Named_Files();
     files.erase(std::remove(files.begin(), files.end(), file), files.end());
@@ -72,7 +73,7 @@ TOpenFile::TOpenFile(int descriptor)
 
 TOpenFile::~TOpenFile()
 {
-    Remove_Name(this);
+    Remove_From_Named(this);
     close(d_descriptor);
 }
 
@@ -193,7 +194,7 @@ bool TOpenFile::Copy_Into_Unnamed()
         close(descriptor);
         return false;
     }
-    Remove_Name(this);
+    Remove_From_Named(this);
     close(d_descriptor);
     d_descriptor = descriptor;
     d_stamp.reset();

@@ -50,7 +50,7 @@ public:
     /// Writes bytes at an offset of a file without a name.
     bool Write(qint64 offset, const QByteArray& bytes);
 
-    /// Returns the space of a part of a file without a name. Its bytes become zeros.
+    /// Frees the disk space of a part of a file without a name. Its bytes become zeros.
     void Discard(qint64 offset, qint64 length);
 
     /// Copies the content of every open file that a path refers to into a file without a name, and

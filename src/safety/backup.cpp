@@ -204,8 +204,8 @@ bool TBackup::Move(QFile* document, const QString& copy, const TOptions& options
         document->close();
         return false;
     }
-    // The mode is that of a copy. The time stays: by its time, another window recognizes the file
-    // from which it reads images.
+    // The mode is that of a copy. The modification time stays, because another window may read
+    // images from this file and would take a new time for a change of the content.
     chmod(System_Path(copy).constData(), S_IRUSR | S_IWUSR);
     return true;
 }

@@ -143,7 +143,7 @@ bool TSafetyNet::Open_For_Saving(QFile* document, qint64 size, QString* other_ve
     if (!Back_Up(document, size, other_version) &&
         !TBackup::Can_Overwrite(document->fileName(), size))
         return false;
-    // Opening also empties the file in which images of the open document may be.
+    // Opening empties the file, which may contain images of the open document.
     return document->isOpen() || (TOpenFile::Copy_Before_Overwriting(document->fileName()) &&
                                   document->open(QIODevice::WriteOnly));
 }
