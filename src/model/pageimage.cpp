@@ -95,7 +95,7 @@ QImage Decode(const QByteArray& bytes, const TDecoding& decoding)
     return Prepare(decoding, &reader) ? reader.read() : QImage();
 }
 
-/// Stands for an image that is lost.
+/// Stands for an image that is lost or cannot be read.
 QImage Placeholder(const QSize& known_size)
 {
     const QSize size = known_size.isEmpty() ? QSize(1000, 1000) : known_size;
@@ -157,14 +157,15 @@ struct TPageImage::TContent
     QSize size{0, 0}; ///< in pixels; set when the source is decoded
 };
 
-/// The pixels, or the placeholder of a lost image.
+/// The pixels, or the placeholder if the source is lost or cannot be read.
 QImage TPageImage::TContent::Pixels(TCaching caching)
 {
     const QImage image = True_Pixels(caching);
-    return image.isNull() && source.Is_Lost() ? Placeholder(size) : image;
+    return image.isNull() && state != Undecodable ? Placeholder(size) : image;
 }
 
-/// Returns the original pixels or those in the cache, or decodes the source. Null if it is lost.
+/// Returns the original pixels or those in the cache, or decodes the source. Null if that is lost
+/// or cannot be read.
 ///
 /// Pixels that are used only once are not cached, so that they do not replace those of displayed
 /// pages.
@@ -175,10 +176,12 @@ QImage TPageImage::TContent::True_Pixels(TCaching caching)
     QImage image = TPixelStore::Shared().Find(this);
     if (!image.isNull())
         return image;
-    image = Decode(source.Read(), decoding);
+    const QByteArray bytes = source.Read();
     // An image is not undecodable because its bytes could not be read.
-    if (!source.Is_Lost())
-        Keep_Decoded(image, caching);
+    if (bytes.size() != source.Size())
+        return image;
+    image = Decode(bytes, decoding);
+    Keep_Decoded(image, caching);
     return image;
 }
 

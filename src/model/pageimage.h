@@ -156,7 +156,8 @@ public:
 
     /// Whether nothing is left of the image: another program has changed the file that contained
     /// it, and its pixels are not in the cache. Its pixels are those of a placeholder then: a gray
-    /// page, crossed out, of the size that the image had if that is known.
+    /// page, crossed out, of the size that the image had if that is known. So are those of an
+    /// image that cannot be read, which is not lost.
     bool Is_Lost() const;
 
     /// A number shared by the copies of an image that have the same source bytes, including those

@@ -257,7 +257,11 @@ bool TLogWriter::Write_Image(const TPageImage& image, const TBaseFile& base)
         d_images.insert(id, false);
         return true;
     }
-    const QByteArray bytes = image.Source_Bytes();
+    const TByteSource source = image.Stored_Source();
+    const QByteArray bytes = source.Read();
+    // After an error, it stays, too, and may be replaced later.
+    if (bytes.size() != source.Size())
+        return true;
     d_images.insert(id, false);
     d_image_bytes += bytes.size();
     return Run(&d_statements->set_image, id, bytes);
@@ -299,8 +303,9 @@ bool TLogWriter::Store_Reference(const TData& data)
     if (data.Page_Index(page_id) < 0 || data.Page(page_id).revision != logged.revision)
         return false;
     const TPageItem& page = data.Page(page_id);
-    return End(has_labels ? Replace_Reference(page, &logged)
-                          : Write_Image(page.image, TBaseFile()));
+    if (has_labels)
+        return End(Replace_Reference(page, &logged));
+    return End(Write_Image(page.image, TBaseFile())) && !d_images.value(page.image.Id());
 }
 
 bool TLogWriter::Store_Labels(const TData& data)

@@ -44,7 +44,8 @@ public:
     /// Whether the document refers to the base file, or may do so after a failure.
     bool Has_References() const;
     /// Replaces one reference, if there is one, by the labels of the page or by the image.
-    /// Fails if the last update failed, or if the page has changed since.
+    /// Fails if the last update failed, if the page has changed since, or if the image cannot be
+    /// read.
     bool Store_Reference(const TData& data);
     /// Replaces all references to labels of pages that have not changed since the last update.
     /// Fails if the last update failed.

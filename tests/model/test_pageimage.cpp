@@ -2,6 +2,7 @@
 
 #include "src/model/pageimage.h"
 
+#include "core/openfile.h"
 #include "core/workwatch.h"
 #include "src/model/pixelstore.h"
 #include "support/inputfiles.h"
@@ -994,6 +995,19 @@ private slots:
         image = Support::Picture(10, 10);
         QCOMPARE(image.size(), QSize(10, 10));
         QCOMPARE(copy.size(), QSize(40, 30));
+    }
+
+    void an_image_that_cannot_be_read_is_a_placeholder()
+    {
+        const QTemporaryDir folder;
+        const QByteArray png = Support::Png(Support::Picture(40, 30));
+        Support::Write_File(folder.filePath("file"), png);
+        // Reading fails at the end of the file.
+        const TPageImage image = TPageImage::From_Bytes(
+            TByteSource(TOpenFile::Open(folder.filePath("file")), 0, png.size() + 1));
+        QVERIFY(!image.isNull());
+        QCOMPARE(image.pixelColor(image.width() / 2, 2), QColor(Qt::lightGray));
+        QCOMPARE(image.Stored_Source().Size(), qint64(png.size()) + 1);
     }
 };
 
