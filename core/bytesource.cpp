@@ -11,6 +11,8 @@ constexpr qint64 search_size = 1024 * 1024;
 
 } // namespace
 
+qint64 TByteSource::Smallest_Open_File = 16 * 1024 * 1024;
+
 TByteSource::TByteSource(const QByteArray& bytes)
     : d_bytes(bytes)
     , d_size(bytes.size())

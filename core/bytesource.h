@@ -24,8 +24,9 @@ public:
     /// A part of a file.
     TByteSource(std::shared_ptr<const TOpenFile> file, qint64 offset, qint64 length);
 
-    /// Smaller files are read into memory, where no other program can change them.
-    static constexpr qint64 Smallest_Open_File = 16 * 1024 * 1024;
+    /// Smaller files are read into memory, where no other program can change them. In bytes. Tests
+    /// change it to work on small files.
+    static qint64 Smallest_Open_File;
 
     /// The content of a regular file. Of a large one, it is read on demand.
     /// @return no bytes if it is not a regular file, or not readable.

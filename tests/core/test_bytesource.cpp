@@ -160,7 +160,7 @@ void TestByteSource::bytes_are_written()
 
 void TestByteSource::a_small_file_is_in_memory_and_a_large_one_is_not()
 {
-    const QByteArray small(TByteSource::Smallest_Open_File - 1, 'x');
+    const QByteArray small(int(TByteSource::Smallest_Open_File) - 1, 'x');
     Support::Write_File(In("file"), small);
     QVERIFY(TByteSource::Of_File(In("file")).Is_In_Memory());
     QCOMPARE(TByteSource::Of_File(In("file")).Read(), small);
@@ -177,7 +177,7 @@ void TestByteSource::what_is_no_regular_file_has_no_bytes()
 
 void TestByteSource::bytes_of_a_changed_file_are_lost()
 {
-    Support::Write_File(In("file"), QByteArray(TByteSource::Smallest_Open_File, 'x'));
+    Support::Write_File(In("file"), QByteArray(int(TByteSource::Smallest_Open_File), 'x'));
     const TByteSource bytes = TByteSource::Of_File(In("file"));
     QVERIFY(!bytes.Is_Lost());
     Support::Write_File(In("file"), "other");
