@@ -1,7 +1,9 @@
 // An editing session for tests/faults/powerloss: opens a document, adds labels, imports a page,
 // saves and loses the focus now and then. It ends without closing the document, like a power cut.
 //
-// Usage: powersession DOCUMENT IMAGE
+// Usage: powersession DOCUMENT IMAGE [large|linked]
+//   large   reads images from the document's file when they are needed, as if it were large
+//   linked  also gives the document a second name, so that saves overwrite it in place
 //
 // Needs tests/faults/faultlibrary.cpp preloaded, which records the session and moves the clock one
 // second forward before each edit. Marks in the records: "edit N" after the N-th label, "safe N"
@@ -9,7 +11,7 @@
 
 #include "faultlibrary.h"
 
-#include "src/pagewidget.h"
+#include "core/bytesource.h"
 #include "support/window.h"
 
 #include <QApplication>
@@ -18,6 +20,7 @@
 
 #include <cstdlib>
 #include <dlfcn.h>
+#include <unistd.h>
 
 namespace {
 
@@ -62,11 +65,17 @@ int main(int argument_count, char** arguments)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argument_count, arguments);
-    if (argument_count != 3)
+    if (argument_count < 3)
+        return 2;
+    const QByteArray variant = argument_count > 3 ? arguments[3] : "";
+    if (!variant.isEmpty())
+        TByteSource::Smallest_Open_File = 0;
+    const QByteArray document = arguments[1];
+    if (variant == "linked" && link(document.constData(), (document + ".second").constData()) != 0)
         return 2;
     TOpenWindow window;
     window.show();
-    window.Open_File(QFile::decodeName(arguments[1]));
+    window.Open_File(QFile::decodeName(document));
     for (int edit = 1; edit <= edits; ++edit) {
         if (edit == import_at)
             window.Import_Files({QFile::decodeName(arguments[2])});

@@ -12,6 +12,7 @@
 #include "support/window.h"
 #include "support/worklogs.h"
 
+#include "core/bytesource.h"
 #include "src/export/printedpdf.h"
 #include "src/pagewidget.h"
 #include "src/safety/safetynet.h"
@@ -25,6 +26,7 @@
 
 #include <csignal>
 #include <dlfcn.h>
+#include <unistd.h>
 
 namespace {
 
@@ -54,9 +56,22 @@ const TFaultKind fault_kinds[] = {
     {"deleting fails", Remove, Fail},
     {"kill before deleting", Remove, Kill},
     {"kill after deleting", Remove, Kill_After},
+    {"reading fails", Read, Fail},
+    {"reading fails half-way", Read, Short},
+    {"kill half-way through a read", Read, Kill},
+    {"copying from file to file fails", Clone, Fail},
+    {"copying from file to file stops half-way", Clone, Short},
+    {"kill half-way through a copy", Clone, Kill},
+    {"kill after a copy", Clone, Kill_After},
 };
 
-/// An operation, and the least number of its calls of each kind. Linking counts as renaming.
+/// Of a document whose images are read from its file.
+constexpr char large_save[] = "save of a large document";
+constexpr char large_copy[] = "save of a large document under another name";
+constexpr char large_overwriting[] = "save of a large document with two names";
+
+/// An operation, and the least number of its calls of each kind. Linking counts as renaming. Only
+/// images of large documents are copied and read from file to file.
 struct TOperation
 {
     const char* name;
@@ -65,6 +80,8 @@ struct TOperation
     int renames;
     int syncs;
     int deletions;
+    int reads = 0;
+    int copies = 0;
 
     int Calls(TCall call) const
     {
@@ -77,6 +94,10 @@ struct TOperation
             return renames;
         case Sync:
             return syncs;
+        case Read:
+            return reads;
+        case Clone:
+            return copies;
         default:
             return deletions;
         }
@@ -84,10 +105,11 @@ struct TOperation
 };
 
 const TOperation operations[] = {
-    {"save", 5, 1, 2, 1, 3},         {"save without unsaved work", 5, 1, 2, 1, 1},
-    {"change", 1, 1, 0, 3, 0},       {"first change", 5, 1, 1, 0, 0},
-    {"recovery", 5, 1, 2, 2, 2},     {"PDF export", 5, 1, 2, 1, 0},
-    {"image export", 5, 1, 2, 1, 0},
+    {"save", 5, 1, 2, 1, 3},           {"save without unsaved work", 5, 1, 2, 1, 1},
+    {"change", 1, 1, 0, 3, 0},         {"first change", 5, 1, 1, 0, 0},
+    {"recovery", 5, 1, 2, 2, 2},       {"PDF export", 5, 1, 2, 1, 0},
+    {"image export", 5, 1, 2, 1, 0},   {large_save, 5, 1, 2, 1, 1, 1, 1},
+    {large_copy, 1, 1, 0, 1, 1, 1, 1}, {large_overwriting, 5, 1, 1, 1, 1, 1, 2},
 };
 
 template <typename TFunction>
@@ -146,6 +168,7 @@ private:
     std::unique_ptr<TOpenWindow> d_window;
     QByteArray d_first_version;
     QByteArray d_old_report;
+    QByteArray d_picture; ///< of the page, as PNG
 };
 
 void TestFaults::initTestCase()
@@ -169,20 +192,26 @@ void TestFaults::init()
     QVERIFY(window.Export_PDF(In("report.pdf"), window.d_page_widget->Page_Ids(), {0, 1, "", ""}));
     d_first_version = Support::Read_File(Document());
     d_old_report = Support::Read_File(In("report.pdf"));
+    d_picture = Support::Read_File(In("page.png"));
+    qputenv("TMPDIR", QFile::encodeName(In("temporary")));
+    QVERIFY(QDir(d_folder->path()).mkdir("temporary"));
     QVERIFY(PrintedPdf::Is_Complete(In("report.pdf")));
 }
 
 void TestFaults::cleanup()
 {
     d_folder.reset();
+    qunsetenv("TMPDIR");
 }
 
 /// Restores the files to their state before a try.
 void TestFaults::Restore_Files()
 {
     QDir(Settings()).removeRecursively();
-    QDir(In("out")).removeRecursively();
-    QDir(d_folder->path()).mkdir("out");
+    for (const QString& folder : {In("out"), In("documents")}) {
+        QDir(folder).removeRecursively();
+        QDir().mkdir(folder);
+    }
     Support::Write_File(Document(), d_first_version);
     Support::Write_File(In("out/report.pdf"), d_old_report);
 }
@@ -199,6 +228,10 @@ void TestFaults::Edit(const QString& operation)
         });
         return;
     }
+    if (operation == large_overwriting)
+        link(qPrintable(Document()), qPrintable(In("documents/second.quillet")));
+    if (operation == large_save || operation == large_copy || operation == large_overwriting)
+        TByteSource::Smallest_Open_File = 0;
     d_window = std::make_unique<TOpenWindow>();
     d_window->Open_File(Document());
     if (operation != "first change")
@@ -207,8 +240,15 @@ void TestFaults::Edit(const QString& operation)
 
 void TestFaults::Run(const QString& operation)
 {
-    if (operation == "save") {
+    // A refused save shows a message, which is answered here.
+    QTimer::singleShot(0, [] {
+        if (QWidget* box = QApplication::activeModalWidget())
+            box->close();
+    });
+    if (operation == "save" || operation == large_save || operation == large_overwriting) {
         d_window->File_Save();
+    } else if (operation == large_copy) {
+        d_window->Save_To(In("documents/b.quillet"));
     } else if (operation == "save without unsaved work") {
         d_window->d_safety_net->Discard();
         d_window->File_Save();
@@ -227,20 +267,22 @@ void TestFaults::Run(const QString& operation)
     }
 }
 
-/// Number of labels in a project file; -1 when the file is incomplete.
+/// Number of labels in a project file; -1 if the file is incomplete or has no picture.
 int TestFaults::Count_Labels(const QString& path) const
 {
-    return ProjectFile::Is_Whole(path) ? Support::Read_File(path).count("<Item>") : -1;
+    const QByteArray bytes = Support::Read_File(path);
+    return ProjectFile::Is_Whole(path) && bytes.contains(d_picture) ? bytes.count("<Item>") : -1;
 }
 
-/// The largest number of labels in any file: the document, its previous version, a recovery copy or
-/// a work log.
+/// The largest number of labels in any file: a document, its previous version, a recovery copy or a
+/// work log.
 int TestFaults::Best_Copy() const
 {
-    int best = Count_Labels(Document());
-    for (const char* const folder : {"/recovery", "/backup"}) {
-        for (const QString& name : QDir(Settings() + folder).entryList({"*.quillet"}))
-            best = qMax(best, Count_Labels(Settings() + folder + '/' + name));
+    int best = -1;
+    for (const QString& folder :
+         {In("documents"), Settings() + "/recovery", Settings() + "/backup"}) {
+        for (const QString& name : QDir(folder).entryList({"*.quillet"}))
+            best = qMax(best, Count_Labels(folder + '/' + name));
     }
     for (const QString& name : QDir(Settings() + "/recovery").entryList({"*.log"})) {
         int missing_images = 0;
@@ -287,10 +329,13 @@ void TestFaults::the_document_survives_data()
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("minimum_tries");
     for (const TOperation& operation : operations) {
-        for (const TFaultKind& fault : fault_kinds)
+        for (const TFaultKind& fault : fault_kinds) {
+            if (operation.Calls(fault.call) == 0 && (fault.call == Read || fault.call == Clone))
+                continue;
             QTest::addRow("%s, %s", operation.name, fault.name)
                 << operation.name << fault.name << static_cast<int>(fault.call)
                 << static_cast<int>(fault.kind) << operation.Calls(fault.call);
+        }
     }
 }
 
@@ -303,9 +348,8 @@ void TestFaults::the_document_survives()
     QFETCH(int, minimum_tries);
     const auto arm = From_Library<void (*)(const char*, int, int, int)>("Quillet_Arm_Fault");
     const auto disarm = From_Library<int (*)()>("Quillet_Disarm_Fault");
-    const QByteArray folders =
-        QFile::encodeName(In("documents") + ':' + In("out") + ':' + Settings() +
-                          "/recovery:" + Settings() + "/backup");
+    const QByteArray folders = QFile::encodeName(d_folder->path() + ':' + Settings() +
+                                                 "/recovery:" + Settings() + "/backup");
     constexpr int maximum_calls = 200;
     int tries = 0;
     int losses = 0;
@@ -316,11 +360,6 @@ void TestFaults::the_document_survives()
         const Support::TChildResult result = Support::Run_In_Child([&] {
             Edit(operation);
             arm(folders.constData(), call, kind, at);
-            // A refused save shows a message, which is answered here.
-            QTimer::singleShot(0, [] {
-                if (QWidget* box = QApplication::activeModalWidget())
-                    box->close();
-            });
             Run(operation);
             return disarm() >= at ? 1 : 0;
         });

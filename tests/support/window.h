@@ -63,6 +63,7 @@ public:
     using TQuillet::Open_File;
     using TQuillet::Record_Change;
     using TQuillet::Recover_Work;
+    using TQuillet::Save_To;
     using TQuillet::Set_Changed;
     using TQuillet::Set_Label_Color;
     using TQuillet::Update_Document_Actions;
