@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Imports many photographs of 12 megapixels, saves, opens, labels and saves them again, and measures
-the memory of the program.
+"""Imports many photographs of 12 megapixels, saves, opens, labels and saves them again, exports two of
+them, and measures the memory of the program.
 
 Usage: large_document.py QUILLET RESULTS PAGES
   QUILLET   the program
-  RESULTS   a folder for the screenshots; emptied first
+  RESULTS   a folder for the screenshots and the exported pages; emptied first
   PAGES     number of photographs; each of them takes 36 MB in four files
 
 Run it in an X server with a window manager and an empty home folder (tests/support/with-x-server).
@@ -15,14 +15,17 @@ import os
 import sys
 import time
 
-from driver import Failure, click, press, stable_screen, wait_until
-from results import Project, pixels_of_png
-from session import WORKING_SIZE, check, close_unchanged, run_parts, save_as
+from driver import Box, Failure, Picture, click, press, stable_screen, wait_until
+from results import Project, labels, pixels_of_png
+from session import (WORKING_SIZE, check, close_discarding, close_unchanged, export_images, run_parts,
+                     save_as)
 
 WIDTH, HEIGHT = 4000, 3000
 LIMIT_MEBIBYTES = 600
 MINUTES = 60
 PAGES = int(sys.argv.pop())
+# Pixels from the centre of a label that it may cover.
+LABEL_REACH = 60
 
 
 def make_photographs(folder):
@@ -53,11 +56,7 @@ class LargeProject(Project):
         picture = pixels_of_png(self.blob())
         check(f"pixels of {name}", bytes(picture.data) == pixels_of_ppm(self.photographs.pop(0)),
               True)
-        return {"name": name, "labels": self.labels()}
-
-    def labels(self):
-        from results import labels
-        return labels(self.blob())
+        return {"name": name, "labels": labels(self.blob())}
 
 
 def check_memory(session, what):
@@ -115,14 +114,45 @@ def open_and_save(session):
     wait_for_program(session, "the second save")
     session.shoot("labelled")
     check_memory(session, "second save")
-    close_unchanged(session)
+
+
+def export_two_pages(session):
+    """Exports the last two pages, one of which has the label. The others are removed before."""
+    box = session.program.box
+    click((box.right - 100, box.top + 160))
+    press("End", "Up", "Up", "shift+Home", "Delete")
+    session.program.dialog()
+    press("alt+y")
+    stable_screen()
+    export_images(session)
+    wait_for_program(session, "the export")
+    session.shoot("exported")
+    check_memory(session, "export")
+    close_discarding(session)
 
 
 def check_document(session):
     project = LargeProject(session.project_path, session.images)
     check("pages", len(project.pages), PAGES)
     check("labels", [len(page["labels"]) for page in project.pages], [0] * (PAGES - 1) + [1])
+    session.label = project.pages[-1]["labels"][0]["position"]
+
+
+def check_exports(session):
+    """The exported pages have the pixels of the photographs, except for the label."""
+    folder = os.path.join(session.results, "pages")
+    paths = [os.path.join(folder, name) for name in sorted(os.listdir(folder))]
+    check("exported pages", len(paths), 2)
+    plain, labelled = (Picture.load(path, "-alpha", "off") for path in paths)
+    check("pixels of " + paths[0], bytes(plain.data) == pixels_of_ppm(session.images[-2]), True)
+    page = Picture.load(session.images[-1])
+    x, y = (round(coordinate) for coordinate in session.label)
+    covered = page.changes(labelled, page.box)
+    check("the label is on " + paths[1], covered is not None, True)
+    around = Box(x - LABEL_REACH, y - LABEL_REACH, x + LABEL_REACH, y + LABEL_REACH)
+    check("pixels of " + paths[1], page.changes(labelled.with_box_of(page, around), page.box), None)
 
 
 if __name__ == "__main__":
-    run_parts(make_photographs, [import_and_save, open_and_save, check_document])
+    run_parts(make_photographs, [import_and_save, open_and_save, export_two_pages, check_document,
+                                 check_exports])

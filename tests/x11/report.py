@@ -17,8 +17,8 @@ import re
 from driver import Box, Picture, stable_screen, click, drag, press, run, wait_until, write
 from results import Project, pixels_of_png, report_pages
 from session import (DIAMOND, ELLIPSE, NEW_COLOUR, NEW_SIZE, SQUARE, TRIANGLE, change_appearance, check,
-                     check_label_colour, check_labels, close_unchanged, import_pages, label_at,
-                     learn_boxes, run_parts, save_as, start_working)
+                     check_label_colour, check_labels, close_unchanged, export_images, import_pages,
+                     label_at, learn_boxes, run_parts, save_as, start_working)
 
 FIRST_PAGE, LAST_PAGE = 15, 19
 HEADERS = ["Debian Policy Manual", "Review of the binary packages chapter"]
@@ -90,13 +90,6 @@ def arrange_pages(session):
     session.shoot("pages-in-order")
     session.names = ["Scope: 1/2", "Page 5", "Page 2", "Page 3", "Page 4", "Appendix"]
     session.order = [0, 4, 1, 2, 3]
-
-
-def export_images(session):
-    folder = os.path.join(session.results, "pages")
-    os.mkdir(folder)
-    session.from_menu("Down", "e")
-    session.file_name("Export image files", folder)
 
 
 def reindex(session):

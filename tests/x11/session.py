@@ -3,6 +3,7 @@
 A session is a Program with a set of page images, the boxes of its widgets and a results folder.
 """
 
+import functools
 import os
 import random
 import shutil
@@ -80,7 +81,6 @@ class Session:
         self.quillet = quillet
         self.results = results
         self.images = images
-        self.pages = [Picture.load(path) for path in self.images]
         self.project_path = os.path.join(results, "report.quillet")
         self.program = None
         self.boxes = {}
@@ -99,6 +99,11 @@ class Session:
             if self.program and self.program.process.poll() is None:
                 self.program.process.kill()
                 self.program.process.wait()
+
+    @functools.cached_property
+    def pages(self):
+        """The page images, in memory."""
+        return [Picture.load(path) for path in self.images]
 
     # --- looking at the screen -----------------------------------------------------------------
 
@@ -283,6 +288,14 @@ def save_as(session, path):
     # On some desktops, Save As has no shortcut.
     session.from_menu(*["Down"] * 4, "Return")
     session.file_name("Save quillet file", path)
+
+
+def export_images(session):
+    """Exports all pages to the folder "pages" of the results."""
+    folder = os.path.join(session.results, "pages")
+    os.mkdir(folder)
+    session.from_menu("Down", "e")
+    session.file_name("Export image files", folder)
 
 
 def close_discarding(session):
