@@ -4,6 +4,7 @@
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
+#include "src/format/imageencoder.h"
 #include "src/labelwidget.h"
 #include "src/messagebox.h"
 #include "src/pagewidget.h"
@@ -72,6 +73,7 @@ TQuillet::TQuillet(const QWidget* parent, Qt::WindowFlags flags)
     Connect_Signals();
     Add_Gestures();
     Set_Up_Safety_Net();
+    Start_Encoder();
     Start_History();
 }
 
@@ -120,10 +122,14 @@ void TQuillet::closeEvent(QCloseEvent* event)
     Commit_Editors();
     Write_Settings();
     Flush_Work();
-    if (!d_data_changed) {
-        event->accept();
-        return;
-    }
+    event->setAccepted(!d_data_changed || Confirm_Close());
+    if (event->isAccepted())
+        d_image_encoder->Set_Images({});
+}
+
+/// Asks whether to save the unsaved changes, and does so. Returns false if the user cancels.
+bool TQuillet::Confirm_Close()
+{
     const QMessageBox::StandardButton answer =
         Show_Message(tr("Data Not Saved"), tr("Do you want to save the Quillet data?"), QString(),
                      QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes,
@@ -132,7 +138,7 @@ void TQuillet::closeEvent(QCloseEvent* event)
         File_Save();
     if (answer == QMessageBox::No)
         d_safety_net->Discard();
-    event->setAccepted(answer != QMessageBox::Cancel);
+    return answer != QMessageBox::Cancel;
 }
 
 void TQuillet::Help_About()

@@ -33,6 +33,7 @@ class QSlider;
 class TDisplayWidget;
 class TDocumentName;
 class TFindBar;
+class TImageEncoder;
 class TLabelWidget;
 class TMessageBox;
 class TOpenMark;
@@ -217,6 +218,7 @@ private:
                                              QMessageBox::Icon icon);
     bool Confirm(const QString& text, const QString& question);
     bool Confirm_Loss();
+    bool Confirm_Close();
     void Show_File_Error(const QString& text, const QString& informative_text);
     void Show_Status(const QString& text);
     TProgress New_Progress(const QString& pattern) const;
@@ -248,6 +250,8 @@ private:
     void Insert_Pages(const std::vector<TPageImage>& images, int row);
     int Row_After_Selected_Pages() const;
     QList<int> Selected_Pages() const;
+    void Start_Encoder();
+    void Encode_Images();
     void Turn_Pages(PageTurn::TDirection direction);
     void Duplicate_Pages();
 
@@ -348,6 +352,8 @@ private:
 
     std::vector<TKeptFile> d_recovered;           ///< copies and logs that the notice is about
     TRecoveryNotice* d_recovery_notice = nullptr; ///< null until one is shown
+
+    std::unique_ptr<TImageEncoder> d_image_encoder; ///< of the images of the document
 
     std::unique_ptr<TUndoHistory> d_history; ///< null while the window is being built
     std::unique_ptr<TUndoKeys> d_undo_keys;

@@ -5,6 +5,7 @@
 #include "src/displaywidget.h"
 #include "src/export/exportnames.h"
 #include "src/export/pageexporter.h"
+#include "src/format/imageencoder.h"
 #include "src/model/pageedge.h"
 #include "src/pagewidget.h"
 #include "src/reportheaderdialog.h"
@@ -90,6 +91,8 @@ void TQuillet::File_Export_Images()
 
 bool TQuillet::Export_Images(const QString& folder, const QList<int>& page_ids)
 {
+    // Encoding the exported images needs all processors.
+    const TImageEncoder::TPause pause(d_image_encoder.get());
     const QDateTime time = QDateTime::currentDateTime();
     QString path; // of the last image
     QString problem;

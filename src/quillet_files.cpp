@@ -30,6 +30,7 @@ void TQuillet::File_New()
         return;
     End_Recovery(d_data_changed);
     d_data.Clear();
+    Encode_Images();
     d_page_widget->Clear();
     d_label_widget->Clear();
     d_display_widget->Clear();
@@ -75,6 +76,7 @@ bool TQuillet::Replace_Document(const QString& name)
     d_file_places.clear();
     const bool loaded =
         Load_Quietly([&] { return is_legacy ? Load_Legacy_Data(path) : Load_Data(path); });
+    Encode_Images();
     // Only after loading: if the file crashes the program, the old document can still be recovered.
     // If the file is refused at once, the old document stays open.
     if (d_has_new_document)
@@ -179,8 +181,8 @@ bool TQuillet::Write_Data(const QString& file_name)
     // file is still complete. A fault is reported only after the file was opened, and so emptied.
     TProgress progress = New_Progress(tr("Saving page %1 of %2"));
     TProjectWriter writer;
-    const QString fault =
-        ProjectFile::Write(Appearance(), Named_Pages(), d_data, progress.Report(), &writer);
+    const QString fault = ProjectFile::Write(Appearance(), Named_Pages(), d_data, progress.Report(),
+                                             &writer, d_image_encoder.get());
     progress.Update();
     QFile file(file_name);
     if (!Open_For_Saving(&file, writer.Size()))

@@ -205,6 +205,7 @@ void TQuillet::Insert_Pages(const std::vector<TPageImage>& images, int row)
     for (const TPageImage& image : images)
         d_page_widget->Insert_Page(d_data.Add_Page(image), row++);
     Mark_Changed();
+    Encode_Images();
     Update_Document_Actions();
 }
 

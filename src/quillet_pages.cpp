@@ -1,12 +1,14 @@
-// Pages: adding, importing, removing and showing them.
+// Pages: adding, importing, encoding, removing and showing them.
 
 #include "src/quillet.h"
 
 #include "src/displaywidget.h"
+#include "src/format/imageencoder.h"
 #include "src/labelwidget.h"
 #include "src/model/imagefiles.h"
 #include "src/model/pageturn.h"
 #include "src/pagewidget.h"
+#include "src/safety/safetynet.h"
 #include "src/undo/undohistory.h"
 
 #include <QFileDialog>
@@ -44,6 +46,25 @@ void TQuillet::File_Import()
     Import_Files(paths);
 }
 
+void TQuillet::Start_Encoder()
+{
+    d_image_encoder = std::make_unique<TImageEncoder>();
+    connect(d_image_encoder.get(), &TImageEncoder::Encoded, this,
+            [this](const TPageImage& image) { d_safety_net->Store_Png(image); });
+}
+
+/// Encodes the images of the document in the background, so that a save need not. Called when
+/// pages were added, removed or replaced.
+void TQuillet::Encode_Images()
+{
+    std::vector<TPageImage> images;
+    images.reserve(d_data.Pages().size());
+    for (const TPageItem& page : d_data.Pages())
+        images.push_back(page.image);
+    d_image_encoder->Set_Images(images);
+    d_image_encoder->Start();
+}
+
 /// Imports image files, possibly none, as one step.
 void TQuillet::Import_Files(const QStringList& paths)
 {
@@ -60,6 +81,7 @@ void TQuillet::Import_Files(const QStringList& paths)
     if (!paths.isEmpty()) {
         Set_Working_File(paths.first());
         Mark_Changed();
+        Encode_Images();
         Show_Status(Imported_Text(paths.size(), others));
     }
     Update_Document_Actions();
@@ -107,6 +129,7 @@ void TQuillet::Remove_Pages(const QList<int>& pages)
             d_data.Remove_Page(page);
             d_page_widget->Remove_Page(page);
         }
+        Encode_Images();
     }
     Update_Document_Actions();
     Mark_Changed();
@@ -144,6 +167,7 @@ void TQuillet::Turn_Pages(PageTurn::TDirection direction)
         const TPageItem turned = PageTurn::Turned(d_data.Page(page_id), direction);
         d_data.Replace_Content(page_id, turned.image, turned.data_items);
     }
+    Encode_Images();
     Mark_Changed();
     if (page_ids.contains(d_data.Active_Page())) {
         Refresh_Active_Page();

@@ -107,6 +107,7 @@ void TQuillet::Show_Outcome(const std::optional<TStepOutcome>& outcome)
         Mark_Changed();
     else if (d_data.Page_Count() > 0)
         Record_Change();
+    Encode_Images();
     Show_Status(outcome->message);
 }
 

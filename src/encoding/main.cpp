@@ -1,10 +1,10 @@
 // quillet-encode: reads an image from standard input and writes it to standard output as PNG.
 //
-// The window and the tool start it to encode several images at a time; see TPngEncoder. It exits
+// The window and the tool start it to encode several images at a time; see TEncodingJob. It exits
 // with 1 if the input is no image or the output cannot be written.
 
+#include "src/encoding/encoderinput.h"
 #include "src/encoding/pngencoding.h"
-#include "src/encoding/rawimage.h"
 
 #include <QFile>
 #include <QImage>
@@ -27,17 +27,18 @@ void Step_Back()
 }
 
 /// Limits the memory, so that an error here does not take it from other programs.
-void Limit_Memory(qint64 input_size)
+/// @param image_size  of the decoded image in bytes.
+void Limit_Memory(qint64 image_size)
 {
 #ifndef __SANITIZE_ADDRESS__ // which reserves a large part of the address space
     // The pixels, a copy in another format, the result, and the program itself.
     constexpr rlim_t copies = 4;
     constexpr rlim_t program = 512 * 1024 * 1024;
-    const rlim_t size = copies * static_cast<rlim_t>(input_size) + program;
+    const rlim_t size = copies * static_cast<rlim_t>(image_size) + program;
     const rlimit limit{size, size};
     setrlimit(RLIMIT_AS, &limit);
 #else
-    Q_UNUSED(input_size)
+    Q_UNUSED(image_size)
 #endif
 }
 
@@ -51,8 +52,9 @@ int main()
     if (!input.open(STDIN_FILENO, QIODevice::ReadOnly) ||
         !output.open(STDOUT_FILENO, QIODevice::WriteOnly))
         return EXIT_FAILURE;
-    Limit_Memory(input.size());
-    const QImage image = RawImage::Read(&input);
+    const TEncoderInput encoder_input = TEncoderInput::Read_From(&input);
+    Limit_Memory(encoder_input.Memory());
+    const QImage image = encoder_input.Image();
     if (image.isNull())
         return EXIT_FAILURE;
     const QByteArray png = PngEncoding::Encode(image);

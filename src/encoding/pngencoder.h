@@ -45,7 +45,7 @@ public:
     QByteArray Take();
 
 private:
-    class TJob;
+    struct TJob;
 
     std::deque<std::unique_ptr<TJob>> d_jobs;
     int d_limit;

@@ -1,41 +1,110 @@
 #include "src/format/imageencoder.h"
 
-#include <QSet>
+#include "src/encoding/encoderinput.h"
+#include "src/encoding/encodingjob.h"
 
-namespace {
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
-std::vector<TPageImage> Images_To_Encode(const std::vector<TPageImage>& images)
+TImageEncoder::TImageEncoder(int processes, QString program)
+    : d_limit(processes)
+    , d_program(std::move(program))
 {
-    std::vector<TPageImage> result;
+}
+
+TImageEncoder::~TImageEncoder() = default;
+
+void TImageEncoder::Set_Images(const std::vector<TPageImage>& images)
+{
+    d_images.clear();
+    std::copy_if(images.cbegin(), images.cend(), std::back_inserter(d_images),
+                 [](const TPageImage& image) { return image.Needs_Encoding(); });
     QSet<quint64> ids;
-    for (const TPageImage& image : images) {
-        if (!image.Needs_Encoding() || ids.contains(image.Id()))
-            continue;
+    for (const TPageImage& image : d_images)
         ids.insert(image.Id());
-        result.push_back(image);
-    }
-    return result;
-}
-
-} // namespace
-
-TImageEncoder::TImageEncoder(const std::vector<TPageImage>& images)
-    : d_images(Images_To_Encode(images))
-    , d_encoder(qMin(TPngEncoder::Processors(), static_cast<int>(d_images.size())))
-{
-}
-
-void TImageEncoder::Encode(const TPageImage& image)
-{
-    while (image.Needs_Encoding() && d_taken < d_images.size()) {
-        Start();
-        d_images[d_taken++].Set_Png(d_encoder.Take());
-    }
-    Start();
+    d_jobs.remove_if([&ids](const TJob& job) { return !ids.contains(job.image.Id()); });
+    d_tried.intersect(ids);
 }
 
 void TImageEncoder::Start()
 {
-    while (!d_encoder.Is_Full() && d_started < d_images.size())
-        d_encoder.Add(d_images[d_started++].Pixels_Once());
+    for (const TPageImage& image : d_images) {
+        if (static_cast<int>(d_jobs.size()) >= d_limit)
+            return;
+        if (!d_tried.contains(image.Id()) && image.Needs_Encoding())
+            Start(image);
+    }
+}
+
+void TImageEncoder::Start(const TPageImage& image)
+{
+    d_tried.insert(image.Id());
+    const TEncoderInput input = image.Encoder_Input();
+    if (input.Pixel_Count() < TPngEncoder::Smallest_Job)
+        return;
+    d_jobs.push_back({image, std::make_unique<TEncodingJob>()});
+    TEncodingJob* const process = d_jobs.back().process.get();
+    // Queued, since the job is deleted.
+    connect(process, &TEncodingJob::Ended, this, &TImageEncoder::Take_Ended, Qt::QueuedConnection);
+    process->Start(input, d_program);
+}
+
+void TImageEncoder::Take_Ended()
+{
+    for (auto job = d_jobs.begin(); job != d_jobs.end();) {
+        const auto ended = job++;
+        if (ended->process->Is_Running())
+            continue;
+        const TPageImage image = ended->image;
+        if (Take(ended))
+            emit Encoded(image);
+    }
+    Start();
+}
+
+/// Waits for the result of a job and removes the job.
+/// @return whether it succeeded.
+bool TImageEncoder::Take(std::list<TJob>::iterator job)
+{
+    const QByteArray png = job->process->Wait();
+    const quint64 id = job->image.Id();
+    d_jobs.erase(job);
+    if (png.isEmpty())
+        return false;
+    for (const TPageImage& image : d_images) {
+        if (image.Id() == id)
+            image.Set_Png(png);
+    }
+    return true;
+}
+
+void TImageEncoder::Encode(const TPageImage& image)
+{
+    const auto start_others = [this] {
+        if (d_limit > 1)
+            Start();
+    };
+    start_others();
+    const auto job = std::find_if(d_jobs.begin(), d_jobs.end(), [&image](const TJob& running) {
+        return running.image.Id() == image.Id();
+    });
+    if (job != d_jobs.end())
+        Take(job);
+    start_others();
+    if (image.Needs_Encoding())
+        image.Stored_Png();
+}
+
+TImageEncoder::TPause::TPause(TImageEncoder* encoder)
+    : d_encoder(encoder)
+{
+    for (const TJob& job : d_encoder->d_jobs)
+        job.process->Pause();
+}
+
+TImageEncoder::TPause::~TPause()
+{
+    for (const TJob& job : d_encoder->d_jobs)
+        job.process->Resume();
 }

@@ -261,7 +261,8 @@ bool ProjectFile::Loses_Headers(const TAppearance& appearance, int page_count)
 }
 
 QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
-                           const TData& data, const TProgressReport& report, TProjectWriter* writer)
+                           const TData& data, const TProgressReport& report, TProjectWriter* writer,
+                           TImageEncoder* encoder)
 {
     assert(writer);
     const int total = static_cast<int>(pages.size());
@@ -269,7 +270,10 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
     images.reserve(pages.size());
     for (const TNamedPage& page : pages)
         images.push_back(data.Page(page.page_id).image);
-    TImageEncoder encoder(images);
+    // A single image is encoded as fast without another process.
+    TImageEncoder own_encoder(qMin(TPngEncoder::Processors(), total));
+    encoder = encoder ? encoder : &own_encoder;
+    encoder->Set_Images(images);
     Write_Header(appearance, data.Page_Count(), writer);
     try {
         int number = 0;
@@ -283,7 +287,7 @@ QString ProjectFile::Write(const TAppearance& appearance, const std::vector<TNam
                 texts.header_2 = appearance.header_2;
             }
             const TPageItem& item = data.Page(page.page_id);
-            encoder.Encode(item.image);
+            encoder->Encode(item.image);
             Write_Page(texts, item, writer);
         }
     } catch (const TXmlFileException& exception) {

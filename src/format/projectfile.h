@@ -14,6 +14,7 @@
 
 class QIODevice;
 class TData;
+class TImageEncoder;
 class TSafeFile;
 struct TAppearance;
 
@@ -116,11 +117,13 @@ namespace ProjectFile {
 bool Loses_Headers(const TAppearance& appearance, int page_count);
 
 /// Writes a document. Images become PNG; a text that XML cannot represent is a fault.
-/// @param pages   the pages in the order in which they are written.
-/// @param report  is called before each page.
+/// @param pages    the pages in the order in which they are written.
+/// @param report   is called before each page.
+/// @param encoder  encodes the images; null for one that is only used here.
 /// @return why the labels of a page could not be written; empty on success.
 QString Write(const TAppearance& appearance, const std::vector<TNamedPage>& pages,
-              const TData& data, const TProgressReport& report, TProjectWriter* writer);
+              const TData& data, const TProgressReport& report, TProjectWriter* writer,
+              TImageEncoder* encoder = nullptr);
 
 /// Reads a project file up to its first fault.
 ///

@@ -3,6 +3,7 @@
 #include "core/errorcapture.h"
 #include "core/spool.h"
 #include "core/workwatch.h"
+#include "src/encoding/encoderinput.h"
 #include "src/encoding/pngencoding.h"
 #include "src/model/pixelstore.h"
 
@@ -10,90 +11,10 @@
 #include <QFile>
 #include <QImageReader>
 #include <QPainter>
-#include <QtEndian>
 
 #include <utility>
 
 namespace {
-
-#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-/// Removes the limit of 128 MiB that Qt 6 has for all images; Is_Too_Large is the limit here.
-const bool is_allocation_unlimited = [] {
-    QImageReader::setAllocationLimit(0);
-    return QImageReader::allocationLimit() == 0;
-}();
-#endif
-
-bool Is_Too_Large(qint64 width, qint64 height)
-{
-    // A negative height means that the lines are stored from top to bottom.
-    return height != 0 && qAbs(width) > TPageImage::Maximum_Pixels / qAbs(height);
-}
-
-/// Whether the header of an icon file's first picture declares too many pixels. The directory of an
-/// icon file has only one byte for a width, and QImageReader returns that instead of the true size.
-bool Is_Icon_Too_Large(QIODevice* device)
-{
-    constexpr int offset_position = 18;
-    constexpr int header_size = 24;
-    if (!device->seek(offset_position))
-        return false;
-    const QByteArray offset = device->read(sizeof(quint32));
-    if (offset.size() < static_cast<int>(sizeof(quint32)) ||
-        !device->seek(qFromLittleEndian<quint32>(offset.constData())))
-        return false;
-    const QByteArray header = device->read(header_size);
-    if (header.size() < header_size)
-        return false;
-    if (header.startsWith(TPageImage::Png_Signature))
-        return Is_Too_Large(qFromBigEndian<quint32>(header.constData() + 16),
-                            qFromBigEndian<quint32>(header.constData() + 20));
-    return Is_Too_Large(qFromLittleEndian<qint32>(header.constData() + 4),
-                        qFromLittleEndian<qint32>(header.constData() + 8));
-}
-
-/// How to decode the bytes of a file.
-struct TDecoding
-{
-    QByteArray format; ///< tried first; empty to detect it from the bytes
-    int picture = 0;   ///< in a file with several pictures
-    TPageImage::TOrientation orientation = TPageImage::TOrientation::As_Stored;
-};
-
-/// Selects picture and orientation.
-/// @return false if there is no such picture.
-bool Prepare(const TDecoding& decoding, QImageReader* reader)
-{
-    reader->setAutoTransform(decoding.orientation == TPageImage::TOrientation::Upright);
-    return decoding.picture == 0 || reader->jumpToImage(decoding.picture);
-}
-
-/// Whether the header declares too many pixels. Do not use the reader afterwards.
-bool Declares_Too_Many_Pixels(QImageReader* reader)
-{
-    // Query the format first: some formats, such as icons, are not detected after the size was
-    // read.
-    const QByteArray format = reader->format();
-    const QSize size = reader->size();
-    if (Is_Too_Large(size.width(), size.height()))
-        return true;
-    return (format == "ico" || format == "cur") && Is_Icon_Too_Large(reader->device());
-}
-
-/// Decodes like QImage::fromData, but rejects headers that declare too many pixels.
-QImage Decode(const QByteArray& bytes, const TDecoding& decoding)
-{
-    const TErrorCapture messages;
-    TWatchedDevice<QBuffer> buffer;
-    buffer.setData(bytes);
-    // Reading the size moves the first reader on in its data, so a second one decodes the image.
-    QImageReader header_reader(&buffer, decoding.format);
-    if (!Prepare(decoding, &header_reader) || Declares_Too_Many_Pixels(&header_reader))
-        return QImage();
-    buffer.seek(0);
-    QImageReader reader(&buffer, decoding.format);
-    return Prepare(decoding, &reader) ? reader.read() : QImage();
-}
 
 /// Stands for an image that is lost or cannot be read.
 QImage Placeholder(const QSize& known_size)
@@ -114,13 +35,13 @@ quint64 Next_Id()
     return ++last;
 }
 
-/// The format that Qt detects from the content.
-QByteArray Format_Of(const QByteArray& bytes)
+/// Whether each process decodes the same pixels from a file of this format. Others, such as SVG,
+/// depend on the fonts of this one.
+bool Is_Bitmap_Format(const QByteArray& format)
 {
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    return QImageReader::imageFormat(&buffer);
+    static const QList<QByteArray> formats{"jpeg", "jpg", "png",  "bmp", "gif", "tiff",
+                                           "tif",  "pbm", "webp", "pgm", "ppm"};
+    return formats.contains(format.toLower());
 }
 
 } // namespace
@@ -149,12 +70,13 @@ struct TPageImage::TContent
     quint64 id;
     QImage pixels;      ///< null for an image that was constructed from bytes
     TByteSource source; ///< the original bytes
-    TDecoding decoding;
+    TImageDecoding decoding;
     TByteSource png;                  ///< created on demand
     bool has_png_signature = false;   ///< of the source
     bool is_source_sufficient = true; ///< Qt reads the same pixels without `decoding`
     TState state = Not_Decoded;
-    QSize size{0, 0}; ///< in pixels; set when the source is decoded
+    QSize size{0, 0};           ///< in pixels; set when the source is decoded
+    QSize dots_per_meter{0, 0}; ///< set when the source is decoded
 };
 
 /// The pixels, or the placeholder if the source is lost or cannot be read.
@@ -180,7 +102,7 @@ QImage TPageImage::TContent::True_Pixels(TCaching caching)
     // An image is not undecodable because its bytes could not be read.
     if (bytes.size() != source.Size())
         return image;
-    image = Decode(bytes, decoding);
+    image = decoding.Decode(bytes);
     Keep_Decoded(image, caching);
     return image;
 }
@@ -189,6 +111,7 @@ void TPageImage::TContent::Keep_Decoded(const QImage& image, TCaching caching)
 {
     state = image.isNull() ? Undecodable : Decodable;
     size = image.size();
+    dots_per_meter = {image.dotsPerMeterX(), image.dotsPerMeterY()};
     if (!image.isNull() && caching == Cached)
         TPixelStore::Shared().Insert(this, image);
 }
@@ -225,12 +148,13 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
     // Not QImageReader(path), which tries suffixes if there is no such file.
     QFile header(path);
     QImageReader header_reader(&header, wanted_format);
-    if (!header.open(QIODevice::ReadOnly) || Declares_Too_Many_Pixels(&header_reader))
+    if (!header.open(QIODevice::ReadOnly) ||
+        TImageDecoding::Declares_Too_Many_Pixels(&header_reader))
         return TPageImage();
     TWatchedDevice<QFile> watched(path);
     QImageReader reader(&watched, wanted_format);
-    const TDecoding decoding{reader.format(), 0, orientation};
-    Prepare(decoding, &reader);
+    const TImageDecoding decoding{reader.format(), 0, orientation == TOrientation::Upright};
+    decoding.Prepare(&reader);
     const bool is_transformed = reader.autoTransform() && reader.transformation();
     QImage image = reader.read();
     if (image.isNull())
@@ -243,7 +167,8 @@ TPageImage TPageImage::From_File(const QString& path, const QByteArray& wanted_f
         return TPageImage(image);
     TPageImage result = From_Bytes(Spool::Keep(bytes));
     result.d_content->decoding = decoding;
-    result.d_content->is_source_sufficient = !is_transformed && Format_Of(bytes) == decoding.format;
+    result.d_content->is_source_sufficient =
+        !is_transformed && TImageDecoding::Format_Of(bytes) == decoding.format;
     result.d_content->Keep_Decoded(image);
     return result;
 }
@@ -270,7 +195,7 @@ TPageImage TPageImage::Picture(int index) const
 
 bool TPageImage::Is_Too_Large(const QSize& size)
 {
-    return ::Is_Too_Large(size.width(), size.height());
+    return TImageDecoding::Is_Too_Large(size);
 }
 
 TPageImage::operator QImage() const
@@ -320,9 +245,16 @@ void TPageImage::Set_Png(const QByteArray& png) const
         d_content->png = Spool::Keep(png);
 }
 
-QImage TPageImage::Pixels_Once() const
+TEncoderInput TPageImage::Encoder_Input() const
 {
-    return d_content ? d_content->Pixels(TContent::Uncached) : QImage();
+    if (!d_content)
+        return {};
+    // The resolution is unknown before the file is decoded.
+    if (!d_content->source.Is_Empty() && d_content->state == TContent::Decodable &&
+        Is_Bitmap_Format(d_content->decoding.format))
+        return {QImage(), d_content->source, d_content->decoding, d_content->size,
+                d_content->dots_per_meter};
+    return {d_content->True_Pixels(TContent::Uncached)};
 }
 
 TByteSource TPageImage::Stored_Source() const
@@ -363,5 +295,6 @@ TPageImage TPageImage::Encoded() const
     content->is_source_sufficient = d_content->is_source_sufficient;
     content->state = d_content->state;
     content->size = d_content->size;
+    content->dots_per_meter = d_content->dots_per_meter;
     return TPageImage(std::move(content));
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "core/bytesource.h"
+#include "src/encoding/imagedecoding.h"
+#include "src/encoding/pngencoding.h"
 
 #include <QByteArray>
 #include <QColor>
@@ -11,6 +13,8 @@
 #include <QTransform>
 
 #include <memory>
+
+struct TEncoderInput;
 
 /// The image of a page, as encoded bytes, as pixels, or both.
 ///
@@ -143,9 +147,10 @@ public:
     /// @param png  what QImage::save writes for the pixels, in default quality.
     void Set_Png(const QByteArray& png) const;
 
-    /// The pixels for a single use: unlike others, they do not replace those of displayed pages in
-    /// the cache.
-    QImage Pixels_Once() const;
+    /// What quillet-encode needs to encode the image as Png() does. The file that the image was
+    /// read from, if possible; otherwise its pixels, which do not replace those of displayed pages
+    /// in the cache.
+    TEncoderInput Encoder_Input() const;
 
     /// The original bytes in any format. PNG for an image that was constructed from pixels, or if
     /// Qt would not read the same pixels from the original bytes alone.
@@ -177,10 +182,10 @@ public:
     TPageImage Encoded() const;
 
     /// The first bytes of every PNG file.
-    static constexpr char Png_Signature[] = "\x89PNG\r\n\x1a\n";
+    static constexpr auto& Png_Signature = PngEncoding::Signature;
 
     /// Images whose header declares more pixels than this count as undecodable.
-    static constexpr qint64 Maximum_Pixels = 500'000'000;
+    static constexpr qint64 Maximum_Pixels = TImageDecoding::Maximum_Pixels;
     static bool Is_Too_Large(const QSize& size);
 
 private:

@@ -257,7 +257,8 @@ bool TLogWriter::Write_Image(const TPageImage& image, const TBaseFile& base)
         d_images.insert(id, false);
         return true;
     }
-    const TByteSource source = image.Stored_Source();
+    const TByteSource source =
+        image.Needs_Encoding() ? image.Stored_Source() : image.Stored_Png();
     const QByteArray bytes = source.Read();
     // After an error, it stays, too, and may be replaced later.
     if (bytes.size() != source.Size())
@@ -330,6 +331,11 @@ bool TLogWriter::Replace_Reference(const TPageItem& page, TPage* logged)
     row.reference = TFilePart();
     row.items_digest.clear();
     return Write_Labels(page, logged) && Write_Row(page.page_id, row, logged);
+}
+
+bool TLogWriter::Store_Png(const TPageImage& image)
+{
+    return d_is_known && (!d_images.contains(image.Id()) || End(Write_Image(image, TBaseFile())));
 }
 
 bool TLogWriter::Sync()

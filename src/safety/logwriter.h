@@ -51,6 +51,10 @@ public:
     /// Fails if the last update failed.
     bool Store_Labels(const TData& data);
 
+    /// Replaces the bytes of an image that the document has by its PNG, so that it need not be
+    /// encoded again. Fails if the last update failed.
+    bool Store_Png(const TPageImage& image);
+
     /// Syncs everything written so far to the disk.
     bool Sync();
     /// Shortens the write-ahead log if that is much longer than what the last transactions wrote.

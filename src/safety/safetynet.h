@@ -50,6 +50,10 @@ public:
     /// a modal dialog opens.
     void Flush(const QString& document);
 
+    /// Stores the PNG of an image of the document, so that recovered work need not be encoded
+    /// again. Does not sync: losing the PNG costs only time.
+    void Store_Png(const TPageImage& image) { d_log.Store_Png(image); }
+
     /// Whether another program or window has changed this document's file since it was opened or
     /// saved.
     bool Is_Changed_Elsewhere(const QString& document) const;

@@ -43,6 +43,10 @@ public:
     /// references. Fails if the last update failed.
     bool Store_Labels(const TData& data);
 
+    /// Stores the PNG of an image, if the stored work has this image. Fails if the last update
+    /// failed.
+    bool Store_Png(const TPageImage& image) { return d_writer && d_writer->Store_Png(image); }
+
     /// Syncs the stored work to the disk, if something was stored since the last sync.
     bool Sync();
     /// Keeps the size of the database within limits. May take as long as writing the images in it.

@@ -4,6 +4,7 @@
 #include "src/encoding/pngencoder.h"
 
 #include "src/encoding/pngencoding.h"
+#include "support/processes.h"
 #include "support/support.h"
 
 #include <QColorSpace>
@@ -17,6 +18,8 @@
 
 #include <csignal>
 #include <unistd.h>
+
+using Support::Children;
 
 class TestPngEncoder : public QObject
 {
@@ -33,6 +36,7 @@ private slots:
     void another_process_has_low_priority();
     void a_process_that_fails_is_replaced_data();
     void a_process_that_fails_is_replaced();
+    void a_process_that_was_stopped_is_replaced();
     void a_process_that_is_killed_at_any_moment_is_replaced();
     void processes_end_with_the_encoder();
     void an_image_that_cannot_be_encoded_has_no_result();
@@ -46,27 +50,6 @@ constexpr int height = 600;
 QImage Large_Picture(int seed = 0)
 {
     return Support::Picture(width, height, seed);
-}
-
-/// The running processes that this one has started.
-QList<pid_t> Children()
-{
-    QList<pid_t> children;
-    const QString id = QString::number(getpid());
-    const QByteArray ids =
-        Support::Read_File(QStringLiteral("/proc/%1/task/%1/children").arg(id)).trimmed();
-    for (const QByteArray& child : ids.split(' ')) {
-        if (!child.isEmpty())
-            children += child.toInt();
-    }
-    return children;
-}
-
-/// A field of /proc/PID/stat, counted from the process state, which is 0.
-QByteArray Process_Field(pid_t process, int index)
-{
-    const QByteArray fields = Support::Read_File(QStringLiteral("/proc/%1/stat").arg(process));
-    return fields.mid(fields.lastIndexOf(')') + 2).split(' ').value(index);
 }
 
 void Add_Picture_Row(const char* name, QImage::Format format)
@@ -163,12 +146,11 @@ void TestPngEncoder::it_is_full_with_as_many_images_as_jobs()
 
 void TestPngEncoder::another_process_has_low_priority()
 {
-    constexpr int nice_field = 16;
     TPngEncoder encoder(2);
     encoder.Add(Support::Picture(4000, 3000));
     const QList<pid_t> children = Children();
     QCOMPARE(children.size(), 1);
-    QTRY_COMPARE(Process_Field(children.first(), nice_field), QByteArray("19"));
+    QTRY_COMPARE(Support::Process_Field(children.first(), Support::Nice_Field), QByteArray("19"));
 }
 
 void TestPngEncoder::a_process_that_fails_is_replaced_data()
@@ -187,6 +169,17 @@ void TestPngEncoder::a_process_that_fails_is_replaced()
     TPngEncoder encoder(2, program);
     encoder.Add(Large_Picture());
     QCOMPARE(encoder.Take(), Support::Png(Large_Picture()));
+}
+
+void TestPngEncoder::a_process_that_was_stopped_is_replaced()
+{
+    TPngEncoder encoder(2);
+    encoder.Add(Large_Picture());
+    const QList<pid_t> children = Children();
+    QCOMPARE(children.size(), 1);
+    QCOMPARE(kill(children.first(), SIGSTOP), 0);
+    QCOMPARE(encoder.Take(), Support::Png(Large_Picture()));
+    QCOMPARE(Children(), QList<pid_t>());
 }
 
 void TestPngEncoder::a_process_that_is_killed_at_any_moment_is_replaced()

@@ -50,6 +50,10 @@ private slots:
     void order_names_and_appearance_are_stored();
     void an_image_that_two_pages_share_is_stored_once();
     void an_image_that_comes_back_is_not_stored_again();
+    void the_png_of_an_image_replaces_the_imported_bytes_data();
+    void the_png_of_an_image_replaces_the_imported_bytes();
+    void an_image_that_is_encoded_before_the_log_exists_is_stored_as_png();
+    void the_png_of_an_image_that_the_document_does_not_have_is_not_stored();
     void a_page_with_many_labels_is_stored();
     void pages_that_fill_rows_of_labels_are_stored_data();
     void pages_that_fill_rows_of_labels_are_stored();
@@ -310,6 +314,61 @@ void TestLogWriter::an_image_that_comes_back_is_not_stored_again()
     QCOMPARE(Difference(), QString());
     Data().Set_Page_Image(image.Encoded());
     QCOMPARE(Rows_Of_Update(), qint64(2));
+    QCOMPARE(Difference(), QString());
+}
+
+void TestLogWriter::the_png_of_an_image_replaces_the_imported_bytes_data()
+{
+    QTest::addColumn<bool>("has_base");
+    QTest::newRow("imported") << false;
+    QTest::newRow("from the base") << true;
+}
+
+void TestLogWriter::the_png_of_an_image_replaces_the_imported_bytes()
+{
+    QFETCH(bool, has_base);
+    const QByteArray bytes = Support::Encoded(Picture(20, 10, 9), "BMP");
+    Data().Set_Active_Page(2);
+    Data().Set_Page_Image(TPageImage::From_Bytes(bytes));
+    TBaseFile base;
+    if (has_base) {
+        Support::Write_File(In("base.quillet"), Project_Of(*d_document));
+        TFileContent content = ProjectFile::Read(Read_File(In("base.quillet")));
+        TFilePlaces places;
+        for (TFilePage& page : *content.pages) {
+            places.push_back(page.place);
+            places.back().image_id = Data().Page(static_cast<int>(places.size())).image.Id();
+        }
+        base = TBaseFile(In("base.quillet"), TFileStamp::Of(In("base.quillet")), places);
+    }
+    QVERIFY(Update(base));
+    QCOMPARE(Difference(), QString());
+    const TPageImage image = Data().Page(2).image;
+    const QByteArray png = image.Png();
+    QVERIFY(d_writer->Store_Png(image));
+    const TFileContent content = ProjectFile::Read(Recovered(Log()));
+    QCOMPARE(content.pages->at(1).image.Source_Bytes(), png);
+    QCOMPARE(content.pages->at(1).items.size(), std::size_t{5});
+    // Once only.
+    QCOMPARE(Rows_Of_Update(base), qint64{0});
+}
+
+void TestLogWriter::an_image_that_is_encoded_before_the_log_exists_is_stored_as_png()
+{
+    Data().Set_Active_Page(2);
+    Data().Set_Page_Image(TPageImage::From_Bytes(Support::Encoded(Picture(20, 10, 9), "BMP")));
+    const QByteArray png = Data().Page(2).image.Png();
+    QVERIFY(Update());
+    const TFileContent content = ProjectFile::Read(Recovered(Log()));
+    QCOMPARE(content.pages->at(1).image.Source_Bytes(), png);
+}
+
+void TestLogWriter::the_png_of_an_image_that_the_document_does_not_have_is_not_stored()
+{
+    QVERIFY(Update());
+    const qint64 rows = d_writer->Written_Rows();
+    QVERIFY(d_writer->Store_Png(Picture(20, 10, 9)));
+    QCOMPARE(d_writer->Written_Rows(), rows);
     QCOMPARE(Difference(), QString());
 }
 
