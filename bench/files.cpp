@@ -5,6 +5,8 @@
 #include "src/quillet.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
+#include <QEventLoop>
 #include <QFile>
 
 namespace {
@@ -88,6 +90,51 @@ void save_imported(benchmark::State& state)
         [&] { Require(window->Save_Data(path)); });
 }
 BENCH_SLOW(save_imported);
+
+/// Whether images are being encoded in other processes.
+bool Is_Encoding()
+{
+    const QString id = QString::number(QCoreApplication::applicationPid());
+    return !Bench::Read_File(QStringLiteral("/proc/%1/task/%1/children").arg(id)).isEmpty();
+}
+
+/// Imports pages, and waits until they are encoded in the background.
+void Import_And_Pause(TQuillet* window)
+{
+    QStringList paths;
+    for (int page = 0; page < imported_pages; ++page)
+        paths += Jpeg(page);
+    window->Open_Arguments(paths);
+    Require(Is_Encoding());
+    while (Is_Encoding())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void save_after_pause(benchmark::State& state)
+{
+    std::unique_ptr<TQuillet> window;
+    QString path;
+    Bench::Measure(
+        &state,
+        [&] {
+            window = std::make_unique<TQuillet>(nullptr, Qt::WindowFlags());
+            Import_And_Pause(window.get());
+            path = Fresh_Path();
+        },
+        [&] { Require(window->Save_Data(path)); });
+}
+BENCH_SLOW(save_after_pause);
+
+void write_plain(benchmark::State& state)
+{
+    const QString source = Bench::Document_File(QStringLiteral("imported.quillet"),
+                                                Bench::Shape(10, 0, TGrain::Noisy, 10));
+    const QByteArray bytes = Bench::Read_File(source);
+    QString path;
+    Bench::Measure(
+        &state, [&] { path = Fresh_Path(); }, [&] { Write_Plain(path, bytes); });
+}
+BENCH_SLOW(write_plain);
 
 void encode_alone(benchmark::State& state)
 {

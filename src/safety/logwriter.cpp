@@ -257,8 +257,7 @@ bool TLogWriter::Write_Image(const TPageImage& image, const TBaseFile& base)
         d_images.insert(id, false);
         return true;
     }
-    const TByteSource source =
-        image.Needs_Encoding() ? image.Stored_Source() : image.Stored_Png();
+    const TByteSource source = image.Needs_Encoding() ? image.Stored_Source() : image.Stored_Png();
     const QByteArray bytes = source.Read();
     // After an error, it stays, too, and may be replaced later.
     if (bytes.size() != source.Size())

@@ -1,5 +1,6 @@
 // An editing session for tests/faults/powerloss: opens a document, adds labels, imports a page,
-// saves and loses the focus now and then. It ends without closing the document, like a power cut.
+// saves and loses the focus now and then. Meanwhile, images are encoded in the background. It ends
+// without closing the document, like a power cut.
 //
 // Usage: powersession DOCUMENT IMAGE [large|linked]
 //   large   reads images from the document's file when they are needed, as if it were large
@@ -18,8 +19,10 @@
 #include <QCoreApplication>
 #include <QFile>
 
+#include <algorithm>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <iterator>
 #include <unistd.h>
 
 namespace {
@@ -28,6 +31,8 @@ constexpr int edits = 40;
 constexpr int edits_per_save = 13;
 constexpr int edits_per_pause = 9;
 constexpr int import_at = 7;
+/// The first results are stored in a log that refers to the opened file, the others as bytes.
+constexpr int results_at[] = {3, 10};
 
 template <typename TFunction>
 TFunction* From_Library(const char* name)
@@ -48,6 +53,15 @@ void Lose_Focus(TOpenWindow* window)
 {
     QApplication::setActiveWindow(window);
     QApplication::setActiveWindow(nullptr);
+}
+
+/// Waits until all images are encoded.
+void Take_Results(const TOpenWindow& window)
+{
+    for (const TPageItem& page : window.d_data.Pages()) {
+        while (page.image.Needs_Encoding())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
 }
 
 void Edit(TOpenWindow* window, int edit)
@@ -81,6 +95,8 @@ int main(int argument_count, char** arguments)
             window.Import_Files({QFile::decodeName(arguments[2])});
         Edit(&window, edit);
         QCoreApplication::processEvents();
+        if (std::find(std::begin(results_at), std::end(results_at), edit) != std::end(results_at))
+            Take_Results(window);
         if (edit % edits_per_pause == 0)
             Lose_Focus(&window);
         if (edit % edits_per_save == 0)

@@ -43,6 +43,12 @@ def pages_in(path):
         return None
 
 
+def images_of(document, photograph):
+    """The images that a document may contain later: its own, and the encoded photograph."""
+    with open(photograph + ".png", "rb") as file:
+        return {file.read()} | {image for image, _ in pages_in(document)}
+
+
 def whole_projects(document, home):
     """The pages of each complete file: the document, its backups and recovered work."""
     paths = [document] if os.path.exists(document) else []
