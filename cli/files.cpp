@@ -3,6 +3,7 @@
 #include "cli/errors.h"
 #include "cli/terminal.h"
 #include "cli/translate.h"
+#include "core/openfile.h"
 #include "core/safefile.h"
 #include "core/samefile.h"
 #include "core/xmlfile.h"
@@ -23,9 +24,6 @@
 #include <unistd.h>
 
 namespace {
-
-/// In bytes. QFile::readAll() returns nothing for a file that is a few bytes larger.
-constexpr qint64 largest_content = 0x7fffff00;
 
 [[noreturn]] void Throw_Too_Large(const QString& path)
 {
@@ -68,11 +66,11 @@ QByteArray Read_Pipe(const QString& path, QFile* pipe)
     for (QByteArray block = pipe->read(block_size); !block.isEmpty();
          block = pipe->read(block_size)) {
         const qint64 size = qint64{content.size()} + block.size();
-        if (size > largest_content)
+        if (size > TOpenFile::Largest_Read)
             Throw_Too_Large(path);
         // An array that grows by itself may become larger than the limit, which fails.
         if (size > content.capacity())
-            content.reserve(static_cast<int>(qMin(largest_content, 2 * size)));
+            content.reserve(static_cast<int>(qMin(TOpenFile::Largest_Read, 2 * size)));
         content += block;
     }
     return content;
@@ -147,7 +145,7 @@ QByteArray Files::Read(const QString& path)
                     : file.open(QIODevice::ReadOnly)))
         Throw_Read_Error(path,
                          QFileInfo(path).isDir() ? qt_error_string(EISDIR) : file.errorString());
-    if (file.size() > largest_content)
+    if (file.size() > TOpenFile::Largest_Read)
         Throw_Too_Large(path);
     // Devices have no size, even if they are endless.
     const bool is_pipe = file.isSequential() || file.size() == 0;

@@ -14,8 +14,6 @@ namespace {
 
 /// In bytes. TWorkWatch is notified of each block.
 constexpr qint64 copy_size = 8 * 1024 * 1024;
-/// QFile::readAll() returns nothing for a file that is a few bytes larger.
-constexpr qint64 largest_array = 0x7fffff00;
 
 /// All open files that have a name. The list is never destroyed, since static objects may close
 /// files at the end of the program.
@@ -107,7 +105,7 @@ bool TOpenFile::Is_Changed() const
 
 QByteArray TOpenFile::Read(qint64 offset, qint64 length) const
 {
-    if (length <= 0 || length > largest_array || Is_Changed())
+    if (length <= 0 || length > Largest_Read || Is_Changed())
         return QByteArray();
     QByteArray bytes(static_cast<int>(length), Qt::Uninitialized);
     // The file may change while it is read.

@@ -38,8 +38,12 @@ public:
     /// Whether another program has changed the content since the file was opened.
     bool Is_Changed() const;
 
+    /// Limit of Read(), in bytes. QFile::readAll() returns nothing for a file that is a few bytes
+    /// larger.
+    static constexpr qint64 Largest_Read = 0x7fffff00;
+
     /// Reads a part. Notifies TWorkWatch.
-    /// @return its bytes; empty after a change or an error, or for more than QByteArray can hold.
+    /// @return its bytes; empty after a change or an error, or beyond Largest_Read.
     QByteArray Read(qint64 offset, qint64 length) const;
 
     /// Appends a part to a file that is open for writing. The files share the blocks on the disk
