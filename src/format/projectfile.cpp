@@ -17,6 +17,13 @@
 #include <cassert>
 #include <optional>
 
+namespace {
+
+/// In bytes. Labels of a page, and all fields up to the next image, are mostly one read.
+constexpr qint64 window_size = 4096;
+
+} // namespace
+
 TProjectWriter::TProjectWriter()
 {
     Write_Integer(ProjectLayout::Magic);
@@ -137,9 +144,14 @@ TPageImage TProjectReader::Read_Image()
 /// Reads a part of the file.
 QByteArray TProjectReader::Read(const TFilePart& part)
 {
-    QByteArray bytes = d_file.Read(part.offset, part.length);
-    d_valid = d_valid && (!bytes.isEmpty() || !d_file.Is_Lost());
-    return bytes;
+    const qint64 end = part.offset + part.length;
+    if (part.offset < d_window_offset || end > d_window_offset + d_window.size()) {
+        d_window_offset = part.offset;
+        d_window = d_file.Read(part.offset, qMax(part.length, window_size));
+        d_valid = d_valid && (!d_window.isEmpty() || !d_file.Is_Lost());
+    }
+    return d_window.mid(static_cast<int>(part.offset - d_window_offset),
+                        static_cast<int>(part.length));
 }
 
 TFilePart TProjectReader::Read_Field()

@@ -104,6 +104,8 @@ private:
     QByteArray Read(const TFilePart& part);
 
     TByteSource d_file;
+    QByteArray d_window; ///< bytes of the file that were read last
+    qint64 d_window_offset = 0;
     TFilePart d_last_field{0, 0};
     /// Of the next field; past the end when the last length pointed there.
     qint64 d_position = 0;
