@@ -3,12 +3,13 @@
 #include "core/xmlfile.h"
 #include "core/xmlguard.h"
 #include "src/format/itemxml.h"
+#include "src/format/plainitems.h"
+
+#include <algorithm>
 
 namespace {
 
 constexpr int position_decimals = 2;
-
-const QLatin1String text_name("Text");
 
 template <typename TContent>
 void Write_Child(TXmlFile* xml_file, QDomElement* parent, const QString& name,
@@ -28,7 +29,7 @@ void Write_Item(TXmlFile* xml_file, const TDataItem& item)
     QDomElement node = xml_file->Create_Node(&xml_file->d_root_element, ItemXml::Item_Name);
     Write_Child(xml_file, &node, ItemXml::Id_Name, item.id);
     Write_Child(xml_file, &node, ItemXml::Value_Name, item.value);
-    QDomElement text = xml_file->Create_Node(&node, text_name);
+    QDomElement text = xml_file->Create_Node(&node, ItemXml::Text_Name);
     xml_file->Write_Lines(&text, item.text);
     Write_Child(xml_file, &node, ItemXml::Border_Name, item.border_type);
     const QString position =
@@ -49,6 +50,14 @@ QString Cleaned(const QString& text)
         }
     }
     return cleaned;
+}
+
+/// The beginning of a document that Write() wrote without texts, up to its first label.
+QByteArray Plain_Start()
+{
+    static const QByteArray start =
+        ItemList::Write({}).chopped(static_cast<int>(qstrlen("/>"))) + '>';
+    return start;
 }
 
 TDataItem Writable(TDataItem item, ItemList::TBadText bad_text)
@@ -77,9 +86,7 @@ QByteArray ItemList::Write(const std::vector<TDataItem>& items, TBadText bad_tex
 
 QByteArray ItemList::With_Texts(const QByteArray& document, const TPageTexts& texts)
 {
-    // The beginning of a document that Write() wrote without texts.
-    const QByteArray plain_start = Write({}).chopped(static_cast<int>(qstrlen("/>"))) + '>';
-    if (document.startsWith(plain_start) && PageTexts::Attributes(texts).isEmpty())
+    if (document.startsWith(Plain_Start()) && PageTexts::Attributes(texts).isEmpty())
         return document;
     std::vector<TDataItem> items;
     Read(document, [&items](const TDataItem& item) { items.push_back(item); });
@@ -91,7 +98,7 @@ TDataItem ItemList::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
     TDataItem item;
     item.id = ItemXml::Read_Integer(xml_file, node, ItemXml::Id_Name);
     item.value = ItemXml::Read_Integer(xml_file, node, ItemXml::Value_Name);
-    const QDomElement text = xml_file.Get_Node(&node, text_name, true);
+    const QDomElement text = xml_file.Get_Node(&node, ItemXml::Text_Name, true);
     if (!text.isNull())
         item.text = xml_file.Read_Text_Node(&text, true);
     item.border_type = ItemXml::Read_Integer(xml_file, node, ItemXml::Border_Name);
@@ -105,6 +112,12 @@ TDataItem ItemList::Read_Item(const TXmlFile& xml_file, const QDomElement& node)
 void ItemList::Read(const QByteArray& document, const std::function<void(const TDataItem&)>& add,
                     TPageTexts* texts)
 {
+    if (const auto items = PlainItems::Read(document, Plain_Start())) {
+        if (texts)
+            *texts = TPageTexts();
+        std::for_each(items->cbegin(), items->cend(), add);
+        return;
+    }
     TXmlFile xml_file;
     int version = 0;
     xml_file.Open_Data(document, ItemXml::Root_Name, &version, true);

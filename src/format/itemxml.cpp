@@ -10,6 +10,7 @@ const QLatin1String Root_Name("Quillet_Data");
 const QLatin1String Item_Name("Item");
 const QLatin1String Id_Name("Id");
 const QLatin1String Value_Name("Value");
+const QLatin1String Text_Name("Text");
 const QLatin1String Border_Name("Border_Type");
 const QLatin1String Position_Name("Position");
 

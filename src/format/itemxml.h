@@ -14,6 +14,7 @@ extern const QLatin1String Root_Name;
 extern const QLatin1String Item_Name;
 extern const QLatin1String Id_Name;
 extern const QLatin1String Value_Name;
+extern const QLatin1String Text_Name;
 extern const QLatin1String Border_Name;
 extern const QLatin1String Position_Name;
 
