@@ -679,8 +679,7 @@ void TestHostileSessions::Recover()
 void TestHostileSessions::Check_Pictures()
 {
     for (int page = 0; page < int(d_pages.size()); ++page)
-        Check_Image(page, d_window->d_data.Page(Page_Id(page)).image.Pixels_Once(),
-                    "in the document");
+        Check_Image(page, d_window->d_data.Page(Page_Id(page)).image, "in the document");
 }
 
 void TestHostileSessions::Drop_Pixels()
