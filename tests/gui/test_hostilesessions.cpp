@@ -80,12 +80,13 @@ QImage Picture(int number)
 }
 
 /// PNG files of all pictures have the same size, so that each of them can be read in place of
-/// another one. Decoders ignore what follows the end of the image.
+/// another one. Decoders ignore what follows the end of the image. As in other PNG files, the last
+/// bytes differ: recovered work recognizes an image by them.
 QByteArray Padded_Png(int number)
 {
     constexpr int size = 40'000;
     const QByteArray png = Support::Png(Picture(number));
-    return png + QByteArray(size - png.size(), 'x');
+    return png + QByteArray(size - png.size(), char('a' + number));
 }
 
 /// A document of another program or window: pictures in another order, and other labels.
