@@ -13,7 +13,7 @@ import re
 
 from driver import Box, click, drag, point_at, press, stable_screen, turn_wheel, write
 from results import Project, report_pages
-from session import (BORDERS, COLOUR, DIAMOND, TRIANGLE, check, check_labels, check_near,
+from session import (BORDERS, COLOUR, SQUARE, TRIANGLE, check, check_labels, check_near,
                      close_unchanged, import_pages, label_at, run_parts, save_as, start_working)
 
 FIRST_PAGE, LAST_PAGE = 16, 18
@@ -26,14 +26,14 @@ TO_BORDER = 6
 
 
 def label_page(session):
-    """Adds two labels with other borders."""
+    """Adds two labels with other borders. Their upright lines have pixels of the unmixed colour."""
     page = session.pages[PAGE]
     session.page_row(PAGE)
     # The view zooms about its centre. Coming from a zoom that shows the whole page, that is the
     # page's centre.
     session.set_slider("zoom", *["Prior"] * 10)
     session.labels = []
-    for border, spot in zip((TRIANGLE, DIAMOND), session.spots(page, (-80, -40), (80, 40))):
+    for border, spot in zip((TRIANGLE, SQUARE), session.spots(page, (-80, -40), (80, 40))):
         session.click_page(page, spot, button=3)
         session.click_page(page, spot)
         press(*["Tab"] * TO_BORDER, "Home", *["Down"] * BORDERS.index(border))
