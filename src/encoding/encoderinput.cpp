@@ -3,6 +3,7 @@
 #include "src/encoding/rawimage.h"
 
 #include <QDataStream>
+#include <QIODevice>
 
 qint64 TEncoderInput::Pixel_Count() const
 {

@@ -130,7 +130,7 @@ void TestLargeDocuments::cleanup()
 
 void TestLargeDocuments::Open()
 {
-    d_window->Open_File(Path());
+    d_window->Open_Arguments({Path()});
     QCOMPARE(Describe(d_window.get()), Contents());
 }
 
@@ -190,7 +190,7 @@ void TestLargeDocuments::the_images_of_a_small_file_are_in_memory()
 {
     Support::Write_File(Path(), Header(40, "#0a141e", "", "", 1) +
                                     Page_Record("p0", Support::Png(Picture(0)), Labels(100)));
-    d_window->Open_File(Path());
+    d_window->Open_Arguments({Path()});
     QVERIFY(d_window->d_data.Pages()[0].image.Stored_Source().Is_In_Memory());
     Support::Write_File(Path(), "other content");
     QCOMPARE(Support::Difference(Image(0), Picture(0)), QString());
