@@ -439,6 +439,7 @@ void TestHostileSessions::Fail(const QString& problem)
 void TestHostileSessions::Start_With(const QByteArray& document)
 {
     d_window->Open_File(d_path);
+    d_window->Update_Document_Actions();
     Set_Own_Version(document);
     d_image_inode = d_own_inode;
     d_pages = Pages_In(document).value_or(TPlainPages());
