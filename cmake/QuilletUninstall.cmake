@@ -11,7 +11,9 @@ file(GLOB_RECURSE data_paths LIST_DIRECTORIES true RELATIVE ${PROJECT_SOURCE_DIR
     CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/share/*)
 set(installed_folders ${CMAKE_INSTALL_BINDIR} libexec/quillet ${CMAKE_INSTALL_MANDIR}/man1
     ${CMAKE_INSTALL_DOCDIR}/pictures ${CMAKE_INSTALL_DOCDIR}/sample
-    ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+    ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
+    # Debian's folder, below /usr.
+    ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
 foreach(path IN LISTS data_paths)
     if(IS_DIRECTORY ${PROJECT_SOURCE_DIR}/share/${path})
         list(APPEND installed_folders ${CMAKE_INSTALL_DATADIR}/${path})

@@ -2,6 +2,7 @@
 
 #include "src/quillet.h"
 
+#include "src/format/imageencoder.h"
 #include "src/format/legacyfile.h"
 #include "src/model/imagefiles.h"
 #include "src/pageinput/inputfile.h"
@@ -204,8 +205,13 @@ void TQuillet::Insert_Pages(const std::vector<TPageImage>& images, int row)
         Record_Step(TStepKind::Insert_Pages, 0, static_cast<int>(images.size()));
     for (const TPageImage& image : images)
         d_page_widget->Insert_Page(d_data.Add_Page(image), row++);
-    Mark_Changed();
     Encode_Images();
+    // The work log would encode them one after the other.
+    for (const TPageImage& image : images) {
+        if (!image.Has_Source())
+            d_image_encoder->Encode(image);
+    }
+    Mark_Changed();
     Update_Document_Actions();
 }
 

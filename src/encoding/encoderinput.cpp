@@ -13,7 +13,7 @@ qint64 TEncoderInput::Pixel_Count() const
 
 qint64 TEncoderInput::Memory() const
 {
-    constexpr qint64 largest_pixel = 8; // bytes
+    constexpr qint64 largest_pixel = 16; // bytes
     return largest_pixel * Pixel_Count() + file.Size();
 }
 

@@ -20,7 +20,7 @@ struct TEncoderInput
 
     qint64 Pixel_Count() const;
 
-    /// An upper bound for the memory that the decoded image takes, in bytes.
+    /// An upper bound for the memory that the file and its decoded image take, in bytes.
     qint64 Memory() const;
 
     /// The pixels. Decodes the file; null if that fails.

@@ -49,6 +49,9 @@ void TEncodingJob::Start(const TEncoderInput& input, const QString& program)
     d_process.setStandardOutputFile(d_output.Path());
     d_process.setStandardErrorFile(QProcess::nullDevice());
     d_process.start(program, QStringList());
+    // Without a pipe, the state does not change.
+    if (!Is_Running())
+        emit Ended();
 }
 
 QByteArray TEncodingJob::Wait()

@@ -37,7 +37,8 @@ public:
     void Resume();
 
 signals:
-    /// The process has ended, or cannot be started. Do not delete the job now.
+    /// The process has ended, or could not be started. Perhaps emitted twice. Use a queued
+    /// connection to delete the job.
     void Ended();
 
 private:

@@ -17,9 +17,8 @@
 
 namespace {
 
-/// Leaves the processor to programs that somebody waits for, and ends with the program that waits
-/// for the result.
-void Step_Back()
+/// Runs at the lowest priority, and ends when the program that started this process ends.
+void Lower_Priority_And_Follow_Parent()
 {
     constexpr int lowest_priority = 19;
     setpriority(PRIO_PROCESS, 0, lowest_priority);
@@ -46,7 +45,7 @@ void Limit_Memory(qint64 image_size)
 
 int main()
 {
-    Step_Back();
+    Lower_Priority_And_Follow_Parent();
     QFile input;
     QFile output;
     if (!input.open(STDIN_FILENO, QIODevice::ReadOnly) ||

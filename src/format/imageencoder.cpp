@@ -18,8 +18,10 @@ TImageEncoder::~TImageEncoder() = default;
 void TImageEncoder::Set_Images(const std::vector<TPageImage>& images)
 {
     d_images.clear();
-    std::copy_if(images.cbegin(), images.cend(), std::back_inserter(d_images),
-                 [](const TPageImage& image) { return image.Needs_Encoding(); });
+    std::copy_if(
+        images.cbegin(), images.cend(), std::back_inserter(d_images),
+        // A lost image does not need encoding, but may still get a result.
+        [this](const TPageImage& image) { return image.Needs_Encoding() || Is_Encoding(image); });
     QSet<quint64> ids;
     for (const TPageImage& image : d_images)
         ids.insert(image.Id());
@@ -27,13 +29,26 @@ void TImageEncoder::Set_Images(const std::vector<TPageImage>& images)
     d_tried.intersect(ids);
 }
 
+bool TImageEncoder::Is_Encoding(const TPageImage& image) const
+{
+    return std::any_of(d_jobs.cbegin(), d_jobs.cend(),
+                       [&image](const TJob& job) { return job.image.Id() == image.Id(); });
+}
+
 void TImageEncoder::Start()
 {
     for (const TPageImage& image : d_images) {
         if (static_cast<int>(d_jobs.size()) >= d_limit)
             return;
-        if (!d_tried.contains(image.Id()) && image.Needs_Encoding())
-            Start(image);
+        if (d_tried.contains(image.Id()) || !image.Needs_Encoding())
+            continue;
+        const bool was_decoded = image.Is_Decoded();
+        Start(image);
+        if (!was_decoded) {
+            QMetaObject::invokeMethod(
+                this, [this] { Start(); }, Qt::QueuedConnection);
+            return;
+        }
     }
 }
 

@@ -32,11 +32,12 @@ public:
     ~TImageEncoder() override;
     Q_DISABLE_COPY(TImageEncoder)
 
-    /// Sets the images to encode, in this order. Ends the processes of others. Those that are
-    /// encoded already, and copies, cost nothing.
+    /// Sets the images to encode, in this order, and ends the processes of all other images.
+    /// Images that are already encoded, and copies, cost nothing.
     void Set_Images(const std::vector<TPageImage>& images);
 
-    /// Starts to encode the images in the background.
+    /// Starts to encode the images in the background. The event loop runs after each image that has
+    /// to be decoded first.
     void Start();
 
     /// Makes sure that one of the images is encoded: waits for its process, or encodes it here.
@@ -67,6 +68,7 @@ private:
         std::unique_ptr<TEncodingJob> process;
     };
 
+    bool Is_Encoding(const TPageImage& image) const;
     void Start(const TPageImage& image);
     void Take_Ended();
     bool Take(std::list<TJob>::iterator job);

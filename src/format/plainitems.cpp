@@ -44,7 +44,7 @@ public:
 
     bool Is_At_End() const { return d_position == d_document.size(); }
 
-    /// Moves behind these bytes if they are next.
+    /// Skips these bytes if they come next.
     bool Skip(const QByteArray& bytes)
     {
         const bool is_next =
@@ -54,7 +54,7 @@ public:
         return is_next;
     }
 
-    /// Moves behind an element that contains only text.
+    /// Reads and skips an element that contains only text.
     bool Read(const TTags& tags, QByteArray* content)
     {
         if (!Skip(tags.begin))
@@ -72,7 +72,7 @@ private:
     int d_position = 0;
 };
 
-/// Reads an element that contains visible ASCII characters, but none of markup.
+/// Reads an element whose content is visible ASCII characters without "&", "<" and ">".
 bool Read_Word(const TTags& tags, TScanner* scanner, QString* word)
 {
     QByteArray content;

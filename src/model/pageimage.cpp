@@ -63,6 +63,7 @@ struct TPageImage::TContent
     enum TCaching { Cached, Uncached };
     QImage Pixels(TCaching caching = Cached);
     QImage True_Pixels(TCaching caching);
+    QImage Decoded_Png(TCaching caching);
     void Keep_Decoded(const QImage& image, TCaching caching = Cached);
 
     enum TState { Not_Decoded, Decodable, Undecodable };
@@ -86,8 +87,8 @@ QImage TPageImage::TContent::Pixels(TCaching caching)
     return image.isNull() && state != Undecodable ? Placeholder(size) : image;
 }
 
-/// Returns the original pixels or those in the cache, or decodes the source. Null if that is lost
-/// or cannot be read.
+/// Returns the original pixels or those in the cache, or decodes the source. If that is lost or
+/// cannot be read, decodes the PNG. Null without a PNG.
 ///
 /// Pixels that are used only once are not cached, so that they do not replace those of displayed
 /// pages.
@@ -101,9 +102,19 @@ QImage TPageImage::TContent::True_Pixels(TCaching caching)
     const QByteArray bytes = source.Read();
     // An image is not undecodable because its bytes could not be read.
     if (bytes.size() != source.Size())
-        return image;
+        return Decoded_Png(caching);
     image = decoding.Decode(bytes);
     Keep_Decoded(image, caching);
+    return image;
+}
+
+QImage TPageImage::TContent::Decoded_Png(TCaching caching)
+{
+    if (png.Is_Empty())
+        return QImage();
+    const QImage image = TImageDecoding().Decode(png.Read());
+    if (!image.isNull())
+        Keep_Decoded(image, caching);
     return image;
 }
 
@@ -241,7 +252,8 @@ bool TPageImage::Needs_Encoding() const
 
 void TPageImage::Set_Png(const QByteArray& png) const
 {
-    if (Needs_Encoding())
+    // Even if the source is lost: the process that encoded it had a copy.
+    if (d_content && d_content->png.Is_Empty() && !d_content->Is_Source_Png())
         d_content->png = Spool::Keep(png);
 }
 
@@ -249,20 +261,30 @@ TEncoderInput TPageImage::Encoder_Input() const
 {
     if (!d_content)
         return {};
-    // The resolution is unknown before the file is decoded.
+    // The resolution is unknown before the file is decoded. A file of many pictures is larger than
+    // the pixels of one.
+    const qint64 pixel_size = qint64{d_content->size.width()} * d_content->size.height() * 4;
     if (!d_content->source.Is_Empty() && d_content->state == TContent::Decodable &&
-        Is_Bitmap_Format(d_content->decoding.format))
+        d_content->source.Size() <= pixel_size && Is_Bitmap_Format(d_content->decoding.format))
         return {QImage(), d_content->source, d_content->decoding, d_content->size,
                 d_content->dots_per_meter};
     return {d_content->True_Pixels(TContent::Uncached)};
 }
 
-TByteSource TPageImage::Stored_Source() const
+bool TPageImage::Is_Decoded() const
+{
+    return d_content && d_content->state != TContent::Not_Decoded;
+}
+
+bool TPageImage::Has_Source() const
 {
     return d_content && !d_content->source.Is_Empty() && d_content->is_source_sufficient &&
-                   !d_content->source.Is_Lost()
-               ? d_content->source
-               : Stored_Png();
+           !d_content->source.Is_Lost();
+}
+
+TByteSource TPageImage::Stored_Source() const
+{
+    return Has_Source() ? d_content->source : Stored_Png();
 }
 
 bool TPageImage::Is_Lost() const

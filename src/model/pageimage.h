@@ -159,10 +159,16 @@ public:
     /// The same, where they are stored.
     TByteSource Stored_Source() const;
 
+    /// Whether Source_Bytes() are the original bytes, so that nothing has to be encoded for them.
+    bool Has_Source() const;
+
+    /// Whether size and validity are known without decoding.
+    bool Is_Decoded() const;
+
     /// Whether nothing is left of the image: another program has changed the file that contained
     /// it, and its pixels are not in the cache. Its pixels are those of a placeholder then: a gray
-    /// page, crossed out, of the size that the image had if that is known. So are those of an
-    /// image that cannot be read, which is not lost.
+    /// page, crossed out, of the size that the image had if that is known. An image that cannot be
+    /// read shows the same placeholder, but is not lost.
     bool Is_Lost() const;
 
     /// A number shared by the copies of an image that have the same source bytes, including those

@@ -259,9 +259,11 @@ bool TLogWriter::Write_Image(const TPageImage& image, const TBaseFile& base)
     }
     const TByteSource source = image.Needs_Encoding() ? image.Stored_Source() : image.Stored_Png();
     const QByteArray bytes = source.Read();
-    // After an error, it stays, too, and may be replaced later.
-    if (bytes.size() != source.Size())
+    // Keep that row after a read error, too. Store_Reference() may replace it later.
+    if (bytes.size() != source.Size()) {
+        d_images.insert(id, d_images.value(id, true));
         return true;
+    }
     d_images.insert(id, false);
     d_image_bytes += bytes.size();
     return Run(&d_statements->set_image, id, bytes);

@@ -116,6 +116,6 @@ private:
     TAppearance d_appearance;
     TWorkDocument d_document;
     std::unordered_map<int, TPage> d_pages; ///< by page id
-    QHash<quint64, bool> d_images;          ///< by id; true for a reference
-    qint64 d_image_bytes = 0;               ///< stored since the write-ahead log was shortened
+    QHash<quint64, bool> d_images; ///< by id; true for a reference, or if it could not be read
+    qint64 d_image_bytes = 0;      ///< stored since the write-ahead log was shortened
 };

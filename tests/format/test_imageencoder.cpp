@@ -67,8 +67,11 @@ constexpr int height = 600;
 /// An image that was imported from a file in another format. Large ones go to another process.
 TPageImage Imported(int image_width, int image_height, int seed)
 {
-    return TPageImage::From_Bytes(
+    const TPageImage image = TPageImage::From_Bytes(
         Support::Encoded(Support::Picture(image_width, image_height, seed), "BMP"));
+    // The import decodes it.
+    image.size();
+    return image;
 }
 
 TPageImage Large(int seed = 0)
@@ -367,7 +370,9 @@ void TestImageEncoder::an_image_that_was_removed_gets_no_result()
     TImageEncoder encoder(1);
     Begin(&encoder, {first});
     // Its process ends, but the event loop does not run.
-    usleep(500'000);
+    const pid_t child = Children().first();
+    while (Support::Process_Field(child, Support::State_Field) != "Z")
+        usleep(10'000);
     Begin(&encoder, {second});
     QTRY_VERIFY_WITH_TIMEOUT(!second.Needs_Encoding(), patience);
     QVERIFY(first.Needs_Encoding());

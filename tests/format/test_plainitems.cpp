@@ -100,13 +100,12 @@ void TestPlainItems::other_documents_are_not_plain()
 
 void TestPlainItems::changed_documents_are_read_as_with_a_dom()
 {
-    const QByteArray original = Item_List(
-        Item_Element("5", "7", "one &amp; two", "1", "10.00,20.00").replace("&amp;", "+") +
-        Item_Element("-6", "8", "", "2", "-1.50,.5") +
-        Item_Element("7", "9",
-                     "Gr\xc3\xb6\xc3\x9f"
-                     "e",
-                     "4", "0.00,0.00"));
+    const QByteArray original = Item_List(Item_Element("5", "7", "one + two", "1", "10.00,20.00") +
+                                          Item_Element("-6", "8", "", "2", "-1.50,.5") +
+                                          Item_Element("7", "9",
+                                                       "Gr\xc3\xb6\xc3\x9f"
+                                                       "e",
+                                                       "4", "0.00,0.00"));
     const QList<QByteArray> pieces{
         "&amp;", "]]>",  "\r",           "\n",       " ",    "\t",  "<Text/>",
         "&",     "\001", "\xff",         "\xc3",     ">",    "1e3", "99999999999",

@@ -9,6 +9,7 @@
 #include "support/support.h"
 
 #include <QBuffer>
+#include <QFile>
 #include <QImageReader>
 #include <QPainter>
 #include <QTemporaryDir>
@@ -1008,6 +1009,34 @@ private slots:
         QVERIFY(!image.isNull());
         QCOMPARE(image.pixelColor(image.width() / 2, 2), QColor(Qt::lightGray));
         QCOMPARE(image.Stored_Source().Size(), qint64(png.size()) + 1);
+    }
+
+    void an_overwritten_image_is_decoded_from_its_png_data()
+    {
+        QTest::addColumn<bool>("is_encoded_later");
+        QTest::newRow("encoded before") << false;
+        QTest::newRow("result of a process that had a copy") << true;
+    }
+
+    void an_overwritten_image_is_decoded_from_its_png()
+    {
+        QFETCH(const bool, is_encoded_later);
+        const QTemporaryDir folder;
+        const QImage picture = Support::Picture(40, 30);
+        const QByteArray png = Support::Png(picture);
+        const QByteArray bmp = Support::Encoded(picture, "BMP");
+        Support::Write_File(folder.filePath("file"), bmp);
+        const TPageImage image = TPageImage::From_Bytes(
+            TByteSource(TOpenFile::Open(folder.filePath("file")), 0, bmp.size()));
+        if (!is_encoded_later)
+            image.Set_Png(png);
+        QVERIFY(QFile::resize(folder.filePath("file"), 10));
+        QCOMPARE(image.Is_Lost(), is_encoded_later);
+        image.Set_Png(png);
+        QVERIFY(!image.Is_Lost());
+        QCOMPARE(Support::Difference(image, picture), QString());
+        QCOMPARE(image.Png(), png);
+        QCOMPARE(image.Source_Bytes(), png);
     }
 };
 

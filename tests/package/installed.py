@@ -63,6 +63,11 @@ def png_size(path):
     return int.from_bytes(header[16:20], "big"), int.from_bytes(header[20:24], "big")
 
 
+def packaged_files():
+    """Returns all files of the Debian package, relative to /usr."""
+    return sorted([*expected_files(zsh_folder="vendor-completions"), "share/lintian/overrides/quillet"])
+
+
 def expected_files(zsh_folder="site-functions"):
     """Returns all installed files, relative to the prefix."""
     icons = [f"share/icons/hicolor/{size}x{size}/{name}.png" for size in ICON_SIZES

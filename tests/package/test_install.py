@@ -31,8 +31,8 @@ class TestInstallation(unittest.TestCase):
     def uninstall(self, stage=""):
         run_with({"DESTDIR": stage}, "cmake", "--build", self.build, "--target", "uninstall")
 
-    def check_files(self, folder):
-        self.assertEqual(installed.files_below(folder), installed.expected_files())
+    def check_files(self, folder, **folders):
+        self.assertEqual(installed.files_below(folder), installed.expected_files(**folders))
 
     def test_it_needs_only_the_programs(self):
         self.install(self.root)
@@ -48,6 +48,23 @@ class TestInstallation(unittest.TestCase):
         self.check_files(local)
         self.uninstall(self.root)
         self.assertEqual(tree(self.root), before)
+
+    def test_uninstall_leaves_nothing_under_usr(self):
+        self.install("/usr", self.root)
+        self.check_files(os.path.join(self.root, "usr"), zsh_folder="vendor-completions")
+        self.uninstall(self.root)
+        self.assertEqual(tree(self.root), [])
+
+    def test_uninstall_refuses_a_relative_staging_root(self):
+        self.install("/usr", self.root)
+        with self.assertRaisesRegex(AssertionError, "DESTDIR must be an absolute path"):
+            self.uninstall("root")
+        self.check_files(os.path.join(self.root, "usr"), zsh_folder="vendor-completions")
+
+    def test_building_the_window_and_the_tool_builds_all_programs(self):
+        for program in ("bin/quillet", "bin/quillet-cli"):
+            commands = run("ninja", "-C", self.build, "-t", "commands", program)
+            self.assertIn("-o libexec/quillet/quillet-encode ", commands)
 
     def test_uninstall_keeps_the_files_of_others_in_a_home_folder(self):
         local = os.path.join(self.root, ".local")

@@ -77,7 +77,7 @@ class Completion:
         cls.addClassCleanup(room.cleanup)
         cls.folder = room.name
         os.mkdir(os.path.join(cls.folder, "folder"))
-        for name in (*(f"page.{kind}" for kind in IMAGES), "a.quillet", "old.qld", "report.pdf",
+        for name in (*(f"page.{kind}" for kind in IMAGES), "a.quillet", "old.qld", "work.log", "report.pdf",
                      "items.csv", "notes.txt"):
             with open(os.path.join(cls.folder, name), "w", encoding="utf-8"):
                 pass
@@ -100,8 +100,8 @@ class Completion:
             if subcommand not in ("create", "kept", "recover"):
                 self.assertEqual(self.complete(subcommand, ""),
                                  ["a.quillet", "folder", "old.qld"])
-        # Only projects can be recovered.
-        self.assertEqual(self.complete("recover", ""), ["a.quillet", "folder"])
+        # Work logs can be recovered, too, but not files of earlier generations.
+        self.assertEqual(self.complete("recover", ""), ["a.quillet", "folder", "work.log"])
         self.assertEqual(self.complete("kept", ""), [])
 
     def test_images_pdfs_and_folders_for_a_new_document(self):

@@ -39,7 +39,7 @@ function __quillet_cli_value
         case --resolution
             printf '%s\n' 96 180 276 372
         case --first --copy --size --header-1 --header-2 --footer --title --name --max-width --dpi --pages \
-                --pdf-pages --label-size --label-color --order --remove --extract --rename --rotate
+                --pdf-pages --label-size --label-color --order --remove --extract --rename --rotate --jobs
             # Free text or a number.
         case '*'
             return 1
@@ -69,7 +69,7 @@ function __quillet_cli_complete
         case kept
             # No argument.
         case recover
-            __quillet_cli_files quillet
+            __quillet_cli_files quillet log
         case '*'
             __quillet_cli_files quillet qld
     end
