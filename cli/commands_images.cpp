@@ -96,8 +96,9 @@ void Commands::Export_Images(TCommandLine* line)
     line->Add_Option(name_option, QStringLiteral("PATTERN"),
                      Tr("Name the images by a pattern with {document}, {page}, {number} and "
                         "{time}."));
-    line->Add_Flag(fast_option, Tr("Compress the images in less time; the files have about the same "
-                                   "size."));
+    line->Add_Flag(fast_option,
+                   Tr("Compress the images in less time; the files have about the same "
+                      "size."));
     line->Add_Option(jobs_option, QStringLiteral("N"),
                      Tr("Encode up to N images at the same time, from 1 to 256; by default as many "
                         "as there are processors."));
