@@ -112,7 +112,7 @@ QImage TPageImage::TContent::Decoded_Png(TCaching caching)
 {
     if (png.Is_Empty())
         return QImage();
-    const QImage image = TImageDecoding().Decode(png.Read());
+    QImage image = TImageDecoding().Decode(png.Read());
     if (!image.isNull())
         Keep_Decoded(image, caching);
     return image;
